@@ -1,0 +1,56 @@
+// Errors that travel between layers, and the one way to pass over them.
+#pragma once
+
+#include <exception>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace base {
+
+// A failure with a number of the dialect's runtime (5 bad call, 6 overflow, 11 division by zero, 13 type
+// mismatch, 94 bad use of Null; the evaluator's own 1, 3 and 5; 0 when there is none), where it arose and a
+// description in Spanish that an operator can read. All texts UTF-8.
+class Error : public std::exception {
+ public:
+  explicit Error(std::string descripcion, int numero = 0, std::string fuente = {})
+      : descripcion_(std::move(descripcion)), fuente_(std::move(fuente)), numero_(numero) {}
+
+  const char* what() const noexcept override { return descripcion_.c_str(); }
+  const std::string& Descripcion() const { return descripcion_; }
+  const std::string& Fuente() const { return fuente_; }
+  int Numero() const { return numero_; }
+
+ private:
+  std::string descripcion_;
+  std::string fuente_;
+  int numero_;
+};
+
+// A failure that a routine passed over on purpose.
+struct ErrorAnotado {
+  std::string donde;        // the routine and its step
+  std::string descripcion;  // what the error said
+};
+
+// Where passed-over failures are noted; tests look at it. A null sink forgets them.
+using SumideroErrores = std::vector<ErrorAnotado>;
+
+// Runs one step whose failure is to be skipped. True when the step ended well. Catches base::Error alone: a
+// defect of the program is not an error of the data, and travels on.
+template <typename Paso>
+bool ErrorIgnorado(std::string_view donde, SumideroErrores* sumidero, Paso&& paso) {
+  try {
+    std::forward<Paso>(paso)();
+    return true;
+  } catch (const Error& e) {
+    if (sumidero != nullptr) sumidero->push_back({std::string(donde), e.Descripcion()});
+    return false;
+  }
+}
+
+// The texts of the runtime's errors by number, in Spanish; an unknown number gives "Error " + number.
+std::string DescripcionDeError(int numero);
+
+}  // namespace base

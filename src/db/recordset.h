@@ -1,0 +1,56 @@
+// All rows of a result, with a cursor. Rows are materialised when the statement runs; copying shares nothing.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/valor.h"
+
+namespace db {
+
+struct Columna {
+  std::string nombre;
+  base::Tipo tipo = base::Tipo::Nulo;  // Nulo: not known before the rows; each value has its own type
+};
+using Columnas = std::vector<Columna>;
+
+class Recordset {
+ public:
+  Recordset() = default;
+  // `celdas` row by row. The column list is shared with the engine's statement cache.
+  Recordset(std::shared_ptr<const Columnas> columnas, std::vector<base::Valor> celdas,
+            std::string fuente = {});
+
+  const Columnas& Campos() const;
+  // Index of the column whatever its case, -1 when there is none.
+  int Posicion(std::string_view nombre) const;
+  std::size_t Cantidad() const { return filas_; }
+  bool Vacio() const { return filas_ == 0; }
+  const base::Valor& En(std::size_t campo, std::size_t fila) const { return celdas_[fila * ancho_ + campo]; }
+
+  // Cursor. At the end Campo throws db::Error.
+  bool Eof() const { return cursor_ >= filas_; }
+  void MoveFirst() { cursor_ = 0; }
+  void MoveNext() { ++cursor_; }
+  const base::Valor& Campo(std::size_t campo) const;
+  const base::Valor& Campo(std::string_view nombre) const;  // throws db::Error when there is no such column
+
+  // All rows as (field, row): the first index is the field.
+  std::vector<std::vector<base::Valor>> GetRows() const;
+
+  // The SQL text it came from.
+  const std::string& Fuente() const { return fuente_; }
+
+ private:
+  std::shared_ptr<const Columnas> columnas_;
+  std::vector<base::Valor> celdas_;
+  std::string fuente_;
+  std::size_t ancho_ = 0;
+  std::size_t filas_ = 0;
+  std::size_t cursor_ = 0;
+};
+
+}  // namespace db

@@ -1,0 +1,83 @@
+// Loading the import file into the rows that the grid shows and the import works through.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/error.h"
+#include "db/db_session.h"
+#include "formula/evaluator.h"
+#include "formula/line_formula.h"
+#include "ports/progress.h"
+#include "ports/prompts.h"
+#include "refdata/concepts_catalogue.h"
+#include "refdata/persons_index.h"
+#include "relations/code_relations.h"
+#include "settings/settings.h"
+
+namespace importfile {
+
+// Field numbers of a row.
+enum CampoFila {
+  kClave,
+  kNombre,
+  kApellido,
+  kCantidad,
+  kTipo,
+  kHorasMes,
+  kTipoRem,
+  kSlot,
+  kDatoExtra,
+  kTipoDato,
+  kTipoOperacion,
+  kTipoCuota,
+  kCC,
+  kVinculado,
+  kValor
+};
+
+struct ImportRow {
+  formula::CamposDeLinea campo;
+  std::string resultado;  // "", "OK" or the reason why it was not imported
+  std::size_t linea = 0;  // of the file, from 1
+};
+
+enum class FiltroPor { Texto = 0, Relacion = 1 };  // the index of OptFiltro
+
+// A line that did not become a row.
+struct LineaAparte {
+  std::size_t linea = 0;
+  bool mal_formada = false;      // else dropped by the filter
+  formula::CamposDeLinea campo;  // what was found for it; a malformed one has what its pieces gave
+};
+
+// What a load works on; everything is read, nothing kept.
+struct EntradaCarga {
+  std::string txtRuta;
+  const settings::Settings* opciones = nullptr;
+  FiltroPor filtro = FiltroPor::Relacion;
+  int columna_orden = 0;  // row field of the sort
+  const refdata::PersonsIndex* personas = nullptr;
+  const refdata::ConceptsCatalogue* conceptos = nullptr;
+  const relations::CodeRelations* relaciones = nullptr;
+  formula::Evaluador* evaluador = nullptr;
+  ports::Prompts* prompts = nullptr;
+  ports::Progress* progreso = nullptr;
+};
+
+enum class FinDeCarga { Completa, SinArchivo, FormatoIncorrecto, Cancelada };
+
+struct Carga {
+  FinDeCarga fin = FinDeCarga::Completa;
+  std::vector<ImportRow> filas;     // sorted, kept lines only
+  std::vector<LineaAparte> aparte;  // in file order
+  std::string previa;               // the first four lines, joined with CR LF
+  bool hay_valor = false;           // some line's value is not 0: the "Valor" column shows
+  std::size_t lineas = 0;           // of the text, the empty one after a last CR LF not counted
+};
+
+// Reads, cuts, matches, filters and sorts. When it ends early (SinArchivo, FormatoIncorrecto, Cancelada) the
+// caller keeps what it had. Messages go to `prompts`.
+Carga CargarDatos(const EntradaCarga& entrada);
+
+}  // namespace importfile

@@ -1,0 +1,82 @@
+// From a statement of the Access dialect to SQLite text.
+//
+// Literals are lifted out: the text speaks of literal i (in the order of the source) as ?i+1, so that all
+// statements of one shape share one translation. A literal that decides the translation itself (TOP n, a
+// column position in ORDER BY) is named in `fijos`; a translation serves another statement of the shape only
+// when those are equal.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/error.h"
+#include "base/valor.h"
+#include "jetsql/catalog.h"
+
+namespace jetsql {
+
+// A statement that is not understood: a readable Spanish description with line and column, both from 1.
+class ErrorSintaxis : public base::Error {
+ public:
+  ErrorSintaxis(std::string descripcion, int linea, int columna);
+  int Linea() const { return linea_; }
+  int Columna() const { return columna_; }
+
+ private:
+  int linea_, columna_;
+};
+
+// The shape of a statement: its text with every literal replaced by a mark for its kind, letters outside
+// literals and [names] in upper case, runs of white space as one blank.
+struct Forma {
+  std::string clave;
+  std::vector<base::Valor> literales;  // numbers, texts, dates; True, False and Null stay in the shape
+};
+// Cheap (one pass, no tree). False when the text has a malformed literal: then Traducir says what is wrong.
+bool SepararLiterales(std::string_view sql, Forma& forma);
+
+enum class Clase { Consulta, Insercion, Actualizacion, Borrado, Definicion };
+
+struct ColumnaResultado {
+  std::string nombre;
+  base::Tipo tipo = base::Tipo::Nulo;  // Nulo: each value's storage class decides
+};
+
+struct Definicion {  // what a definition statement does, for the engine's catalog
+  enum class Que {
+    Ninguna,
+    CrearTabla,
+    CrearIndice,
+    CrearVista,
+    BorrarTabla,
+    BorrarIndice,
+    BorrarVista,
+    AgregarColumna,
+    QuitarColumna
+  };
+  Que que = Que::Ninguna;
+  std::string nombre;       // of the table, index or view
+  std::string tabla;        // of an index
+  std::string texto_vista;  // the dialect text of the SELECT of a view, as written
+  std::vector<ColumnaTabla> columnas;
+};
+
+struct Traduccion {
+  Clase clase = Clase::Consulta;
+  // Run in order, all or none; the affected rows are those of the last INSERT, UPDATE or DELETE of them.
+  std::vector<std::string> pasos;
+  std::vector<ColumnaResultado> columnas;  // of a query
+  std::vector<int> fijos;                  // indexes of literals that the translation depends on
+  Definicion definicion;
+  bool determinista = true;
+};
+
+struct OpcionesTraduccion {
+  bool comodines_dao = false;  // LIKE with * ? # instead of % _
+};
+
+// Throws ErrorSintaxis, or base::Error for an unknown table, column or function.
+Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
+
+}  // namespace jetsql

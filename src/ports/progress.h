@@ -1,0 +1,25 @@
+// The progress bar as the long commands see it.
+#pragma once
+
+namespace ports {
+
+class Progress {
+ public:
+  virtual ~Progress() = default;
+  // paso -1: advance by the current step; 0: hide; another: start a bar with that step in percent (which
+  // fills one step at once). Unless sin_refresco, pending window events run.
+  virtual void ActuBarra(float paso, bool sin_refresco = false) = 0;
+  // Lets pending window events run.
+  virtual void DoEvents() = 0;
+  // True when the command under way is to stop (the window is closing).
+  virtual bool Cancelado() const = 0;
+};
+
+class SinProgreso final : public Progress {
+ public:
+  void ActuBarra(float, bool) override {}
+  void DoEvents() override {}
+  bool Cancelado() const override { return false; }
+};
+
+}  // namespace ports

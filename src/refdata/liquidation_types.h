@@ -1,0 +1,32 @@
+// Where imported data may go: liquidation types with their conditions, the calendar, and the cost centres.
+#pragma once
+
+#include <string>
+
+#include "base/error.h"
+#include "db/db_session.h"
+#include "formula/list_control.h"
+#include "settings/settings.h"
+
+namespace refdata {
+
+struct LiquidationTypes {
+  std::string TypeCondition;  // over the placeholder "[Consulta]"; empty: none
+  std::string CalendarCondition;
+  formula::ListControl cmbLiquidaciones;  // datum 0 first ("0 - Sueldos"), then one a type
+  formula::ListControl cmbAgrupa;         // "[Por Defecto]" first
+  formula::ListControl cmbAgrupaDef;
+  std::string lblAgrupa = "C. de Costo:";
+  std::string lblAgrupaDef = "C. de Costo:";
+  bool lblAgrupa_visible = false;
+  bool lblAgrupaDef_visible = false;
+  bool CC_visible = false;  // the CC column of both grids
+  int CC_ancho = 825;       // twips
+};
+
+// Rebuilds all of it. Failing statements are noted and leave what was built before them. Whether the window's
+// layout is to be run again is the result (true for a company that liquidates grouped).
+bool CargarTiposLiquidacion(const db::DbSession& sesion, const settings::Settings& opciones,
+                            LiquidationTypes& tipos, base::SumideroErrores* errores = nullptr);
+
+}  // namespace refdata

@@ -1,0 +1,58 @@
+// The contracts in force at some moment of a month, with the six keys by which a line may name its person.
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/error.h"
+#include "db/db_session.h"
+#include "ports/prompts.h"
+
+namespace refdata {
+
+// Columns, in order: id_Contrato, Numero_Alternativo, Tarjeta, Dat, Numero, id_Persona (the six keys),
+// Nombre_1, Apellido_1, Total (monthly hours), id_TipoRem, idCC. Rows ascend by Nombre_1.
+enum ColumnaPersona {
+  kContrato,
+  kAlternativo,
+  kTarjeta,
+  kDat,
+  kDocumento,
+  kPersona,
+  kNombre,
+  kApellido,
+  kTotal,
+  kTipoRem,
+  kCC
+};
+
+class PersonsIndex {
+ public:
+  std::size_t Cantidad() const { return filas_.size(); }
+  // The value as text, "" for Null; numbers in the "." form.
+  const std::string& Texto(int columna, std::size_t fila) const {
+    return filas_[fila][static_cast<std::size_t>(columna)];
+  }
+  // First row in table order whose column equals the key as text, or -1. Constant time.
+  int Buscar(std::string_view clave, int columna) const;  // FindInColumn over this table
+
+  using Fila = std::array<std::string, 11>;
+  void Reemplazar(std::vector<Fila> filas);
+  void Vaciar() { Reemplazar({}); }
+
+ private:
+  std::vector<Fila> filas_;
+  mutable std::array<std::unordered_map<std::string, int>, 6> por_clave_;
+  mutable std::array<bool, 6> indexada_{};
+};
+
+// Stores the month as PARFECHA and reads the contracts of the month. With the connection closed it shows "La
+// Base no está Abierta", leaves the index and returns false. Failing statements are noted in `errores` and
+// leave it empty. The caller then reloads the concepts catalogue.
+bool CargarVecDePersonas(const db::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
+                         ports::Prompts& prompts, base::SumideroErrores* errores = nullptr);
+
+}  // namespace refdata
