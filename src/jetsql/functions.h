@@ -7,6 +7,7 @@
 // the SQLite text.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "base/valor.h"
@@ -14,10 +15,10 @@
 namespace jetsql {
 
 enum class ReglaTipo {
-  Fijo,
-  DelPrimero,
-  Comun
-};  // Fijo: `tipo`; DelPrimero: the first argument's; Comun: common type of all
+  Fijo,        // `tipo`
+  DelPrimero,  // the first argument's as a number: a boolean gives an integer, a text a number
+  Comun        // the common type of all arguments
+};
 
 struct Funcion {
   std::string_view nombre;  // upper case, without "$"
@@ -26,10 +27,15 @@ struct Funcion {
   ReglaTipo regla;
   base::Tipo tipo;  // when regla is Fijo; Nulo: not known
   bool etiquetada;  // tagged
+  // The same arguments always give the same value: false for the clock and for Rnd.
+  bool determinista = true;
 };
 
 // By name whatever its case, "$" at the end ignored; null when the dialect has no such function. IIF, SWITCH,
 // CHOOSE, ISNULL and the aggregates are the translator's own and are not in this table.
 const Funcion* BuscarFuncion(std::string_view nombre);
+
+// All of them, by name.
+std::span<const Funcion> Funciones();
 
 }  // namespace jetsql
