@@ -1,6 +1,7 @@
 // Numbers and their texts: one rule each. All arithmetic texts are ASCII inside UTF-8.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +18,11 @@ namespace base {
 // CDbl reads them.
 std::optional<double> NumeroDeTexto(std::string_view texto, const Locale& locale = Locale::espanol());
 bool EsNumero(std::string_view texto, const Locale& locale = Locale::espanol());
+// CDbl of a text: the same number; throws Error 13 for a text that is none and 6 for one too large.
+double NumeroDeTextoOError(std::string_view texto, const Locale& locale = Locale::espanol());
+// A text "&H…" or "&O…" as the signed integer of 16, 32 or 64 bits that CInt, CLng … make of it; none when
+// the text is no such thing. Throws Error 6 when it needs more bits.
+std::optional<std::int64_t> EnteroHexOctal(std::string_view texto, int bits);
 
 // Leading-number parse (Val): never the locale, "." alone is the decimal point; 0 when the text starts with
 // no number. Blanks, tabs and line ends are skipped everywhere. Throws Error 6 on overflow and 13 for a type

@@ -50,8 +50,11 @@ class Valor {
   double Numero(const Locale& locale = Locale::espanol()) const;
   // Null and unreadable text give 0.
   double NumeroOCero(const Locale& locale = Locale::espanol()) const;
-  std::int32_t Entero() const;  // CLng: half to even; errors as Numero, and 6 outside 32 bits
-  bool Booleano() const;        // not 0; Null is false; "Verdadero"/"True" read
+  // CLng and CInt: half to even; errors as Numero, and 6 outside 32 or 16 bits.
+  std::int32_t Entero(const Locale& locale = Locale::espanol()) const;
+  std::int16_t EnteroCorto(const Locale& locale = Locale::espanol()) const;
+  // CBool: not 0; Null is false; "True" and the locale's word read. Another text throws Error 13.
+  bool Booleano(const Locale& locale = Locale::espanol()) const;
   bool operator==(const Valor&) const = default;
 
  private:
