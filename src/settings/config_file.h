@@ -1,6 +1,8 @@
 // The tagged text file: "[" key "]" CR LF value CR LF "[/" key "]". CP1252 on disk, UTF-8 here.
 #pragma once
 
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -9,26 +11,40 @@
 namespace settings {
 
 // The value of a key, any case; "" when absent. The key "*" gives the whole text. Creates the file empty when
-// missing. A key without its closing tag gives the whole text. Never throws.
+// missing. A key without its closing tag gives the whole text. Of what is given, one CR LF is taken off the
+// end and then one off the start. Never throws.
 std::string LeerConfig(std::string_view ruta, std::string_view clave);
-// Stores one value; an existing entry is removed and the key goes last. Never throws; a failure leaves the
-// file as it was and returns false.
+// Stores one value; an existing entry is removed and the key goes last. Never throws; a failure (a key that
+// lost its closing tag is one) leaves the file as it was and returns false.
 bool GrabarConfig(std::string_view ruta, std::string_view clave, std::string_view valor);
 
-// The same over a text in memory, for many keys at once.
+// The same over a text in memory, for many keys at once. A key that lost its closing tag: the text unchanged.
 std::string ValorDeTexto(std::string_view texto, std::string_view clave);
 std::string TextoConValor(std::string_view texto, std::string_view clave, std::string_view valor);
 
 // carpeta + "ImportDeMarcas.ini".
 std::string RutaDeAjustes(std::string_view carpeta);
 
-// Value forms, uneven as they are: how the text of a key becomes the option, and back.
-// `clave` is one of the option keys; an unknown one returns false.
+// The keys that are options, in the order of start-up.
+std::span<const std::string_view> ClavesDeOpciones();
+
+// Value forms, uneven as they are: how the text of a key becomes the option, and back. `clave`, any case, is
+// one of ClavesDeOpciones(); another one (also Conceptos and TomaConceptosDeBD, which are no options) returns
+// false and "". An empty value gives the option's default. SumarAyaIng going on sets TotalizarConc.
 bool AplicarValor(Settings& opciones, std::string_view clave, std::string_view valor);
 std::string ValorDeClave(const Settings& opciones, std::string_view clave);
+// Adding to what is already entered implies totalising: to be called after a run of AplicarValor in free
+// order.
+void AplicarImplicadas(Settings& opciones);
 // All options from a settings text, in the reading order of start-up, with the implied ones worked out.
 Settings LeerSettings(std::string_view texto);
+// The text with every option stored in it, in the writing order of shutdown; "Conceptos" only when given.
+std::string TextoConSettings(std::string_view texto, const Settings& opciones,
+                             const std::optional<std::string>& conceptos);
 
+// One line a column, pieces 0 to 2 of each at "*": leading number, rounded half to even, held within 16 bits;
+// a missing or unreadable piece is 0. Empty: the default layout. Columns without a line keep the default's
+// field number and become unused. A text without CR LF is split at LF.
 FixedWidthLayout LayoutDeTexto(std::string_view valor);
 std::string TextoDeLayout(const FixedWidthLayout& layout);
 

@@ -1,0 +1,57 @@
+#include <optional>
+
+#include "base/encoding.h"
+#include "base/file.h"
+#include "base/text.h"
+#include "settings/config_file.h"
+#include "settings/config_file_internal.h"
+
+namespace settings {
+namespace {
+
+void AgregarSaltoSalvoSi(std::string& texto, bool ya_esta) {
+  if (!ya_esta) texto += base::kCrLf;
+}
+
+// None when the key has an opening tag that is never closed: what to remove is then unknown.
+std::optional<std::string> Reescribir(std::string_view texto, std::string_view clave,
+                                      std::string_view valor) {
+  const auto [apertura, cierre] = EtiquetasDe(clave);
+  std::string nuevo;
+  const std::size_t desde = base::Buscar(texto, apertura, 0, base::Comparar::SinCaso);
+  if (desde == std::string_view::npos) {
+    nuevo = texto;
+    nuevo += base::kCrLf;
+  } else {
+    const std::size_t hasta = base::Buscar(texto, cierre, desde, base::Comparar::SinCaso);
+    if (hasta == std::string_view::npos) return std::nullopt;
+    const std::string_view entrada = texto.substr(desde, hasta + cierre.size() - desde);
+    // Every entry that reads the same goes, not only the first.
+    nuevo = base::Reemplazar(texto, entrada, "", base::Comparar::SinCaso);
+    AgregarSaltoSalvoSi(nuevo, base::TerminaCon(nuevo, base::kCrLf));
+  }
+  nuevo += apertura;
+  AgregarSaltoSalvoSi(nuevo, base::EmpiezaCon(valor, base::kCrLf));
+  nuevo += valor;
+  AgregarSaltoSalvoSi(nuevo, base::TerminaCon(valor, base::kCrLf));
+  nuevo += cierre;
+  if (base::EmpiezaCon(nuevo, base::kCrLf)) nuevo.erase(0, base::kCrLf.size());
+  return nuevo;
+}
+
+}  // namespace
+
+std::string TextoConValor(std::string_view texto, std::string_view clave, std::string_view valor) {
+  auto nuevo = Reescribir(texto, clave, valor);
+  return nuevo ? *std::move(nuevo) : std::string(texto);
+}
+
+bool GrabarConfig(std::string_view ruta, std::string_view clave, std::string_view valor) {
+  base::CrearSiFalta(ruta);
+  const auto bytes = base::LeerArchivo(ruta);
+  if (!bytes) return false;
+  const auto nuevo = Reescribir(base::DeCp1252(*bytes), clave, valor);
+  return nuevo && base::EscribirArchivo(ruta, base::ACp1252(*nuevo));
+}
+
+}  // namespace settings

@@ -1,0 +1,37 @@
+#include "base/encoding.h"
+#include "base/file.h"
+#include "base/text.h"
+#include "settings/config_file.h"
+#include "settings/config_file_internal.h"
+
+namespace settings {
+namespace {
+
+// One line break of each side, no more: a value may hold blank lines of its own.
+std::string SinSaltosDeBorde(std::string_view valor) {
+  if (base::TerminaCon(valor, base::kCrLf)) valor.remove_suffix(base::kCrLf.size());
+  if (base::EmpiezaCon(valor, base::kCrLf)) valor.remove_prefix(base::kCrLf.size());
+  return std::string(valor);
+}
+
+}  // namespace
+
+std::string ValorDeTexto(std::string_view texto, std::string_view clave) {
+  if (base::TrimVista(clave) == "*") return SinSaltosDeBorde(texto);
+  const auto [apertura, cierre] = EtiquetasDe(clave);
+  const std::size_t etiqueta = base::Buscar(texto, apertura, 0, base::Comparar::SinCaso);
+  if (etiqueta == std::string_view::npos) return {};
+  const std::size_t desde = etiqueta + apertura.size();
+  const std::size_t hasta = base::Buscar(texto, cierre, desde, base::Comparar::SinCaso);
+  if (hasta == std::string_view::npos) return SinSaltosDeBorde(texto);
+  return SinSaltosDeBorde(texto.substr(desde, hasta - desde));
+}
+
+std::string LeerConfig(std::string_view ruta, std::string_view clave) {
+  base::CrearSiFalta(ruta);
+  return ValorDeTexto(base::DeCp1252(base::LeerArchivo(ruta).value_or(std::string())), clave);
+}
+
+std::string RutaDeAjustes(std::string_view carpeta) { return base::UnirRuta(carpeta, "ImportDeMarcas.ini"); }
+
+}  // namespace settings
