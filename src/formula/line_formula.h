@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,9 +14,12 @@ namespace formula {
 using CamposDeLinea = std::array<std::string, 15>;
 
 // Every wildcard replaced by the line's field, in the fixed order, each step on the result of the one before.
+// Case and word boundaries do not matter. A text that would grow past kLargoMaximo bytes becomes empty.
+inline constexpr std::size_t kLargoMaximo = std::size_t{1} << 20;
 std::string ReemplazaComodines(std::string_view formula, const CamposDeLinea& linea);
 
-// The new quantity of a line by the text of the formula box; a result that is no number is 0.
+// The new quantity of a line by the text of the formula box, from field 3 of the line. 0 when the formula has
+// no value, when its value does not start with a number, or when that number passes the single precision.
 float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const CamposDeLinea& linea);
 
 }  // namespace formula

@@ -41,6 +41,11 @@ class TablasUsuario {
     std::int32_t id;
     int tipo;
   };
+  struct Rango {
+    std::vector<ValorDeTabla>::const_iterator primero, fin;
+  };
+  Rango Buscar(std::int32_t id_Tabla, std::string_view codigo) const;
+
   std::vector<ValorDeTabla> valores_;  // by table, code, date
   std::vector<Tabla> tablas_;
 };

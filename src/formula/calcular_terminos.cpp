@@ -1,0 +1,79 @@
+#include <cmath>
+
+#include "base/number.h"
+#include "base/text.h"
+#include "formula/evaluator_internal.h"
+
+namespace formula {
+namespace {
+
+constexpr std::string_view kOperadores = "+-*/";
+
+std::string_view SinOperadorFinal(std::string_view texto) {
+  texto = base::TrimVista(texto);
+  while (!texto.empty() && kOperadores.find(texto.back()) != std::string_view::npos)
+    texto = base::TrimVista(texto.substr(0, texto.size() - 1));
+  return texto;
+}
+
+// A piece that is not a number gives the leading number of its value: a value with a decimal comma loses its
+// decimals here, and formula authors know it.
+double ValorDePieza(Evaluador& ev, std::string_view pieza) {
+  pieza = base::TrimVista(pieza);
+  if (const auto numero = Numero(ev, pieza)) return *numero;
+  return base::Parse(CalcularTerminos(ev, pieza));
+}
+
+double Aplicar(char operador, double a, double b) {
+  double r = 0;
+  switch (operador) {
+    case '+':
+      r = a + b;
+      break;
+    case '-':
+      r = a - b;
+      break;
+    case '*':
+      r = a * b;
+      break;
+    default:
+      if (b == 0) return 0;  // a division by zero is zero, on purpose
+      r = a / b;
+  }
+  if (!std::isfinite(r)) throw base::Error(base::DescripcionDeError(6), 6);
+  return operador == '/' ? base::Redondear(r, 15) : r;
+}
+
+double Plegar(Evaluador& ev, const std::vector<std::string>& piezas, char operador) {
+  double acumulado = ValorDePieza(ev, piezas[0]);
+  for (std::size_t i = 1; i < piezas.size(); ++i)
+    acumulado = Aplicar(operador, acumulado, ValorDePieza(ev, piezas[i]));
+  return acumulado;
+}
+
+}  // namespace
+
+std::string CalcularTerminos(Evaluador& ev, std::string_view termino, char& operador) {
+  const Nivel nivel(ev, termino.size());
+  std::string texto(SinOperadorFinal(termino));
+  if (texto.find_first_of(kOperadores) != std::string::npos) {
+    std::vector<std::string> piezas;
+    for (const char op : kOperadores) {
+      if (texto.find(op) == std::string::npos) continue;
+      if (SepararPorOperador(texto, op, piezas)) {
+        operador = op;
+        return TextoDeNumero(ev, Plegar(ev, piezas, op));
+      }
+      // One piece: the text without an operator that stood at its start.
+      texto = piezas.empty() ? std::string() : base::Trim(piezas[0]);
+    }
+  }
+  return EsNumero(ev, texto) ? texto : EvaluarFuncion(ev, texto, {});
+}
+
+std::string CalcularTerminos(Evaluador& ev, std::string_view termino) {
+  char operador = 0;
+  return CalcularTerminos(ev, termino, operador);
+}
+
+}  // namespace formula

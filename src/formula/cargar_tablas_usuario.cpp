@@ -1,0 +1,88 @@
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+#include "base/format.h"
+#include "formula/sql.h"
+#include "formula/user_tables.h"
+
+namespace formula {
+namespace {
+
+base::Fecha FechaDeValor(const base::Valor& valor) {
+  if (const auto* fecha = valor.Si<base::Fecha>()) return *fecha;
+  return {};
+}
+
+using Clave = std::pair<std::int32_t, std::string_view>;
+
+Clave ClaveDe(const ValorDeTabla& v) { return {v.id_Tabla, v.Codigo}; }
+
+}  // namespace
+
+void TablasUsuario::Vaciar() {
+  valores_.clear();
+  tablas_.clear();
+}
+
+void TablasUsuario::CargarTablasUsuario(const db::DbSession& sesion, std::int32_t id_Tabla) {
+  if (sesion.conexion == nullptr)
+    throw base::Error("No se ha conectado con la base de datos", 0,
+                      "Error al cargar Valores de Tablas de Usuarios");
+  if (!sesion.conexion->Abierta())
+    throw base::Error("La coneccion esta cerrada !!!", 0, "La Coneccion esta cerrada !!!");
+  Vaciar();
+  const db::Recordset filas = sesion.conexion->Ejecutar(sql::CargarTablas(sesion.idEmpresa, id_Tabla));
+  valores_.reserve(filas.Cantidad());
+  for (std::size_t i = 0; i < filas.Cantidad(); ++i) {
+    ValorDeTabla v;
+    v.id = static_cast<std::int32_t>(filas.En(0, i).NumeroOCero());
+    v.id_Tabla = filas.En(1, i).Entero();
+    v.Codigo = filas.En(2, i).Texto();
+    v.Valor = filas.En(3, i).Texto();
+    v.Fecha = FechaDeValor(filas.En(4, i));
+    tablas_.push_back({v.id_Tabla, static_cast<int>(filas.En(6, i).NumeroOCero())});
+    valores_.push_back(std::move(v));
+  }
+  std::stable_sort(valores_.begin(), valores_.end(), [](const ValorDeTabla& a, const ValorDeTabla& b) {
+    return std::tie(a.id_Tabla, a.Codigo, a.Fecha.serie) < std::tie(b.id_Tabla, b.Codigo, b.Fecha.serie);
+  });
+  std::stable_sort(tablas_.begin(), tablas_.end(),
+                   [](const Tabla& a, const Tabla& b) { return a.id < b.id; });
+  tablas_.erase(std::unique(tablas_.begin(), tablas_.end(),
+                            [](const Tabla& a, const Tabla& b) { return a.id == b.id; }),
+                tablas_.end());
+}
+
+TablasUsuario::Rango TablasUsuario::Buscar(std::int32_t id_Tabla, std::string_view codigo) const {
+  const Clave clave(id_Tabla, codigo);
+  const auto primero = std::partition_point(valores_.begin(), valores_.end(),
+                                            [&](const auto& v) { return ClaveDe(v) < clave; });
+  const auto fin =
+      std::partition_point(primero, valores_.end(), [&](const auto& v) { return ClaveDe(v) == clave; });
+  return {primero, fin};
+}
+
+Vector TablasUsuario::Serie(std::int32_t id_Tabla, std::string_view codigo) const {
+  Vector serie;
+  const auto [primero, fin] = Buscar(id_Tabla, codigo);
+  if (primero == fin) return serie;
+  serie.dimensiones = 2;
+  for (auto v = primero; v != fin; ++v)
+    serie.registros.push_back({std::to_string(v->id), std::to_string(v->id_Tabla), v->Codigo, v->Valor,
+                               base::FormatFecha(v->Fecha, "dd/MM/yyyy")});
+  return serie;
+}
+
+bool TablasUsuario::TieneValores(std::int32_t id_Tabla, std::string_view codigo) const {
+  const auto [primero, fin] = Buscar(id_Tabla, codigo);
+  return primero != fin;
+}
+
+int TablasUsuario::Tipo(std::int32_t id_Tabla) const {
+  const auto t = std::lower_bound(tablas_.begin(), tablas_.end(), id_Tabla,
+                                  [](const Tabla& tabla, std::int32_t id) { return tabla.id < id; });
+  return t != tablas_.end() && t->id == id_Tabla ? t->tipo : 0;
+}
+
+}  // namespace formula

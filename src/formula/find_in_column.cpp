@@ -1,0 +1,28 @@
+#include "formula/vector_utils.h"
+
+namespace formula {
+
+std::ptrdiff_t FindInColumn(std::string_view valor, const Vector& vector, std::size_t columna) {
+  for (std::size_t i = 0; i < vector.Cantidad(); ++i)
+    if (vector.Campo(columna, i) == valor) return static_cast<std::ptrdiff_t>(i);
+  return -1;
+}
+
+std::ptrdiff_t FindInColumn(const std::vector<std::string>& valores, const Vector& vector,
+                            const std::vector<std::size_t>& columnas) {
+  if (valores.empty() || valores.size() != columnas.size()) return -1;
+  for (std::size_t i = 0; i < vector.Cantidad(); ++i) {
+    std::size_t k = 0;
+    while (k < columnas.size() && vector.Campo(columnas[k], i) == valores[k]) ++k;
+    if (k == columnas.size()) return static_cast<std::ptrdiff_t>(i);
+  }
+  return -1;
+}
+
+std::ptrdiff_t FindInColumn(std::string_view valor, const std::vector<std::string>& lista) {
+  for (std::size_t i = 0; i < lista.size(); ++i)
+    if (lista[i] == valor) return static_cast<std::ptrdiff_t>(i);
+  return -1;
+}
+
+}  // namespace formula

@@ -1,0 +1,44 @@
+#include "base/number.h"
+#include "base/text.h"
+#include "formula/evaluator_internal.h"
+#include "formula/sql.h"
+
+namespace formula {
+namespace {
+
+// A line of an import file reaches this text: only what reads may run.
+db::Recordset Consultar(Evaluador& ev, std::string_view texto) {
+  Gastar(ev, kTrabajoDeConsulta);
+  if (ev.sesion == nullptr || !ev.sesion->Abierta())
+    throw db::Error("No se ha conectado con la base de datos");
+  return ev.sesion->conexion->Consultar(sql::DeFormula(texto));
+}
+
+}  // namespace
+
+std::string FuncionSql(Evaluador& ev, std::string_view x) {
+  std::string valor = "0";
+  base::ErrorIgnorado("SQL", nullptr, [&] {
+    const db::Recordset filas = Consultar(ev, x);
+    if (filas.Vacio() || filas.Campos().empty()) return;
+    valor = TextoDeNumero(ev, base::Redondear(filas.En(0, 0).Numero(ev.locale), 15));
+  });
+  return valor;
+}
+
+std::string FuncionLista(Evaluador& ev, std::string_view x) {
+  const auto partes = SepararFueraDeParentesis(x, ';');
+  if (partes.size() < 2) throw base::Error("Falta uno de los parametros", 3);
+  std::string lista;
+  base::ErrorIgnorado("LISTA", nullptr, [&] {
+    const db::Recordset filas = Consultar(ev, partes[0]);
+    for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila) {
+      if (fila > 0) lista += partes[1];
+      for (std::size_t campo = 0; campo < filas.Campos().size(); ++campo)
+        lista += filas.En(campo, fila).Texto(ev.locale);
+    }
+  });
+  return lista;
+}
+
+}  // namespace formula

@@ -1,0 +1,96 @@
+#include <limits>
+
+#include "base/format.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "db/next_id.h"
+#include "formula/sql.h"
+#include "formula/user_tables.h"
+#include "formula/vector_utils.h"
+
+namespace formula {
+namespace {
+
+enum Campo : std::size_t { kId, kTabla, kCodigo, kValor, kFecha };
+constexpr std::string_view kEstrella = "XR3";  // "*" inside a record that travels as one text
+constexpr double kSumado = 200;
+
+std::string TextoDe(base::Fecha fecha) { return base::FormatFecha(fecha, "dd/MM/yyyy"); }
+
+base::Fecha Hoy(const db::DbSession& sesion) {
+  return sesion.reloj != nullptr ? sesion.reloj->Hoy() : base::Fecha{};
+}
+
+base::Fecha FechaDe(const Vector& serie, std::size_t i, base::Fecha hoy) {
+  return base::FechaDeTexto(serie.Campo(kFecha, i), hoy).value_or(base::Fecha{});
+}
+
+Vector LeerSerie(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo) {
+  const db::Recordset filas = sesion.conexion->Ejecutar(sql::Serie(sesion.idEmpresa, id_Tabla, codigo));
+  Vector serie;
+  if (filas.Vacio()) return serie;
+  serie.dimensiones = 2;
+  for (std::size_t i = 0; i < filas.Cantidad(); ++i) {
+    std::vector<std::string> registro;
+    for (std::size_t campo = kId; campo <= kValor; ++campo) registro.push_back(filas.En(campo, i).Texto());
+    const auto* fecha = filas.En(kFecha, i).Si<base::Fecha>();
+    registro.push_back(TextoDe(fecha != nullptr ? *fecha : base::Fecha{}));
+    serie.registros.push_back(std::move(registro));
+  }
+  return serie;
+}
+
+std::int32_t NuevoId(const db::DbSession& sesion) {
+  const std::int32_t maximo = db::NextId(*sesion.conexion, "DatosUsuTablas", "ID");
+  if (maximo == std::numeric_limits<std::int32_t>::max()) throw base::Error(base::DescripcionDeError(6), 6);
+  return maximo + 1;
+}
+
+void Agregar(Vector& serie, std::int32_t id, std::int32_t id_Tabla, std::string_view codigo,
+             std::string_view valor, base::Fecha fecha) {
+  AgregarRegistro(serie, std::to_string(id) + "*" + std::to_string(id_Tabla) + "*" +
+                             base::Reemplazar(codigo, "*", kEstrella) + "*" +
+                             base::Reemplazar(valor, "*", kEstrella) + "*" + TextoDe(fecha));
+  // Turned back by what went in: a text with "XR3" of its own, or a lone "^", comes out as it was.
+  serie.registros.back()[kCodigo] = codigo;
+  serie.registros.back()[kValor] = valor;
+}
+
+void Reescribir(const db::DbSession& sesion, const Vector& serie, std::int32_t id_Tabla,
+                std::string_view codigo) {
+  const base::Fecha hoy = Hoy(sesion);
+  sesion.conexion->Ejecutar(sql::BorrarSerie(sesion.idEmpresa, id_Tabla, codigo));
+  for (std::size_t i = 0; i < serie.Cantidad(); ++i) {
+    sesion.conexion->Ejecutar(sql::InsertarValor(sesion.idEmpresa, serie.Campo(kId, i),
+                                                 serie.Campo(kTabla, i), serie.Campo(kCodigo, i),
+                                                 serie.Campo(kValor, i), FechaDe(serie, i, hoy)));
+  }
+}
+
+}  // namespace
+
+void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
+                              std::string_view valor, base::Fecha fecha, bool sumado, bool sin_borrado,
+                              int* registros) {
+  if (!sesion.Abierta()) throw db::Error("No se ha conectado con la base de datos");
+  const base::Fecha hoy = Hoy(sesion);
+  if (valor.empty() && id_Tabla != -1 && !sin_borrado) {
+    sesion.conexion->Ejecutar(sql::BorrarAnterior(sesion.idEmpresa, id_Tabla, codigo, fecha));
+    if (registros != nullptr) *registros = static_cast<int>(LeerSerie(sesion, id_Tabla, codigo).Cantidad());
+    return;
+  }
+  std::string guardado(valor);
+  if (sumado) guardado = base::SqlDeSimple(static_cast<float>(base::ValorNumerico(valor) - kSumado));
+  Vector serie = LeerSerie(sesion, id_Tabla, codigo);
+  const int posicion = PosicionFecha(serie, fecha, kFecha, hoy);
+  if (posicion >= 0 && TextoDe(fecha) == serie.Campo(kFecha, static_cast<std::size_t>(posicion))) {
+    serie.registros[static_cast<std::size_t>(posicion)][kValor] = guardado;
+  } else {
+    Agregar(serie, NuevoId(sesion), id_Tabla, codigo, guardado, fecha);
+    OrdenarVector(serie, kFecha, hoy);
+  }
+  Reescribir(sesion, serie, id_Tabla, codigo);
+  if (registros != nullptr) *registros = static_cast<int>(serie.Cantidad());
+}
+
+}  // namespace formula

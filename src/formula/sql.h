@@ -1,0 +1,25 @@
+// The statements of this module, as built from their fixed texts.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/date.h"
+
+namespace formula::sql {
+
+// A query in the formula language's Spanish words, upper-cased and put into SQL, text constants and all.
+std::string DeFormula(std::string_view texto);
+
+std::string CargarTablas(std::int32_t idEmpresa, std::int32_t id_Tabla);  // -1: all tables
+std::string Serie(std::int32_t idEmpresa, std::int32_t id_Tabla, std::string_view codigo);
+// The value in force just before the date.
+std::string BorrarAnterior(std::int32_t idEmpresa, std::int32_t id_Tabla, std::string_view codigo,
+                           base::Fecha fecha);
+std::string BorrarSerie(std::int32_t idEmpresa, std::int32_t id_Tabla, std::string_view codigo);
+// Day 0 is stored as Null.
+std::string InsertarValor(std::int32_t idEmpresa, std::string_view id, std::string_view id_Tabla,
+                          std::string_view codigo, std::string_view valor, base::Fecha fecha);
+
+}  // namespace formula::sql
