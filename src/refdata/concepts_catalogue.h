@@ -1,6 +1,10 @@
 // The concepts that can take an imported value, and the user tables that can take a dated one.
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <string_view>
+
 #include "base/error.h"
 #include "db/db_session.h"
 #include "formula/list_control.h"
@@ -9,13 +13,17 @@
 
 namespace refdata {
 
+// Ids above it are user tables (their Id plus this), ids below it concepts.
+inline constexpr std::int64_t kBaseTablas = 1000;
+
 // Fields of an entry: id (user tables: Id + 1000), name, TipoDato, TipoOperacion, TipoCuota. Entry i stands
-// behind item i of the combo.
+// behind item i of the combo. Before a load, and after a failing one, the table is the single entry "-1".
 struct ConceptsCatalogue {
   formula::Vector tabla;
   formula::ListControl cmbConceptos;  // items "Codigo - Nombre", datum the id
 
-  // FindInColumn(id, catalogue, 0): entry index or -1.
+  // FindInColumn(id, catalogue, 0): entry index or -1. The "-1" entry is nobody's concept and is never
+  // found: a line without a relation asks for that id. Walks the table.
   int Buscar(std::string_view id) const;
 };
 

@@ -11,11 +11,12 @@
 namespace refdata {
 
 struct LiquidationTypes {
-  std::string TypeCondition;  // over the placeholder "[Consulta]"; empty: none
-  std::string CalendarCondition;
-  formula::ListControl cmbLiquidaciones;  // datum 0 first ("0 - Sueldos"), then one a type
-  formula::ListControl cmbAgrupa;         // "[Por Defecto]" first
-  formula::ListControl cmbAgrupaDef;
+  std::string TypeCondition;      // over the placeholder "[Consulta]"; empty: none
+  std::string CalendarCondition;  // over the same placeholder
+  // Datum 0 first ("0 - Sueldos") when there is a salary type, then one a type; the first one selected.
+  formula::ListControl cmbLiquidaciones;
+  formula::ListControl cmbAgrupa{.items = {}, .visible = false};  // "[Por Defecto]" first, datum 0
+  formula::ListControl cmbAgrupaDef{.items = {}, .visible = false};
   std::string lblAgrupa = "C. de Costo:";
   std::string lblAgrupaDef = "C. de Costo:";
   bool lblAgrupa_visible = false;
@@ -24,8 +25,9 @@ struct LiquidationTypes {
   int CC_ancho = 825;       // twips
 };
 
-// Rebuilds all of it. Failing statements are noted and leave what was built before them. Whether the window's
-// layout is to be run again is the result (true for a company that liquidates grouped).
+// Rebuilds all of it. Failing statements are noted and leave what was built before them: a condition is
+// emptied before its query, a combo only when its rows have come. Whether the window's layout is to be run
+// again is the result (true for a company that liquidates grouped).
 bool CargarTiposLiquidacion(const db::DbSession& sesion, const settings::Settings& opciones,
                             LiquidationTypes& tipos, base::SumideroErrores* errores = nullptr);
 

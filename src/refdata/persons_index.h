@@ -28,6 +28,7 @@ enum ColumnaPersona {
   kTipoRem,
   kCC
 };
+inline constexpr std::size_t kColumnasPersona = 11;
 
 class PersonsIndex {
  public:
@@ -36,22 +37,32 @@ class PersonsIndex {
   const std::string& Texto(int columna, std::size_t fila) const {
     return filas_[fila][static_cast<std::size_t>(columna)];
   }
-  // First row in table order whose column equals the key as text, or -1. Constant time.
-  int Buscar(std::string_view clave, int columna) const;  // FindInColumn over this table
+  // FindInColumn over this table: the first row in table order whose column equals the key, or -1. Both are
+  // compared as text, letter by letter: the keys that the database holds as numbers are texts here, and a
+  // line's key comes without leading zeros. An empty key names nobody: a Null key never equals a text, and a
+  // line without a key must not fall to whoever has an empty card. Constant time; the first look-up of a
+  // column after a load indexes it.
+  int Buscar(std::string_view clave, int columna) const;
 
-  using Fila = std::array<std::string, 11>;
+  using Fila = std::array<std::string, kColumnasPersona>;
   void Reemplazar(std::vector<Fila> filas);
   void Vaciar() { Reemplazar({}); }
 
  private:
+  struct Dispersion {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view t) const { return std::hash<std::string_view>{}(t); }
+  };
+  using Indice = std::unordered_map<std::string, int, Dispersion, std::equal_to<>>;
+
   std::vector<Fila> filas_;
-  mutable std::array<std::unordered_map<std::string, int>, 6> por_clave_;
-  mutable std::array<bool, 6> indexada_{};
+  mutable std::array<Indice, kColumnasPersona> por_clave_;
+  mutable std::array<bool, kColumnasPersona> indexada_{};
 };
 
 // Stores the month as PARFECHA and reads the contracts of the month. With the connection closed it shows "La
 // Base no está Abierta", leaves the index and returns false. Failing statements are noted in `errores` and
-// leave it empty. The caller then reloads the concepts catalogue.
+// leave it empty. The caller then reloads the concepts catalogue, whatever failed.
 bool CargarVecDePersonas(const db::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
                          ports::Prompts& prompts, base::SumideroErrores* errores = nullptr);
 

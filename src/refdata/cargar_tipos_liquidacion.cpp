@@ -1,0 +1,141 @@
+#include <utility>
+
+#include "base/date.h"
+#include "formula/vector_utils.h"
+#include "refdata/ejecutar_internal.h"
+#include "refdata/liquidation_types.h"
+#include "refdata/sql.h"
+
+namespace refdata {
+namespace {
+
+constexpr std::string_view kPorDefecto = "[Por Defecto]";
+constexpr std::string_view kEnObra = "Imp. en Obra";
+
+std::size_t Columna(const db::Recordset& filas, std::string_view nombre) {
+  const int posicion = filas.Posicion(nombre);
+  if (posicion < 0) throw db::Error("Falta la columna " + std::string(nombre));
+  return static_cast<std::size_t>(posicion);
+}
+
+void AgregarAlternativa(std::string& condicion, std::string_view alternativa) {
+  if (!condicion.empty()) condicion += " or ";
+  condicion += alternativa;
+}
+
+void ArmarCondicionDeTipos(const db::Recordset& tipos, std::string& condicion) {
+  const auto id = Columna(tipos, "id_TipoLiq");
+  const auto cond = Columna(tipos, "Cond");
+  for (std::size_t fila = 0; fila < tipos.Cantidad(); ++fila) {
+    std::string alternativa = "([Consulta].id_TipoLiq=" + tipos.En(id, fila).TextoCsv();
+    const std::string propia = tipos.En(cond, fila).TextoCsv();
+    // as it stands, without brackets of its own: an "or" in it reaches over the type
+    if (!propia.empty()) alternativa += " and " + propia;
+    AgregarAlternativa(condicion, alternativa + ")");
+  }
+}
+
+// Consecutive calendar records of one type and one condition.
+struct GrupoCalendario {
+  std::string tipo, condicion, fechas;
+
+  void Cerrar(std::string& salida) const {
+    if (fechas.empty()) return;
+    std::string alternativa = "([Consulta].id_TipoLiq=" + tipo + " and [Consulta].Fecha in (" + fechas + ") ";
+    if (!condicion.empty()) alternativa += " and (" + condicion + ")";
+    AgregarAlternativa(salida, alternativa + ")");
+  }
+};
+
+base::Fecha FechaDeCelda(const base::Valor& valor) {
+  const auto* fecha = valor.Si<base::Fecha>();
+  return fecha != nullptr ? *fecha : base::Fecha{valor.Numero()};
+}
+
+void ArmarCondicionDeCalendario(const db::Recordset& calendario, std::string& condicion) {
+  const auto tipo = Columna(calendario, "id_TipoLiq");
+  const auto fecha = Columna(calendario, "Fecha");
+  const auto cond = Columna(calendario, "CondCalLiq");
+  GrupoCalendario grupo;
+  for (std::size_t fila = 0; fila < calendario.Cantidad(); ++fila) {
+    std::string su_tipo = calendario.En(tipo, fila).TextoCsv();
+    std::string su_condicion = calendario.En(cond, fila).TextoCsv();  // Null counts as empty
+    if (fila == 0 || su_tipo != grupo.tipo || su_condicion != grupo.condicion) {
+      grupo.Cerrar(condicion);
+      grupo = {std::move(su_tipo), std::move(su_condicion), {}};
+    }
+    if (!grupo.fechas.empty()) grupo.fechas += ",";
+    grupo.fechas.append("#")
+        .append(base::FechaMMddyyyy(FechaDeCelda(calendario.En(fecha, fila))))
+        .append("#");
+  }
+  grupo.Cerrar(condicion);
+}
+
+void AgregarItems(formula::ListControl& combo, const db::Recordset& filas, std::size_t dato,
+                  std::size_t texto) {
+  for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila)
+    combo.items.push_back({.texto = filas.En(texto, fila).TextoCsv(),
+                           .dato = static_cast<std::int64_t>(filas.En(dato, fila).NumeroOCero())});
+}
+
+void ElegirPrimero(formula::ListControl& combo) { combo.ListIndex = combo.items.empty() ? -1 : 0; }
+
+void DejarPorDefecto(formula::ListControl& combo) {
+  combo.items.assign(1, {.texto = std::string(kPorDefecto), .dato = 0});
+}
+
+void MostrarAgrupacion(LiquidationTypes& tipos, bool visible) {
+  tipos.cmbAgrupa.visible = visible;
+  tipos.lblAgrupa_visible = visible;
+  tipos.cmbAgrupaDef.visible = visible;
+  tipos.lblAgrupaDef_visible = visible;
+}
+
+void CargarCentrosDeCosto(const db::DbSession& sesion, const settings::Settings& opciones,
+                          LiquidationTypes& tipos, base::SumideroErrores* errores) {
+  DejarPorDefecto(tipos.cmbAgrupa);
+  DejarPorDefecto(tipos.cmbAgrupaDef);
+  base::ErrorIgnorado("CargarTiposLiquidacion: cmbAgrupa", errores,
+                      [&] { AgregarItems(tipos.cmbAgrupa, Ejecutar(sesion, sql::CentrosDeCosto()), 0, 1); });
+  const int estado =
+      formula::LlenarLista(tipos.cmbAgrupaDef, "CentroCosto", "++idCC,NombreCC", "", " - ", nullptr, sesion);
+  if (estado != 0 && errores != nullptr)
+    errores->push_back({"CargarTiposLiquidacion: cmbAgrupaDef",
+                        formula::SentenciaDeLista("CentroCosto", "idCC,NombreCC", "")});
+  if (sesion.TipoConstruccion) tipos.lblAgrupa = kEnObra;
+  // for every grouped company, construction or not: wanted
+  tipos.lblAgrupaDef = kEnObra;
+  tipos.CC_visible = opciones.CCDefEnArch;
+  tipos.CC_ancho = 825;
+  ElegirPrimero(tipos.cmbAgrupaDef);
+  ElegirPrimero(tipos.cmbAgrupa);
+}
+
+}  // namespace
+
+bool CargarTiposLiquidacion(const db::DbSession& sesion, const settings::Settings& opciones,
+                            LiquidationTypes& tipos, base::SumideroErrores* errores) {
+  tipos.TypeCondition.clear();
+  base::ErrorIgnorado("CargarTiposLiquidacion: TypeCondition", errores, [&] {
+    ArmarCondicionDeTipos(Ejecutar(sesion, sql::TiposActivos(sesion.idEmpresa)), tipos.TypeCondition);
+  });
+  tipos.CalendarCondition.clear();
+  base::ErrorIgnorado("CargarTiposLiquidacion: CalendarCondition", errores, [&] {
+    ArmarCondicionDeCalendario(Ejecutar(sesion, sql::Calendario(sesion.idEmpresa)), tipos.CalendarCondition);
+  });
+  base::ErrorIgnorado("CargarTiposLiquidacion: cmbLiquidaciones", errores, [&] {
+    const db::Recordset grupos = Ejecutar(sesion, sql::GruposDeTipos(sesion.idEmpresa));
+    tipos.cmbLiquidaciones.items.clear();
+    AgregarItems(tipos.cmbLiquidaciones, grupos, 0, 2);
+    ElegirPrimero(tipos.cmbLiquidaciones);
+  });
+  MostrarAgrupacion(tipos, sesion.LiqAgrup);
+  if (sesion.LiqAgrup)
+    CargarCentrosDeCosto(sesion, opciones, tipos, errores);
+  else
+    tipos.CC_visible = false;
+  return sesion.LiqAgrup;
+}
+
+}  // namespace refdata

@@ -1,0 +1,37 @@
+#include <utility>
+
+#include "refdata/ejecutar_internal.h"
+#include "refdata/persons_index.h"
+#include "refdata/sql.h"
+
+namespace refdata {
+namespace {
+
+std::vector<PersonsIndex::Fila> LeerFilas(const db::Recordset& rs) {
+  std::vector<PersonsIndex::Fila> filas(rs.Cantidad());
+  for (std::size_t fila = 0; fila < filas.size(); ++fila)
+    for (std::size_t columna = 0; columna < kColumnasPersona; ++columna)
+      filas[fila][columna] = rs.En(columna, fila).TextoCsv();
+  return filas;
+}
+
+}  // namespace
+
+bool CargarVecDePersonas(const db::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
+                         ports::Prompts& prompts, base::SumideroErrores* errores) {
+  if (!sesion.Abierta()) {
+    prompts.Mostrar({.texto = "La Base no está Abierta", .icono = ports::Icono::Exclamacion});
+    return false;
+  }
+  indice.Vaciar();
+  base::ErrorIgnorado("CargarVecDePersonas: PARFECHA", errores,
+                      [&] { Ejecutar(sesion, sql::GuardarMes(sesion.idEmpresa, mes)); });
+  base::ErrorIgnorado("CargarVecDePersonas: contratos", errores, [&] {
+    // the lower bound is the date as it is held, the upper one always the last day of its month
+    const std::string texto = sql::Contratos(sesion.idEmpresa, mes, base::LastDayOfMonth(mes));
+    indice.Reemplazar(LeerFilas(Ejecutar(sesion, texto)));
+  });
+  return true;
+}
+
+}  // namespace refdata

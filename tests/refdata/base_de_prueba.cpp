@@ -1,0 +1,148 @@
+#include "refdata/base_de_prueba.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "base/text.h"
+#include "engine_sqlite/sqlite_connection.h"
+#include "settings/config_file.h"
+
+namespace support {
+namespace {
+
+constexpr const char* kTablas[] = {
+    "CREATE TABLE valores (idEmpresa LONG, codigo TEXT(50), Valor TEXT(50))",
+    "CREATE TABLE Con_Contrato (idEmpresa LONG, id_Contrato LONG, Numero_Alternativo LONG, Tarjeta TEXT(50), "
+    "NumeroSinGuion TEXT(50), id_Persona LONG, Nombre_1 TEXT(50), Apellido_1 TEXT(50), CantDiasXMes DOUBLE, "
+    "Horas DOUBLE, id_TipoRem LONG, idCC LONG, FECINI DATETIME, FECFIN DATETIME, Vigente YESNO)",
+    "CREATE TABLE DatExtDatos (idEmpresa LONG, idTDE LONG, idLoc LONG, idDE TEXT(100))",
+    "CREATE TABLE Conceptos (idEmpresa LONG, id_Concepto LONG, Codigo TEXT(20), Nombre TEXT(100), "
+    "TipoDato LONG, TipoOperacion TEXT(5), TipoCuota LONG, TipoImpuesto YESNO)",
+    "CREATE TABLE Tablas (idEmpresa LONG, id LONG, Nombre TEXT(50), NombreCampo TEXT(50), Tipo LONG, "
+    "TipoDato LONG, DatoOp TEXT(50))",
+    "CREATE TABLE TiposLiquidacion (idEmpresa LONG, id_TipoLiq LONG, Nombre TEXT(50), Salarial YESNO, "
+    "ParaEmp YESNO, Activa YESNO, Cond TEXT(255))",
+    "CREATE TABLE Calendario_Liq (idEmpresa LONG, id_TipoLiq LONG, Fecha DATETIME, CondCalLiq TEXT(255))",
+    "CREATE TABLE CentroCosto (idCC LONG, NombreCC TEXT(50))",
+};
+
+std::vector<std::string> Lineas(const std::string& texto) {
+  return texto.empty() ? std::vector<std::string>() : base::Split(texto, "\n");
+}
+
+std::string Filas(const db::Recordset& rs) {
+  std::string salida;
+  for (std::size_t fila = 0; fila < rs.Cantidad(); ++fila) {
+    if (fila > 0) salida += "\n";
+    for (std::size_t campo = 0; campo < rs.Campos().size(); ++campo) {
+      if (campo > 0) salida += "|";
+      salida += rs.En(campo, fila).EsNulo() ? "NULL" : Celda(rs.En(campo, fila).TextoCsv());
+    }
+  }
+  return salida;
+}
+
+std::string Sentencias(ConexionTestigo& conexion) {
+  std::string salida = base::Join(conexion.sentencias, "\n");
+  conexion.sentencias.clear();
+  return salida;
+}
+
+bool EsSi(const std::string& texto) { return texto == "SI"; }
+
+std::string AplicarOpciones(settings::Settings& opciones, const Bloque& b) {
+  for (const auto& opcion : b.opciones) {
+    const auto igual = opcion.find('=');
+    if (igual == std::string::npos ||
+        !settings::AplicarValor(opciones, opcion.substr(0, igual), opcion.substr(igual + 1)))
+      throw std::runtime_error("unknown option " + opcion);
+  }
+  return {};
+}
+
+}  // namespace
+
+void ConexionTestigo::Anotar(std::string_view sql) {
+  sentencias.emplace_back(sql);
+  for (const auto& texto : fallan)
+    if (base::Contiene(sql, texto)) throw db::Error("Falla pedida");
+}
+
+bool PromptsAnotados::Mostrar(const ports::Aviso& aviso) {
+  cajas.push_back((aviso.icono == ports::Icono::Exclamacion ? "! " : "") + aviso.texto);
+  return false;
+}
+
+bool PromptsAnotados::Confirmar(const std::string& texto) {
+  throw std::runtime_error("unexpected question: " + texto);
+}
+
+BaseDePrueba::BaseDePrueba() {
+  auto testigo = std::make_unique<ConexionTestigo>(engine_sqlite::Abrir(":memory:", {.reloj = &reloj}));
+  conexion = testigo.get();
+  sesion.conexion = std::move(testigo);
+  sesion.idEmpresa = 1;
+  sesion.reloj = &reloj;
+  for (const char* tabla : kTablas) conexion->Ejecutar(tabla);
+  conexion->sentencias.clear();
+}
+
+std::string BaseDePrueba::Avisos() {
+  std::string salida;
+  for (const auto& caja : prompts.cajas) salida += caja + "\n";
+  for (const auto& error : errores) salida += "noted " + error.donde + "\n";
+  prompts.cajas.clear();
+  errores.clear();
+  return salida;
+}
+
+std::string Celda(const std::string& texto) { return texto.empty() ? "(empty)" : texto; }
+
+base::Fecha FechaDeIso(const std::string& texto) {
+  const auto piezas = base::Split(texto, "-");
+  if (piezas.size() != 3) throw std::runtime_error("not a date: " + texto);
+  return base::FechaDe(std::stoi(piezas[0]), std::stoi(piezas[1]), std::stoi(piezas[2]));
+}
+
+Verbos VerbosDeBase(const std::shared_ptr<BaseDePrueba>& base) {
+  return {
+      {"exec",
+       [base](const Bloque& b) {
+         for (const auto& sql : Lineas(b.entrada)) base->conexion->Ejecutar(sql);
+         base->conexion->sentencias.clear();
+         return std::string();
+       }},
+      {"query",
+       [base](const Bloque& b) {
+         const auto rs = base->conexion->Consultar(b.entrada);
+         base->conexion->sentencias.clear();
+         return Filas(rs);
+       }},
+      {"sesion",
+       [base](const Bloque& b) {
+         base->sesion.idEmpresa = std::stoi(b.Opcion("empresa", "1"));
+         base->sesion.LiqAgrup = EsSi(b.Opcion("agrupa"));
+         base->sesion.TipoConstruccion = EsSi(b.Opcion("construccion"));
+         return std::string();
+       }},
+      {"opciones", [base](const Bloque& b) { return AplicarOpciones(base->opciones, b); }},
+      {"reloj",
+       [base](const Bloque& b) {
+         base->reloj.ahora = FechaDeIso(b.opciones.at(0));
+         return std::string();
+       }},
+      {"falla",
+       [base](const Bloque& b) {
+         base->conexion->fallan = Lineas(b.entrada);
+         return std::string();
+       }},
+      {"cerrar",
+       [base](const Bloque&) {
+         base->conexion->Cerrar();
+         return std::string();
+       }},
+      {"sentencias", [base](const Bloque&) { return Sentencias(*base->conexion); }},
+  };
+}
+
+}  // namespace support
