@@ -1,0 +1,49 @@
+#include "relations/edit_relations.h"
+
+#include "base/number.h"
+#include "base/text.h"
+
+namespace relations {
+namespace {
+
+std::int64_t EnteroDe(std::string_view texto) {
+  std::int64_t entero = 0;
+  base::ErrorIgnorado("edit_relations", nullptr, [&] { entero = base::EnteroBancario(base::Parse(texto)); });
+  return entero;
+}
+
+// Unlike the grid, a list of just two characters stays as it is here.
+std::string CodigosAEditar(const std::string& externos) {
+  return base::Longitud(externos) > 2 ? SinComasExternas(externos) : externos;
+}
+
+}  // namespace
+
+std::string RechazoAlAgregar(const formula::ListControl& cmbConceptos, std::string_view txtTipo) {
+  if (cmbConceptos.ListIndex == -1) return "Debe seleccionar un concepto";
+  if (base::TrimVista(txtTipo).empty())
+    return "Debe seleccionar la relación con los codigos del sistema de reloj";
+  return {};
+}
+
+std::string RechazoAlQuitar(std::string_view codigo) {
+  return base::TrimVista(codigo).empty() ? "Debe seleccionar una relación para quitar" : "";
+}
+
+std::int64_t CentroDeRelacion(const db::DbSession& sesion, const settings::Settings& opciones,
+                              const formula::ListControl& cmbAgrupaDef) {
+  const formula::ItemLista* elegido = cmbAgrupaDef.Elegido();
+  const bool por_linea = sesion.LiqAgrup && opciones.CCDefEnArch;
+  return por_linea && elegido != nullptr && cmbAgrupaDef.ListIndex > 0 ? elegido->dato : 0;
+}
+
+EdicionDeRelacion EdicionDe(const CodeRelations& relaciones, std::size_t relacion,
+                            const formula::ListControl& cmbConceptos,
+                            const formula::ListControl& cmbAgrupaDef) {
+  return {.txtTipo = CodigosAEditar(relaciones.Campo(kExternos, relacion)),
+          .color = relaciones.Color(relacion),
+          .cmbConceptos = refdata::PosEnCombo(cmbConceptos, EnteroDe(relaciones.Campo(kConcepto, relacion))),
+          .cmbAgrupaDef = refdata::PosEnCombo(cmbAgrupaDef, EnteroDe(relaciones.Campo(kCC, relacion)))};
+}
+
+}  // namespace relations

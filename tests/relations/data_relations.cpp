@@ -1,0 +1,156 @@
+// Runs tests/data/relations/*.test.
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "base/text.h"
+#include "refdata/base_de_prueba.h"
+#include "relations/code_relations.h"
+#include "relations/edit_relations.h"
+#include "relations/sql.h"
+#include "settings/config_file.h"
+
+namespace {
+
+using support::Bloque;
+using support::Celda;
+
+struct Estado {
+  std::shared_ptr<support::BaseDePrueba> base = std::make_shared<support::BaseDePrueba>();
+  relations::CodeRelations relaciones;
+};
+
+bool EsSi(const Bloque& b, const std::string& clave) { return b.Opcion(clave) == "SI"; }
+
+std::vector<std::string> Lineas(const std::string& texto) {
+  return texto.empty() ? std::vector<std::string>() : base::Split(texto, "\n");
+}
+
+std::string TextoSql(const Bloque& b) {
+  const std::string cual = b.opciones.at(0);
+  const int tipo = std::stoi(b.Opcion("tipo", "0"));
+  if (cual == "ConceptosComoRelaciones")
+    return relations::sql::ConceptosComoRelaciones(EsSi(b, "numerico"), EsSi(b, "solo"), EsSi(b, "cuotas"));
+  if (cual == "DatosExternosComoRelaciones") return relations::sql::DatosExternosComoRelaciones(tipo);
+  if (cual == "BorrarDatosExternos") return relations::sql::BorrarDatosExternos(tipo);
+  if (cual == "InsertarDatoExterno")
+    return relations::sql::InsertarDatoExterno(tipo, b.Opcion("id"), b.entrada) + "]";
+  throw std::runtime_error("unknown statement " + cual);
+}
+
+std::string Tabla(const Estado& e) {
+  std::string salida;
+  for (std::size_t i = 0; i < e.relaciones.Cantidad(); ++i) {
+    for (std::size_t campo = 0; campo < e.relaciones.Tabla().registros[i].size(); ++campo)
+      salida += (campo == 0 ? "" : "|") + Celda(e.relaciones.Tabla().Campo(campo, i));
+    salida += "\n";
+  }
+  return salida.empty() ? salida : salida.substr(0, salida.size() - 1);
+}
+
+std::string Grid(const Estado& e) {
+  std::string salida;
+  for (const auto& fila : e.relaciones.Grid())
+    salida += (salida.empty() ? "" : "\n") + Celda(fila.Codigo) + "|" + Celda(fila.Nombre) + "|" +
+              Celda(fila.CodigosVincConReloj) + "|" + Celda(fila.CC);
+  return salida;
+}
+
+// levantar: the input lines "KEY=value" make the settings text, those of one key joined with CR LF.
+std::string Levantar(Estado& e, const Bloque& b) {
+  std::map<std::string, std::string> valores;
+  for (const auto& linea : Lineas(b.entrada)) {
+    const auto igual = linea.find('=');
+    const auto [it, nuevo] = valores.emplace(linea.substr(0, igual), "");
+    it->second += (nuevo ? "" : "\r\n") + linea.substr(igual + 1);
+  }
+  std::string ajustes;
+  for (const auto& [clave, valor] : valores) ajustes = settings::TextoConValor(ajustes, clave, valor);
+  relations::LevantarRelaciones(e.base->sesion, e.base->opciones, ajustes, e.relaciones, &e.base->errores);
+  return e.base->Avisos() + Tabla(e);
+}
+
+// pos: the relation of each code of the input.
+std::string Pos(const Estado& e, const Bloque& b) {
+  std::string salida;
+  for (const auto& codigo : base::Split(b.entrada, "\n"))
+    salida += (salida.empty() ? "" : " ") +
+              std::to_string(e.relaciones.PosEnVecConc(codigo == "(empty)" ? "" : codigo));
+  return salida;
+}
+
+// registro: the input lines are combo text, colour, txtTipo, concept id, lblConcepto and cost centre.
+std::string Registro(const Bloque& b) {
+  const auto l = base::Split(b.entrada, "\n");
+  return relations::RegistroDeRelacion({.texto_combo = l.at(0),
+                                        .color = std::stoi(l.at(1)),
+                                        .txtTipo = l.at(2),
+                                        .id_concepto = l.at(3),
+                                        .lblConcepto = l.at(4),
+                                        .cc = std::stoll(l.at(5))});
+}
+
+// A combo whose items have the data of "3,5,7".
+formula::ListControl ComboDe(const std::string& datos) {
+  formula::ListControl combo;
+  for (const auto& dato : datos.empty() ? std::vector<std::string>() : base::Split(datos, ","))
+    combo.items.push_back({.texto = dato, .dato = std::stoll(dato)});
+  return combo;
+}
+
+// editar n conceptos=… agrupa=…: what the removal of relation n puts back.
+std::string Editar(const Estado& e, const Bloque& b) {
+  const auto edicion =
+      relations::EdicionDe(e.relaciones, static_cast<std::size_t>(std::stoi(b.opciones.at(0))),
+                           ComboDe(b.Opcion("conceptos")), ComboDe(b.Opcion("agrupa")));
+  return "txtTipo=" + Celda(edicion.txtTipo) + " color=" + std::to_string(edicion.color) +
+         " cmbConceptos=" + std::to_string(edicion.cmbConceptos) +
+         " cmbAgrupaDef=" + std::to_string(edicion.cmbAgrupaDef);
+}
+
+std::string Rechazo(const Bloque& b) {
+  if (b.opciones.at(0) == "quitar") return Celda(relations::RechazoAlQuitar(b.entrada));
+  formula::ListControl combo = ComboDe("7,2");
+  combo.ListIndex = std::stoi(b.Opcion("conceptos"));
+  return Celda(relations::RechazoAlAgregar(combo, b.entrada));
+}
+
+// centro elegido=1 agrupa=0,3: the cost centre of a relation that is added now.
+std::string Centro(const Estado& e, const Bloque& b) {
+  formula::ListControl combo = ComboDe(b.Opcion("agrupa"));
+  combo.ListIndex = std::stoi(b.Opcion("elegido"));
+  return std::to_string(relations::CentroDeRelacion(e.base->sesion, e.base->opciones, combo));
+}
+
+support::Verbos Preparar() {
+  const auto e = std::make_shared<Estado>();
+  support::Verbos verbos = support::VerbosDeBase(e->base);
+  verbos["sql"] = TextoSql;
+  verbos["levantar"] = [e](const Bloque& b) { return Levantar(*e, b); };
+  verbos["tabla"] = [e](const Bloque&) { return Tabla(*e); };
+  verbos["grid"] = [e](const Bloque&) { return Grid(*e); };
+  verbos["pos"] = [e](const Bloque& b) { return Pos(*e, b); };
+  verbos["agregar"] = [e](const Bloque& b) { return e->relaciones.Agregar(b.entrada), Tabla(*e); };
+  verbos["quitar"] = [e](const Bloque& b) {
+    const int relacion = e->relaciones.PosDeCodigo(b.entrada);
+    if (relacion < 0) return std::string("no such relation");
+    return e->relaciones.Quitar(static_cast<std::size_t>(relacion)), Tabla(*e);
+  };
+  verbos["texto"] = [e](const Bloque&) {
+    return base::Reemplazar(e->relaciones.Texto(), "\r\n", "<CRLF>\n");
+  };
+  verbos["guardar"] = [e](const Bloque&) {
+    relations::GuardarRelacionesEnBase(e->base->sesion, e->relaciones, &e->base->errores);
+    return e->base->Avisos() + base::Join(std::exchange(e->base->conexion->sentencias, {}), "\n");
+  };
+  verbos["registro"] = Registro;
+  verbos["editar"] = [e](const Bloque& b) { return Editar(*e, b); };
+  verbos["rechazo"] = Rechazo;
+  verbos["centro"] = [e](const Bloque& b) { return Centro(*e, b); };
+  return verbos;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) { return support::EjecutarArchivos(argc, argv, Preparar); }
