@@ -47,11 +47,14 @@ enum class FiltroPor { Texto = 0, Relacion = 1 };  // the index of OptFiltro
 // A line that did not become a row.
 struct LineaAparte {
   std::size_t linea = 0;
-  bool mal_formada = false;      // else dropped by the filter
-  formula::CamposDeLinea campo;  // what was found for it; a malformed one has what its pieces gave
+  bool mal_formada = false;  // else dropped by the filter
+  formula::CamposDeLinea
+      campo;  // what was found for it; a malformed one has its first two pieces, as they are
 };
 
-// What a load works on; everything is read, nothing kept.
+// What a load works on; everything is read, nothing kept. The options are copied when the load starts; the
+// tables must stay as they are while it runs, also when `progreso` lets window events in. The evaluator, the
+// prompts and the progress may be null.
 struct EntradaCarga {
   std::string txtRuta;
   const settings::Settings* opciones = nullptr;
@@ -76,8 +79,10 @@ struct Carga {
   std::size_t lineas = 0;           // of the text, the empty one after a last CR LF not counted
 };
 
-// Reads, cuts, matches, filters and sorts. When it ends early (SinArchivo, FormatoIncorrecto, Cancelada) the
-// caller keeps what it had. Messages go to `prompts`.
+// Reads, cuts, matches, filters and sorts; time grows with the lines. When it ends early (SinArchivo,
+// FormatoIncorrecto, Cancelada) the caller keeps what it had. Messages go to `prompts`; each shows up, until
+// the operator silences those of this load (the evaluator's boxes count with them). An empty file is a
+// complete load without lines. Every line counted in `lineas` is in `filas` or in `aparte`.
 Carga CargarDatos(const EntradaCarga& entrada);
 
 }  // namespace importfile

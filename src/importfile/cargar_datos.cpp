@@ -1,0 +1,218 @@
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "base/encoding.h"
+#include "base/file.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "formula/vector_utils.h"
+#include "importfile/importfile_internal.h"
+
+namespace importfile {
+namespace {
+
+constexpr std::size_t kLineasDePrevia = 4;
+constexpr std::size_t kReservaMaxima = 1U << 18;  // rows; a larger file grows the table as it goes
+
+// The boxes of one load. They share their count with the evaluator's, so that silencing either silences the
+// load.
+class Avisador {
+ public:
+  Avisador(ports::Prompts* prompts, formula::Evaluador& evaluador)
+      : prompts_(prompts), evaluador_(evaluador) {
+    evaluador_.avisos_mostrados = 0;
+    evaluador_.avisos_callados = false;
+  }
+  void Mostrar(std::string texto) {
+    if (prompts_ == nullptr || evaluador_.avisos_callados) return;
+    const bool ofrece_callar = ++evaluador_.avisos_mostrados > 1;
+    if (prompts_->Mostrar({std::move(texto), ports::Icono::Exclamacion, ofrece_callar}))
+      evaluador_.avisos_callados = true;
+  }
+
+ private:
+  ports::Prompts* prompts_;
+  formula::Evaluador& evaluador_;
+};
+
+std::vector<std::string_view> PartirEnLineas(std::string_view texto) {
+  std::vector<std::string_view> lineas;
+  base::SplitVistas(texto, base::Contiene(texto, base::kCrLf) ? base::kCrLf : std::string_view("\n"), lineas);
+  return lineas;
+}
+
+base::Fecha Hoy(const formula::Evaluador& evaluador) {
+  return evaluador.reloj != nullptr ? evaluador.reloj->Hoy() : base::Fecha{};
+}
+
+void Ordenar(std::vector<ImportRow>& filas, int columna, base::Fecha hoy) {
+  if (columna < kClave || columna > kValor) columna = kClave;
+  std::vector<std::string_view> valores;
+  valores.reserve(filas.size());
+  for (const ImportRow& fila : filas) valores.push_back(fila.campo[static_cast<std::size_t>(columna)]);
+  const std::vector<std::size_t> orden = formula::OrdenDeColumna(valores, hoy);
+  if (std::is_sorted(orden.begin(), orden.end())) return;
+  std::vector<ImportRow> ordenadas;
+  ordenadas.reserve(filas.size());
+  for (const std::size_t i : orden) ordenadas.push_back(std::move(filas[i]));
+  filas = std::move(ordenadas);
+}
+
+class Cargador {
+ public:
+  explicit Cargador(const EntradaCarga& entrada)
+      : entrada_(entrada),
+        opciones_(*entrada.opciones),
+        evaluador_(entrada.evaluador != nullptr ? *entrada.evaluador : evaluador_propio_),
+        progreso_(entrada.progreso != nullptr ? *entrada.progreso : sin_progreso_),
+        avisador_(entrada.prompts, evaluador_),
+        emparejador_(entrada, opciones_),
+        con_formula_(FormulaEnUso(opciones_.FactMultiplica)),
+        con_filtro_(entrada.filtro == FiltroPor::Relacion ||
+                    !base::TrimVista(opciones_.TextoDeFiltro).empty()) {}
+
+  Carga Cargar() {
+    carga_.fin = CargarArchivo();
+    return std::move(carga_);
+  }
+
+ private:
+  FinDeCarga CargarArchivo();
+  FinDeCarga CargarTexto(std::string_view texto);
+  bool FormatoCorrecto(std::string_view texto);
+  void CargarLinea(std::size_t numero, std::string_view linea);
+  std::span<const std::string_view> Cortar(std::string_view linea);
+  void ApartarMalFormada(std::size_t numero, std::span<const std::string_view> piezas);
+  bool PasaElFiltro(const formula::CamposDeLinea& campo, int relacion);
+
+  const EntradaCarga& entrada_;
+  // Of its own: an option that the operator changes while events are pumped must not split one load in two.
+  const settings::Settings opciones_;
+  formula::Evaluador evaluador_propio_;
+  ports::SinProgreso sin_progreso_;
+  formula::Evaluador& evaluador_;
+  ports::Progress& progreso_;
+  Avisador avisador_;
+  RowMatcher emparejador_;
+  bool con_formula_;
+  bool con_filtro_;
+  std::vector<std::string_view> piezas_;
+  CorteAF corte_;
+  Carga carga_;
+};
+
+FinDeCarga Cargador::CargarArchivo() {
+  if (!base::ExisteArchivo(entrada_.txtRuta)) {
+    avisador_.Mostrar("El Archivo '" + entrada_.txtRuta + "' no existe");
+    return FinDeCarga::SinArchivo;
+  }
+  std::optional<std::string> bytes = base::LeerArchivo(entrada_.txtRuta);
+  if (!bytes) {
+    // Taking it for an empty file would clear the grid without a word.
+    avisador_.Mostrar("El Archivo '" + entrada_.txtRuta + "' no se puede leer");
+    return FinDeCarga::SinArchivo;
+  }
+  const std::string texto = base::DecodificarArchivo(*bytes);
+  bytes.reset();
+  return CargarTexto(texto);
+}
+
+bool Cargador::FormatoCorrecto(std::string_view texto) {
+  if (opciones_.AnchoFijo) {
+    if (SePuedeCortar(opciones_.ConfDeAF)) return true;
+    avisador_.Mostrar(
+        "El diseño de ancho fijo (clave ConfDeAF del archivo de configuración) tiene más de cinco columnas o "
+        "campos: no se puede leer el archivo");
+    return false;
+  }
+  if (base::Contiene(texto, opciones_.Separador)) return true;
+  avisador_.Mostrar("Formato incorrecto");
+  return false;
+}
+
+FinDeCarga Cargador::CargarTexto(std::string_view texto) {
+  if (texto.empty()) return FinDeCarga::Completa;
+  if (!FormatoCorrecto(texto)) return FinDeCarga::FormatoIncorrecto;
+
+  const std::vector<std::string_view> lineas = PartirEnLineas(texto);
+  // What follows the last line end is shown and complained of like a line, but it is none: no row, no count.
+  carga_.lineas = lineas.size() - (lineas.back().empty() ? 1 : 0);
+  carga_.filas.reserve(std::min(carga_.lineas, kReservaMaxima));
+  progreso_.ActuBarra(100.0F / (2.0F * static_cast<float>(lineas.size())));
+  for (std::size_t i = 0; i < lineas.size() && !progreso_.Cancelado(); ++i) {
+    if (i < kLineasDePrevia) {
+      if (i > 0) carga_.previa += base::kCrLf;
+      carga_.previa += lineas[i];
+    }
+    CargarLinea(i + 1, lineas[i]);
+  }
+  if (progreso_.Cancelado()) {
+    progreso_.ActuBarra(0);
+    return FinDeCarga::Cancelada;
+  }
+  Ordenar(carga_.filas, entrada_.columna_orden, Hoy(evaluador_));
+  progreso_.ActuBarra(-1);
+  progreso_.ActuBarra(0);
+  return FinDeCarga::Completa;
+}
+
+std::span<const std::string_view> Cargador::Cortar(std::string_view linea) {
+  if (opciones_.AnchoFijo) {
+    corte_ = CortarAF(linea, opciones_.ConfDeAF);
+    return corte_.campos;
+  }
+  base::SplitVistas(linea, opciones_.Separador, piezas_);
+  return piezas_;
+}
+
+void Cargador::ApartarMalFormada(std::size_t numero, std::span<const std::string_view> piezas) {
+  avisador_.Mostrar("Formato incorrecto en la linea " + std::to_string(numero));
+  if (numero > carga_.lineas) return;
+  LineaAparte& aparte = carga_.aparte.emplace_back();
+  aparte.linea = numero;
+  aparte.mal_formada = true;
+  if (!piezas.empty()) aparte.campo[kClave] = piezas[0];
+  if (piezas.size() > 1) aparte.campo[kTipo] = piezas[1];
+}
+
+void Cargador::CargarLinea(std::size_t numero, std::string_view linea) {
+  const std::span<const std::string_view> piezas = Cortar(linea);
+  if (piezas.size() < kCamposNecesarios) {
+    ApartarMalFormada(numero, piezas);
+    return;
+  }
+  if (numero > carga_.lineas) return;
+
+  ImportRow& fila = carga_.filas.emplace_back();
+  fila.linea = numero;
+  formula::CamposDeLinea& campo = fila.campo;
+  LlenarDeLaLinea(piezas, opciones_, campo);
+  if (!ValeCero(campo[kValor])) carga_.hay_valor = true;
+  progreso_.ActuBarra(-1);
+  const int relacion = emparejador_.Emparejar(campo);
+  if (con_formula_)
+    campo[kCantidad] =
+        base::SqlDeSimple(formula::CalcularFormula(evaluador_, opciones_.FactMultiplica, campo));
+  progreso_.DoEvents();
+  if (!PasaElFiltro(campo, relacion)) {
+    carga_.aparte.push_back({numero, false, std::move(campo)});
+    carga_.filas.pop_back();
+  }
+  progreso_.ActuBarra(-1);
+}
+
+bool Cargador::PasaElFiltro(const formula::CamposDeLinea& campo, int relacion) {
+  if (!con_filtro_) return true;
+  // "Tipo EnList " + all external codes, in closed form: evaluated, a code with "-" or "OR" in it would lose
+  // its lines.
+  if (entrada_.filtro == FiltroPor::Relacion) return relacion >= 0;
+  const std::string condicion = formula::ReemplazaComodines(opciones_.TextoDeFiltro, campo);
+  return base::Parse(formula::EvaluarTexto(evaluador_, "EVAL(" + condicion + ")")) != 0;
+}
+
+}  // namespace
+
+Carga CargarDatos(const EntradaCarga& entrada) { return Cargador(entrada).Cargar(); }
+
+}  // namespace importfile

@@ -1,0 +1,93 @@
+#include "base/number.h"
+#include "base/text.h"
+#include "importfile/importfile_internal.h"
+
+namespace importfile {
+namespace {
+
+std::string_view SinCeros(std::string_view cifras) {
+  const std::size_t primera = cifras.find_first_not_of('0');
+  return primera == std::string_view::npos ? std::string_view() : cifras.substr(primera);
+}
+
+// The text of its number when it has one other than 0: "000123" is 123, "ABC" stays.
+std::string NumeroOTexto(std::string_view clave) {
+  if (auto sencillo = TextoDeDecimal(clave))
+    return *sencillo == "0" ? std::string(clave) : *std::move(sencillo);
+  const double numero = base::ValorNumerico(clave);
+  return base::Trim(numero != 0 ? base::SqlDeNumero(numero) : clave);
+}
+
+}  // namespace
+
+std::optional<std::string> TextoDeDecimal(std::string_view texto) {
+  constexpr std::size_t kCifras = 15;  // a double gives back so many as they were
+  const std::size_t fin = texto.find_first_not_of("0123456789");
+  const std::string_view entera = texto.substr(0, fin);
+  std::string_view fraccion;
+  if (fin != std::string_view::npos) {
+    if (texto[fin] != '.') return std::nullopt;
+    fraccion = texto.substr(fin + 1);
+    if (fraccion.empty() || fraccion.find_first_not_of("0123456789") != std::string_view::npos)
+      return std::nullopt;
+  }
+  if (entera.empty() || entera.size() + fraccion.size() > kCifras) return std::nullopt;
+  fraccion = fraccion.substr(0, fraccion.find_last_not_of('0') + 1);
+  std::string salida(SinCeros(entera));
+  if (salida.empty()) salida.push_back('0');
+  if (!fraccion.empty()) salida.append(1, '.').append(fraccion);
+  return salida;
+}
+
+bool ValeCero(std::string_view texto) {
+  if (const auto sencillo = TextoDeDecimal(texto)) return *sencillo == "0";
+  return base::ValorNumerico(texto) == 0;
+}
+
+bool FormulaEnUso(std::string_view formula) {
+  const std::string_view recortada = base::TrimVista(formula);
+  return !recortada.empty() && base::NumeroDeTexto(recortada) != 1.0;
+}
+
+std::string TextoDelValor(std::string_view texto) {
+  if (auto sencillo = TextoDeDecimal(texto)) return *std::move(sencillo);
+  return base::SqlDeNumero(base::ValorNumerico(texto));
+}
+
+std::string NormalizarClave(std::string_view clave) {
+  const std::size_t primero = clave.find('_');
+  if (primero == std::string_view::npos || !base::EsNumero(clave.substr(0, primero)))
+    return NumeroOTexto(clave);
+  // "0012_A" is person 12 with a suffix of its own, which is not touched.
+  return TextoDelValor(clave) + std::string(clave.substr(clave.rfind('_')));
+}
+
+std::string NormalizarCantidad(std::string_view cantidad) {
+  std::string texto(cantidad);
+  if (texto.find(',') != std::string::npos) {
+    // With both signs the points part the thousands.
+    std::erase(texto, '.');
+    for (char& c : texto)
+      if (c == ',') c = '.';
+  }
+  if (auto sencillo = TextoDeDecimal(texto)) return *sencillo == "0" ? texto : *std::move(sencillo);
+  const auto numero = base::NumeroDeTexto(texto);
+  return numero && *numero != 0 ? base::SqlDeNumero(*numero) : texto;
+}
+
+std::string NormalizarTipo(std::string_view tipo, bool numerico) {
+  const std::string_view recortado = base::TrimVista(tipo);
+  return numerico ? TextoDelValor(recortado) : std::string(recortado);
+}
+
+void LlenarDeLaLinea(std::span<const std::string_view> piezas, const settings::Settings& opciones,
+                     formula::CamposDeLinea& fila) {
+  fila[kClave] = NormalizarClave(piezas[0]);
+  fila[kCantidad] = NormalizarCantidad(piezas[2]);
+  fila[kTipo] = NormalizarTipo(piezas[1], opciones.CodTipoNumerico);
+  if (piezas.size() > 3) fila[kDatoExtra] = piezas[3];
+  if (piezas.size() > 4) fila[kValor] = piezas[4];
+  if (opciones.CCEnDE) fila[kCC] = TextoDelValor(fila[kDatoExtra]);
+}
+
+}  // namespace importfile

@@ -1,0 +1,229 @@
+// Verbs of the import file:
+//   mundo                       the tables of the loads that follow in this file, one entry a line:
+//                               "persona" + eleven fields, "relacion" + six fields, "concepto" + five
+//   load [K=V …]                loads the input as a file with those options and prints what came of it
+//   cut [K=V …]                 the fields of a line and its star line
+//   preview [K=V …]             the rows of the preview grid for these first lines
+//   valid                       the answer of the line check
+// K=V are keys of the settings file. Of `load` besides:
+//   filtro=texto|relacion  orden=N  archivo=ausente|carpeta   what is loaded and how
+//   codigo=cp1252|utf8|utf8bom|utf16le|utf16be  lf            the bytes of the file; lines end with CR LF
+//   calla=N  cancela=N                                        silence at box N; cancel when asked the N-th
+//   time ver=3,4  previa  barra  valor                             what is printed
+// It prints boxes as "! text" ("[+]" when they offer silence, "(i)" when they have no icon), rows as
+// "line> fields", dropped lines as "line- fields", malformed ones as "line? fields", and the end.
+#include <sstream>
+
+#include "base/encoding.h"
+#include "base/text.h"
+#include "importfile/import_grid.h"
+#include "importfile/line_formats.h"
+#include "settings/config_file.h"
+#include "support/data_test.h"
+#include "support/escapes.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using support::Bloque;
+
+struct Mundo {
+  refdata::PersonsIndex personas;
+  relations::CodeRelations relaciones;
+  refdata::ConceptsCatalogue conceptos;
+};
+
+struct AvisosDePrueba final : ports::Prompts {
+  std::string salida;
+  int mostrados = 0;
+  int calla = 0;
+  bool Mostrar(const ports::Aviso& aviso) override {
+    salida.append("! ").append(aviso.texto).append(aviso.ofrece_callar ? " [+]" : "");
+    salida.append(aviso.icono == ports::Icono::Ninguno ? " (i)\n" : "\n");
+    return ++mostrados == calla;
+  }
+  bool Confirmar(const std::string& texto) override {
+    throw std::runtime_error("unexpected question: " + texto);
+  }
+};
+
+struct ProgresoDePrueba final : ports::Progress {
+  std::string salida;
+  mutable int preguntas = 0;
+  int cancela = 0;
+  void ActuBarra(float paso, bool sin_refresco) override {
+    std::ostringstream o;
+    o << paso;
+    if (!salida.empty()) salida += ' ';
+    salida.append(o.str()).append(sin_refresco ? "!" : "");
+  }
+  void DoEvents() override { salida += " ev"; }
+  bool Cancelado() const override { return ++preguntas == cancela || (cancela > 0 && preguntas > cancela); }
+};
+
+std::string Entero(std::size_t n) { return std::to_string(n); }
+
+std::string Preparar(Mundo& mundo, const Bloque& b) {
+  std::vector<refdata::PersonsIndex::Fila> personas;
+  std::string relaciones;
+  mundo.conceptos = {};
+  mundo.conceptos.tabla.dimensiones = 2;
+  for (const std::string& linea : base::Split(b.entrada, "\n")) {
+    const std::size_t blanco = linea.find(' ');
+    const std::string clase = linea.substr(0, blanco), resto = linea.substr(blanco + 1);
+    if (clase == "persona") {
+      const auto campos = base::Split(resto, "|");
+      auto& fila = personas.emplace_back();
+      if (campos.size() != fila.size()) throw std::runtime_error("a person has eleven fields: " + linea);
+      for (std::size_t i = 0; i < fila.size(); ++i) fila[i] = campos[i];
+    } else if (clase == "relacion") {
+      relaciones += (relaciones.empty() ? "" : "\r\n") + resto;
+    } else if (clase == "concepto") {
+      mundo.conceptos.tabla.registros.push_back(base::Split(resto, "*"));
+    } else {
+      throw std::runtime_error("unknown entry: " + linea);
+    }
+  }
+  const std::size_t cuantas = personas.size();
+  mundo.personas.Reemplazar(std::move(personas));
+  mundo.relaciones.Reemplazar(relaciones);
+  return Entero(cuantas) + " persons, " + Entero(mundo.relaciones.Cantidad()) + " relations, " +
+         Entero(mundo.conceptos.tabla.Cantidad()) + " concepts";
+}
+
+settings::Settings OpcionesDe(const Bloque& b) {
+  settings::Settings s;
+  for (const std::string& o : b.opciones) {
+    const std::size_t igual = o.find('=');
+    if (igual != std::string::npos)
+      settings::AplicarValor(s, o.substr(0, igual), support::Desescapar(o.substr(igual + 1)));
+  }
+  return s;
+}
+
+std::string Utf16(std::string_view utf8, bool grande) {
+  std::string bytes;
+  const auto unidad = [&](char16_t u) {
+    const char alto = static_cast<char>(u >> 8), bajo = static_cast<char>(u & 0xFF);
+    bytes += grande ? alto : bajo;
+    bytes += grande ? bajo : alto;
+  };
+  unidad(0xFEFF);
+  for (const char16_t u : base::AUtf16(utf8)) unidad(u);
+  return bytes;
+}
+
+std::string BytesDelArchivo(const Bloque& b) {
+  const std::string texto = base::Reemplazar(b.entrada, "\n", b.Tiene("lf") ? "\n" : "\r\n");
+  const std::string codigo = b.Opcion("codigo", "cp1252");
+  if (codigo == "cp1252") return support::Desescapar(base::ACp1252(texto));
+  if (codigo == "utf8") return support::Desescapar(texto);
+  if (codigo == "utf8bom") return "\xEF\xBB\xBF" + support::Desescapar(texto);
+  if (codigo == "utf16le" || codigo == "utf16be")
+    return Utf16(support::Desescapar(texto), codigo == "utf16be");
+  throw std::runtime_error("unknown codigo " + codigo);
+}
+
+std::string Campos(const Bloque& b, const formula::CamposDeLinea& campo) {
+  std::string salida;
+  const std::string ver = b.Opcion("ver");
+  std::vector<std::size_t> cuales;
+  for (std::size_t i = 0; ver.empty() && i < campo.size(); ++i) cuales.push_back(i);
+  if (!ver.empty())
+    for (const std::string& n : base::Split(ver, ","))
+      cuales.push_back(static_cast<std::size_t>(std::stoi(n)));
+  for (std::size_t k = 0; k < cuales.size(); ++k) {
+    const std::string& texto = campo[cuales[k]];
+    if (k > 0) salida += '|';
+    salida += texto.size() > 60 ? Entero(texto.size()) + " bytes" : support::Escapado(texto);
+  }
+  return salida;
+}
+
+std::string Contar(const Bloque& b, const importfile::Carga& carga) {
+  static const char* const kFines[] = {"Completa", "SinArchivo", "FormatoIncorrecto", "Cancelada"};
+  std::string salida;
+  for (const auto& fila : carga.filas) {
+    if (!fila.resultado.empty()) throw std::runtime_error("a loaded row has a result");
+    salida += Entero(fila.linea) + "> " + Campos(b, fila.campo) + "\n";
+  }
+  for (const auto& a : carga.aparte)
+    salida += Entero(a.linea) + (a.mal_formada ? "? " : "- ") + Campos(b, a.campo) + "\n";
+  if (carga.fin == importfile::FinDeCarga::Completa &&
+      carga.lineas != carga.filas.size() + carga.aparte.size())
+    salida += "LINES LOST\n";
+  if (b.Tiene("previa")) salida += "preview " + support::Escapado(carga.previa) + "\n";
+  if (b.Tiene("valor")) salida += carga.hay_valor ? "with value\n" : "without value\n";
+  return salida + kFines[static_cast<int>(carga.fin)] + " " + Entero(carga.lineas);
+}
+
+std::string Cargar(const Mundo& mundo, const Bloque& b) {
+  support::CarpetaTemporal carpeta;
+  const settings::Settings opciones = OpcionesDe(b);
+  AvisosDePrueba avisos;
+  ProgresoDePrueba progreso;
+  const ports::RelojFijo reloj(base::FechaDe(2024, 5, 10));
+  formula::Evaluador evaluador;
+  evaluador.prompts = &avisos;
+  evaluador.reloj = &reloj;
+  evaluador.avisos_callados = true;  // left over from a load before
+  evaluador.avisos_mostrados = 7;
+  importfile::EntradaCarga entrada;
+  entrada.txtRuta = carpeta.Ruta("marcas.txt");
+  if (b.Opcion("archivo") == "carpeta") entrada.txtRuta = carpeta.Carpeta();
+  if (b.Opcion("archivo").empty()) carpeta.Escribir("marcas.txt", BytesDelArchivo(b));
+  entrada.opciones = &opciones;
+  entrada.filtro =
+      b.Opcion("filtro") == "texto" ? importfile::FiltroPor::Texto : importfile::FiltroPor::Relacion;
+  entrada.columna_orden = std::stoi(b.Opcion("orden", "0"));
+  entrada.personas = &mundo.personas;
+  entrada.conceptos = &mundo.conceptos;
+  entrada.relaciones = &mundo.relaciones;
+  entrada.evaluador = &evaluador;
+  entrada.prompts = &avisos;
+  entrada.progreso = &progreso;
+  avisos.calla = std::stoi(b.Opcion("calla", "0"));
+  progreso.cancela = std::stoi(b.Opcion("cancela", "0"));
+  const std::string resultado = Contar(b, importfile::CargarDatos(entrada));
+  std::string salida = base::Reemplazar(avisos.salida, carpeta.Carpeta(), "CARPETA") + resultado;
+  if (b.Tiene("barra")) salida += "\n" + progreso.salida;
+  if (b.Opcion("archivo") == "ausente" && std::filesystem::exists(entrada.txtRuta))
+    salida += "\nFILE CREATED";
+  return salida;
+}
+
+std::string Cortar(const Bloque& b) {
+  const settings::Settings opciones = OpcionesDe(b);
+  const std::string linea = support::Desescapar(b.entrada);
+  const importfile::ResultadoCorte corte = opciones.AnchoFijo
+                                               ? importfile::DevLineaAF(linea, opciones.ConfDeAF)
+                                               : importfile::CortarDelimitada(linea, opciones.Separador);
+  std::string salida;
+  for (const std::string& campo : corte.campos)
+    salida.append("<").append(support::Escapado(campo)).append(">");
+  return salida + "\n" + support::Escapado(corte.estrella);
+}
+
+std::string Previsualizar(const Bloque& b) {
+  const auto filas =
+      importfile::CargarDatosPrevisual(base::Reemplazar(b.entrada, "\n", "\r\n"), OpcionesDe(b));
+  std::string salida;
+  for (const auto& fila : filas)
+    salida.append(salida.empty() ? "<" : "\n<").append(base::Join(fila, "><")).append(">");
+  return salida.empty() ? "(none)" : salida;
+}
+
+std::string Validar(const Bloque& b) { return importfile::ValidoLinea(b.entrada) ? "true" : "false"; }
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return support::EjecutarArchivos(argc, argv, [] {
+    const auto mundo = std::make_shared<Mundo>();
+    return support::Verbos{{"mundo", [mundo](const Bloque& b) { return Preparar(*mundo, b); }},
+                           {"load", [mundo](const Bloque& b) { return Cargar(*mundo, b); }},
+                           {"cut", Cortar},
+                           {"preview", Previsualizar},
+                           {"valid", Validar}};
+  });
+}

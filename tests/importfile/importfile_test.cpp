@@ -1,0 +1,160 @@
+// What needs more than a few lines of text, or a say while the load runs.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "base/number.h"
+#include "importfile/import_grid.h"
+#include "importfile/importfile_internal.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using importfile::Carga;
+using importfile::CargarDatos;
+using importfile::EntradaCarga;
+using importfile::FiltroPor;
+using importfile::FinDeCarga;
+
+struct Tablas {
+  refdata::PersonsIndex personas;
+  relations::CodeRelations relaciones;
+  refdata::ConceptsCatalogue conceptos;
+  settings::Settings opciones;
+  support::CarpetaTemporal carpeta;
+
+  Tablas() {
+    std::vector<refdata::PersonsIndex::Fila> filas;
+    for (int i = 1; i <= 500; ++i) {
+      const std::string n = std::to_string(i);
+      filas.push_back({n, n, n, n, n, n, "Nombre" + n, "Apellido" + n, "180", "1", "2"});
+    }
+    personas.Reemplazar(std::move(filas));
+    relaciones.Reemplazar("HC*65535*,1,*7*Horas Comunes*0\r\nHE*65280*,2,*2*Horas Extras*0");
+    conceptos.tabla.dimensiones = 2;
+    conceptos.tabla.registros = {{"7", "Horas Comunes", "3", "S", "0"}, {"2", "Horas Extras", "3", "S", "0"}};
+    opciones.Separador = ";";
+  }
+  EntradaCarga Entrada(const std::string& texto) {
+    EntradaCarga entrada;
+    entrada.txtRuta = carpeta.Escribir("marcas.txt", texto);
+    entrada.opciones = &opciones;
+    entrada.personas = &personas;
+    entrada.conceptos = &conceptos;
+    entrada.relaciones = &relaciones;
+    return entrada;
+  }
+};
+
+// The short cut for plain decimals must not be told from the conversion that it spares.
+TEST(TextoDeDecimal, IsWhatTheGeneralConversionGives) {
+  std::mt19937 azar(20240510);
+  const auto cifras = [&](int cuantas) {
+    std::string texto;
+    for (int i = 0; i < cuantas; ++i) texto += "0012345678900"[azar() % 13];
+    return texto;
+  };
+  int sencillos = 0;
+  for (int i = 0; i < 20000; ++i) {
+    std::string texto = cifras(static_cast<int>(azar() % 17));
+    if (azar() % 2 == 0) texto.append(".").append(cifras(static_cast<int>(azar() % 16)));
+    const auto sencillo = importfile::TextoDeDecimal(texto);
+    if (!sencillo) continue;
+    ++sencillos;
+    ASSERT_EQ(*sencillo, base::SqlDeNumero(base::ValorNumerico(texto))) << texto;
+    ASSERT_EQ(importfile::ValeCero(texto), base::ValorNumerico(texto) == 0) << texto;
+  }
+  EXPECT_GT(sencillos, 8000);
+}
+
+TEST(TextoDeDecimal, LeavesEveryOtherTextToTheGeneralConversion) {
+  for (const char* texto : {"", ".", "5.", ".5", "-5", "+5", " 5", "5 ", "8,5", "1.234.567", "1e3", "&H10",
+                            "5x", "1234567890123456", "0.123456789012345", "\xEF\xBC\x95"})
+    EXPECT_FALSE(importfile::TextoDeDecimal(texto).has_value()) << texto;
+}
+
+TEST(CargarDatos, LoadsAHundredThousandLinesAndLosesNone) {
+  constexpr std::size_t kLineas = 100000;
+  Tablas tablas;
+  std::string texto;
+  for (std::size_t i = 0; i < kLineas; ++i)  // keys going down; every third code is in no relation
+    texto += std::to_string(500 - i % 500) + ";" + std::to_string(i % 3 + 1) + ";8,5;extra;0\r\n";
+  const Carga carga = CargarDatos(tablas.Entrada(texto));
+  EXPECT_EQ(carga.fin, FinDeCarga::Completa);
+  EXPECT_EQ(carga.lineas, kLineas);
+  EXPECT_EQ(carga.aparte.size(), kLineas / 3);
+  ASSERT_EQ(carga.filas.size(), kLineas - kLineas / 3);
+  for (std::size_t i = 1; i < carga.filas.size(); ++i) {
+    const auto &antes = carga.filas[i - 1], &fila = carga.filas[i];
+    const int clave_antes = std::stoi(antes.campo[importfile::kClave]);
+    const int clave = std::stoi(fila.campo[importfile::kClave]);
+    ASSERT_TRUE(clave_antes < clave || (clave_antes == clave && antes.linea < fila.linea)) << "row " << i;
+    ASSERT_EQ(fila.campo[importfile::kNombre], "Nombre" + fila.campo[importfile::kClave]);
+    ASSERT_EQ(fila.campo[importfile::kCantidad], "8.5");
+  }
+}
+
+TEST(CargarDatos, AVeryLongLineIsALineLikeOthers) {
+  constexpr std::size_t kLargo = 3000000;
+  Tablas tablas;
+  std::string texto = "1;1;8;";
+  texto.append(kLargo, 'x').append("\r\n2;1;3\r\n3;1;4");
+  texto.append(kLargo, ';');  // as many empty fields
+  Carga carga = CargarDatos(tablas.Entrada(texto));
+  ASSERT_EQ(carga.filas.size(), 3U);
+  EXPECT_EQ(carga.filas[0].campo[importfile::kDatoExtra].size(), kLargo);
+  EXPECT_EQ(carga.filas[2].campo[importfile::kCantidad], "4");
+  tablas.opciones.AnchoFijo = true;
+  tablas.opciones.CodTipoNumerico = false;
+  carga = CargarDatos(tablas.Entrada(std::string(kLargo, '\xF1') + "\r\n000002 1   9"));
+  ASSERT_EQ(carga.filas.size(), 1U);
+  EXPECT_EQ(carga.filas[0].campo[importfile::kCantidad], "9");
+  EXPECT_EQ(carga.aparte.size(), 1U);
+}
+
+TEST(CargarDatos, NeedsNeitherEvaluatorNorPromptsNorProgress) {
+  Tablas tablas;
+  tablas.opciones.FactMultiplica = "*2";
+  tablas.opciones.TextoDeFiltro = "Horas>10";
+  EntradaCarga entrada = tablas.Entrada("1;1;8\r\n2;1;3\r\n;bad\r\n");
+  entrada.filtro = FiltroPor::Texto;
+  const Carga carga = CargarDatos(entrada);
+  ASSERT_EQ(carga.filas.size(), 1U);
+  EXPECT_EQ(carga.filas[0].campo[importfile::kCantidad], "16");
+  EXPECT_EQ(carga.aparte.size(), 2U);
+}
+
+// Clears an option as an operator could while events are pumped.
+struct CambiaOpciones final : ports::Progress {
+  explicit CambiaOpciones(settings::Settings& s) : opciones(s) {}
+  void ActuBarra(float, bool) override {}
+  void DoEvents() override {
+    opciones.Separador.assign(1, '|');
+    opciones.CodTipoNumerico = false;
+  }
+  bool Cancelado() const override { return false; }
+  settings::Settings& opciones;
+};
+
+TEST(CargarDatos, AnOptionChangedMeanwhileDoesNotSplitTheLoad) {
+  Tablas tablas;
+  CambiaOpciones progreso(tablas.opciones);
+  EntradaCarga entrada = tablas.Entrada("1;01;8\r\n2;02;3\r\n3;01;4");
+  entrada.progreso = &progreso;
+  const Carga carga = CargarDatos(entrada);
+  ASSERT_EQ(carga.filas.size(), 3U);
+  EXPECT_EQ(carga.filas[2].campo[importfile::kTipo], "1");
+}
+
+TEST(CargarDatos, ACatalogueEntryOfMinusOneIsNoConcept) {
+  Tablas tablas;
+  tablas.conceptos.tabla.registros = {{"-1", "-1", "9", "9", "9"}};
+  EntradaCarga entrada = tablas.Entrada("1;33;8\r\n999;1;3");
+  entrada.filtro = FiltroPor::Texto;
+  const Carga carga = CargarDatos(entrada);
+  ASSERT_EQ(carga.filas.size(), 2U);
+  for (const auto& fila : carga.filas) EXPECT_EQ(fila.campo[importfile::kTipoDato], "3");
+}
+
+}  // namespace
