@@ -9,6 +9,8 @@
 #include "base/encoding.h"
 
 #ifdef _WIN32
+#define NOMINMAX
+#define WIN32_LEAN_AND_MEAN
 #include <io.h>
 #include <windows.h>
 #else
@@ -48,6 +50,12 @@ bool Sustituir(const fs::path& nuevo, const fs::path& viejo) {
   return MoveFileExW(nuevo.c_str(), viejo.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
 }
 
+bool CrearNuevo(const fs::path& ruta) {
+  const HANDLE archivo =
+      CreateFileW(ruta.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  return archivo != INVALID_HANDLE_VALUE && CloseHandle(archivo) != 0;
+}
+
 unsigned long IdProceso() { return GetCurrentProcessId(); }
 
 #else
@@ -61,6 +69,9 @@ std::FILE* Abrir(const fs::path& ruta, const char* modo) { return std::fopen(rut
 bool VaciarAlDisco(std::FILE* archivo) { return std::fflush(archivo) == 0 && fsync(fileno(archivo)) == 0; }
 
 bool Sustituir(const fs::path& nuevo, const fs::path& viejo) {
+  std::error_code error;
+  const fs::file_status estado = fs::status(viejo, error);
+  if (!error && fs::exists(estado)) fs::permissions(nuevo, estado.permissions(), error);
   if (std::rename(nuevo.c_str(), viejo.c_str()) != 0) return false;
   // The name is safe only once its folder is; a folder that cannot be flushed is no failure of the write.
   const fs::path carpeta = viejo.parent_path();
@@ -70,6 +81,11 @@ bool Sustituir(const fs::path& nuevo, const fs::path& viejo) {
     close(fd);
   }
   return true;
+}
+
+bool CrearNuevo(const fs::path& ruta) {
+  const int fd = open(ruta.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  return fd >= 0 && close(fd) == 0;
 }
 
 unsigned long IdProceso() { return static_cast<unsigned long>(getpid()); }
@@ -131,22 +147,16 @@ std::optional<std::string> LeerArchivo(std::string_view ruta) {
 bool EscribirArchivo(std::string_view ruta, std::string_view bytes) {
   const fs::path destino = Destino(APath(ruta));
   const fs::path temporal = Temporal(destino);
+  if (EscribirTodo(temporal, bytes) && Sustituir(temporal, destino)) return true;
   std::error_code error;
-  bool bien = EscribirTodo(temporal, bytes);
-  if (bien) {
-    const fs::file_status estado = fs::status(destino, error);
-    if (!error && fs::exists(estado)) fs::permissions(temporal, estado.permissions(), error);
-    bien = Sustituir(temporal, destino);
-  }
-  if (!bien) fs::remove(temporal, error);
-  return bien;
+  fs::remove(temporal, error);
+  return false;
 }
 
 bool CrearSiFalta(std::string_view ruta) {
   if (ExisteArchivo(ruta)) return true;
-  // "x": never truncates what another program created meanwhile.
-  const Archivo archivo(Abrir(APath(ruta), IDM_MODO("wbx")));
-  return archivo != nullptr || ExisteArchivo(ruta);
+  // Another program may create it meanwhile: that one is kept.
+  return CrearNuevo(APath(ruta)) || ExisteArchivo(ruta);
 }
 
 bool CrearCarpeta(std::string_view ruta) {

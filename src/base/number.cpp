@@ -185,10 +185,10 @@ double Redondear(double numero, int decimales) {
   if (std::abs(numero) >= kLimitePlano) return numero;
   if (EsEnteroCorto(numero)) return numero == 0 ? 0 : numero;
   internal::Decimal d = internal::DeDoble(numero);
-  const std::size_t antes = d.digitos.size();
-  internal::RedondearDecimal(d, decimales, internal::Medio::AlPar);
   // Nothing to cut: the number keeps the bits beyond its fifteenth digit.
-  return d.digitos.size() == antes ? numero : internal::ADoble(d);
+  if (d.exponente + decimales >= static_cast<int>(d.digitos.size())) return numero;
+  internal::RedondearDecimal(d, decimales, internal::Medio::AlPar);
+  return internal::ADoble(d);
 }
 
 long long EnteroBancario(double numero) {

@@ -11,8 +11,29 @@
 namespace base {
 namespace internal {
 
+namespace {
+
+// Both the digits and the power of ten are exact as doubles: one operation rounds once, as a full read would.
+bool ComponerCorto(std::string_view digitos, std::string_view fraccion, int exponente, double& numero) {
+  constexpr double kPotencias[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  constexpr int kMaximo = 15;
+  if (digitos.size() + fraccion.size() > kMaximo) return false;
+  const int lugar = exponente - static_cast<int>(fraccion.size());
+  if (lugar < -kMaximo || lugar > kMaximo) return false;
+  long long entero = 0;
+  for (const char c : digitos) entero = entero * 10 + (c - '0');
+  for (const char c : fraccion) entero = entero * 10 + (c - '0');
+  const auto valor = static_cast<double>(entero);
+  numero = lugar < 0 ? valor / kPotencias[-lugar] : valor * kPotencias[lugar];
+  return true;
+}
+
+}  // namespace
+
 Lectura Componer(std::string_view digitos, std::string_view fraccion, int exponente, double& numero) {
   while (!digitos.empty() && digitos.front() == '0') digitos.remove_prefix(1);
+  if (ComponerCorto(digitos, fraccion, exponente, numero)) return Lectura::Bien;
   std::string texto(digitos);
   texto.append(".").append(fraccion).append("e").append(std::to_string(exponente));
   const auto r = std::from_chars(texto.data(), texto.data() + texto.size(), numero);
