@@ -32,7 +32,7 @@ void TablasUsuario::CargarTablasUsuario(const db::DbSession& sesion, std::int32_
   if (!sesion.conexion->Abierta())
     throw base::Error("La coneccion esta cerrada !!!", 0, "La Coneccion esta cerrada !!!");
   Vaciar();
-  const db::Recordset filas = sesion.conexion->Ejecutar(sql::CargarTablas(sesion.idEmpresa, id_Tabla));
+  const db::Recordset filas = sesion.conexion->Consultar(sql::CargarTablas(sesion.idEmpresa, id_Tabla));
   valores_.reserve(filas.Cantidad());
   for (std::size_t i = 0; i < filas.Cantidad(); ++i) {
     ValorDeTabla v;

@@ -26,7 +26,7 @@ base::Fecha FechaDe(const Vector& serie, std::size_t i, base::Fecha hoy) {
 }
 
 Vector LeerSerie(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo) {
-  const db::Recordset filas = sesion.conexion->Ejecutar(sql::Serie(sesion.idEmpresa, id_Tabla, codigo));
+  const db::Recordset filas = sesion.conexion->Consultar(sql::Serie(sesion.idEmpresa, id_Tabla, codigo));
   Vector serie;
   if (filas.Vacio()) return serie;
   serie.dimensiones = 2;
