@@ -13,7 +13,7 @@ namespace importfile {
 namespace {
 
 constexpr std::size_t kLineasDePrevia = 4;
-constexpr std::size_t kReservaMaxima = 1U << 18;  // rows; a larger file grows the table as it goes
+constexpr std::size_t kReservaMaxima = 1U << 21;  // rows; a larger file grows the table as it goes
 
 // The boxes of one load. They share their count with the evaluator's, so that silencing either silences the
 // load.
@@ -51,12 +51,20 @@ void Ordenar(std::vector<ImportRow>& filas, int columna, base::Fecha hoy) {
   std::vector<std::string_view> valores;
   valores.reserve(filas.size());
   for (const ImportRow& fila : filas) valores.push_back(fila.campo[static_cast<std::size_t>(columna)]);
-  const std::vector<std::size_t> orden = formula::OrdenDeColumna(valores, hoy);
-  if (std::is_sorted(orden.begin(), orden.end())) return;
-  std::vector<ImportRow> ordenadas;
-  ordenadas.reserve(filas.size());
-  for (const std::size_t i : orden) ordenadas.push_back(std::move(filas[i]));
-  filas = std::move(ordenadas);
+  std::vector<std::size_t> orden = formula::OrdenDeColumna(valores, hoy);
+  // In place, cycle by cycle: a second table of rows would cost more than the sort.
+  for (std::size_t inicio = 0; inicio < orden.size(); ++inicio) {
+    if (orden[inicio] == inicio) continue;
+    ImportRow apartada = std::move(filas[inicio]);
+    std::size_t hueco = inicio;
+    for (std::size_t viene = orden[hueco]; viene != inicio; viene = orden[hueco]) {
+      filas[hueco] = std::move(filas[viene]);
+      orden[hueco] = hueco;
+      hueco = viene;
+    }
+    filas[hueco] = std::move(apartada);
+    orden[hueco] = hueco;
+  }
 }
 
 class Cargador {
