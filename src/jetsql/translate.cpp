@@ -1,0 +1,87 @@
+#include "jetsql/translate.h"
+
+#include <algorithm>
+
+#include "jetsql/definition_internal.h"
+#include "jetsql/parser.h"
+#include "jetsql/resolver_internal.h"
+#include "jetsql/writer_internal.h"
+
+namespace jetsql {
+namespace {
+
+// Definition statements hold their literals in the text, where SQLite takes no parameters.
+void FijarTodos(std::string_view sql, Traduccion& t) {
+  Forma forma;
+  SepararLiterales(sql, forma);
+  for (std::size_t i = 0; i < forma.literales.size(); ++i) t.fijos.push_back(static_cast<int>(i));
+}
+
+class Traductor {
+ public:
+  Traductor(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones)
+      : sql_(sql), catalogo_(catalogo), opciones_(opciones), resolutor_(catalogo) {}
+
+  Traduccion Hacer() {
+    Sentencia s = Analizar(sql_);
+    std::visit([&](auto& x) { Una(x); }, s);
+    t_.determinista = resolutor_.Determinista();
+    for (const int i : resolutor_.Fijos()) t_.fijos.push_back(i);
+    std::sort(t_.fijos.begin(), t_.fijos.end());
+    t_.fijos.erase(std::unique(t_.fijos.begin(), t_.fijos.end()), t_.fijos.end());
+    return std::move(t_);
+  }
+
+ private:
+  void Una(ConsultaPtr& c) {
+    resolutor_.Resolver(*c);
+    if (!c->partes[0].destino.empty()) {
+      t_.clase = Clase::Definicion;
+      DefinirDeConsulta(*c, catalogo_, opciones_, t_);
+      return;
+    }
+    Escritor e(opciones_);
+    e.Escribir(*c);
+    t_.pasos.push_back(std::move(e).Texto());
+    for (const auto& col : c->salida) t_.columnas.push_back({col.nombre, col.tipo.tipo});
+  }
+  void Una(Insercion& s) {
+    t_.clase = Clase::Insercion;
+    resolutor_.Resolver(s);
+    Escritor e(opciones_);
+    e.Escribir(s);
+    t_.pasos.push_back(std::move(e).Texto());
+  }
+  void Una(Actualizacion& s) {
+    t_.clase = Clase::Actualizacion;
+    resolutor_.Resolver(s);
+    t_.pasos = Escritor::Pasos(s, opciones_);
+  }
+  void Una(Borrado& s) {
+    t_.clase = Clase::Borrado;
+    resolutor_.Resolver(s);
+    Escritor e(opciones_);
+    e.Escribir(s);
+    t_.pasos.push_back(std::move(e).Texto());
+  }
+  template <typename T>
+  void Una(T& definicion) {
+    t_.clase = Clase::Definicion;
+    FijarTodos(sql_, t_);
+    Definir(definicion, catalogo_, t_);
+  }
+
+  std::string_view sql_;
+  const Catalogo& catalogo_;
+  OpcionesTraduccion opciones_;
+  Resolutor resolutor_;
+  Traduccion t_;
+};
+
+}  // namespace
+
+Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones) {
+  return Traductor(sql, catalogo, opciones).Hacer();
+}
+
+}  // namespace jetsql

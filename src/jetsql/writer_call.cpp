@@ -1,0 +1,214 @@
+#include <algorithm>
+
+#include "jetsql/runtime.h"
+#include "jetsql/types_internal.h"
+#include "jetsql/writer_internal.h"
+
+namespace jetsql {
+namespace {
+
+using base::Tipo;
+
+std::string Minusculas(std::string_view s) {
+  std::string r(s);
+  for (char& c : r)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return r;
+}
+
+// The values among which an IIf, Switch or Choose chooses.
+std::vector<const Expr*> Ramas(const Expr& e) {
+  std::vector<const Expr*> ramas;
+  const std::size_t paso = e.especial == Especial::Switch ? 2 : 1;
+  for (std::size_t i = 1; i < e.hijos.size(); i += paso) ramas.push_back(e.hijos[i].get());
+  return ramas;
+}
+
+// A date or a boolean among texts becomes its text: afterwards nothing would tell it from a number.
+bool PasaATexto(const Expr& rama, const std::vector<const Expr*>& ramas) {
+  if (rama.tipo.tipo != Tipo::Fecha && rama.tipo.tipo != Tipo::Booleano) return false;
+  return std::any_of(ramas.begin(), ramas.end(), [](const Expr* r) { return r->tipo.tipo == Tipo::Texto; });
+}
+
+}  // namespace
+
+void Escritor::ResultadoDeSi(const Expr& rama, const std::vector<const Expr*>& ramas) {
+  if (PasaATexto(rama, ramas))
+    Texto(rama);
+  else
+    Valor(rama);
+}
+
+// CASE takes the ELSE on Null, as IIf takes its false part. An IIf in that part goes on in the same CASE.
+void Escritor::Si(const Expr& e) {
+  t_ += "CASE";
+  const Expr* si = &e;
+  for (;;) {
+    const auto ramas = Ramas(*si);
+    t_ += " WHEN ";
+    Condicion(*si->hijos[0]);
+    t_ += " THEN ";
+    ResultadoDeSi(*si->hijos[1], ramas);
+    if (si->hijos.size() < 3) break;
+    const Expr& no = *si->hijos[2];
+    if (no.nodo == Nodo::Llamada && no.especial == Especial::IIf && !PasaATexto(no, ramas)) {
+      si = &no;
+      continue;
+    }
+    t_ += " ELSE ";
+    ResultadoDeSi(no, ramas);
+    break;
+  }
+  t_ += " END";
+}
+
+void Escritor::Especiales(const Expr& e) {
+  const auto ramas = Ramas(e);
+  switch (e.especial) {
+    case Especial::IIf:
+      Si(e);
+      return;
+    case Especial::Switch:
+      t_ += "CASE";
+      for (std::size_t i = 0; i + 1 < e.hijos.size(); i += 2) {
+        t_ += " WHEN ";
+        Condicion(*e.hijos[i]);
+        t_ += " THEN ";
+        ResultadoDeSi(*e.hijos[i + 1], ramas);
+      }
+      t_ += " END";
+      return;
+    case Especial::Choose:
+      t_ += "CASE jet_idiv(";
+      Valor(*e.hijos[0]);
+      t_ += ", 1)";
+      for (std::size_t i = 1; i < e.hijos.size(); ++i) {
+        t_.append(" WHEN ").append(std::to_string(i)).append(" THEN ");
+        ResultadoDeSi(*e.hijos[i], ramas);
+      }
+      t_ += " END";
+      return;
+    default:
+      Agregado(e);
+  }
+}
+
+void Escritor::Agregado(const Expr& e) {
+  const Expr& x = *e.hijos[0];
+  switch (e.especial) {
+    case Especial::Count:
+      t_ += "count(";
+      if (x.nodo == Nodo::Estrella)
+        t_ += '*';
+      else
+        Valor(x);
+      break;
+    case Especial::Sum:
+      t_ += "sum(";
+      Numero(x, 0);
+      break;
+    case Especial::Avg:
+      t_ += "avg(";
+      Numero(x, 0);
+      break;
+    case Especial::Min:
+      t_ += "min(";
+      Cotejado(x, 0);
+      break;
+    case Especial::Max:
+      t_ += "max(";
+      Cotejado(x, 0);
+      break;
+    case Especial::First:
+      t_ += "jet_first(";
+      Valor(x);
+      break;
+    case Especial::Last:
+      t_ += "jet_last(";
+      Valor(x);
+      break;
+    default:
+      t_ += e.especial == Especial::StDev    ? "jet_stdev("
+            : e.especial == Especial::StDevP ? "jet_stdevp("
+            : e.especial == Especial::Var    ? "jet_var("
+                                             : "jet_varp(";
+      Numero(x, 0);
+  }
+  t_ += ')';
+}
+
+void Escritor::Llamada(const Expr& e) {
+  if (e.especial != Especial::Ninguna) {
+    Especiales(e);
+    return;
+  }
+  t_.append("jet_").append(Minusculas(e.funcion->nombre)).append("(");
+  if (e.funcion->etiquetada) Etiquetas(e.hijos, 0, e.hijos.size());
+  for (std::size_t i = 0; i < e.hijos.size(); ++i) {
+    if (i > 0 || e.funcion->etiquetada) t_ += ", ";
+    Valor(*e.hijos[i]);
+  }
+  t_ += ')';
+}
+
+// A value on its way into a column: as Access converts it when it stores it.
+void Escritor::Asignado(const Expr& e, base::Tipo destino) {
+  const Tipo t = e.tipo.tipo;
+  const auto con = [&](std::string_view ayudante) {
+    t_.append(ayudante).append("(");
+    Valor(e);
+    t_ += ')';
+  };
+  if (e.tipo.nulo || destino == Tipo::Nulo || t == destino) {
+    // A computed single is a double until it is stored.
+    if (destino == Tipo::Simple && t == Tipo::Simple && e.nodo != Nodo::Columna)
+      con("jet_to_single");
+    else if (destino == Tipo::Moneda && t == Tipo::Moneda && e.nodo != Nodo::Columna)
+      con("jet_to_currency");
+    else
+      Valor(e);
+    return;
+  }
+  switch (destino) {
+    case Tipo::Booleano:
+      if (!EsCantidad(t)) {
+        con("jet_to_bool");
+      } else {
+        t_ += "-(";
+        Valor(e, fuerza::kIgual);
+        t_ += " <> 0)";
+      }
+      return;
+    case Tipo::Entero:
+      if (t == Tipo::Booleano)
+        Valor(e);
+      else
+        con("jet_to_int");
+      return;
+    case Tipo::Simple:
+      con("jet_to_single");
+      return;
+    case Tipo::Numero:
+      if (EsCantidad(t))
+        Valor(e);
+      else
+        con("jet_to_number");
+      return;
+    case Tipo::Moneda:
+      if (t == Tipo::Entero || t == Tipo::Booleano)
+        Valor(e);
+      else
+        con("jet_to_currency");
+      return;
+    case Tipo::Fecha:
+      if (EsCantidad(t))
+        Valor(e);
+      else
+        con("jet_to_date");
+      return;
+    default:
+      Texto(e);
+  }
+}
+
+}  // namespace jetsql

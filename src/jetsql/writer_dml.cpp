@@ -1,0 +1,172 @@
+#include <algorithm>
+
+#include "base/error.h"
+#include "jetsql/types_internal.h"
+#include "jetsql/writer_internal.h"
+
+namespace jetsql {
+namespace {
+
+constexpr std::string_view kInstantanea = "temp.\"jet_instantanea\"";
+
+const ColumnaFuente& ColumnaCambiada(const Asignacion& a) {
+  return a.columna->fuente->columnas[static_cast<std::size_t>(a.columna->columna)];
+}
+
+}  // namespace
+
+void Escritor::Escribir(const Insercion& s) {
+  std::vector<ColumnaTabla> columnas;
+  for (const int i : s.destinos) columnas.push_back(s.info->columnas[static_cast<std::size_t>(i)]);
+  if (s.consulta) {
+    InsertarConsulta(s.info->nombre, columnas, *s.consulta);
+    return;
+  }
+  t_ += "INSERT INTO ";
+  Nombre(s.info->nombre);
+  for (std::size_t i = 0; i < columnas.size(); ++i) {
+    t_ += i == 0 ? " (" : ", ";
+    Nombre(columnas[i].nombre);
+  }
+  t_ += ") VALUES (";
+  for (std::size_t i = 0; i < s.valores.size(); ++i) {
+    if (i > 0) t_ += ", ";
+    Asignado(*s.valores[i], columnas[i].tipo);
+  }
+  t_ += ')';
+}
+
+void Escritor::InsertarConsulta(std::string_view tabla, const std::vector<ColumnaTabla>& columnas,
+                                const Consulta& c) {
+  std::vector<base::Tipo> tipos;
+  t_ += "INSERT INTO ";
+  Nombre(tabla);
+  for (std::size_t i = 0; i < columnas.size(); ++i) {
+    t_ += i == 0 ? " (" : ", ";
+    Nombre(columnas[i].nombre);
+    tipos.push_back(columnas[i].tipo);
+  }
+  t_ += ") ";
+  const Seleccion& s = c.partes[0];
+  if (c.partes.size() == 1 && !s.tope && s.distincion == Distincion::Ninguna) {
+    ModoLista modo;
+    modo.destinos = &tipos;
+    Parte(s, c.orden, modo, false);
+    return;
+  }
+  // The values are told apart and counted before they are converted.
+  Fuente fuente;
+  fuente.alias_sql = "jet_s";
+  fuente.columnas = c.salida;
+  t_ += "SELECT ";
+  for (std::size_t i = 0; i < columnas.size(); ++i) {
+    Expr e(Nodo::Columna);
+    e.fuente = &fuente;
+    e.columna = static_cast<int>(i);
+    e.tipo = c.salida[i].tipo;
+    if (i > 0) t_ += ", ";
+    Asignado(e, tipos[i]);
+  }
+  t_ += " FROM (";
+  ModoLista modo;
+  modo.nombres = modo.cotejar = true;
+  EscribirConsulta(c, modo);
+  t_ += ") AS \"jet_s\"";
+}
+
+void Escritor::Escribir(const Borrado& s) {
+  const Fuente& f = *s.fuente;
+  t_ += "DELETE FROM ";
+  Nombre(f.tabla->nombre);
+  if (s.fuentes.size() == 1) {
+    if (f.alias_sql != f.tabla->nombre) {
+      t_ += " AS ";
+      Nombre(f.alias_sql);
+    }
+    if (s.donde) {
+      t_ += " WHERE ";
+      Condicion(*s.donde);
+    }
+    return;
+  }
+  if (!Alcanzable(s.de, f)) throw base::Error("La operación debe usar una consulta actualizable", 3073);
+  Fuente fila;
+  fila.columnas = f.columnas;
+  fila.alias_sql = f.tabla->nombre;
+  t_ += " WHERE ";
+  FilaDe(fila);
+  t_ += " IN (SELECT ";
+  FilaDe(f);
+  DeYDonde(s.de, s.donde);
+  t_ += ')';
+}
+
+// The new values are computed before anything changes: SQLite runs the whole SELECT of an UPDATE … FROM first.
+// With several tables to change, the values wait in a temporary table.
+std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesTraduccion& opciones) {
+  std::vector<const Fuente*> tablas;
+  for (const auto& a : s.cambios)
+    if (std::find(tablas.begin(), tablas.end(), a.columna->fuente) == tablas.end())
+      tablas.push_back(a.columna->fuente);
+  const auto asignar = [&](Escritor& e, const Fuente& f, const auto& valor) {
+    bool coma = false;
+    for (std::size_t i = 0; i < s.cambios.size(); ++i) {
+      if (s.cambios[i].columna->fuente != &f) continue;
+      e.t_ += coma ? ", " : " SET ";
+      coma = true;
+      e.Nombre(ColumnaCambiada(s.cambios[i]).nombre_sql);
+      e.t_ += " = ";
+      valor(i);
+    }
+  };
+  if (s.fuentes.size() == 1) {
+    Escritor e(opciones);
+    const Fuente& f = *s.fuentes[0];
+    e.t_ = "UPDATE ";
+    e.Hoja(f);
+    asignar(e, f, [&](std::size_t i) { e.Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo); });
+    if (s.donde) {
+      e.t_ += " WHERE ";
+      e.Condicion(*s.donde);
+    }
+    return {std::move(e.t_)};
+  }
+  Escritor valores(opciones);
+  valores.t_ = "SELECT ";
+  for (std::size_t i = 0; i < tablas.size(); ++i) {
+    if (!valores.Alcanzable(s.de, *tablas[i]))
+      throw base::Error("La operación debe usar una consulta actualizable", 3073);
+    if (i > 0) valores.t_ += ", ";
+    valores.FilaDe(*tablas[i]);
+    valores.t_ += " AS \"r" + std::to_string(i) + "\"";
+  }
+  for (std::size_t i = 0; i < s.cambios.size(); ++i) {
+    valores.t_ += ", ";
+    valores.Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo);
+    valores.t_ += " AS \"v" + std::to_string(i) + "\"";
+  }
+  valores.DeYDonde(s.de, s.donde);
+  std::vector<std::string> pasos;
+  const bool una = tablas.size() == 1;
+  if (!una) {
+    pasos.push_back("DROP TABLE IF EXISTS " + std::string(kInstantanea));
+    pasos.push_back("CREATE TABLE " + std::string(kInstantanea) + " AS " + valores.t_);
+  }
+  for (std::size_t t = 0; t < tablas.size(); ++t) {
+    Escritor e(opciones);
+    Fuente fila;
+    fila.columnas = tablas[t]->columnas;
+    fila.alias_sql = tablas[t]->tabla->nombre;
+    e.t_ = "UPDATE ";
+    e.Nombre(fila.alias_sql);
+    asignar(e, *tablas[t], [&](std::size_t i) { e.t_ += "\"jet_v\".\"v" + std::to_string(i) + "\""; });
+    e.t_ += " FROM " + (una ? "(" + valores.t_ + ")" : std::string(kInstantanea)) + " AS \"jet_v\" WHERE ";
+    e.FilaDe(fila);
+    e.t_ += " = \"jet_v\".\"r" + std::to_string(t) + "\"";
+    pasos.push_back(std::move(e.t_));
+  }
+  if (!una) pasos.push_back("DROP TABLE " + std::string(kInstantanea));
+  return pasos;
+}
+
+}  // namespace jetsql

@@ -1,0 +1,140 @@
+#include "jetsql/types_internal.h"
+#include "jetsql/writer_internal.h"
+
+namespace jetsql {
+
+void Escritor::Escribir(const jetsql::Consulta& c) { EscribirConsulta(c, {}); }
+
+void Escritor::EscribirConsulta(const Consulta& c, ModoLista modo) {
+  if (c.partes.size() == 1) {
+    Parte(c.partes[0], c.orden, modo, false);
+    return;
+  }
+  modo.cotejar = true;  // UNION tells texts apart by it, and so does the order
+  modo.salida = &c.salida;
+  for (std::size_t i = 0; i < c.partes.size(); ++i) {
+    if (i > 0) t_ += c.todas[i - 1] ? " UNION ALL " : " UNION ";
+    Parte(c.partes[i], {}, modo, true);
+  }
+  Orden(c.orden, c.partes[0], true);
+}
+
+void Escritor::Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo, bool en_union) {
+  if (!s.tope) {
+    Nucleo(s, modo);
+    Orden(orden, s, s.distincion == Distincion::Distinct);
+    return;
+  }
+  if (!orden.empty() || s.tope_por_ciento) {
+    ConTope(s, orden, modo);
+    return;
+  }
+  if (en_union) t_ += "SELECT * FROM (";
+  Nucleo(s, modo);
+  t_ += " LIMIT ";
+  Literal(*s.tope);
+  if (en_union) t_ += ')';
+}
+
+void Escritor::NombresDeLista(const Seleccion& s) {
+  for (std::size_t i = 0; i < s.lista.size(); ++i) {
+    if (i > 0) t_ += ", ";
+    Nombre(s.lista[i].nombre_sql);
+  }
+}
+
+// The rank of a row by the order of the query, and for a percentage the number of rows.
+std::string Escritor::Ventana(const Seleccion& s, const std::vector<ItemOrden>& orden) {
+  Escritor e(opciones_);
+  e.nivel_ = nivel_;
+  if (orden.empty()) {
+    e.t_ = ", row_number() OVER () AS \"jet_r\"";
+  } else {
+    e.t_ = ", rank() OVER (";
+    for (std::size_t i = 0; i < orden.size(); ++i) {
+      e.t_ += i == 0 ? "ORDER BY " : ", ";
+      if (s.distincion == Distincion::Distinct)
+        e.Nombre(s.lista[static_cast<std::size_t>(orden[i].posicion)].nombre_sql);
+      else
+        e.Cotejado(*orden[i].expr, 0);
+      if (orden[i].descendente) e.t_ += " DESC";
+    }
+    e.t_ += ") AS \"jet_r\"";
+  }
+  if (s.tope_por_ciento) e.t_ += ", count(*) OVER () AS \"jet_n\"";
+  return std::move(e.t_);
+}
+
+// TOP n keeps the rows that tie with the nth.
+void Escritor::ConTope(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo) {
+  ModoLista dentro = modo;
+  dentro.nombres = dentro.cotejar = true;
+  const std::string ventana = Ventana(s, orden);
+  t_ += "SELECT ";
+  NombresDeLista(s);
+  t_ += " FROM (";
+  if (s.distincion == Distincion::Distinct) {
+    t_ += "SELECT ";
+    NombresDeLista(s);
+    t_.append(ventana).append(" FROM (");
+    Nucleo(s, dentro);
+    t_ += ')';
+  } else {
+    dentro.extra = ventana;
+    Nucleo(s, dentro);
+  }
+  // The nth of 100 parts, rounded up: rank <= ceil(count * n / 100).
+  t_ += s.tope_por_ciento ? ") WHERE (\"jet_r\" - 1) * 100 < \"jet_n\" * " : ") WHERE \"jet_r\" <= ";
+  Literal(*s.tope);
+  if (!orden.empty()) t_ += " ORDER BY \"jet_r\"";
+}
+
+void Escritor::Lista(const Seleccion& s, const ModoLista& modo) {
+  for (std::size_t i = 0; i < s.lista.size(); ++i) {
+    if (i > 0) t_ += ", ";
+    const Expr& e = *s.lista[i].expr;
+    if (modo.destinos != nullptr)
+      Asignado(e, (*modo.destinos)[i]);
+    else if (modo.salida != nullptr && (*modo.salida)[i].tipo.tipo == base::Tipo::Texto && EsCantidad(e.tipo.tipo))
+      Texto(e);  // a date or boolean in a column of texts
+    else if (modo.cotejar || s.distincion == Distincion::Distinct)
+      Cotejado(e, 0);
+    else
+      Valor(e);
+    if (!modo.nombres) continue;
+    t_ += " AS ";
+    Nombre(s.lista[i].nombre_sql);
+  }
+}
+
+void Escritor::Nucleo(const Seleccion& s, const ModoLista& modo) {
+  t_ += s.distincion == Distincion::Distinct ? "SELECT DISTINCT " : "SELECT ";
+  Lista(s, modo);
+  t_ += modo.extra;
+  DeYDonde(s.de, s.donde);
+  for (std::size_t i = 0; i < s.grupo.size(); ++i) {
+    t_ += i == 0 ? " GROUP BY " : ", ";
+    Cotejado(*s.grupo[i], 0);
+  }
+  for (std::size_t i = 0; i < s.distintas.size(); ++i) {
+    t_ += i == 0 ? " GROUP BY " : ", ";
+    FilaDe(*s.distintas[i]);
+  }
+  if (s.teniendo) {
+    t_ += " HAVING ";
+    Condicion(*s.teniendo);
+  }
+}
+
+void Escritor::Orden(const std::vector<ItemOrden>& orden, const Seleccion&, bool por_posicion) {
+  for (std::size_t i = 0; i < orden.size(); ++i) {
+    t_ += i == 0 ? " ORDER BY " : ", ";
+    if (por_posicion)
+      t_ += std::to_string(orden[i].posicion + 1);
+    else
+      Cotejado(*orden[i].expr, 0);
+    if (orden[i].descendente) t_ += " DESC";
+  }
+}
+
+}  // namespace jetsql
