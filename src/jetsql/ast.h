@@ -67,7 +67,24 @@ enum class Op {
 };
 
 // The functions that the writer handles itself.
-enum class Especial { Ninguna, IIf, Switch, Choose, EsNulo, Count, Sum, Avg, Min, Max, First, Last, StDev, StDevP, Var, VarP };
+enum class Especial {
+  Ninguna,
+  IIf,
+  Switch,
+  Choose,
+  EsNulo,
+  Count,
+  Sum,
+  Avg,
+  Min,
+  Max,
+  First,
+  Last,
+  StDev,
+  StDevP,
+  Var,
+  VarP
+};
 
 constexpr bool EsAgregado(Especial e) { return e >= Especial::Count; }
 
@@ -237,8 +254,8 @@ struct Referencia {
 struct DefColumna {
   std::string nombre;
   ClaseColumna clase = ClaseColumna::Texto;
-  int largo = 0;                   // of a text; 0: none given
-  int semilla = 1, incremento = 1; // of a counter
+  int largo = 0;                    // of a text; 0: none given
+  int semilla = 1, incremento = 1;  // of a counter
   bool no_nulo = false, clave = false, unica = false;
   std::string nombre_restriccion;
   ExprPtr defecto;

@@ -13,6 +13,7 @@ void Definir(CrearVista& s, const Catalogo& catalogo, Traduccion& t);
 void Definir(const Quitar& s, const Catalogo& catalogo, Traduccion& t);
 void Definir(const AlterarTabla& s, const Catalogo& catalogo, Traduccion& t);
 // SELECT … INTO: `c` is resolved.
-void DefinirDeConsulta(const Consulta& c, const Catalogo& catalogo, const OpcionesTraduccion& opciones, Traduccion& t);
+void DefinirDeConsulta(const Consulta& c, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+                       Traduccion& t);
 
 }  // namespace jetsql

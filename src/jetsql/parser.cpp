@@ -10,18 +10,19 @@ constexpr int kAlturaMaxima = 400;
 
 // Words that end an expression or a table, and so are names only in brackets. Sorted.
 constexpr std::string_view kReservadas[] = {
-    "ALL",   "AND",    "AS",     "ASC",  "BETWEEN", "BY",     "DESC",  "DISTINCT", "DISTINCTROW", "EQV",
-    "EXISTS", "FALSE", "FROM",   "GROUP", "HAVING", "IMP",    "IN",    "INNER",    "INTO",        "IS",
-    "JOIN",  "LEFT",   "LIKE",   "MOD",  "NOT",     "NULL",   "ON",    "OR",       "ORDER",       "PIVOT",
-    "RIGHT", "SELECT", "SET",    "TOP",  "TRUE",    "UNION",  "VALUES", "WHERE",   "WITH",        "XOR"};
+    "ALL",  "AND",   "AS",     "BETWEEN", "BY",     "DISTINCT", "DISTINCTROW", "EQV",   "EXISTS", "FALSE",
+    "FROM", "GROUP", "HAVING", "IMP",     "IN",     "INNER",    "INTO",        "IS",    "JOIN",   "LEFT",
+    "LIKE", "MOD",   "NOT",    "NULL",    "ON",     "OR",       "ORDER",       "PIVOT", "RIGHT",  "SELECT",
+    "SET",  "TOP",   "TRUE",   "UNION",   "VALUES", "WHERE",    "WITH",        "XOR"};
 
 char Mayuscula(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 bool IgualAscii(std::string_view texto, std::string_view mayusculas) {
-  return texto.size() == mayusculas.size() &&
-         std::equal(texto.begin(), texto.end(), mayusculas.begin(),
-                    [](char a, char b) { return Mayuscula(a) == b; });
+  return texto.size() == mayusculas.size() && std::equal(texto.begin(), texto.end(), mayusculas.begin(),
+                                                         [](char a, char b) { return Mayuscula(a) == b; });
 }
+
+std::string Citado(std::string_view texto) { return std::string("'").append(texto).append("'"); }
 
 }  // namespace
 
@@ -51,7 +52,7 @@ Parser::Parser(std::string_view sql, Literales literales) : sql_(sql), modo_(lit
       if (c == '\'' || c == '"') FallaEn(t.inicio, "Error de sintaxis: falta la comilla que cierra el texto");
       if (c == '#') FallaEn(t.inicio, "Error de sintaxis: falta el '#' que cierra la fecha");
       if (c == '[' || c == '`') FallaEn(t.inicio, "Error de sintaxis: falta el ']' que cierra el nombre");
-      FallaEn(t.inicio, "Error de sintaxis: el carácter '" + std::string(texto) + "' no es válido");
+      FallaEn(t.inicio, "Error de sintaxis: el carácter " + Citado(texto) + " no es válido");
     }
     lexemas_.push_back({t.clase, texto, t.inicio, EsLiteral(t.clase) ? literal++ : -1});
     if (t.clase == ClaseToken::Fin) break;
@@ -75,7 +76,7 @@ bool Parser::Come(std::string_view palabra_o_signo) {
 }
 
 void Parser::Espera(std::string_view palabra_o_signo) {
-  if (!Come(palabra_o_signo)) Falla("'" + std::string(palabra_o_signo) + "'");
+  if (!Come(palabra_o_signo)) Falla(Citado(palabra_o_signo));
 }
 
 bool Parser::EsNombre(std::size_t adelante) const {
@@ -107,7 +108,7 @@ int Parser::LeerEnteroChico(std::string_view que) {
 void Parser::Falla(std::string_view se_esperaba) const {
   const Lexema& l = Actual();
   const std::string hay =
-      l.clase == ClaseToken::Fin ? "terminó la sentencia" : "se encontró '" + std::string(l.texto) + "'";
+      l.clase == ClaseToken::Fin ? "terminó la sentencia" : "se encontró " + Citado(l.texto);
   FallaEn(l.inicio, "Error de sintaxis: se esperaba " + std::string(se_esperaba) + " y " + hay);
 }
 
@@ -171,7 +172,7 @@ Sentencia Parser::LeerSentencia() {
   else if (Actual().clase == ClaseToken::Fin)
     FallaEn(0, "La sentencia está vacía");
   else if (Actual().clase == ClaseToken::Nombre)
-    NoSeAdmite("La sentencia '" + std::string(Actual().texto) + "'");
+    NoSeAdmite("La sentencia " + Citado(Actual().texto));
   else
     Falla("SELECT, INSERT, UPDATE, DELETE, CREATE, DROP o ALTER");
   if (Come("WITH")) {
@@ -184,6 +185,8 @@ Sentencia Parser::LeerSentencia() {
   return s;
 }
 
-Sentencia Analizar(std::string_view sql, Literales literales) { return Parser(sql, literales).LeerSentencia(); }
+Sentencia Analizar(std::string_view sql, Literales literales) {
+  return Parser(sql, literales).LeerSentencia();
+}
 
 }  // namespace jetsql

@@ -188,7 +188,8 @@ void Impresor::Escribir(const Expr& e, int minimo) {
       t_ += DeOp(e.op).texto;
       if (e.op == Op::No) t_ += ' ';
       // "-10 ^ 2" would be the power of -10.
-      const bool potencia = e.op != Op::No && e.hijos[0]->nodo == Nodo::Binario && e.hijos[0]->op == Op::Potencia;
+      const bool potencia =
+          e.op != Op::No && e.hijos[0]->nodo == Nodo::Binario && e.hijos[0]->op == Op::Potencia;
       Escribir(*e.hijos[0], potencia ? 99 : DeOp(e.op).fuerza);
       break;
     }

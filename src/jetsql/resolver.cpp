@@ -41,8 +41,8 @@ void Resolutor::Hojas(const std::vector<RamaPtr>& de, std::vector<Fuente*>& fuen
   for (const auto& rama : de) Hojas(*rama, fuentes);
 }
 
-// SQLite would find the nearest table of an alias; with aliases that are unique in the statement there is only
-// one, ours.
+// SQLite would find the nearest table of an alias; with aliases that are unique in the statement there is
+// only one, ours.
 std::string Resolutor::AliasUnico(std::string_view nombre) {
   const std::string raiz(nombre);
   for (int n = 1;; ++n) {
@@ -139,8 +139,8 @@ Resolutor::Hallada Resolutor::EnFuentes(const std::vector<Fuente*>& fuentes, con
   return hallada;
 }
 
-// A qualifier that names no table in scope: the statements written for Access name the base table that a derived
-// table, or a table under an alias, reads.
+// A qualifier that names no table in scope: the statements written for Access name the base table that a
+// derived table, or a table under an alias, reads.
 Resolutor::Hallada Resolutor::PorTablaLeida(const Ambito& ambito, const Expr& e) const {
   for (const Ambito* a = &ambito; a != nullptr; a = a->padre) {
     for (const Fuente* f : a->fuentes) {

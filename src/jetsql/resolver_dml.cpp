@@ -11,7 +11,9 @@ int ColumnaDeTabla(const TablaInfo& t, std::string_view nombre) {
   return -1;
 }
 
-[[noreturn]] void NoActualizable() { throw base::Error("La operación debe usar una consulta actualizable", 3073); }
+[[noreturn]] void NoActualizable() {
+  throw base::Error("La operación debe usar una consulta actualizable", 3073);
+}
 
 bool TieneSubconsulta(const Expr& e) {
   if (e.consulta) return true;
@@ -26,7 +28,9 @@ void Resolutor::Resolver(Insercion& s) {
   s.info = &TablaDe(s.tabla);
   const auto agrega = [&](std::string_view nombre) {
     const int i = ColumnaDeTabla(*s.info, nombre);
-    if (i < 0) throw base::Error("La tabla '" + s.info->nombre + "' no tiene la columna '" + std::string(nombre) + "'");
+    if (i < 0)
+      throw base::Error("La tabla '" + s.info->nombre + "' no tiene la columna '" + std::string(nombre) +
+                        "'");
     for (const int otra : s.destinos)
       if (otra == i) throw base::Error("La columna '" + std::string(nombre) + "' está repetida");
     s.destinos.push_back(i);
@@ -73,13 +77,15 @@ void Resolutor::Resolver(Borrado& s) {
   for (const auto& rama : s.de) Condiciones(*rama, ambito);
   if (s.donde) Resolver(s.donde, {ambito});
   if (s.objetivo.empty()) {
-    if (s.fuentes.size() > 1) throw base::Error("DELETE debe decir de qué tabla se borran las filas (tabla.*)");
+    if (s.fuentes.size() > 1)
+      throw base::Error("DELETE debe decir de qué tabla se borran las filas (tabla.*)");
     s.fuente = s.fuentes[0];
   } else {
     for (const Fuente* f : s.fuentes)
       if (base::IgualSinCaso(f->alias.empty() ? f->nombre : f->alias, s.objetivo)) s.fuente = f;
     for (const Fuente* f : s.fuentes)  // a table that is read under another name
-      if (s.fuente == nullptr && f->tabla != nullptr && base::IgualSinCaso(f->nombre, s.objetivo)) s.fuente = f;
+      if (s.fuente == nullptr && f->tabla != nullptr && base::IgualSinCaso(f->nombre, s.objetivo))
+        s.fuente = f;
     if (s.fuente == nullptr) throw base::Error("No se encuentra la tabla o consulta '" + s.objetivo + "'");
   }
   if (s.fuente->tabla == nullptr) NoActualizable();

@@ -68,8 +68,8 @@ void Resolutor::ResolverSubconsulta(Expr& e, const Contexto& c, bool una_columna
     throw base::Error("La subconsulta debe devolver una sola columna");
 }
 
-// The alias of a list item stands for the item where no table has a column of that name; inside the item itself
-// the name can only be an outer query's.
+// The alias of a list item stands for the item where no table has a column of that name; inside the item
+// itself the name can only be an outer query's.
 bool Resolutor::PorAlias(ExprPtr& e, const Contexto& c) {
   if (c.ambito.lista == nullptr || !e->calificador.empty()) return false;
   for (auto& item : *c.ambito.lista) {

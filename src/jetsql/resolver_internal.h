@@ -1,5 +1,5 @@
-// Gives every name of a tree its table and column, and every expression its type. The tree must outlive what is
-// read from it: columns point at their sources.
+// Gives every name of a tree its table and column, and every expression its type. The tree must outlive what
+// is read from it: columns point at their sources.
 #pragma once
 
 #include <string>

@@ -20,9 +20,7 @@ ExprPtr ColumnaResuelta(const Fuente& f, std::size_t i) {
   return e;
 }
 
-bool EsPosicion(const Expr& e) {
-  return e.nodo == Nodo::Literal && e.literal.tipo() == base::Tipo::Entero;
-}
+bool EsPosicion(const Expr& e) { return e.nodo == Nodo::Literal && e.literal.tipo() == base::Tipo::Entero; }
 
 void Usadas(const Expr& e, std::vector<const Fuente*>& usadas) {
   if (e.fuente != nullptr && std::find(usadas.begin(), usadas.end(), e.fuente) == usadas.end())
@@ -118,8 +116,8 @@ void Resolutor::NombrarSalida(Seleccion& s) const {
   }
 }
 
-// DISTINCTROW leaves one row for each different set of rows of the tables that the list names, when it does not
-// name them all. A derived table has no rows of its own to tell apart: then nothing is left out.
+// DISTINCTROW leaves one row for each different set of rows of the tables that the list names, when it does
+// not name them all. A derived table has no rows of its own to tell apart: then nothing is left out.
 void Resolutor::ElegirDistintas(Seleccion& s) const {
   if (s.distincion != Distincion::DistinctRow || s.agregada || s.fuentes.size() < 2) return;
   std::vector<const Fuente*> usadas;
@@ -146,8 +144,10 @@ void Resolutor::ComprobarGrupo(Seleccion& s, ExprPtr& e, bool dentro_de_agregado
     return;
   }
   if (e->nodo == Nodo::Columna) {
-    if (std::find(s.fuentes.begin(), s.fuentes.end(), e->fuente) == s.fuentes.end()) return;  // of an outer query
-    throw base::Error("La columna '" + e->nombre + "' no está en GROUP BY ni dentro de una función de agregado");
+    if (std::find(s.fuentes.begin(), s.fuentes.end(), e->fuente) == s.fuentes.end())
+      return;  // of an outer query
+    throw base::Error("La columna '" + e->nombre +
+                      "' no está en GROUP BY ni dentro de una función de agregado");
   }
   const bool agregado = e->nodo == Nodo::Llamada && EsAgregado(e->especial);
   for (auto& h : e->hijos) ComprobarGrupo(s, h, agregado);

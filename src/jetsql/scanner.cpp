@@ -24,8 +24,8 @@ constexpr auto kClases = Clases();
 
 std::uint8_t Clase(char c) { return kClases[static_cast<unsigned char>(c)]; }
 
-// "MM/dd/yyyy", the form of nearly every date that reaches us: read without the general parser. Anything else,
-// and what it cannot decide (a day and month turned round), is left to that.
+// "MM/dd/yyyy", the form of nearly every date that reaches us: read without the general parser. Anything
+// else, and what it cannot decide (a day and month turned round), is left to that.
 bool FechaSimple(std::string_view t, base::Fecha& fecha) {
   if (t.size() != 10 || t[2] != '/' || t[5] != '/') return false;
   const auto dos = [&](std::size_t i) {

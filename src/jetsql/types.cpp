@@ -131,7 +131,8 @@ base::Tipo TipoDeDeclaracion(std::string_view declaracion) {
   const auto tiene = [&](std::string_view p) { return base::Contiene(d, p); };
   if (tiene("INT")) return Tipo::Entero;
   if (tiene("CHAR") || tiene("CLOB") || tiene("TEXT")) return Tipo::Texto;
-  if (tiene("REAL") || tiene("FLOA") || tiene("DOUB") || tiene("NUMERIC") || tiene("DECIMAL")) return Tipo::Numero;
+  if (tiene("REAL") || tiene("FLOA") || tiene("DOUB") || tiene("NUMERIC") || tiene("DECIMAL"))
+    return Tipo::Numero;
   return Tipo::Nulo;
 }
 

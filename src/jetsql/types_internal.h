@@ -19,8 +19,8 @@ constexpr bool PuedeSerTexto(TipoExpr t) {
   return !t.nulo && (t.tipo == base::Tipo::Texto || t.tipo == base::Tipo::Nulo);
 }
 
-// The type of a column that holds values of both. A text and a date or boolean give a text, and the writer turns
-// those values into their texts; a text and a number stay what each is, and the type is not known.
+// The type of a column that holds values of both. A text and a date or boolean give a text, and the writer
+// turns those values into their texts; a text and a number stay what each is, and the type is not known.
 TipoExpr Comun(TipoExpr a, TipoExpr b);
 // As a number: a boolean is an integer, a text a number.
 TipoExpr ComoNumero(TipoExpr t);

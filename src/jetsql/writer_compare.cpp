@@ -44,8 +44,8 @@ void Escritor::Cotejado(const Expr& e, int minimo) {
   Cierra(fuerza::kCollate, minimo);
 }
 
-// One side of a comparison. A text beside a quantity is read as one; only a text column stays a text, so that a
-// code like '07' can be compared with any code.
+// One side of a comparison. A text beside a quantity is read as one; only a text column stays a text, so that
+// a code like '07' can be compared with any code.
 void Escritor::Lado(const Expr& e, const Expr& otro, bool cotejar, int minimo) {
   const bool columna = e.nodo == Nodo::Columna;
   if (EsTexto(e) && otro.tipo.tipo == Tipo::Fecha) {
@@ -68,7 +68,8 @@ void Escritor::Lado(const Expr& e, const Expr& otro, bool cotejar, int minimo) {
 void Escritor::Comparar(Op op, const Expr& a, const Expr& b, int minimo) {
   const int f = op == Op::Igual || op == Op::Distinto ? fuerza::kIgual : fuerza::kMenor;
   Abre(f, minimo);
-  // SQLite takes the collation of the left side, else of the right one; a column has one even when it is not JET.
+  // SQLite takes the collation of the left side, else of the right one; a column has one even when it is not
+  // JET.
   const bool textos = PuedeSerTexto(a.tipo) && PuedeSerTexto(b.tipo);
   const bool cotejar = textos && (a.nodo == Nodo::Columna || !Cotejada(b));
   Lado(a, b, cotejar, f);

@@ -15,16 +15,16 @@ struct Declaracion {
   Tipo tipo;
 };
 
-// In the order of ClaseColumna. What stands before "_" is what the engine reads the type from; what stands after
-// gives SQLite's affinity.
+// In the order of ClaseColumna. What stands before "_" is what the engine reads the type from; what stands
+// after gives SQLite's affinity.
 constexpr Declaracion kDeclaraciones[] = {
-    {"YESNO_INT", Tipo::Booleano},   {"BYTE_INT", Tipo::Entero},
-    {"SHORT_INT", Tipo::Entero},     {"LONG_INT", Tipo::Entero},
-    {"INTEGER", Tipo::Entero},       {"SINGLE_REAL", Tipo::Simple},
-    {"DOUBLE_REAL", Tipo::Numero},   {"CURRENCY_REAL", Tipo::Moneda},
-    {"DECIMAL_REAL", Tipo::Numero},  {"DATETIME_REAL", Tipo::Fecha},
-    {"TEXT", Tipo::Texto},           {"MEMO_TEXT COLLATE JET", Tipo::Texto},
-    {"BINARY_BLOB", Tipo::Nulo},     {"GUID_TEXT COLLATE JET", Tipo::Texto}};
+    {"YESNO_INT", Tipo::Booleano},  {"BYTE_INT", Tipo::Entero},
+    {"SHORT_INT", Tipo::Entero},    {"LONG_INT", Tipo::Entero},
+    {"INTEGER", Tipo::Entero},      {"SINGLE_REAL", Tipo::Simple},
+    {"DOUBLE_REAL", Tipo::Numero},  {"CURRENCY_REAL", Tipo::Moneda},
+    {"DECIMAL_REAL", Tipo::Numero}, {"DATETIME_REAL", Tipo::Fecha},
+    {"TEXT", Tipo::Texto},          {"MEMO_TEXT COLLATE JET", Tipo::Texto},
+    {"BINARY_BLOB", Tipo::Nulo},    {"GUID_TEXT COLLATE JET", Tipo::Texto}};
 
 const Declaracion& De(ClaseColumna c) { return kDeclaraciones[static_cast<std::size_t>(c)]; }
 
@@ -44,7 +44,8 @@ std::string Defecto(const DefColumna& c) {
 
 std::string Referir(const Referencia& r) {
   std::string sql = " REFERENCES " + NombreSql(r.tabla);
-  for (std::size_t i = 0; i < r.columnas.size(); ++i) sql += (i == 0 ? " (" : ", ") + NombreSql(r.columnas[i]);
+  for (std::size_t i = 0; i < r.columnas.size(); ++i)
+    sql += (i == 0 ? " (" : ", ") + NombreSql(r.columnas[i]);
   if (!r.columnas.empty()) sql += ")";
   if (r.actualiza_en_cascada) sql += " ON UPDATE CASCADE";
   if (r.borra_en_cascada) sql += " ON DELETE CASCADE";
@@ -79,10 +80,11 @@ std::string IndiceUnico(const std::string& tabla, const std::string& indice,
 }
 
 // SQLite adds no NOT NULL to a column that is there: triggers refuse the Null instead.
-void RefusarNulos(const std::string& tabla, const std::string& indice, const std::vector<std::string>& columnas,
-                  std::vector<std::string>& pasos) {
+void RefusarNulos(const std::string& tabla, const std::string& indice,
+                  const std::vector<std::string>& columnas, std::vector<std::string>& pasos) {
   std::string cuando;
-  for (const auto& c : columnas) cuando += (cuando.empty() ? "" : " OR ") + ("NEW." + NombreSql(c)) + " IS NULL";
+  for (const auto& c : columnas)
+    cuando += (cuando.empty() ? "" : " OR ") + ("NEW." + NombreSql(c)) + " IS NULL";
   const std::string cuerpo = " ON " + NombreSql(tabla) + " WHEN " + cuando + " BEGIN SELECT RAISE(ABORT, " +
                              LiteralSql(base::Valor("jet_nulo." + columnas[0])) + "); END";
   pasos.push_back("CREATE TRIGGER " + NombreSql(tabla + "." + indice + ".nulo1") + " BEFORE INSERT" + cuerpo);
@@ -122,15 +124,16 @@ std::string NombreDe(const Restriccion& r) {
 
 }  // namespace
 
-// Keys are indexes with a name of their own, so that DROP CONSTRAINT finds them; only a counter is SQLite's own
-// key, the number of the row.
+// Keys are indexes with a name of their own, so that DROP CONSTRAINT finds them; only a counter is SQLite's
+// own key, the number of the row.
 void Definir(const CrearTabla& s, const Catalogo& catalogo, Traduccion& t) {
   NoDebeExistir(catalogo, s.nombre);
   TablaInfo info{s.nombre, {}};
   std::string contador;
   for (const auto& c : s.columnas) {
     for (const auto& otra : info.columnas)
-      if (base::IgualSinCaso(otra.nombre, c.nombre)) throw base::Error("La columna '" + c.nombre + "' está repetida");
+      if (base::IgualSinCaso(otra.nombre, c.nombre))
+        throw base::Error("La columna '" + c.nombre + "' está repetida");
     if (c.clase == ClaseColumna::Contador) {
       if (!contador.empty()) throw base::Error("Una tabla no puede tener dos contadores");
       contador = c.nombre;
@@ -155,7 +158,8 @@ void Definir(const CrearTabla& s, const Catalogo& catalogo, Traduccion& t) {
     for (const auto& c : r.columnas) ColumnaDe(info, c);
     if (r.que == Restriccion::Que::Foranea) {
       sql += ", FOREIGN KEY";
-      for (std::size_t i = 0; i < r.columnas.size(); ++i) sql += (i == 0 ? " (" : ", ") + NombreSql(r.columnas[i]);
+      for (std::size_t i = 0; i < r.columnas.size(); ++i)
+        sql += (i == 0 ? " (" : ", ") + NombreSql(r.columnas[i]);
       sql += ")" + Referir(r.referencia);
     } else if (r.que != Restriccion::Que::NoNulo) {
       t.pasos.push_back(IndiceUnico(s.nombre, NombreDe(r), r.columnas));
@@ -164,8 +168,8 @@ void Definir(const CrearTabla& s, const Catalogo& catalogo, Traduccion& t) {
   t.pasos[0] = sql + ")";
   for (const auto& c : s.columnas)
     if (c.clase == ClaseColumna::Contador && c.semilla != 1)
-      t.pasos.push_back("INSERT INTO sqlite_sequence (name, seq) VALUES (" + LiteralSql(base::Valor(s.nombre)) +
-                        ", " + std::to_string(c.semilla - 1) + ")");
+      t.pasos.push_back("INSERT INTO sqlite_sequence (name, seq) VALUES (" +
+                        LiteralSql(base::Valor(s.nombre)) + ", " + std::to_string(c.semilla - 1) + ")");
   t.definicion = {Definicion::Que::CrearTabla, s.nombre, {}, {}, std::move(info.columnas)};
 }
 
@@ -220,7 +224,8 @@ void Definir(const Quitar& s, const Catalogo& catalogo, Traduccion& t) {
       break;
     }
     case Quitar::Que::Vista:
-      if (catalogo.Consulta(s.nombre) == nullptr) throw base::Error("No se encuentra la consulta '" + s.nombre + "'");
+      if (catalogo.Consulta(s.nombre) == nullptr)
+        throw base::Error("No se encuentra la consulta '" + s.nombre + "'");
       t.definicion = {Definicion::Que::BorrarVista, s.nombre, {}, {}, {}};
       break;
   }
@@ -232,9 +237,11 @@ void Definir(const AlterarTabla& s, const Catalogo& catalogo, Traduccion& t) {
   switch (s.que) {
     case AlterarTabla::Que::Agregar: {
       const DefColumna& c = s.columna;
-      if (c.clase == ClaseColumna::Contador) throw base::Error("No se puede agregar un contador a una tabla que ya existe");
+      if (c.clase == ClaseColumna::Contador)
+        throw base::Error("No se puede agregar un contador a una tabla que ya existe");
       for (const auto& otra : tabla.columnas)
-        if (base::IgualSinCaso(otra.nombre, c.nombre)) throw base::Error("La columna '" + c.nombre + "' ya existe");
+        if (base::IgualSinCaso(otra.nombre, c.nombre))
+          throw base::Error("La columna '" + c.nombre + "' ya existe");
       t.pasos.push_back(alterar + " ADD COLUMN " + ColumnaSql(c, false));
       if (c.clave || c.unica) t.pasos.push_back(IndiceUnico(tabla.nombre, NombreDeClave(c), {c.nombre}));
       if ((c.clave || c.no_nulo) && c.clase != ClaseColumna::SiNo)
@@ -254,7 +261,8 @@ void Definir(const AlterarTabla& s, const Catalogo& catalogo, Traduccion& t) {
         throw base::Error("Agregar una clave foránea a una tabla que ya existe no se admite");
       std::vector<std::string> columnas;
       for (const auto& c : r.columnas) columnas.push_back(ColumnaDe(tabla, c));
-      if (r.que != Restriccion::Que::NoNulo) t.pasos.push_back(IndiceUnico(tabla.nombre, NombreDe(r), columnas));
+      if (r.que != Restriccion::Que::NoNulo)
+        t.pasos.push_back(IndiceUnico(tabla.nombre, NombreDe(r), columnas));
       if (r.que != Restriccion::Que::Unica) RefusarNulos(tabla.nombre, NombreDe(r), columnas, t.pasos);
       t.definicion = {Definicion::Que::CrearIndice, NombreDe(r), tabla.nombre, {}, {}};
       break;

@@ -101,8 +101,8 @@ void Escritor::Escribir(const Borrado& s) {
   t_ += ')';
 }
 
-// The new values are computed before anything changes: SQLite runs the whole SELECT of an UPDATE … FROM first.
-// With several tables to change, the values wait in a temporary table.
+// The new values are computed before anything changes: SQLite runs the whole SELECT of an UPDATE … FROM
+// first. With several tables to change, the values wait in a temporary table.
 std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesTraduccion& opciones) {
   std::vector<const Fuente*> tablas;
   for (const auto& a : s.cambios)
@@ -124,7 +124,8 @@ std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesT
     const Fuente& f = *s.fuentes[0];
     e.t_ = "UPDATE ";
     e.Hoja(f);
-    asignar(e, f, [&](std::size_t i) { e.Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo); });
+    asignar(e, f,
+            [&](std::size_t i) { e.Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo); });
     if (s.donde) {
       e.t_ += " WHERE ";
       e.Condicion(*s.donde);

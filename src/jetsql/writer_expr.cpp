@@ -34,12 +34,13 @@ class Escritor::Nivel {
 };
 
 std::string NombreSql(std::string_view nombre) {
-  return "\"" + base::Reemplazar(nombre, "\"", "\"\"") + "\"";
+  return std::string("\"").append(base::Reemplazar(nombre, "\"", "\"\"")).append("\"");
 }
 
 std::string LiteralSql(const base::Valor& v) {
   if (const auto* n = v.Si<std::int64_t>()) return std::to_string(*n);
-  if (const auto* s = v.Si<std::string>()) return "'" + base::DoblarComillas(*s) + "'";
+  if (const auto* s = v.Si<std::string>())
+    return std::string("'").append(base::DoblarComillas(*s)).append("'");
   double d = 0;
   if (const auto* x = v.Si<double>()) d = *x;
   if (const auto* f = v.Si<base::Fecha>()) d = f->serie;

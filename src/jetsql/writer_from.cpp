@@ -4,9 +4,9 @@
 
 namespace jetsql {
 
-// A tree of joins as one chain from left to right. The product of A with (B LEFT JOIN C) is (A, B) LEFT JOIN C, so
-// that only the right side of an outer join has to stay in brackets; the condition of an inner join between two
-// trees becomes a filter of the whole.
+// A tree of joins as one chain from left to right. The product of A with (B LEFT JOIN C) is (A, B) LEFT JOIN
+// C, so that only the right side of an outer join has to stay in brackets; the condition of an inner join
+// between two trees becomes a filter of the whole.
 void Escritor::Aplanar(const Rama& r, std::vector<Paso>& pasos, std::vector<const Expr*>& filtros) const {
   if (r.hoja) {
     pasos.push_back({&r, false, nullptr});

@@ -12,8 +12,8 @@ namespace jetsql {
 
 // Binding strengths of SQLite's operators, for the fewest brackets: its parser has a short stack.
 namespace fuerza {
-constexpr int kOr = 1, kAnd = 2, kNot = 3, kIgual = 4, kMenor = 5, kSuma = 7, kPor = 8, kCollate = 10, kUnario = 11,
-              kAtomo = 12;
+constexpr int kOr = 1, kAnd = 2, kNot = 3, kIgual = 4, kMenor = 5, kSuma = 7, kPor = 8, kCollate = 10,
+              kUnario = 11, kAtomo = 12;
 }
 
 class Escritor {
@@ -37,7 +37,7 @@ class Escritor {
   struct ModoLista {
     bool nombres = false;  // every item with its name: the SELECT is read by another one
     bool cotejar = false;  // every text item compares by JET
-    const std::vector<base::Tipo>* destinos = nullptr;     // stored into columns of these types
+    const std::vector<base::Tipo>* destinos = nullptr;   // stored into columns of these types
     const std::vector<ColumnaFuente>* salida = nullptr;  // of the union that it is part of
     std::string extra;                                   // more items
   };

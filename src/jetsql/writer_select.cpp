@@ -19,7 +19,8 @@ void Escritor::EscribirConsulta(const Consulta& c, ModoLista modo) {
   Orden(c.orden, c.partes[0], true);
 }
 
-void Escritor::Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo, bool en_union) {
+void Escritor::Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo,
+                     bool en_union) {
   if (!s.tope) {
     Nucleo(s, modo);
     Orden(orden, s, s.distincion == Distincion::Distinct);
@@ -95,7 +96,8 @@ void Escritor::Lista(const Seleccion& s, const ModoLista& modo) {
     const Expr& e = *s.lista[i].expr;
     if (modo.destinos != nullptr)
       Asignado(e, (*modo.destinos)[i]);
-    else if (modo.salida != nullptr && (*modo.salida)[i].tipo.tipo == base::Tipo::Texto && EsCantidad(e.tipo.tipo))
+    else if (modo.salida != nullptr && (*modo.salida)[i].tipo.tipo == base::Tipo::Texto &&
+             EsCantidad(e.tipo.tipo))
       Texto(e);  // a date or boolean in a column of texts
     else if (modo.cotejar || s.distincion == Distincion::Distinct)
       Cotejado(e, 0);
