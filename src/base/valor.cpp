@@ -1,5 +1,8 @@
 #include "base/valor.h"
 
+#include <cmath>
+
+#include "base/date_internal.h"
 #include "base/error.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -8,6 +11,7 @@ namespace base {
 namespace {
 
 constexpr double kDiezmil = 10000;
+constexpr double kMedioSegundo = 0.5 / static_cast<double>(internal::kSegundosDia);
 
 std::string TextoDeMoneda(Moneda moneda, std::string_view punto) {
   const bool negativo = moneda.diezmilesimas < 0;
@@ -19,6 +23,12 @@ std::string TextoDeMoneda(Moneda moneda, std::string_view punto) {
   while (!fraccion.empty() && fraccion.back() == '0') fraccion.pop_back();
   if (!fraccion.empty()) texto.append(punto).append(fraccion);
   return texto;
+}
+
+// A column of dates may hold a number that is no day of the calendar; what shows a value must not fail on it.
+bool EnElCalendario(Fecha fecha) {
+  return fecha.serie > static_cast<double>(internal::kDiaMinimo) - 1 &&
+         fecha.serie < static_cast<double>(internal::kDiaMaximo) + 1 - kMedioSegundo;
 }
 
 [[noreturn]] void Fallar(int numero) { throw Error(DescripcionDeError(numero), numero); }
@@ -39,8 +49,10 @@ std::string Valor::Texto(const Locale& locale) const {
       return TextoDeNumero(std::get<double>(v_), locale);
     case Tipo::Moneda:
       return TextoDeMoneda(std::get<Moneda>(v_), locale.decimal);
-    case Tipo::Fecha:
-      return TextoDeFecha(std::get<Fecha>(v_), locale);
+    case Tipo::Fecha: {
+      const Fecha fecha = std::get<Fecha>(v_);
+      return EnElCalendario(fecha) ? TextoDeFecha(fecha, locale) : TextoDeNumero(fecha.serie, locale);
+    }
     case Tipo::Texto:
       break;
   }
@@ -52,12 +64,15 @@ std::string Valor::TextoCsv() const {
     case Tipo::Booleano:
       return std::get<bool>(v_) ? "-1" : "0";
     case Tipo::Simple:
+      if (!std::isfinite(std::get<float>(v_))) return Texto(Locale::ingles());
       return SqlDeSimple(std::get<float>(v_));
     case Tipo::Numero:
+      if (!std::isfinite(std::get<double>(v_))) return Texto(Locale::ingles());
       return SqlDeNumero(std::get<double>(v_));
     case Tipo::Moneda:
       return TextoDeMoneda(std::get<Moneda>(v_), ".");
     case Tipo::Fecha:
+      if (!EnElCalendario(std::get<Fecha>(v_))) return Texto(Locale::ingles());
       return FechaIso(std::get<Fecha>(v_));
     default:
       return Texto();

@@ -42,7 +42,8 @@ class Valor {
     return std::get_if<T>(&v_);
   }
 
-  // CStr: Null gives "", booleans "True"/"False" words of the locale, numbers and dates by the locale.
+  // CStr: Null gives "", booleans "True"/"False" words of the locale, numbers and dates by the locale. A date
+  // outside the calendar shows as its serial. Never throws.
   std::string Texto(const Locale& locale = Locale::espanol()) const;
   // The same with numbers in ".", booleans -1/0 and dates AAAA-MM-DD[ hh:mm:ss]: what a CSV prints.
   std::string TextoCsv() const;

@@ -58,15 +58,17 @@ Fecha Leer(std::string_view texto) {
 
 double Doble(const std::string& texto) { return std::stod(texto); }
 
-// A typed value: Null, True, False, #date#, "text", 1.5! single, 1.5@ currency, 5 integer, 5.0 number.
+// A typed value: Null, True, False, #date#, "text", 1.5! single, 15000@ currency in ten-thousandths, 5
+// integer, 5.0 number, serial:5 a date of that serial.
 Valor Tipado(const std::string& t) {
   if (t == "Null") return base::Nulo{};
   if (t == "True" || t == "False") return t == "True";
   if (t.size() > 1 && t.front() == '#' && t.back() == '#') return Leer(t.substr(1, t.size() - 2));
   if (t.size() > 1 && t.front() == '"' && t.back() == '"') return Argumento(t);
+  if (base::EmpiezaCon(t, "serial:")) return Fecha{Doble(t.substr(7))};
   if (t.back() == '!') return std::stof(t.substr(0, t.size() - 1));
   if (t.back() == '@') return base::Moneda{std::stoll(t.substr(0, t.size() - 1))};
-  if (t.find_first_of(".e") == std::string::npos) return static_cast<std::int64_t>(std::stoll(t));
+  if (t.find_first_of(".en") == std::string::npos) return static_cast<std::int64_t>(std::stoll(t));
   return Doble(t);
 }
 

@@ -2,23 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-
 namespace {
 
 using base::Valor;
 
-// Answers every statement with one cell, or fails.
+// Answers every statement with one column of cells, or fails.
 class ConexionFija final : public db::Connection {
  public:
-  explicit ConexionFija(std::optional<Valor> celda) : celda_(std::move(celda)) {}
+  explicit ConexionFija(std::vector<Valor> celdas, bool falla = false)
+      : celdas_(std::move(celdas)), falla_(falla) {}
 
   bool Abierta() const override { return true; }
   void Cerrar() override {}
   db::Recordset Ejecutar(std::string_view sql) override {
     ultimo = std::string(sql);
-    if (!celda_) throw db::Error("no existe la tabla");
-    return {std::make_shared<db::Columnas>(db::Columnas{{"maxcod", base::Tipo::Nulo}}), {*celda_}};
+    if (falla_) throw db::Error("no existe la tabla");
+    return {std::make_shared<db::Columnas>(db::Columnas{{"maxcod", base::Tipo::Nulo}}), celdas_};
   }
   db::Recordset Consultar(std::string_view sql) override { return Ejecutar(sql); }
   std::int64_t FilasAfectadas() const override { return 0; }
@@ -30,32 +29,34 @@ class ConexionFija final : public db::Connection {
   std::string ultimo;
 
  private:
-  std::optional<Valor> celda_;
+  std::vector<Valor> celdas_;
+  bool falla_;
 };
 
-std::int32_t Mayor(std::optional<Valor> celda) {
-  ConexionFija conexion(std::move(celda));
+std::int32_t Mayor(std::vector<Valor> celdas, bool falla = false) {
+  ConexionFija conexion(std::move(celdas), falla);
   return db::NextId(conexion, "Encabezados", "id_Enc");
 }
 
 TEST(NextId, AsksForTheLargest) {
-  ConexionFija conexion(Valor(41));
+  ConexionFija conexion({Valor(41)});
   EXPECT_EQ(db::NextId(conexion, "Encabezados", "id_Enc"), 41);
   EXPECT_EQ(conexion.ultimo, "select max(id_Enc)as maxcod from Encabezados");
 }
 
 TEST(NextId, WhateverTheTypeOfTheColumn) {
-  EXPECT_EQ(Mayor(Valor(41.0)), 41);
-  EXPECT_EQ(Mayor(Valor("41")), 41);
-  EXPECT_EQ(Mayor(Valor(-3)), -3);
-  EXPECT_EQ(Mayor(Valor(2147483647)), 2147483647);
+  EXPECT_EQ(Mayor({Valor(41.0)}), 41);
+  EXPECT_EQ(Mayor({Valor("41")}), 41);
+  EXPECT_EQ(Mayor({Valor(-3)}), -3);
+  EXPECT_EQ(Mayor({Valor(2147483647)}), 2147483647);
 }
 
 TEST(NextId, AnyErrorGives0) {
-  EXPECT_EQ(Mayor(std::nullopt), 0);                  // the statement failed
-  EXPECT_EQ(Mayor(Valor(base::Nulo{})), 0);           // the table is empty
-  EXPECT_EQ(Mayor(Valor("abc")), 0);                  // no number
-  EXPECT_EQ(Mayor(Valor(std::int64_t{1} << 31)), 0);  // beyond 32 bits
+  EXPECT_EQ(Mayor({}), 0);                              // no row at all
+  EXPECT_EQ(Mayor({}, true), 0);                        // the statement failed
+  EXPECT_EQ(Mayor({Valor(base::Nulo{})}), 0);           // the table is empty
+  EXPECT_EQ(Mayor({Valor("abc")}), 0);                  // no number
+  EXPECT_EQ(Mayor({Valor(std::int64_t{1} << 31)}), 0);  // beyond 32 bits
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ class Lector {
       Blancos();
       std::string nombre = Texto();
       Exigir(":");
-      v.miembros.emplace_back(std::move(nombre), Valor());
+      v.miembros.push_back({std::move(nombre), Valor()});
       Blancos();
     } while (Consumir(","));
     Exigir("}");
@@ -172,7 +172,7 @@ std::string Entrecomillar(const std::string& texto) {
 
 const Json* Json::Miembro(std::string_view nombre) const {
   for (const auto& m : miembros)
-    if (m.first == nombre) return &m.second;
+    if (m.nombre == nombre) return &m.valor;
   return nullptr;
 }
 
@@ -200,7 +200,7 @@ std::string Json::Escrito() const {
   }
   for (const auto& m : miembros) {
     separar();
-    salida.append(Entrecomillar(m.first)).append(":").append(m.second.Escrito());
+    salida.append(Entrecomillar(m.nombre)).append(":").append(m.valor.Escrito());
   }
   return salida += clase == Clase::Lista ? ']' : '}';
 }

@@ -3,10 +3,11 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace support {
+
+struct JsonMiembro;
 
 struct Json {
   enum class Clase { Nulo, Booleano, Numero, Texto, Lista, Objeto };
@@ -17,7 +18,7 @@ struct Json {
   bool entero = false;  // a number written without point and exponent
   std::string texto;    // UTF-8; of a number: as it was written
   std::vector<Json> lista;
-  std::vector<std::pair<std::string, Json>> miembros;  // in their order
+  std::vector<JsonMiembro> miembros;  // in their order
 
   bool EsNulo() const { return clase == Clase::Nulo; }
   bool EsTexto() const { return clase == Clase::Texto; }
@@ -29,6 +30,11 @@ struct Json {
 
   // The value as one text again, without blanks, for messages.
   std::string Escrito() const;
+};
+
+struct JsonMiembro {
+  std::string nombre;
+  Json valor;
 };
 
 // The whole text is one value. Throws std::runtime_error with the byte where it goes wrong.
