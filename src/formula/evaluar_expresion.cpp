@@ -16,7 +16,7 @@ void ReemplazarParametros(Evaluador& ev, std::string& texto) {
   for (std::size_t i = 0; i < tabla.Cantidad(); ++i) {
     const std::string& nombre = tabla.Campo(0, i);
     if (!base::Contiene(texto, nombre, base::Comparar::SinCaso)) continue;
-    Gastar(ev, texto.size());
+    Gastar(ev, 8 * texto.size());  // several searches without regard to case
     const std::string con_corchetes = "[" + nombre + "]";
     const bool entre = base::Contiene(texto, con_corchetes, base::Comparar::SinCaso);
     texto = ReemplazarAcotado(texto, entre ? con_corchetes : nombre, tabla.Campo(1, i), true);

@@ -27,7 +27,7 @@ class Nivel {
   Evaluador& ev_;
 };
 void Gastar(Evaluador& ev, std::size_t trabajo);
-inline constexpr std::size_t kTrabajoDeConsulta = 100'000;  // a statement, in bytes of text gone over
+inline constexpr std::size_t kTrabajoDeConsulta = 25'000;  // a statement, in bytes of text gone over
 
 // base::Reemplazar, with an error instead of a text beyond all measure.
 std::string ReemplazarAcotado(std::string_view texto, std::string_view de, std::string_view por,

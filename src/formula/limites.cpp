@@ -4,12 +4,12 @@
 namespace formula {
 namespace {
 
-// Calls, not nested functions: one nested function takes four. Small enough for the smallest stack we run on
-// (one megabyte), with the sanitizer's larger frames on an ordinary one.
-constexpr int kProfundidadMaxima = 2000;
-// Bytes of text gone over. An ordinary formula takes some thousands; this much takes about a second.
-constexpr std::size_t kEsfuerzoMaximo = std::size_t{1} << 28;
-constexpr std::size_t kTrabajoDeLlamada = 256;
+// Calls, not nested functions: one of those takes four or five of them, and about 1.6 KB of stack. The
+// smallest stack we run on has one megabyte, of which the caller may have used half.
+constexpr int kProfundidadMaxima = 1000;
+// Bytes of text gone over. An ordinary formula takes some thousands; this much takes a second at most.
+constexpr std::size_t kEsfuerzoMaximo = std::size_t{1} << 26;
+constexpr std::size_t kTrabajoDeLlamada = 64;
 constexpr std::size_t kTextoMaximo = std::size_t{1} << 24;
 
 constexpr const char* kDemasiadoLarga = "La fórmula es demasiado larga o compleja";
