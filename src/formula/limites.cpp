@@ -10,7 +10,7 @@ constexpr int kProfundidadMaxima = 1000;
 // Bytes of text gone over. An ordinary formula takes some thousands; this much takes a second at most.
 constexpr std::size_t kEsfuerzoMaximo = std::size_t{1} << 26;
 constexpr std::size_t kTrabajoDeLlamada = 64;
-constexpr std::size_t kTextoMaximo = std::size_t{1} << 24;
+constexpr std::size_t kTextoMaximo = std::size_t{1} << 22;
 
 constexpr const char* kDemasiadoLarga = "La fórmula es demasiado larga o compleja";
 constexpr const char* kDemasiadosNiveles = "La fórmula tiene demasiados niveles";

@@ -57,7 +57,7 @@ class Limites : public ::testing::Test {
     const auto antes = std::chrono::steady_clock::now();
     std::string valor = formula::EvaluarTexto(ev, texto);
     const std::chrono::duration<double> segundos = std::chrono::steady_clock::now() - antes;
-    EXPECT_LT(segundos.count(), 30);
+    EXPECT_LT(segundos.count(), 60);
     EXPECT_EQ(ev.profundidad, 0);
     cajas = avisos.cajas;
     EXPECT_EQ(formula::EvaluarTexto(ev, "[2+3]*SI(1=1;2;3)"), "10");
@@ -220,7 +220,7 @@ TEST_F(Parametros, ValuesThatMultiply) {
     const auto antes = std::chrono::steady_clock::now();
     ConTabla(tabla, "[1]+[2]+[3]+[4]+[5]+A");
     const std::chrono::duration<double> segundos = std::chrono::steady_clock::now() - antes;
-    EXPECT_LT(segundos.count(), 30) << tabla[0][1].substr(0, 20);
+    EXPECT_LT(segundos.count(), 60) << tabla[0][1].substr(0, 20);
     EXPECT_LE(cajas.size(), 2U);
   }
 }
