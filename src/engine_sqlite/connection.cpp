@@ -1,0 +1,241 @@
+// From a text of the dialect to its rows.
+#include <cmath>
+
+#include "base/number.h"
+#include "engine_sqlite/connection_internal.h"
+
+namespace engine_sqlite {
+namespace {
+
+using jetsql::Clase;
+using Que = jetsql::Definicion::Que;
+
+constexpr const char* kSoloConsultas = "La sentencia no es de consulta: aquí solo se puede leer.";
+
+bool EsDeCambio(const std::string& paso) {
+  for (const std::string_view verbo : {"INSERT", "UPDATE", "DELETE", "REPLACE", "WITH"})
+    if (std::string_view(paso).substr(0, verbo.size()) == verbo) return true;
+  return false;
+}
+
+// Leaves a statement ready for its next run, whatever happened in this one.
+class Reponer {
+ public:
+  explicit Reponer(sqlite3_stmt* s) : s_(s) {}
+  Reponer(const Reponer&) = delete;
+  Reponer& operator=(const Reponer&) = delete;
+  ~Reponer() {
+    sqlite3_reset(s_);
+    sqlite3_clear_bindings(s_);
+  }
+
+ private:
+  sqlite3_stmt* s_;
+};
+
+// Several steps, all or none: a savepoint inside a transaction, else a transaction of their own.
+class Conjunto {
+ public:
+  Conjunto(sqlite3* base, bool en_transaccion, bool lee) : base_(base), anidado_(en_transaccion) {
+    EjecutarPropio(base_, anidado_ ? "SAVEPOINT sentencia" : (lee ? "BEGIN" : "BEGIN IMMEDIATE"));
+  }
+  Conjunto(const Conjunto&) = delete;
+  Conjunto& operator=(const Conjunto&) = delete;
+  ~Conjunto() {
+    if (hecho_ || sqlite3_get_autocommit(base_) != 0) return;
+    sqlite3_exec(base_, anidado_ ? "ROLLBACK TO sentencia; RELEASE sentencia" : "ROLLBACK", nullptr, nullptr,
+                 nullptr);
+  }
+  void Confirmar() {
+    EjecutarPropio(base_, anidado_ ? "RELEASE sentencia" : "COMMIT");
+    hecho_ = true;
+  }
+
+ private:
+  sqlite3* base_;
+  bool anidado_;
+  bool hecho_ = false;
+};
+
+base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
+  switch (sqlite3_column_type(s, i)) {
+    case SQLITE_NULL:
+      return {};
+    case SQLITE_TEXT:
+    case SQLITE_BLOB: {
+      const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(s, i));
+      return p == nullptr ? std::string()
+                          : std::string(p, static_cast<std::size_t>(sqlite3_column_bytes(s, i)));
+    }
+    case SQLITE_INTEGER:
+      if (tipo == base::Tipo::Booleano) return sqlite3_column_int64(s, i) != 0;
+      if (tipo == base::Tipo::Nulo || tipo == base::Tipo::Entero || tipo == base::Tipo::Texto)
+        return std::int64_t{sqlite3_column_int64(s, i)};
+      break;
+    default:
+      break;
+  }
+  const double v = sqlite3_column_double(s, i);
+  switch (tipo) {
+    case base::Tipo::Booleano:
+      return v != 0;
+    case base::Tipo::Simple:
+      return static_cast<float>(v);
+    case base::Tipo::Moneda:
+      return base::Moneda{base::EnteroBancario(v * 10000.0)};
+    case base::Tipo::Fecha:
+      return base::Fecha{v};
+    default:
+      return v;
+  }
+}
+
+}  // namespace
+
+db::Recordset ConexionSqlite::EjecutarComo(std::string_view sql, bool solo_consulta) {
+  VerificarUtil();
+  afectadas_ = 0;
+  try {
+    return Intentar(sql, solo_consulta);
+  } catch (const base::Error&) {
+    // Another program may have changed a definition since the catalog was read.
+    if (!reintentable_ || !catalogo_.Cambiado()) throw;
+  }
+  OlvidarTodo();
+  return Intentar(sql, solo_consulta);
+}
+
+db::Recordset ConexionSqlite::Intentar(std::string_view sql, bool solo_consulta) {
+  ++contadores_.ejecuciones;
+  reintentable_ = false;
+  const std::vector<base::Valor>* literales = nullptr;
+  const std::shared_ptr<Preparada> p = Resolver(sql, literales);
+  if (solo_consulta && p->traduccion.clase != Clase::Consulta) throw db::Error(kSoloConsultas);
+  return Correr(*p, *literales, sql);
+}
+
+std::shared_ptr<Preparada> ConexionSqlite::Resolver(std::string_view sql,
+                                                    const std::vector<base::Valor>*& literales) {
+  if (const CacheDeTextos::Ranura* r = textos_.Buscar(sql)) {
+    ++contadores_.textos_iguales;
+    literales = &r->literales;
+    return r->preparada;
+  }
+  forma_.clave.clear();
+  forma_.literales.clear();
+  literales = &forma_.literales;
+  if (!jetsql::SepararLiterales(sql, forma_)) {
+    Traducir(sql);  // says what is wrong
+    throw db::Error("La sentencia tiene un valor mal escrito.");
+  }
+  std::shared_ptr<Preparada> p = formas_.Buscar(forma_);
+  if (p != nullptr) {
+    ++contadores_.formas_conocidas;
+  } else {
+    p = Traducir(sql);
+    for (const int i : p->traduccion.fijos)
+      p->valores_fijos.push_back(forma_.literales.at(static_cast<std::size_t>(i)));
+    if (p->traduccion.clase == Clase::Definicion) return p;
+    formas_.Guardar(forma_, p);
+  }
+  textos_.Guardar(sql, p, forma_.literales);
+  return p;
+}
+
+std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql) {
+  ++contadores_.traducciones;
+  auto p = std::make_shared<Preparada>();
+  try {
+    p->traduccion = jetsql::Traducir(sql, catalogo_, traduccion_);
+  } catch (const db::Error&) {
+    throw;
+  } catch (const base::Error& e) {
+    reintentable_ = true;
+    throw db::Error(e.Descripcion(), e.Numero(), e.Fuente());
+  }
+  p->sentencias.resize(p->traduccion.pasos.size());
+  auto columnas = std::make_shared<db::Columnas>();
+  for (const jetsql::ColumnaResultado& c : p->traduccion.columnas) columnas->push_back({c.nombre, c.tipo});
+  p->columnas = std::move(columnas);
+  return p;
+}
+
+db::Recordset ConexionSqlite::Correr(Preparada& p, const std::vector<base::Valor>& literales,
+                                     std::string_view sql) {
+  const jetsql::Traduccion& t = p.traduccion;
+  if (t.clase == Clase::Definicion || t.definicion.que != Que::Ninguna) {
+    CorrerDefinicion(p, literales);
+    return {p.columnas, {}, std::string(sql)};
+  }
+  std::vector<base::Valor> celdas;
+  std::vector<base::Valor>* destino = t.clase == Clase::Consulta ? &celdas : nullptr;
+  if (t.pasos.size() == 1) {
+    CorrerPaso(p, 0, literales, destino);
+  } else {
+    Conjunto conjunto(base_.get(), en_transaccion_, t.clase == Clase::Consulta);
+    for (std::size_t i = 0; i < t.pasos.size(); ++i) CorrerPaso(p, i, literales, destino);
+    conjunto.Confirmar();
+  }
+  return {p.columnas, std::move(celdas), std::string(sql)};
+}
+
+void ConexionSqlite::VerificarNombreLibre(const jetsql::Definicion& definicion) const {
+  if (definicion.que == Que::CrearTabla && catalogo_.Consulta(definicion.nombre) != nullptr)
+    throw db::Error("Ya existe una consulta con el nombre " + definicion.nombre + ".");
+}
+
+void ConexionSqlite::CorrerDefinicion(Preparada& p, const std::vector<base::Valor>& literales) {
+  const jetsql::Definicion& d = p.traduccion.definicion;
+  VerificarNombreLibre(d);
+  {
+    Conjunto conjunto(base_.get(), en_transaccion_, false);
+    for (std::size_t i = 0; i < p.traduccion.pasos.size(); ++i) CorrerPaso(p, i, literales, nullptr);
+    if (d.que == Que::CrearVista) catalogo_.CrearConsulta(d.nombre, d.texto_vista);
+    if (d.que == Que::BorrarVista) catalogo_.BorrarConsulta(d.nombre);
+    conjunto.Confirmar();
+  }
+  definio_ = true;
+  OlvidarTodo();
+}
+
+void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vector<base::Valor>& literales,
+                                std::vector<base::Valor>* celdas) {
+  Sentencia& sentencia = p.sentencias[paso];
+  const std::string& texto = p.traduccion.pasos[paso];
+  entorno_.fallo = false;
+  if (sentencia == nullptr) {
+    ++contadores_.preparaciones;
+    reintentable_ = true;
+    sentencia = Preparar(base_.get(), texto);
+    reintentable_ = false;
+  }
+  sqlite3_stmt* s = sentencia.get();
+  const Reponer reponer(s);
+  const int parametros = sqlite3_bind_parameter_count(s);
+  for (int i = 0; i < parametros && i < static_cast<int>(literales.size()); ++i)
+    Ligar(s, i + 1, literales[i]);
+  const int ancho = sqlite3_column_count(s);
+  const bool guardar = celdas != nullptr && ancho > 0 && ancho == static_cast<int>(p.columnas->size());
+  int rc = SQLITE_OK;
+  while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
+    if (!guardar) continue;
+    for (int i = 0; i < ancho; ++i) celdas->push_back(DeColumna(s, i, (*p.columnas)[i].tipo));
+  }
+  if (rc != SQLITE_DONE) LanzarDePaso();
+  if (EsDeCambio(texto)) afectadas_ = sqlite3_changes64(base_.get());
+}
+
+void ConexionSqlite::LanzarDePaso() {
+  if (entorno_.fallo) throw db::Error(entorno_.descripcion, entorno_.numero);
+  const int codigo = sqlite3_errcode(base_.get()) & 0xFF;
+  reintentable_ = codigo == SQLITE_ERROR || codigo == SQLITE_SCHEMA;
+  LanzarError(base_.get());
+}
+
+void ConexionSqlite::OlvidarTodo() {
+  textos_.Vaciar();
+  formas_.Vaciar();
+  catalogo_.Olvidar();
+}
+
+}  // namespace engine_sqlite

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <string>
+
+#include "engine_sqlite/catalog_internal.h"
+#include "engine_sqlite/runtime_internal.h"
+#include "engine_sqlite/sqlite_connection.h"
+#include "engine_sqlite/statement_cache_internal.h"
+
+namespace engine_sqlite {
+
+class RelojDelSistema final : public ports::Clock {
+ public:
+  base::Fecha Ahora() const override;
+};
+
+class ConexionSqlite final : public db::Connection {
+ public:
+  ConexionSqlite(std::string_view ruta, const Opciones& opciones);
+
+  bool Abierta() const override { return base_ != nullptr; }
+  void Cerrar() override;
+  db::Recordset Ejecutar(std::string_view sql) override { return EjecutarComo(sql, false); }
+  db::Recordset Consultar(std::string_view sql) override { return EjecutarComo(sql, true); }
+  std::int64_t FilasAfectadas() const override { return afectadas_; }
+  void BeginTrans() override;
+  void CommitTrans() override;
+  void RollbackTrans() override;
+  bool EnTransaccion() const override { return en_transaccion_; }
+
+  const Contadores& Cuentas() const { return contadores_; }
+
+ private:
+  void AbrirArchivo(std::string_view ruta, const Opciones& opciones);
+  void Configurar(bool en_memoria, const Opciones& opciones);
+  void VerificarUtil() const;
+
+  db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
+  db::Recordset Intentar(std::string_view sql, bool solo_consulta);
+  // The statement to run and its literals (they last until the next statement).
+  std::shared_ptr<Preparada> Resolver(std::string_view sql, const std::vector<base::Valor>*& literales);
+  std::shared_ptr<Preparada> Traducir(std::string_view sql);
+  db::Recordset Correr(Preparada& p, const std::vector<base::Valor>& literales, std::string_view sql);
+  void CorrerDefinicion(Preparada& p, const std::vector<base::Valor>& literales);
+  void CorrerPaso(Preparada& p, std::size_t paso, const std::vector<base::Valor>& literales,
+                  std::vector<base::Valor>* celdas);
+  void VerificarNombreLibre(const jetsql::Definicion& definicion) const;
+  [[noreturn]] void LanzarDePaso();
+  void OlvidarTodo();
+
+  // In the order in which they are needed: the handle's functions use the surroundings to the last.
+  RelojDelSistema sistema_;
+  Entorno entorno_;
+  ManejadorBase base_;
+  CatalogoSqlite catalogo_{nullptr};
+  jetsql::OpcionesTraduccion traduccion_;
+  CacheDeFormas formas_;
+  CacheDeTextos textos_;
+  jetsql::Forma forma_;  // of the statement that is running; kept for its memory
+  Contadores contadores_;
+  std::int64_t afectadas_ = 0;
+  bool en_transaccion_ = false;
+  bool definio_ = false;       // a definition statement ran in the open transaction
+  bool reintentable_ = false;  // the last failure may come from a definition changed by another program
+};
+
+}  // namespace engine_sqlite

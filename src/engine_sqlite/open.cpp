@@ -1,0 +1,143 @@
+// Opening and closing a file, and transactions.
+#include <chrono>
+#include <cmath>
+#include <ctime>
+
+#include "base/file.h"
+#include "engine_sqlite/connection_internal.h"
+
+namespace engine_sqlite {
+namespace {
+
+constexpr std::string_view kEnMemoria = ":memory:";
+
+std::int64_t Cifra(sqlite3* base, const char* sql) {
+  const Sentencia s = Preparar(base, sql);
+  if (sqlite3_step(s.get()) != SQLITE_ROW) LanzarError(base);
+  return sqlite3_column_int64(s.get(), 0);
+}
+
+// A statement that is of no consequence when it fails (a read-only file keeps its journal mode).
+void Procurar(sqlite3* base, const char* sql) { sqlite3_exec(base, sql, nullptr, nullptr, nullptr); }
+
+}  // namespace
+
+base::Fecha RelojDelSistema::Ahora() const {
+  const std::time_t ahora = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &ahora);
+#else
+  localtime_r(&ahora, &local);
+#endif
+  const double dia = base::FechaDe(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday).serie;
+  return {dia + base::HoraDe(local.tm_hour, local.tm_min, local.tm_sec).serie};
+}
+
+ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones) {
+  entorno_.locale = opciones.locale != nullptr ? opciones.locale : &base::Locale::espanol();
+  entorno_.reloj = opciones.reloj != nullptr ? opciones.reloj : &sistema_;
+  entorno_.orden = opciones.orden;
+  traduccion_.comodines_dao = opciones.comodines_dao;
+  AbrirArchivo(ruta, opciones);
+  Configurar(ruta == kEnMemoria, opciones);
+  catalogo_ = CatalogoSqlite(base_.get());
+}
+
+void ConexionSqlite::AbrirArchivo(std::string_view ruta, const Opciones& opciones) {
+  const std::string nombre(ruta);
+  const bool en_memoria = ruta == kEnMemoria;
+  if (ruta.empty()) throw db::Error("Falta la ruta de la base.");
+  if (!en_memoria && !opciones.crear && !base::ExisteArchivo(ruta))
+    throw db::Error("No existe el archivo de la base " + nombre + ".");
+  const int modo = opciones.solo_lectura && !en_memoria
+                       ? SQLITE_OPEN_READONLY
+                       : SQLITE_OPEN_READWRITE | (opciones.crear || en_memoria ? SQLITE_OPEN_CREATE : 0);
+  // A relative name that starts like a URI is still a file's name.
+  const std::string camino = nombre.rfind("file:", 0) == 0 ? "./" + nombre : nombre;
+  sqlite3* cruda = nullptr;
+  const int rc =
+      sqlite3_open_v2(camino.c_str(), &cruda, modo | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+  base_.reset(cruda);
+  if (rc != SQLITE_OK)
+    throw db::Error("No se puede abrir la base " + nombre + ". " +
+                    DescripcionDe(rc, cruda != nullptr ? sqlite3_errmsg(cruda) : ""));
+  sqlite3_busy_timeout(base_.get(), opciones.espera_ms);
+  try {
+    // The first read tells a file of another kind.
+    if (Cifra(base_.get(), "PRAGMA page_count") == 0 && !opciones.crear && !en_memoria)
+      throw db::Error("El archivo está vacío.");
+    Cifra(base_.get(), "PRAGMA schema_version");
+  } catch (const db::Error& e) {
+    throw db::Error("No se puede abrir la base " + nombre + ". " + e.Descripcion());
+  }
+}
+
+void ConexionSqlite::Configurar(bool en_memoria, const Opciones& opciones) {
+  sqlite3* base = base_.get();
+  // A name in double quotes that is no column must be an error and not a text.
+  sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  Registrar(base, entorno_);
+  // An import is one transaction, so that a full sync at each commit costs nothing that is felt.
+  if (!en_memoria && !opciones.solo_lectura)
+    Procurar(base, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
+  if (opciones.solo_lectura) Procurar(base, "PRAGMA query_only=ON");
+  Procurar(base,
+           "PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY; PRAGMA cache_size=-32768; PRAGMA "
+           "secure_delete=FAST");
+}
+
+void ConexionSqlite::Cerrar() {
+  textos_.Vaciar();
+  formas_.Vaciar();
+  catalogo_ = CatalogoSqlite(nullptr);
+  base_.reset();  // what an open transaction wrote is undone
+  en_transaccion_ = false;
+  definio_ = false;
+}
+
+void ConexionSqlite::VerificarUtil() const {
+  if (base_ == nullptr) throw db::Error("La base no está abierta.");
+  // A full disk or a read failure makes SQLite undo the whole transaction; what came after would be kept
+  // alone.
+  if (en_transaccion_ && sqlite3_get_autocommit(base_.get()) != 0)
+    throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
+}
+
+void ConexionSqlite::BeginTrans() {
+  VerificarUtil();
+  if (en_transaccion_) throw db::Error("Ya hay una transacción abierta.");
+  EjecutarPropio(base_.get(), "BEGIN IMMEDIATE");
+  en_transaccion_ = true;
+  definio_ = false;
+}
+
+void ConexionSqlite::CommitTrans() {
+  if (base_ == nullptr || !en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
+  if (sqlite3_get_autocommit(base_.get()) != 0) {
+    RollbackTrans();
+    throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
+  }
+  EjecutarPropio(base_.get(), "COMMIT");
+  en_transaccion_ = false;
+}
+
+void ConexionSqlite::RollbackTrans() {
+  if (base_ == nullptr || !en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
+  en_transaccion_ = false;
+  if (definio_) OlvidarTodo();
+  definio_ = false;
+  if (sqlite3_get_autocommit(base_.get()) == 0) EjecutarPropio(base_.get(), "ROLLBACK");
+}
+
+std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones) {
+  return std::make_unique<ConexionSqlite>(ruta, opciones);
+}
+
+const Contadores* ContadoresDe(const db::Connection& conexion) {
+  const auto* propia = dynamic_cast<const ConexionSqlite*>(&conexion);
+  return propia == nullptr ? nullptr : &propia->Cuentas();
+}
+
+}  // namespace engine_sqlite
