@@ -148,6 +148,16 @@ std::optional<std::string> LeerArchivo(std::string_view ruta) {
   return bytes;
 }
 
+std::optional<std::string> LeerPrincipio(std::string_view ruta, std::size_t cantidad) {
+  if (!ExisteArchivo(ruta)) return std::nullopt;
+  Archivo archivo(Abrir(APath(ruta), IDM_MODO("rb")));
+  if (archivo == nullptr) return std::nullopt;
+  std::string bytes(cantidad, '\0');
+  bytes.resize(std::fread(bytes.data(), 1, cantidad, archivo.get()));
+  if (std::ferror(archivo.get()) != 0) return std::nullopt;
+  return bytes;
+}
+
 bool EscribirArchivo(std::string_view ruta, std::string_view bytes) {
   const fs::path destino = Destino(APath(ruta));
   const fs::path temporal = Temporal(destino);

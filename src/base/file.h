@@ -10,6 +10,8 @@ namespace base {
 bool ExisteArchivo(std::string_view ruta);  // a file of that path (not a folder)
 // The bytes, or none when it cannot be read.
 std::optional<std::string> LeerArchivo(std::string_view ruta);
+// The same for at most the first `cantidad` bytes.
+std::optional<std::string> LeerPrincipio(std::string_view ruta, std::size_t cantidad);
 // Replaces the file atomically: written beside it, flushed, renamed over it. False when any step failed; the
 // old file is then as it was.
 bool EscribirArchivo(std::string_view ruta, std::string_view bytes);

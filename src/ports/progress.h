@@ -15,6 +15,13 @@ class Progress {
   virtual bool Cancelado() const = 0;
 };
 
+// Lets pending window events run; a program without a window has none.
+class EventPump {
+ public:
+  virtual ~EventPump() = default;
+  virtual void DoEvents() = 0;
+};
+
 class SinProgreso final : public Progress {
  public:
   void ActuBarra(float, bool) override {}
