@@ -1,0 +1,51 @@
+// Writing one imported datum into the liquidation that it belongs to.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "base/date.h"
+#include "base/error.h"
+#include "db/db_session.h"
+#include "formula/evaluator.h"
+#include "formula/user_tables.h"
+#include "importfile/import_grid.h"
+#include "liquidation/month_data.h"
+#include "liquidation/open_headers.h"
+#include "liquidation/sql.h"
+#include "refdata/persons_index.h"
+#include "settings/settings.h"
+
+namespace liquidation {
+
+// The last contract looked up and the type found for it; -1: none.
+struct ContractTypeCache {
+  std::int32_t contrato = -1;
+  std::int32_t tipo = -1;
+};
+
+// What one run of the import works on and keeps between its lines. Nothing is owned but the run's own tables.
+struct Corrida {
+  db::DbSession* sesion = nullptr;
+  const settings::Settings* opciones = nullptr;
+  const refdata::PersonsIndex* personas = nullptr;
+  formula::Evaluador* evaluador = nullptr;
+  const formula::TablasUsuario* tablas = nullptr;  // as loaded before the run
+  base::Fecha mes;                                 // first day of the month
+  sql::CondicionesDeTipo condiciones;
+  std::string texto_liquidacion;  // what cmbLiquidaciones shows
+  base::SumideroErrores* errores = nullptr;
+
+  MonthDataTable datos;
+  OpenHeaders encabezados;
+  ContractTypeCache cache;
+};
+
+// Concepts from 1000 up name the user table of that number less 1000. `cantidad` and `coeficiente` are
+// overwritten with the sums. Returns "" or the reason why the line was not imported. A database error never
+// leaves the routine.
+std::string AgregarDatosALiq(Corrida& corrida, std::int32_t concepto, float& cantidad,
+                             std::size_t fila_persona, const importfile::ImportRow& fila,
+                             std::int32_t centro_costo, float& coeficiente);
+
+}  // namespace liquidation

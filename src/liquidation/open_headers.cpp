@@ -1,0 +1,84 @@
+#include "liquidation/open_headers.h"
+
+#include <algorithm>
+
+#include "base/number.h"
+#include "base/text.h"
+#include "liquidation/sql.h"
+
+namespace liquidation {
+
+std::string_view KeyField(int clave) {
+  switch (clave) {
+    case 0:
+      return "id_Contrato";
+    case 1:
+      return "Numero_Alternativo";
+    case 2:
+      return "Tarjeta";
+    case 3:
+      return "Dat";
+    case 4:
+      return "NUMERO";
+    default:
+      return "id_Persona";
+  }
+}
+
+bool ClaveDeTexto(int clave) { return clave == 1 || clave == 3; }
+
+std::string OpenHeaders::Normalizada(std::string_view valor) const {
+  if (ClaveDeTexto(clave_)) {
+    while (!valor.empty() && valor.back() == ' ') valor.remove_suffix(1);
+    return "'" + base::Minusculas(valor);  // the mark keeps an empty text apart from "matches nothing"
+  }
+  const auto numero = base::NumeroDeTexto(valor);
+  return numero ? base::SqlDeNumero(*numero) : std::string();
+}
+
+void OpenHeaders::Abrir(const db::DbSession& sesion, base::Fecha mes, std::string filtro_tipo, int clave) {
+  mes_ = mes;
+  filtro_tipo_ = std::move(filtro_tipo);
+  clave_ = clave;
+  por_clave_.clear();
+  Incorporar(sesion, 0);
+}
+
+void OpenHeaders::Reabrir(const db::DbSession& sesion, std::int32_t id_Encabezado) {
+  Incorporar(sesion, id_Encabezado);
+}
+
+void OpenHeaders::Incorporar(const db::DbSession& sesion, std::int32_t id_Encabezado) {
+  const db::Recordset rs = sesion.conexion->Ejecutar(
+      sql::EncabezadosAbiertos(sesion.idEmpresa, mes_, filtro_tipo_, id_Encabezado));
+  const auto columna = [&rs](std::string_view nombre) {
+    const int i = rs.Posicion(nombre);
+    if (i < 0)
+      throw db::Error("La consulta de encabezados abiertos no tiene la columna " + std::string(nombre));
+    return static_cast<std::size_t>(i);
+  };
+  const std::size_t id = columna("id_Encabezado"), contrato = columna("id_Contrato"),
+                    tipo = columna("id_TipoLiq"), terminado = columna("Terminado"),
+                    clave = columna(KeyField(clave_));
+  for (std::size_t fila = 0; fila < rs.Cantidad(); ++fila) {
+    if (rs.En(clave, fila).EsNulo()) continue;  // a criterion never equals Null
+    const std::string valor = Normalizada(rs.En(clave, fila).TextoCsv());
+    if (valor.empty()) continue;
+    const EncabezadoAbierto nuevo{rs.En(id, fila).Entero(), rs.En(contrato, fila).Entero(),
+                                  rs.En(tipo, fila).Entero(), rs.En(terminado, fila).Booleano()};
+    auto& lista = por_clave_[valor];
+    const auto antes = [](const EncabezadoAbierto& a, const EncabezadoAbierto& b) {
+      return a.id_Contrato != b.id_Contrato ? a.id_Contrato < b.id_Contrato : a.id_TipoLiq < b.id_TipoLiq;
+    };
+    lista.insert(std::upper_bound(lista.begin(), lista.end(), nuevo, antes), nuevo);
+  }
+}
+
+const EncabezadoAbierto* OpenHeaders::Find(std::string_view valor) const {
+  const std::string clave = Normalizada(valor);
+  if (clave.empty()) return nullptr;
+  const auto it = por_clave_.find(clave);
+  return it == por_clave_.end() ? nullptr : &it->second.front();
+}
+
+}  // namespace liquidation

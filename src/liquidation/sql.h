@@ -1,0 +1,60 @@
+// The statements of the import, each built by concatenation in a fixed order. Dates come as serials and are
+// spliced as #MM/dd/yyyy#; numbers as their "." texts.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/date.h"
+
+namespace liquidation::sql {
+
+std::string Literal(base::Fecha fecha);  // #MM/dd/yyyy#
+
+// The month's data of the given concepts ("7,2") in open liquidations, one "*"-joined text a row.
+std::string Precarga(std::int32_t idEmpresa, base::Fecha mes, std::string_view conceptos);
+// The month's open headers with every person key; id_Encabezado other than 0 restricts it to that header.
+std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Fecha mes, std::string_view filtro_tipo,
+                                std::int32_t id_Encabezado = 0);
+// The liquidation types that apply to a contract in the month and are not finished, the lowest first.
+struct CondicionesDeTipo {
+  std::string TypeFilter;         // over TiposLiquidacion
+  std::string TypeCondition;      // over [Consulta]; may be empty
+  std::string CalendarCondition;  // over [Consulta]; may be empty
+};
+std::string TiposAplicables(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
+                            const CondicionesDeTipo& condiciones);
+// An open header of the contract, type and month, whatever its person's keys say.
+std::string EncabezadoDeContrato(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
+                                 std::int32_t tipo);
+std::string InsertarEncabezado(std::int32_t idEmpresa, std::int32_t id, base::Fecha mes,
+                               std::int32_t contrato, std::int32_t tipo, std::int32_t usuario);
+
+struct ClaveDato {
+  std::int32_t idEmpresa, encabezado, concepto, agrupa;
+};
+std::string BuscarDato(const ClaveDato& clave);
+std::string BorrarDato(const ClaveDato& clave);
+// `par` is the text of Cantidad,Coeficiente.
+std::string InsertarDato(std::int32_t id_Dato, const ClaveDato& clave, std::string_view par);
+std::string ActualizarDato(std::int32_t idEmpresa, std::int32_t id_Dato, std::string_view campo,
+                           std::string_view cantidad);
+std::string ActualizarDatoYCoeficiente(std::int32_t idEmpresa, std::int32_t id_Dato,
+                                       std::string_view cantidad, std::string_view coeficiente);
+
+struct Cuota {
+  std::int32_t idEmpresa, id_Pago, contrato, concepto, id_Dato;
+  std::string cantidad, nombre;
+};
+std::string InsertarPago(const Cuota& cuota, base::Fecha mes);
+std::string InsertarPagoDeta(const Cuota& cuota, base::Fecha mes);
+std::string ActualizarPago(const Cuota& cuota);
+std::string ActualizarPagoDeta(const Cuota& cuota);
+
+// The three bulk updates that end an import.
+std::string ActualizarDias(std::int32_t idEmpresa, base::Fecha mes);
+std::string ActualizarMontos(std::int32_t idEmpresa, base::Fecha mes);
+std::string ActualizarDetalle(base::Fecha mes);
+
+}  // namespace liquidation::sql

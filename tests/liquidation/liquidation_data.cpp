@@ -1,0 +1,267 @@
+// Imports small files into a small payroll base and prints what came of it.
+//
+//   world [agrup] [constr]      a fresh base of the demo's tables with the rows of kMundo
+//   exec                        statements, one a line
+//   import mes=2026-10 [liq=0] [cc=0] [rollback]
+//                               lines "@CLAVE=VALOR" are settings, "=relation" relations, the others the
+//                               file; prints line|key|quantity|result, totals, then boxes and passed-over
+//                               errors
+//   query [rowsort]             a statement; rows joined with |
+//   confirm mes=… liq=… cc=…    the question before the import, with settings as in import
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "base/number.h"
+#include "base/text.h"
+#include "demo/demo_base.h"
+#include "engine_sqlite/sqlite_connection.h"
+#include "liquidation/importar.h"
+#include "refdata/liquidation_types.h"
+#include "settings/config_file.h"
+#include "support/data_test.h"
+
+namespace {
+
+// Contracts: 10 (monthly, card 210), 11 (hourly, no card), 12 (hourly, card 212, October finished), 13 (of
+// the other company). Keys of one contract all differ. Types: 1 and 2 salary, 3 not salary, 4 per employee, 5
+// inactive.
+constexpr const char* kMundo[] = {
+    "Insert into Empresa (idEmpresa,Nombre,TipoConstruccion,LiqAgrup) Values(1,'Uno',False,False)",
+    "Insert into Monedas (id_Moneda,Nombre,principal) Values(1,'Pesos',True)",
+    "Insert into Monedas (id_Moneda,Nombre,principal) Values(2,'Unidades',False)",
+    "Insert into valores (idEmpresa,codigo,Valor) Values(1,'PARFECHA','')",
+    "Insert into Personas (idEmpresa,id_Persona,Nombre_1,Apellido_1,Numero,NumeroSinGuion) "
+    "Values(1,110,'Ana','Alba','1.234.510','1234510')",
+    "Insert into Personas (idEmpresa,id_Persona,Nombre_1,Apellido_1,Numero,NumeroSinGuion) "
+    "Values(1,111,'Beto','Borda','1234511','1234511')",
+    "Insert into Personas (idEmpresa,id_Persona,Nombre_1,Apellido_1,Numero,NumeroSinGuion) "
+    "Values(1,112,'Carla','Cruz','1234512','1234512')",
+    "Insert into Contrato "
+    "(idEmpresa,id_Contrato,id_Persona,Numero_Alternativo,Tarjeta,id_TipoRem,idCC,CantDiasXMes,"
+    "Horas,Sueldo,ValorHora,FECINI,Vigente) Values(1,10,110,'A10',210,1,7,30,8,30000,125,#01/01/2020#,True)",
+    "Insert into Contrato "
+    "(idEmpresa,id_Contrato,id_Persona,Numero_Alternativo,Tarjeta,id_TipoRem,idCC,CantDiasXMes,"
+    "Horas,Sueldo,ValorHora,FECINI,Vigente) Values(1,11,111,'A11',Null,2,8,25,6,0,100,#01/01/2020#,True)",
+    "Insert into Contrato "
+    "(idEmpresa,id_Contrato,id_Persona,Numero_Alternativo,Tarjeta,id_TipoRem,idCC,CantDiasXMes,"
+    "Horas,Sueldo,ValorHora,FECINI,Vigente) Values(1,12,112,'A12',212,2,9,25,8,0,90,#01/01/2020#,True)",
+    "Insert into DatExtDatos (idEmpresa,idTDE,idLoc,idDE) Values(1,1,10,'EXT10')",
+    "Insert into Conceptos "
+    "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,1,'SUE','Sueldo',3,'S',0,False,True,1,'SUELDO',1)",
+    "Insert into Conceptos "
+    "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,7,'HC','Horas Comunes',3,'S',0,False,True,1,'HORA',1)",
+    "Insert into Conceptos "
+    "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,20,'PRI','Prima',2,'S',0,False,True,2,'DATO',1)",
+    "Insert into Conceptos "
+    "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,21,'DES','Destajo',5,'S',0,False,True,1,'DATO',1)",
+    "Insert into Conceptos "
+    "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,22,'CUO','Cuota',2,'R',1,False,True,1,'DATO',1)",
+    "Insert into Tablas (id,idEmpresa,Nombre,NombreCampo,Tipo,TipoDato) Values(0,1,'CERO','Cero',3,1)",
+    "Insert into Tablas (id,idEmpresa,Nombre,NombreCampo,Tipo,TipoDato) Values(5,1,'VIA','Viaticos',3,1)",
+    "Insert into TiposLiquidacion (idEmpresa,id_TipoLiq,Nombre,Salarial,ParaEmp,Activa) "
+    "Values(1,1,'Mensual',True,False,True)",
+    "Insert into TiposLiquidacion (idEmpresa,id_TipoLiq,Nombre,Salarial,ParaEmp,Activa,Cond) "
+    "Values(1,2,'Quincenal',True,False,True,'C.id_TipoRem=3')",
+    "Insert into TiposLiquidacion (idEmpresa,id_TipoLiq,Nombre,Salarial,ParaEmp,Activa) "
+    "Values(1,3,'Aguinaldo',False,False,True)",
+    "Insert into TiposLiquidacion (idEmpresa,id_TipoLiq,Nombre,Salarial,ParaEmp,Activa) "
+    "Values(1,4,'Egreso',False,True,True)",
+    "Insert into Encabezados "
+    "(idEmpresa,id_Encabezado,MesDeLiq,id_Contrato,id_TipoLiq,Terminado,Impreso,id_Usuario) "
+    "Values(1,40,#10/01/2026#,12,1,True,False,0)",
+};
+
+class Cajas final : public ports::Prompts {
+ public:
+  bool Mostrar(const ports::Aviso& aviso) override {
+    textos.push_back(aviso.texto);
+    return false;
+  }
+  bool Confirmar(const std::string&) override { return true; }
+  std::vector<std::string> textos;
+};
+
+class Mesa {
+ public:
+  Mesa() { sesion_.reloj = &reloj_; }
+
+  std::string Mundo(const support::Bloque& b) {
+    engine_sqlite::Opciones opciones;
+    opciones.reloj = &reloj_;
+    sesion_.conexion = engine_sqlite::Abrir(":memory:", opciones);
+    sesion_.idEmpresa = 1;
+    sesion_.id_Usuario = 3;
+    sesion_.LiqAgrup = b.Tiene("agrup");
+    sesion_.TipoConstruccion = b.Tiene("constr");
+    demo::CrearEsquema(*sesion_.conexion);
+    for (const char* sql : kMundo) sesion_.conexion->Ejecutar(sql);
+    return {};
+  }
+
+  std::string Exec(const support::Bloque& b) {
+    std::istringstream lineas(b.entrada);
+    for (std::string linea; std::getline(lineas, linea);) sesion_.conexion->Ejecutar(linea);
+    return {};
+  }
+
+  std::string Query(const support::Bloque& b) {
+    const db::Recordset rs = sesion_.conexion->Ejecutar(b.entrada);
+    std::vector<std::string> filas;
+    for (std::size_t f = 0; f < rs.Cantidad(); ++f) {
+      std::string fila;
+      for (std::size_t i = 0; i < rs.Campos().size(); ++i) {
+        const base::Valor& v = rs.En(i, f);
+        const std::string texto = v.EsNulo() ? "NULL" : v.TextoCsv();
+        fila += (i > 0 ? "|" : "") + (texto.empty() ? "(empty)" : texto);
+      }
+      filas.push_back(fila);
+    }
+    if (b.Tiene("rowsort")) std::sort(filas.begin(), filas.end());
+    return base::Join(filas, "\n");
+  }
+
+  std::string Importar(const support::Bloque& b) {
+    Preparar(b);
+    importfile::Carga carga = Cargar();
+    liquidation::EntradaImportacion e;
+    e.sesion = &sesion_;
+    e.opciones = &opciones_;
+    e.personas = &personas_;
+    e.relaciones = &relaciones_;
+    e.evaluador = &evaluador_;
+    e.tablas = &tablas_;
+    e.prompts = &cajas_;
+    e.progreso = &progreso_;
+    e.mes = mes_;
+    e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
+                     tipos_.CalendarCondition};
+    e.texto_liquidacion = tipos_.cmbLiquidaciones.Elegido() ? tipos_.cmbLiquidaciones.Elegido()->texto : "";
+    e.centro_costo = static_cast<std::int32_t>(base::Parse(b.Opcion("cc")));
+    e.deshacer = b.Tiene("rollback");
+    const liquidation::Importacion r = liquidation::Importar(e, carga.filas);
+    std::sort(carga.filas.begin(), carga.filas.end(),
+              [](const auto& x, const auto& y) { return x.linea < y.linea; });
+    std::string salida;
+    for (const auto& fila : carga.filas)
+      salida += std::to_string(fila.linea) + "|" + fila.campo[importfile::kClave] + "|" +
+                fila.campo[importfile::kCantidad] + "|" + fila.resultado + "\n";
+    for (const auto& t : r.totales)
+      salida += "TOTAL " + std::to_string(t.concepto) + " " + t.nombre + " " + std::to_string(t.lineas) +
+                " " + base::SqlDeNumero(t.cantidad) + "\n";
+    for (const auto& texto : cajas_.textos) salida += "BOX " + texto + "\n";
+    for (const auto& error : r.errores) salida += "ERR " + error.donde + ": " + error.descripcion + "\n";
+    if (!salida.empty()) salida.pop_back();
+    return salida;
+  }
+
+  std::string Confirmar(const support::Bloque& b) {
+    Preparar(b);
+    liquidation::DatosConfirmacion d;
+    d.mes = mes_;
+    d.cmbLiquidaciones = tipos_.cmbLiquidaciones.Elegido() ? tipos_.cmbLiquidaciones.Elegido()->texto : "";
+    d.cmbAgrupa = &tipos_.cmbAgrupa;
+    d.LiqAgrup = sesion_.LiqAgrup;
+    d.TipoConstruccion = sesion_.TipoConstruccion;
+    d.CCDefEnArch = opciones_.CCDefEnArch;
+    return base::Reemplazar(liquidation::TextoConfirmacion(d), base::kCrLf, "\n");
+  }
+
+ private:
+  // Settings, relations and the file of a block, and the reference data of its month.
+  void Preparar(const support::Bloque& b) {
+    opciones_ = settings::LeerSettings("");
+    opciones_.Separador = ";";
+    archivo_.clear();
+    std::string relaciones;
+    std::istringstream lineas(b.entrada);
+    for (std::string linea; std::getline(lineas, linea);) {
+      if (!linea.empty() && linea[0] == '@') {
+        const std::size_t igual = linea.find('=');
+        settings::AplicarValor(opciones_, linea.substr(1, igual - 1), linea.substr(igual + 1));
+      } else if (!linea.empty() && linea[0] == '=') {
+        relaciones += linea.substr(1) + "\r\n";
+      } else {
+        archivo_ += (archivo_.empty() ? "" : "\r\n") + linea;
+      }
+    }
+    const std::string mes = b.Opcion("mes", "2026-10");
+    mes_ = base::FechaDe(std::stoi(mes.substr(0, 4)), std::stoi(mes.substr(5, 2)), 1);
+    cajas_.textos.clear();
+    evaluador_ = {};
+    evaluador_.sesion = &sesion_;
+    evaluador_.prompts = &cajas_;
+    evaluador_.reloj = &reloj_;
+    refdata::CargarVecDePersonas(sesion_, mes_, personas_, cajas_);
+    refdata::ActuLSTdeConceptos(sesion_, opciones_, conceptos_);
+    refdata::CargarTiposLiquidacion(sesion_, opciones_, tipos_);
+    tablas_.CargarTablasUsuario(sesion_, -1);
+    relaciones_.Reemplazar(relaciones);
+    Elegir(tipos_.cmbLiquidaciones, b.Opcion("liq"));
+    Elegir(tipos_.cmbAgrupa, b.Opcion("cc"));
+  }
+
+  static void Elegir(formula::ListControl& combo, const std::string& valor) {
+    if (valor.empty()) return;
+    combo.ListIndex = -1;
+    for (std::size_t i = 0; i < combo.items.size(); ++i)
+      if (std::to_string(combo.items[i].dato) == valor) combo.ListIndex = static_cast<int>(i);
+  }
+
+  importfile::Carga Cargar() {
+    const std::filesystem::path ruta =
+        std::filesystem::temp_directory_path() /
+        ("idm_liq_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + ".txt");
+    std::ofstream(ruta, std::ios::binary) << archivo_;
+    importfile::EntradaCarga e;
+    e.txtRuta = ruta.string();
+    e.opciones = &opciones_;
+    e.filtro = importfile::FiltroPor::Texto;  // with no text: every line stays
+    e.personas = &personas_;
+    e.conceptos = &conceptos_;
+    e.relaciones = &relaciones_;
+    e.evaluador = &evaluador_;
+    e.prompts = &cajas_;
+    e.progreso = &progreso_;
+    importfile::Carga carga = importfile::CargarDatos(e);
+    std::filesystem::remove(ruta);
+    return carga;
+  }
+
+  ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
+  db::DbSession sesion_;
+  settings::Settings opciones_;
+  refdata::PersonsIndex personas_;
+  refdata::ConceptsCatalogue conceptos_;
+  refdata::LiquidationTypes tipos_;
+  relations::CodeRelations relaciones_;
+  formula::TablasUsuario tablas_;
+  formula::Evaluador evaluador_;
+  ports::SinProgreso progreso_;
+  Cajas cajas_;
+  base::Fecha mes_;
+  std::string archivo_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return support::EjecutarArchivos(argc, argv, [] {
+    auto mesa = std::make_shared<Mesa>();
+    return support::Verbos{
+        {"world", [mesa](const support::Bloque& b) { return mesa->Mundo(b); }},
+        {"exec", [mesa](const support::Bloque& b) { return mesa->Exec(b); }},
+        {"query", [mesa](const support::Bloque& b) { return mesa->Query(b); }},
+        {"import", [mesa](const support::Bloque& b) { return mesa->Importar(b); }},
+        {"confirm", [mesa](const support::Bloque& b) { return mesa->Confirmar(b); }},
+    };
+  });
+}
