@@ -1,0 +1,47 @@
+#include "app/conector.h"
+#include "app/programa.h"
+#include "base/text.h"
+
+namespace app {
+namespace {
+
+// Only a base of the payroll system has the company row.
+bool NombraBaseDeLaEmpresa(std::string_view referencia) {
+  for (const char* nombre : {"Personal.mdb", "Proyec.mdb", "ConfBase.cfg"})
+    if (base::Contiene(referencia, nombre, base::Comparar::SinCaso)) return true;
+  return false;
+}
+
+}  // namespace
+
+void Programa::Conectar(std::string& referencia) {
+  if (sesion_.Abierta()) sesion_.conexion->Cerrar();
+  Conexion nueva = AbrirReferencia(referencia, puertos_.reloj);
+  sesion_.conexion = std::move(nueva.conexion);
+  sesion_.id_Usuario = nueva.id_Usuario;
+  e_.motivo_base = std::move(nueva.motivo);
+  if (!sesion_.Abierta()) return;
+  if (arranque_.una_transaccion)
+    base::ErrorIgnorado("Conectar: transacción", &errores_, [&] { sesion_.conexion->BeginTrans(); });
+  if (!NombraBaseDeLaEmpresa(referencia)) return;
+  LeerEmpresa();
+  CargarTiposLiquidacion();
+  base::ErrorIgnorado("Conectar: tablas de usuario", &errores_,
+                      [&] { e_.tablas.CargarTablasUsuario(sesion_, -1); });
+}
+
+void Programa::LeerEmpresa() {
+  sesion_.TipoConstruccion = false;
+  sesion_.LiqAgrup = false;
+  base::ErrorIgnorado("Conectar: empresa", &errores_, [&] {
+    const db::Recordset rs =
+        sesion_.conexion->Ejecutar("Select TipoConstruccion, LiqAgrup, idEmpresa From Empresa");
+    if (rs.Vacio()) return;
+    // Several companies: always the first row of this unordered query.
+    sesion_.TipoConstruccion = rs.En(0, 0).Booleano();
+    sesion_.LiqAgrup = rs.En(1, 0).Booleano();
+    sesion_.idEmpresa = rs.En(2, 0).Entero();
+  });
+}
+
+}  // namespace app

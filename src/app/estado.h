@@ -1,0 +1,75 @@
+// All that the main window shows, and what it keeps between events. The window draws it; the command line
+// reads it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "app/controles.h"
+#include "base/date.h"
+#include "formula/list_control.h"
+#include "importfile/import_grid.h"
+#include "liquidation/importar.h"
+#include "refdata/concepts_catalogue.h"
+#include "refdata/liquidation_types.h"
+#include "refdata/persons_index.h"
+#include "relations/code_relations.h"
+#include "settings/settings.h"
+
+namespace app {
+
+struct Estado {
+  bool cargando = false;         // the loading flag of start-up
+  bool carga_pendiente = false;  // a file named on the command line waits for the first activation
+  std::string caption = "Datos A Importar";
+  std::string referencia;   // of the database, as Conectar left it
+  std::string motivo_base;  // why the base is not open; empty when it is
+  std::string LblEmpresa;
+  base::Fecha mes;  // first day of the month of ObjSelMes
+
+  settings::Settings opciones;
+  refdata::PersonsIndex personas;
+  refdata::ConceptsCatalogue conceptos;  // with cmbConceptos
+  refdata::LiquidationTypes tipos;       // with cmbLiquidaciones, cmbAgrupa, cmbAgrupaDef
+  relations::CodeRelations relaciones;   // with the rows of GridRelaciones
+  formula::TablasUsuario tablas;
+
+  // File and filter.
+  TextBox txtRuta, txtFiltro, txtFormulaSGN, txtSeparador, txtTextoTipoCuota, txtTipo;
+  std::array<std::array<TextBox, 2>, 5> txtAE;  // txtA … txtE: start, length
+  int OptFiltro = 1;                            // 0 "Por Texto", 1 "Por Relación"
+  int optTipoArch = 0;                          // 0 "Delimitado Por", 1 "De Ancho Fijo"
+  formula::ListControl cbTipoClave;
+
+  CheckBox chkSoloDReloj, chkLiqHCaMensuales, chkNoImpValEnCero, chkCodigoNumerico, chkTotalizarConc,
+      chkSumarAyaIng, chkImportarCuotas, chkConCC, chkCCDefEnDatExt, chkVincAutConOrsa;
+
+  // Relations panel.
+  std::string lblConcepto;
+  std::int32_t cbColor = 0xFFFFFF;  // 0xBBGGRR
+  bool cmbAgrupaDef_enabled = true;
+  int fila_relacion = -1;      // current row of GridRelaciones
+  int cmbConceptos_ancho = 0;  // pixels of its drop-down
+
+  std::array<bool, 2> AreConf_visible{};
+  int AreConf_al_frente = 0;
+  bool Timer1_enabled = false;
+
+  // GridAImportar, GridRelaciones, GridPVConf.
+  Grid GridAImportar, GridRelaciones, GridPVConf;
+  std::vector<importfile::ImportRow> filas;
+  std::vector<importfile::LineaAparte> aparte;  // lines of the file that are no rows
+  std::size_t lineas = 0;                       // of the file
+  bool hay_valor = false;
+  int columna_orden = 0;  // row field of the sort
+  std::string previa;     // the first four lines of the last file
+  std::vector<std::vector<std::string>> filas_previa;
+  std::array<int, 5> posicion_previa{0, 1, 2, 3, 4};  // where GridPVConf shows its column of field i + 1
+
+  importfile::FinDeCarga fin_de_carga = importfile::FinDeCarga::Completa;  // of the last load
+  liquidation::Importacion importacion;                                    // the last one
+};
+
+}  // namespace app

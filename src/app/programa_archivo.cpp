@@ -1,0 +1,200 @@
+#include <algorithm>
+#include <cmath>
+
+#include "app/programa.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "formula/vector_utils.h"
+#include "importfile/line_formats.h"
+
+namespace app {
+namespace {
+
+// The leading number of a box, rounded, within 16 bits.
+std::int16_t EnteroDeCaja(std::string_view texto) {
+  const double n = std::clamp(base::Parse(texto), -32768.0, 32767.0);
+  return static_cast<std::int16_t>(base::EnteroBancario(n));
+}
+
+constexpr int kEnter = 13;
+
+}  // namespace
+
+void Programa::cbBuscar_Click() {
+  const std::string ruta = puertos_.picker.AbrirArchivo(titulo_dialogo_, "", e_.txtRuta.text);
+  if (ruta.empty()) return;
+  e_.txtRuta.text = ruta;
+  CargarDatos();
+}
+
+void Programa::txtRuta_KeyPress(int tecla) {
+  if (tecla == kEnter) CargarDatos();
+}
+
+void Programa::txtFiltro_Change(std::string texto) {
+  e_.opciones.TextoDeFiltro = texto;
+  e_.txtFiltro.text = std::move(texto);
+}
+
+void Programa::txtFiltro_KeyPress(int tecla) {
+  if (tecla == kEnter) CargarDatos();
+}
+
+void Programa::OptFiltro_Click(int indice) {
+  e_.OptFiltro = indice;
+  Pedir(kGrilla);
+}
+
+void Programa::ObjSelMes_Change(base::Fecha fecha) {
+  e_.mes = base::PrimerDiaDelMes(fecha);
+  if (!e_.cargando) Pedir(kPersonas | kGrilla);
+  Cambio();
+}
+
+void Programa::cmbLiquidaciones_Click(int indice) {
+  e_.tipos.cmbLiquidaciones.ListIndex = indice;
+  Cambio();
+}
+
+void Programa::cmbAgrupa_Click(int indice) {
+  e_.tipos.cmbAgrupa.ListIndex = indice;
+  Cambio();
+}
+
+void Programa::optTipoArch_Click(int indice) {
+  e_.optTipoArch = indice;
+  e_.opciones.AnchoFijo = indice == 1;
+  e_.txtSeparador.enabled = indice == 0;
+  for (auto& par : e_.txtAE)
+    for (TextBox& caja : par) caja.enabled = indice == 1;
+  CargarDatosPrevisual();
+}
+
+void Programa::txtSeparador_Change(std::string texto) {
+  e_.opciones.Separador = texto;
+  e_.txtSeparador.text = std::move(texto);
+  if (!e_.cargando && !e_.txtSeparador.text.empty()) e_.Timer1_enabled = true;
+  Cambio();
+}
+
+void Programa::PonerLayout() {
+  const settings::FixedWidthLayout& layout = e_.opciones.ConfDeAF;
+  for (std::size_t j = 0; j < layout.size() && j < e_.txtAE.size(); ++j) {
+    e_.txtAE[j][0].text = std::to_string(layout[j].inicio);
+    e_.txtAE[j][1].text = std::to_string(layout[j].largo);
+    if (layout[j].campo >= 1 && layout[j].campo <= 5)
+      e_.posicion_previa[static_cast<std::size_t>(layout[j].campo - 1)] = static_cast<int>(j);
+  }
+}
+
+void Programa::txtAE_Change(int columna, int elemento, std::string texto) {
+  const auto j = static_cast<std::size_t>(columna);
+  auto& par = e_.txtAE.at(j);
+  par.at(static_cast<std::size_t>(elemento)).text = texto;
+  if (texto.empty() || e_.cargando || j >= e_.opciones.ConfDeAF.size()) return;
+  e_.opciones.ConfDeAF[j].inicio = EnteroDeCaja(par[0].text);
+  e_.opciones.ConfDeAF[j].largo = EnteroDeCaja(par[1].text);
+  e_.Timer1_enabled = true;
+  Cambio();
+}
+
+void Programa::GridPVConf_ColumnasMovidas(const std::array<int, 5>& posiciones) {
+  if (e_.cargando) return;
+  e_.posicion_previa = posiciones;
+  e_.Timer1_enabled = true;
+}
+
+void Programa::txtFormulaSGN_Change(std::string texto) {
+  e_.opciones.FactMultiplica = texto;
+  e_.txtFormulaSGN.text = std::move(texto);
+}
+
+// The preview's columns tell which field each piece of the line fills. A piece that fills none stays so.
+void Programa::Timer1_Timer() {
+  e_.Timer1_enabled = false;
+  settings::FixedWidthLayout& layout = e_.opciones.ConfDeAF;
+  for (std::size_t i = 0; i < e_.posicion_previa.size(); ++i) {
+    const auto j = static_cast<std::size_t>(e_.posicion_previa[i]);
+    if (j < layout.size() && layout[j].campo >= 1) layout[j].campo = static_cast<std::int16_t>(i + 1);
+  }
+  CargarDatosPrevisual();
+}
+
+void Programa::CargarDatosPrevisual() {
+  // A layout that cannot be cut leaves the preview empty; the load says why.
+  e_.filas_previa.clear();
+  base::ErrorIgnorado("CargarDatosPrevisual", &errores_,
+                      [&] { e_.filas_previa = importfile::CargarDatosPrevisual(e_.previa, e_.opciones); });
+  Cambio();
+}
+
+void Programa::CargarDatos() {
+  if (en_curso_) return;
+  en_curso_ = true;
+  barra_.Cancelar(false);
+  const settings::Settings opciones =
+      e_.opciones;  // a handler may change them while the events of the load run
+  importfile::EntradaCarga entrada;
+  entrada.txtRuta = e_.txtRuta.text;
+  entrada.opciones = &opciones;
+  entrada.filtro = e_.OptFiltro == 0 ? importfile::FiltroPor::Texto : importfile::FiltroPor::Relacion;
+  entrada.columna_orden = e_.columna_orden;
+  entrada.personas = &e_.personas;
+  entrada.conceptos = &e_.conceptos;
+  entrada.relaciones = &e_.relaciones;
+  entrada.evaluador = &evaluador_;
+  entrada.prompts = &puertos_.prompts;
+  entrada.progreso = &barra_;
+  importfile::Carga carga = importfile::CargarDatos(entrada);
+  e_.fin_de_carga = carga.fin;
+  if (carga.fin == importfile::FinDeCarga::Completa) {
+    e_.filas = std::move(carga.filas);
+    e_.aparte = std::move(carga.aparte);
+    e_.previa = std::move(carga.previa);
+    e_.hay_valor = carga.hay_valor;
+    e_.lineas = carga.lineas;
+    CargarDatosPrevisual();
+    Actualizar();
+  }
+  barra_.ActuBarra(0);
+  Terminado();
+}
+
+void Programa::Actualizar() {
+  e_.GridAImportar.Columna("Valor")->visible = e_.hay_valor;
+  Cambio();
+}
+
+void Programa::OrdenarFilas() {
+  std::vector<std::string_view> valores;
+  valores.reserve(e_.filas.size());
+  for (const auto& fila : e_.filas)
+    valores.emplace_back(fila.campo[static_cast<std::size_t>(e_.columna_orden)]);
+  const auto orden = formula::OrdenDeColumna(valores, puertos_.reloj.Hoy());
+  std::vector<importfile::ImportRow> ordenadas;
+  ordenadas.reserve(e_.filas.size());
+  for (const std::size_t i : orden) ordenadas.push_back(std::move(e_.filas[i]));
+  e_.filas = std::move(ordenadas);
+}
+
+void Programa::GridAImportar_HeadClick(std::string_view columna) {
+  static constexpr std::pair<std::string_view, int> kCampos[] = {{"Id", importfile::kClave},
+                                                                 {"Nombre", importfile::kNombre},
+                                                                 {"Apellido", importfile::kApellido},
+                                                                 {"Horas", importfile::kCantidad},
+                                                                 {"Valor", importfile::kValor},
+                                                                 {"Tipo", importfile::kTipo},
+                                                                 {"NomConcVinc", importfile::kVinculado},
+                                                                 {"A_Realizar", importfile::kHorasMes},
+                                                                 {"DatoExtra", importfile::kDatoExtra},
+                                                                 {"CC", importfile::kCC}};
+  if (en_curso_) return;
+  for (const auto& [nombre, campo] : kCampos) {
+    if (nombre != columna) continue;
+    e_.columna_orden = campo;
+    OrdenarFilas();
+    Cambio();
+  }
+}
+
+}  // namespace app

@@ -1,0 +1,196 @@
+#include "app/banco.h"
+
+namespace {
+
+class Archivo : public prueba::Banco {
+ protected:
+  void SetUp() override {
+    Banco::SetUp();
+    Demo();
+    ASSERT_TRUE(Crear().Iniciar(demo_.referencia));
+    Escribir("vacio.txt", "");
+    programa_->txtRuta_Change(Ruta("vacio.txt"));
+    programa_->OptFiltro_Click(0);  // by text, with none: every line stays
+    programa_->txtFiltro_Change("");
+  }
+  void Cargar(const std::string& bytes) {
+    Escribir("x.txt", bytes);
+    programa_->txtRuta_Change(Ruta("x.txt"));
+    programa_->txtRuta_KeyPress(13);
+  }
+};
+
+TEST_F(Archivo, OnlyEnterLoads) {
+  Cargar("1;1;8");
+  EXPECT_EQ(programa_->Ver().filas.size(), 1U);
+  Escribir("x.txt", "1;1;8\r\n2;1;8");
+  programa_->txtRuta_KeyPress('a');
+  programa_->txtFiltro_KeyPress(9);
+  EXPECT_EQ(programa_->Ver().filas.size(), 1U);
+  programa_->txtFiltro_KeyPress(13);
+  EXPECT_EQ(programa_->Ver().filas.size(), 2U);
+}
+
+TEST_F(Archivo, ALoadThatStopsEarlyLeavesRowsAndPreview) {
+  Cargar("1;1;8\r\n2;1;8");
+  const auto previa = programa_->Ver().filas_previa;
+  cajas_.esperadas = {"Formato incorrecto"};
+  Cargar("sin separador");
+  EXPECT_EQ(programa_->Ver().filas.size(), 2U);
+  EXPECT_EQ(programa_->Ver().filas_previa, previa);
+  cajas_.esperadas = {"El Archivo '" + Ruta("no.txt") + "' no existe"};
+  programa_->txtRuta_Change(Ruta("no.txt"));
+  programa_->cbActualizar_Click();
+  EXPECT_EQ(programa_->Ver().filas.size(), 2U);
+  EXPECT_FALSE(programa_->BarraDeProgreso().Visible());
+  EXPECT_FALSE(std::filesystem::exists(Ruta("no.txt")));
+}
+
+TEST_F(Archivo, SearchPutsThePathAndLoads) {
+  Escribir("y.txt", "1;1;8");
+  cajas_.archivo = Ruta("y.txt");
+  programa_->cbBuscar_Click();
+  EXPECT_EQ(programa_->Ver().txtRuta.text, Ruta("y.txt"));
+  EXPECT_EQ(programa_->Ver().filas.size(), 1U);
+  EXPECT_EQ(cajas_.dialogos.back(), "Seleccionar archivo a importar||" + Ruta("vacio.txt"));
+}
+
+TEST_F(Archivo, TheValueColumnShowsWhenALineHasOne) {
+  Cargar("1;1;8;x;0");
+  EXPECT_FALSE(app::Grid(programa_->Ver().GridAImportar).Columna("Valor")->visible);
+  Cargar("1;1;8;x;2,5");
+  EXPECT_TRUE(app::Grid(programa_->Ver().GridAImportar).Columna("Valor")->visible);
+}
+
+TEST_F(Archivo, ThePreviewFollowsTheFormat) {
+  programa_->txtSeparador_Change(";");
+  cajas_.esperadas = {"Formato incorrecto en la linea 2"};
+  Cargar("000123;HC;8,5\r\nx;y");
+  using Filas = std::vector<std::vector<std::string>>;
+  EXPECT_EQ(programa_->Ver().filas_previa, (Filas{{"000123", "HC", "8,5"}, {"x", "y"}}));
+}
+
+TEST_F(Archivo, SwitchingTheFormatEnablesItsBoxes) {
+  programa_->optTipoArch_Click(1);
+  EXPECT_TRUE(programa_->Ver().opciones.AnchoFijo);
+  EXPECT_FALSE(programa_->Ver().txtSeparador.enabled);
+  for (const auto& par : programa_->Ver().txtAE)
+    for (const auto& caja : par) EXPECT_TRUE(caja.enabled);
+  programa_->optTipoArch_Click(0);
+  EXPECT_TRUE(programa_->Ver().txtSeparador.enabled);
+  EXPECT_FALSE(programa_->Ver().txtAE[4][1].enabled);
+}
+
+TEST_F(Archivo, ALayoutBoxChangesItsColumnAndArmsTheTimer) {
+  programa_->optTipoArch_Click(1);
+  EXPECT_FALSE(programa_->Ver().Timer1_enabled);
+  programa_->txtAE_Change(1, 0, "");
+  EXPECT_FALSE(programa_->Ver().Timer1_enabled);
+  programa_->txtAE_Change(1, 0, "9");
+  programa_->txtAE_Change(1, 1, "4x");
+  EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].inicio, 9);
+  EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].largo, 4);
+  EXPECT_TRUE(programa_->Ver().Timer1_enabled);
+  programa_->Timer1_Timer();
+  EXPECT_FALSE(programa_->Ver().Timer1_enabled);
+  programa_->txtAE_Change(1, 0, "nada");
+  EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].inicio, 0);
+  programa_->txtAE_Change(1, 0, "99999");
+  EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].inicio, 32767);
+}
+
+TEST_F(Archivo, TheSeparatorArmsTheTimerOnce) {
+  programa_->txtSeparador_Change("");
+  EXPECT_FALSE(programa_->Ver().Timer1_enabled);
+  programa_->txtSeparador_Change("|");
+  programa_->txtSeparador_Change("||");
+  EXPECT_TRUE(programa_->Ver().Timer1_enabled);
+  programa_->Timer1_Timer();
+  EXPECT_FALSE(programa_->Ver().Timer1_enabled);
+}
+
+// The preview's columns were exchanged: the first piece of the line is then the type code, the second the
+// person.
+TEST_F(Archivo, MovedPreviewColumnsBecomeTheLayout) {
+  std::filesystem::remove(Ruta("ImportDeMarcas.ini"));
+  ASSERT_TRUE(Crear().Iniciar(demo_.referencia));
+  programa_->GridPVConf_ColumnasMovidas({1, 0, 2, 3, 4});
+  EXPECT_TRUE(programa_->Ver().Timer1_enabled);
+  programa_->Timer1_Timer();
+  EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[0].campo, 2);
+  EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].campo, 1);
+  EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[2].campo, 3);
+}
+
+TEST_F(Archivo, AHeaderClickSortsByItsColumn) {
+  Cargar("3;1;10\r\n1;1;9\r\n2;1;100");
+  const auto claves = [&] {
+    std::string s;
+    for (const auto& f : programa_->Ver().filas) s += f.campo[importfile::kClave] + " ";
+    return s;
+  };
+  EXPECT_EQ(claves(), "1 2 3 ");
+  programa_->GridAImportar_HeadClick("Horas");
+  EXPECT_EQ(claves(), "1 3 2 ");  // 9, 10, 100: as numbers
+  programa_->cbActualizar_Click();
+  EXPECT_EQ(claves(), "1 3 2 ");  // the column is kept
+  programa_->GridAImportar_HeadClick("Resultado");
+  EXPECT_EQ(claves(), "1 3 2 ");
+}
+
+TEST_F(Archivo, ChangingTheMonthReloadsPersonsAndRows) {
+  programa_->ObjSelMes_Change(base::FechaDe(2026, 9, 17));
+  EXPECT_EQ(programa_->Ver().mes, base::FechaDe(2026, 9, 1));
+  EXPECT_EQ(Consulta("Select Valor From valores Where codigo='PARFECHA' And idEmpresa=" +
+                     std::to_string(programa_->Sesion().idEmpresa)),
+            "#09/01/2026#");
+  const std::size_t septiembre = programa_->Ver().personas.Cantidad();
+  programa_->ObjSelMes_Change(base::FechaDe(2026, 10, 31));
+  EXPECT_NE(programa_->Ver().personas.Cantidad(), septiembre);
+}
+
+TEST_F(Archivo, TheImportAsksAndNoChangesNothing) {
+  Cargar("1;1;8");
+  programa_->cbImportar_Click(2);  // not the primary button
+  EXPECT_TRUE(cajas_.preguntas.empty());
+  const std::string antes = Consulta("Select Count(*) From Datos_Liquidacion");
+  cajas_.respuestas = {false};
+  programa_->cbImportar_Click(1);
+  ASSERT_EQ(cajas_.preguntas.size(), 1U);
+  EXPECT_EQ(cajas_.preguntas[0], programa_->Confirmacion());
+  EXPECT_EQ(Consulta("Select Count(*) From Datos_Liquidacion"), antes);
+  EXPECT_EQ(programa_->Ver().filas[0].resultado, "");
+  EXPECT_FALSE(app::Grid(programa_->Ver().GridAImportar).Columna("Resultado")->visible);
+}
+
+TEST_F(Archivo, TheImportAnsweredYesShowsTheResults) {
+  Cargar("99999;1;8");
+  cajas_.respuestas = {true};
+  programa_->cbImportar_Click(1);
+  EXPECT_EQ(programa_->Ver().filas[0].resultado,
+            "La Persona no existe o no tiene contrato activo en el mes seleccionado");
+  EXPECT_TRUE(app::Grid(programa_->Ver().GridAImportar).Columna("Resultado")->visible);
+  EXPECT_FALSE(programa_->Sesion().conexion->EnTransaccion());
+}
+
+// With no base every button may be pressed.
+TEST_F(Archivo, WithoutABaseNothingBreaks) {
+  cajas_.esperadas = {"Error al abrir la base ubicada en nada"};
+  ASSERT_TRUE(Crear().Iniciar("nada*"));
+  app::Programa& p = *programa_;
+  cajas_.esperadas = {"La Base no está Abierta"};
+  p.chkSoloDReloj_Click(true);
+  p.chkImportarCuotas_Click(true);
+  p.chkConCC_Click(true);
+  p.chkVincAutConOrsa_Click(true);
+  EXPECT_EQ(p.Ver().relaciones.Cantidad(), 0U);
+  cajas_.esperadas = {"La Base no está Abierta", "El Archivo '" + Ruta("no.txt") + "' no existe"};
+  p.txtRuta_Change(Ruta("no.txt"));
+  p.ObjSelMes_Change(base::FechaDe(2026, 1, 5));
+  cajas_.respuestas = {true};
+  cajas_.esperadas = {"La Base no está Abierta"};
+  p.cbImportar_Click(1);
+  EXPECT_TRUE(p.Unload());
+}
+
+}  // namespace

@@ -1,0 +1,113 @@
+// A program on a demo base in a folder of its own, with prompts that answer from a queue.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/carpeta_demo.h"
+#include "app/programa.h"
+
+namespace prueba {
+
+// A box that no test expects, or an expected one that never came, fails the test.
+class Cajas final : public ports::Prompts, public ports::FilePicker {
+ public:
+  ~Cajas() override {
+    EXPECT_TRUE(esperadas.empty()) << "never shown: " << (esperadas.empty() ? "" : esperadas.front());
+    EXPECT_TRUE(respuestas.empty()) << "an answer was not asked for";
+  }
+  bool Mostrar(const ports::Aviso& aviso) override {
+    if (esperadas.empty()) {
+      ADD_FAILURE() << "unexpected box: " << aviso.texto;
+      return false;
+    }
+    EXPECT_EQ(aviso.texto, esperadas.front());
+    EXPECT_EQ(aviso.icono, ports::Icono::Exclamacion);
+    esperadas.pop_front();
+    return false;
+  }
+  bool Confirmar(const std::string& texto) override {
+    preguntas.push_back(texto);
+    if (respuestas.empty()) {
+      ADD_FAILURE() << "unexpected question: " << texto;
+      return false;
+    }
+    const bool si = respuestas.front();
+    respuestas.pop_front();
+    return si;
+  }
+  std::string AbrirArchivo(const std::string& titulo, const std::string& filtro,
+                           const std::string& inicial) override {
+    dialogos.push_back(titulo + "|" + filtro + "|" + inicial);
+    return archivo;
+  }
+  std::int32_t ElegirColor(std::int32_t inicial) override { return color < 0 ? inicial : color; }
+
+  std::deque<std::string> esperadas;
+  std::deque<bool> respuestas;
+  std::vector<std::string> preguntas, dialogos;
+  std::string archivo;
+  std::int32_t color = -1;
+};
+
+// Events of the window that run while a long command yields.
+class Eventos final : public ports::EventPump {
+ public:
+  void DoEvents() override {
+    if (al_correr) al_correr();
+  }
+  std::function<void()> al_correr;
+};
+
+class Banco : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    carpeta_ = std::filesystem::temp_directory_path() /
+               ("idm_" + std::string(info->test_suite_name()) + "_" + info->name());
+    std::filesystem::remove_all(carpeta_);
+    std::filesystem::create_directories(carpeta_);
+  }
+  void TearDown() override {
+    programa_.reset();
+    std::filesystem::remove_all(carpeta_);
+  }
+
+  std::string Ruta(const std::string& nombre) const { return (carpeta_ / nombre).string(); }
+  void Demo() { demo_ = app::CrearCarpetaDemo(carpeta_.string(), kMes, reloj_); }
+  app::Programa& Crear() {
+    programa_ = std::make_unique<app::Programa>(app::Puertos{cajas_, cajas_, reloj_, &eventos_},
+                                                app::Arranque{carpeta_.string(), "1.0.0", {}, {}, false});
+    return *programa_;
+  }
+  std::string Leer(const std::string& nombre) const {
+    std::ifstream f(carpeta_ / nombre, std::ios::binary);
+    std::ostringstream s;
+    s << f.rdbuf();
+    return s.str();
+  }
+  void Escribir(const std::string& nombre, const std::string& bytes) const {
+    std::ofstream(carpeta_ / nombre, std::ios::binary) << bytes;
+  }
+  std::string Consulta(const std::string& sql) {
+    const auto rs = programa_->Sesion().conexion->Ejecutar(sql);
+    return rs.Vacio() ? "" : rs.En(0, 0).TextoCsv();
+  }
+
+  static inline const base::Fecha kMes = base::FechaDe(2026, 10, 1);
+  std::filesystem::path carpeta_;
+  ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
+  Cajas cajas_;
+  Eventos eventos_;
+  app::CarpetaDemo demo_;
+  std::unique_ptr<app::Programa> programa_;
+};
+
+}  // namespace prueba

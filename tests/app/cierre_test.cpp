@@ -1,0 +1,95 @@
+#include "app/banco.h"
+
+namespace {
+
+class Cierre : public prueba::Banco {};
+
+TEST_F(Cierre, WritesEveryKeyInItsOrder) {
+  app::Programa& p = Crear();
+  cajas_.esperadas = {"Error al abrir la base ubicada en nada"};
+  ASSERT_TRUE(p.Iniciar("nada*"));
+  p.txtSeparador_Change(";");
+  p.txtFiltro_Change("Tipo=7");
+  p.chkConCC_Click(true);
+  EXPECT_TRUE(p.Unload());
+  EXPECT_EQ(Leer("ImportDeMarcas.ini"),
+            "[TextoDeFiltro]\r\nTipo=7\r\n[/TextoDeFiltro]\r\n"
+            "[Conceptos]\r\nHC*65535**7*Horas Comunes*0\r\nHE*65280**2*Horas Extras*0\r\n[/Conceptos]\r\n"
+            "[Configura]\r\n5\r\n[/Configura]\r\n"
+            "[Separador]\r\n;\r\n[/Separador]\r\n"
+            "[LiqHCaMensuales]\r\nNO\r\n[/LiqHCaMensuales]\r\n"
+            "[NoImpCantEn0]\r\nNO\r\n[/NoImpCantEn0]\r\n"
+            "[SoloDatosDeRel]\r\nSI\r\n[/SoloDatosDeRel]\r\n"
+            "[TipoArchivo]\r\n1\r\n[/TipoArchivo]\r\n"
+            "[ConfDeAF]\r\n1*1*6\r\n2*8*3\r\n3*12*9\r\n4*-1*0\r\n5*-1*0\r\n[/ConfDeAF]\r\n"
+            "[FactMultiplica]\r\n\r\n[/FactMultiplica]\r\n"
+            "[CodTipoNumerico]\r\nSI\r\n[/CodTipoNumerico]\r\n"
+            "[TotalizarConc]\r\nSI\r\n[/TotalizarConc]\r\n"
+            "[SumarAyaIng]\r\nSI\r\n[/SumarAyaIng]\r\n"
+            "[ImportarCuotas]\r\nNO\r\n[/ImportarCuotas]\r\n"
+            "[TextoTipoCuota]\r\nRef:[DatoExtra]\r\n[/TextoTipoCuota]\r\n"
+            "[CCDefEnArch]\r\nSI\r\n[/CCDefEnArch]\r\n"
+            "[CCEnDE]\r\nNO\r\n[/CCEnDE]\r\n"
+            "[MismoCodigoDeOrsa]\r\nNO\r\n[/MismoCodigoDeOrsa]");
+}
+
+// The same options come back.
+TEST_F(Cierre, AnotherStartFindsWhatWasLeft) {
+  cajas_.esperadas = {"Error al abrir la base ubicada en nada", "El Archivo '' no existe",
+                      "Error al abrir la base ubicada en nada"};
+  {
+    app::Programa& p = Crear();
+    ASSERT_TRUE(p.Iniciar("nada*"));
+    p.optTipoArch_Click(1);
+    p.txtAE_Change(3, 0, "20");
+    p.txtAE_Change(3, 1, "5");
+    p.txtFormulaSGN_Change("ENTERO(ñ)");
+    p.chkSumarAyaIng_Click(false);
+    p.chkTotalizarConc_Click(false);
+    p.chkNoImpValEnCero_Click(true);
+    p.chkLiqHCaMensuales_Click(true);
+    p.cbTipoClave_Click(2);
+    p.Unload();
+  }
+  const app::Estado& e = (Crear().Iniciar("nada*"), programa_->Ver());
+  EXPECT_EQ(e.optTipoArch, 1);
+  EXPECT_EQ(e.txtAE[3][0].text, "20");
+  EXPECT_EQ(e.opciones.ConfDeAF[3], (settings::ColumnaAF{4, 20, 5}));
+  EXPECT_EQ(e.txtFormulaSGN.text, "ENTERO(ñ)");
+  EXPECT_FALSE(e.chkSumarAyaIng.checked);
+  EXPECT_FALSE(e.chkTotalizarConc.checked);
+  EXPECT_TRUE(e.chkTotalizarConc.enabled);
+  EXPECT_TRUE(e.chkNoImpValEnCero.checked);
+  EXPECT_TRUE(e.chkLiqHCaMensuales.checked);
+  EXPECT_EQ(e.cbTipoClave.ListIndex, 2);
+}
+
+// With the automatic link on the relations of the file are left as they were; text outside entries stays.
+TEST_F(Cierre, TheAutomaticLinkKeepsTheStoredRelations) {
+  Escribir("ImportDeMarcas.ini",
+           "una "
+           "nota\r\n[Conceptos]\r\nX*1*,9,*7*Nombre*0\r\n[/Conceptos]\r\n[MismoCodigoDeOrsa]\r\nSI\r\n[/"
+           "MismoCodigoDeOrsa]");
+  cajas_.esperadas = {"Error al abrir la base ubicada en nada"};
+  app::Programa& p = Crear();
+  ASSERT_TRUE(p.Iniciar("nada*"));
+  EXPECT_TRUE(p.Unload());
+  const std::string texto = Leer("ImportDeMarcas.ini");
+  EXPECT_EQ(texto.substr(0, 10), "una nota\r\n");
+  EXPECT_NE(texto.find("[Conceptos]\r\nX*1*,9,*7*Nombre*0\r\n[/Conceptos]"), std::string::npos);
+}
+
+TEST_F(Cierre, RelationsGoToTheExternalDataToo) {
+  Demo();
+  Escribir("ImportDeMarcas.ini",
+           "[TomaConceptosDeBD]\r\n77\r\n[/TomaConceptosDeBD]\r\n[MismoCodigoDeOrsa]\r\nSI\r\n[/"
+           "MismoCodigoDeOrsa]");
+  app::Programa& p = Crear();
+  ASSERT_TRUE(p.Iniciar(demo_.referencia));
+  const std::string relaciones = std::to_string(p.Ver().relaciones.Cantidad());
+  ASSERT_NE(relaciones, "0");
+  EXPECT_TRUE(p.Unload());
+  EXPECT_EQ(Consulta("Select Count(*) From DatExtDatos Where idTDE=77"), relaciones);
+}
+
+}  // namespace
