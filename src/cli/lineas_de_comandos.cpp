@@ -1,0 +1,228 @@
+#include "cli/lineas_de_comandos.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+
+#include "app/reloj_sistema.h"
+#include "base/file.h"
+#include "base/text.h"
+#include "cli/verbos.h"
+#include "settings/config_file.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kCodigos =
+    "Códigos de salida:\n"
+    "  0   todas las líneas importadas (las filtradas no cuentan)\n"
+    "  1   alguna línea rechazada o mal formada (consulta: una sentencia falló)\n"
+    "  2   no se importó nada\n"
+    "  64  argumentos incorrectos\n"
+    "  65  archivo que no se puede usar\n"
+    "  66  no existe el archivo\n"
+    "  69  no se puede abrir la base\n"
+    "  74  error de lectura o escritura\n";
+
+// What the options give, before it is understood.
+struct Textos {
+  std::string hoy, mes, salida = "tabla", filtro = "relacion";
+  std::vector<std::string> opciones;
+};
+
+bool SoloDigitos(std::string_view t) {
+  return !t.empty() && std::all_of(t.begin(), t.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// AAAA-MM or AAAA-MM-DD, nothing else; the date must exist.
+std::optional<base::Fecha> LeerFecha(const std::string& texto, bool con_dia) {
+  const auto partes = base::Split(texto, "-");
+  if (partes.size() != (con_dia ? 3U : 2U)) return std::nullopt;
+  for (std::size_t i = 0; i < partes.size(); ++i)
+    if (!SoloDigitos(partes[i]) || partes[i].size() != (i == 0 ? 4U : 2U)) return std::nullopt;
+  const int anio = std::stoi(partes[0]), mes = std::stoi(partes[1]), dia = con_dia ? std::stoi(partes[2]) : 1;
+  if (anio < 100 || mes < 1 || mes > 12 || dia < 1) return std::nullopt;
+  const base::Fecha fecha = base::FechaDe(anio, mes, dia);
+  if (base::Partes(fecha).dia != dia) return std::nullopt;
+  return fecha;
+}
+
+CLI::Validator Fecha(bool con_dia) {
+  return CLI::Validator(
+      [con_dia](std::string& texto) {
+        if (LeerFecha(texto, con_dia)) return std::string();
+        return "'" + texto + "' no es " + (con_dia ? "una fecha AAAA-MM-DD" : "un mes AAAA-MM");
+      },
+      con_dia ? "AAAA-MM-DD" : "AAAA-MM");
+}
+
+bool EsClaveDeAjustes(const std::string& clave) {
+  settings::Settings prueba;
+  return base::IgualSinCaso(clave, "Conceptos") || base::IgualSinCaso(clave, "TomaConceptosDeBD") ||
+         settings::AplicarValor(prueba, clave, "");
+}
+
+CLI::Validator ClaveYValor() {
+  return CLI::Validator(
+      [](std::string& texto) {
+        const std::size_t igual = texto.find('=');
+        if (igual == std::string::npos) return "'" + texto + "' no tiene la forma CLAVE=VALOR";
+        const std::string clave = texto.substr(0, igual);
+        if (!EsClaveDeAjustes(clave)) return "'" + clave + "' no es una clave del archivo de ajustes";
+        return std::string();
+      },
+      "CLAVE=VALOR");
+}
+
+void OpcionHoy(CLI::App* verbo, Textos& t) {
+  verbo->add_option("--hoy", t.hoy, "Fija la fecha de hoy, para repetir una corrida")->check(Fecha(true));
+}
+
+void OpcionesDeImportar(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
+  verbo->add_option("--base", o.base, "Base de datos: un archivo, o ConfBase.cfg")->required();
+  verbo->add_option("--archivo", o.archivo, "Archivo de horas a importar")->required();
+  verbo->add_option("--mes", t.mes, "Mes de las liquidaciones")->required()->check(Fecha(false));
+  verbo->add_option("--liquidacion", o.liquidacion, "Valor del tipo de liquidación (0: Sueldos, lo normal)");
+  verbo->add_option("--cc", o.cc, "Número del centro de costo de toda la importación");
+  verbo->add_option("--ajustes", o.ajustes, "Archivo de ajustes, en lugar del de la carpeta del programa");
+  verbo
+      ->add_option("--opcion", t.opciones,
+                   "Cambia una clave de los ajustes para esta corrida (un fin de línea se escribe \\r\\n)")
+      ->check(ClaveYValor())
+      ->take_all()
+      ->allow_extra_args(false);
+  verbo->add_option("--filtro", t.filtro, "Filtro: relacion (lo normal) o texto")
+      ->check(CLI::IsMember({"relacion", "texto"}));
+  verbo->add_option("--salida", t.salida, "Forma del resultado: tabla (lo normal) o csv")
+      ->check(CLI::IsMember({"tabla", "csv"}));
+  OpcionHoy(verbo, t);
+}
+
+OpcionesImportar Completar(OpcionesImportar o, const Textos& t, bool solo_revisar) {
+  o.mes = *LeerFecha(t.mes, false);
+  o.filtro_texto = t.filtro == "texto";
+  o.salida = t.salida == "csv" ? Formato::Csv : Formato::Tabla;
+  o.solo_revisar = solo_revisar;
+  for (const std::string& texto : t.opciones) {
+    const std::size_t igual = texto.find('=');
+    o.opciones.emplace_back(texto.substr(0, igual),
+                            base::Reemplazar(texto.substr(igual + 1), "\\r\\n", base::kCrLf));
+  }
+  return o;
+}
+
+// The parser's own messages, said in Spanish.
+std::string EnEspanol(const CLI::ParseError& e) {
+  const std::string nombre = e.get_name(), texto = e.what();
+  if (nombre == "RequiredError") return "Falta un argumento: " + base::Reemplazar(texto, " is required", "");
+  if (nombre == "ExtrasError") return "Argumento desconocido: " + texto.substr(texto.find(':') + 1);
+  if (nombre == "ArgumentMismatch") return "Falta el valor de un argumento, o sobra: " + texto;
+  if (nombre == "ConversionError") return "Valor que no se entiende: " + texto;
+  return texto;
+}
+
+// An expression may start with "-", which would read as an option: it goes last, behind "--".
+std::vector<std::string> ConExpresionAlFinal(std::vector<std::string> args) {
+  if (args.empty() || args.front() != "formula") return args;
+  for (std::size_t i = 1; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    if (a == "--base" || a == "--hoy") {
+      ++i;
+      continue;
+    }
+    if (a == "-h" || a == "--help" || a == "--" || base::EmpiezaCon(a, "--base=") ||
+        base::EmpiezaCon(a, "--hoy="))
+      continue;
+    if (a.size() < 2 || a.front() != '-') continue;
+    const std::string expresion = a;
+    args.erase(args.begin() + static_cast<std::ptrdiff_t>(i));
+    args.insert(args.end(), {"--", expresion});
+    return args;
+  }
+  return args;
+}
+
+}  // namespace
+
+std::string CarpetaDeAjustes() {
+  const std::string propia = base::VariableEntorno("IMPORTDEMARCAS_CARPETA");
+  if (!propia.empty()) return propia;
+  const std::string programa = base::CarpetaDelPrograma();
+  return base::CarpetaEscribible(programa) ? programa : base::CarpetaConfiguracionUsuario();
+}
+
+int Ejecutar(const std::vector<std::string>& argumentos, const std::string& programa,
+             const std::string& carpeta, Flujos f) {
+  CLI::App app("Importa las horas de un reloj en las liquidaciones de un mes de la base de sueldos.",
+               "importdemarcas-cli");
+  app.set_help_flag("-h,--help", "Muestra esta ayuda");
+  app.get_formatter()->label("OPTIONS", "OPCIONES");
+  app.get_formatter()->label("SUBCOMMAND", "VERBO");
+  app.get_formatter()->label("Subcommands", "Verbos");
+  app.get_formatter()->label("Options", "Opciones");
+  app.get_formatter()->label("Positionals", "Argumentos");
+  app.get_formatter()->label("Usage", "Uso");
+  app.get_formatter()->label("REQUIRED", "(obligatorio)");
+  app.get_formatter()->label("TEXT", "TEXTO");
+  app.get_formatter()->label("INT", "NÚMERO");
+  app.footer(kCodigos);
+  app.require_subcommand(1);
+
+  Textos t;
+  OpcionesImportar importar;
+  OpcionesFormula formula;
+  OpcionesConsulta consulta;
+  OpcionesDemo demo;
+  CLI::App* v_importar =
+      app.add_subcommand("importar", "Carga un archivo y lo importa en las liquidaciones del mes");
+  OpcionesDeImportar(v_importar, importar, t);
+  CLI::App* v_revisar =
+      app.add_subcommand("revisar", "Lo mismo que importar, sin escribir nada: muestra qué daría cada línea");
+  OpcionesDeImportar(v_revisar, importar, t);
+  CLI::App* v_formula = app.add_subcommand("formula", "Evalúa una expresión");
+  v_formula
+      ->add_option("EXPRESION", formula.expresion, "La expresión, o - para leer una por línea de la entrada")
+      ->required();
+  v_formula->add_option("--base", formula.base, "Base de datos para las funciones SQL y LISTA");
+  OpcionHoy(v_formula, t);
+  CLI::App* v_consulta =
+      app.add_subcommand("consulta", "Ejecuta una sentencia SQL y escribe su resultado como CSV");
+  v_consulta->add_option("--base", consulta.base, "Base de datos: un archivo, o ConfBase.cfg")->required();
+  v_consulta->add_option("SQL", consulta.sql, "La sentencia, o - para leer una por línea de la entrada")
+      ->required();
+  v_consulta->add_flag("--escribir", consulta.escribir, "Permite sentencias que cambian la base");
+  OpcionHoy(v_consulta, t);
+  CLI::App* v_demo = app.add_subcommand("demo", "Crea una base de muestra con sus archivos y ajustes");
+  v_demo->add_option("CARPETA", demo.carpeta, "Carpeta donde crearlos")->required();
+  v_demo->add_option("--mes", t.mes, "Mes de la muestra (el corriente si no se dice)")->check(Fecha(false));
+  OpcionHoy(v_demo, t);
+  for (CLI::App* verbo : app.get_subcommands({})) verbo->footer(kCodigos);
+
+  try {
+    std::vector<std::string> al_reves = ConExpresionAlFinal(argumentos);
+    std::reverse(al_reves.begin(), al_reves.end());
+    app.parse(al_reves);
+  } catch (const CLI::CallForHelp&) {
+    const auto elegidos = app.get_subcommands();
+    f.out << (elegidos.empty() ? app.help() : elegidos.front()->help());
+    return kTodo;
+  } catch (const CLI::ParseError& e) {
+    f.err << EnEspanol(e) << "\nUse --help para ver los argumentos.\n";
+    return kUso;
+  }
+
+  std::unique_ptr<ports::Clock> reloj;
+  if (t.hoy.empty())
+    reloj = std::make_unique<app::RelojSistema>();
+  else
+    reloj = std::make_unique<ports::RelojFijo>(*LeerFecha(t.hoy, true));
+  if (v_importar->parsed() || v_revisar->parsed())
+    return Importar(Completar(importar, t, v_revisar->parsed()), carpeta, *reloj, f);
+  if (v_formula->parsed()) return Formula(formula, *reloj, f);
+  if (v_consulta->parsed()) return Consulta(consulta, *reloj, f);
+  demo.programa = programa;
+  demo.mes = t.mes.empty() ? base::PrimerDiaDelMes(reloj->Hoy()) : *LeerFecha(t.mes, false);
+  return Demo(demo, *reloj, f);
+}
+
+}  // namespace cli

@@ -1,0 +1,68 @@
+#include <string>
+
+#include "app/conector.h"
+#include "base/text.h"
+#include "cli/salida.h"
+#include "cli/verbos.h"
+
+namespace cli {
+namespace {
+
+constexpr char kSeparador = ',';
+
+void EscribirFilas(std::ostream& out, const db::Recordset& rs) {
+  const std::size_t ancho = rs.Campos().size();
+  for (std::size_t i = 0; i < ancho; ++i)
+    out << (i > 0 ? std::string(1, kSeparador) : std::string())
+        << CeldaCsv(rs.Campos()[i].nombre, kSeparador);
+  if (ancho > 0) out << '\n';
+  for (std::size_t fila = 0; fila < rs.Cantidad(); ++fila) {
+    for (std::size_t i = 0; i < ancho; ++i) {
+      if (i > 0) out << kSeparador;
+      out << CeldaCsv(rs.En(i, fila).TextoCsv(), kSeparador);
+    }
+    out << '\n';
+  }
+}
+
+bool Correr(db::Connection& conexion, const std::string& sql, bool escribir, Flujos f) {
+  try {
+    const db::Recordset rs = escribir ? conexion.Ejecutar(sql) : conexion.Consultar(sql);
+    if (rs.Campos().empty())
+      f.err << "Filas afectadas: " << conexion.FilasAfectadas() << '\n';
+    else
+      EscribirFilas(f.out, rs);
+    return true;
+  } catch (const base::Error& e) {
+    f.err << e.Descripcion() << '\n';
+    return false;
+  }
+}
+
+}  // namespace
+
+int Consulta(const OpcionesConsulta& o, const ports::Clock& reloj, Flujos f) {
+  app::Conexion c = app::AbrirReferencia(o.base, reloj);
+  if (c.conexion == nullptr) {
+    f.err << c.motivo << '\n';
+    return kSinBase;
+  }
+  bool bien = true;
+  if (o.sql != "-") {
+    bien = Correr(*c.conexion, o.sql, o.escribir, f);
+  } else {
+    bool primera = true;
+    for (std::string linea; std::getline(f.in, linea);) {
+      if (!linea.empty() && linea.back() == '\r') linea.pop_back();
+      if (base::TrimVista(linea).empty()) continue;
+      if (!primera) f.out << '\n';  // results are parted by an empty line
+      primera = false;
+      bien = Correr(*c.conexion, linea, o.escribir, f) && bien;
+    }
+  }
+  f.out.flush();
+  if (!f.out.good()) return kEntradaSalida;
+  return bien ? kTodo : kAlgunaNo;
+}
+
+}  // namespace cli

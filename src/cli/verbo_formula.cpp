@@ -1,0 +1,40 @@
+#include <string>
+
+#include "app/conector.h"
+#include "base/text.h"
+#include "cli/consola.h"
+#include "cli/verbos.h"
+#include "formula/evaluator.h"
+
+namespace cli {
+
+int Formula(const OpcionesFormula& o, const ports::Clock& reloj, Flujos f) {
+  db::DbSession sesion;
+  sesion.reloj = &reloj;
+  if (!o.base.empty()) {
+    app::Conexion c = app::AbrirReferencia(o.base, reloj);
+    if (c.conexion == nullptr) {
+      f.err << c.motivo << '\n';
+      return kSinBase;
+    }
+    sesion.conexion = std::move(c.conexion);
+  }
+  Consola consola(f.err);
+  formula::Evaluador ev;
+  ev.sesion = &sesion;
+  ev.prompts = &consola;
+  ev.reloj = &reloj;
+  if (o.expresion != "-") {
+    f.out << formula::EvaluarTexto(ev, o.expresion) << '\n';
+  } else {
+    for (std::string linea; std::getline(f.in, linea);) {
+      if (!linea.empty() && linea.back() == '\r') linea.pop_back();
+      const std::string resultado = formula::EvaluarTexto(ev, base::Reemplazar(linea, "\\r\\n", base::kCrLf));
+      f.out << base::Reemplazar(base::Reemplazar(resultado, base::kCrLf, "\\r\\n"), "\n", "\\n") << '\n';
+    }
+  }
+  f.out.flush();
+  return f.out.good() ? kTodo : kEntradaSalida;
+}
+
+}  // namespace cli

@@ -1,0 +1,50 @@
+// The verbs, one structure of options and one function each. They return exit codes.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/date.h"
+#include "cli/codigos.h"
+#include "cli/lineas_de_comandos.h"
+#include "ports/clock.h"
+
+namespace cli {
+
+enum class Formato { Tabla, Csv };
+
+struct OpcionesImportar {
+  std::string base, archivo;
+  base::Fecha mes;
+  std::optional<long long> liquidacion;                       // value of the entry of cmbLiquidaciones
+  std::optional<long long> cc;                                // value of the entry of cmbAgrupa
+  std::optional<std::string> ajustes;                         // path; without it the program folder's file
+  std::vector<std::pair<std::string, std::string>> opciones;  // keys of the settings file
+  bool filtro_texto = false;
+  Formato salida = Formato::Tabla;
+  bool solo_revisar = false;
+};
+int Importar(const OpcionesImportar& opciones, const std::string& carpeta, const ports::Clock& reloj,
+             Flujos flujos);
+
+struct OpcionesFormula {
+  std::string expresion;  // "-": one a line from the input
+  std::string base;       // may be empty
+};
+int Formula(const OpcionesFormula& opciones, const ports::Clock& reloj, Flujos flujos);
+
+struct OpcionesConsulta {
+  std::string base, sql;  // "-": one statement a line from the input
+  bool escribir = false;
+};
+int Consulta(const OpcionesConsulta& opciones, const ports::Clock& reloj, Flujos flujos);
+
+struct OpcionesDemo {
+  std::string carpeta, programa;
+  base::Fecha mes;
+};
+int Demo(const OpcionesDemo& opciones, const ports::Clock& reloj, Flujos flujos);
+
+}  // namespace cli
