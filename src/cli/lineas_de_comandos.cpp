@@ -53,7 +53,7 @@ CLI::Validator Fecha(bool con_dia) {
         if (LeerFecha(texto, con_dia)) return std::string();
         return "'" + texto + "' no es " + (con_dia ? "una fecha AAAA-MM-DD" : "un mes AAAA-MM");
       },
-      con_dia ? "AAAA-MM-DD" : "AAAA-MM");
+      "");
 }
 
 bool EsClaveDeAjustes(const std::string& clave) {
@@ -71,17 +71,31 @@ CLI::Validator ClaveYValor() {
         if (!EsClaveDeAjustes(clave)) return "'" + clave + "' no es una clave del archivo de ajustes";
         return std::string();
       },
-      "CLAVE=VALOR");
+      "");
+}
+
+CLI::Validator UnaDe(std::vector<std::string> palabras) {
+  return CLI::Validator(
+      [palabras = std::move(palabras)](std::string& texto) {
+        if (std::find(palabras.begin(), palabras.end(), texto) != palabras.end()) return std::string();
+        return "'" + texto + "' no es ninguna de: " + base::Join(palabras, ", ");
+      },
+      "");
 }
 
 void OpcionHoy(CLI::App* verbo, Textos& t) {
-  verbo->add_option("--hoy", t.hoy, "Fija la fecha de hoy, para repetir una corrida")->check(Fecha(true));
+  verbo->add_option("--hoy", t.hoy, "Fija la fecha de hoy, para repetir una corrida")
+      ->check(Fecha(true))
+      ->type_name("AAAA-MM-DD");
 }
 
 void OpcionesDeImportar(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
   verbo->add_option("--base", o.base, "Base de datos: un archivo, o ConfBase.cfg")->required();
   verbo->add_option("--archivo", o.archivo, "Archivo de horas a importar")->required();
-  verbo->add_option("--mes", t.mes, "Mes de las liquidaciones")->required()->check(Fecha(false));
+  verbo->add_option("--mes", t.mes, "Mes de las liquidaciones")
+      ->required()
+      ->check(Fecha(false))
+      ->type_name("AAAA-MM");
   verbo->add_option("--liquidacion", o.liquidacion, "Valor del tipo de liquidación (0: Sueldos, lo normal)");
   verbo->add_option("--cc", o.cc, "Número del centro de costo de toda la importación");
   verbo->add_option("--ajustes", o.ajustes, "Archivo de ajustes, en lugar del de la carpeta del programa");
@@ -90,11 +104,14 @@ void OpcionesDeImportar(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
                    "Cambia una clave de los ajustes para esta corrida (un fin de línea se escribe \\r\\n)")
       ->check(ClaveYValor())
       ->take_all()
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->type_name("CLAVE=VALOR");
   verbo->add_option("--filtro", t.filtro, "Filtro: relacion (lo normal) o texto")
-      ->check(CLI::IsMember({"relacion", "texto"}));
+      ->check(UnaDe({"relacion", "texto"}))
+      ->type_name("relacion|texto");
   verbo->add_option("--salida", t.salida, "Forma del resultado: tabla (lo normal) o csv")
-      ->check(CLI::IsMember({"tabla", "csv"}));
+      ->check(UnaDe({"tabla", "csv"}))
+      ->type_name("tabla|csv");
   OpcionHoy(verbo, t);
 }
 
@@ -114,6 +131,8 @@ OpcionesImportar Completar(OpcionesImportar o, const Textos& t, bool solo_revisa
 // The parser's own messages, said in Spanish.
 std::string EnEspanol(const CLI::ParseError& e) {
   const std::string nombre = e.get_name(), texto = e.what();
+  if (nombre == "RequiredError" && base::Contiene(texto, "subcommand"))
+    return "Falta el verbo: importar, revisar, formula, consulta o demo";
   if (nombre == "RequiredError") return "Falta un argumento: " + base::Reemplazar(texto, " is required", "");
   if (nombre == "ExtrasError") return "Argumento desconocido: " + texto.substr(texto.find(':') + 1);
   if (nombre == "ArgumentMismatch") return "Falta el valor de un argumento, o sobra: " + texto;
@@ -155,7 +174,6 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
              const std::string& carpeta, Flujos f) {
   CLI::App app("Importa las horas de un reloj en las liquidaciones de un mes de la base de sueldos.",
                "importdemarcas-cli");
-  app.set_help_flag("-h,--help", "Muestra esta ayuda");
   app.get_formatter()->label("OPTIONS", "OPCIONES");
   app.get_formatter()->label("SUBCOMMAND", "VERBO");
   app.get_formatter()->label("Subcommands", "Verbos");
@@ -165,7 +183,9 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   app.get_formatter()->label("REQUIRED", "(obligatorio)");
   app.get_formatter()->label("TEXT", "TEXTO");
   app.get_formatter()->label("INT", "NÚMERO");
+  app.option_defaults()->group("Opciones");
   app.footer(kCodigos);
+  app.set_help_flag("-h,--help", "Muestra esta ayuda")->group("Opciones");
   app.require_subcommand(1);
 
   Textos t;
@@ -194,9 +214,15 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   OpcionHoy(v_consulta, t);
   CLI::App* v_demo = app.add_subcommand("demo", "Crea una base de muestra con sus archivos y ajustes");
   v_demo->add_option("CARPETA", demo.carpeta, "Carpeta donde crearlos")->required();
-  v_demo->add_option("--mes", t.mes, "Mes de la muestra (el corriente si no se dice)")->check(Fecha(false));
+  v_demo->add_option("--mes", t.mes, "Mes de la muestra (el corriente si no se dice)")
+      ->check(Fecha(false))
+      ->type_name("AAAA-MM");
   OpcionHoy(v_demo, t);
-  for (CLI::App* verbo : app.get_subcommands({})) verbo->footer(kCodigos);
+  for (CLI::App* verbo : app.get_subcommands({})) {
+    verbo->group("Verbos");
+    verbo->set_help_flag("-h,--help", "Muestra esta ayuda")->group("Opciones");
+    verbo->footer(kCodigos);
+  }
 
   try {
     std::vector<std::string> al_reves = ConExpresionAlFinal(argumentos);
