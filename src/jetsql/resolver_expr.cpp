@@ -62,6 +62,11 @@ void Resolutor::Resolver(ExprPtr& e, const Contexto& c) {
   }
 }
 
+void Resolutor::ResolverSuelta(ExprPtr& e) {
+  const Ambito ninguno;
+  Resolver(e, {ninguno});
+}
+
 void Resolutor::ResolverSubconsulta(Expr& e, const Contexto& c, bool una_columna) {
   Resolver(*e.consulta, &c.ambito);
   if (una_columna && e.consulta->salida.size() != 1)

@@ -26,6 +26,7 @@ class Resolutor {
   void Resolver(Insercion& s);
   void Resolver(Actualizacion& s);
   void Resolver(Borrado& s);
+  void ResolverSuelta(ExprPtr& e);                          // that names no table
   const TablaInfo& TablaDe(std::string_view nombre) const;  // throws when there is none
 
   // Literals that decided something, in any order.

@@ -10,6 +10,11 @@
 namespace jetsql {
 namespace {
 
+bool EsDefinicion(const Sentencia& s) {
+  return !std::holds_alternative<ConsultaPtr>(s) && !std::holds_alternative<Insercion>(s) &&
+         !std::holds_alternative<Actualizacion>(s) && !std::holds_alternative<Borrado>(s);
+}
+
 // Definition statements hold their literals in the text, where SQLite takes no parameters.
 void FijarTodos(std::string_view sql, Traduccion& t) {
   Forma forma;
@@ -24,6 +29,7 @@ class Traductor {
 
   Traduccion Hacer() {
     Sentencia s = Analizar(sql_);
+    if (EsDefinicion(s)) s = Analizar(sql_, Literales::EnTexto);
     std::visit([&](auto& x) { Una(x); }, s);
     t_.determinista = resolutor_.Determinista();
     for (const int i : resolutor_.Fijos()) t_.fijos.push_back(i);

@@ -35,10 +35,12 @@ std::string Rango(const std::string& columna, std::string_view desde, std::strin
          std::string(desde) + " AND " + std::string(hasta) + ")";
 }
 
-std::string Defecto(const DefColumna& c) {
+std::string Defecto(const DefColumna& c, const Catalogo& catalogo) {
   if (!c.defecto) return c.clase == ClaseColumna::SiNo ? " DEFAULT 0" : "";
+  ExprPtr valor = c.defecto;
+  Resolutor(catalogo).ResolverSuelta(valor);
   Escritor e({});
-  e.EscribirValor(*c.defecto, De(c.clase).tipo);
+  e.EscribirValor(*valor, De(c.clase).tipo);
   return " DEFAULT (" + std::move(e).Texto() + ")";
 }
 
@@ -52,7 +54,7 @@ std::string Referir(const Referencia& r) {
   return sql;
 }
 
-std::string ColumnaSql(const DefColumna& c, bool no_nulo) {
+std::string ColumnaSql(const DefColumna& c, bool no_nulo, const Catalogo& catalogo) {
   std::string sql = NombreSql(c.nombre) + " " + std::string(De(c.clase).sql);
   if (c.clase == ClaseColumna::Contador) return sql + " PRIMARY KEY AUTOINCREMENT";
   if (c.clase == ClaseColumna::Texto)
@@ -61,7 +63,7 @@ std::string ColumnaSql(const DefColumna& c, bool no_nulo) {
     sql += " NOT NULL ON CONFLICT REPLACE";  // a Null is stored as False
   else if (no_nulo)
     sql += " NOT NULL";
-  sql += Defecto(c);
+  sql += Defecto(c, catalogo);
   if (c.clase == ClaseColumna::Byte) sql += Rango(c.nombre, "0", "255");
   if (c.clase == ClaseColumna::Corto) sql += Rango(c.nombre, "-32768", "32767");
   if (c.clase == ClaseColumna::Largo) sql += Rango(c.nombre, "-2147483648", "2147483647");
@@ -148,7 +150,7 @@ void Definir(const CrearTabla& s, const Catalogo& catalogo, Traduccion& t) {
       no_nulo = no_nulo || ((r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::NoNulo) &&
                             EstaEn(r.columnas, c.nombre));
     if (i > 0) sql += ", ";
-    sql += ColumnaSql(c, no_nulo);
+    sql += ColumnaSql(c, no_nulo, catalogo);
   }
   t.pasos.emplace_back();
   for (const auto& c : s.columnas)
@@ -242,7 +244,7 @@ void Definir(const AlterarTabla& s, const Catalogo& catalogo, Traduccion& t) {
       for (const auto& otra : tabla.columnas)
         if (base::IgualSinCaso(otra.nombre, c.nombre))
           throw base::Error("La columna '" + c.nombre + "' ya existe");
-      t.pasos.push_back(alterar + " ADD COLUMN " + ColumnaSql(c, false));
+      t.pasos.push_back(alterar + " ADD COLUMN " + ColumnaSql(c, false, catalogo));
       if (c.clave || c.unica) t.pasos.push_back(IndiceUnico(tabla.nombre, NombreDeClave(c), {c.nombre}));
       if ((c.clave || c.no_nulo) && c.clase != ClaseColumna::SiNo)
         RefusarNulos(tabla.nombre, NombreDeClave(c), {c.nombre}, t.pasos);

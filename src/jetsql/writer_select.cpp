@@ -94,15 +94,16 @@ void Escritor::Lista(const Seleccion& s, const ModoLista& modo) {
   for (std::size_t i = 0; i < s.lista.size(); ++i) {
     if (i > 0) t_ += ", ";
     const Expr& e = *s.lista[i].expr;
+    const TipoExpr salida = modo.salida != nullptr ? (*modo.salida)[i].tipo : e.tipo;
+    const bool compara = (modo.cotejar || s.distincion == Distincion::Distinct) && PuedeSerTexto(salida) &&
+                         !e.tipo.nulo && !Cotejada(e);
     if (modo.destinos != nullptr)
       Asignado(e, (*modo.destinos)[i]);
-    else if (modo.salida != nullptr && (*modo.salida)[i].tipo.tipo == base::Tipo::Texto &&
-             EsCantidad(e.tipo.tipo))
+    else if (salida.tipo == base::Tipo::Texto && EsCantidad(e.tipo.tipo))
       Texto(e);  // a date or boolean in a column of texts
-    else if (modo.cotejar || s.distincion == Distincion::Distinct)
-      Cotejado(e, 0);
     else
-      Valor(e);
+      Valor(e, compara ? fuerza::kCollate : 0);
+    if (compara) t_ += " COLLATE JET";
     if (!modo.nombres) continue;
     t_ += " AS ";
     Nombre(s.lista[i].nombre_sql);
