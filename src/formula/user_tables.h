@@ -24,8 +24,9 @@ struct ValorDeTabla {
 // The values as the last load found them. Look-ups by table and code are indexed.
 class TablasUsuario {
  public:
-  // id_Tabla -1: all tables of the company. Throws base::Error with the source and description of a missing
-  // or closed connection; a failing statement leaves the cache empty and throws db::Error.
+  // id_Tabla -1: all tables of the company; another: the values of that table are then all there is. Throws
+  // base::Error with the source and description of a missing or closed connection; a failing statement leaves
+  // the cache empty and throws db::Error.
   void CargarTablasUsuario(const db::DbSession& sesion, std::int32_t id_Tabla);
   // The values of one code, by date; fields id, id_Tabla, Codigo, Valor, Fecha (as dd/MM/yyyy). Not an array
   // when none.

@@ -14,8 +14,8 @@
 namespace formula {
 
 // Insert (insertar true): posicion -1 appends and receives the new record's index; another inserts there. In
-// two dimensions the value is split at "*" into fields; a part that is exactly "^" leaves its field as it was
-// (empty in a new record). On what is not yet an array, or is empty, it makes a one-record vector of the
+// two dimensions the value is split at "*" into fields; a part that is exactly "^" keeps what the place held
+// before (nothing, at the end). On what is not yet an array, or is empty, it makes a one-record vector of the
 // value, of two dimensions when the value holds "*". Remove (insertar false): drops the record at posicion. A
 // position outside does nothing.
 void ManejoVector(Vector& vector, std::string_view valor, std::ptrdiff_t& posicion, bool insertar);
