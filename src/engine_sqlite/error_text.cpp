@@ -103,6 +103,7 @@ constexpr std::array kFrases = {
     Frase{"misuse of aggregate: ", "No se puede usar la función de totales ", " ahí."},
     Frase{"too many terms in compound SELECT", "La sentencia une demasiadas consultas", "."},
     Frase{"too many columns", "La sentencia tiene demasiados campos", "."},
+    Frase{"variable number must be ", "La sentencia tiene demasiados valores", "."},
     Frase{"too many SQL variables", "La sentencia tiene demasiados valores", "."},
     Frase{"too many arguments on function ", "Demasiados argumentos en la función ", "."},
     Frase{"Expression tree is too large", "La sentencia es demasiado larga o anidada", "."},

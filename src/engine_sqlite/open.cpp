@@ -78,6 +78,8 @@ void ConexionSqlite::Configurar(bool en_memoria, const Opciones& opciones) {
   // A name in double quotes that is no column must be an error and not a text.
   sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  // SQLite's own default, which some builds raise: the time to prepare grows with the square of this number.
+  sqlite3_limit(base, SQLITE_LIMIT_VARIABLE_NUMBER, 32766);
   Registrar(base, entorno_);
   // An import is one transaction, so that a full sync at each commit costs nothing that is felt.
   if (!en_memoria && !opciones.solo_lectura)

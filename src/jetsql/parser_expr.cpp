@@ -58,8 +58,12 @@ ExprPtr Parser::Unario(Op op, ExprPtr x) const {
 ExprPtr Parser::Binario(Op op, ExprPtr a, ExprPtr b) const {
   const bool cadena = op == Op::And || op == Op::Or || op == Op::Concat;
   if (cadena && a->nodo == Nodo::Binario && a->op == op) {
+    const int altura = b->altura + 1;
     a->hijos.push_back(std::move(b));
-    Cerrar(*a);
+    if (altura > a->altura) {  // only the new operand is looked at: a chain may have thousands
+      a->altura = altura;
+      Alto(altura);
+    }
     return a;
   }
   auto e = std::make_shared<Expr>(Nodo::Binario);
