@@ -290,10 +290,12 @@ void Escritor::Aritmetica(const Expr& e, int minimo) {
     return;
   }
   const int f = e.op == Op::Por ? fuerza::kPor : fuerza::kSuma;
+  const bool nulo =
+      a.tipo.nulo || b.tipo.nulo;  // then nothing else matters, not even a text that is no number
   Abre(f, minimo);
-  Numero(a, f);
+  nulo ? Valor(a, f) : Numero(a, f);
   t_ += e.op == Op::Por ? " * " : e.op == Op::Suma ? " + " : " - ";
-  Numero(b, f + 1);
+  nulo ? Valor(b, f + 1) : Numero(b, f + 1);
   Cierra(f, minimo);
 }
 
