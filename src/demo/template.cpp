@@ -54,7 +54,9 @@ std::string ExpandirPlantilla(std::string_view plantilla, base::Fecha mes) {
     const std::size_t abre = plantilla.find('{', desde);
     if (abre == plantilla.npos) break;
     const std::size_t cierra = plantilla.find('}', abre);
-    if (cierra == plantilla.npos) MarcaDesconocida(plantilla.substr(abre + 1));
+    if (cierra == plantilla.npos)
+      throw base::Error("Marca sin cerrar en un texto de la demostración: " +
+                        std::string(plantilla.substr(abre)));
     salida += plantilla.substr(desde, abre - desde);
     salida += ValorDeMarca(plantilla.substr(abre + 1, cierra - abre - 1), mes);
     desde = cierra + 1;

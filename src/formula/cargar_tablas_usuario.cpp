@@ -4,15 +4,10 @@
 
 #include "base/format.h"
 #include "formula/sql.h"
-#include "formula/user_tables.h"
+#include "formula/user_tables_internal.h"
 
 namespace formula {
 namespace {
-
-base::Fecha FechaDeValor(const base::Valor& valor) {
-  if (const auto* fecha = valor.Si<base::Fecha>()) return *fecha;
-  return {};
-}
 
 using Clave = std::pair<std::int32_t, std::string_view>;
 
@@ -33,6 +28,7 @@ void TablasUsuario::CargarTablasUsuario(const db::DbSession& sesion, std::int32_
     throw base::Error("La coneccion esta cerrada !!!", 0, "La Coneccion esta cerrada !!!");
   Vaciar();
   const db::Recordset filas = sesion.conexion->Consultar(sql::CargarTablas(sesion.idEmpresa, id_Tabla));
+  const base::Fecha hoy = Hoy(sesion);
   valores_.reserve(filas.Cantidad());
   for (std::size_t i = 0; i < filas.Cantidad(); ++i) {
     ValorDeTabla v;
@@ -40,7 +36,7 @@ void TablasUsuario::CargarTablasUsuario(const db::DbSession& sesion, std::int32_
     v.id_Tabla = filas.En(1, i).Entero();
     v.Codigo = filas.En(2, i).Texto();
     v.Valor = filas.En(3, i).Texto();
-    v.Fecha = FechaDeValor(filas.En(4, i));
+    v.Fecha = FechaDeCelda(filas.En(4, i), hoy);
     tablas_.push_back({v.id_Tabla, static_cast<int>(filas.En(6, i).NumeroOCero())});
     valores_.push_back(std::move(v));
   }

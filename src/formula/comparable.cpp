@@ -52,10 +52,13 @@ int Comparar(const Comparable& a, const Comparable& b) {
   return a.texto.compare(b.texto);
 }
 
-Comparable EvaluarLado(Evaluador& ev, std::string_view texto) {
+std::string TextoDeLado(Evaluador& ev, std::string_view texto) {
   const std::string_view lado = base::TrimVista(texto);
-  if (EsNumero(ev, lado)) return Clasificar(ev, std::string(lado));
-  return Clasificar(ev, base::Mayusculas(Evaluar(ev, lado)));
+  return EsNumero(ev, lado) ? std::string(lado) : base::Mayusculas(Evaluar(ev, lado));
+}
+
+Comparable EvaluarLado(Evaluador& ev, std::string_view texto) {
+  return Clasificar(ev, TextoDeLado(ev, texto));
 }
 
 }  // namespace formula

@@ -1,4 +1,5 @@
 #include <array>
+#include <utility>
 
 #include "base/number.h"
 #include "base/text.h"
@@ -24,10 +25,10 @@ bool CompararPor(Evaluador& ev, std::string_view texto, std::string_view operado
   const std::size_t fin = texto.find(operador);
   std::string_view derecho = texto.substr(fin + operador.size());
   derecho = derecho.substr(0, derecho.find(operador));
-  const Comparable a = EvaluarLado(ev, texto.substr(0, fin));
-  const Comparable b = EvaluarLado(ev, derecho);
-  if (operador == " ENLIST ") return FindInColumn(a.texto, base::Split(b.texto, ",")) >= 0;
-  return Cumple(operador, Comparar(a, b));
+  const std::string izquierdo = TextoDeLado(ev, texto.substr(0, fin));
+  std::string lado = TextoDeLado(ev, derecho);
+  if (operador == " ENLIST ") return FindInColumn(izquierdo, base::Split(lado, ",")) >= 0;
+  return Cumple(operador, Comparar(Clasificar(ev, izquierdo), Clasificar(ev, std::move(lado))));
 }
 
 }  // namespace

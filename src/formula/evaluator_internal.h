@@ -58,7 +58,8 @@ struct Comparable {
 Comparable Clasificar(const Evaluador& ev, std::string texto);
 // <0, 0, >0. Sides of different kinds compare as text.
 int Comparar(const Comparable& a, const Comparable& b);
-// The side as it stands when it is a number, else its value in upper case.
+// A side as it stands when it is a number, else its value in upper case.
+std::string TextoDeLado(Evaluador& ev, std::string_view texto);
 Comparable EvaluarLado(Evaluador& ev, std::string_view texto);
 
 // --- levels

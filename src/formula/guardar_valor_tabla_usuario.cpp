@@ -5,7 +5,7 @@
 #include "base/text.h"
 #include "db/next_id.h"
 #include "formula/sql.h"
-#include "formula/user_tables.h"
+#include "formula/user_tables_internal.h"
 #include "formula/vector_utils.h"
 
 namespace formula {
@@ -17,24 +17,20 @@ constexpr double kSumado = 200;
 
 std::string TextoDe(base::Fecha fecha) { return base::FormatFecha(fecha, "dd/MM/yyyy"); }
 
-base::Fecha Hoy(const db::DbSession& sesion) {
-  return sesion.reloj != nullptr ? sesion.reloj->Hoy() : base::Fecha{};
-}
-
 base::Fecha FechaDe(const Vector& serie, std::size_t i, base::Fecha hoy) {
   return base::FechaDeTexto(serie.Campo(kFecha, i), hoy).value_or(base::Fecha{});
 }
 
 Vector LeerSerie(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo) {
   const db::Recordset filas = sesion.conexion->Consultar(sql::Serie(sesion.idEmpresa, id_Tabla, codigo));
+  const base::Fecha hoy = Hoy(sesion);
   Vector serie;
   if (filas.Vacio()) return serie;
   serie.dimensiones = 2;
   for (std::size_t i = 0; i < filas.Cantidad(); ++i) {
     std::vector<std::string> registro;
     for (std::size_t campo = kId; campo <= kValor; ++campo) registro.push_back(filas.En(campo, i).Texto());
-    const auto* fecha = filas.En(kFecha, i).Si<base::Fecha>();
-    registro.push_back(TextoDe(fecha != nullptr ? *fecha : base::Fecha{}));
+    registro.push_back(TextoDe(FechaDeCelda(filas.En(kFecha, i), hoy)));
     serie.registros.push_back(std::move(registro));
   }
   return serie;

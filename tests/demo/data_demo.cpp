@@ -39,7 +39,10 @@ std::string Filas(const db::Recordset& rs, bool ordenar) {
   std::vector<std::string> filas;
   for (std::size_t f = 0; f < rs.Cantidad(); ++f) {
     std::string fila;
-    for (std::size_t c = 0; c < rs.Campos().size(); ++c) fila += (c > 0 ? "|" : "") + Celda(rs.En(c, f));
+    for (std::size_t c = 0; c < rs.Campos().size(); ++c) {
+      if (c > 0) fila += '|';
+      fila += Celda(rs.En(c, f));
+    }
     filas.push_back(std::move(fila));
   }
   if (ordenar) std::sort(filas.begin(), filas.end());
@@ -96,7 +99,12 @@ std::string Ajustes(const support::Bloque& bloque) {
                       ", ImportarCuotas " + si(s.ImportarCuotas) + ", CCDefEnArch " + si(s.CCDefEnArch) +
                       ", CCEnDE " + si(s.CCEnDE) + ", NoImpCantEn0 " + si(s.NoImpCantEn0) + "\nConfDeAF";
   for (const settings::ColumnaAF& c : s.ConfDeAF)
-    texto += " " + std::to_string(c.campo) + "*" + std::to_string(c.inicio) + "*" + std::to_string(c.largo);
+    texto.append(" ")
+        .append(std::to_string(c.campo))
+        .append("*")
+        .append(std::to_string(c.inicio))
+        .append("*")
+        .append(std::to_string(c.largo));
   return texto;
 }
 
@@ -126,7 +134,8 @@ support::Verbos Preparar() {
   verbos["statements"] = [](const support::Bloque& b) -> std::string {
     try {
       std::vector<std::string> lineas;
-      for (const std::string& s : demo::SepararSentencias(b.entrada)) lineas.push_back("- " + s);
+      for (const std::string& s : demo::SepararSentencias(b.entrada))
+        lineas.push_back(std::string("- ").append(s));
       return base::Join(lineas, "\n");
     } catch (const base::Error& e) {
       return "ERROR " + e.Descripcion();

@@ -31,15 +31,14 @@ std::vector<std::string> Lineas(const std::string& texto) {
 }
 
 std::string Filas(const db::Recordset& rs) {
-  std::string salida;
+  std::vector<std::string> filas;
   for (std::size_t fila = 0; fila < rs.Cantidad(); ++fila) {
-    if (fila > 0) salida += "\n";
-    for (std::size_t campo = 0; campo < rs.Campos().size(); ++campo) {
-      if (campo > 0) salida += "|";
-      salida += rs.En(campo, fila).EsNulo() ? "NULL" : Celda(rs.En(campo, fila).TextoCsv());
-    }
+    std::vector<std::string> celdas;
+    for (std::size_t campo = 0; campo < rs.Campos().size(); ++campo)
+      celdas.push_back(rs.En(campo, fila).EsNulo() ? "NULL" : Celda(rs.En(campo, fila).TextoCsv()));
+    filas.push_back(base::Join(celdas, "|"));
   }
-  return salida;
+  return base::Join(filas, "\n");
 }
 
 std::string Sentencias(ConexionTestigo& conexion) {
@@ -87,10 +86,9 @@ BaseDePrueba::BaseDePrueba() {
   conexion->sentencias.clear();
 }
 
-std::string BaseDePrueba::Avisos() {
-  std::string salida;
-  for (const auto& caja : prompts.cajas) salida += caja + "\n";
-  for (const auto& error : errores) salida += "noted " + error.donde + "\n";
+std::vector<std::string> BaseDePrueba::Avisos() {
+  std::vector<std::string> salida = prompts.cajas;
+  for (const auto& error : errores) salida.push_back(base::Join({"noted", error.donde}, " "));
   prompts.cajas.clear();
   errores.clear();
   return salida;

@@ -78,8 +78,8 @@ struct BaseDePrueba {
   PromptsAnotados prompts;
   base::SumideroErrores errores;
 
-  // The boxes and noted errors since the last call, one a line; the noted errors by their place alone.
-  std::string Avisos();
+  // The boxes and noted errors since the last call; the noted errors by their place alone.
+  std::vector<std::string> Avisos();
 };
 
 // The verbs that prepare and look at the base; the tables of the reference data are there from the start.

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "base/text.h"
 #include "refdata/base_de_prueba.h"
@@ -42,70 +44,74 @@ std::string TextoSql(const Bloque& b) {
 }
 
 // personas mes=2024-02-01: what was shown and noted, then the rows; all eleven columns with the word "todo",
-// else contract, given name and surname.
+// else contract and given name.
 std::string Personas(Estado& e, const Bloque& b) {
   const bool hecho = refdata::CargarVecDePersonas(e.base->sesion, FechaDeIso(b.Opcion("mes")), e.personas,
                                                   e.base->prompts, &e.base->errores);
-  std::string salida = e.base->Avisos();
-  if (!hecho) salida += "not loaded\n";
+  std::vector<std::string> lineas = e.base->Avisos();
+  if (!hecho) lineas.push_back("not loaded");
   for (std::size_t fila = 0; fila < e.personas.Cantidad(); ++fila) {
+    std::vector<std::string> celdas;
     for (int columna = 0; columna < static_cast<int>(refdata::kColumnasPersona); ++columna)
       if (b.Tiene("todo") || columna == refdata::kContrato || columna == refdata::kNombre)
-        salida += (columna == 0 ? "" : "|") + Celda(e.personas.Texto(columna, fila));
-    salida += "\n";
+        celdas.push_back(Celda(e.personas.Texto(columna, fila)));
+    lineas.push_back(base::Join(celdas, "|"));
   }
-  return salida.empty() ? salida : salida.substr(0, salida.size() - 1);
+  return base::Join(lineas, "\n");
 }
 
 // buscar columna=2: each key of the input, its row.
 std::string Buscar(const Estado& e, const Bloque& b) {
-  std::string salida;
+  std::vector<std::string> filas;
   for (const auto& clave : base::Split(b.entrada, "\n"))
-    salida += (salida.empty() ? "" : " ") + std::to_string(e.personas.Buscar(clave == "(empty)" ? "" : clave,
-                                                                             std::stoi(b.Opcion("columna"))));
-  return salida;
+    filas.push_back(
+        std::to_string(e.personas.Buscar(clave == "(empty)" ? "" : clave, std::stoi(b.Opcion("columna")))));
+  return base::Join(filas, " ");
+}
+
+std::string Item(const formula::ItemLista& item) {
+  return base::Join({std::to_string(item.dato), item.texto}, "=");
 }
 
 std::string Items(const formula::ListControl& combo) {
-  std::string salida = combo.visible ? "" : "hidden ";
-  salida += "[" + std::to_string(combo.ListIndex) + "]";
-  for (const auto& item : combo.items) salida += " " + std::to_string(item.dato) + "=" + item.texto + ";";
+  std::string salida = combo.visible ? "[" : "hidden [";
+  salida.append(std::to_string(combo.ListIndex)).append("]");
+  for (const auto& item : combo.items) salida.append(" ").append(Item(item)).append(";");
   return salida;
 }
 
 // conceptos: item "datum=text" and the entry behind it; an entry without an item stands alone.
 std::string Conceptos(Estado& e, const Bloque&) {
   refdata::ActuLSTdeConceptos(e.base->sesion, e.base->opciones, e.conceptos, &e.base->errores);
-  std::string salida = e.base->Avisos();
+  std::vector<std::string> lineas = e.base->Avisos();
   const auto& items = e.conceptos.cmbConceptos.items;
-  for (std::size_t i = 0; i < std::max(items.size(), e.conceptos.tabla.Cantidad()); ++i) {
-    salida += i < items.size() ? std::to_string(items[i].dato) + "=" + items[i].texto : "no item";
-    salida += " <-";
-    if (i >= e.conceptos.tabla.Cantidad())
-      salida += " no entry";
-    else
-      for (std::size_t campo = 0; campo < 5; ++campo)
-        salida += " " + Celda(e.conceptos.tabla.Campo(campo, i));
-    salida += "\n";
+  const auto& tabla = e.conceptos.tabla;
+  for (std::size_t i = 0; i < std::max(items.size(), tabla.Cantidad()); ++i) {
+    std::vector<std::string> piezas{i < items.size() ? Item(items[i]) : "no item", "<-"};
+    if (i >= tabla.Cantidad()) piezas.push_back("no entry");
+    for (std::size_t campo = 0; i < tabla.Cantidad() && campo < tabla.registros[i].size(); ++campo)
+      piezas.push_back(Celda(tabla.Campo(campo, i)));
+    lineas.push_back(base::Join(piezas, " "));
   }
-  return salida.empty() ? salida : salida.substr(0, salida.size() - 1);
+  return base::Join(lineas, "\n");
 }
 
 // entrada: the entry of each id of the input.
 std::string Entrada(const Estado& e, const Bloque& b) {
-  std::string salida;
+  std::vector<std::string> entradas;
   for (const auto& id : base::Split(b.entrada, "\n"))
-    salida += (salida.empty() ? "" : " ") + std::to_string(e.conceptos.Buscar(id));
-  return salida;
+    entradas.push_back(std::to_string(e.conceptos.Buscar(id)));
+  return base::Join(entradas, " ");
 }
 
 // elegir n: what the click on item n shows.
 std::string Elegir(Estado& e, const Bloque& b) {
   e.conceptos.cmbConceptos.ListIndex = std::stoi(b.opciones.at(0));
   const auto elegido = refdata::ElegirConcepto(e.base->sesion, e.base->opciones, e.conceptos, e.tipos);
-  return "lblConcepto=" + Celda(elegido.lblConcepto) + (elegido.vaciar_txtTipo ? " txtTipo emptied" : "") +
-         (e.tipos.cmbAgrupaDef.enabled ? " cmbAgrupaDef enabled" : " cmbAgrupaDef disabled") +
-         (e.tipos.lblAgrupaDef_visible ? " lblAgrupaDef shown" : " lblAgrupaDef hidden");
+  std::string salida("lblConcepto=");
+  salida.append(Celda(elegido.lblConcepto)).append(elegido.vaciar_txtTipo ? " txtTipo emptied" : "");
+  salida.append(e.tipos.cmbAgrupaDef.enabled ? " cmbAgrupaDef enabled" : " cmbAgrupaDef disabled");
+  return salida.append(e.tipos.lblAgrupaDef_visible ? " lblAgrupaDef shown" : " lblAgrupaDef hidden");
 }
 
 // tipos: all that CargarTiposLiquidacion leaves; with a name, that part alone.
@@ -113,20 +119,23 @@ std::string Tipos(Estado& e, const Bloque& b) {
   const bool replantear =
       refdata::CargarTiposLiquidacion(e.base->sesion, e.base->opciones, e.tipos, &e.base->errores);
   const auto& t = e.tipos;
-  std::string salida = e.base->Avisos();
+  std::vector<std::string> lineas = e.base->Avisos();
   const auto parte = [&](const std::string& nombre, const std::string& texto) {
-    if (b.opciones.empty() || b.Tiene(nombre)) salida += nombre + ": " + texto + "\n";
+    if (b.opciones.empty() || b.Tiene(nombre)) lineas.push_back(base::Join({nombre, texto}, ": "));
+  };
+  const auto rotulo = [](const std::string& texto, bool visible) {
+    return visible ? texto : base::Join({"hidden", texto}, " ");
   };
   parte("TypeCondition", Celda(t.TypeCondition));
   parte("CalendarCondition", Celda(t.CalendarCondition));
   parte("cmbLiquidaciones", Items(t.cmbLiquidaciones));
   parte("cmbAgrupa", Items(t.cmbAgrupa));
   parte("cmbAgrupaDef", Items(t.cmbAgrupaDef));
-  parte("lblAgrupa", (t.lblAgrupa_visible ? "" : "hidden ") + t.lblAgrupa);
-  parte("lblAgrupaDef", (t.lblAgrupaDef_visible ? "" : "hidden ") + t.lblAgrupaDef);
-  parte("CC", (t.CC_visible ? "shown " : "hidden ") + std::to_string(t.CC_ancho));
+  parte("lblAgrupa", rotulo(t.lblAgrupa, t.lblAgrupa_visible));
+  parte("lblAgrupaDef", rotulo(t.lblAgrupaDef, t.lblAgrupaDef_visible));
+  parte("CC", base::Join({t.CC_visible ? "shown" : "hidden", std::to_string(t.CC_ancho)}, " "));
   parte("layout", replantear ? "again" : "as it is");
-  return salida.substr(0, salida.size() - 1);
+  return base::Join(lineas, "\n");
 }
 
 support::Verbos Preparar() {

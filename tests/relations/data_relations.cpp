@@ -2,7 +2,9 @@
 #include <map>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "base/text.h"
 #include "refdata/base_de_prueba.h"
@@ -39,22 +41,30 @@ std::string TextoSql(const Bloque& b) {
   throw std::runtime_error("unknown statement " + cual);
 }
 
-std::string Tabla(const Estado& e) {
-  std::string salida;
-  for (std::size_t i = 0; i < e.relaciones.Cantidad(); ++i) {
-    for (std::size_t campo = 0; campo < e.relaciones.Tabla().registros[i].size(); ++campo)
-      salida += (campo == 0 ? "" : "|") + Celda(e.relaciones.Tabla().Campo(campo, i));
-    salida += "\n";
-  }
-  return salida.empty() ? salida : salida.substr(0, salida.size() - 1);
+std::string Celdas(const std::vector<std::string>& celdas) {
+  std::vector<std::string> salida;
+  for (const auto& celda : celdas) salida.push_back(Celda(celda));
+  return base::Join(salida, "|");
 }
 
+std::vector<std::string> LineasDeTabla(const Estado& e) {
+  std::vector<std::string> lineas;
+  for (const auto& registro : e.relaciones.Tabla().registros) lineas.push_back(Celdas(registro));
+  return lineas;
+}
+
+std::string Tabla(const Estado& e) { return base::Join(LineasDeTabla(e), "\n"); }
+
 std::string Grid(const Estado& e) {
-  std::string salida;
+  std::vector<std::string> lineas;
   for (const auto& fila : e.relaciones.Grid())
-    salida += (salida.empty() ? "" : "\n") + Celda(fila.Codigo) + "|" + Celda(fila.Nombre) + "|" +
-              Celda(fila.CodigosVincConReloj) + "|" + Celda(fila.CC);
-  return salida;
+    lineas.push_back(Celdas({fila.Codigo, fila.Nombre, fila.CodigosVincConReloj, fila.CC}));
+  return base::Join(lineas, "\n");
+}
+
+std::string Unidas(std::vector<std::string> lineas, const std::vector<std::string>& mas) {
+  lineas.insert(lineas.end(), mas.begin(), mas.end());
+  return base::Join(lineas, "\n");
 }
 
 // levantar: the input lines "KEY=value" make the settings text, those of one key joined with CR LF.
@@ -63,21 +73,20 @@ std::string Levantar(Estado& e, const Bloque& b) {
   for (const auto& linea : Lineas(b.entrada)) {
     const auto igual = linea.find('=');
     const auto [it, nuevo] = valores.emplace(linea.substr(0, igual), "");
-    it->second += (nuevo ? "" : "\r\n") + linea.substr(igual + 1);
+    it->second.append(nuevo ? "" : "\r\n").append(linea.substr(igual + 1));
   }
   std::string ajustes;
   for (const auto& [clave, valor] : valores) ajustes = settings::TextoConValor(ajustes, clave, valor);
   relations::LevantarRelaciones(e.base->sesion, e.base->opciones, ajustes, e.relaciones, &e.base->errores);
-  return e.base->Avisos() + Tabla(e);
+  return Unidas(e.base->Avisos(), LineasDeTabla(e));
 }
 
 // pos: the relation of each code of the input.
 std::string Pos(const Estado& e, const Bloque& b) {
-  std::string salida;
+  std::vector<std::string> relaciones;
   for (const auto& codigo : base::Split(b.entrada, "\n"))
-    salida += (salida.empty() ? "" : " ") +
-              std::to_string(e.relaciones.PosEnVecConc(codigo == "(empty)" ? "" : codigo));
-  return salida;
+    relaciones.push_back(std::to_string(e.relaciones.PosEnVecConc(codigo == "(empty)" ? "" : codigo)));
+  return base::Join(relaciones, " ");
 }
 
 // registro: the input lines are combo text, colour, txtTipo, concept id, lblConcepto and cost centre.
@@ -104,9 +113,10 @@ std::string Editar(const Estado& e, const Bloque& b) {
   const auto edicion =
       relations::EdicionDe(e.relaciones, static_cast<std::size_t>(std::stoi(b.opciones.at(0))),
                            ComboDe(b.Opcion("conceptos")), ComboDe(b.Opcion("agrupa")));
-  return "txtTipo=" + Celda(edicion.txtTipo) + " color=" + std::to_string(edicion.color) +
-         " cmbConceptos=" + std::to_string(edicion.cmbConceptos) +
-         " cmbAgrupaDef=" + std::to_string(edicion.cmbAgrupaDef);
+  std::string salida("txtTipo=");
+  salida.append(Celda(edicion.txtTipo)).append(" color=").append(std::to_string(edicion.color));
+  salida.append(" cmbConceptos=").append(std::to_string(edicion.cmbConceptos));
+  return salida.append(" cmbAgrupaDef=").append(std::to_string(edicion.cmbAgrupaDef));
 }
 
 std::string Rechazo(const Bloque& b) {
@@ -142,7 +152,7 @@ support::Verbos Preparar() {
   };
   verbos["guardar"] = [e](const Bloque&) {
     relations::GuardarRelacionesEnBase(e->base->sesion, e->relaciones, &e->base->errores);
-    return e->base->Avisos() + base::Join(std::exchange(e->base->conexion->sentencias, {}), "\n");
+    return Unidas(e->base->Avisos(), std::exchange(e->base->conexion->sentencias, {}));
   };
   verbos["registro"] = Registro;
   verbos["editar"] = [e](const Bloque& b) { return Editar(*e, b); };
