@@ -23,7 +23,7 @@ void Programa::GuardarOpciones() {
   const auto bytes = base::LeerArchivo(ruta);
   if (!bytes && base::ExisteArchivo(ruta)) return;  // what cannot be read is not replaced
   std::optional<std::string> conceptos;
-  if (!e_.opciones.MismoCodigoDeOrsa) conceptos = e_.relaciones.Texto();
+  if (!e_.opciones.MismoCodigoDeOrsa && !e_.relaciones.carga_fallida) conceptos = e_.relaciones.Texto();
   const std::string texto =
       settings::TextoConSettings(base::DeCp1252(bytes.value_or("")), e_.opciones, conceptos);
   base::EscribirArchivo(ruta, base::ACp1252(texto));

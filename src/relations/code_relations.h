@@ -35,6 +35,9 @@ class CodeRelations {
   const formula::Vector& Tabla() const { return tabla_; }
   const std::vector<FilaGridRelaciones>& Grid() const { return grid_; }
   std::int32_t tipo_dato_externo = 0;  // TomaConceptosDeBD
+  // The last load's query failed: the table is empty because it could not be read, not because there is
+  // nothing. Until a load succeeds nothing is saved over what could not be read.
+  bool carga_fallida = false;
 
   // First relation whose external codes hold "," + code + "," (exact, letter case included), or -1. The code
   // may be any text. Constant time for a code without commas; the answers for others are remembered.

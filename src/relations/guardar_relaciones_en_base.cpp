@@ -16,7 +16,7 @@ std::string CodigosAGuardar(std::string_view externos) {
 void GuardarRelacionesEnBase(const db::DbSession& sesion, const CodeRelations& relaciones,
                              base::SumideroErrores* errores) {
   const std::int32_t tipo = relaciones.tipo_dato_externo;
-  if (tipo == 0) return;
+  if (tipo == 0 || relaciones.carga_fallida) return;
   constexpr std::string_view donde = "GuardarRelacionesEnBase";
   if (!sesion.Abierta()) {
     base::ErrorIgnorado(donde, errores, [] { throw db::Error("La Base no está Abierta"); });

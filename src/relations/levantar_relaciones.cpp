@@ -42,7 +42,7 @@ void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& o
                         std::string_view ajustes, CodeRelations& relaciones, base::SumideroErrores* errores) {
   relaciones.tipo_dato_externo = EnteroDeAjuste(settings::ValorDeTexto(ajustes, "TomaConceptosDeBD"));
   std::string texto;
-  base::ErrorIgnorado("LevantarRelaciones", errores, [&] {
+  relaciones.carga_fallida = !base::ErrorIgnorado("LevantarRelaciones", errores, [&] {
     if (opciones.MismoCodigoDeOrsa)
       texto = FilasComoTexto(sesion,
                              sql::ConceptosComoRelaciones(opciones.CodTipoNumerico, opciones.SoloDatosDeRel,

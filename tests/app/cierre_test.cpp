@@ -92,4 +92,25 @@ TEST_F(Cierre, RelationsGoToTheExternalDataToo) {
   EXPECT_EQ(Consulta("Select Count(*) From DatExtDatos Where idTDE=77"), relaciones);
 }
 
+// Relations that could not be read are not replaced by an empty list, neither in the file nor in the base.
+TEST_F(Cierre, AFailedLoadOfRelationsSavesNoneOverThem) {
+  Demo();
+  Escribir("ImportDeMarcas.ini",
+           "[Conceptos]\r\nX*1*,9,*7*Nombre*0\r\n[/Conceptos]\r\n[TomaConceptosDeBD]\r\n77\r\n[/"
+           "TomaConceptosDeBD]");
+  {
+    app::Programa& p = Crear();
+    ASSERT_TRUE(p.Iniciar(demo_.referencia));
+    p.Sesion().conexion->Ejecutar("Insert into DatExtDatos (idTDE,idLoc,idDE) Values(77,7,'09')");
+    p.Sesion().conexion->Ejecutar("Drop Table Conceptos");
+    p.chkVincAutConOrsa_Click(true);
+    p.chkVincAutConOrsa_Click(false);
+    EXPECT_EQ(p.Ver().relaciones.Cantidad(), 0U);
+    EXPECT_TRUE(p.Unload());
+    EXPECT_EQ(Consulta("Select Count(*) From DatExtDatos Where idTDE=77"), "1");
+  }
+  EXPECT_NE(Leer("ImportDeMarcas.ini").find("[Conceptos]\r\nX*1*,9,*7*Nombre*0\r\n[/Conceptos]"),
+            std::string::npos);
+}
+
 }  // namespace
