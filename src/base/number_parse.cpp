@@ -313,7 +313,9 @@ int ExponenteVal(LectorVal lector) {  // by value: an incomplete exponent is not
   return negativo ? -exponente : exponente;
 }
 
-ResultadoVal ValCrudo(std::string_view texto) {
+// `con_tipo`: a type sign behind the number is obeyed; otherwise it ends the number as any other character
+// does.
+ResultadoVal ValCrudo(std::string_view texto, bool con_tipo) {
   LectorVal lector(texto);
   if (lector.Ver() == '&') {
     const int base = BaseDe(lector.VerPegado());
@@ -334,7 +336,8 @@ ResultadoVal ValCrudo(std::string_view texto) {
   if (enteros.empty() && fraccion.empty()) return {};
   double numero = 0;
   if (internal::Componer(enteros, fraccion, ExponenteVal(lector), numero) == Lectura::Desborda) return {0, 6};
-  return AplicarTipo(lector.Ver(), negativo && numero != 0 ? -numero : numero, con_punto);
+  if (negativo && numero != 0) numero = -numero;
+  return con_tipo ? AplicarTipo(lector.Ver(), numero, con_punto) : ResultadoVal{numero, 0};
 }
 
 }  // namespace
@@ -373,12 +376,12 @@ std::optional<std::int64_t> EnteroHexOctal(std::string_view texto, int bits) {
 }
 
 double Val(std::string_view texto) {
-  const ResultadoVal r = ValCrudo(texto);
+  const ResultadoVal r = ValCrudo(texto, true);
   if (r.error != 0) throw Error(DescripcionDeError(r.error), r.error);
   return r.numero;
 }
 
-double Parse(std::string_view texto) { return ValCrudo(texto).numero; }
+double Parse(std::string_view texto) { return ValCrudo(texto, false).numero; }
 
 double ValorNumerico(std::string_view texto) {
   double numero = 0;

@@ -52,14 +52,28 @@ void Agregar(Vector& serie, std::int32_t id, std::int32_t id_Tabla, std::string_
   serie.registros.back()[kValor] = valor;
 }
 
-void Reescribir(const db::DbSession& sesion, const Vector& serie, std::int32_t id_Tabla,
-                std::string_view codigo) {
+void InsertarSerie(const db::DbSession& sesion, const Vector& serie) {
   const base::Fecha hoy = Hoy(sesion);
-  sesion.conexion->Ejecutar(sql::BorrarSerie(sesion.idEmpresa, id_Tabla, codigo));
-  for (std::size_t i = 0; i < serie.Cantidad(); ++i) {
+  for (std::size_t i = 0; i < serie.Cantidad(); ++i)
     sesion.conexion->Ejecutar(sql::InsertarValor(sesion.idEmpresa, serie.Campo(kId, i),
                                                  serie.Campo(kTabla, i), serie.Campo(kCodigo, i),
                                                  serie.Campo(kValor, i), FechaDe(serie, i, hoy)));
+}
+
+// The series is written whole: all of it is deleted first. When a record then cannot be written (a value too
+// long for its column) what stood before is put back, and the failure goes on to the caller.
+void Reescribir(const db::DbSession& sesion, const Vector& anterior, const Vector& serie,
+                std::int32_t id_Tabla, std::string_view codigo) {
+  const std::string borrar = sql::BorrarSerie(sesion.idEmpresa, id_Tabla, codigo);
+  sesion.conexion->Ejecutar(borrar);
+  try {
+    InsertarSerie(sesion, serie);
+  } catch (const base::Error&) {
+    base::ErrorIgnorado("GuardarValorTablaUsuario", nullptr, [&] {
+      sesion.conexion->Ejecutar(borrar);
+      InsertarSerie(sesion, anterior);
+    });
+    throw;
   }
 }
 
@@ -78,6 +92,7 @@ void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla
   std::string guardado(valor);
   if (sumado) guardado = base::SqlDeSimple(static_cast<float>(base::ValorNumerico(valor) - kSumado));
   Vector serie = LeerSerie(sesion, id_Tabla, codigo);
+  const Vector anterior = serie;
   const int posicion = PosicionFecha(serie, fecha, kFecha, hoy);
   if (posicion >= 0 && TextoDe(fecha) == serie.Campo(kFecha, static_cast<std::size_t>(posicion))) {
     serie.registros[static_cast<std::size_t>(posicion)][kValor] = guardado;
@@ -85,7 +100,7 @@ void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla
     Agregar(serie, NuevoId(sesion), id_Tabla, codigo, guardado, fecha);
     OrdenarVector(serie, kFecha, hoy);
   }
-  Reescribir(sesion, serie, id_Tabla, codigo);
+  Reescribir(sesion, anterior, serie, id_Tabla, codigo);
   if (registros != nullptr) *registros = static_cast<int>(serie.Cantidad());
 }
 

@@ -38,9 +38,9 @@ std::string EscribirTablaUsuario(Corrida& c, std::int32_t concepto, std::int32_t
   if (!c.opciones->TotalizarConc) {
     // The 0 at the month is replaced by the quantity: it stands for clearing what the month had. Tables of
     // every kind are dated at the month.
-    if (tenia_valores) guardar("0", c.mes, false);
-    guardar(base::SqlDeSimple(cantidad), c.mes, false);
-    if (tenia_valores) guardar("0", mes_siguiente, false);
+    const bool escrito =
+        (!tenia_valores || guardar("0", c.mes, false)) && guardar(base::SqlDeSimple(cantidad), c.mes, false);
+    if (escrito && tenia_valores) guardar("0", mes_siguiente, false);
     return error.Descripcion();
   }
 
