@@ -47,8 +47,10 @@ std::string EscribirTablaUsuario(Corrida& c, std::int32_t concepto, std::int32_t
   DatoDelMes* previo = c.datos.Buscar(concepto, contrato);
   if (previo != nullptr) cantidad = previo->valor + cantidad;
   const bool escrito = guardar(base::SqlDeNumero(base::DobleDeSimple(cantidad) + 200.0), c.mes, true);
-  if (escrito && previo != nullptr) previo->valor = cantidad;
-  if (escrito && previo == nullptr)
+  if (!escrito) return error.Descripcion();  // nor is what the contract had closed
+  if (previo != nullptr)
+    previo->valor = cantidad;
+  else
     c.datos.Agregar(DatoDelMes{concepto, cantidad, contrato, -1, 0, coeficiente});
   if (tenia_valores && DebeCerrarse(c.tablas->Serie(tabla, codigo), c.mes, hoy))
     guardar("0", mes_siguiente, false);
