@@ -97,8 +97,8 @@ CREATE TABLE DatExtDatos (
 CREATE INDEX DatExtDatos_Local ON DatExtDatos (idTDE, idLoc);
 
 -- TipoDato: 1 percentage, 2 amount, 3 quantity, 5 quantity and price. TipoCuota: 0 none, 1 one instalment, 2 many.
--- ValorDe: what a unit is worth: DATO the datum's own coefficient, HORA, JORNAL and SUELDO the contract's, FIJO Factor itself;
--- those of the contract are multiplied by Factor.
+-- ValorDe: what a unit is worth: 0 the datum's own coefficient, 1 an hour, 2 a day, 3 a month of the contract (each times
+-- Factor), 4 Factor itself.
 CREATE TABLE Conceptos (
   idEmpresa LONG NOT NULL,
   id_Concepto LONG NOT NULL,
@@ -110,7 +110,7 @@ CREATE TABLE Conceptos (
   TipoImpuesto YESNO,
   VerDetalle YESNO,
   id_Moneda LONG,
-  ValorDe TEXT(10),
+  ValorDe LONG,
   Factor DOUBLE,
   CONSTRAINT PK_Conceptos PRIMARY KEY (id_Concepto));
 CREATE INDEX Conceptos_Empresa ON Conceptos (idEmpresa);
@@ -146,7 +146,7 @@ CREATE TABLE Encabezados (
   Impreso YESNO,
   id_Usuario LONG,
   CONSTRAINT PK_Encabezados PRIMARY KEY (id_Encabezado));
-CREATE INDEX Encabezados_Mes ON Encabezados (idEmpresa, MesDeLiq);
+CREATE INDEX Encabezados_Mes ON Encabezados (MesDeLiq, idEmpresa);
 CREATE INDEX Encabezados_Contrato ON Encabezados (id_Contrato, MesDeLiq);
 
 CREATE TABLE Datos_Liquidacion (
@@ -231,13 +231,13 @@ FROM ((Encabezados AS E INNER JOIN Datos_Liquidacion AS D ON E.id_Encabezado = D
 -- DTE: the days of the month in which the contract was in force. DTP: those that are paid: a whole month pays the
 -- contract's days per month whatever the calendar says.
 CREATE VIEW CDetaLiq_DiasTrab AS
-SELECT X.id_Dato, X.MesDeLiq, X.Dias AS DTE,
-  IIf(X.Dias >= X.DiasDelMes Or X.Dias > X.CantDiasXMes, X.CantDiasXMes, X.Dias) AS DTP
-FROM (SELECT D.id_Dato, E.MesDeLiq, C.CantDiasXMes,
-    DateDiff('d', E.MesDeLiq, DateAdd('m', 1, E.MesDeLiq)) AS DiasDelMes,
-    DateDiff('d', IIf(C.FECINI > E.MesDeLiq, C.FECINI, E.MesDeLiq),
-      IIf(IsNull(C.FECFIN) Or C.FECFIN >= DateAdd('m', 1, E.MesDeLiq), DateAdd('m', 1, E.MesDeLiq), C.FECFIN + 1)) AS Dias
-  FROM (Encabezados AS E INNER JOIN Contrato AS C ON E.id_Contrato = C.id_Contrato)
+SELECT X.id_Dato, X.MesDeLiq, X.Hasta - X.Desde AS DTE,
+  IIf((X.Desde = X.MesDeLiq And X.Hasta = X.Fin) Or X.Hasta - X.Desde > X.CantDiasXMes, X.CantDiasXMes, X.Hasta - X.Desde) AS DTP
+FROM (SELECT D.id_Dato, E.MesDeLiq, E.Fin, C.CantDiasXMes,
+    IIf(C.FECINI > E.MesDeLiq, C.FECINI, E.MesDeLiq) AS Desde,
+    IIf(C.FECFIN < E.Fin, C.FECFIN + 1, E.Fin) AS Hasta
+  FROM ((SELECT H.id_Encabezado, H.id_Contrato, H.MesDeLiq, DateAdd('m', 1, H.MesDeLiq) AS Fin FROM Encabezados AS H) AS E
+    INNER JOIN Contrato AS C ON E.id_Contrato = C.id_Contrato)
     INNER JOIN Datos_Liquidacion AS D ON E.id_Encabezado = D.id_Encabezado) AS X;
 
 -- What each datum of an open liquidation comes to. An amount counts once.
@@ -246,8 +246,8 @@ SELECT X.id_Dato, X.MesDeLiq, X.Cant, X.Coef,
   Round(IIf(X.TipoDato = 1, X.Cant * X.Coef / 100, X.Cant * X.Coef) * X.Relacion, X.RedoEnLiq) AS Monto
 FROM (SELECT D.id_Dato, E.MesDeLiq, K.TipoDato, D.Relacion, D.RedoEnLiq,
     IIf(K.TipoDato = 2 And D.Cantidad = 0, 1, D.Cantidad) AS Cant,
-    Switch(K.ValorDe = 'HORA', C.ValorHora * K.Factor, K.ValorDe = 'JORNAL', C.ValorHora * C.Horas * K.Factor,
-      K.ValorDe = 'SUELDO', C.Sueldo * K.Factor, K.ValorDe = 'FIJO', K.Factor, True, D.Coeficiente) AS Coef
+    Switch(K.ValorDe = 0, D.Coeficiente, K.ValorDe = 1, C.ValorHora * K.Factor, K.ValorDe = 2, C.ValorHora * C.Horas * K.Factor,
+      K.ValorDe = 3, C.Sueldo * K.Factor, True, K.Factor) AS Coef
   FROM ((Encabezados AS E INNER JOIN Contrato AS C ON E.id_Contrato = C.id_Contrato)
     INNER JOIN Datos_Liquidacion AS D ON E.id_Encabezado = D.id_Encabezado)
     INNER JOIN Conceptos AS K ON D.id_Concepto = K.id_Concepto
