@@ -279,7 +279,7 @@ void Escritor::Aritmetica(const Expr& e, int minimo) {
       break;
   }
   const Expr &a = *e.hijos[0], &b = *e.hijos[1];
-  if (e.op == Op::Suma && (PuedeSerTexto(a.tipo) || PuedeSerTexto(b.tipo)) && !a.tipo.nulo && !b.tipo.nulo) {
+  if (e.op == Op::Suma && (PuedeSerTexto(a.tipo) || PuedeSerTexto(b.tipo))) {
     t_ += "jet_add(";
     Etiquetas(e.hijos, 0, 2);
     t_ += ", ";
