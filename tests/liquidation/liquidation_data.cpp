@@ -52,19 +52,19 @@ constexpr const char* kMundo[] = {
     "Insert into DatExtDatos (idEmpresa,idTDE,idLoc,idDE) Values(1,1,10,'EXT10')",
     "Insert into Conceptos "
     "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
-    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,1,'SUE','Sueldo',3,'S',0,False,True,1,'SUELDO',1)",
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,1,'SUE','Sueldo',3,'S',0,False,True,1,3,1)",
     "Insert into Conceptos "
     "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
-    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,7,'HC','Horas Comunes',3,'S',0,False,True,1,'HORA',1)",
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,7,'HC','Horas Comunes',3,'S',0,False,True,1,1,1)",
     "Insert into Conceptos "
     "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
-    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,20,'PRI','Prima',2,'S',0,False,True,2,'DATO',1)",
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,20,'PRI','Prima',2,'S',0,False,True,2,0,1)",
     "Insert into Conceptos "
     "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
-    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,21,'DES','Destajo',5,'S',0,False,True,1,'DATO',1)",
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,21,'DES','Destajo',5,'S',0,False,True,1,0,1)",
     "Insert into Conceptos "
     "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto,"
-    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,22,'CUO','Cuota',2,'R',1,False,True,1,'DATO',1)",
+    "VerDetalle,id_Moneda,ValorDe,Factor) Values(1,22,'CUO','Cuota',2,'R',1,False,True,1,0,1)",
     "Insert into Tablas (id,idEmpresa,Nombre,NombreCampo,Tipo,TipoDato) Values(0,1,'CERO','Cero',3,1)",
     "Insert into Tablas (id,idEmpresa,Nombre,NombreCampo,Tipo,TipoDato) Values(5,1,'VIA','Viaticos',3,1)",
     "Insert into TiposLiquidacion (idEmpresa,id_TipoLiq,Nombre,Salarial,ParaEmp,Activa) "
