@@ -26,18 +26,8 @@ void LigarTexto(const Sentencia& s, int indice, std::string_view texto) {
 
 }  // namespace
 
-long long CatalogoSqlite::Version() const {
-  long long version = 0;
-  for (const char* sql : {"PRAGMA schema_version", "PRAGMA data_version"}) {
-    const Sentencia s = Preparar(base_, sql);
-    Recorrer(base_, s, [&](sqlite3_stmt* f) { version = version * 1000003 + sqlite3_column_int64(f, 0); });
-  }
-  return version;
-}
-
 void CatalogoSqlite::Leer() const {
   if (leido_) return;
-  version_ = Version();
   bool hay_consultas = false;
   const Sentencia s =
       Preparar(base_,
@@ -95,13 +85,19 @@ void CatalogoSqlite::Olvidar() {
   consultas_.clear();
 }
 
-bool CatalogoSqlite::Cambiado() const { return leido_ && Version() != version_; }
+void CatalogoSqlite::VerificarNombreLibre(const jetsql::Definicion& definicion) const {
+  using Que = jetsql::Definicion::Que;
+  const bool tabla = definicion.que == Que::CrearTabla, vista = definicion.que == Que::CrearVista;
+  if (!tabla && !vista) return;
+  if (base::IgualSinCaso(definicion.nombre, kTablaDeConsultas))
+    throw db::Error("El nombre " + definicion.nombre + " está reservado.");
+  if (Consulta(definicion.nombre) != nullptr)
+    throw db::Error("Ya existe una consulta con el nombre " + definicion.nombre + ".");
+  if (vista && Tabla(definicion.nombre) != nullptr)
+    throw db::Error("Ya existe una tabla con el nombre " + definicion.nombre + ".");
+}
 
 void CatalogoSqlite::CrearConsulta(std::string_view nombre, std::string_view texto) {
-  if (Tabla(nombre) != nullptr)
-    throw db::Error("Ya existe una tabla con el nombre " + std::string(nombre) + ".");
-  if (Consulta(nombre) != nullptr)
-    throw db::Error("Ya existe una consulta con el nombre " + std::string(nombre) + ".");
   EjecutarPropio(
       base_,
       "CREATE TABLE IF NOT EXISTS MSysConsultas (Nombre TEXT PRIMARY KEY NOT NULL, Texto TEXT NOT NULL)");

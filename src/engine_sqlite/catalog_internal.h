@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "jetsql/catalog.h"
+#include "jetsql/translate.h"
 
 namespace engine_sqlite {
 
@@ -27,10 +28,10 @@ class CatalogoSqlite final : public jetsql::Catalogo {
   const std::string* Consulta(std::string_view nombre) const override;
 
   void Olvidar();
-  // Whether another connection has changed the file since the names were read.
-  bool Cambiado() const;
 
-  // Throws db::Error when a table or query of the name exists, or when there is none to delete.
+  // Throws db::Error when the definition would take a name that is in use or ours.
+  void VerificarNombreLibre(const jetsql::Definicion& definicion) const;
+  // Throws db::Error when there is none to delete.
   void CrearConsulta(std::string_view nombre, std::string_view texto);
   void BorrarConsulta(std::string_view nombre);
 
@@ -45,11 +46,9 @@ class CatalogoSqlite final : public jetsql::Catalogo {
   };
   void Leer() const;
   void LeerConsultas() const;
-  long long Version() const;
 
   sqlite3* base_;
   mutable bool leido_ = false;
-  mutable long long version_ = 0;
   mutable std::unordered_map<std::string, Entrada> tablas_;      // by name in lower case
   mutable std::unordered_map<std::string, Guardada> consultas_;  // likewise
 };

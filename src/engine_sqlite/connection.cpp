@@ -95,23 +95,22 @@ base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
 db::Recordset ConexionSqlite::EjecutarComo(std::string_view sql, bool solo_consulta) {
   VerificarUtil();
   afectadas_ = 0;
-  try {
-    return Intentar(sql, solo_consulta);
-  } catch (const base::Error&) {
-    // Another program may have changed a definition since the catalog was read.
-    if (!reintentable_ || !catalogo_.Cambiado()) throw;
-  }
-  OlvidarTodo();
-  return Intentar(sql, solo_consulta);
-}
-
-db::Recordset ConexionSqlite::Intentar(std::string_view sql, bool solo_consulta) {
   ++contadores_.ejecuciones;
-  reintentable_ = false;
+  if (!en_transaccion_) VerCambiosAjenos();
   const std::vector<base::Valor>* literales = nullptr;
   const std::shared_ptr<Preparada> p = Resolver(sql, literales);
   if (solo_consulta && p->traduccion.clase != Clase::Consulta) throw db::Error(kSoloConsultas);
   return Correr(*p, *literales, sql);
+}
+
+void ConexionSqlite::VerCambiosAjenos() {
+  if (version_ajena_ == nullptr) return;
+  const Reponer reponer(version_ajena_.get());
+  if (sqlite3_step(version_ajena_.get()) != SQLITE_ROW) LanzarError(base_.get());
+  const std::int64_t version = sqlite3_column_int64(version_ajena_.get(), 0);
+  if (version == version_vista_) return;
+  version_vista_ = version;
+  OlvidarTodo();
 }
 
 std::shared_ptr<Preparada> ConexionSqlite::Resolver(std::string_view sql,
@@ -150,7 +149,6 @@ std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql) {
   } catch (const db::Error&) {
     throw;
   } catch (const base::Error& e) {
-    reintentable_ = true;
     throw db::Error(e.Descripcion(), e.Numero(), e.Fuente());
   }
   p->sentencias.resize(p->traduccion.pasos.size());
@@ -179,14 +177,9 @@ db::Recordset ConexionSqlite::Correr(Preparada& p, const std::vector<base::Valor
   return {p.columnas, std::move(celdas), std::string(sql)};
 }
 
-void ConexionSqlite::VerificarNombreLibre(const jetsql::Definicion& definicion) const {
-  if (definicion.que == Que::CrearTabla && catalogo_.Consulta(definicion.nombre) != nullptr)
-    throw db::Error("Ya existe una consulta con el nombre " + definicion.nombre + ".");
-}
-
 void ConexionSqlite::CorrerDefinicion(Preparada& p, const std::vector<base::Valor>& literales) {
   const jetsql::Definicion& d = p.traduccion.definicion;
-  VerificarNombreLibre(d);
+  catalogo_.VerificarNombreLibre(d);
   {
     Conjunto conjunto(base_.get(), en_transaccion_, false);
     for (std::size_t i = 0; i < p.traduccion.pasos.size(); ++i) CorrerPaso(p, i, literales, nullptr);
@@ -205,9 +198,7 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
   entorno_.fallo = false;
   if (sentencia == nullptr) {
     ++contadores_.preparaciones;
-    reintentable_ = true;
     sentencia = Preparar(base_.get(), texto);
-    reintentable_ = false;
   }
   sqlite3_stmt* s = sentencia.get();
   const Reponer reponer(s);
@@ -227,8 +218,6 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
 
 void ConexionSqlite::LanzarDePaso() {
   if (entorno_.fallo) throw db::Error(entorno_.descripcion, entorno_.numero);
-  const int codigo = sqlite3_errcode(base_.get()) & 0xFF;
-  reintentable_ = codigo == SQLITE_ERROR || codigo == SQLITE_SCHEMA;
   LanzarError(base_.get());
 }
 

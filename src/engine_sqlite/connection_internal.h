@@ -32,11 +32,10 @@ class ConexionSqlite final : public db::Connection {
 
  private:
   void AbrirArchivo(std::string_view ruta, const Opciones& opciones);
-  void Configurar(bool en_memoria, const Opciones& opciones);
+  void Configurar(std::string_view ruta, const Opciones& opciones);
   void VerificarUtil() const;
 
   db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
-  db::Recordset Intentar(std::string_view sql, bool solo_consulta);
   // The statement to run and its literals (they last until the next statement).
   std::shared_ptr<Preparada> Resolver(std::string_view sql, const std::vector<base::Valor>*& literales);
   std::shared_ptr<Preparada> Traducir(std::string_view sql);
@@ -44,14 +43,17 @@ class ConexionSqlite final : public db::Connection {
   void CorrerDefinicion(Preparada& p, const std::vector<base::Valor>& literales);
   void CorrerPaso(Preparada& p, std::size_t paso, const std::vector<base::Valor>& literales,
                   std::vector<base::Valor>* celdas);
-  void VerificarNombreLibre(const jetsql::Definicion& definicion) const;
   [[noreturn]] void LanzarDePaso();
   void OlvidarTodo();
+  // Forgets what is known of the file when another program has changed it, a saved query perhaps.
+  void VerCambiosAjenos();
 
   // In the order in which they are needed: the handle's functions use the surroundings to the last.
   RelojDelSistema sistema_;
   Entorno entorno_;
   ManejadorBase base_;
+  Sentencia version_ajena_;  // counts the commits of others; null in memory
+  std::int64_t version_vista_ = -1;
   CatalogoSqlite catalogo_{nullptr};
   jetsql::OpcionesTraduccion traduccion_;
   CacheDeFormas formas_;
@@ -60,8 +62,7 @@ class ConexionSqlite final : public db::Connection {
   Contadores contadores_;
   std::int64_t afectadas_ = 0;
   bool en_transaccion_ = false;
-  bool definio_ = false;       // a definition statement ran in the open transaction
-  bool reintentable_ = false;  // the last failure may come from a definition changed by another program
+  bool definio_ = false;  // a definition statement ran in the open transaction
 };
 
 }  // namespace engine_sqlite

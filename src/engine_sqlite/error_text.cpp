@@ -109,6 +109,7 @@ constexpr std::array kFrases = {
     Frase{"Expression tree is too large", "La sentencia es demasiado larga o anidada", "."},
     Frase{"parser stack overflow", "La sentencia es demasiado larga o anidada", "."},
     Frase{"at most ", "La sentencia usa demasiadas tablas", "."},
+    Frase{"object name reserved for internal use: ", "El nombre ", " está reservado."},
     Frase{"integer overflow", "Desbordamiento", "."},
     Frase{"cannot start a transaction within a transaction", "Ya hay una transacción abierta", "."},
 };

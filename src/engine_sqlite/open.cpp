@@ -20,6 +20,9 @@ std::int64_t Cifra(sqlite3* base, const char* sql) {
 // A statement that is of no consequence when it fails (a read-only file keeps its journal mode).
 void Procurar(sqlite3* base, const char* sql) { sqlite3_exec(base, sql, nullptr, nullptr, nullptr); }
 
+// A path that names another machine.
+bool EnRed(std::string_view ruta) { return ruta.substr(0, 2) == "\\\\" || ruta.substr(0, 2) == "//"; }
+
 }  // namespace
 
 base::Fecha RelojDelSistema::Ahora() const {
@@ -40,7 +43,7 @@ ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones) 
   entorno_.orden = opciones.orden;
   traduccion_.comodines_dao = opciones.comodines_dao;
   AbrirArchivo(ruta, opciones);
-  Configurar(ruta == kEnMemoria, opciones);
+  Configurar(ruta, opciones);
   catalogo_ = CatalogoSqlite(base_.get());
 }
 
@@ -73,26 +76,32 @@ void ConexionSqlite::AbrirArchivo(std::string_view ruta, const Opciones& opcione
   }
 }
 
-void ConexionSqlite::Configurar(bool en_memoria, const Opciones& opciones) {
+void ConexionSqlite::Configurar(std::string_view ruta, const Opciones& opciones) {
   sqlite3* base = base_.get();
+  const bool en_memoria = ruta == kEnMemoria;
   // A name in double quotes that is no column must be an error and not a text.
   sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   // SQLite's own default, which some builds raise: the time to prepare grows with the square of this number.
   sqlite3_limit(base, SQLITE_LIMIT_VARIABLE_NUMBER, 32766);
   Registrar(base, entorno_);
-  // An import is one transaction, so that a full sync at each commit costs nothing that is felt.
+  // An import is one transaction, so that a full sync at each commit costs nothing that is felt. The
+  // write-ahead log needs memory shared by all who have the file open, which a file on another machine cannot
+  // give.
   if (!en_memoria && !opciones.solo_lectura)
-    Procurar(base, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
+    Procurar(base, EnRed(ruta) ? "PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL"
+                               : "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
   if (opciones.solo_lectura) Procurar(base, "PRAGMA query_only=ON");
   Procurar(base,
            "PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY; PRAGMA cache_size=-32768; PRAGMA "
            "secure_delete=FAST");
+  if (!en_memoria) version_ajena_ = Preparar(base, "PRAGMA data_version");
 }
 
 void ConexionSqlite::Cerrar() {
   textos_.Vaciar();
   formas_.Vaciar();
+  version_ajena_ = nullptr;
   catalogo_ = CatalogoSqlite(nullptr);
   base_.reset();  // what an open transaction wrote is undone
   en_transaccion_ = false;
@@ -113,6 +122,7 @@ void ConexionSqlite::BeginTrans() {
   EjecutarPropio(base_.get(), "BEGIN IMMEDIATE");
   en_transaccion_ = true;
   definio_ = false;
+  VerCambiosAjenos();  // from here on there can be none
 }
 
 void ConexionSqlite::CommitTrans() {

@@ -171,6 +171,10 @@ TEST_F(Archivos, LoQueOtroProgramaDefineSeVe) {
   EXPECT_EQ(support::Filas(dos->Ejecutar("SELECT k FROM nueva")), "5");
   EXPECT_EQ(support::Filas(dos->Ejecutar("SELECT kk FROM vista")), "10");
   EXPECT_EQ(support::Filas(dos->Ejecutar("SELECT k, z FROM t")), "1|NULL");
+  // A saved query that now says something else: the old translation must not answer.
+  uno->Ejecutar("DROP VIEW vista");
+  uno->Ejecutar("CREATE VIEW vista AS SELECT k * 3 AS kk FROM nueva");
+  EXPECT_EQ(support::Filas(dos->Ejecutar("SELECT kk FROM vista")), "15");
   uno->Ejecutar("DROP TABLE nueva");
   EXPECT_THROW(dos->Ejecutar("SELECT k FROM nueva"), db::Error);
 }
