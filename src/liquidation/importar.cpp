@@ -84,9 +84,16 @@ std::string ImportarFila(const EntradaImportacion& e, Corrida& c, const ImportRo
   if (relacion < 0) return "Tipo No asosciado con concepto de Orsa";
   Destino d = DestinoDe(e, static_cast<std::size_t>(relacion), fila);
   if (d.cantidad == 0 && e.opciones->NoImpCantEn0) return "Cantidad En 0 (Conf. No importar)";
+  // Before the writer clears what the line was to replace.
+  if (!std::isfinite(d.cantidad) || !std::isfinite(d.coeficiente)) return base::DescripcionDeError(6);
   const Destino leido = d;  // the writer overwrites quantity and coefficient with its sums
-  std::string resultado = AgregarDatosALiq(c, d.concepto, d.cantidad, static_cast<std::size_t>(persona), fila,
-                                           e.centro_costo, d.coeficiente);
+  std::string resultado;
+  try {
+    resultado = AgregarDatosALiq(c, d.concepto, d.cantidad, static_cast<std::size_t>(persona), fila,
+                                 e.centro_costo, d.coeficiente);
+  } catch (const base::Error& error) {  // a sum that grew too large; one line does not take the run along
+    resultado = error.Descripcion();
+  }
   if (resultado.empty())
     Sumar(totales, leido, e.relaciones->Campo(relations::kNombre, static_cast<std::size_t>(relacion)));
   return resultado;
