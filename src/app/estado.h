@@ -49,9 +49,8 @@ struct Estado {
   // Relations panel.
   std::string lblConcepto;
   std::int32_t cbColor = 0xFFFFFF;  // 0xBBGGRR
-  bool cmbAgrupaDef_enabled = true;
-  int fila_relacion = -1;      // current row of GridRelaciones
-  int cmbConceptos_ancho = 0;  // pixels of its drop-down
+  int fila_relacion = -1;           // current row of GridRelaciones
+  int cmbConceptos_ancho = 0;       // pixels of its drop-down
 
   std::array<bool, 2> AreConf_visible{};
   int AreConf_al_frente = 0;
@@ -66,7 +65,9 @@ struct Estado {
   int columna_orden = 0;  // row field of the sort
   std::string previa;     // the first four lines of the last file
   std::vector<std::vector<std::string>> filas_previa;
-  std::array<int, 5> posicion_previa{0, 1, 2, 3, 4};  // where GridPVConf shows its column of field i + 1
+  // Where GridPVConf shows its column of field i + 1: the layout column that fills it. A rearrangement of 0
+  // to 4.
+  std::array<int, 5> posicion_previa{0, 1, 2, 3, 4};
 
   importfile::FinDeCarga fin_de_carga = importfile::FinDeCarga::Completa;  // of the last load
   liquidation::Importacion importacion;                                    // the last one

@@ -154,6 +154,7 @@ class Programa {
   base::SumideroErrores errores_;
   std::string ajustes_;                          // the settings text of start-up
   std::string titulo_dialogo_, filtro_dialogo_;  // of ComDlg
+  bool previa_movida_ = false;                   // the operator has rearranged the columns of GridPVConf
   unsigned pendientes_ = 0;
   bool en_curso_ = false;
   bool cierre_pedido_ = false;

@@ -16,6 +16,32 @@ std::int16_t EnteroDeCaja(std::string_view texto) {
   return static_cast<std::int16_t>(base::EnteroBancario(n));
 }
 
+// Where the preview shows the column of each field: at the layout column that fills it, those in use first;
+// the columns of the other fields stand in what places remain. Always a rearrangement of 0 to 4, as a grid's
+// columns are.
+std::array<int, 5> LugaresDePrevia(const settings::FixedWidthLayout& layout) {
+  std::array<int, 5> lugares;
+  lugares.fill(-1);
+  std::array<bool, 5> ocupado{};
+  for (const bool en_uso : {true, false})
+    for (std::size_t j = std::min(layout.size(), lugares.size());
+         j-- > 0;) {  // of two the later fills the field
+      const int campo = layout[j].campo;
+      if (campo < 1 || campo > 5 || (layout[j].inicio >= 1) != en_uso) continue;
+      int& lugar = lugares[static_cast<std::size_t>(campo - 1)];
+      if (lugar >= 0) continue;
+      lugar = static_cast<int>(j);
+      ocupado[j] = true;
+    }
+  for (int& lugar : lugares) {
+    if (lugar >= 0) continue;
+    const auto libre = std::find(ocupado.begin(), ocupado.end(), false);
+    lugar = static_cast<int>(libre - ocupado.begin());
+    *libre = true;
+  }
+  return lugares;
+}
+
 constexpr int kEnter = 13;
 
 }  // namespace
@@ -82,9 +108,9 @@ void Programa::PonerLayout() {
   for (std::size_t j = 0; j < layout.size() && j < e_.txtAE.size(); ++j) {
     e_.txtAE[j][0].text = std::to_string(layout[j].inicio);
     e_.txtAE[j][1].text = std::to_string(layout[j].largo);
-    if (layout[j].campo >= 1 && layout[j].campo <= 5)
-      e_.posicion_previa[static_cast<std::size_t>(layout[j].campo - 1)] = static_cast<int>(j);
   }
+  e_.posicion_previa = LugaresDePrevia(layout);
+  previa_movida_ = false;
 }
 
 void Programa::txtAE_Change(int columna, int elemento, std::string texto) {
@@ -100,6 +126,7 @@ void Programa::txtAE_Change(int columna, int elemento, std::string texto) {
 
 void Programa::GridPVConf_ColumnasMovidas(const std::array<int, 5>& posiciones) {
   if (e_.cargando) return;
+  if (posiciones != e_.posicion_previa) previa_movida_ = true;
   e_.posicion_previa = posiciones;
   e_.Timer1_enabled = true;
 }
@@ -109,11 +136,13 @@ void Programa::txtFormulaSGN_Change(std::string texto) {
   e_.txtFormulaSGN.text = std::move(texto);
 }
 
-// The preview's columns tell which field each piece of the line fills. A piece that fills none stays so.
+// The preview's columns tell which field each piece of the line fills, once somebody has moved them: a layout
+// need not be a rearrangement of the five fields, and theirs would then give a piece another field. A piece
+// that fills none stays so.
 void Programa::Timer1_Timer() {
   e_.Timer1_enabled = false;
   settings::FixedWidthLayout& layout = e_.opciones.ConfDeAF;
-  for (std::size_t i = 0; i < e_.posicion_previa.size(); ++i) {
+  for (std::size_t i = 0; previa_movida_ && i < e_.posicion_previa.size(); ++i) {
     const auto j = static_cast<std::size_t>(e_.posicion_previa[i]);
     if (j < layout.size() && layout[j].campo >= 1) layout[j].campo = static_cast<std::int16_t>(i + 1);
   }

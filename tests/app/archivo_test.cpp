@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "app/banco.h"
 
 namespace {
@@ -120,6 +122,35 @@ TEST_F(Archivo, MovedPreviewColumnsBecomeTheLayout) {
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[0].campo, 2);
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].campo, 1);
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[2].campo, 3);
+}
+
+// What nobody moved is not written back: with a piece that fills no field, or with two columns of one field,
+// the places of the preview are no picture of the layout, and the quantity would change its column.
+TEST_F(Archivo, PreviewColumnsThatStayLeaveTheLayout) {
+  const auto campos_tras_el_reloj = [&](const std::string& diseno) {
+    Escribir("ImportDeMarcas.ini", "[ConfDeAF]\r\n" + diseno + "\r\n[/ConfDeAF]");
+    EXPECT_TRUE(Crear().Iniciar(demo_.referencia));
+    auto lugares = programa_->Ver().posicion_previa;
+    std::sort(lugares.begin(), lugares.end());
+    EXPECT_EQ(lugares, (std::array<int, 5>{0, 1, 2, 3, 4})) << diseno;
+    programa_->txtAE_Change(0, 1, "5");
+    programa_->Timer1_Timer();
+    std::string campos;
+    for (const auto& columna : programa_->Ver().opciones.ConfDeAF) campos += std::to_string(columna.campo);
+    return campos;
+  };
+  EXPECT_EQ(campos_tras_el_reloj("1*1*6\r\n0*7*3\r\n2*10*3\r\n3*13*6"), "10235");
+  EXPECT_EQ(campos_tras_el_reloj("1*1*6\r\n3*12*9"), "13345");
+  EXPECT_EQ(campos_tras_el_reloj("1*1*2\r\n1*3*2\r\n2*5*2\r\n3*7*2\r\n3*9*2"), "11233");
+  EXPECT_EQ(campos_tras_el_reloj("3*1*4\r\n1*5*3\r\n2*8*2\r\n5*10*1\r\n4*11*1"), "31254");
+  EXPECT_EQ(campos_tras_el_reloj("7*0*4\r\n1*5*3\r\n2*8*2\r\n3*10*1"), "71235");
+}
+
+// A column in use shows its field before one that is not.
+TEST_F(Archivo, TheFieldsInUseTakeTheirPlacesFirst) {
+  Escribir("ImportDeMarcas.ini", "[ConfDeAF]\r\n1*1*6\r\n3*12*9\r\n3*-1*0\r\n2*8*3\r\n5*-1*0\r\n[/ConfDeAF]");
+  ASSERT_TRUE(Crear().Iniciar(demo_.referencia));
+  EXPECT_EQ(programa_->Ver().posicion_previa, (std::array<int, 5>{0, 3, 1, 2, 4}));
 }
 
 TEST_F(Archivo, AHeaderClickSortsByItsColumn) {
