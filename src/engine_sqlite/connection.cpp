@@ -95,6 +95,7 @@ base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
 db::Recordset ConexionSqlite::EjecutarComo(std::string_view sql, bool solo_consulta) {
   VerificarUtil();
   afectadas_ = 0;
+  entorno_.ahora.reset();
   ++contadores_.ejecuciones;
   if (!en_transaccion_) VerCambiosAjenos();
   const std::vector<base::Valor>* literales = nullptr;

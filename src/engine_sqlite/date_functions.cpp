@@ -12,12 +12,12 @@ base::Fecha SoloDia(base::Fecha f) { return {std::trunc(f.serie)}; }
 base::Fecha SoloHora(base::Fecha f) { return {std::abs(f.serie - std::trunc(f.serie))}; }
 
 void Date(Llamada& l) { l.DarFecha(l.Hoy()); }
-void Now(Llamada& l) { l.DarFecha(l.Alrededor().reloj->Ahora()); }
-void Time(Llamada& l) { l.DarFecha(SoloHora(l.Alrededor().reloj->Ahora())); }
+void Now(Llamada& l) { l.DarFecha(l.Ahora()); }
+void Time(Llamada& l) { l.DarFecha(SoloHora(l.Ahora())); }
 
 void Timer(Llamada& l) {
   constexpr double kSegundosDelDia = 86400;
-  l.DarNumero(std::floor(SoloHora(l.Alrededor().reloj->Ahora()).serie * kSegundosDelDia * 100 + 0.5) / 100);
+  l.DarNumero(std::floor(SoloHora(l.Ahora()).serie * kSegundosDelDia * 100 + 0.5) / 100);
 }
 
 template <int base::PartesFecha::*kParte>

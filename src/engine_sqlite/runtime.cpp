@@ -82,6 +82,13 @@ void Anotar(sqlite3_context* contexto, Entorno& entorno, const base::Error& erro
   sqlite3_result_error(contexto, error.what(), -1);
 }
 
+base::Fecha Entorno::Ahora() {
+  if (!ahora) ahora = reloj->Ahora();
+  return *ahora;
+}
+
+base::Fecha Llamada::Hoy() const { return {std::trunc(Ahora().serie)}; }
+
 Llamada::Llamada(sqlite3_context* contexto, std::span<sqlite3_value*> valores, Entorno& entorno,
                  bool etiquetada)
     : contexto_(contexto), valores_(valores), entorno_(entorno) {

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -27,6 +28,10 @@ struct Entorno {
   const ports::Clock* reloj = nullptr;
   jetsql::Orden orden = jetsql::Orden::EspanolModerno;
   std::uint32_t azar = 0x50000;  // the state of Rnd
+
+  // The clock stands still while a statement runs: it is read once, when the statement first asks.
+  base::Fecha Ahora();
+  std::optional<base::Fecha> ahora;  // emptied before each statement
 
   // The failure that a function raised in the statement that is running.
   bool fallo = false;
@@ -50,7 +55,8 @@ class Llamada {
 
   Entorno& Alrededor() const { return entorno_; }
   const base::Locale& Regional() const { return *entorno_.locale; }
-  base::Fecha Hoy() const { return entorno_.reloj->Hoy(); }
+  base::Fecha Ahora() const { return entorno_.Ahora(); }
+  base::Fecha Hoy() const;
 
   // Arguments, from 0, without the tag.
   int Cantidad() const { return static_cast<int>(valores_.size()); }

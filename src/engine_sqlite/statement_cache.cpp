@@ -55,6 +55,7 @@ const CacheDeTextos::Ranura* CacheDeTextos::Buscar(std::string_view sql) {
 
 void CacheDeTextos::Guardar(std::string_view sql, const std::shared_ptr<Preparada>& preparada,
                             const std::vector<base::Valor>& literales) {
+  if (sql.size() > kTextoMasLargo) return;
   const std::size_t huella = Huella(sql);
   Ranura& r = ranuras_[huella % kRanuras];
   if (r.huella != huella) {

@@ -61,6 +61,7 @@ class CacheDeTextos {
 
  private:
   static constexpr std::size_t kRanuras = 128;
+  static constexpr std::size_t kTextoMasLargo = 1 << 16;
   std::array<Ranura, kRanuras> ranuras_;
 };
 

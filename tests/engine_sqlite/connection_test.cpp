@@ -177,6 +177,31 @@ TEST_F(Conexion, LasExpresionesTienenTipo) {
   EXPECT_EQ(f.En(9, 0), Valor(1.0));
 }
 
+// Each reading of this clock is a second later.
+class RelojQueAnda final : public ports::Clock {
+ public:
+  base::Fecha Ahora() const override {
+    ++lecturas;
+    return {base::FechaDe(2024, 3, 5).serie + lecturas / 86400.0};
+  }
+  mutable int lecturas = 0;
+};
+
+TEST(RelojDeLaConexion, EstaQuietoDuranteUnaSentencia) {
+  const RelojQueAnda reloj;
+  engine_sqlite::Opciones opciones;
+  opciones.reloj = &reloj;
+  const auto base = engine_sqlite::Abrir(":memory:", opciones);
+  base->Ejecutar("CREATE TABLE t (k LONG, f DATETIME)");
+  for (int i = 0; i < 3; ++i) base->Ejecutar("INSERT INTO t VALUES (" + std::to_string(i) + ", Null)");
+  EXPECT_EQ(reloj.lecturas, 0);
+  base->Ejecutar("UPDATE t SET f = IIf(k = 1, Now(), DateAdd('s', 0, Now()))");
+  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT f FROM t")),
+            "2024-03-05 00:00:01\n2024-03-05 00:00:01\n2024-03-05 00:00:01");
+  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT Now()")), "2024-03-05 00:00:02");
+  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT Now()")), "2024-03-05 00:00:03");
+}
+
 TEST_F(Conexion, LasFilasAfectadasSonDeLaUltimaSentencia) {
   LlenarTextos();
   EXPECT_EQ(base_->FilasAfectadas(), 1);

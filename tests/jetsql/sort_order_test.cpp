@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
+
+#include "base/text.h"
 
 namespace {
 
@@ -63,6 +67,31 @@ const CasoClave kClaves[] = {
 
 TEST(ClaveDeOrden, SonLosBytesDelIndice) {
   for (const CasoClave& c : kClaves) EXPECT_EQ(Hexa(ClaveDeOrden(c.texto, c.orden)), c.clave) << c.texto;
+}
+
+// The table of the file format, where it lies beside the checkout: columns code point, character, class,
+// inline bytes, accent byte, special byte.
+TEST(ClaveDeOrden, LosPesosSonLosDeLaTabla) {
+  const std::filesystem::path ruta =
+      std::filesystem::path(IDM_SOURCE_DIR) / ".." / "shared" / "mdb" / "sort_general_legacy.tsv";
+  std::ifstream archivo(ruta, std::ios::binary);
+  if (!archivo) GTEST_SKIP() << "the table of weights is not beside this checkout";
+  int filas = 0;
+  for (std::string linea; std::getline(archivo, linea);) {
+    const auto campos = base::Split(linea, "\t");
+    if (campos.size() < 6 || campos[0].rfind("U+", 0) != 0) continue;
+    ++filas;
+    const auto punto = static_cast<char32_t>(std::stoul(campos[0].substr(2), nullptr, 16));
+    // An "a" behind keeps a blank from being cut.
+    const std::string texto = base::DePuntos(std::u32string(1, punto) + U"a");
+    std::string espera = campos[3] + "4A01";
+    if (campos[2] == "accent") espera += campos[4];
+    if (campos[2] == "special") espera += "0101018007" + std::string("06") + campos[5];
+    EXPECT_EQ(base::Reemplazar(Hexa(ClaveDeOrden(texto, Orden::General)), " ", ""), espera + "00")
+        << campos[0];
+    EXPECT_TRUE(jetsql::TienePesos(texto));
+  }
+  EXPECT_EQ(filas, 251);
 }
 
 TEST(ClaveDeOrden, LoQueNoTienePesoVaDetrasPorSuMayuscula) {
