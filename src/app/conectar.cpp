@@ -33,15 +33,17 @@ void Programa::Conectar(std::string& referencia) {
 void Programa::LeerEmpresa() {
   sesion_.TipoConstruccion = false;
   sesion_.LiqAgrup = false;
+  db::Recordset rs;
   base::ErrorIgnorado("Conectar: empresa", &errores_, [&] {
-    const db::Recordset rs =
-        sesion_.conexion->Ejecutar("Select TipoConstruccion, LiqAgrup, idEmpresa From Empresa");
-    if (rs.Vacio()) return;
-    // Several companies: always the first row of this unordered query.
-    sesion_.TipoConstruccion = rs.En(0, 0).Booleano();
-    sesion_.LiqAgrup = rs.En(1, 0).Booleano();
-    sesion_.idEmpresa = rs.En(2, 0).Entero();
+    rs = sesion_.conexion->Ejecutar("Select TipoConstruccion, LiqAgrup, idEmpresa From Empresa");
   });
+  if (rs.Vacio()) return;
+  // Several companies: always the first row of this unordered query. One field that cannot be read does not
+  // take the others along.
+  base::ErrorIgnorado("Conectar: TipoConstruccion", &errores_,
+                      [&] { sesion_.TipoConstruccion = rs.En(0, 0).Booleano(); });
+  base::ErrorIgnorado("Conectar: LiqAgrup", &errores_, [&] { sesion_.LiqAgrup = rs.En(1, 0).Booleano(); });
+  base::ErrorIgnorado("Conectar: idEmpresa", &errores_, [&] { sesion_.idEmpresa = rs.En(2, 0).Entero(); });
 }
 
 }  // namespace app

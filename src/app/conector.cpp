@@ -50,17 +50,25 @@ bool EsRelativa(std::string_view ruta) {
            (ruta.size() > 1 && ruta[1] == ':'));
 }
 
+// An identifier that 32 bits do not hold is none.
+std::int32_t IdUsuario(std::string_view texto) {
+  std::int32_t id = 0;
+  base::ErrorIgnorado("ConfBase: Usuario", nullptr, [&] { id = base::Entero32(base::Parse(texto)); });
+  return id;
+}
+
 Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
   const auto bytes = base::LeerArchivo(ruta);
   if (!bytes) return Fallo("No se puede leer el archivo '" + ruta + "'");
-  const std::string texto = base::DecodificarArchivo(*bytes);
+  std::string texto = base::DecodificarArchivo(*bytes);
+  if (!base::Contiene(texto, base::kCrLf)) texto = base::Reemplazar(texto, "\n", base::kCrLf);
   const auto valor = [&](const char* clave) { return base::Trim(settings::ValorDeTexto(texto, clave)); };
   const std::string motor = base::Minusculas(valor("Motor")), nombre = valor("Base");
   if (nombre.empty()) return Fallo("'" + ruta + "' no dice qué base abrir (falta la clave Base)");
   if (!motor.empty() && motor != "sqlite") return Fallo("'" + ruta + "' pide un motor desconocido: " + motor);
   Conexion c =
       AbrirArchivo(EsRelativa(nombre) ? base::UnirRuta(base::CarpetaDe(ruta), nombre) : nombre, reloj);
-  c.id_Usuario = static_cast<std::int32_t>(base::Parse(valor("Usuario")));
+  c.id_Usuario = IdUsuario(valor("Usuario"));
   return c;
 }
 

@@ -18,7 +18,7 @@ struct Conexion {
 
 // The reference is a path. A file with an SQLite header opens with the embedded engine; ConfBase.cfg is a
 // text of the settings format with the keys Motor ("sqlite"), Base (a path, relative to its own folder) and
-// optionally Usuario. Never throws for what a user can cause.
+// optionally Usuario; its lines may end in LF alone. Never throws for what a user can cause.
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj);
 
 }  // namespace app

@@ -23,6 +23,27 @@ TEST_F(Conector, ConfBaseNamesTheFileFromItsOwnFolder) {
   EXPECT_EQ(c.id_Usuario, 12);
 }
 
+// An editor that ends lines with LF alone is no reason to refuse a file of three lines.
+TEST_F(Conector, ConfBaseMayEndItsLinesWithLf) {
+  Demo();
+  Escribir("ConfBase.cfg",
+           "[Motor]\nsqlite\n[/Motor]\n[Base]\nPersonal.sqlite\n[/Base]\n[Usuario]\n12\n[/Usuario]\n");
+  const app::Conexion c = app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_);
+  ASSERT_NE(c.conexion, nullptr) << c.motivo;
+  EXPECT_EQ(c.id_Usuario, 12);
+}
+
+TEST_F(Conector, AUserThatIsNoIdentifierIsNone) {
+  Demo();
+  for (const char* usuario : {"99999999999", "-99999999999", "1e300", "ana", ""}) {
+    Escribir("ConfBase.cfg", "[Base]\r\nPersonal.sqlite\r\n[/Base]\r\n[Usuario]\r\n" + std::string(usuario) +
+                                 "\r\n[/Usuario]");
+    const app::Conexion c = app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_);
+    ASSERT_NE(c.conexion, nullptr) << c.motivo;
+    EXPECT_EQ(c.id_Usuario, 0) << usuario;
+  }
+}
+
 TEST_F(Conector, TheNameOfConfBaseHasNoCase) {
   Demo();
   Escribir("CONFBASE.CFG", "[Base]\r\nPersonal.sqlite\r\n[/Base]");

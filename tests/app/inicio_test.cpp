@@ -136,4 +136,47 @@ TEST_F(Inicio, AnEmptyCompanyTableLeavesTheFlagsAndRunsTheLoaders) {
   EXPECT_TRUE(p.Ver().tipos.cmbLiquidaciones.items.empty());
 }
 
+TEST_F(Inicio, ProyecIsABaseOfThePayrollSystemToo) {
+  std::filesystem::rename(Ruta("Personal.sqlite"), Ruta("mi proyec.MDB"));
+  app::Programa& p = Crear();
+  ASSERT_TRUE(p.Iniciar(Ruta("mi proyec.MDB")));
+  EXPECT_NE(p.Sesion().idEmpresa, 0);
+}
+
+TEST_F(Inicio, AMissingCompanyTableLeavesTheFlagsAndRunsTheLoaders) {
+  {
+    app::Programa& p = Crear();
+    ASSERT_TRUE(p.Iniciar(demo_.referencia));
+    p.Sesion().conexion->Ejecutar("Drop Table Empresa");
+    const std::string empresa = std::to_string(p.Sesion().idEmpresa);
+    for (const char* tabla : {"TiposLiquidacion", "Tablas", "DatosUsuTablas"})
+      p.Sesion().conexion->Ejecutar("Update " + std::string(tabla) +
+                                    " Set idEmpresa=0 Where idEmpresa=" + empresa);
+  }
+  app::Programa& p = Crear();
+  ASSERT_TRUE(p.Iniciar(demo_.referencia));
+  EXPECT_EQ(p.Sesion().idEmpresa, 0);
+  EXPECT_FALSE(p.Sesion().LiqAgrup);
+  EXPECT_FALSE(p.Sesion().TipoConstruccion);
+  EXPECT_FALSE(p.Ver().tipos.cmbLiquidaciones.items.empty());
+  EXPECT_GT(p.Ver().tablas.Cantidad(), 0U);
+}
+
+// Each of the three is taken by itself: a flag that is none does not take the company along.
+TEST_F(Inicio, ACompanyRowIsReadFieldByField) {
+  {
+    app::Programa& p = Crear();
+    ASSERT_TRUE(p.Iniciar(demo_.referencia));
+    db::Connection& c = *p.Sesion().conexion;
+    c.Ejecutar("Drop Table Empresa");
+    c.Ejecutar("Create Table Empresa (TipoConstruccion TEXT(10), LiqAgrup YESNO, idEmpresa LONG)");
+    c.Ejecutar("Insert into Empresa (TipoConstruccion,LiqAgrup,idEmpresa) Values('quizá',True,2)");
+  }
+  app::Programa& p = Crear();
+  ASSERT_TRUE(p.Iniciar(demo_.referencia));
+  EXPECT_FALSE(p.Sesion().TipoConstruccion);
+  EXPECT_TRUE(p.Sesion().LiqAgrup);
+  EXPECT_EQ(p.Sesion().idEmpresa, 2);
+}
+
 }  // namespace
