@@ -26,7 +26,7 @@ struct Puertos {
 };
 
 struct Arranque {
-  std::string carpeta;  // of ImportDeMarcas.ini
+  std::string carpeta;  // of ImportDeMarcas.ini; made when it is missing
   std::string version = "1.0.0";
   std::optional<std::string> ajustes;  // the settings text itself: then the file is neither read nor written
   std::optional<base::Fecha> mes;      // instead of the current month

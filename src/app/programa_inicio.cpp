@@ -84,6 +84,8 @@ void Programa::PrepararVentana() {
   e_.OptFiltro = 1;
   e_.caption += " " + arranque_.version;
   e_.GridAImportar.Columna("Resultado")->visible = false;
+  // The user's configuration folder is not there before the first run of an installed program.
+  if (!arranque_.ajustes) base::CrearCarpeta(arranque_.carpeta);
   LeerOpciones();
 }
 

@@ -33,6 +33,29 @@ TEST_F(Cierre, WritesEveryKeyInItsOrder) {
             "[MismoCodigoDeOrsa]\r\nNO\r\n[/MismoCodigoDeOrsa]");
 }
 
+// The user's configuration folder is not there before the first run of an installed program.
+TEST_F(Cierre, TheSettingsFolderIsMadeWhenItIsMissing) {
+  cajas_.esperadas = {"Error al abrir la base ubicada en nada"};
+  app::Programa p(app::Puertos{cajas_, cajas_, reloj_, &eventos_},
+                  app::Arranque{Ruta("de/nadie"), "1.0.0", {}, {}, false});
+  ASSERT_TRUE(p.Iniciar("nada*"));
+  EXPECT_EQ(Leer("de/nadie/ImportDeMarcas.ini"), "");
+  EXPECT_TRUE(std::filesystem::exists(Ruta("de/nadie/ImportDeMarcas.ini")));
+  p.txtFiltro_Change("Tipo=7");
+  EXPECT_TRUE(p.Unload());
+  EXPECT_EQ(Leer("de/nadie/ImportDeMarcas.ini").substr(0, 24), "[TextoDeFiltro]\r\nTipo=7");
+}
+
+// Settings given as a text belong to no folder, and none is made for them.
+TEST_F(Cierre, GivenSettingsTouchNoFolder) {
+  cajas_.esperadas = {"Error al abrir la base ubicada en nada"};
+  app::Programa p(app::Puertos{cajas_, cajas_, reloj_, &eventos_},
+                  app::Arranque{Ruta("de/nadie"), "1.0.0", "", {}, false});
+  ASSERT_TRUE(p.Iniciar("nada*"));
+  EXPECT_TRUE(p.Unload());
+  EXPECT_FALSE(std::filesystem::exists(Ruta("de")));
+}
+
 // The same options come back.
 TEST_F(Cierre, AnotherStartFindsWhatWasLeft) {
   cajas_.esperadas = {"Error al abrir la base ubicada en nada", "El Archivo '' no existe",
