@@ -43,7 +43,7 @@ TEST_F(Cierre, TheSettingsFolderIsMadeWhenItIsMissing) {
   EXPECT_TRUE(std::filesystem::exists(Ruta("de/nadie/ImportDeMarcas.ini")));
   p.txtFiltro_Change("Tipo=7");
   EXPECT_TRUE(p.Unload());
-  EXPECT_EQ(Leer("de/nadie/ImportDeMarcas.ini").substr(0, 24), "[TextoDeFiltro]\r\nTipo=7");
+  EXPECT_EQ(Leer("de/nadie/ImportDeMarcas.ini").substr(0, 23), "[TextoDeFiltro]\r\nTipo=7");
 }
 
 // Settings given as a text belong to no folder, and none is made for them.
