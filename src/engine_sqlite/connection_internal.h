@@ -33,6 +33,8 @@ class ConexionSqlite final : public db::Connection {
  private:
   void AbrirArchivo(std::string_view ruta, const Opciones& opciones);
   void Configurar(std::string_view ruta, const Opciones& opciones);
+  // The order that the file was made with; a new file takes that of the options.
+  void FijarOrden();
   void VerificarUtil() const;
 
   db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);

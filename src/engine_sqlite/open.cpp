@@ -1,6 +1,4 @@
 // Opening and closing a file, and transactions.
-#include <chrono>
-#include <cmath>
 #include <ctime>
 
 #include "base/file.h"
@@ -20,21 +18,29 @@ std::int64_t Cifra(sqlite3* base, const char* sql) {
 // A statement that is of no consequence when it fails (a read-only file keeps its journal mode).
 void Procurar(sqlite3* base, const char* sql) { sqlite3_exec(base, sql, nullptr, nullptr, nullptr); }
 
+// The sort order is written into the file, because its indexes hold for no other one.
+struct OrdenDeArchivo {
+  jetsql::Orden orden;
+  int numero;
+  const char* escribir;
+};
+constexpr OrdenDeArchivo kOrdenes[] = {
+    {jetsql::Orden::General, 1033, "PRAGMA user_version=1033"},
+    {jetsql::Orden::EspanolModerno, 3082, "PRAGMA user_version=3082"},
+    {jetsql::Orden::EspanolTradicional, 1034, "PRAGMA user_version=1034"},
+};
+
 // A path that names another machine.
 bool EnRed(std::string_view ruta) { return ruta.substr(0, 2) == "\\\\" || ruta.substr(0, 2) == "//"; }
 
 }  // namespace
 
 base::Fecha RelojDelSistema::Ahora() const {
-  const std::time_t ahora = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  std::tm local{};
-#ifdef _WIN32
-  localtime_s(&local, &ahora);
-#else
-  localtime_r(&ahora, &local);
-#endif
-  const double dia = base::FechaDe(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday).serie;
-  return {dia + base::HoraDe(local.tm_hour, local.tm_min, local.tm_sec).serie};
+  const std::time_t ahora = std::time(nullptr);
+  const std::tm* local = std::localtime(&ahora);
+  if (local == nullptr) throw base::Error("El reloj del sistema no da la hora.");
+  const double dia = base::FechaDe(local->tm_year + 1900, local->tm_mon + 1, local->tm_mday).serie;
+  return {dia + base::HoraDe(local->tm_hour, local->tm_min, local->tm_sec).serie};
 }
 
 ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones) {
@@ -44,6 +50,7 @@ ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones) 
   traduccion_.comodines_dao = opciones.comodines_dao;
   AbrirArchivo(ruta, opciones);
   Configurar(ruta, opciones);
+  FijarOrden();
   catalogo_ = CatalogoSqlite(base_.get());
 }
 
@@ -96,6 +103,17 @@ void ConexionSqlite::Configurar(std::string_view ruta, const Opciones& opciones)
            "PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY; PRAGMA cache_size=-32768; PRAGMA "
            "secure_delete=FAST");
   if (!en_memoria) version_ajena_ = Preparar(base, "PRAGMA data_version");
+}
+
+void ConexionSqlite::FijarOrden() {
+  sqlite3* base = base_.get();
+  const std::int64_t escrito = Cifra(base, "PRAGMA user_version");
+  for (const OrdenDeArchivo& o : kOrdenes)
+    if (o.numero == escrito) entorno_.orden = o.orden;
+  const bool nuevo = escrito == 0 && Cifra(base, "PRAGMA schema_version") == 0;
+  if (!nuevo || sqlite3_db_readonly(base, "main") != 0) return;
+  for (const OrdenDeArchivo& o : kOrdenes)
+    if (o.orden == entorno_.orden) EjecutarPropio(base, o.escribir);
 }
 
 void ConexionSqlite::Cerrar() {

@@ -100,6 +100,25 @@ TEST_F(Archivos, UnNombreComoDireccionEsUnNombre) {
   EXPECT_TRUE(std::filesystem::exists(carpeta_.Ruta("file:x?mode=memory")));
 }
 
+// The indexes of a file hold for one order alone, so that it goes with the file.
+TEST_F(Archivos, ElOrdenEsElDelArchivo) {
+  const std::string ruta = carpeta_.Ruta("o.db");
+  Opciones tradicional = Crear();
+  tradicional.orden = jetsql::Orden::EspanolTradicional;
+  {
+    const auto base = Abrir(ruta, tradicional);
+    base->Ejecutar("CREATE TABLE t (v TEXT(20) CONSTRAINT pk PRIMARY KEY)");
+    for (const char* v : {"cuna", "chico", "dado"})
+      base->Ejecutar("INSERT INTO t VALUES ('" + std::string(v) + "')");
+  }
+  Opciones general = Crear();
+  general.orden = jetsql::Orden::General;
+  const auto base = Abrir(ruta, general);
+  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT v FROM t ORDER BY v")), "cuna\nchico\ndado");
+  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT v FROM t WHERE v > 'CZ'")), "chico\ndado");
+  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT StrComp('ch', 'cz')")), "1");
+}
+
 TEST_F(Archivos, UnArchivoDanadoLoDice) {
   const std::string ruta = carpeta_.Ruta("d.db");
   {
