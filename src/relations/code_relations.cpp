@@ -74,7 +74,7 @@ void CodeRelations::Reemplazar(std::string_view texto) {
   grid_.clear();
   indexada_ = false;
   std::vector<std::string_view> lineas;
-  base::SplitVistas(texto, base::kCrLf, lineas);
+  base::SplitVistas(texto, base::Contiene(texto, base::kCrLf) ? base::kCrLf : std::string_view("\n"), lineas);
   for (const std::string_view linea : lineas)
     if (!EnBlanco(linea)) Agregar(linea);
 }

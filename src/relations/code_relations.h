@@ -46,7 +46,7 @@ class CodeRelations {
   int PosDeCodigo(std::string_view codigo_relacion) const;
 
   // From the text form: lines of six "*"-joined fields; blank lines are passed over, missing fields are
-  // empty and those beyond the sixth are dropped.
+  // empty and those beyond the sixth are dropped. A text without CR LF is split at LF.
   void Reemplazar(std::string_view texto);
   void Agregar(std::string_view registro);
   void Quitar(std::size_t relacion);  // from table and grid

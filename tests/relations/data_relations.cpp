@@ -67,13 +67,14 @@ std::string Unidas(std::vector<std::string> lineas, const std::vector<std::strin
   return base::Join(lineas, "\n");
 }
 
-// levantar: the input lines "KEY=value" make the settings text, those of one key joined with CR LF.
+// levantar: the input lines "KEY=value" make the settings text, those of one key joined with CR LF (with the
+// word lf: with LF).
 std::string Levantar(Estado& e, const Bloque& b) {
   std::map<std::string, std::string> valores;
   for (const auto& linea : Lineas(b.entrada)) {
     const auto igual = linea.find('=');
     const auto [it, nuevo] = valores.emplace(linea.substr(0, igual), "");
-    it->second.append(nuevo ? "" : "\r\n").append(linea.substr(igual + 1));
+    it->second.append(nuevo ? "" : b.Tiene("lf") ? "\n" : "\r\n").append(linea.substr(igual + 1));
   }
   std::string ajustes;
   for (const auto& [clave, valor] : valores) ajustes = settings::TextoConValor(ajustes, clave, valor);
