@@ -195,6 +195,7 @@ struct Consulta {
 
   // resolved
   std::vector<ColumnaFuente> salida;
+  bool orden_por_fuera = false;  // ORDER BY names a table of an outer query
 };
 
 struct Insercion {

@@ -116,11 +116,14 @@ void Resolutor::AbrirConsulta(Fuente& f, const std::string& texto) {
   abiertas_.pop_back();
 }
 
-void Resolutor::Condiciones(const Rama& rama, const Ambito& ambito) {
+// The condition of a join sees the tables that it joins, not those beside them.
+void Resolutor::Condiciones(Rama& rama, const Ambito* padre) {
   if (rama.hoja) return;
-  Condiciones(*rama.izquierda, ambito);
-  Condiciones(*rama.derecha, ambito);
-  Resolver(const_cast<Rama&>(rama).condicion, {ambito});
+  Condiciones(*rama.izquierda, padre);
+  Condiciones(*rama.derecha, padre);
+  Ambito ambito{padre, {}, nullptr};
+  Hojas(rama, ambito.fuentes);
+  Resolver(rama.condicion, {ambito});
 }
 
 Resolutor::Hallada Resolutor::EnFuentes(const std::vector<Fuente*>& fuentes, const Expr& e) const {

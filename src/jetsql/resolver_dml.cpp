@@ -55,7 +55,7 @@ void Resolutor::Resolver(Actualizacion& s) {
   Hojas(s.de, s.fuentes);
   ResolverFuentes(s.fuentes, nullptr);
   const Ambito ambito{nullptr, s.fuentes, nullptr};
-  for (const auto& rama : s.de) Condiciones(*rama, ambito);
+  for (const auto& rama : s.de) Condiciones(*rama, nullptr);
   for (auto& cambio : s.cambios) {
     Resolver(cambio.columna, {ambito});
     if (cambio.columna->fuente == nullptr || cambio.columna->fuente->tabla == nullptr) NoActualizable();
@@ -74,7 +74,7 @@ void Resolutor::Resolver(Borrado& s) {
   Hojas(s.de, s.fuentes);
   ResolverFuentes(s.fuentes, nullptr);
   const Ambito ambito{nullptr, s.fuentes, nullptr};
-  for (const auto& rama : s.de) Condiciones(*rama, ambito);
+  for (const auto& rama : s.de) Condiciones(*rama, nullptr);
   if (s.donde) Resolver(s.donde, {ambito});
   if (s.objetivo.empty()) {
     if (s.fuentes.size() > 1)

@@ -51,7 +51,7 @@ class Resolutor {
   void ResolverFuentes(const std::vector<Fuente*>& fuentes, const Ambito* padre);
   void ResolverFuente(Fuente& f, const Ambito* padre);
   void AbrirConsulta(Fuente& f, const std::string& texto);
-  void Condiciones(const Rama& rama, const Ambito& ambito);
+  void Condiciones(Rama& rama, const Ambito* padre);
   std::string AliasUnico(std::string_view nombre);
   Hallada EnFuentes(const std::vector<Fuente*>& fuentes, const Expr& e) const;
   Hallada PorTablaLeida(const Ambito& ambito, const Expr& e) const;
@@ -66,6 +66,7 @@ class Resolutor {
   void OrdenDeDistintas(Consulta& c);
   void CalcularSalida(Consulta& c) const;
   void ElegirDistintas(Seleccion& s) const;
+  static bool NombraAfuera(const Expr& e, const Seleccion& s);
   void ComprobarGrupo(Seleccion& s, ExprPtr& e, bool dentro_de_agregado);
   bool Iguales(const Expr& a, const Expr& b, std::vector<int>& literales) const;
   bool Casan(const Expr& a, const Expr& b);  // the same, noting the literals in fijos_

@@ -44,7 +44,7 @@ void Resolutor::ResolverParte(Seleccion& s, const Ambito* padre) {
   Hojas(s.de, s.fuentes);
   ResolverFuentes(s.fuentes, padre);
   const Ambito sin_alias{padre, s.fuentes, nullptr};
-  for (const auto& rama : s.de) Condiciones(*rama, sin_alias);
+  for (const auto& rama : s.de) Condiciones(*rama, padre);
   if (s.donde) Resolver(s.donde, {sin_alias});
   Expandir(s);
   bool agregado = false;
@@ -153,6 +153,13 @@ void Resolutor::ComprobarGrupo(Seleccion& s, ExprPtr& e, bool dentro_de_agregado
   for (auto& h : e->hijos) ComprobarGrupo(s, h, agregado);
 }
 
+// Whether it names a table of an outer query.
+bool Resolutor::NombraAfuera(const Expr& e, const Seleccion& s) {
+  if (e.fuente != nullptr && std::find(s.fuentes.begin(), s.fuentes.end(), e.fuente) == s.fuentes.end())
+    return true;
+  return std::any_of(e.hijos.begin(), e.hijos.end(), [&](const ExprPtr& h) { return NombraAfuera(*h, s); });
+}
+
 void Resolutor::ResolverOrden(Consulta& c, const Ambito* padre) {
   if (c.partes.size() > 1) {
     OrdenDeUnion(c);
@@ -174,6 +181,7 @@ void Resolutor::ResolverOrden(Consulta& c, const Ambito* padre) {
     Resolver(o.expr, {ambito, Agregados::Permitidos, &agregado});
     if (agregado && !s.agregada) throw base::Error("ORDER BY tiene una función de agregado y la consulta no");
     if (s.agregada) ComprobarGrupo(s, o.expr, false);
+    c.orden_por_fuera = c.orden_por_fuera || NombraAfuera(*o.expr, s);
   }
   if (s.distincion == Distincion::Distinct) OrdenDeDistintas(c);
 }

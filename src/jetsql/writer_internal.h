@@ -47,9 +47,10 @@ class Escritor {
   void Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo, bool en_union);
   void Nucleo(const Seleccion& s, const ModoLista& modo);
   void Lista(const Seleccion& s, const ModoLista& modo);
-  void ConTope(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo);
+  void PorRango(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo);
+  void Clave(const Expr& e);
   void NombresDeLista(const Seleccion& s);
-  void Orden(const std::vector<ItemOrden>& orden, const Seleccion& s, bool por_posicion);
+  void Orden(const std::vector<ItemOrden>& orden, bool por_posicion);
   std::string Ventana(const Seleccion& s, const std::vector<ItemOrden>& orden);
 
   // FROM and WHERE (writer_from.cpp).

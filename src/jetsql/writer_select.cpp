@@ -1,13 +1,26 @@
+#include <algorithm>
+
 #include "jetsql/types_internal.h"
 #include "jetsql/writer_internal.h"
 
 namespace jetsql {
+namespace {
+
+bool EsConstante(const Expr& e) {
+  if (e.nodo == Nodo::Columna || e.nodo == Nodo::Llamada || e.consulta) return false;
+  return std::all_of(e.hijos.begin(), e.hijos.end(), [](const ExprPtr& h) { return EsConstante(*h); });
+}
+
+}  // namespace
 
 void Escritor::Escribir(const jetsql::Consulta& c) { EscribirConsulta(c, {}); }
 
 void Escritor::EscribirConsulta(const Consulta& c, ModoLista modo) {
   if (c.partes.size() == 1) {
-    Parte(c.partes[0], c.orden, modo, false);
+    if (c.orden_por_fuera && !c.partes[0].tope)
+      PorRango(c.partes[0], c.orden, modo);  // SQLite's ORDER BY does not see outer tables, its windows do
+    else
+      Parte(c.partes[0], c.orden, modo, false);
     return;
   }
   modo.cotejar = true;  // UNION tells texts apart by it, and so does the order
@@ -16,18 +29,18 @@ void Escritor::EscribirConsulta(const Consulta& c, ModoLista modo) {
     if (i > 0) t_ += c.todas[i - 1] ? " UNION ALL " : " UNION ";
     Parte(c.partes[i], {}, modo, true);
   }
-  Orden(c.orden, c.partes[0], true);
+  Orden(c.orden, true);
 }
 
 void Escritor::Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo,
                      bool en_union) {
   if (!s.tope) {
     Nucleo(s, modo);
-    Orden(orden, s, s.distincion == Distincion::Distinct);
+    Orden(orden, s.distincion == Distincion::Distinct);
     return;
   }
   if (!orden.empty() || s.tope_por_ciento) {
-    ConTope(s, orden, modo);
+    PorRango(s, orden, modo);
     return;
   }
   if (en_union) t_ += "SELECT * FROM (";
@@ -57,7 +70,7 @@ std::string Escritor::Ventana(const Seleccion& s, const std::vector<ItemOrden>& 
       if (s.distincion == Distincion::Distinct)
         e.Nombre(s.lista[static_cast<std::size_t>(orden[i].posicion)].nombre_sql);
       else
-        e.Cotejado(*orden[i].expr, 0);
+        e.Clave(*orden[i].expr);
       if (orden[i].descendente) e.t_ += " DESC";
     }
     e.t_ += ") AS \"jet_r\"";
@@ -66,8 +79,8 @@ std::string Escritor::Ventana(const Seleccion& s, const std::vector<ItemOrden>& 
   return std::move(e.t_);
 }
 
-// TOP n keeps the rows that tie with the nth.
-void Escritor::ConTope(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo) {
+// The rows by their rank: TOP n keeps those that tie with the nth.
+void Escritor::PorRango(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo) {
   ModoLista dentro = modo;
   dentro.nombres = dentro.cotejar = true;
   const std::string ventana = Ventana(s, orden);
@@ -84,10 +97,22 @@ void Escritor::ConTope(const Seleccion& s, const std::vector<ItemOrden>& orden, 
     dentro.extra = ventana;
     Nucleo(s, dentro);
   }
-  // The nth of 100 parts, rounded up: rank <= ceil(count * n / 100).
-  t_ += s.tope_por_ciento ? ") WHERE (\"jet_r\" - 1) * 100 < \"jet_n\" * " : ") WHERE \"jet_r\" <= ";
-  Literal(*s.tope);
+  t_ += ')';
+  if (s.tope) {
+    // The nth of 100 parts, rounded up: rank <= ceil(count * n / 100).
+    t_ += s.tope_por_ciento ? " WHERE (\"jet_r\" - 1) * 100 < \"jet_n\" * " : " WHERE \"jet_r\" <= ";
+    Literal(*s.tope);
+  }
   if (!orden.empty()) t_ += " ORDER BY \"jet_r\"";
+}
+
+// A key of a group or of an order. A constant parts nothing; SQLite would take a number for a place in the
+// list.
+void Escritor::Clave(const Expr& e) {
+  if (EsConstante(e))
+    t_ += "NULL";
+  else
+    Cotejado(e, 0);
 }
 
 void Escritor::Lista(const Seleccion& s, const ModoLista& modo) {
@@ -117,7 +142,7 @@ void Escritor::Nucleo(const Seleccion& s, const ModoLista& modo) {
   DeYDonde(s.de, s.donde);
   for (std::size_t i = 0; i < s.grupo.size(); ++i) {
     t_ += i == 0 ? " GROUP BY " : ", ";
-    Cotejado(*s.grupo[i], 0);
+    Clave(*s.grupo[i]);
   }
   for (std::size_t i = 0; i < s.distintas.size(); ++i) {
     t_ += i == 0 ? " GROUP BY " : ", ";
@@ -129,13 +154,13 @@ void Escritor::Nucleo(const Seleccion& s, const ModoLista& modo) {
   }
 }
 
-void Escritor::Orden(const std::vector<ItemOrden>& orden, const Seleccion&, bool por_posicion) {
+void Escritor::Orden(const std::vector<ItemOrden>& orden, bool por_posicion) {
   for (std::size_t i = 0; i < orden.size(); ++i) {
     t_ += i == 0 ? " ORDER BY " : ", ";
     if (por_posicion)
       t_ += std::to_string(orden[i].posicion + 1);
     else
-      Cotejado(*orden[i].expr, 0);
+      Clave(*orden[i].expr);
     if (orden[i].descendente) t_ += " DESC";
   }
 }
