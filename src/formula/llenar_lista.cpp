@@ -92,14 +92,14 @@ std::string SentenciaDeLista(std::string_view tabla, std::string_view campos, st
 
 int LlenarLista(ListControl& control, std::string_view tabla, std::string_view campos,
                 std::string_view condicion, std::string_view separador, Vector* vector,
-                const db::DbSession& sesion) {
+                const db::DbSession& sesion, base::SumideroErrores* errores) {
   if (!base::EmpiezaCon(campos, kAgregar)) {
     control.items.clear();
     control.ListIndex = -1;
     if (vector != nullptr) *vector = Vector{};
   }
-  if (!sesion.Abierta()) return -1;
-  const bool bien = base::ErrorIgnorado("LlenarLista", nullptr, [&] {
+  const bool bien = base::ErrorIgnorado("LlenarLista", errores, [&] {
+    if (!sesion.Abierta()) throw db::Error("La Base no está Abierta");
     const db::Recordset filas = sesion.conexion->Consultar(SentenciaDeLista(tabla, campos, condicion));
     Llenar(control, vector, filas, ColumnasDe(SinMarca(campos), filas), separador);
   });

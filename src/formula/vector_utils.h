@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/error.h"
 #include "db/db_session.h"
 #include "formula/list_control.h"
 #include "formula/vector.h"
@@ -25,10 +26,11 @@ void QuitarRegistro(Vector& vector, std::ptrdiff_t posicion);
 // Fills a list, and a vector when given, from a table or a SELECT. `campos` starting with "++" appends.
 // Returns 0, or -1 when the statement failed (the control is then as far as it was filled). With a vector the
 // first field feeds it (a "*"-joined record) and the item shows the remaining ones; without one the item
-// shows all. The item's datum is the number of the record's first "*" part.
+// shows all. The item's datum is the number of the record's first "*" part. Why it failed is noted in
+// `errores`.
 int LlenarLista(ListControl& control, std::string_view tabla, std::string_view campos,
                 std::string_view condicion, std::string_view separador, Vector* vector,
-                const db::DbSession& sesion);
+                const db::DbSession& sesion, base::SumideroErrores* errores = nullptr);
 // The statement that LlenarLista runs.
 std::string SentenciaDeLista(std::string_view tabla, std::string_view campos, std::string_view condicion);
 

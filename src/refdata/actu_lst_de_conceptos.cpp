@@ -1,5 +1,6 @@
 #include "formula/vector_utils.h"
 #include "refdata/concepts_catalogue.h"
+#include "refdata/ejecutar_internal.h"
 #include "refdata/sql.h"
 
 namespace refdata {
@@ -26,11 +27,12 @@ void ActuLSTdeConceptos(const db::DbSession& sesion, const settings::Settings& o
       sql::Conceptos(sesion.idEmpresa, opciones.SoloDatosDeRel, opciones.ImportarCuotas);
   // The filler empties combo and table before it runs the query and adds to both together, so that item i
   // and entry i stay a pair; the "-1" entry comes back when there was nothing to add.
+  base::SumideroErrores motivos;
   const int estado = formula::LlenarLista(catalogo.cmbConceptos, texto, "Datos,Codigo,Nombre", "", " - ",
-                                          &catalogo.tabla, sesion);
+                                          &catalogo.tabla, sesion, &motivos);
   if (estado == 0) return;
   catalogo.tabla = SinConceptos();
-  if (errores != nullptr) errores->push_back({"ActuLSTdeConceptos", texto});
+  AnotarLista("ActuLSTdeConceptos", motivos, errores);
 }
 
 }  // namespace refdata

@@ -98,11 +98,10 @@ void CargarCentrosDeCosto(const db::DbSession& sesion, const settings::Settings&
   DejarPorDefecto(tipos.cmbAgrupaDef);
   base::ErrorIgnorado("CargarTiposLiquidacion: cmbAgrupa", errores,
                       [&] { AgregarItems(tipos.cmbAgrupa, Ejecutar(sesion, sql::CentrosDeCosto()), 0, 1); });
-  const int estado =
-      formula::LlenarLista(tipos.cmbAgrupaDef, "CentroCosto", "++idCC,NombreCC", "", " - ", nullptr, sesion);
-  if (estado != 0 && errores != nullptr)
-    errores->push_back({"CargarTiposLiquidacion: cmbAgrupaDef",
-                        formula::SentenciaDeLista("CentroCosto", "idCC,NombreCC", "")});
+  base::SumideroErrores motivos;
+  formula::LlenarLista(tipos.cmbAgrupaDef, "CentroCosto", "++idCC,NombreCC", "", " - ", nullptr, sesion,
+                       &motivos);
+  AnotarLista("CargarTiposLiquidacion: cmbAgrupaDef", motivos, errores);
   if (sesion.TipoConstruccion) tipos.lblAgrupa = kEnObra;
   // for every grouped company, construction or not: wanted
   tipos.lblAgrupaDef = kEnObra;

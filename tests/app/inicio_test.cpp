@@ -162,6 +162,26 @@ TEST_F(Inicio, AMissingCompanyTableLeavesTheFlagsAndRunsTheLoaders) {
   EXPECT_GT(p.Ver().tablas.Cantidad(), 0U);
 }
 
+// A base that is no payroll base: nothing is shown, and what was passed over says what is missing.
+TEST_F(Inicio, ABaseWithoutTheTablesSaysWhatIsMissing) {
+  {
+    app::Programa& p = Crear();
+    ASSERT_TRUE(p.Iniciar(demo_.referencia));
+    p.Sesion().conexion->Ejecutar("Update Empresa Set LiqAgrup=True");
+    for (const char* tabla : {"CentroCosto", "Conceptos", "Tablas"})
+      p.Sesion().conexion->Ejecutar("Drop Table " + std::string(tabla));
+  }
+  app::Programa& p = Crear();
+  ASSERT_TRUE(p.Iniciar(demo_.referencia));
+  std::string notas;
+  for (const auto& error : p.Errores()) notas += error.donde + ": " + error.descripcion + "\n";
+  EXPECT_EQ(notas,
+            "CargarTiposLiquidacion: cmbAgrupa: No se encuentra la tabla o consulta 'CentroCosto'\n"
+            "CargarTiposLiquidacion: cmbAgrupaDef: No se encuentra la tabla o consulta 'CentroCosto'\n"
+            "Conectar: tablas de usuario: No se encuentra la tabla o consulta 'Tablas'\n"
+            "ActuLSTdeConceptos: No se encuentra la tabla o consulta 'Conceptos'\n");
+}
+
 // Each of the three is taken by itself: a flag that is none does not take the company along.
 TEST_F(Inicio, ACompanyRowIsReadFieldByField) {
   {
