@@ -165,7 +165,8 @@ Importacion Importar(const EntradaImportacion& e, std::vector<ImportRow>& filas)
       conexion.CommitTrans();
     resultado.confirmada = true;
   } catch (const base::Error& error) {
-    base::ErrorIgnorado("Importar: deshacer", &resultado.errores, [&] { conexion.RollbackTrans(); });
+    if (conexion.EnTransaccion())  // a commit that fails may have undone it
+      base::ErrorIgnorado("Importar: deshacer", &resultado.errores, [&] { conexion.RollbackTrans(); });
     NadaEscrito(e, error.Descripcion(), filas, resultado);
   }
   if (e.deshacer || !resultado.confirmada) recargar();  // what the cache saw was undone

@@ -1,0 +1,255 @@
+// What a run does when a statement, or the transaction itself, fails: no quantity is lost to, or added from,
+// a datum that was never written.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/text.h"
+#include "demo/demo_base.h"
+#include "engine_sqlite/sqlite_connection.h"
+#include "liquidation/importar.h"
+#include "refdata/liquidation_types.h"
+
+namespace {
+
+// The embedded engine, where chosen statements fail.
+class ConexionConFallas final : public db::Connection {
+ public:
+  explicit ConexionConFallas(const ports::Clock& reloj) {
+    engine_sqlite::Opciones opciones;
+    opciones.reloj = &reloj;
+    motor_ = engine_sqlite::Abrir(":memory:", opciones);
+  }
+
+  // The `vez`-th statement from now on that starts so (1: the next) fails.
+  void Fallar(std::string comienzo, int vez) {
+    comienzo_ = std::move(comienzo);
+    vez_ = vez;
+  }
+  bool falla_begin = false, falla_commit = false;
+  std::function<void(std::string_view)> al_ejecutar;  // before each statement that succeeds
+  std::string quitar;                                 // a piece that no statement has any more
+
+  bool Abierta() const override { return motor_->Abierta(); }
+  void Cerrar() override { motor_->Cerrar(); }
+  db::Recordset Ejecutar(std::string_view sql) override {
+    if (vez_ > 0 && base::EmpiezaCon(base::TrimVista(sql), comienzo_) && --vez_ == 0)
+      throw db::Error("falla de prueba");
+    if (al_ejecutar) al_ejecutar(sql);
+    if (!quitar.empty()) return motor_->Ejecutar(base::Reemplazar(sql, quitar, ""));
+    return motor_->Ejecutar(sql);
+  }
+  db::Recordset Consultar(std::string_view sql) override { return motor_->Consultar(sql); }
+  std::int64_t FilasAfectadas() const override { return motor_->FilasAfectadas(); }
+  void BeginTrans() override {
+    if (falla_begin) throw db::Error("no comienza");
+    motor_->BeginTrans();
+  }
+  void CommitTrans() override {
+    if (falla_commit) throw db::Error("no termina");
+    motor_->CommitTrans();
+  }
+  void RollbackTrans() override { motor_->RollbackTrans(); }
+  bool EnTransaccion() const override { return motor_->EnTransaccion(); }
+
+ private:
+  std::unique_ptr<db::Connection> motor_;
+  std::string comienzo_;
+  int vez_ = 0;
+};
+
+class Cajas final : public ports::Prompts {
+ public:
+  bool Mostrar(const ports::Aviso& aviso) override {
+    textos.push_back(aviso.texto);
+    return false;
+  }
+  bool Confirmar(const std::string&) override { return true; }
+  std::vector<std::string> textos;
+};
+
+// The demo's month. Contract 117, card 7005, has no header in it and nothing of concept 7 or table 5.
+class Fallas : public ::testing::Test {
+ protected:
+  Fallas() {
+    auto propia = std::make_unique<ConexionConFallas>(reloj_);
+    conexion_ = propia.get();
+    sesion_.conexion = std::move(propia);
+    sesion_.reloj = &reloj_;
+    sesion_.idEmpresa = 1;
+    demo::LlenarBase(*conexion_, kMes);
+    opciones_.Configura = 2;
+    opciones_.TotalizarConc = true;
+    refdata::CargarVecDePersonas(sesion_, kMes, personas_, cajas_);
+    refdata::CargarTiposLiquidacion(sesion_, opciones_, tipos_);
+    relaciones_.Reemplazar("NOR*65535*,1,*7*Horas Comunes*0\r\nTK*65535*,9,*1005*Tickets*0");
+    evaluador_.sesion = &sesion_;
+  }
+
+  // Lines of a code and a quantity; the results, parted by "|".
+  std::string Importar(const std::vector<std::pair<std::string, std::string>>& lineas,
+                       const std::string& tarjeta = "7005") {
+    std::vector<importfile::ImportRow> filas;
+    for (const auto& [tipo, cantidad] : lineas) {
+      importfile::ImportRow& fila = filas.emplace_back();
+      fila.campo[importfile::kClave] = tarjeta;
+      fila.campo[importfile::kTipo] = tipo;
+      fila.campo[importfile::kCantidad] = cantidad;
+      fila.campo[importfile::kTipoDato] = "3";
+      fila.campo[importfile::kTipoCuota] = "0";
+    }
+    liquidation::EntradaImportacion e;
+    e.sesion = &sesion_;
+    e.opciones = &opciones_;
+    e.personas = &personas_;
+    e.relaciones = &relaciones_;
+    e.evaluador = &evaluador_;
+    e.tablas = &tablas_;
+    e.prompts = &cajas_;
+    e.progreso = &progreso_;
+    e.mes = kMes;
+    e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
+                     tipos_.CalendarCondition};
+    e.texto_liquidacion = "0 - Sueldos";
+    importacion_ = liquidation::Importar(e, filas);
+    std::vector<std::string> resultados;
+    for (const auto& fila : filas) resultados.push_back(fila.resultado);
+    return base::Join(resultados, "|");
+  }
+
+  std::string Valor(const std::string& sql) {
+    const db::Recordset rs = conexion_->Consultar(sql);
+    std::string texto;
+    for (std::size_t i = 0; i < rs.Cantidad(); ++i) texto += (i > 0 ? "|" : "") + rs.En(0, i).TextoCsv();
+    return texto;
+  }
+  std::string Horas() {
+    return Valor(
+        "Select D.Cantidad From Datos_Liquidacion as D inner join Encabezados as E on "
+        "D.id_Encabezado=E.id_Encabezado Where E.id_Contrato=117 and D.id_Concepto=7 Order by D.id_Dato");
+  }
+  std::string Encabezados() { return Valor("Select Count(*) From Encabezados Where id_Contrato=117"); }
+
+  static inline const base::Fecha kMes = base::FechaDe(2026, 10, 1);
+  ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
+  db::DbSession sesion_;
+  ConexionConFallas* conexion_ = nullptr;
+  settings::Settings opciones_;
+  refdata::PersonsIndex personas_;
+  refdata::LiquidationTypes tipos_;
+  relations::CodeRelations relaciones_;
+  formula::TablasUsuario tablas_;
+  formula::Evaluador evaluador_;
+  ports::SinProgreso progreso_;
+  Cajas cajas_;
+  liquidation::Importacion importacion_;
+};
+
+TEST_F(Fallas, NothingFails) {
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}, {"1", "1"}}), "OK|OK|OK");
+  EXPECT_EQ(Horas(), "11");
+  EXPECT_EQ(importacion_.importadas, 3U);
+}
+
+TEST_F(Fallas, AnInsertThatFailsIsNotAddedToLater) {
+  conexion_->Fallar("insert into Datos_Liquidacion", 1);
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}, {"1", "1"}}), "falla de prueba|OK|OK");
+  EXPECT_EQ(Horas(), "3");
+  ASSERT_EQ(importacion_.totales.size(), 1U);
+  EXPECT_EQ(importacion_.totales[0].lineas, 2U);
+  EXPECT_EQ(importacion_.totales[0].cantidad, 3);
+}
+
+TEST_F(Fallas, AnUpdateThatFailsIsNotAddedToLater) {
+  conexion_->Fallar("Update Datos_Liquidacion", 1);
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}, {"1", "1"}}), "OK|falla de prueba|OK");
+  EXPECT_EQ(Horas(), "9");
+}
+
+TEST_F(Fallas, AUserTableThatFailsIsNotAddedToLater) {
+  conexion_->Fallar("Insert into DatosUsuTablas", 1);
+  EXPECT_EQ(Importar({{"9", "8"}, {"9", "2"}, {"9", "1"}}), "falla de prueba|OK|OK");
+  EXPECT_EQ(Valor("Select Valor From DatosUsuTablas Where Codigo='117'"), "3");
+}
+
+// The second line finds no header and makes it.
+TEST_F(Fallas, AHeaderThatFailsIsMadeByTheNextLine) {
+  conexion_->Fallar("Insert into Encabezados", 1);
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}}), "falla de prueba|OK");
+  EXPECT_EQ(Horas(), "2");
+  EXPECT_EQ(Encabezados(), "1");
+}
+
+// The header stands, though reading it back failed: the next line uses it.
+TEST_F(Fallas, AHeaderThatIsNotReadBackIsNotMadeTwice) {
+  conexion_->Fallar("Select E.id_Encabezado,MesDeLiq", 2);
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}}), "falla de prueba|OK");
+  EXPECT_EQ(Horas(), "2");
+  EXPECT_EQ(Encabezados(), "1");
+}
+
+TEST_F(Fallas, ATypeQueryThatFailsGivesNoType) {
+  conexion_->Fallar("SELECT  TTL.id_TipoLiq", 1);
+  EXPECT_EQ(Importar({{"1", "8"}}), "La Liquidaciones de tipo 0 - Sueldos estan terminadas");
+  EXPECT_EQ(Encabezados(), "0");
+}
+
+// Without totalising the old datum is deleted first; when that fails the line still inserts, and says so.
+TEST_F(Fallas, ADeleteThatFailsIsTheLinesResult) {
+  opciones_.TotalizarConc = false;
+  EXPECT_EQ(Importar({{"1", "8"}}), "OK");
+  conexion_->Fallar("Delete From Datos_Liquidacion", 1);
+  EXPECT_EQ(Importar({{"1", "2"}}), "falla de prueba");
+  EXPECT_EQ(Horas(), "8|2");
+}
+
+// The query of open headers leaves the finished ones out; one that comes all the same is not written to.
+TEST_F(Fallas, AFinishedHeaderIsNotWrittenTo) {
+  const std::string antes = Valor("Select Count(*) From Datos_Liquidacion");
+  conexion_->quitar = " and Terminado=False";
+  EXPECT_EQ(Importar({{"1", "8"}}, "7049"), "La Liquidación está terminada");
+  EXPECT_EQ(Valor("Select Count(*) From Datos_Liquidacion"), antes);
+}
+
+TEST_F(Fallas, BulkUpdatesThatFailAreNotedAndTheOthersRun) {
+  conexion_->Fallar("UPDATE Datos_Liquidacion INNER JOIN CDeta", 1);
+  EXPECT_EQ(Importar({{"1", "8"}}), "OK");
+  ASSERT_EQ(importacion_.errores.size(), 1U);
+  EXPECT_EQ(importacion_.errores[0].donde, "Importar: días trabajados");
+  EXPECT_EQ(Valor("Select D.DetLiq From Datos_Liquidacion as D inner join Encabezados as E on "
+                  "D.id_Encabezado=E.id_Encabezado Where E.id_Contrato=117"),
+            "8 x 281");
+}
+
+TEST_F(Fallas, ACommitThatFailsIsEveryLinesResultAndIsShownOnce) {
+  conexion_->falla_commit = true;
+  EXPECT_EQ(Importar({{"1", "8"}, {"77", "2"}}), "no termina|no termina");
+  EXPECT_EQ(cajas_.textos, std::vector<std::string>{"no termina"});
+  EXPECT_EQ(importacion_.error, "no termina");
+  EXPECT_EQ(importacion_.importadas, 0U);
+  EXPECT_TRUE(importacion_.totales.empty());
+  EXPECT_TRUE(importacion_.errores.empty());
+  EXPECT_FALSE(conexion_->EnTransaccion());
+  EXPECT_EQ(Horas(), "");
+  EXPECT_EQ(Encabezados(), "0");
+}
+
+TEST_F(Fallas, ATransactionThatDoesNotBeginWritesNothing) {
+  conexion_->falla_begin = true;
+  bool corrio = false;
+  conexion_->al_ejecutar = [&](std::string_view) { corrio = true; };
+  EXPECT_EQ(Importar({{"1", "8"}}), "no comienza");
+  EXPECT_FALSE(corrio);
+  EXPECT_EQ(cajas_.textos, std::vector<std::string>{"no comienza"});
+}
+
+TEST_F(Fallas, AClosedBaseSaysSoOnEveryLine) {
+  conexion_->Cerrar();
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "9"}}), "La Base no está Abierta|La Base no está Abierta");
+  EXPECT_EQ(cajas_.textos, std::vector<std::string>{"La Base no está Abierta"});
+}
+
+}  // namespace
