@@ -128,15 +128,28 @@ OpcionesImportar Completar(OpcionesImportar o, const Textos& t, bool solo_revisa
   return o;
 }
 
-// The parser's own messages, said in Spanish.
+// What follows the first ": " of a message of the parser, the part that names what is wrong.
+std::string Detalle(const std::string& texto) {
+  const std::size_t corte = texto.find(": ");
+  return corte == std::string::npos ? texto : texto.substr(corte + 2);
+}
+
+// The parser's own messages, said in Spanish. They are told apart by their class: the name of one with extra
+// arguments is the verb's.
 std::string EnEspanol(const CLI::ParseError& e) {
-  const std::string nombre = e.get_name(), texto = e.what();
-  if (nombre == "RequiredError" && base::Contiene(texto, "subcommand"))
-    return "Falta el verbo: importar, revisar, formula, consulta o demo";
-  if (nombre == "RequiredError") return "Falta un argumento: " + base::Reemplazar(texto, " is required", "");
-  if (nombre == "ExtrasError") return "Argumento desconocido: " + texto.substr(texto.find(':') + 1);
-  if (nombre == "ArgumentMismatch") return "Falta el valor de un argumento, o sobra: " + texto;
-  if (nombre == "ConversionError") return "Valor que no se entiende: " + texto;
+  const std::string texto = e.what();
+  if (dynamic_cast<const CLI::RequiredError*>(&e) != nullptr) {
+    if (base::Contiene(texto, "subcommand"))
+      return "Falta el verbo: importar, revisar, formula, consulta o demo";
+    return "Falta un argumento: " + base::Reemplazar(texto, " is required", "");
+  }
+  if (dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr) return "Argumento de más: " + Detalle(texto);
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&e) != nullptr) {
+    const std::string opcion = texto.substr(0, texto.find_first_of(": "));
+    if (base::Contiene(texto, "override")) return opcion + ": no lleva valor";
+    return opcion + (base::Contiene(texto, "missing") ? ": falta su valor" : ": va una sola vez");
+  }
+  if (dynamic_cast<const CLI::ConversionError*>(&e) != nullptr) return "No es un número: " + Detalle(texto);
   return texto;
 }
 
@@ -149,8 +162,8 @@ std::vector<std::string> ConExpresionAlFinal(std::vector<std::string> args) {
       ++i;
       continue;
     }
-    if (a == "-h" || a == "--help" || a == "--" || base::EmpiezaCon(a, "--base=") ||
-        base::EmpiezaCon(a, "--hoy="))
+    if (a == "--") return args;  // said so already
+    if (a == "-h" || a == "--help" || base::EmpiezaCon(a, "--base=") || base::EmpiezaCon(a, "--hoy="))
       continue;
     if (a.size() < 2 || a.front() != '-') continue;
     const std::string expresion = a;
@@ -210,7 +223,8 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   v_consulta->add_option("--base", consulta.base, "Base de datos: un archivo, o ConfBase.cfg")->required();
   v_consulta->add_option("SQL", consulta.sql, "La sentencia, o - para leer una por línea de la entrada")
       ->required();
-  v_consulta->add_flag("--escribir", consulta.escribir, "Permite sentencias que cambian la base");
+  v_consulta->add_flag("--escribir", consulta.escribir, "Permite sentencias que cambian la base")
+      ->disable_flag_override();
   OpcionHoy(v_consulta, t);
   CLI::App* v_demo = app.add_subcommand("demo", "Crea una base de muestra con sus archivos y ajustes");
   v_demo->add_option("CARPETA", demo.carpeta, "Carpeta donde crearlos")->required();
