@@ -21,13 +21,24 @@ void Programa::Conectar(std::string& referencia) {
   sesion_.id_Usuario = nueva.id_Usuario;
   e_.motivo_base = std::move(nueva.motivo);
   if (!sesion_.Abierta()) return;
-  if (arranque_.una_transaccion)
-    base::ErrorIgnorado("Conectar: transacción", &errores_, [&] { sesion_.conexion->BeginTrans(); });
+  if (arranque_.una_transaccion && !Comenzar()) return;
   if (!NombraBaseDeLaEmpresa(referencia)) return;
   LeerEmpresa();
   CargarTiposLiquidacion();
   base::ErrorIgnorado("Conectar: tablas de usuario", &errores_,
                       [&] { e_.tablas.CargarTablasUsuario(sesion_, -1); });
+}
+
+// Without its transaction the start-up itself would be written for good: the base then counts as not opened.
+bool Programa::Comenzar() {
+  try {
+    sesion_.conexion->BeginTrans();
+    return true;
+  } catch (const base::Error& e) {
+    e_.motivo_base = e.Descripcion();
+    sesion_.conexion.reset();
+    return false;
+  }
 }
 
 void Programa::LeerEmpresa() {

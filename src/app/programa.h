@@ -30,8 +30,9 @@ struct Arranque {
   std::string version = "1.0.0";
   std::optional<std::string> ajustes;  // the settings text itself: then the file is neither read nor written
   std::optional<base::Fecha> mes;      // instead of the current month
-  bool una_transaccion =
-      false;  // begin a transaction as soon as the base is open, before anything is written
+  // Begin a transaction as soon as the base is open, before anything is written; a base that refuses it is
+  // not opened.
+  bool una_transaccion = false;
 };
 
 class Programa {
@@ -121,6 +122,7 @@ class Programa {
   void AbrirBase(std::string referencia);
   bool TerminarInicio();
   void Conectar(std::string& referencia);
+  bool Comenzar();
   void LeerEmpresa();
 
   void PonerLayout();
