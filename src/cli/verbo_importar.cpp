@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "app/programa.h"
 #include "base/encoding.h"
 #include "base/file.h"
@@ -10,12 +12,31 @@
 namespace cli {
 namespace {
 
-// The settings text of the run, with the options of the command line over the file's.
-std::string TextoDeAjustes(const OpcionesImportar& o, const std::string& carpeta) {
+// The settings text of the run, with the options of the command line over the file's. A file that is there
+// and cannot be read is no empty one: the defaults in its place would write other quantities. 0, or the exit
+// code.
+int LeerAjustes(const OpcionesImportar& o, const std::string& carpeta, std::string& texto,
+                std::ostream& err) {
   const std::string ruta = o.ajustes ? *o.ajustes : settings::RutaDeAjustes(carpeta);
-  std::string texto = base::DeCp1252(base::LeerArchivo(ruta).value_or(""));
-  for (const auto& [clave, valor] : o.opciones) texto = settings::TextoConValor(texto, clave, valor);
-  return texto;
+  const bool existe = base::ExisteArchivo(ruta);
+  if (o.ajustes && !existe) {
+    err << "El Archivo '" << ruta << "' no existe\n";
+    return kSinArchivo;
+  }
+  const auto bytes = base::LeerArchivo(ruta);
+  if (existe && !bytes) {
+    err << "El Archivo '" << ruta << "' no se puede leer\n";
+    return kEntradaSalida;
+  }
+  texto = base::DeCp1252(bytes.value_or(""));
+  for (const auto& [clave, valor] : o.opciones) {
+    texto = settings::TextoConValor(texto, clave, valor);
+    const std::string solo = settings::ValorDeTexto(settings::TextoConValor("", clave, valor), clave);
+    if (settings::ValorDeTexto(texto, clave) == solo) continue;
+    err << "--opcion " << clave << ": en '" << ruta << "' esa clave está repetida o le falta su cierre\n";
+    return kArchivoMalo;
+  }
+  return 0;
 }
 
 // The position of the entry of that value, or -1 with a message that lists what there is.
@@ -81,14 +102,12 @@ int Mostrar(const OpcionesImportar& o, const app::Programa& programa, Flujos f) 
 }  // namespace
 
 int Importar(const OpcionesImportar& o, const std::string& carpeta, const ports::Clock& reloj, Flujos f) {
-  if (o.ajustes && !base::ExisteArchivo(*o.ajustes)) {
-    f.err << "El Archivo '" << *o.ajustes << "' no existe\n";
-    return kSinArchivo;
-  }
+  std::string ajustes;
+  if (const int mal = LeerAjustes(o, carpeta, ajustes, f.err); mal != 0) return mal;
   Consola consola(f.err);
   app::Arranque arranque;
   arranque.carpeta = carpeta;
-  arranque.ajustes = TextoDeAjustes(o, carpeta);
+  arranque.ajustes = std::move(ajustes);
   arranque.mes = o.mes;
   arranque.una_transaccion = true;
   app::Programa programa({consola, consola, reloj, nullptr}, arranque);
@@ -101,11 +120,14 @@ int Importar(const OpcionesImportar& o, const std::string& carpeta, const ports:
   if (!ElegirDestino(programa, o, f.err)) {
     codigo = kUso;
   } else {
-    if (o.filtro_texto) programa.OptFiltro_Click(0);
-    programa.Activate();
+    // One load: choosing the other filter brings its own.
+    if (o.filtro_texto)
+      programa.OptFiltro_Click(0);
+    else
+      programa.Activate();
     switch (programa.Ver().fin_de_carga) {
-      case importfile::FinDeCarga::SinArchivo:
-        codigo = kSinArchivo;
+      case importfile::FinDeCarga::SinArchivo:  // or one that cannot be read
+        codigo = base::ExisteArchivo(o.archivo) ? kEntradaSalida : kSinArchivo;
         break;
       case importfile::FinDeCarga::Completa:
         if (!programa.Ver().filas.empty()) programa.Importar(o.solo_revisar);
