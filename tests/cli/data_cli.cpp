@@ -1,0 +1,147 @@
+// Runs the command line and prints what came of it. Each file has a folder of its own, "{dir}" in its texts.
+//
+//   demo                the demo of October 2026
+//   file NAME [crlf]    a file of the folder: the lines with CR LF between them, and one at the end with
+//   crlf;
+//                       CP1252
+//   run                 arguments, one a line; after a line "<" the lines of the standard input. Prints the
+//   exit
+//                       code, then the lines of the output ("|"), then those of the error output ("!"). A "$"
+//                       ends a line that would end in a blank
+//   import file=NAME    importar over that file with the folder's base and settings, into October 2026, as
+//   CSV; the
+//                       lines are further arguments
+//   review file=NAME    the same with revisar
+//   query               a statement of the dialect over the demo base; rows joined with |
+//   mark                remembers every row of the base
+//   changes             the rows that differ from then: "- " gone, "+ " new; "none"
+#include <algorithm>
+#include <memory>
+#include <set>
+
+#include "base/encoding.h"
+#include "base/text.h"
+#include "engine_sqlite/sqlite_connection.h"
+#include "mesa.h"
+#include "support/data_test.h"
+
+namespace {
+
+using support::Bloque;
+
+class Prueba {
+ public:
+  std::string Demo(const Bloque&) {
+    const prueba::Salida s = mesa_.Demo();
+    return s.codigo == 0 ? "" : s.err;
+  }
+
+  std::string Archivo(const Bloque& b) {
+    std::string texto = base::Reemplazar(b.entrada, "\n", "\r\n");
+    if (b.Tiene("crlf")) texto += "\r\n";
+    mesa_.Escribir(b.opciones.at(0), base::ACp1252(ConCarpeta(texto)));
+    return {};
+  }
+
+  std::string Correr(const Bloque& b) {
+    std::vector<std::string> argumentos;
+    std::string entrada;
+    bool a_la_entrada = false;
+    for (const std::string& linea : base::Split(b.entrada, "\n")) {
+      if (a_la_entrada)
+        entrada += linea + "\n";
+      else if (linea == "<")
+        a_la_entrada = true;
+      else
+        argumentos.push_back(ConCarpeta(linea));
+    }
+    if (b.entrada.empty()) argumentos.clear();
+    const prueba::Salida s = mesa_.Correr(argumentos, entrada);
+    return "exit " + std::to_string(s.codigo) + Lineas("|", s.out) + Lineas("!", s.err);
+  }
+
+  std::string Importar(const std::string& verbo, const Bloque& b) {
+    Bloque completo = b;
+    completo.entrada = verbo + "\n--base\n{dir}/ConfBase.cfg\n--archivo\n{dir}/" + b.Opcion("file") +
+                       "\n--mes\n2026-10\n--salida\ncsv" + (b.entrada.empty() ? "" : "\n" + b.entrada);
+    return Correr(completo);
+  }
+
+  std::string Query(const Bloque& b) {
+    const auto conexion = engine_sqlite::Abrir(mesa_.Ruta("Personal.sqlite"), {});
+    const db::Recordset rs = conexion->Consultar(b.entrada);
+    std::vector<std::string> filas;
+    for (std::size_t f = 0; f < rs.Cantidad(); ++f) {
+      std::vector<std::string> celdas;
+      for (std::size_t i = 0; i < rs.Campos().size(); ++i)
+        celdas.push_back(rs.En(i, f).EsNulo() ? "NULL" : rs.En(i, f).TextoCsv());
+      filas.push_back(base::Join(celdas, "|"));
+    }
+    return base::Join(filas, "\n");
+  }
+
+  std::string Marcar(const Bloque&) {
+    marca_ = Filas();
+    return {};
+  }
+
+  std::string Cambios(const Bloque&) {
+    const std::multiset<std::string> ahora = Filas();
+    std::vector<std::string> cambios, quitadas, puestas;
+    std::set_difference(marca_.begin(), marca_.end(), ahora.begin(), ahora.end(),
+                        std::back_inserter(quitadas));
+    std::set_difference(ahora.begin(), ahora.end(), marca_.begin(), marca_.end(),
+                        std::back_inserter(puestas));
+    for (const auto& fila : quitadas) cambios.push_back("- " + fila);
+    for (const auto& fila : puestas) cambios.push_back("+ " + fila);
+    return cambios.empty() ? "none" : base::Join(cambios, "\n");
+  }
+
+ private:
+  std::string ConCarpeta(const std::string& texto) const {
+    return base::Reemplazar(texto, "{dir}", mesa_.Carpeta());
+  }
+
+  std::string Lineas(const std::string& marca, const std::string& texto) const {
+    std::string salida;
+    std::istringstream lineas(base::Reemplazar(texto, mesa_.Carpeta(), "{dir}"));
+    for (std::string linea; std::getline(lineas, linea);)
+      salida += base::TerminaCon(linea, " ") ? "\n" + marca + linea + "$" : "\n" + marca + linea;
+    return salida;
+  }
+
+  // With the table's name before each row.
+  std::multiset<std::string> Filas() const {
+    std::multiset<std::string> filas;
+    std::string tabla;
+    for (const std::string& linea : base::Split(mesa_.Filas(), "\n")) {
+      if (linea.empty()) continue;
+      if (linea[0] == ' ')
+        filas.insert(tabla + ": " + base::Trim(linea));
+      else
+        tabla = linea;
+    }
+    return filas;
+  }
+
+  prueba::Mesa mesa_;
+  std::multiset<std::string> marca_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return support::EjecutarArchivos(argc, argv, [] {
+    auto p = std::make_shared<Prueba>();
+    return support::Verbos{
+        {"demo", [p](const Bloque& b) { return p->Demo(b); }},
+        {"file", [p](const Bloque& b) { return p->Archivo(b); }},
+        {"run", [p](const Bloque& b) { return p->Correr(b); }},
+        {"import", [p](const Bloque& b) { return p->Importar("importar", b); }},
+        {"review", [p](const Bloque& b) { return p->Importar("revisar", b); }},
+        {"query", [p](const Bloque& b) { return p->Query(b); }},
+        {"mark", [p](const Bloque& b) { return p->Marcar(b); }},
+        {"changes", [p](const Bloque& b) { return p->Cambios(b); }},
+    };
+  });
+}
