@@ -116,13 +116,11 @@ void ConexionSqlite::VerCambiosAjenos() {
 
 std::shared_ptr<Preparada> ConexionSqlite::Resolver(std::string_view sql,
                                                     const std::vector<base::Valor>*& literales) {
-  if (const CacheDeTextos::Ranura* r = textos_.Buscar(sql)) {
-    ++contadores_.textos_iguales;
-    literales = &r->literales;
-    return r->preparada;
+  if (const CacheDeMoldes::Hallado h = moldes_.Buscar(sql); h.ranura != nullptr) {
+    ++(h.igual ? contadores_.textos_iguales : contadores_.formas_conocidas);
+    literales = &h.ranura->molde.Literales();
+    return h.ranura->preparada;
   }
-  forma_.clave.clear();
-  forma_.literales.clear();
   literales = &forma_.literales;
   if (!jetsql::SepararLiterales(sql, forma_)) {
     Traducir(sql);  // says what is wrong
@@ -138,7 +136,7 @@ std::shared_ptr<Preparada> ConexionSqlite::Resolver(std::string_view sql,
     if (p->traduccion.clase == Clase::Definicion) return p;
     formas_.Guardar(forma_, p);
   }
-  textos_.Guardar(sql, p, forma_.literales);
+  moldes_.Guardar(sql, forma_, p);
   return p;
 }
 
@@ -223,7 +221,7 @@ void ConexionSqlite::LanzarDePaso() {
 }
 
 void ConexionSqlite::OlvidarTodo() {
-  textos_.Vaciar();
+  moldes_.Vaciar();
   formas_.Vaciar();
   catalogo_.Olvidar();
 }

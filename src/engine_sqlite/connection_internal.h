@@ -59,7 +59,7 @@ class ConexionSqlite final : public db::Connection {
   CatalogoSqlite catalogo_{nullptr};
   jetsql::OpcionesTraduccion traduccion_;
   CacheDeFormas formas_;
-  CacheDeTextos textos_;
+  CacheDeMoldes moldes_;
   jetsql::Forma forma_;  // of the statement that is running; kept for its memory
   Contadores contadores_;
   std::int64_t afectadas_ = 0;

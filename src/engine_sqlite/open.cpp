@@ -117,7 +117,7 @@ void ConexionSqlite::FijarOrden() {
 }
 
 void ConexionSqlite::Cerrar() {
-  textos_.Vaciar();
+  moldes_.Vaciar();
   formas_.Vaciar();
   version_ajena_ = nullptr;
   catalogo_ = CatalogoSqlite(nullptr);
@@ -162,6 +162,10 @@ void ConexionSqlite::RollbackTrans() {
 }
 
 std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones) {
+  // SQLite's own count of the memory it uses takes a lock at each allocation, and nobody asks for it. It can
+  // be told so only before its first use in the program; later it refuses, which does no harm.
+  static const int kSinCuentaDeMemoria = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  static_cast<void>(kSinCuentaDeMemoria);
   return std::make_unique<ConexionSqlite>(ruta, opciones);
 }
 

@@ -1,6 +1,6 @@
 #include "engine_sqlite/statement_cache_internal.h"
 
-#include <functional>
+#include <utility>
 
 namespace engine_sqlite {
 namespace {
@@ -11,8 +11,6 @@ bool MismosFijos(const Preparada& p, const std::vector<base::Valor>& literales) 
     if (literales.at(static_cast<std::size_t>(fijos[k])) != p.valores_fijos[k]) return false;
   return true;
 }
-
-std::size_t Huella(std::string_view sql) { return std::hash<std::string_view>()(sql); }
 
 }  // namespace
 
@@ -47,29 +45,43 @@ void CacheDeFormas::Vaciar() {
   entradas_.clear();
 }
 
-const CacheDeTextos::Ranura* CacheDeTextos::Buscar(std::string_view sql) {
-  const std::size_t huella = Huella(sql);
-  const Ranura& r = ranuras_[huella % kRanuras];
-  return r.huella == huella && r.preparada != nullptr && r.texto == sql ? &r : nullptr;
-}
-
-void CacheDeTextos::Guardar(std::string_view sql, const std::shared_ptr<Preparada>& preparada,
-                            const std::vector<base::Valor>& literales) {
-  if (sql.size() > kTextoMasLargo) return;
-  const std::size_t huella = Huella(sql);
-  Ranura& r = ranuras_[huella % kRanuras];
-  if (r.huella != huella) {
-    r.huella = huella;
-    r.preparada = nullptr;
-    return;
+CacheDeMoldes::Grupo& CacheDeMoldes::GrupoDe(std::string_view sql) {
+  constexpr std::size_t kComienzo = 48;
+  std::size_t huella = 0;
+  for (std::size_t i = 0; i < sql.size() && i < kComienzo; ++i) {
+    const char c = sql[i];
+    if ((c >= '0' && c <= '9') || c == '\'' || c == '"' || c == '#') break;
+    huella = huella * 31 + static_cast<unsigned char>(c);
   }
-  r.texto = sql;
-  r.preparada = preparada;
-  r.literales = literales;
+  return grupos_[(huella ^ (huella >> 17)) % kGrupos];
 }
 
-void CacheDeTextos::Vaciar() {
-  for (Ranura& r : ranuras_) r = {};
+CacheDeMoldes::Hallado CacheDeMoldes::Buscar(std::string_view sql) {
+  using Hallazgo = jetsql::Molde::Hallazgo;
+  if (sql.size() > kTextoMasLargo) return {};
+  Grupo& grupo = GrupoDe(sql);
+  for (std::size_t i = 0; i < kPorGrupo; ++i) {
+    const Hallazgo hallazgo = grupo[i].molde.Reconocer(sql);
+    if (hallazgo == Hallazgo::Otra) continue;
+    if (!MismosFijos(*grupo[i].preparada, grupo[i].molde.Literales())) return {};
+    if (i > 0) std::swap(grupo[0], grupo[i]);
+    return {&grupo[0], hallazgo == Hallazgo::Igual};
+  }
+  return {};
+}
+
+void CacheDeMoldes::Guardar(std::string_view sql, const jetsql::Forma& forma,
+                            const std::shared_ptr<Preparada>& preparada) {
+  if (sql.size() > kTextoMasLargo) return;
+  Grupo& grupo = GrupoDe(sql);
+  std::swap(grupo.front(), grupo.back());
+  grupo.front().molde.Tomar(sql, forma);
+  grupo.front().preparada = preparada;
+}
+
+void CacheDeMoldes::Vaciar() {
+  for (Grupo& grupo : grupos_)
+    for (Ranura& r : grupo) r = {};
 }
 
 }  // namespace engine_sqlite

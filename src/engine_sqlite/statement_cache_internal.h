@@ -13,6 +13,7 @@
 
 #include "db/recordset.h"
 #include "engine_sqlite/sqlite_internal.h"
+#include "jetsql/mould.h"
 #include "jetsql/translate.h"
 
 namespace engine_sqlite {
@@ -43,26 +44,31 @@ class CacheDeFormas {
   std::unordered_map<std::string_view, std::list<Entrada>::iterator> por_clave_;  // views into the entries
 };
 
-// By the whole text, for texts that are run again unchanged. A text is kept from its second run on, so that a
-// stream of texts that never return costs a hash each.
-class CacheDeTextos {
+// The last texts that ran, as moulds for those to come: a text that differs from one of them in literals
+// alone is not even cut into tokens. Looked for by how the text begins, up to its first digit or quote.
+class CacheDeMoldes {
  public:
   struct Ranura {
-    std::size_t huella = 0;
-    std::string texto;  // empty until the second run
+    jetsql::Molde molde;
     std::shared_ptr<Preparada> preparada;
-    std::vector<base::Valor> literales;
   };
-  // The slot of a text; null when it does not hold that text.
-  const Ranura* Buscar(std::string_view sql);
-  void Guardar(std::string_view sql, const std::shared_ptr<Preparada>& preparada,
-               const std::vector<base::Valor>& literales);
+  struct Hallado {
+    Ranura* ranura = nullptr;
+    bool igual = false;  // the text itself was there
+  };
+  // The slot whose mould the text fits, holding the text's literals; none when there is no such slot.
+  Hallado Buscar(std::string_view sql);
+  void Guardar(std::string_view sql, const jetsql::Forma& forma, const std::shared_ptr<Preparada>& preparada);
   void Vaciar();
 
  private:
-  static constexpr std::size_t kRanuras = 128;
-  static constexpr std::size_t kTextoMasLargo = 1 << 16;
-  std::array<Ranura, kRanuras> ranuras_;
+  static constexpr std::size_t kGrupos = 64;
+  static constexpr std::size_t kTextoMasLargo = 1 << 16;  // a longer one is not kept
+  static constexpr std::size_t kPorGrupo = 2;             // the first is the one used last
+  using Grupo = std::array<Ranura, kPorGrupo>;
+  Grupo& GrupoDe(std::string_view sql);
+
+  std::array<Grupo, kGrupos> grupos_;
 };
 
 }  // namespace engine_sqlite

@@ -31,7 +31,8 @@ struct Token {
 
 class Escaner {
  public:
-  explicit Escaner(std::string_view sql) : sql_(sql) {}
+  // From byte `desde`, where a token starts that follows no name.
+  explicit Escaner(std::string_view sql, std::size_t desde = 0) : sql_(sql), i_(desde) {}
   Token Siguiente();
 
  private:
@@ -40,7 +41,7 @@ class Escaner {
   Token Numero(std::size_t inicio);
 
   std::string_view sql_;
-  std::size_t i_ = 0;
+  std::size_t i_;
   bool tras_nombre_ = false;  // the "." that follows separates names and starts no number
 };
 

@@ -35,6 +35,7 @@ char Marca(ClaseToken clase) {
 // nothing else.
 bool SepararLiterales(std::string_view sql, Forma& forma) {
   forma.literales.clear();
+  forma.lugares.clear();
   // Never longer than the text: a mark is shorter than its literal, a blank than its white space.
   forma.clave.resize(sql.size());
   char* const inicio = forma.clave.data();
@@ -60,6 +61,7 @@ bool SepararLiterales(std::string_view sql, Forma& forma) {
         break;
       default:
         if (!LeerLiteral(t.clase, texto, forma.literales.emplace_back())) return false;
+        forma.lugares.push_back({t.inicio, t.fin});
         *p++ = Marca(t.clase);
     }
   }

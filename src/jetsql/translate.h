@@ -30,8 +30,12 @@ class ErrorSintaxis : public base::Error {
 // The shape of a statement: its text with every literal replaced by a mark for its kind, letters outside
 // literals and [names] in upper case, runs of white space as one blank.
 struct Forma {
+  struct Lugar {  // of a literal in the text, its quotes or # included
+    std::size_t inicio = 0, fin = 0;
+  };
   std::string clave;
   std::vector<base::Valor> literales;  // numbers, texts, dates; True, False and Null stay in the shape
+  std::vector<Lugar> lugares;          // one a literal
 };
 // Cheap (one pass, no tree). False when the text has a malformed literal: then Traducir says what is wrong.
 bool SepararLiterales(std::string_view sql, Forma& forma);
