@@ -57,6 +57,23 @@ TEST_F(Opciones, KindsOfKey) {
   EXPECT_EQ(textos, "Id Interno=0;Nº Alternativo=1;Nº Tarjeta=2;Cod.Sist. Ext.=3;Documento=4;Nº Persona=5;");
 }
 
+TEST_F(Opciones, TheGridsHaveTheirColumns) {
+  const app::Estado& e = Crear().Ver();
+  const auto columnas = [](const app::Grid& grid) {
+    std::string textos;
+    for (const auto& columna : grid.columnas) textos += columna.nombre + "=" + columna.caption + ";";
+    return textos;
+  };
+  EXPECT_EQ(
+      columnas(e.GridAImportar),
+      "Id=Id;Nombre=Nombre;Apellido=Apellido;Horas=Horas;Valor=Valor;Tipo=Tipo;NomConcVinc=Vinculado Con:;"
+      "A_Realizar=A_Realizar;DatoExtra=Dat.Ext.;CC=C. Costo;Resultado=Resultado;");
+  EXPECT_EQ(columnas(e.GridRelaciones),
+            "Codigo=Codigo;Nombre=Nombre;CodigosVincConReloj=Cod. de Sis. Externo;CC=C.Costo;");
+  EXPECT_EQ(columnas(e.GridPVConf),
+            "Persona=Persona;TipoDato=Tipo Dato;Dato=Dato;DatExt=Dato Extra;Valor=Valor;");
+}
+
 TEST_F(Opciones, ClockDataDecideTheGridsColumns) {
   app::Programa& p = Abrir();
   app::Grid grid = p.Ver().GridAImportar;
