@@ -69,6 +69,9 @@ CLI::Validator ClaveYValor() {
         if (igual == std::string::npos) return "'" + texto + "' no tiene la forma CLAVE=VALOR";
         const std::string clave = texto.substr(0, igual);
         if (!EsClaveDeAjustes(clave)) return "'" + clave + "' no es una clave del archivo de ajustes";
+        const std::string cierre = "[/" + clave + "]";
+        if (base::Contiene(texto.substr(igual + 1), cierre, base::Comparar::SinCaso))
+          return "el valor de '" + clave + "' no puede contener " + cierre;
         return std::string();
       },
       "");
