@@ -44,7 +44,10 @@ std::string Defecto(const DefColumna& c, const Catalogo& catalogo) {
   return " DEFAULT (" + std::move(e).Texto() + ")";
 }
 
+// Primary keys are indexes here, so that SQLite does not know which columns a bare REFERENCES means.
 std::string Referir(const Referencia& r) {
+  if (r.columnas.empty())
+    throw base::Error("REFERENCES " + r.tabla + " debe nombrar las columnas de la tabla a la que se refiere");
   std::string sql = " REFERENCES " + NombreSql(r.tabla);
   for (std::size_t i = 0; i < r.columnas.size(); ++i)
     sql += (i == 0 ? " (" : ", ") + NombreSql(r.columnas[i]);
