@@ -152,15 +152,52 @@ void Impresor::Binario(const Expr& e, int fuerza) {
   }
 }
 
+// IS NULL, IN, BETWEEN, LIKE and the comparison with ANY or ALL: what stands after their first operand.
+void Impresor::Predicado(const Expr& e) {
+  Escribir(*e.hijos[0], 7);
+  if (e.nodo == Nodo::EsNulo) {
+    t_ += e.negado ? " IS NOT NULL" : " IS NULL";
+    return;
+  }
+  t_ += e.negado ? " NOT " : " ";
+  switch (e.nodo) {
+    case Nodo::Entre:
+      t_ += "BETWEEN ";
+      Escribir(*e.hijos[1], 8);
+      t_ += " AND ";
+      Escribir(*e.hijos[2], 8);
+      return;
+    case Nodo::Como:
+      t_ += "LIKE ";
+      Escribir(*e.hijos[1], 8);
+      return;
+    case Nodo::EnLista:
+      t_ += "IN (";
+      Lista(e, 1);
+      break;
+    case Nodo::EnConsulta:
+      t_ += "IN (";
+      Escribir(*e.consulta);
+      break;
+    default:
+      t_.append(DeOp(e.op).texto).append(e.todos ? " ALL (" : " ANY (");
+      Escribir(*e.consulta);
+  }
+  t_ += ')';
+}
+
+void Impresor::Unario(const Expr& e) {
+  t_ += DeOp(e.op).texto;
+  if (e.op == Op::No) t_ += ' ';
+  // "-10 ^ 2" would be the power of -10.
+  const bool potencia = e.op != Op::No && e.hijos[0]->nodo == Nodo::Binario && e.hijos[0]->op == Op::Potencia;
+  Escribir(*e.hijos[0], potencia ? 99 : DeOp(e.op).fuerza);
+}
+
 void Impresor::Escribir(const Expr& e, int minimo) {
   const int fuerza = Fuerza(e);
   const bool parentesis = fuerza < minimo;
   if (parentesis) t_ += '(';
-  const auto izquierda = [&](std::string_view op) {
-    Escribir(*e.hijos[0], 7);
-    t_ += e.negado ? " NOT " : " ";
-    t_ += op;
-  };
   switch (e.nodo) {
     case Nodo::Literal:
       Literal(e.literal);
@@ -184,15 +221,9 @@ void Impresor::Escribir(const Expr& e, int minimo) {
       }
       Nombre(e.nombre);
       break;
-    case Nodo::Unario: {
-      t_ += DeOp(e.op).texto;
-      if (e.op == Op::No) t_ += ' ';
-      // "-10 ^ 2" would be the power of -10.
-      const bool potencia =
-          e.op != Op::No && e.hijos[0]->nodo == Nodo::Binario && e.hijos[0]->op == Op::Potencia;
-      Escribir(*e.hijos[0], potencia ? 99 : DeOp(e.op).fuerza);
+    case Nodo::Unario:
+      Unario(e);
       break;
-    }
     case Nodo::Binario:
       Binario(e, fuerza);
       break;
@@ -201,42 +232,14 @@ void Impresor::Escribir(const Expr& e, int minimo) {
       Lista(e, 0);
       t_ += ')';
       break;
-    case Nodo::Entre:
-      izquierda("BETWEEN ");
-      Escribir(*e.hijos[1], 8);
-      t_ += " AND ";
-      Escribir(*e.hijos[2], 8);
-      break;
-    case Nodo::EnLista:
-      izquierda("IN (");
-      Lista(e, 1);
-      t_ += ')';
-      break;
-    case Nodo::EnConsulta:
-      izquierda("IN (");
-      Escribir(*e.consulta);
-      t_ += ')';
-      break;
     case Nodo::Existe:
     case Nodo::Subconsulta:
       t_ += e.nodo == Nodo::Existe ? "EXISTS (" : "(";
       Escribir(*e.consulta);
       t_ += ')';
       break;
-    case Nodo::Cuantificada:
-      izquierda(DeOp(e.op).texto);
-      t_ += e.todos ? " ALL (" : " ANY (";
-      Escribir(*e.consulta);
-      t_ += ')';
-      break;
-    case Nodo::EsNulo:
-      Escribir(*e.hijos[0], 7);
-      t_ += e.negado ? " IS NOT NULL" : " IS NULL";
-      break;
-    case Nodo::Como:
-      izquierda("LIKE ");
-      Escribir(*e.hijos[1], 8);
-      break;
+    default:
+      Predicado(e);
   }
   if (parentesis) t_ += ')';
 }

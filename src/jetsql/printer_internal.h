@@ -28,7 +28,9 @@ class Impresor {
   void Nombre(std::string_view nombre);
   void Nombres(const std::vector<std::string>& nombres);
   void Literal(const base::Valor& v);
+  void Unario(const Expr& e);
   void Binario(const Expr& e, int fuerza);
+  void Predicado(const Expr& e);
   void Lista(const Expr& e, std::size_t desde);
   void Seleccionar(const Seleccion& s);
   void Item(const ItemLista& i);

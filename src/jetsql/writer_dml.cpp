@@ -101,58 +101,63 @@ void Escritor::Escribir(const Borrado& s) {
   t_ += ')';
 }
 
+// The column of a change and what it is set to: the value itself, or with `instantanea` its column there.
+void Escritor::Asignar(const Actualizacion& s, const Fuente& tabla, bool instantanea) {
+  bool coma = false;
+  for (std::size_t i = 0; i < s.cambios.size(); ++i) {
+    if (s.cambios[i].columna->fuente != &tabla) continue;
+    t_ += coma ? ", " : " SET ";
+    coma = true;
+    Nombre(ColumnaCambiada(s.cambios[i]).nombre_sql);
+    t_ += " = ";
+    if (instantanea)
+      t_ += "\"jet_v\".\"v" + std::to_string(i) + "\"";
+    else
+      Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo);
+  }
+}
+
+// The rows that change, by number, and their new values.
+void Escritor::Instantanea(const Actualizacion& s, const std::vector<const Fuente*>& tablas) {
+  t_ += "SELECT ";
+  for (std::size_t i = 0; i < tablas.size(); ++i) {
+    if (!Alcanzable(s.de, *tablas[i]))
+      throw base::Error("La operación debe usar una consulta actualizable", 3073);
+    if (i > 0) t_ += ", ";
+    FilaDe(*tablas[i]);
+    t_ += " AS \"r" + std::to_string(i) + "\"";
+  }
+  for (std::size_t i = 0; i < s.cambios.size(); ++i) {
+    t_ += ", ";
+    Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo);
+    t_ += " AS \"v" + std::to_string(i) + "\"";
+  }
+  DeYDonde(s.de, s.donde);
+}
+
 // The new values are computed before anything changes: SQLite runs the whole SELECT of an UPDATE … FROM
 // first. With several tables to change, the values wait in a temporary table.
 std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesTraduccion& opciones) {
+  Escritor valores(opciones);
+  if (s.fuentes.size() == 1) {
+    valores.t_ = "UPDATE ";
+    valores.Hoja(*s.fuentes[0]);
+    valores.Asignar(s, *s.fuentes[0], false);
+    if (s.donde) {
+      valores.t_ += " WHERE ";
+      valores.Condicion(*s.donde);
+    }
+    return {std::move(valores.t_)};
+  }
   std::vector<const Fuente*> tablas;
   for (const auto& a : s.cambios)
     if (std::find(tablas.begin(), tablas.end(), a.columna->fuente) == tablas.end())
       tablas.push_back(a.columna->fuente);
-  const auto asignar = [&](Escritor& e, const Fuente& f, const auto& valor) {
-    bool coma = false;
-    for (std::size_t i = 0; i < s.cambios.size(); ++i) {
-      if (s.cambios[i].columna->fuente != &f) continue;
-      e.t_ += coma ? ", " : " SET ";
-      coma = true;
-      e.Nombre(ColumnaCambiada(s.cambios[i]).nombre_sql);
-      e.t_ += " = ";
-      valor(i);
-    }
-  };
-  if (s.fuentes.size() == 1) {
-    Escritor e(opciones);
-    const Fuente& f = *s.fuentes[0];
-    e.t_ = "UPDATE ";
-    e.Hoja(f);
-    asignar(e, f,
-            [&](std::size_t i) { e.Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo); });
-    if (s.donde) {
-      e.t_ += " WHERE ";
-      e.Condicion(*s.donde);
-    }
-    return {std::move(e.t_)};
-  }
-  Escritor valores(opciones);
-  valores.t_ = "SELECT ";
-  for (std::size_t i = 0; i < tablas.size(); ++i) {
-    if (!valores.Alcanzable(s.de, *tablas[i]))
-      throw base::Error("La operación debe usar una consulta actualizable", 3073);
-    if (i > 0) valores.t_ += ", ";
-    valores.FilaDe(*tablas[i]);
-    valores.t_ += " AS \"r" + std::to_string(i) + "\"";
-  }
-  for (std::size_t i = 0; i < s.cambios.size(); ++i) {
-    valores.t_ += ", ";
-    valores.Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo);
-    valores.t_ += " AS \"v" + std::to_string(i) + "\"";
-  }
-  valores.DeYDonde(s.de, s.donde);
-  std::vector<std::string> pasos;
+  valores.Instantanea(s, tablas);
   const bool una = tablas.size() == 1;
-  if (!una) {
-    pasos.push_back("DROP TABLE IF EXISTS " + std::string(kInstantanea));
-    pasos.push_back("CREATE TABLE " + std::string(kInstantanea) + " AS " + valores.t_);
-  }
+  const std::string espera(kInstantanea);
+  std::vector<std::string> pasos;
+  if (!una) pasos = {"DROP TABLE IF EXISTS " + espera, "CREATE TABLE " + espera + " AS " + valores.t_};
   for (std::size_t t = 0; t < tablas.size(); ++t) {
     Escritor e(opciones);
     Fuente fila;
@@ -160,13 +165,13 @@ std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesT
     fila.alias_sql = tablas[t]->tabla->nombre;
     e.t_ = "UPDATE ";
     e.Nombre(fila.alias_sql);
-    asignar(e, *tablas[t], [&](std::size_t i) { e.t_ += "\"jet_v\".\"v" + std::to_string(i) + "\""; });
-    e.t_ += " FROM " + (una ? "(" + valores.t_ + ")" : std::string(kInstantanea)) + " AS \"jet_v\" WHERE ";
+    e.Asignar(s, *tablas[t], true);
+    e.t_ += " FROM " + (una ? "(" + valores.t_ + ")" : espera) + " AS \"jet_v\" WHERE ";
     e.FilaDe(fila);
     e.t_ += " = \"jet_v\".\"r" + std::to_string(t) + "\"";
     pasos.push_back(std::move(e.t_));
   }
-  if (!una) pasos.push_back("DROP TABLE " + std::string(kInstantanea));
+  if (!una) pasos.push_back("DROP TABLE " + espera);
   return pasos;
 }
 

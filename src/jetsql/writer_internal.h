@@ -53,6 +53,10 @@ class Escritor {
   void Orden(const std::vector<ItemOrden>& orden, bool por_posicion);
   std::string Ventana(const Seleccion& s, const std::vector<ItemOrden>& orden);
 
+  // UPDATE (writer_dml.cpp).
+  void Asignar(const Actualizacion& s, const Fuente& tabla, bool instantanea);
+  void Instantanea(const Actualizacion& s, const std::vector<const Fuente*>& tablas);
+
   // FROM and WHERE (writer_from.cpp).
   struct Paso {
     const Rama* rama = nullptr;
