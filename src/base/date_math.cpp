@@ -33,7 +33,7 @@ Intervalo LeerIntervalo(std::string_view texto) {
                                                 {"n", Intervalo::Minuto},
                                                 {"s", Intervalo::Segundo}}};
   for (const auto& n : kNombres)
-    if (IgualSinCaso(n.texto, texto)) return n.intervalo;
+    if (n.texto.size() == texto.size() && IgualSinCaso(n.texto, texto)) return n.intervalo;
   throw Error(DescripcionDeError(5), 5);
 }
 
@@ -49,7 +49,8 @@ Fecha SumarMeses(Fecha fecha, long long meses) {
   const int mes = static_cast<int>(total % 12) + 1;
   const int ultimo = internal::DiasDelMes(anio, mes);
   const double fraccion = std::abs(fecha.serie - std::trunc(fecha.serie));
-  const bool casi_medianoche = internal::Separar(fecha).dia != static_cast<long long>(fecha.serie);
+  const bool casi_medianoche =
+      fraccion != 0 && internal::Separar(fecha).dia != static_cast<long long>(fecha.serie);
   return internal::Unir(internal::DiaDe(anio, mes, p.dia < ultimo ? p.dia : ultimo),
                         casi_medianoche ? 0 : fraccion);
 }

@@ -150,11 +150,77 @@ constexpr double kLimitePlano = 1e15;
 
 bool EsEnteroCorto(double numero) { return std::abs(numero) < kLimitePlano && numero == std::trunc(numero); }
 
+// A number of few decimals, which most are, as a whole number of parts: parts / 10^decimales reads back as
+// the number, and no other decimal that short does, so that the general way would find the same digits.
+struct Partida {
+  bool hay = false;
+  long long partes = 0;
+};
+
+constexpr int kDecimalesCortos = 5;
+constexpr double kEscalaCorta = 1e5;
+
+// At most 15 digits, 5 of them decimals.
+Partida Partir(double numero) {
+  const double escalado = numero * kEscalaCorta;
+  if (!(std::abs(escalado) < kLimitePlano)) return {};
+  const long long partes = std::llround(escalado);
+  return {static_cast<double>(partes) / kEscalaCorta == numero, partes};
+}
+
+// The same of a single: two decimals and at most 6 digits, which no two singles share.
+constexpr double kEscalaSimple = 100;
+Partida PartirSimple(float numero) {
+  const double escalado = static_cast<double>(numero) * kEscalaSimple;
+  if (!(std::abs(escalado) < 999999)) return {};
+  const long long partes = std::llround(escalado);
+  return {static_cast<float>(static_cast<double>(partes) / kEscalaSimple) == numero, partes};
+}
+
+std::string TextoDePartes(long long partes, int decimales, std::string_view punto) {
+  std::array<char, 40> espacio;
+  char* const limite = espacio.data() + espacio.size();
+  char* p = limite;
+  unsigned long long resto =
+      partes < 0 ? 0ULL - static_cast<unsigned long long>(partes) : static_cast<unsigned long long>(partes);
+  while (decimales > 0 && resto % 10 == 0) {
+    resto /= 10;
+    --decimales;
+  }
+  const bool con_punto = decimales > 0;
+  for (; decimales > 0; --decimales, resto /= 10) *--p = static_cast<char>('0' + resto % 10);
+  if (con_punto) {
+    p -= punto.size();
+    punto.copy(p, punto.size());
+  }
+  do {
+    *--p = static_cast<char>('0' + resto % 10);
+    resto /= 10;
+  } while (resto != 0);
+  if (partes < 0) *--p = '-';
+  return {p, static_cast<std::size_t>(limite - p)};
+}
+
+// Half to even, of whole parts.
+double RedondearPartes(double numero, long long partes, int decimales) {
+  if (decimales >= kDecimalesCortos) return numero;
+  constexpr long long kPotencias[] = {1, 10, 100, 1000, 10000, 100000};
+  const long long sobra = kPotencias[kDecimalesCortos - decimales];
+  long long cociente = partes / sobra;
+  const long long doble_resto = 2 * std::abs(partes % sobra);
+  if (doble_resto > sobra || (doble_resto == sobra && cociente % 2 != 0)) cociente += partes < 0 ? -1 : 1;
+  return static_cast<double>(cociente) / static_cast<double>(kPotencias[decimales]);
+}
+
+constexpr std::size_t kPuntoMasLargo = 8;  // bytes of a decimal sign that TextoDePartes has room for
+
 }  // namespace
 
 std::string TextoDeNumero(double numero, const Locale& locale) {
   if (!std::isfinite(numero)) return TextoNoFinito(numero, locale.decimal);
   if (EsEnteroCorto(numero)) return std::to_string(static_cast<long long>(numero));
+  if (const Partida p = Partir(numero); p.hay && locale.decimal.size() <= kPuntoMasLargo)
+    return TextoDePartes(p.partes, kDecimalesCortos, locale.decimal);
   return TextoGeneral(internal::DeDoble(numero), 15, locale.decimal);
 }
 
@@ -166,16 +232,19 @@ std::string TextoDeSimple(float numero, const Locale& locale) {
 std::string SqlDeNumero(double numero) {
   if (!std::isfinite(numero)) throw Error(DescripcionDeError(6), 6);
   if (EsEnteroCorto(numero)) return std::to_string(static_cast<long long>(numero));
+  if (const Partida p = Partir(numero); p.hay) return TextoDePartes(p.partes, kDecimalesCortos, ".");
   return TextoSql(internal::DeDoble(numero));
 }
 
 std::string SqlDeSimple(float numero) {
   if (!std::isfinite(numero)) throw Error(DescripcionDeError(6), 6);
+  if (const Partida p = PartirSimple(numero); p.hay) return TextoDePartes(p.partes, 2, ".");
   return TextoSql(internal::DeSimple(numero));
 }
 
 double DobleDeSimple(float numero) {
   if (!std::isfinite(numero)) return static_cast<double>(numero);
+  if (const Partida p = PartirSimple(numero); p.hay) return static_cast<double>(p.partes) / kEscalaSimple;
   return internal::ADoble(internal::DeSimple(numero));
 }
 
@@ -184,6 +253,7 @@ double Redondear(double numero, int decimales) {
   if (!std::isfinite(numero)) return numero;
   if (std::abs(numero) >= kLimitePlano) return numero;
   if (EsEnteroCorto(numero)) return numero == 0 ? 0 : numero;
+  if (const Partida p = Partir(numero); p.hay) return RedondearPartes(numero, p.partes, decimales);
   internal::Decimal d = internal::DeDoble(numero);
   // Nothing to cut: the number keeps the bits beyond its fifteenth digit.
   if (d.exponente + decimales >= static_cast<int>(d.digitos.size())) return numero;

@@ -206,13 +206,14 @@ bool LeerCuerpoOperador(std::string_view& t, Cuerpo& c) {
   return true;
 }
 
+bool EsDelOperador(const Locale& locale) { return locale.decimal == "," && locale.miles == "."; }
+
 Lectura LeerTexto(std::string_view t, const Locale& locale, double& numero) {
   Adornos adornos;
   adornos.Delante(t, locale);
   Cuerpo cuerpo;
-  const bool operador = locale.decimal == "," && locale.miles == ".";
-  const bool leido =
-      operador ? LeerCuerpoOperador(t, cuerpo) : LeerCuerpoClasico(t, locale.decimal, locale.miles, cuerpo);
+  const bool leido = EsDelOperador(locale) ? LeerCuerpoOperador(t, cuerpo)
+                                           : LeerCuerpoClasico(t, locale.decimal, locale.miles, cuerpo);
   if (!leido || !LeerExponente(t, cuerpo.exponente)) return Lectura::NoEsNumero;
   adornos.Detras(t, locale);
   if (!t.empty() || !adornos.Validos()) return Lectura::NoEsNumero;
@@ -221,7 +222,33 @@ Lectura LeerTexto(std::string_view t, const Locale& locale, double& numero) {
   return lectura;
 }
 
+// Digits with at most one decimal sign among them, as nearly every number is written: both are read alike by
+// the operator's rule. False leaves it to the general way.
+bool LeerLlano(std::string_view t, double& numero) {
+  constexpr std::size_t kMaximo = 15;  // digits that a double holds exactly
+  if (t.empty() || t.size() > kMaximo) return false;
+  long long entero = 0;
+  std::size_t decimales = 0;
+  bool signo = false;
+  for (const char c : t) {
+    if (EsDigito(c)) {
+      entero = entero * 10 + (c - '0');
+      decimales += signo ? 1 : 0;
+    } else if ((c == ',' || c == '.') && !signo) {
+      signo = true;
+    } else {
+      return false;
+    }
+  }
+  if (signo && t.size() == 1) return false;
+  constexpr double kPotencias[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  numero = static_cast<double>(entero) / kPotencias[decimales];
+  return true;
+}
+
 Lectura Leer(std::string_view texto, const Locale& locale, double& numero) {
+  if (EsDelOperador(locale) && LeerLlano(texto, numero)) return Lectura::Bien;
   if (texto.find('&') == std::string_view::npos) return LeerTexto(texto, locale, numero);
   bool desborda = false;
   const auto hex = LeerHexOctal(texto, desborda);

@@ -15,6 +15,13 @@ std::int64_t Cifra(sqlite3* base, const char* sql) {
   return sqlite3_column_int64(s.get(), 0);
 }
 
+bool EnUtf8(sqlite3* base) {
+  const Sentencia s = Preparar(base, "PRAGMA encoding");
+  if (sqlite3_step(s.get()) != SQLITE_ROW) LanzarError(base);
+  const auto* nombre = reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0));
+  return nombre != nullptr && std::string_view(nombre) == "UTF-8";
+}
+
 // A statement that is of no consequence when it fails (a read-only file keeps its journal mode).
 void Procurar(sqlite3* base, const char* sql) { sqlite3_exec(base, sql, nullptr, nullptr, nullptr); }
 
@@ -91,6 +98,7 @@ void ConexionSqlite::Configurar(std::string_view ruta, const Opciones& opciones)
   sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   // SQLite's own default, which some builds raise: the time to prepare grows with the square of this number.
   sqlite3_limit(base, SQLITE_LIMIT_VARIABLE_NUMBER, 32766);
+  entorno_.utf8 = EnUtf8(base);
   Registrar(base, entorno_);
   // An import is one transaction, so that a full sync at each commit costs nothing that is felt. The
   // write-ahead log needs memory shared by all who have the file open, which a file on another machine cannot

@@ -10,11 +10,6 @@
 namespace engine_sqlite {
 namespace {
 
-std::string_view Vista(sqlite3_value* valor) {
-  const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(valor));
-  return p == nullptr ? std::string_view() : std::string_view(p, sqlite3_value_bytes(valor));
-}
-
 // What SQLite keeps with each registered function.
 struct Enlace {
   Registro registro;
@@ -88,6 +83,15 @@ base::Fecha Entorno::Ahora() {
 }
 
 base::Fecha Llamada::Hoy() const { return {std::trunc(Ahora().serie)}; }
+
+// Asking for a text copies it when it does not end in a zero, as the literals of a statement do not; its
+// bytes are the same, if the file holds texts in UTF-8.
+std::string_view Llamada::Vista(sqlite3_value* valor) const {
+  const bool bytes = entorno_.utf8 && sqlite3_value_type(valor) == SQLITE_TEXT;
+  const void* p = bytes ? sqlite3_value_blob(valor) : sqlite3_value_text(valor);
+  if (p == nullptr) return {};
+  return {static_cast<const char*>(p), static_cast<std::size_t>(sqlite3_value_bytes(valor))};
+}
 
 Llamada::Llamada(sqlite3_context* contexto, std::span<sqlite3_value*> valores, Entorno& entorno,
                  bool etiquetada)

@@ -28,6 +28,7 @@ struct Entorno {
   const ports::Clock* reloj = nullptr;
   jetsql::Orden orden = jetsql::Orden::EspanolModerno;
   std::uint32_t azar = 0x50000;  // the state of Rnd
+  bool utf8 = false;             // the file holds its texts in UTF-8
 
   // The clock stands still while a statement runs: it is read once, when the statement first asks.
   base::Fecha Ahora();
@@ -105,6 +106,8 @@ class Llamada {
   sqlite3_context* contexto_;
   std::span<sqlite3_value*> valores_;
   Entorno& entorno_;
+  std::string_view Vista(sqlite3_value* valor) const;
+
   std::string_view letras_;
   std::array<std::string, kMaximo> convertidos_;
 };

@@ -1,9 +1,13 @@
 // Properties that hold over many numbers and every day.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <random>
+#include <string>
 
 #include "base/date.h"
 #include "base/error.h"
@@ -44,6 +48,88 @@ TEST(Number, ASingleOfSixDigitsShowsThem) {
     ASSERT_EQ(static_cast<float>(base::DobleDeSimple(n)), n);
     ASSERT_EQ(base::SqlDeNumero(base::DobleDeSimple(n)), base::SqlDeSimple(n));
   }
+}
+
+// The digits of a number of at most fifteen, without zeros at its end: [-]ddd[.ddd].
+std::string Digitos(double n) {
+  std::array<char, 64> espacio{};
+  const int largo =
+      std::snprintf(espacio.data(), espacio.size(), "%.*f",
+                    n == 0 ? 0 : std::max(0, 14 - static_cast<int>(std::floor(std::log10(std::abs(n))))), n);
+  std::string texto(espacio.data(), static_cast<std::size_t>(largo));
+  if (texto.find('.') != std::string::npos) {
+    texto.erase(texto.find_last_not_of('0') + 1);
+    if (texto.back() == '.') texto.pop_back();
+  }
+  return texto == "-0" ? "0" : texto;
+}
+
+// Half to even, on the digits.
+std::string RedondearDigitos(std::string texto, std::size_t decimales) {
+  const bool negativo = texto[0] == '-';
+  if (negativo) texto.erase(0, 1);
+  const std::size_t punto = std::min(texto.find('.'), texto.size());
+  std::string digitos = "0" + texto.substr(0, punto) + (punto < texto.size() ? texto.substr(punto + 1) : "");
+  const std::size_t quedan = 1 + punto + decimales;
+  if (quedan >= digitos.size()) return negativo ? "-" + texto : texto;
+  const std::string sobra = digitos.substr(quedan);
+  const bool mitad = sobra[0] == '5' && sobra.find_first_not_of('0', 1) == std::string::npos;
+  digitos.resize(quedan);
+  if (mitad ? (digitos.back() - '0') % 2 == 1 : sobra[0] >= '5') {
+    std::size_t i = digitos.size() - 1;
+    for (; digitos[i] == '9'; --i) digitos[i] = '0';
+    ++digitos[i];
+  }
+  digitos.insert(1 + punto, ".");
+  return negativo ? "-" + digitos : digitos;
+}
+
+TEST(Number, TextAndRoundingFollowTheDigits) {
+  std::mt19937_64 azar(20240601);
+  for (int i = 0; i < 200000; ++i) {
+    const double n = Azar(azar, 13);
+    const std::string digitos = Digitos(n);
+    if (std::abs(n) >= 1e-4) {
+      ASSERT_EQ(base::SqlDeNumero(n), digitos);
+    }
+    for (const int decimales : {0, 1, 2, 5, 7}) {
+      const double redondeado = base::Redondear(n, decimales);
+      ASSERT_EQ(redondeado, std::stod(RedondearDigitos(digitos, static_cast<std::size_t>(decimales))))
+          << digitos << " at " << decimales;
+      ASSERT_FALSE(std::signbit(redondeado) && redondeado == 0) << digitos;
+    }
+  }
+  // A quotient keeps its own bits: it is no short decimal.
+  EXPECT_EQ(base::SqlDeNumero(1.0 / 3), "0.333333333333333");
+  EXPECT_EQ(base::SqlDeNumero(0.1 + 0.2), "0.3");
+  EXPECT_EQ(base::SqlDeNumero(50.10000000000001), "50.1");
+  EXPECT_EQ(base::Redondear(2.675, 2), 2.68);
+  EXPECT_EQ(base::Redondear(0.125, 2), 0.12);
+  EXPECT_EQ(base::Redondear(-0.375, 2), -0.38);
+}
+
+TEST(Number, PlainDigitsAreReadAlikeInEveryPlace) {
+  std::mt19937_64 azar(99);
+  for (int i = 0; i < 100000; ++i) {
+    const double n = std::abs(Azar(azar, 12));
+    const std::string digitos = Digitos(n);
+    if (digitos.size() > 20) continue;
+    std::string con_coma = digitos;
+    if (const std::size_t punto = con_coma.find('.'); punto != std::string::npos) con_coma[punto] = ',';
+    const double leido = std::stod(digitos);
+    // With a blank or a sign the general way reads it.
+    for (const std::string& t : {digitos, con_coma, " " + con_coma, "+" + digitos, "000" + con_coma}) {
+      ASSERT_EQ(base::NumeroDeTexto(t), leido) << t;
+      ASSERT_EQ(base::ValorNumerico(t), leido) << t;
+    }
+  }
+  EXPECT_EQ(base::NumeroDeTexto("5,"), 5);
+  EXPECT_EQ(base::NumeroDeTexto(",5"), 0.5);
+  EXPECT_EQ(base::NumeroDeTexto("5."), 5);
+  EXPECT_FALSE(base::NumeroDeTexto(",").has_value());
+  EXPECT_FALSE(base::NumeroDeTexto(".").has_value());
+  EXPECT_FALSE(base::NumeroDeTexto("1,2,3").has_value());
+  EXPECT_EQ(base::NumeroDeTexto("1.234,5"), 1234.5);
 }
 
 TEST(Date, EveryDayOfTheCalendar) {
