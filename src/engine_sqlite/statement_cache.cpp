@@ -46,7 +46,7 @@ void CacheDeFormas::Vaciar() {
 }
 
 CacheDeMoldes::Grupo& CacheDeMoldes::GrupoDe(std::string_view sql) {
-  constexpr std::size_t kComienzo = 48;
+  constexpr std::size_t kComienzo = 32;
   std::size_t huella = 0;
   for (std::size_t i = 0; i < sql.size() && i < kComienzo; ++i) {
     const char c = sql[i];

@@ -29,6 +29,7 @@ class Molde {
  private:
   // The literal of the text at `desde`, in the place of the mould's literal i; where it ends, or npos.
   std::size_t Literal(std::string_view sql, std::size_t desde, std::size_t i);
+  void Correr(std::size_t i, std::size_t aqui, std::size_t alla);
 
   std::string texto_;
   std::vector<Forma::Lugar> lugares_, nuevos_;

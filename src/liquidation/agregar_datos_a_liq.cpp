@@ -19,8 +19,8 @@ std::int32_t TipoDeContrato(Corrida& c, std::int32_t contrato) {
   if (contrato == c.cache.contrato) return c.cache.tipo;
   c.cache.tipo = -1;
   base::ErrorIgnorado("AgregarDatosALiq: tipo de liquidación", c.errores, [&] {
-    const auto rs = c.sesion->conexion->Ejecutar(
-        sql::TiposAplicables(c.sesion->idEmpresa, c.mes, contrato, c.condiciones));
+    if (!c.consulta_tipos) c.consulta_tipos.emplace(c.sesion->idEmpresa, c.mes, c.condiciones);
+    const auto rs = c.sesion->conexion->Ejecutar(c.consulta_tipos->De(contrato));
     if (!rs.Vacio()) c.cache.tipo = rs.En(0, 0).Entero();
   });
   c.cache.contrato = contrato;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "base/date.h"
@@ -39,6 +40,7 @@ struct Corrida {
   MonthDataTable datos;
   OpenHeaders encabezados;
   ContractTypeCache cache;
+  std::optional<sql::ConsultaDeTipos> consulta_tipos;  // made of the conditions when first asked
 };
 
 // Concepts from 1000 up name the user table of that number less 1000. `cantidad` and `coeficiente` are

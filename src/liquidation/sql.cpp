@@ -62,9 +62,10 @@ std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Fecha mes, std::st
          "Contrato.id_Contrato,TiposLiquidacion.id_TipoLiq";
 }
 
-std::string TiposAplicables(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
-                            const CondicionesDeTipo& condiciones) {
-  const std::string empresa = Num(idEmpresa), id = Num(contrato), fecha = Literal(mes);
+ConsultaDeTipos::ConsultaDeTipos(std::int32_t idEmpresa, base::Fecha mes,
+                                 const CondicionesDeTipo& condiciones) {
+  const std::string id = "\x01contrato\x01";  // in its place; no condition holds it
+  const std::string empresa = Num(idEmpresa), fecha = Literal(mes);
   const std::string filtro = base::Reemplazar(condiciones.TypeFilter, "TiposLiquidacion.", "TL.");
   std::string a, b;
   if (!condiciones.TypeCondition.empty())
@@ -84,7 +85,14 @@ std::string TiposAplicables(std::int32_t idEmpresa, base::Fecha mes, std::int32_
       "E.Terminado and "
       "E.id_TipoLiq=TTL.id_TipoLiq and E.id_Contrato=" +
       id + " and E.MesDeLiq=" + fecha + ") order by TTL.id_TipoLiq";
-  return base::Reemplazar(texto, "idCCAplic", "idCC");
+  tramos_ = base::Split(base::Reemplazar(texto, "idCCAplic", "idCC"), id);
+}
+
+std::string ConsultaDeTipos::De(std::int32_t contrato) const { return base::Join(tramos_, Num(contrato)); }
+
+std::string TiposAplicables(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
+                            const CondicionesDeTipo& condiciones) {
+  return ConsultaDeTipos(idEmpresa, mes, condiciones).De(contrato);
 }
 
 std::string EncabezadoDeContrato(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/date.h"
 
@@ -25,6 +26,15 @@ struct CondicionesDeTipo {
 };
 std::string TiposAplicables(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
                             const CondicionesDeTipo& condiciones);
+// The same for many contracts: the conditions, which may be long, are put in once.
+class ConsultaDeTipos {
+ public:
+  ConsultaDeTipos(std::int32_t idEmpresa, base::Fecha mes, const CondicionesDeTipo& condiciones);
+  std::string De(std::int32_t contrato) const;
+
+ private:
+  std::vector<std::string> tramos_;  // the contract stands between them
+};
 // An open header of the contract, type and month, whatever its person's keys say.
 std::string EncabezadoDeContrato(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
                                  std::int32_t tipo);
