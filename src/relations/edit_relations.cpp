@@ -20,7 +20,7 @@ std::string CodigosAEditar(const std::string& externos) {
 }  // namespace
 
 std::string RechazoAlAgregar(const formula::ListControl& cmbConceptos, std::string_view txtTipo) {
-  if (cmbConceptos.ListIndex == -1) return "Debe seleccionar un concepto";
+  if (cmbConceptos.Elegido() == nullptr) return "Debe seleccionar un concepto";
   if (base::TrimVista(txtTipo).empty())
     return "Debe seleccionar la relación con los codigos del sistema de reloj";
   return {};
