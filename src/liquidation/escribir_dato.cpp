@@ -78,38 +78,19 @@ void Insertar(Escritura& e, float cantidad, float coeficiente) {
   // A datum that could not be written is not there for later lines to be added to.
   if (e.c.opciones->TotalizarConc && escrito)
     e.c.datos.Agregar(
-        DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, id_Pago, e.dato.agrupa, coeficiente}, id_Dato);
-}
-
-// What the datum held, when the month's table cannot tell: several open liquidations of the contract have its
-// concept, and the table's rows do not say whose they are.
-bool LeerDato(Escritura& e, std::int32_t id_Dato, DatoDelMes& leido) {
-  return e.error.Intentar([&] {
-    const auto rs = e.c.sesion->conexion->Ejecutar(sql::LeerDato(e.c.sesion->idEmpresa, id_Dato));
-    if (rs.Vacio()) return;
-    const auto numero = [&](std::size_t campo) { return static_cast<float>(rs.En(campo, 0).NumeroOCero()); };
-    leido.Coeficiente = numero(1);
-    leido.valor = e.TipoDato == 2 ? leido.Coeficiente : numero(0);
-  });
+        DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, id_Pago, e.dato.agrupa, coeficiente});
 }
 
 // The sum of what the month's table holds and the line. The table takes it only when the statement succeeded.
 void Actualizar(Escritura& e, std::int32_t id_Dato, float& cantidad, float& coeficiente) {
   const std::int32_t empresa = e.c.sesion->idEmpresa;
-  MonthDataTable& datos = e.c.datos;
-  DatoDelMes* fila = datos.DeDato(id_Dato);
-  const std::size_t cargadas =
-      fila != nullptr ? 0 : datos.Cargadas(e.dato.concepto, e.dato.contrato, e.dato.agrupa);
-  if (cargadas == 1) fila = datos.Buscar(e.dato.concepto, e.dato.contrato, e.dato.agrupa);
-  DatoDelMes leido;
-  if (cargadas > 1 && !LeerDato(e, id_Dato, leido)) return;
-  const DatoDelMes* previo = cargadas > 1 ? &leido : fila;
   std::int64_t id_Pago = -1;
-  if (previo != nullptr) {
-    coeficiente = previo->Coeficiente * previo->valor + cantidad * coeficiente;
-    cantidad = previo->valor + cantidad;
+  DatoDelMes* fila = e.c.datos.Buscar(e.dato.concepto, e.dato.contrato, e.dato.agrupa);
+  if (fila != nullptr) {
+    coeficiente = fila->Coeficiente * fila->valor + cantidad * coeficiente;
+    cantidad = fila->valor + cantidad;
     if (base::Redondear(static_cast<double>(cantidad), 5) != 0) coeficiente = coeficiente / cantidad;
-    id_Pago = previo->id_Pago;
+    id_Pago = fila->id_Pago;
   }
   const std::string q = base::SqlDeSimple(cantidad), k = base::SqlDeSimple(coeficiente);
   const bool escrito =
@@ -119,10 +100,8 @@ void Actualizar(Escritura& e, std::int32_t id_Dato, float& cantidad, float& coef
   if (escrito && fila != nullptr) {
     fila->valor = cantidad;
     fila->Coeficiente = coeficiente;
-    if (cargadas == 1) datos.Asignar(*fila, id_Dato);
   } else if (escrito) {
-    datos.Agregar(DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, -1, e.dato.agrupa, coeficiente},
-                  id_Dato);
+    e.c.datos.Agregar(DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, -1, e.dato.agrupa, coeficiente});
   }
   // Only data without instalments come here, so these two do not run; the guard is wanted as it stands.
   if (id_Pago != -1 && e.TipoCuota != 0) {

@@ -25,8 +25,7 @@ std::size_t MonthDataTable::Picar::operator()(const Clave& k) const {
 void MonthDataTable::Reiniciar() {
   filas_.assign(1, DatoDelMes{-1, -1.0F, 0, 0, 0, 0.0F});
   por_par_.clear();
-  cargadas_.clear();
-  por_dato_.clear();
+  por_terna_.clear();
 }
 
 DatoDelMes& MonthDataTable::Agregar(std::string_view registro) {
@@ -34,24 +33,16 @@ DatoDelMes& MonthDataTable::Agregar(std::string_view registro) {
   base::SplitVistas(registro, "*", partes);
   std::array<double, 6> n{};
   for (std::size_t i = 0; i < n.size() && i < partes.size(); ++i) n[i] = base::ValorNumerico(partes[i]);
-  DatoDelMes& dato = Agregar(DatoDelMes{Identificador(n[0]), static_cast<float>(n[1]), Identificador(n[2]),
-                                        Identificador(n[3]), Identificador(n[4]), static_cast<float>(n[5])});
-  Grupo& grupo = cargadas_[Clave{dato.id_Concepto, dato.id_Contrato, dato.idAgrupa}];
-  if (grupo.cantidad++ == 0) grupo.primera = filas_.size() - 1;
-  return dato;
+  return Agregar(DatoDelMes{Identificador(n[0]), static_cast<float>(n[1]), Identificador(n[2]),
+                            Identificador(n[3]), Identificador(n[4]), static_cast<float>(n[5])});
 }
 
-DatoDelMes& MonthDataTable::Agregar(const DatoDelMes& dato, std::int32_t id_Dato) {
+DatoDelMes& MonthDataTable::Agregar(const DatoDelMes& dato) {
   const std::size_t fila = filas_.size();
   filas_.push_back(dato);
   por_par_.try_emplace(Clave{dato.id_Concepto, dato.id_Contrato, 0}, fila);
-  if (id_Dato != 0) por_dato_[id_Dato] = fila;
+  por_terna_.try_emplace(Clave{dato.id_Concepto, dato.id_Contrato, dato.idAgrupa}, fila);
   return filas_.back();
-}
-
-void MonthDataTable::Asignar(const DatoDelMes& fila, std::int32_t id_Dato) {
-  por_dato_[id_Dato] = static_cast<std::size_t>(&fila - filas_.data());
-  cargadas_.erase(Clave{fila.id_Concepto, fila.id_Contrato, fila.idAgrupa});
 }
 
 DatoDelMes* MonthDataTable::Buscar(std::int64_t concepto, std::int64_t contrato) {
@@ -60,19 +51,8 @@ DatoDelMes* MonthDataTable::Buscar(std::int64_t concepto, std::int64_t contrato)
 }
 
 DatoDelMes* MonthDataTable::Buscar(std::int64_t concepto, std::int64_t contrato, std::int64_t agrupa) {
-  const auto it = cargadas_.find(Clave{concepto, contrato, agrupa});
-  return it == cargadas_.end() ? nullptr : &filas_[it->second.primera];
-}
-
-std::size_t MonthDataTable::Cargadas(std::int64_t concepto, std::int64_t contrato,
-                                     std::int64_t agrupa) const {
-  const auto it = cargadas_.find(Clave{concepto, contrato, agrupa});
-  return it == cargadas_.end() ? 0 : it->second.cantidad;
-}
-
-DatoDelMes* MonthDataTable::DeDato(std::int32_t id_Dato) {
-  const auto it = por_dato_.find(id_Dato);
-  return it == por_dato_.end() ? nullptr : &filas_[it->second];
+  const auto it = por_terna_.find(Clave{concepto, contrato, agrupa});
+  return it == por_terna_.end() ? nullptr : &filas_[it->second];
 }
 
 }  // namespace liquidation

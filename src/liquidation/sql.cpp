@@ -116,11 +116,6 @@ std::string BuscarDato(const ClaveDato& k) {
          " and idAgrupa=" + Num(k.agrupa);
 }
 
-std::string LeerDato(std::int32_t idEmpresa, std::int32_t id_Dato) {
-  return "Select Cantidad,Coeficiente From Datos_Liquidacion Where idEmpresa=" + Num(idEmpresa) +
-         " and id_Dato=" + Num(id_Dato);
-}
-
 std::string BorrarDato(const ClaveDato& k) {
   return "Delete From Datos_Liquidacion Where idEmpresa=" + Num(k.idEmpresa) +
          " and  id_Encabezado=" + Num(k.encabezado) + " and id_Concepto=" + Num(k.concepto) +

@@ -45,8 +45,6 @@ struct ClaveDato {
   std::int32_t idEmpresa, encabezado, concepto, agrupa;
 };
 std::string BuscarDato(const ClaveDato& clave);
-// What a datum holds: Cantidad, Coeficiente.
-std::string LeerDato(std::int32_t idEmpresa, std::int32_t id_Dato);
 std::string BorrarDato(const ClaveDato& clave);
 // `par` is the text of Cantidad,Coeficiente.
 std::string InsertarDato(std::int32_t id_Dato, const ClaveDato& clave, std::string_view par);

@@ -169,25 +169,6 @@ TEST_F(Fallas, AnUpdateThatFailsIsNotAddedToLater) {
   EXPECT_EQ(Horas(), "9");
 }
 
-// Two open liquidations have the concept, so that the datum is read to know what it holds. Unread, it stays.
-TEST_F(Fallas, ADatumThatCannotBeReadIsNotReplaced) {
-  opciones_.SumarAyaIng = true;
-  for (const char* id : {"500", "501"}) {
-    const std::string n = id, tipo = n == "500" ? "5" : "2";
-    conexion_->Ejecutar(
-        "Insert into Encabezados (idEmpresa,id_Encabezado,MesDeLiq,id_Contrato,id_TipoLiq,Terminado,Impreso,"
-        "id_Usuario) Values(1," +
-        n + ",#10/01/2026#,117," + tipo + ",False,False,0)");
-    conexion_->Ejecutar(
-        "insert into Datos_Liquidacion (id_dato,idEmpresa,id_Concepto,id_Encabezado,Cantidad,Coeficiente,"
-        "RedoEnLiq,Relacion,idAgrupa) Values(" +
-        n + ",1,7," + n + "," + (n == "500" ? "30" : "4") + ",0,2,1,0)");
-  }
-  conexion_->Fallar("Select Cantidad,Coeficiente", 1);
-  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}}), "falla de prueba|OK");
-  EXPECT_EQ(Horas(), "30|6");
-}
-
 TEST_F(Fallas, AUserTableThatFailsIsNotAddedToLater) {
   conexion_->Fallar("Insert into DatosUsuTablas", 1);
   EXPECT_EQ(Importar({{"9", "8"}, {"9", "2"}, {"9", "1"}}), "falla de prueba|OK|OK");

@@ -50,35 +50,10 @@ TEST(MonthDataTable, LargeIdentifiersStayApart) {
   EXPECT_NE(tabla.Buscar(7, 16777216), nullptr);
 }
 
-// What the run writes is found by its datum alone: the loaded row may be another liquidation's.
-TEST(MonthDataTable, WrittenRowsBelongToTheirDatum) {
-  MonthDataTable tabla;
-  tabla.Agregar("7*30*10*-1*0*0");
-  EXPECT_EQ(tabla.Cargadas(7, 10, 0), 1U);
-  tabla.Agregar(liquidation::DatoDelMes{7, 8.0F, 10, -1, 0, 0.0F}, 901);
-  EXPECT_EQ(tabla.Cargadas(7, 10, 0), 1U);
-  EXPECT_EQ(tabla.Buscar(7, 10, 0)->valor, 30.0F);
-  ASSERT_NE(tabla.DeDato(901), nullptr);
-  EXPECT_EQ(tabla.DeDato(901)->valor, 8.0F);
-  EXPECT_EQ(tabla.DeDato(900), nullptr);
-}
-
-TEST(MonthDataTable, AnAssignedRowIsNoLongerALoadedOne) {
-  MonthDataTable tabla;
-  tabla.Agregar("7*30*10*-1*0*0");
-  tabla.Asignar(*tabla.Buscar(7, 10, 0), 900);
-  EXPECT_EQ(tabla.Cargadas(7, 10, 0), 0U);
-  EXPECT_EQ(tabla.Buscar(7, 10, 0), nullptr);
-  EXPECT_EQ(tabla.DeDato(900)->valor, 30.0F);
-}
-
 TEST(MonthDataTable, ResetForgetsEverything) {
   MonthDataTable tabla;
   tabla.Agregar("7*1*10*-1*3*0");
-  tabla.Agregar(liquidation::DatoDelMes{7, 8.0F, 10, -1, 0, 0.0F}, 901);
   tabla.Reiniciar();
   EXPECT_EQ(tabla.Filas().size(), 1U);
   EXPECT_EQ(tabla.Buscar(7, 10), nullptr);
-  EXPECT_EQ(tabla.Cargadas(7, 10, 3), 0U);
-  EXPECT_EQ(tabla.DeDato(901), nullptr);
 }
