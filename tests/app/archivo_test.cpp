@@ -180,6 +180,26 @@ TEST_F(Archivo, ChangingTheMonthReloadsPersonsAndRows) {
   EXPECT_NE(programa_->Ver().personas.Cantidad(), septiembre);
 }
 
+// First the persons, then the rows: these are matched with those of the new month.
+TEST_F(Archivo, ChangingTheMonthMatchesTheRowsAnew) {
+  Cargar("007008;HC;8");
+  EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "Ana");
+  programa_->ObjSelMes_Change(base::FechaDe(1990, 1, 31));
+  EXPECT_EQ(programa_->Ver().personas.Cantidad(), 0U);
+  EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "");
+  EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kCC], "0");
+}
+
+// The same for the key: another kind looks the same text up among other keys.
+TEST_F(Archivo, ChangingTheKeyKindMatchesTheRowsAnew) {
+  Cargar("007008;HC;8");
+  EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "Ana");
+  programa_->cbTipoClave_Click(0);
+  EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "");
+  programa_->cbTipoClave_Click(2);
+  EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "Ana");
+}
+
 TEST_F(Archivo, TheImportAsksAndNoChangesNothing) {
   Cargar("1;1;8");
   programa_->cbImportar_Click(2);  // not the primary button
