@@ -232,10 +232,11 @@ FROM ((Encabezados AS E INNER JOIN Datos_Liquidacion AS D ON E.id_Encabezado = D
 -- contract's days per month whatever the calendar says.
 CREATE VIEW CDetaLiq_DiasTrab AS
 SELECT X.id_Dato, X.MesDeLiq, X.Hasta - X.Desde AS DTE,
-  IIf((X.Desde = X.MesDeLiq And X.Hasta = X.Fin) Or X.Hasta - X.Desde > X.CantDiasXMes, X.CantDiasXMes, X.Hasta - X.Desde) AS DTP
-FROM (SELECT D.id_Dato, E.MesDeLiq, E.Fin, C.CantDiasXMes,
+  IIf(X.Entero Or X.Hasta - X.Desde > X.CantDiasXMes, X.CantDiasXMes, X.Hasta - X.Desde) AS DTP
+FROM (SELECT D.id_Dato, E.MesDeLiq, C.CantDiasXMes,
     IIf(C.FECINI > E.MesDeLiq, C.FECINI, E.MesDeLiq) AS Desde,
-    IIf(C.FECFIN < E.Fin, C.FECFIN + 1, E.Fin) AS Hasta
+    IIf(IsNull(C.FECFIN), E.Fin, IIf(C.FECFIN < E.Fin, C.FECFIN + 1, E.Fin)) AS Hasta,
+    (C.FECINI <= E.MesDeLiq And (IsNull(C.FECFIN) Or C.FECFIN + 1 >= E.Fin)) AS Entero
   FROM ((SELECT H.id_Encabezado, H.id_Contrato, H.MesDeLiq, DateAdd('m', 1, H.MesDeLiq) AS Fin FROM Encabezados AS H) AS E
     INNER JOIN Contrato AS C ON E.id_Contrato = C.id_Contrato)
     INNER JOIN Datos_Liquidacion AS D ON E.id_Encabezado = D.id_Encabezado) AS X;
