@@ -12,22 +12,22 @@ struct Clase {
   std::string_view comienzo, contiene, nombre;
 };
 
-// The first that fits names the statement.
+// The first that fits names the statement; those of each line come first.
 constexpr std::array<Clase, 15> kClases = {{
+    {"Select id_Dato", "", "find datum"},
+    {"insert into Datos_Liquidacion", "", "insert datum"},
+    {"select max(", "id_Dato", "max id_Dato"},
+    {"SELECT  TTL", "", "type of contract"},
+    {"Update Datos_Liquidacion", "", "update datum"},
+    {"select max(", "id_Encabezado", "max id_Encabezado"},
+    {"Insert into Encabezados", "", "insert header"},
+    {"Select id_Encabezado", "", "find header"},
     {"UPDATE Datos_Liquidacion INNER JOIN CDetaLiq", "", "final: days"},
     {"UPDATE Datos_Liquidacion INNER JOIN ACambiar", "", "final: amounts"},
     {"Update  ((Conceptos", "", "final: detail"},
-    {"select max(", "id_Dato", "max id_Dato"},
-    {"select max(", "id_Encabezado", "max id_Encabezado"},
-    {"Select id_Dato", "", "find datum"},
-    {"insert into Datos_Liquidacion", "", "insert datum"},
-    {"Update Datos_Liquidacion", "", "update datum"},
-    {"Insert into Encabezados", "", "insert header"},
-    {"SELECT  TTL", "", "type of contract"},
     {"", "From Con_Contrato", "persons"},
     {"", "cLiq_HistoricoSimple", "preload"},
     {"", "inner join Contrato", "open headers"},
-    {"Select id_Encabezado", "", "find header"},
     {"", "", "other"},
 }};
 

@@ -108,7 +108,7 @@ void ConexionSqlite::Configurar(std::string_view ruta, const Opciones& opciones)
                                : "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
   if (opciones.solo_lectura) Procurar(base, "PRAGMA query_only=ON");
   Procurar(base,
-           "PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY; PRAGMA cache_size=-32768; PRAGMA "
+           "PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY; PRAGMA cache_size=-65536; PRAGMA "
            "secure_delete=FAST");
   if (!en_memoria) version_ajena_ = Preparar(base, "PRAGMA data_version");
 }

@@ -1,6 +1,6 @@
 #include "engine_sqlite/statement_cache_internal.h"
 
-#include <utility>
+#include <cstdint>
 
 namespace engine_sqlite {
 namespace {
@@ -47,25 +47,23 @@ void CacheDeFormas::Vaciar() {
 
 CacheDeMoldes::Grupo& CacheDeMoldes::GrupoDe(std::string_view sql) {
   constexpr std::size_t kComienzo = 32;
-  std::size_t huella = 0;
+  std::uint64_t huella = 14695981039346656037U;
   for (std::size_t i = 0; i < sql.size() && i < kComienzo; ++i) {
     const char c = sql[i];
     if ((c >= '0' && c <= '9') || c == '\'' || c == '"' || c == '#') break;
-    huella = huella * 31 + static_cast<unsigned char>(c);
+    huella = (huella ^ static_cast<unsigned char>(c)) * 1099511628211U;
   }
-  return grupos_[(huella ^ (huella >> 17)) % kGrupos];
+  return grupos_[(huella >> 32) % kGrupos];
 }
 
 CacheDeMoldes::Hallado CacheDeMoldes::Buscar(std::string_view sql) {
   using Hallazgo = jetsql::Molde::Hallazgo;
   if (sql.size() > kTextoMasLargo) return {};
-  Grupo& grupo = GrupoDe(sql);
-  for (std::size_t i = 0; i < kPorGrupo; ++i) {
-    const Hallazgo hallazgo = grupo[i].molde.Reconocer(sql);
+  for (Ranura& ranura : GrupoDe(sql).ranuras) {
+    const Hallazgo hallazgo = ranura.molde.Reconocer(sql);
     if (hallazgo == Hallazgo::Otra) continue;
-    if (!MismosFijos(*grupo[i].preparada, grupo[i].molde.Literales())) return {};
-    if (i > 0) std::swap(grupo[0], grupo[i]);
-    return {&grupo[0], hallazgo == Hallazgo::Igual};
+    if (!MismosFijos(*ranura.preparada, ranura.molde.Literales())) return {};
+    return {&ranura, hallazgo == Hallazgo::Igual};
   }
   return {};
 }
@@ -74,14 +72,14 @@ void CacheDeMoldes::Guardar(std::string_view sql, const jetsql::Forma& forma,
                             const std::shared_ptr<Preparada>& preparada) {
   if (sql.size() > kTextoMasLargo) return;
   Grupo& grupo = GrupoDe(sql);
-  std::swap(grupo.front(), grupo.back());
-  grupo.front().molde.Tomar(sql, forma);
-  grupo.front().preparada = preparada;
+  Ranura& ranura = grupo.ranuras[grupo.siguiente];
+  grupo.siguiente = (grupo.siguiente + 1) % kPorGrupo;
+  ranura.molde.Tomar(sql, forma);
+  ranura.preparada = preparada;
 }
 
 void CacheDeMoldes::Vaciar() {
-  for (Grupo& grupo : grupos_)
-    for (Ranura& r : grupo) r = {};
+  for (Grupo& grupo : grupos_) grupo = {};
 }
 
 }  // namespace engine_sqlite

@@ -64,8 +64,11 @@ class CacheDeMoldes {
  private:
   static constexpr std::size_t kGrupos = 64;
   static constexpr std::size_t kTextoMasLargo = 1 << 16;  // a longer one is not kept
-  static constexpr std::size_t kPorGrupo = 2;             // the first is the one used last
-  using Grupo = std::array<Ranura, kPorGrupo>;
+  static constexpr std::size_t kPorGrupo = 4;
+  struct Grupo {
+    std::array<Ranura, kPorGrupo> ranuras;
+    std::size_t siguiente = 0;  // the slot to be given up next
+  };
   Grupo& GrupoDe(std::string_view sql);
 
   std::array<Grupo, kGrupos> grupos_;

@@ -54,7 +54,6 @@ void Molde::Tomar(std::string_view sql, const Forma& forma) {
 Molde::Hallazgo Molde::Reconocer(std::string_view sql) {
   if (texto_.empty()) return Hallazgo::Otra;
   const std::string_view molde = texto_;
-  nuevos_ = lugares_;
   cambios_.clear();
   std::size_t aqui = 0, alla = 0;  // in the text, in the mould
   std::size_t i = 0;               // the next literal
@@ -62,8 +61,10 @@ Molde::Hallazgo Molde::Reconocer(std::string_view sql) {
     const std::size_t n = Comunes(sql.substr(aqui), molde.substr(alla));
     const std::size_t parten = alla + n;
     if (aqui + n == sql.size() && parten == molde.size()) break;
-    for (; i < lugares_.size() && lugares_[i].fin + kVista < parten; ++i) Correr(i, aqui, alla);
+    for (; i < lugares_.size() && lugares_[i].fin + kVista < parten; ++i)
+      if (!cambios_.empty()) Correr(i, aqui, alla);
     if (i == lugares_.size() || lugares_[i].inicio > parten) return Hallazgo::Otra;
+    if (cambios_.empty()) nuevos_ = lugares_;
     const std::size_t inicio = aqui + (lugares_[i].inicio - alla);
     const std::size_t fin = Literal(sql, inicio, i);
     if (fin == std::string_view::npos) return Hallazgo::Otra;
@@ -71,7 +72,7 @@ Molde::Hallazgo Molde::Reconocer(std::string_view sql) {
     aqui = fin;
     alla = lugares_[i++].fin;
   }
-  if (alla == 0 && cambios_.empty()) return Hallazgo::Igual;
+  if (cambios_.empty()) return Hallazgo::Igual;
   for (; i < lugares_.size(); ++i) Correr(i, aqui, alla);
   for (Cambio& c : cambios_) literales_[c.literal] = std::move(c.valor);
   lugares_.swap(nuevos_);
