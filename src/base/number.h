@@ -28,8 +28,8 @@ std::optional<std::int64_t> EnteroHexOctal(std::string_view texto, int bits);
 // no number. Blanks, tabs and line ends are skipped everywhere. Throws Error 6 on overflow and 13 for a type
 // sign after a fraction.
 double Val(std::string_view texto);
-// The *parse* of loading and formulas: the same, but a type sign only ends the number ("1.5%" is 1.5), and a
-// number too large is 0.
+// The *parse* of loading and formulas: the same, but a type sign only ends the number ("1.5%" is 1.5), so
+// does a line end (what stands on two lines is never one number), and a number too large is 0.
 double Parse(std::string_view texto);
 
 // The numeric value of a quantity of the import: number of the text when it is one, else its parse.

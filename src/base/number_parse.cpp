@@ -408,7 +408,10 @@ double Val(std::string_view texto) {
   return r.numero;
 }
 
-double Parse(std::string_view texto) { return ValCrudo(texto, false).numero; }
+double Parse(std::string_view texto) {
+  texto.remove_prefix(std::min(texto.find_first_not_of(" \t\r\n"), texto.size()));
+  return ValCrudo(texto.substr(0, texto.find_first_of("\r\n")), false).numero;
+}
 
 double ValorNumerico(std::string_view texto) {
   double numero = 0;
