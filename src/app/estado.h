@@ -20,6 +20,14 @@
 
 namespace app {
 
+enum class Tarea { Ninguna, Carga, Importacion };
+
+// Each goes up when its part of the state was replaced or put in another order: a window compares a number
+// instead of 100,000 rows.
+struct Revisiones {
+  unsigned filas = 0, relaciones = 0, previa = 0, conceptos = 0, tipos = 0;
+};
+
 struct Estado {
   bool cargando = false;         // the loading flag of start-up
   bool carga_pendiente = false;  // a file named on the command line waits for the first activation
@@ -69,6 +77,8 @@ struct Estado {
   // to 4.
   std::array<int, 5> posicion_previa{0, 1, 2, 3, 4};
 
+  Tarea tarea = Tarea::Ninguna;  // what is under way
+  Revisiones revision;
   importfile::FinDeCarga fin_de_carga = importfile::FinDeCarga::Completa;  // of the last load
   liquidation::Importacion importacion;                                    // the last one
 };

@@ -133,6 +133,7 @@ class Programa {
   // Reloads now, or when the load or import under way has ended.
   void Pedir(unsigned recargas);
   void Recargar(unsigned recargas);
+  void Empezar(Tarea tarea);
   void Terminado();  // of a load or an import
   void CargarVecDePersonas();
   void ActuLSTdeConceptos();

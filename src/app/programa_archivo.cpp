@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "app/programa.h"
+#include "app/vista.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "formula/vector_utils.h"
@@ -154,12 +155,13 @@ void Programa::CargarDatosPrevisual() {
   e_.filas_previa.clear();
   base::ErrorIgnorado("CargarDatosPrevisual", &errores_,
                       [&] { e_.filas_previa = importfile::CargarDatosPrevisual(e_.previa, e_.opciones); });
+  ++e_.revision.previa;
   Cambio();
 }
 
 void Programa::CargarDatos() {
   if (en_curso_) return;
-  en_curso_ = true;
+  Empezar(Tarea::Carga);
   barra_.Cancelar(false);
   const settings::Settings opciones =
       e_.opciones;  // a handler may change them while the events of the load run
@@ -182,6 +184,7 @@ void Programa::CargarDatos() {
     e_.previa = std::move(carga.previa);
     e_.hay_valor = carga.hay_valor;
     e_.lineas = carga.lineas;
+    ++e_.revision.filas;
     CargarDatosPrevisual();
     Actualizar();
   }
@@ -204,26 +207,15 @@ void Programa::OrdenarFilas() {
   ordenadas.reserve(e_.filas.size());
   for (const std::size_t i : orden) ordenadas.push_back(std::move(e_.filas[i]));
   e_.filas = std::move(ordenadas);
+  ++e_.revision.filas;
 }
 
 void Programa::GridAImportar_HeadClick(std::string_view columna) {
-  static constexpr std::pair<std::string_view, int> kCampos[] = {{"Id", importfile::kClave},
-                                                                 {"Nombre", importfile::kNombre},
-                                                                 {"Apellido", importfile::kApellido},
-                                                                 {"Horas", importfile::kCantidad},
-                                                                 {"Valor", importfile::kValor},
-                                                                 {"Tipo", importfile::kTipo},
-                                                                 {"NomConcVinc", importfile::kVinculado},
-                                                                 {"A_Realizar", importfile::kHorasMes},
-                                                                 {"DatoExtra", importfile::kDatoExtra},
-                                                                 {"CC", importfile::kCC}};
-  if (en_curso_) return;
-  for (const auto& [nombre, campo] : kCampos) {
-    if (nombre != columna) continue;
-    e_.columna_orden = campo;
-    OrdenarFilas();
-    Cambio();
-  }
+  const int campo = CampoDeColumna(columna);
+  if (en_curso_ || campo < 0) return;
+  e_.columna_orden = campo;
+  OrdenarFilas();
+  Cambio();
 }
 
 }  // namespace app

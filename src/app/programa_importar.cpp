@@ -23,7 +23,7 @@ void Programa::cbImportar_Click(int boton) {
 
 void Programa::Importar(bool deshacer) {
   if (en_curso_) return;
-  en_curso_ = true;
+  Empezar(Tarea::Importacion);
   const settings::Settings opciones = e_.opciones;
   liquidation::EntradaImportacion entrada;
   entrada.sesion = &sesion_;
@@ -45,6 +45,7 @@ void Programa::Importar(bool deshacer) {
   e_.importacion = liquidation::Importar(entrada, e_.filas);
   errores_.insert(errores_.end(), e_.importacion.errores.begin(), e_.importacion.errores.end());
   e_.GridAImportar.Columna("Resultado")->visible = true;
+  ++e_.revision.filas;
   Actualizar();
   Terminado();
 }

@@ -7,6 +7,7 @@
 namespace app {
 namespace {
 
+// The cost centre shows once a company that groups by it was read.
 Grid ColumnasDeImportar() {
   return {{{"Id", "Id"},
            {"Nombre", "Nombre"},
@@ -17,7 +18,7 @@ Grid ColumnasDeImportar() {
            {"NomConcVinc", "Vinculado Con:"},
            {"A_Realizar", "A_Realizar"},
            {"DatoExtra", "Dat.Ext."},
-           {"CC", "C. Costo"},
+           {"CC", "C. Costo", false},
            {"Resultado", "Resultado"}}};
 }
 
@@ -25,7 +26,7 @@ Grid ColumnasDeRelaciones() {
   return {{{"Codigo", "Codigo"},
            {"Nombre", "Nombre"},
            {"CodigosVincConReloj", "Cod. de Sis. Externo"},
-           {"CC", "C.Costo"}}};
+           {"CC", "C.Costo", false}}};
 }
 
 Grid ColumnasDePrevia() {

@@ -154,10 +154,18 @@ void Programa::Recargar(unsigned recargas) {
   if (recargas & kGrilla) CargarDatos();
 }
 
+void Programa::Empezar(Tarea tarea) {
+  en_curso_ = true;
+  e_.tarea = tarea;
+  Cambio();
+}
+
 void Programa::Terminado() {
   en_curso_ = false;
+  e_.tarea = Tarea::Ninguna;
   const unsigned recargas = pendientes_;
   pendientes_ = 0;
+  Cambio();
   if (recargas != 0 && !cierre_pedido_) Recargar(recargas);
 }
 
@@ -169,17 +177,20 @@ void Programa::CargarVecDePersonas() {
 
 void Programa::ActuLSTdeConceptos() {
   refdata::ActuLSTdeConceptos(sesion_, e_.opciones, e_.conceptos, &errores_);
+  ++e_.revision.conceptos;
   Cambio();
 }
 
 void Programa::LevantarRelaciones() {
   relations::LevantarRelaciones(sesion_, e_.opciones, TextoDeAjustes(), e_.relaciones, &errores_);
   e_.fila_relacion = e_.relaciones.Cantidad() > 0 ? 0 : -1;
+  ++e_.revision.relaciones;
   Cambio();
 }
 
 void Programa::CargarTiposLiquidacion() {
   refdata::CargarTiposLiquidacion(sesion_, e_.opciones, e_.tipos, &errores_);
+  ++e_.revision.tipos;
   for (Grid* grid : {&e_.GridAImportar, &e_.GridRelaciones}) {
     GridColumn* cc = grid->Columna("CC");
     cc->visible = e_.tipos.CC_visible;

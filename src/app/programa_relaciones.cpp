@@ -45,6 +45,7 @@ void Programa::AgregarRelacion() {
   datos.lblConcepto = e_.lblConcepto;
   datos.cc = relations::CentroDeRelacion(sesion_, e_.opciones, e_.tipos.cmbAgrupaDef);
   e_.relaciones.Agregar(relations::RegistroDeRelacion(datos));
+  ++e_.revision.relaciones;
   if (e_.fila_relacion < 0) e_.fila_relacion = 0;
 }
 
@@ -66,6 +67,7 @@ void Programa::QuitarRelacion() {
   e_.txtTipo.text = std::move(edicion.txtTipo);
   e_.tipos.cmbAgrupaDef.ListIndex = edicion.cmbAgrupaDef;
   e_.relaciones.Quitar(relacion);
+  ++e_.revision.relaciones;
   if (e_.fila_relacion >= static_cast<int>(e_.relaciones.Cantidad())) --e_.fila_relacion;
 }
 

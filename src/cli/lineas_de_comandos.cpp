@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "app/reloj_sistema.h"
-#include "base/file.h"
 #include "base/text.h"
 #include "cli/verbos.h"
 #include "settings/config_file.h"
@@ -178,13 +177,6 @@ std::vector<std::string> ConExpresionAlFinal(std::vector<std::string> args) {
 }
 
 }  // namespace
-
-std::string CarpetaDeAjustes() {
-  const std::string propia = base::VariableEntorno("IMPORTDEMARCAS_CARPETA");
-  if (!propia.empty()) return propia;
-  const std::string programa = base::CarpetaDelPrograma();
-  return base::CarpetaEscribible(programa) ? programa : base::CarpetaConfiguracionUsuario();
-}
 
 int Ejecutar(const std::vector<std::string>& argumentos, const std::string& programa,
              const std::string& carpeta, Flujos f) {

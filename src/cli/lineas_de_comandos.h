@@ -20,8 +20,4 @@ struct Flujos {
 int Ejecutar(const std::vector<std::string>& argumentos, const std::string& programa,
              const std::string& carpeta, Flujos flujos);
 
-// The folder of the settings: IMPORTDEMARCAS_CARPETA, else the executable's folder when it can be written,
-// else the user's configuration folder.
-std::string CarpetaDeAjustes();
-
 }  // namespace cli

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "app/carpeta_ajustes.h"
 #include "cli/codigos.h"
 #include "cli/lineas_de_comandos.h"
 
@@ -41,7 +42,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> args = Argumentos(argc, argv);
     const std::string programa = args.empty() ? "importdemarcas-cli" : args.front();
     if (!args.empty()) args.erase(args.begin());
-    return cli::Ejecutar(args, programa, cli::CarpetaDeAjustes(), {std::cin, std::cout, std::cerr});
+    return cli::Ejecutar(args, programa, app::CarpetaDeAjustes(), {std::cin, std::cout, std::cerr});
   } catch (const std::exception& e) {
     std::cerr << "Error inesperado: " << e.what() << '\n';
     return cli::kEntradaSalida;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "app/vista.h"
 #include "base/number.h"
 #include "base/text.h"
 
@@ -93,23 +94,13 @@ void EscribirTabla(std::ostream& out, const std::vector<LineaSalida>& lineas) {
   }
 }
 
-namespace {
-
-// The concept's own name; that of its relation when the catalogue does not list it.
-std::string NombreDe(const app::Estado& estado, const liquidation::TotalConcepto& total) {
-  const int entrada = estado.conceptos.Buscar(std::to_string(total.concepto));
-  return entrada < 0 ? total.nombre : estado.conceptos.tabla.Campo(1, static_cast<std::size_t>(entrada));
-}
-
-}  // namespace
-
 void EscribirTotales(std::ostream& out, const Cuentas& c, const app::Estado& estado) {
   out << "Leídas: " << c.leidas << " = importadas: " << c.importadas << " + rechazadas: " << c.rechazadas
       << " + filtradas: " << c.filtradas << " + mal formadas: " << c.mal_formadas << '\n';
   if (estado.importacion.totales.empty()) return;
   out << "Cantidades por concepto:\n";
   for (const auto& t : estado.importacion.totales)
-    out << "  " << t.concepto << " " << NombreDe(estado, t) << ": "
+    out << "  " << t.concepto << " " << app::NombreDeTotal(estado, t) << ": "
         << base::TextoDeNumero(base::Redondear(t.cantidad, 6)) << " (" << t.lineas
         << (t.lineas == 1 ? " línea" : " líneas") << ")\n";
 }
