@@ -1,0 +1,25 @@
+// The progress bar as it is painted: the filled part in a gradient of three colours over a light track.
+#pragma once
+
+#include <QWidget>
+#include <array>
+
+namespace gui {
+
+class BarraDeProgreso final : public QWidget {
+ public:
+  explicit BarraDeProgreso(QWidget* padre);
+  void Poner(float porcentaje);
+  // The part inside the border that is filled.
+  QRectF Lleno() const;
+  const std::array<QColor, 3>& Colores() const { return colores_; }
+
+ protected:
+  void paintEvent(QPaintEvent* evento) override;
+
+ private:
+  float porcentaje_ = 0;
+  std::array<QColor, 3> colores_;
+};
+
+}  // namespace gui

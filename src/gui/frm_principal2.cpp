@@ -1,0 +1,184 @@
+#include "gui/frm_principal2.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShowEvent>
+
+#include "gui/texto.h"
+
+namespace gui {
+
+FrmPrincipal2::FrmPrincipal2(app::Programa& programa, const Tema& tema, Bomba* bomba)
+    : programa_(programa),
+      tema_(tema),
+      bomba_(bomba),
+      modelo_importar_(programa.Ver(), nullptr),
+      modelo_relaciones_(programa.Ver(), nullptr),
+      modelo_previa_(programa.Ver(), nullptr) {
+  setObjectName(QStringLiteral("FrmPrincipal2"));
+  setAcceptDrops(true);
+  Timer1_.setObjectName(QStringLiteral("Timer1"));
+  Timer1_.setParent(this);
+  Timer1_.setSingleShot(true);
+  Timer1_.setInterval(kTimer1);
+  Armar();
+  ConectarFranja();
+  ConectarColumna();
+  ConectarFormato();
+  ConectarOpciones();
+  ConectarRelaciones();
+  ConectarGrillas();
+  programa_.al_cambiar = [this] { Sincronizar(); };
+  programa_.BarraDeProgreso().al_pintar = [this] { PintarBarra(); };
+  resize(1280, 720);
+  Sincronizar();
+}
+
+FrmPrincipal2::~FrmPrincipal2() {
+  programa_.al_cambiar = nullptr;
+  programa_.BarraDeProgreso().al_pintar = nullptr;
+}
+
+void FrmPrincipal2::Armar() {
+  columna_.Crear(tema_, this);
+  franja_.Crear(tema_, this);
+  GridAImportar_ = new Grilla(QStringLiteral("GridAImportar"), tema_, this);
+  GridAImportar_->setModel(&modelo_importar_);
+  GridAImportar_->setAccessibleName(QStringLiteral("Líneas a importar"));
+  GridAImportar_->horizontalHeader()->setSectionsClickable(true);
+  GridAImportar_->horizontalHeader()->setSortIndicatorShown(true);
+  constexpr int kAnchos[] = {66, 104, 116, 76, 66, 60, 156, 84, 88, 55, 180};
+  for (int i = 0; i < modelo_importar_.columnCount(); ++i) GridAImportar_->setColumnWidth(i, kAnchos[i]);
+  formato_.Crear(tema_, this);
+  formato_.GridPVConf->setModel(&modelo_previa_);
+  formato_.GridPVConf->horizontalHeader()->setDefaultSectionSize(90);
+  formato_.GridPVConf->horizontalHeader()->setStretchLastSection(true);
+  relaciones_.Crear(tema_, this);
+  relaciones_.GridRelaciones->setModel(&modelo_relaciones_);
+  constexpr int kAnchosDeRelaciones[] = {120, 360, 270, 55};
+  for (int i = 0; i < modelo_relaciones_.columnCount(); ++i)
+    relaciones_.GridRelaciones->setColumnWidth(i, kAnchosDeRelaciones[i]);
+  PonerOrdenDeTeclas();
+}
+
+// As the eye goes: the strip, the grid, the open panel, the commands.
+void FrmPrincipal2::PonerOrdenDeTeclas() {
+  const QList<QWidget*> orden = {franja_.txtRuta,      franja_.cbBuscar,         franja_.cbActualizar,
+                                 franja_.ObjSelMes,    franja_.cmbLiquidaciones, franja_.cmbAgrupa,
+                                 franja_.OptFiltro[1], franja_.OptFiltro[0],     franja_.txtFiltro,
+                                 GridAImportar_};
+  for (qsizetype i = 1; i < orden.size(); ++i) setTabOrder(orden[i - 1], orden[i]);
+  QWidget* ultimo = GridAImportar_;
+  for (QWidget* panel : {static_cast<QWidget*>(formato_.AreConf), static_cast<QWidget*>(relaciones_.AreConf)})
+    for (auto* hijo : panel->findChildren<QWidget*>())
+      if (hijo->focusPolicy() != Qt::NoFocus && !hijo->inherits("QScrollBar") &&
+          hijo->focusProxy() == nullptr && hijo->window() == this &&
+          !hijo->objectName().startsWith(QLatin1String("qt_"))) {
+        setTabOrder(ultimo, hijo);
+        ultimo = hijo;
+      }
+  for (QWidget* boton :
+       {columna_.cbConfigurar[0], columna_.cbConfigurar[1], columna_.cbImportar, columna_.cbSalir}) {
+    setTabOrder(ultimo, boton);
+    ultimo = boton;
+  }
+}
+
+bool FrmPrincipal2::Iniciar(const QString& linea_de_comandos) {
+  const bool sigue = programa_.Iniciar(A(linea_de_comandos));
+  Sincronizar();
+  return sigue;
+}
+
+void FrmPrincipal2::Hacer(const Evento& evento) {
+  if (sincronizando_ || cerrada_) return;
+  evento(programa_);
+  if (!cerrada_) Sincronizar();
+}
+
+// The load of a file named on the command line. Not from inside the event itself: the window is to be seen
+// first.
+void FrmPrincipal2::Activarse() {
+  if (!programa_.Ver().carga_pendiente || activacion_en_cola_) return;
+  activacion_en_cola_ = true;
+  QTimer::singleShot(0, this, [this] {
+    activacion_en_cola_ = false;
+    Hacer([](app::Programa& p) {
+      if (p.PuedeCerrar()) p.Activate();
+    });
+  });
+}
+
+void FrmPrincipal2::changeEvent(QEvent* evento) {
+  QWidget::changeEvent(evento);
+  if (evento->type() == QEvent::ActivationChange && isActiveWindow()) Activarse();
+}
+
+void FrmPrincipal2::showEvent(QShowEvent* evento) {
+  QWidget::showEvent(evento);
+  Disponer();
+  if (isActiveWindow()) Activarse();
+}
+
+void FrmPrincipal2::resizeEvent(QResizeEvent* evento) {
+  QWidget::resizeEvent(evento);
+  Disponer();
+}
+
+// While a load runs it is told to stop, and the window closes when it has.
+void FrmPrincipal2::closeEvent(QCloseEvent* evento) {
+  if (!cerrada_ && !programa_.Unload()) {
+    evento->ignore();
+    return;
+  }
+  cerrada_ = true;
+  Timer1_.stop();
+  evento->accept();
+}
+
+void FrmPrincipal2::CerrarSiTermino() {
+  if (cerrada_ || cierre_en_cola_ || !programa_.CierrePedido() || !programa_.PuedeCerrar()) return;
+  cierre_en_cola_ = true;
+  QTimer::singleShot(0, this, [this] {
+    cierre_en_cola_ = false;
+    close();
+  });
+}
+
+void FrmPrincipal2::keyPressEvent(QKeyEvent* evento) {
+  if (evento->key() == Qt::Key_Escape) {
+    for (const int i : {0, 1})
+      if (programa_.Ver().AreConf_visible[static_cast<std::size_t>(i)])
+        return Hacer([i](app::Programa& p) { p.cbConfigurar_Click(i); });
+  }
+  QWidget::keyPressEvent(evento);
+}
+
+void FrmPrincipal2::dragEnterEvent(QDragEnterEvent* evento) {
+  const QList<QUrl> urls = evento->mimeData()->urls();
+  if (!urls.isEmpty() && urls.front().isLocalFile()) evento->acceptProposedAction();
+}
+
+void FrmPrincipal2::dropEvent(QDropEvent* evento) {
+  const QList<QUrl> urls = evento->mimeData()->urls();
+  if (urls.isEmpty() || !urls.front().isLocalFile()) return;
+  evento->acceptProposedAction();
+  const std::string ruta = A(urls.front().toLocalFile());
+  // Not from inside the drop: who dragged waits until it returns.
+  QTimer::singleShot(0, this, [this, ruta] {
+    Hacer([&ruta](app::Programa& p) {
+      if (!p.PuedeCerrar()) return;  // a load or an import runs: the file is ignored like a second load
+      p.txtRuta_Change(ruta);
+      p.CargarDatos();
+    });
+  });
+}
+
+}  // namespace gui

@@ -1,0 +1,96 @@
+// The one window. It draws the state and hands events on: every rule is the program's.
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+#include "app/programa.h"
+#include "gui/bomba.h"
+#include "gui/columna.h"
+#include "gui/franja.h"
+#include "gui/modelos.h"
+#include "gui/panel_formato.h"
+#include "gui/panel_relaciones.h"
+#include "gui/tema.h"
+
+namespace gui {
+
+class FrmPrincipal2 final : public QWidget {
+ public:
+  // The program outlives the window, and belongs to it meanwhile. `bomba` may be null: then an import does
+  // not paint.
+  FrmPrincipal2(app::Programa& programa, const Tema& tema, Bomba* bomba);
+  ~FrmPrincipal2() override;
+
+  // Start-up. False: the program is to end at once, without a window.
+  bool Iniciar(const QString& linea_de_comandos);
+  bool Cerrada() const { return cerrada_; }
+
+  static constexpr int kTimer1 = 400;  // milliseconds
+
+ protected:
+  void resizeEvent(QResizeEvent* evento) override;
+  void changeEvent(QEvent* evento) override;
+  void showEvent(QShowEvent* evento) override;
+  void closeEvent(QCloseEvent* evento) override;
+  void keyPressEvent(QKeyEvent* evento) override;
+  void dragEnterEvent(QDragEnterEvent* evento) override;
+  void dropEvent(QDropEvent* evento) override;
+
+ private:
+  using Evento = std::function<void(app::Programa&)>;
+
+  void Armar();
+  void PonerOrdenDeTeclas();
+  void ConectarFranja();
+  void ConectarColumna();
+  void ConectarFormato();
+  void ConectarOpciones();
+  void ConectarRelaciones();
+  void ConectarGrillas();
+
+  // An event of the operator: handed to the program, and what came of it drawn. Nothing while the window
+  // itself sets its controls, and nothing once it is closed.
+  void Hacer(const Evento& evento);
+  void PreviaMovida();
+  void Activarse();
+
+  void Sincronizar();
+  void SincronizarFranja(const app::Estado& e);
+  void SincronizarColumna(const app::Estado& e);
+  void PonerTotales(const app::Estado& e);
+  void PonerOcupado(bool ocupado);
+  void SincronizarFormato(const app::Estado& e);
+  void SincronizarRelaciones(const app::Estado& e);
+  void SincronizarPaneles(const app::Estado& e);
+  void SincronizarGrillas(const app::Estado& e);
+  void OrdenarPrevia(const app::Estado& e);
+  void MostrarOrden(const app::Estado& e);
+  void PintarBarra();
+  void CerrarSiTermino();
+
+  // The resize rules.
+  void Disponer();
+  void DisponerColumna();
+  void DisponerPaneles();
+
+  app::Programa& programa_;
+  Tema tema_;
+  Bomba* bomba_;
+  Columna columna_;
+  Franja franja_;
+  PanelFormato formato_;
+  PanelRelaciones relaciones_;
+  Grilla* GridAImportar_ = nullptr;
+  ModeloImportar modelo_importar_;
+  ModeloRelaciones modelo_relaciones_;
+  ModeloPrevia modelo_previa_;
+  QTimer Timer1_;
+  app::Revisiones vistas_;   // of the state, as drawn
+  QWidget* foco_ = nullptr;  // whose focus waits for the end of a load or an import
+  bool primera_vez_ = true, sincronizando_ = false, cerrada_ = false, activacion_en_cola_ = false,
+       cierre_en_cola_ = false;
+};
+
+}  // namespace gui

@@ -1,0 +1,79 @@
+// Where everything stands. Lengths are twips; what would not fit leaves the controls where they were.
+#include <QLabel>
+#include <QLayout>
+#include <QPushButton>
+#include <algorithm>
+
+#include "gui/frm_principal2.h"
+#include "gui/texto.h"
+
+namespace gui {
+namespace {
+
+constexpr int kAnchoArea1 = 3960;
+constexpr int kAnchoPanel = 13200;
+constexpr int kMargen = 180;         // around the strip and the grid
+constexpr int kBajoLosBotones = 80;  // from the bottom row to the window's edge
+constexpr int kAltoMinimoGrilla = 4500;
+
+}  // namespace
+
+void FrmPrincipal2::Disponer() {
+  const int ancho_columna = Px(kAnchoArea1), margen = Px(kMargen);
+  const int x = ancho_columna + margen, ancho = width() - x - margen;
+  const int alto_franja = franja_.caja->sizeHint().height();
+  const int y_grilla = margen + alto_franja + margen, alto_grilla = height() - y_grilla - margen;
+  setMinimumSize(x + Px(kAnchoPanel) + margen, y_grilla + Px(kAltoMinimoGrilla) + margen);
+  if (ancho < franja_.caja->minimumSizeHint().width() || alto_grilla < Px(kAltoMinimoGrilla)) return;
+  columna_.Area1->setGeometry(0, 0, ancho_columna, height());
+  DisponerColumna();
+  franja_.caja->setGeometry(x, margen, ancho, alto_franja);
+  GridAImportar_->setGeometry(x, y_grilla, ancho, alto_grilla);
+  DisponerPaneles();
+}
+
+void FrmPrincipal2::DisponerColumna() {
+  Columna& c = columna_;
+  const int ancho = c.Area1->width(), margen = Px(kMargen), separacion = 8;
+  const int alto = c.cbConfigurar[0]->sizeHint().height() + 6;
+  const auto ancho_de = [](const QPushButton* b) {
+    return b->fontMetrics().horizontalAdvance(b->text()) + 22;
+  };
+  const int ancho_salir = ancho_de(c.cbSalir), ancho_relaciones = ancho_de(c.cbConfigurar[1]);
+  // The bottom row. The second settings button stands by the height of the first.
+  const auto arriba = [this](int alto_boton) { return height() - (alto_boton + Px(kBajoLosBotones)); };
+  int x = margen;
+  c.cbSalir->setGeometry(x, arriba(alto), ancho_salir, alto);
+  x += ancho_salir + separacion;
+  c.cbConfigurar[1]->setGeometry(x, arriba(alto), ancho_relaciones, alto);
+  x += ancho_relaciones + separacion;
+  c.cbImportar->setGeometry(x, arriba(alto), ancho - margen - x, alto);
+  c.cbConfigurar[0]->setGeometry(margen, arriba(alto) - separacion - alto, ancho - 2 * margen, alto);
+  // The bar covers that button while it shows.
+  const int y_configurar = c.cbConfigurar[0]->y();
+  c.Barra->setGeometry(Px(60), y_configurar - Px(30), ancho - Px(120), alto + 2 * Px(30));
+  const int alto_estado = c.lblEstado->fontMetrics().height() + 4;
+  c.lblEstado->setGeometry(margen, y_configurar - alto_estado - 6, ancho - 2 * margen, alto_estado);
+  c.cabeza->setGeometry(0, 0, ancho, c.lblEstado->y() - 4);
+}
+
+// Both panels have the height that the relations need: from the bottom of their grid 250 twips more. They
+// stand on the bottom edge of the import grid and cover its lower part.
+void FrmPrincipal2::DisponerPaneles() {
+  PanelRelaciones& r = relaciones_;
+  const QRect grilla = GridAImportar_->geometry();
+  const int ancho = std::max({Px(kAnchoPanel), formato_.AreConf->layout()->minimumSize().width(),
+                              r.edicion->minimumSizeHint().width() + 2 * Panel::kMargen});
+  const int dentro = ancho - 2 * Panel::kMargen, y_edicion = Panel::kTitulo + 12;
+  r.edicion->setGeometry(Panel::kMargen, y_edicion, dentro, r.edicion->sizeHint().height());
+  const int y = y_edicion + r.edicion->height() + 10;
+  const int minimo = formato_.AreConf->layout()->minimumSize().height() - y - Px(250);
+  const int deseado = grilla.height() * 3 / 5 - y - Px(250);
+  const int maximo = grilla.height() - y - Px(250);
+  r.GridRelaciones->setGeometry(Panel::kMargen, y, dentro, std::min(std::max(minimo, deseado), maximo));
+  const int alto = r.GridRelaciones->geometry().bottom() + 1 + Px(250);
+  for (Panel* panel : {formato_.AreConf, r.AreConf})
+    panel->setGeometry(grilla.x(), grilla.y() + grilla.height() - alto, ancho, alto);
+}
+
+}  // namespace gui

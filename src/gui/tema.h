@@ -1,0 +1,25 @@
+// The colours of the window, for a light and a dark desktop.
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+namespace gui {
+
+struct Tema {
+  bool oscuro = false;
+  QColor ventana, base, alterna, texto, tenue, apagado;         // ground, fields, letters
+  QColor borde, borde_fuerte, linea;                            // of fields, of panels, between rows
+  QColor acento, acento_encima, acento_apretado, sobre_acento;  // the primary action, focus, selection
+  QColor boton, boton_encima, boton_apretado, cabecera;
+  QColor columna, columna_texto, columna_tenue, columna_boton, columna_encima, columna_borde;  // Area1
+  QColor bien, mal;  // counts on the column
+
+  static Tema Claro();
+  static Tema Oscuro();
+  static Tema Segun(const QPalette& del_sistema);
+
+  QPalette Paleta() const;
+};
+
+}  // namespace gui
