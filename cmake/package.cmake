@@ -1,0 +1,32 @@
+# cmake --install, and cpack for a .deb with both programs.
+include(GNUInstallDirs)
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)  # the programs, not every test
+install(TARGETS importdemarcas-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(IDM_GUI)
+  install(TARGETS importdemarcas RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  if(UNIX)
+    install(FILES packaging/importdemarcas.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+    install(FILES packaging/importdemarcas.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+    install(FILES packaging/importdemarcas.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/256x256/apps)
+  endif()
+endif()
+install(FILES README.md CHANGELOG.md docs/manual.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/importdemarcas)
+install(DIRECTORY docs/img DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/importdemarcas)
+
+set(CPACK_PACKAGE_NAME importdemarcas)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "maintainers@importdemarcas.example")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Importa las horas de un reloj en las liquidaciones de un mes")
+set(CPACK_PACKAGE_DESCRIPTION "Lee un archivo de horas, busca el contrato y el concepto de cada línea y escribe las
+cantidades en las liquidaciones abiertas del mes. Trae la ventana (importdemarcas) y la línea de comandos
+(importdemarcas-cli).")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION misc)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+if(IDM_GUI)
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
+endif()
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+include(CPack)

@@ -1,0 +1,118 @@
+// The boxes as the operator sees them.
+#include "gui/dialogos.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QTimer>
+
+#include "gui/banco_gui.h"
+
+namespace {
+
+// What the next modal box is, and what is done to it.
+template <typename T>
+void AlAbrirse(std::function<void(T&)> que) {
+  QTimer::singleShot(50, [que] {
+    auto* caja = qobject_cast<T*>(QApplication::activeModalWidget());
+    ASSERT_NE(caja, nullptr) << "no modal box of that kind";
+    que(*caja);
+  });
+}
+
+TEST(Dialogos, AMessage) {
+  gui::Dialogos dialogos;
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) {
+    EXPECT_EQ(caja.text(), QStringLiteral("El Archivo 'ñ' no existe\nsegunda"));
+    EXPECT_EQ(caja.windowTitle(), QStringLiteral("ImportDeMarcas"));
+    EXPECT_EQ(caja.icon(), QMessageBox::Warning);
+    EXPECT_EQ(caja.standardButtons(), QMessageBox::Ok);
+    EXPECT_TRUE(caja.isModal());
+    EXPECT_EQ(caja.checkBox(), nullptr);
+    caja.button(QMessageBox::Ok)->click();
+  });
+  EXPECT_FALSE(dialogos.Mostrar({"El Archivo 'ñ' no existe\r\nsegunda"}));
+}
+
+// A text is a text: a formula's "<b>" is not taken for bold.
+TEST(Dialogos, TextsAreNotMarkup) {
+  gui::Dialogos dialogos;
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) {
+    EXPECT_EQ(caja.textFormat(), Qt::PlainText);
+    caja.button(QMessageBox::Ok)->click();
+  });
+  dialogos.Mostrar({"1<2 <b>x</b>"});
+}
+
+TEST(Dialogos, TheFollowingOnesCanBeSilenced) {
+  gui::Dialogos dialogos;
+  const auto aviso = [] {
+    return ports::Aviso{"Formato incorrecto en la linea 2", ports::Icono::Exclamacion, true};
+  };
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) {
+    ASSERT_NE(caja.checkBox(), nullptr);
+    EXPECT_EQ(caja.checkBox()->text(), QStringLiteral("No mostrar los siguientes avisos de esta carga"));
+    EXPECT_FALSE(caja.checkBox()->isChecked());
+    caja.button(QMessageBox::Ok)->click();
+  });
+  EXPECT_FALSE(dialogos.Mostrar(aviso()));
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) {
+    caja.checkBox()->click();
+    caja.button(QMessageBox::Ok)->click();
+  });
+  EXPECT_TRUE(dialogos.Mostrar(aviso()));
+}
+
+TEST(Dialogos, AQuestion) {
+  gui::Dialogos dialogos;
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) {
+    EXPECT_EQ(caja.text(), QStringLiteral("¿Confirma importar los datos?"));
+    EXPECT_EQ(caja.icon(), QMessageBox::Warning);
+    EXPECT_EQ(caja.button(QMessageBox::Yes)->text(), QStringLiteral("Sí"));
+    EXPECT_EQ(caja.button(QMessageBox::No)->text(), QStringLiteral("No"));
+    caja.button(QMessageBox::Yes)->click();
+  });
+  EXPECT_TRUE(dialogos.Confirmar("¿Confirma importar los datos?"));
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) { caja.button(QMessageBox::No)->click(); });
+  EXPECT_FALSE(dialogos.Confirmar("x"));
+  // Anything but Yes is No.
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) { QTest::keyClick(&caja, Qt::Key_Escape); });
+  EXPECT_FALSE(dialogos.Confirmar("x"));
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) { caja.close(); });
+  EXPECT_FALSE(dialogos.Confirmar("x"));
+}
+
+TEST(Dialogos, TheOpenDialogHasItsTitleAndFilter) {
+  gui::Dialogos dialogos;
+  AlAbrirse<QFileDialog>([](QFileDialog& caja) {
+    EXPECT_EQ(caja.windowTitle(), QStringLiteral("Seleccionar la base a ingresar las Horas"));
+    EXPECT_EQ(caja.nameFilters(), (QStringList{QStringLiteral("Bases de Access (*.mdb *.MDB)"),
+                                               QStringLiteral("Todos los archivos (*)")}));
+    caja.reject();
+  });
+  EXPECT_EQ(
+      dialogos.AbrirArchivo("Seleccionar la base a ingresar las Horas", "Bases de Access (*.mdb)|*.mdb", ""),
+      "");
+}
+
+TEST(Dialogos, AnEmptyFilterShowsEverything) {
+  EXPECT_EQ(gui::Dialogos::FiltroDeQt(QString()), QStringLiteral("Todos los archivos (*)"));
+}
+
+TEST(Dialogos, TheColourStartsAtTheSwatch) {
+  gui::Dialogos dialogos;
+  AlAbrirse<QColorDialog>([](QColorDialog& caja) {
+    EXPECT_EQ(caja.currentColor(), QColor(0x20, 0x40, 0x80));
+    caja.setCurrentColor(QColor(255, 0, 0));
+    caja.accept();
+  });
+  EXPECT_EQ(dialogos.ElegirColor(0x804020), 0x0000FF);
+  AlAbrirse<QColorDialog>([](QColorDialog& caja) {
+    caja.setCurrentColor(QColor(255, 0, 0));
+    caja.reject();
+  });
+  EXPECT_EQ(dialogos.ElegirColor(0x804020), 0x804020);
+}
+
+}  // namespace
