@@ -183,6 +183,23 @@ void Estilo::drawPrimitive(PrimitiveElement elemento, const QStyleOption* opcion
   }
 }
 
+// A title that is a little too long for its column is written smaller, a longer one is cut.
+void Estilo::Titulo(const QStyleOptionHeader& o, QPainter& p, const QWidget* widget) const {
+  QStyleOptionHeader titulo(o);
+  p.save();
+  QFont letra = p.font();
+  const double minima = letra.pointSizeF() * 0.84;
+  while (titulo.fontMetrics.horizontalAdvance(titulo.text) > titulo.rect.width() &&
+         letra.pointSizeF() > minima) {
+    letra.setPointSizeF(letra.pointSizeF() - 0.25);
+    titulo.fontMetrics = QFontMetrics(letra);
+  }
+  p.setFont(letra);
+  titulo.text = titulo.fontMetrics.elidedText(titulo.text, Qt::ElideRight, titulo.rect.width());
+  QProxyStyle::drawControl(CE_HeaderLabel, &titulo, &p, widget);
+  p.restore();
+}
+
 void Estilo::drawControl(ControlElement elemento, const QStyleOption* opcion, QPainter* p,
                          const QWidget* widget) const {
   switch (elemento) {
@@ -194,6 +211,10 @@ void Estilo::drawControl(ControlElement elemento, const QStyleOption* opcion, QP
         con_tecla.text = ConTecla(boton->text, widget->property(kTecla).toString());
         return QProxyStyle::drawControl(elemento, &con_tecla, p, widget);
       }
+      break;
+    case CE_HeaderLabel:
+      if (const auto* titulo = qstyleoption_cast<const QStyleOptionHeader*>(opcion))
+        return Titulo(*titulo, *p, widget);
       break;
     case CE_HeaderSection:
     case CE_HeaderEmptyArea: {

@@ -6,6 +6,8 @@
 
 #include "gui/tema.h"
 
+class QStyleOptionHeader;
+
 namespace gui {
 
 // A button's part in the window: its dynamic property kPapel.
@@ -43,6 +45,7 @@ class Estilo final : public QProxyStyle {
 
  private:
   void Boton(const QStyleOption& o, QPainter& p, const QWidget* widget) const;
+  void Titulo(const QStyleOptionHeader& o, QPainter& p, const QWidget* widget) const;
   void Campo(const QStyleOption& o, QPainter& p) const;
   void Marca(const QStyleOption& o, QPainter& p, bool redonda) const;
   void Foco(const QStyleOption& o, QPainter& p, const QWidget* widget) const;

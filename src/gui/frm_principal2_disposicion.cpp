@@ -16,10 +16,23 @@ constexpr int kMargen = 180;         // around the strip and the grid
 constexpr int kBajoLosBotones = 80;  // from the bottom row to the window's edge
 constexpr int kAltoMinimoGrilla = 4500;
 
+constexpr int kSeparacion = 8;  // pixels between the buttons of the column
+
+int AnchoDe(const QPushButton* boton) {
+  const int icono = boton->icon().isNull() ? 0 : boton->iconSize().width();
+  return boton->fontMetrics().horizontalAdvance(boton->text()) + icono + 22;
+}
+
+// Wider than its rule where the desktop's letters are: the bottom row must fit.
+int AnchoDeColumna(const Columna& c) {
+  return std::max(Px(kAnchoArea1), 2 * Px(kMargen) + AnchoDe(c.cbSalir) + AnchoDe(c.cbConfigurar[1]) +
+                                       AnchoDe(c.cbImportar) + 2 * kSeparacion);
+}
+
 }  // namespace
 
 void FrmPrincipal2::Disponer() {
-  const int ancho_columna = Px(kAnchoArea1), margen = Px(kMargen);
+  const int ancho_columna = AnchoDeColumna(columna_), margen = Px(kMargen);
   const int x = ancho_columna + margen, ancho = width() - x - margen;
   const int alto_franja = franja_.caja->sizeHint().height();
   const int y_grilla = margen + alto_franja + margen, alto_grilla = height() - y_grilla - margen;
@@ -34,21 +47,18 @@ void FrmPrincipal2::Disponer() {
 
 void FrmPrincipal2::DisponerColumna() {
   Columna& c = columna_;
-  const int ancho = c.Area1->width(), margen = Px(kMargen), separacion = 8;
+  const int ancho = c.Area1->width(), margen = Px(kMargen);
   const int alto = c.cbConfigurar[0]->sizeHint().height() + 6;
-  const auto ancho_de = [](const QPushButton* b) {
-    return b->fontMetrics().horizontalAdvance(b->text()) + 22;
-  };
-  const int ancho_salir = ancho_de(c.cbSalir), ancho_relaciones = ancho_de(c.cbConfigurar[1]);
+  const int ancho_salir = AnchoDe(c.cbSalir), ancho_relaciones = AnchoDe(c.cbConfigurar[1]);
   // The bottom row. The second settings button stands by the height of the first.
   const auto arriba = [this](int alto_boton) { return height() - (alto_boton + Px(kBajoLosBotones)); };
   int x = margen;
   c.cbSalir->setGeometry(x, arriba(alto), ancho_salir, alto);
-  x += ancho_salir + separacion;
+  x += ancho_salir + kSeparacion;
   c.cbConfigurar[1]->setGeometry(x, arriba(alto), ancho_relaciones, alto);
-  x += ancho_relaciones + separacion;
+  x += ancho_relaciones + kSeparacion;
   c.cbImportar->setGeometry(x, arriba(alto), ancho - margen - x, alto);
-  c.cbConfigurar[0]->setGeometry(margen, arriba(alto) - separacion - alto, ancho - 2 * margen, alto);
+  c.cbConfigurar[0]->setGeometry(margen, arriba(alto) - kSeparacion - alto, ancho - 2 * margen, alto);
   // The bar covers that button while it shows.
   const int y_configurar = c.cbConfigurar[0]->y();
   c.Barra->setGeometry(Px(60), y_configurar - Px(30), ancho - Px(120), alto + 2 * Px(30));

@@ -54,7 +54,6 @@ Grilla::Grilla(const QString& nombre, const Tema& tema, QWidget* padre)
   verticalHeader()->setMinimumSectionSize(10);
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
   horizontalHeader()->setHighlightSections(false);
-  horizontalHeader()->setTextElideMode(Qt::ElideRight);
   horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   horizontalHeader()->setMinimumSectionSize(28);
 }
