@@ -56,7 +56,7 @@ TEST_F(Formato, TypingASeparatorRedrawsOnceWhenTheTimerTicks) {
   EXPECT_TRUE(Timer1()->isActive());
   EXPECT_EQ(programa_->Ver().opciones.Separador, "|");
   const unsigned antes = programa_->Ver().revision.previa;
-  QTest::qWait(250);
+  QTest::qWait(50);
   QTest::keyClicks(Caja("txtSeparador"), QStringLiteral("|"));
   QTest::keyClick(Caja("txtSeparador"), Qt::Key_Backspace);
   EXPECT_EQ(programa_->Ver().revision.previa, antes) << "not yet";
