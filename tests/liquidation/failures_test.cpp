@@ -10,6 +10,7 @@
 #include "base/text.h"
 #include "demo/demo_base.h"
 #include "engine_sqlite/sqlite_connection.h"
+#include "liquidation/cajas.h"
 #include "liquidation/importar.h"
 #include "refdata/liquidation_types.h"
 
@@ -61,15 +62,7 @@ class ConexionConFallas final : public db::Connection {
   int vez_ = 0;
 };
 
-class Cajas final : public ports::Prompts {
- public:
-  bool Mostrar(const ports::Aviso& aviso) override {
-    textos.push_back(aviso.texto);
-    return false;
-  }
-  bool Confirmar(const std::string&) override { return true; }
-  std::vector<std::string> textos;
-};
+using prueba::Cajas;
 
 // The demo's month. Contract 117, card 7005, has no header in it and nothing of concept 7 or table 5.
 class Fallas : public ::testing::Test {

@@ -19,6 +19,7 @@
 #include "base/text.h"
 #include "demo/demo_base.h"
 #include "engine_sqlite/sqlite_connection.h"
+#include "liquidation/cajas.h"
 #include "liquidation/importar.h"
 #include "refdata/liquidation_types.h"
 #include "settings/config_file.h"
@@ -80,15 +81,7 @@ constexpr const char* kMundo[] = {
     "Values(1,40,#10/01/2026#,12,1,True,False,0)",
 };
 
-class Cajas final : public ports::Prompts {
- public:
-  bool Mostrar(const ports::Aviso& aviso) override {
-    textos.push_back(aviso.texto);
-    return false;
-  }
-  bool Confirmar(const std::string&) override { return true; }
-  std::vector<std::string> textos;
-};
+using prueba::Cajas;
 
 class Mesa {
  public:

@@ -1,0 +1,21 @@
+// Boxes that are kept to be looked at, and questions that are always answered Yes.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ports/prompts.h"
+
+namespace prueba {
+
+class Cajas final : public ports::Prompts {
+ public:
+  bool Mostrar(const ports::Aviso& aviso) override {
+    textos.push_back(aviso.texto);
+    return false;
+  }
+  bool Confirmar(const std::string&) override { return true; }
+  std::vector<std::string> textos;
+};
+
+}  // namespace prueba
