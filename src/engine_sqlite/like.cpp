@@ -8,11 +8,11 @@ namespace {
 
 constexpr int kPatronIncorrecto = 93;
 
-bool EntreExtremos(char32_t c, char32_t desde, char32_t hasta, jetsql::Orden orden) {
+bool EntreExtremos(char32_t c, char32_t desde, char32_t hasta, base::Orden orden) {
   const auto texto = [](char32_t p) { return base::DePuntos(std::u32string_view(&p, 1)); };
   const std::string medio = texto(c), bajo = texto(desde), alto = texto(hasta);
-  if (jetsql::CompararTexto(bajo, alto, orden) > 0) LanzarNumero(kPatronIncorrecto);
-  return jetsql::CompararTexto(bajo, medio, orden) <= 0 && jetsql::CompararTexto(medio, alto, orden) <= 0;
+  if (base::CompararTexto(bajo, alto, orden) > 0) LanzarNumero(kPatronIncorrecto);
+  return base::CompararTexto(bajo, medio, orden) <= 0 && base::CompararTexto(medio, alto, orden) <= 0;
 }
 
 // One step of a pattern: what a single character of the text must be, or any run of them.
@@ -25,7 +25,7 @@ struct Paso {
 
 class Patron {
  public:
-  Patron(std::string_view texto, bool dao, jetsql::Orden orden) : texto_(texto), dao_(dao), orden_(orden) {}
+  Patron(std::string_view texto, bool dao, base::Orden orden) : texto_(texto), dao_(dao), orden_(orden) {}
 
   // The step at byte `i`, which moves past it.
   Paso Leer(std::size_t& i) const {
@@ -46,7 +46,7 @@ class Patron {
       LeerLista(i, paso);
     } else {
       paso.que = Paso::Que::Literal;
-      paso.literal = jetsql::Plegar(jetsql::SiguientePunto(texto_, i));
+      paso.literal = base::Plegar(base::SiguientePunto(texto_, i));
     }
     return paso;
   }
@@ -58,7 +58,7 @@ class Patron {
       case Paso::Que::Cifra:
         return c >= '0' && c <= '9';
       case Paso::Que::Literal:
-        return jetsql::Plegar(c) == paso.literal;
+        return base::Plegar(c) == paso.literal;
       case Paso::Que::Lista:
         return EnLista(paso.lista, c) != paso.negada;
       default:
@@ -83,13 +83,13 @@ class Patron {
   bool EnLista(std::string_view lista, char32_t c) const {
     bool hallado = false;
     for (std::size_t k = 0; k < lista.size();) {
-      const char32_t desde = jetsql::SiguientePunto(lista, k);
+      const char32_t desde = base::SiguientePunto(lista, k);
       if (k + 1 < lista.size() && lista[k] == '-') {
         ++k;
-        const char32_t hasta = jetsql::SiguientePunto(lista, k);
+        const char32_t hasta = base::SiguientePunto(lista, k);
         hallado = EntreExtremos(c, desde, hasta, orden_) || hallado;
       } else {
-        hallado = hallado || jetsql::Plegar(desde) == jetsql::Plegar(c);
+        hallado = hallado || base::Plegar(desde) == base::Plegar(c);
       }
     }
     return hallado;
@@ -97,13 +97,13 @@ class Patron {
 
   std::string_view texto_;
   bool dao_;
-  jetsql::Orden orden_;
+  base::Orden orden_;
 };
 
 }  // namespace
 
 // Without recursion: on a mismatch only the last run of any characters is tried one longer.
-bool Coincide(std::string_view texto, std::string_view patron, bool dao, jetsql::Orden orden) {
+bool Coincide(std::string_view texto, std::string_view patron, bool dao, base::Orden orden) {
   const Patron p(patron, dao, orden);
   std::size_t i = 0, j = 0;
   bool hay_serie = false;
@@ -120,14 +120,14 @@ bool Coincide(std::string_view texto, std::string_view patron, bool dao, jetsql:
     if (i >= texto.size() && paso.que == Paso::Que::Fin) return true;
     if (i < texto.size() && paso.que != Paso::Que::Fin) {
       std::size_t avance = i;
-      if (p.Acepta(paso, jetsql::SiguientePunto(texto, avance))) {
+      if (p.Acepta(paso, base::SiguientePunto(texto, avance))) {
         i = avance;
         j = sigue;
         continue;
       }
     }
     if (!hay_serie || serie_texto >= texto.size()) return false;
-    jetsql::SiguientePunto(texto, serie_texto);
+    base::SiguientePunto(texto, serie_texto);
     i = serie_texto;
     j = serie_patron;
   }

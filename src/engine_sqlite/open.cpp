@@ -27,14 +27,14 @@ void Procurar(sqlite3* base, const char* sql) { sqlite3_exec(base, sql, nullptr,
 
 // The sort order is written into the file, because its indexes hold for no other one.
 struct OrdenDeArchivo {
-  jetsql::Orden orden;
+  base::Orden orden;
   int numero;
   const char* escribir;
 };
 constexpr OrdenDeArchivo kOrdenes[] = {
-    {jetsql::Orden::General, 1033, "PRAGMA user_version=1033"},
-    {jetsql::Orden::EspanolModerno, 3082, "PRAGMA user_version=3082"},
-    {jetsql::Orden::EspanolTradicional, 1034, "PRAGMA user_version=1034"},
+    {base::Orden::General, 1033, "PRAGMA user_version=1033"},
+    {base::Orden::EspanolModerno, 3082, "PRAGMA user_version=3082"},
+    {base::Orden::EspanolTradicional, 1034, "PRAGMA user_version=1034"},
 };
 
 // A path that names another machine.

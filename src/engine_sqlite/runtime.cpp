@@ -45,7 +45,7 @@ int CotejarJet(void* dato, int na, const void* a, int nb, const void* b) {
   const std::string_view x(static_cast<const char*>(a), static_cast<std::size_t>(na));
   const std::string_view y(static_cast<const char*>(b), static_cast<std::size_t>(nb));
   try {
-    return jetsql::CompararTexto(x, y, entorno.orden);
+    return base::CompararTexto(x, y, entorno.orden);
   } catch (
       const std::bad_alloc&) {  // SQLite takes no failure from a collation; the order of the bytes is one
     return x.compare(y);

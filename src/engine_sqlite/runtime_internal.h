@@ -16,8 +16,8 @@
 #include "base/date.h"
 #include "base/error.h"
 #include "base/locale.h"
+#include "base/sort_order.h"
 #include "base/valor.h"
-#include "jetsql/sort_order.h"
 #include "ports/clock.h"
 
 namespace engine_sqlite {
@@ -26,7 +26,7 @@ namespace engine_sqlite {
 struct Entorno {
   const base::Locale* locale = nullptr;
   const ports::Clock* reloj = nullptr;
-  jetsql::Orden orden = jetsql::Orden::EspanolModerno;
+  base::Orden orden = base::Orden::EspanolModerno;
   std::uint32_t azar = 0x50000;  // the state of Rnd
   bool utf8 = false;             // the file holds its texts in UTF-8
 
@@ -146,6 +146,6 @@ void Registrar(sqlite3* base, Entorno& entorno);
 // LIKE of the dialect: case-free, accents count. `dao`: * ? # [a-z] [!a], else % _ [a-z] [^a]. Throws 93 for
 // a
 // "[" without "]" and for a range that goes down.
-bool Coincide(std::string_view texto, std::string_view patron, bool dao, jetsql::Orden orden);
+bool Coincide(std::string_view texto, std::string_view patron, bool dao, base::Orden orden);
 
 }  // namespace engine_sqlite

@@ -10,8 +10,8 @@
 #include <string_view>
 
 #include "base/locale.h"
+#include "base/sort_order.h"
 #include "db/connection.h"
-#include "jetsql/sort_order.h"
 #include "ports/clock.h"
 
 namespace engine_sqlite {
@@ -19,9 +19,9 @@ namespace engine_sqlite {
 struct Opciones {
   bool crear = false;  // make the file when there is none (":memory:" needs no flag)
   bool solo_lectura = false;
-  bool comodines_dao = false;  // LIKE with * ? # as saved queries of the DAO kind have
-  jetsql::Orden orden = jetsql::Orden::EspanolModerno;  // of a new file; one that exists keeps its own
-  const ports::Clock* reloj = nullptr;   // what Date() and Now() ask; the system's clock when null
+  bool comodines_dao = false;                       // LIKE with * ? # as saved queries of the DAO kind have
+  base::Orden orden = base::Orden::EspanolModerno;  // of a new file; one that exists keeps its own
+  const ports::Clock* reloj = nullptr;              // what Date() and Now() ask; the system's clock when null
   const base::Locale* locale = nullptr;  // of the texts that the dialect makes and reads; espanol() when null
   int espera_ms = 5000;                  // how long to wait for another program that is writing
 };

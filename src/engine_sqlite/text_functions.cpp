@@ -101,7 +101,7 @@ void InStrRev(Llamada& l) {
   std::int64_t hallado = 0, posicion = 1;
   for (std::size_t i = 0; i < parte.size(); ++posicion) {
     if (OcurreEn(parte, aguja, i, modo) != 0) hallado = posicion;
-    jetsql::SiguientePunto(parte, i);
+    base::SiguientePunto(parte, i);
   }
   l.DarEntero(hallado);
 }
@@ -135,7 +135,7 @@ void StrComp(Llamada& l) {
   if (l.EsNulo(0) || l.EsNulo(1)) return l.Nulo();
   const ModoTexto modo = LeerModo(l, 2);
   const std::string_view a = l.Texto(0), b = l.Texto(1);
-  if (modo == ModoTexto::Texto) return l.DarEntero(jetsql::CompararTexto(a, b, l.Alrededor().orden));
+  if (modo == ModoTexto::Texto) return l.DarEntero(base::CompararTexto(a, b, l.Alrededor().orden));
   const int orden = a.compare(b);
   l.DarEntero(orden < 0 ? -1 : (orden > 0 ? 1 : 0));
 }
@@ -147,7 +147,7 @@ void StrReverse(Llamada& l) {
   std::size_t destino = texto.size();
   for (std::size_t i = 0; i < texto.size();) {
     const std::size_t desde = i;
-    jetsql::SiguientePunto(texto, i);
+    base::SiguientePunto(texto, i);
     destino -= i - desde;
     salida.replace(destino, i - desde, texto.substr(desde, i - desde));
   }
@@ -209,7 +209,7 @@ void AscW(Llamada& l) {
   const std::string_view texto = l.Texto(0);
   if (texto.empty()) LanzarNumero(kLlamadaIncorrecta);
   std::size_t i = 0;
-  const char32_t c = jetsql::SiguientePunto(texto, i);
+  const char32_t c = base::SiguientePunto(texto, i);
   const char32_t unidad = c > 0xFFFF ? 0xD800 + ((c - 0x10000) >> 10) : c;
   l.DarEntero(static_cast<std::int16_t>(static_cast<std::uint16_t>(unidad)));
 }
@@ -219,7 +219,7 @@ std::string NombrePropio(std::string_view texto) {
   bool inicio = true;
   for (std::size_t i = 0; i < texto.size();) {
     const std::size_t desde = i;
-    const char32_t c = jetsql::SiguientePunto(texto, i);
+    const char32_t c = base::SiguientePunto(texto, i);
     const std::string_view letra = texto.substr(desde, i - desde);
     salida += inicio ? base::Mayusculas(letra) : base::Minusculas(letra);
     inicio = c == ' ' || c == 0 || (c >= '\t' && c <= '\r');

@@ -13,7 +13,7 @@ std::size_t OcurreEn(std::string_view texto, std::string_view aguja, std::size_t
   std::size_t i = lugar;
   for (std::size_t j = 0; j < aguja.size();) {
     if (i >= texto.size()) return 0;
-    if (jetsql::Plegar(jetsql::SiguientePunto(texto, i)) != jetsql::Plegar(jetsql::SiguientePunto(aguja, j)))
+    if (base::Plegar(base::SiguientePunto(texto, i)) != base::Plegar(base::SiguientePunto(aguja, j)))
       return 0;
   }
   return i - lugar;
@@ -24,14 +24,14 @@ Hallazgo BuscarDesde(std::string_view texto, std::string_view aguja, std::size_t
   while (desde < texto.size()) {
     const std::size_t largo = OcurreEn(texto, aguja, desde, modo);
     if (largo != 0) return {desde, largo};
-    jetsql::SiguientePunto(texto, desde);
+    base::SiguientePunto(texto, desde);
   }
   return {};
 }
 
 std::size_t AvanzarCaracteres(std::string_view texto, std::size_t desde, std::int64_t cuantos) {
   while (cuantos > 0 && desde < texto.size()) {
-    jetsql::SiguientePunto(texto, desde);
+    base::SiguientePunto(texto, desde);
     --cuantos;
   }
   return desde;
@@ -39,7 +39,7 @@ std::size_t AvanzarCaracteres(std::string_view texto, std::size_t desde, std::in
 
 std::int64_t Caracteres(std::string_view texto) {
   std::int64_t cuantos = 0;
-  for (std::size_t i = 0; i < texto.size(); ++cuantos) jetsql::SiguientePunto(texto, i);
+  for (std::size_t i = 0; i < texto.size(); ++cuantos) base::SiguientePunto(texto, i);
   return cuantos;
 }
 

@@ -43,7 +43,7 @@ class Motor {
  public:
   Motor() : reloj_(base::FechaDe(kAnio, 5, 20)) {}
 
-  db::Connection& Abrir(const std::string& locale, bool dao, jetsql::Orden orden = jetsql::Orden::General) {
+  db::Connection& Abrir(const std::string& locale, bool dao, base::Orden orden = base::Orden::General) {
     engine_sqlite::Opciones opciones;
     opciones.reloj = &reloj_;
     if (locale == "en") opciones.locale = &base::Locale::ingles();

@@ -40,8 +40,8 @@ void Abrir(Mesa& mesa, const Bloque& bloque) {
   if (bloque.Opcion("locale") == "en") opciones.locale = &base::Locale::ingles();
   opciones.comodines_dao = bloque.Opcion("mode") == "dao";
   const std::string orden = bloque.Opcion("order");
-  if (orden == "general") opciones.orden = jetsql::Orden::General;
-  if (orden == "traditional") opciones.orden = jetsql::Orden::EspanolTradicional;
+  if (orden == "general") opciones.orden = base::Orden::General;
+  if (orden == "traditional") opciones.orden = base::Orden::EspanolTradicional;
   mesa.base = engine_sqlite::Abrir(":memory:", opciones);
 }
 

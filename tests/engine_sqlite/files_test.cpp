@@ -104,7 +104,7 @@ TEST_F(Archivos, UnNombreComoDireccionEsUnNombre) {
 TEST_F(Archivos, ElOrdenEsElDelArchivo) {
   const std::string ruta = carpeta_.Ruta("o.db");
   Opciones tradicional = Crear();
-  tradicional.orden = jetsql::Orden::EspanolTradicional;
+  tradicional.orden = base::Orden::EspanolTradicional;
   {
     const auto base = Abrir(ruta, tradicional);
     base->Ejecutar("CREATE TABLE t (v TEXT(20) CONSTRAINT pk PRIMARY KEY)");
@@ -112,7 +112,7 @@ TEST_F(Archivos, ElOrdenEsElDelArchivo) {
       base->Ejecutar("INSERT INTO t VALUES ('" + std::string(v) + "')");
   }
   Opciones general = Crear();
-  general.orden = jetsql::Orden::General;
+  general.orden = base::Orden::General;
   const auto base = Abrir(ruta, general);
   EXPECT_EQ(support::Filas(base->Ejecutar("SELECT v FROM t ORDER BY v")), "cuna\nchico\ndado");
   EXPECT_EQ(support::Filas(base->Ejecutar("SELECT v FROM t WHERE v > 'CZ'")), "chico\ndado");

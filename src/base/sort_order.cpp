@@ -1,13 +1,13 @@
-#include "jetsql/sort_order.h"
+#include "base/sort_order.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 
+#include "base/sort_table_internal.h"
 #include "base/text.h"
-#include "jetsql/sort_table_internal.h"
 
-namespace jetsql {
+namespace base {
 namespace {
 
 constexpr std::uint8_t kSeparador = 0x01;
@@ -259,4 +259,4 @@ char32_t Plegar(char32_t c) {
   return c;
 }
 
-}  // namespace jetsql
+}  // namespace base

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-namespace jetsql {
+namespace base {
 
 enum class Orden { General, EspanolModerno, EspanolTradicional };  // 1033, 3082, 1034
 
@@ -34,4 +34,4 @@ char32_t Plegar(char32_t punto);
 // The code point at byte `i` of `utf8`, which moves past it. A stray byte b is U+DC00 + b.
 char32_t SiguientePunto(std::string_view utf8, std::size_t& i);
 
-}  // namespace jetsql
+}  // namespace base

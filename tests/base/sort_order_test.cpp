@@ -1,5 +1,5 @@
 // The sort order: index keys byte for byte, and comparison that agrees with them.
-#include "jetsql/sort_order.h"
+#include "base/sort_order.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +12,10 @@
 
 namespace {
 
-using jetsql::ClaveDeIndice;
-using jetsql::ClaveDeOrden;
-using jetsql::CompararTexto;
-using jetsql::Orden;
+using base::ClaveDeIndice;
+using base::ClaveDeOrden;
+using base::CompararTexto;
+using base::Orden;
 
 constexpr Orden kOrdenes[] = {Orden::General, Orden::EspanolModerno, Orden::EspanolTradicional};
 
@@ -89,7 +89,7 @@ TEST(ClaveDeOrden, LosPesosSonLosDeLaTabla) {
     if (campos[2] == "special") espera += "0101018007" + std::string("06") + campos[5];
     EXPECT_EQ(base::Reemplazar(Hexa(ClaveDeOrden(texto, Orden::General)), " ", ""), espera + "00")
         << campos[0];
-    EXPECT_TRUE(jetsql::TienePesos(texto));
+    EXPECT_TRUE(base::TienePesos(texto));
   }
   EXPECT_EQ(filas, 251);
 }
@@ -102,9 +102,9 @@ TEST(ClaveDeOrden, LoQueNoTienePesoVaDetrasPorSuMayuscula) {
   EXPECT_EQ(CompararTexto("™", "Д", Orden::General), -1);
   // A stray byte of a text that is no UTF-8 is a character too.
   EXPECT_NE(ClaveDeOrden("a\xFF", Orden::General), ClaveDeOrden("a\xFE", Orden::General));
-  EXPECT_FALSE(jetsql::TienePesos("Дон"));
-  EXPECT_FALSE(jetsql::TienePesos("a\xFF"));
-  EXPECT_TRUE(jetsql::TienePesos("Ñandú – 5 €\r\n"));
+  EXPECT_FALSE(base::TienePesos("Дон"));
+  EXPECT_FALSE(base::TienePesos("a\xFF"));
+  EXPECT_TRUE(base::TienePesos("Ñandú – 5 €\r\n"));
 }
 
 TEST(ClaveDeIndice, TomaLasPrimeras255Unidades) {
@@ -205,20 +205,20 @@ TEST(CompararTexto, EsLaComparacionDeLasClaves) {
 }
 
 TEST(Plegar, JuntaElCasoYGuardaLosAcentos) {
-  EXPECT_EQ(jetsql::Plegar(U'a'), U'A');
-  EXPECT_EQ(jetsql::Plegar(U'ñ'), jetsql::Plegar(U'Ñ'));
-  EXPECT_EQ(jetsql::Plegar(U'š'), jetsql::Plegar(U'Š'));
-  EXPECT_EQ(jetsql::Plegar(U'ÿ'), jetsql::Plegar(U'Ÿ'));
-  EXPECT_EQ(jetsql::Plegar(U'д'), jetsql::Plegar(U'Д'));
-  EXPECT_NE(jetsql::Plegar(U'é'), jetsql::Plegar(U'e'));
-  EXPECT_NE(jetsql::Plegar(U'-'), jetsql::Plegar(U'\''));
-  EXPECT_NE(jetsql::Plegar(U'_'), jetsql::Plegar(U'^'));
+  EXPECT_EQ(base::Plegar(U'a'), U'A');
+  EXPECT_EQ(base::Plegar(U'ñ'), base::Plegar(U'Ñ'));
+  EXPECT_EQ(base::Plegar(U'š'), base::Plegar(U'Š'));
+  EXPECT_EQ(base::Plegar(U'ÿ'), base::Plegar(U'Ÿ'));
+  EXPECT_EQ(base::Plegar(U'д'), base::Plegar(U'Д'));
+  EXPECT_NE(base::Plegar(U'é'), base::Plegar(U'e'));
+  EXPECT_NE(base::Plegar(U'-'), base::Plegar(U'\''));
+  EXPECT_NE(base::Plegar(U'_'), base::Plegar(U'^'));
 }
 
 TEST(SiguientePunto, LeeUtf8YDejaPasarLosBytesSueltos) {
   const auto todos = [](std::string_view s) {
     std::u32string puntos;
-    for (std::size_t i = 0; i < s.size();) puntos += jetsql::SiguientePunto(s, i);
+    for (std::size_t i = 0; i < s.size();) puntos += base::SiguientePunto(s, i);
     return puntos;
   };
   EXPECT_EQ(todos("añ€😀"), U"añ€😀");

@@ -9,7 +9,7 @@
 #include <array>
 #include <cstdint>
 
-namespace jetsql {
+namespace base {
 
 struct Peso {
   std::uint8_t inicial, siguiente, acento, especial, lugares;
@@ -102,4 +102,4 @@ inline constexpr std::array<PesoDe, 27> kPesosOtros = {{
 }};
 // clang-format on
 
-}  // namespace jetsql
+}  // namespace base
