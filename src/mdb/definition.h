@@ -34,7 +34,7 @@ enum class TipoColumna : std::uint8_t {
 struct Columna {
   static constexpr std::uint8_t kFija = 0x01, kActualizable = 0x02, kAutonumerica = 0x04, kDeSistema = 0x10,
                                 kGuidAutomatico = 0x40, kHipervinculo = 0x80;
-  static constexpr std::uint8_t kComprime = 0x01;  // of banderas_ext
+  static constexpr std::uint8_t kComprime = 0x01, kCalculada = 0xC0;  // of banderas_ext
 
   std::string nombre;
   TipoColumna tipo = TipoColumna::Largo;
@@ -52,6 +52,8 @@ struct Columna {
   bool Fija() const { return (banderas & kFija) != 0; }  // never told by the type
   bool Autonumerica() const { return (banderas & kAutonumerica) != 0; }
   bool EsTexto() const { return tipo == TipoColumna::Texto || tipo == TipoColumna::Memo; }
+  // Of an .accdb: each value is wrapped, and stands in the row even for a Boolean.
+  bool Calculada() const { return (banderas_ext & kCalculada) == kCalculada; }
   bool EsLarga() const { return tipo == TipoColumna::Memo || tipo == TipoColumna::Ole; }
 };
 
