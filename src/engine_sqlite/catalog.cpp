@@ -56,6 +56,7 @@ void CatalogoSqlite::LeerConsultas() const {
 }
 
 const jetsql::TablaInfo* CatalogoSqlite::Tabla(std::string_view nombre) const {
+  if (fuente_ != nullptr) return fuente_->Tabla(nombre);
   Leer();
   const auto it = tablas_.find(base::Minusculas(nombre));
   if (it == tablas_.end()) return nullptr;
@@ -74,6 +75,7 @@ const jetsql::TablaInfo* CatalogoSqlite::Tabla(std::string_view nombre) const {
 }
 
 const std::string* CatalogoSqlite::Consulta(std::string_view nombre) const {
+  if (fuente_ != nullptr) return fuente_->Consulta(nombre);
   Leer();
   const auto it = consultas_.find(base::Minusculas(nombre));
   return it == consultas_.end() ? nullptr : &it->second.texto;

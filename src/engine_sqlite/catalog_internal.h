@@ -23,6 +23,8 @@ inline constexpr std::string_view kTablaDeConsultas = "MSysConsultas";
 class CatalogoSqlite final : public jetsql::Catalogo {
  public:
   explicit CatalogoSqlite(sqlite3* base) : base_(base) {}
+  // The catalog of a mirror: the source answers alone.
+  explicit CatalogoSqlite(const jetsql::Catalogo& fuente) : fuente_(&fuente) {}
 
   const jetsql::TablaInfo* Tabla(std::string_view nombre) const override;
   const std::string* Consulta(std::string_view nombre) const override;
@@ -47,7 +49,8 @@ class CatalogoSqlite final : public jetsql::Catalogo {
   void Leer() const;
   void LeerConsultas() const;
 
-  sqlite3* base_;
+  sqlite3* base_ = nullptr;
+  const jetsql::Catalogo* fuente_ = nullptr;
   mutable bool leido_ = false;
   mutable std::unordered_map<std::string, Entrada> tablas_;      // by name in lower case
   mutable std::unordered_map<std::string, Guardada> consultas_;  // likewise

@@ -16,7 +16,8 @@ class RelojDelSistema final : public ports::Clock {
 
 class ConexionSqlite final : public db::Connection {
  public:
-  ConexionSqlite(std::string_view ruta, const Opciones& opciones);
+  // With a source, `ruta` is that of the memory.
+  ConexionSqlite(std::string_view ruta, const Opciones& opciones, FuenteDeTablas* fuente = nullptr);
 
   bool Abierta() const override { return base_ != nullptr; }
   void Cerrar() override;
@@ -29,6 +30,8 @@ class ConexionSqlite final : public db::Connection {
   bool EnTransaccion() const override { return en_transaccion_; }
 
   const Contadores& Cuentas() const { return contadores_; }
+  sqlite3* Manejador() const { return base_.get(); }
+  void OlvidarTodo();
 
  private:
   void AbrirArchivo(std::string_view ruta, const Opciones& opciones);
@@ -46,7 +49,6 @@ class ConexionSqlite final : public db::Connection {
   void CorrerPaso(Preparada& p, std::size_t paso, const std::vector<base::Valor>& literales,
                   std::vector<base::Valor>* celdas);
   [[noreturn]] void LanzarDePaso();
-  void OlvidarTodo();
   // Forgets what is known of the file when another program has changed it, a saved query perhaps.
   void VerCambiosAjenos();
 
@@ -56,7 +58,8 @@ class ConexionSqlite final : public db::Connection {
   ManejadorBase base_;
   Sentencia version_ajena_;  // counts the commits of others; null in memory
   std::int64_t version_vista_ = -1;
-  CatalogoSqlite catalogo_{nullptr};
+  FuenteDeTablas* fuente_ = nullptr;  // of a mirror
+  CatalogoSqlite catalogo_{static_cast<sqlite3*>(nullptr)};
   jetsql::OpcionesTraduccion traduccion_;
   CacheDeFormas formas_;
   CacheDeMoldes moldes_;

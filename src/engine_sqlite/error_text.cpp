@@ -2,6 +2,7 @@
 #include <array>
 #include <cstddef>
 
+#include "engine_sqlite/mirror.h"
 #include "engine_sqlite/sqlite_internal.h"
 
 namespace engine_sqlite {
@@ -38,8 +39,13 @@ void PartirLista(std::string_view lista, std::string& tabla, std::string& column
   }
 }
 
-// The conditions that a CREATE TABLE of the dialect gives its columns, by the name in the message.
+// The conditions that a CREATE TABLE of the dialect gives its columns, by the name in the message. A mirror
+// gives its own conditions their whole text as name (see mirror.h).
 bool DeColumna(std::string_view nombre, std::string& texto) {
+  if (std::string_view propio; Tras(nombre, kTextoPropio, propio)) {
+    texto = propio;
+    return true;
+  }
   struct Regla {
     std::string_view prefijo, antes, despues;
   };
@@ -139,6 +145,7 @@ bool NombreYaExiste(std::string_view mensaje, std::string& texto) {
 
 std::string DeSentencia(std::string_view mensaje) {
   std::string texto;
+  if (DeColumna(mensaje, texto)) return texto;
   if (NombreYaExiste(mensaje, texto)) return texto;
   for (const Frase& f : kFrases) {
     std::string_view resto;

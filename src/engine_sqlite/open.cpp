@@ -50,7 +50,8 @@ base::Fecha RelojDelSistema::Ahora() const {
   return {dia + base::HoraDe(local->tm_hour, local->tm_min, local->tm_sec).serie};
 }
 
-ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones) {
+ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones, FuenteDeTablas* fuente)
+    : fuente_(fuente) {
   entorno_.locale = opciones.locale != nullptr ? opciones.locale : &base::Locale::espanol();
   entorno_.reloj = opciones.reloj != nullptr ? opciones.reloj : &sistema_;
   entorno_.orden = opciones.orden;
@@ -58,7 +59,7 @@ ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones) 
   AbrirArchivo(ruta, opciones);
   Configurar(ruta, opciones);
   FijarOrden();
-  catalogo_ = CatalogoSqlite(base_.get());
+  catalogo_ = fuente_ != nullptr ? CatalogoSqlite(*fuente_) : CatalogoSqlite(base_.get());
 }
 
 void ConexionSqlite::AbrirArchivo(std::string_view ruta, const Opciones& opciones) {
@@ -128,7 +129,7 @@ void ConexionSqlite::Cerrar() {
   moldes_.Vaciar();
   formas_.Vaciar();
   version_ajena_ = nullptr;
-  catalogo_ = CatalogoSqlite(nullptr);
+  catalogo_ = CatalogoSqlite(static_cast<sqlite3*>(nullptr));
   base_.reset();  // what an open transaction wrote is undone
   en_transaccion_ = false;
   definio_ = false;
@@ -169,12 +170,33 @@ void ConexionSqlite::RollbackTrans() {
   if (sqlite3_get_autocommit(base_.get()) == 0) EjecutarPropio(base_.get(), "ROLLBACK");
 }
 
-std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones) {
-  // SQLite's own count of the memory it uses takes a lock at each allocation, and nobody asks for it. It can
-  // be told so only before its first use in the program; later it refuses, which does no harm.
+namespace {
+
+// SQLite's own count of the memory it uses takes a lock at each allocation, and nobody asks for it. It can be
+// told so only before its first use in the program; later it refuses, which does no harm.
+void SinCuentaDeMemoria() {
   static const int kSinCuentaDeMemoria = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
   static_cast<void>(kSinCuentaDeMemoria);
+}
+
+}  // namespace
+
+std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones) {
+  SinCuentaDeMemoria();
   return std::make_unique<ConexionSqlite>(ruta, opciones);
+}
+
+Espejo AbrirEspejo(FuenteDeTablas& fuente, const Opciones& opciones) {
+  SinCuentaDeMemoria();
+  auto conexion = std::make_unique<ConexionSqlite>(kEnMemoria, opciones, &fuente);
+  sqlite3* base = conexion->Manejador();
+  return {std::move(conexion), base};
+}
+
+void OlvidarTraducciones(db::Connection& espejo) {
+  auto* propia = dynamic_cast<ConexionSqlite*>(&espejo);
+  if (propia == nullptr) throw db::Error("La conexión no es un espejo.");
+  propia->OlvidarTodo();
 }
 
 const Contadores* ContadoresDe(const db::Connection& conexion) {

@@ -10,6 +10,7 @@
 
 #include "base/valor.h"
 #include "db/connection.h"
+#include "engine_sqlite/mirror.h"
 
 namespace engine_sqlite {
 
@@ -18,25 +19,11 @@ struct CerrarSqlite {
 };
 using ManejadorBase = std::unique_ptr<sqlite3, CerrarSqlite>;
 
-struct FinalizarSentencia {
-  void operator()(sqlite3_stmt* sentencia) const { sqlite3_finalize(sentencia); }
-};
-using Sentencia = std::unique_ptr<sqlite3_stmt, FinalizarSentencia>;
-
 // What a failure of SQLite means for the operator, in Spanish, with the table and the columns when they are
 // known.
 //   codigo    extended result code
 //   mensaje   SQLite's own text
 std::string DescripcionDe(int codigo, std::string_view mensaje);
-
-// Throws db::Error for the last failure of `base`; `numero` is the dialect's number when a function raised
-// it.
-[[noreturn]] void LanzarError(sqlite3* base, int numero = 0);
-
-// Compiles one statement that will be run many times.
-Sentencia Preparar(sqlite3* base, std::string_view sql);
-// Runs a text of our own without rows.
-void EjecutarPropio(sqlite3* base, const char* sql);
 
 // Binds one literal (text is not copied: it must outlive the run). Parameters that the statement does not
 // have are passed over.

@@ -243,7 +243,8 @@ enum class ClaseColumna {
   Texto,
   Memo,
   Binario,
-  Guid
+  Guid,
+  Ole
 };
 
 struct Referencia {
@@ -255,7 +256,8 @@ struct Referencia {
 struct DefColumna {
   std::string nombre;
   ClaseColumna clase = ClaseColumna::Texto;
-  int largo = 0;                    // of a text; 0: none given
+  int largo = 0;                    // of a text or a binary; 0: none given
+  int precision = 18, escala = 0;   // of a decimal
   int semilla = 1, incremento = 1;  // of a counter
   bool no_nulo = false, clave = false, unica = false;
   std::string nombre_restriccion;

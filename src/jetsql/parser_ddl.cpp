@@ -60,10 +60,10 @@ constexpr NombreTipo kTipos[] = {
     {"NTEXT", ClaseColumna::Memo},
     {"BINARY", ClaseColumna::Binario},
     {"VARBINARY", ClaseColumna::Binario},
-    {"IMAGE", ClaseColumna::Binario},
-    {"LONGBINARY", ClaseColumna::Binario},
-    {"OLEOBJECT", ClaseColumna::Binario},
-    {"GENERAL", ClaseColumna::Binario},
+    {"IMAGE", ClaseColumna::Ole},
+    {"LONGBINARY", ClaseColumna::Ole},
+    {"OLEOBJECT", ClaseColumna::Ole},
+    {"GENERAL", ClaseColumna::Ole},
     {"GUID", ClaseColumna::Guid},
     {"UNIQUEIDENTIFIER", ClaseColumna::Guid},
 };
@@ -81,15 +81,18 @@ void Parser::LeerTipo(DefColumna& c) {
   if (c.clase == ClaseColumna::Texto) Come("VARYING");
   if (!Come("(")) return;
   const int primero = LeerEnteroChico("un número entero");
-  int segundo = 1;
-  if (Come(",")) segundo = LeerEnteroChico("un número entero");
+  const bool dos = Come(",");
+  const int segundo = dos ? LeerEnteroChico("un número entero") : 0;
   Espera(")");
   if (c.clase == ClaseColumna::Contador) {
     c.semilla = primero;
-    c.incremento = segundo;
-    if (segundo != 1) NoSeAdmite("Un contador con un incremento que no es 1");
-  } else if (c.clase == ClaseColumna::Texto) {
+    if (dos) c.incremento = segundo;
+    if (c.incremento != 1) NoSeAdmite("Un contador con un incremento que no es 1");
+  } else if (c.clase == ClaseColumna::Texto || c.clase == ClaseColumna::Binario) {
     c.largo = primero;
+  } else if (c.clase == ClaseColumna::Decimal) {
+    c.precision = primero;
+    c.escala = segundo;
   }
 }
 

@@ -57,11 +57,17 @@ class Traductor {
     Escritor e(opciones_);
     e.Escribir(s);
     t_.pasos.push_back(std::move(e).Texto());
+    t_.escribe.push_back(s.info->nombre);
   }
   void Una(Actualizacion& s) {
     t_.clase = Clase::Actualizacion;
     resolutor_.Resolver(s);
     t_.pasos = Escritor::Pasos(s, opciones_);
+    for (const Asignacion& a : s.cambios) {
+      const std::string& tabla = a.columna->fuente->tabla->nombre;
+      if (std::find(t_.escribe.begin(), t_.escribe.end(), tabla) == t_.escribe.end())
+        t_.escribe.push_back(tabla);
+    }
   }
   void Una(Borrado& s) {
     t_.clase = Clase::Borrado;
@@ -69,6 +75,7 @@ class Traductor {
     Escritor e(opciones_);
     e.Escribir(s);
     t_.pasos.push_back(std::move(e).Texto());
+    t_.escribe.push_back(s.fuente->tabla->nombre);
   }
   template <typename T>
   void Una(T& definicion) {
@@ -88,6 +95,24 @@ class Traductor {
 
 Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones) {
   return Traductor(sql, catalogo, opciones).Hacer();
+}
+
+std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
+  class Vacio final : public Catalogo {
+    const TablaInfo* Tabla(std::string_view) const override { return nullptr; }
+    const std::string* Consulta(std::string_view) const override { return nullptr; }
+  };
+  const Sentencia s = Analizar("SELECT " + std::string(expresion), Literales::EnTexto);
+  const auto* consulta = std::get_if<ConsultaPtr>(&s);
+  if (consulta == nullptr || (*consulta)->partes.size() != 1 || (*consulta)->partes[0].lista.size() != 1 ||
+      !(*consulta)->partes[0].lista[0].expr || !(*consulta)->partes[0].de.empty())
+    throw base::Error("'" + std::string(expresion) + "' no es un valor");
+  const Vacio vacio;
+  ExprPtr valor = (*consulta)->partes[0].lista[0].expr;
+  Resolutor(vacio).ResolverSuelta(valor);
+  Escritor e({});
+  e.EscribirValor(*valor, destino);
+  return std::move(e).Texto();
 }
 
 }  // namespace jetsql

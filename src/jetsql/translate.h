@@ -72,6 +72,7 @@ struct Traduccion {
   std::vector<std::string> pasos;
   std::vector<ColumnaResultado> columnas;  // of a query
   std::vector<int> fijos;                  // indexes of literals that the translation depends on
+  std::vector<std::string> escribe;        // tables whose rows an INSERT, UPDATE or DELETE changes
   Definicion definicion;
   bool determinista = true;
 };
@@ -82,5 +83,9 @@ struct OpcionesTraduccion {
 
 // Throws ErrorSintaxis, or base::Error for an unknown table, column or function.
 Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
+
+// SQLite text of a value that stands alone, the default of a column of type `destino` for one. Throws as
+// Traducir.
+std::string TraducirValor(std::string_view expresion, base::Tipo destino);
 
 }  // namespace jetsql

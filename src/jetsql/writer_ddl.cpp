@@ -24,7 +24,8 @@ constexpr Declaracion kDeclaraciones[] = {
     {"DOUBLE_REAL", Tipo::Numero},  {"CURRENCY_REAL", Tipo::Moneda},
     {"DECIMAL_REAL", Tipo::Numero}, {"DATETIME_REAL", Tipo::Fecha},
     {"TEXT", Tipo::Texto},          {"MEMO_TEXT COLLATE JET", Tipo::Texto},
-    {"BINARY_BLOB", Tipo::Nulo},    {"GUID_TEXT COLLATE JET", Tipo::Texto}};
+    {"BINARY_BLOB", Tipo::Nulo},    {"GUID_TEXT COLLATE JET", Tipo::Texto},
+    {"BINARY_BLOB", Tipo::Nulo}};
 
 const Declaracion& De(ClaseColumna c) { return kDeclaraciones[static_cast<std::size_t>(c)]; }
 

@@ -1,0 +1,56 @@
+// An engine in memory over tables that live elsewhere: the face through which another engine mirrors them.
+//
+// The connection asks the source for every name that a statement uses; it has no tables of its own. The source
+// makes and fills the tables in SQLite, and takes what changed in them back to where they live.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine_sqlite/sqlite_connection.h"
+#include "jetsql/catalog.h"
+
+namespace engine_sqlite {
+
+// A condition, or RAISE, whose name or text starts so says the rest of it to the operator as it stands.
+inline constexpr std::string_view kTextoPropio = "jet_texto.";
+
+// The catalog that the translator asks. Tabla and Consulta may throw base::Error for a name that there is but
+// that cannot be used.
+class FuenteDeTablas : public jetsql::Catalogo {
+ public:
+  // Called before each statement runs, when it is translated but not yet prepared: the tables that the catalog
+  // was asked for must be there from now on. `escribe` names the tables whose rows the statement changes; it
+  // is empty for a query. What it throws is the statement's failure.
+  virtual void AntesDeCorrer(const std::vector<std::string>& escribe) = 0;
+};
+
+struct Espejo {
+  std::unique_ptr<db::Connection> conexion;
+  sqlite3* base = nullptr;  // of the connection
+};
+
+// `fuente` must outlive the connection. Of the options, the order, the clock, the locale and the wildcards
+// count.
+Espejo AbrirEspejo(FuenteDeTablas& fuente, const Opciones& opciones);
+
+// Forgets every translation, after the source has changed or dropped tables.
+void OlvidarTraducciones(db::Connection& espejo);
+
+// One statement of our own, prepared to be run many times; finalised with the pointer. Throws db::Error.
+struct FinalizarSentencia {
+  void operator()(sqlite3_stmt* sentencia) const { sqlite3_finalize(sentencia); }
+};
+using Sentencia = std::unique_ptr<sqlite3_stmt, FinalizarSentencia>;
+Sentencia Preparar(sqlite3* base, std::string_view sql);
+// Runs a text of our own without rows. Throws db::Error.
+void EjecutarPropio(sqlite3* base, const char* sql);
+// Throws db::Error for the last failure of `base`; `numero` is the dialect's number when a function raised
+// it.
+[[noreturn]] void LanzarError(sqlite3* base, int numero = 0);
+
+}  // namespace engine_sqlite
