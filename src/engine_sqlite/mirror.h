@@ -1,7 +1,7 @@
 // An engine in memory over tables that live elsewhere: the face through which another engine mirrors them.
 //
-// The connection asks the source for every name that a statement uses; it has no tables of its own. The source
-// makes and fills the tables in SQLite, and takes what changed in them back to where they live.
+// The connection asks the source for every name that a statement uses; it has no tables of its own. The
+// source makes and fills the tables in SQLite, and takes what changed in them back to where they live.
 #pragma once
 
 #include <sqlite3.h>
@@ -23,9 +23,9 @@ inline constexpr std::string_view kTextoPropio = "jet_texto.";
 // that cannot be used.
 class FuenteDeTablas : public jetsql::Catalogo {
  public:
-  // Called before each statement runs, when it is translated but not yet prepared: the tables that the catalog
-  // was asked for must be there from now on. `escribe` names the tables whose rows the statement changes; it
-  // is empty for a query. What it throws is the statement's failure.
+  // Called before each statement runs, when it is translated but not yet prepared: the tables that the
+  // catalog was asked for must be there from now on. `escribe` names the tables whose rows the statement
+  // changes; it is empty for a query. What it throws is the statement's failure.
   virtual void AntesDeCorrer(const std::vector<std::string>& escribe) = 0;
 };
 

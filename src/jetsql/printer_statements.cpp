@@ -52,15 +52,19 @@ void Impresor::Escribir(const Borrado& s) {
 }
 
 void Impresor::Tipo(const DefColumna& c) {
-  static constexpr std::string_view kNombres[] = {"YESNO",  "BYTE",     "SHORT",      "LONG",    "COUNTER",
-                                                  "SINGLE", "DOUBLE",   "CURRENCY",   "DECIMAL", "DATETIME",
-                                                  "TEXT",   "LONGTEXT", "BINARY",     "GUID",    "LONGBINARY"};
+  static constexpr std::string_view kNombres[] = {"YESNO",  "BYTE",     "SHORT",    "LONG",    "COUNTER",
+                                                  "SINGLE", "DOUBLE",   "CURRENCY", "DECIMAL", "DATETIME",
+                                                  "TEXT",   "LONGTEXT", "BINARY",   "GUID",    "LONGBINARY"};
   t_ += kNombres[static_cast<std::size_t>(c.clase)];
   if (c.clase == ClaseColumna::Contador && c.semilla != 1)
     t_.append("(").append(std::to_string(c.semilla)).append(", 1)");
   if (c.largo > 0) t_.append("(").append(std::to_string(c.largo)).append(")");
   if (c.clase == ClaseColumna::Decimal && (c.precision != 18 || c.escala != 0))
-    t_.append("(").append(std::to_string(c.precision)).append(", ").append(std::to_string(c.escala)).append(")");
+    t_.append("(")
+        .append(std::to_string(c.precision))
+        .append(", ")
+        .append(std::to_string(c.escala))
+        .append(")");
 }
 
 void Impresor::Referir(const Referencia& r) {

@@ -1,18 +1,21 @@
-// Cases over the embedded engine. A file starts with a new base in memory; statements end at a line that ends
-// in ";".
+// Cases over one engine, whichever this program is linked with (see engine.h). A file starts with a new,
+// empty base; statements end at a line that ends in ";".
 //
-//   exec [types]            runs the statements; the rows that the last one changed
-//   query [rowsort] [head]  the rows of the last statement (the others are run before it); head: its columns
-//   first error [read]            the text of the last statement's failure; read: asked as one that may only
-//   read tables                  for each table named, a line a row, sorted open key=value …        a new
-//   base: clock=AAAA-MM-DD[Thh:mm:ss] locale=en mode=dao order=general|traditional begin, commit, rollback
-//   the transaction; "ok" or the failure
+//   exec             runs the statements; the rows that the last one changed
+//   query            the rows of the last statement (the others are run before it); "rowsort" where their
+//                    order is free, "head" for the columns and their types
+//   error            the text of the last statement's failure; "read": asked as one that may only read
+//   tables           for each table named, a line a row, sorted
+//   open             a new base: clock=AAAA-MM-DD[Thh:mm:ss] locale=en mode=dao order=general|traditional
+//   reopen           the same base, closed and opened again
+//   begin, commit, rollback
+//                    the transaction; "ok" or the failure
 #include <iostream>
 #include <memory>
 #include <sstream>
 
 #include "base/date.h"
-#include "engine_sqlite/sqlite_connection.h"
+#include "engine.h"
 #include "render.h"
 #include "support/data_test.h"
 
@@ -22,7 +25,8 @@ using support::Bloque;
 
 struct Mesa {
   std::unique_ptr<ports::RelojFijo> reloj;
-  std::unique_ptr<db::Connection> base;
+  std::unique_ptr<pruebas::BaseDePrueba> prueba;
+  db::Connection* base = nullptr;
 };
 
 base::Fecha LeerReloj(const std::string& texto) {
@@ -33,16 +37,17 @@ base::Fecha LeerReloj(const std::string& texto) {
 }
 
 void Abrir(Mesa& mesa, const Bloque& bloque) {
-  mesa.base = nullptr;
+  mesa.prueba = nullptr;
   mesa.reloj = std::make_unique<ports::RelojFijo>(LeerReloj(bloque.Opcion("clock", "2024-03-15T10:20:30")));
-  engine_sqlite::Opciones opciones;
-  opciones.reloj = mesa.reloj.get();
-  if (bloque.Opcion("locale") == "en") opciones.locale = &base::Locale::ingles();
-  opciones.comodines_dao = bloque.Opcion("mode") == "dao";
+  pruebas::Deseos deseos;
+  deseos.reloj = mesa.reloj.get();
+  if (bloque.Opcion("locale") == "en") deseos.locale = &base::Locale::ingles();
+  deseos.comodines_dao = bloque.Opcion("mode") == "dao";
   const std::string orden = bloque.Opcion("order");
-  if (orden == "general") opciones.orden = base::Orden::General;
-  if (orden == "traditional") opciones.orden = base::Orden::EspanolTradicional;
-  mesa.base = engine_sqlite::Abrir(":memory:", opciones);
+  if (orden == "general") deseos.orden = base::Orden::General;
+  if (orden == "traditional") deseos.orden = base::Orden::EspanolTradicional;
+  mesa.prueba = pruebas::Crear(deseos);
+  mesa.base = &mesa.prueba->Conexion();
 }
 
 std::vector<std::string> Sentencias(const std::string& entrada) {
@@ -121,6 +126,11 @@ support::Verbos Preparar() {
   support::Verbos verbos;
   verbos["open"] = [mesa](const Bloque& b) {
     Abrir(*mesa, b);
+    return std::string();
+  };
+  verbos["reopen"] = [mesa](const Bloque&) {
+    mesa->prueba->Reabrir();
+    mesa->base = &mesa->prueba->Conexion();
     return std::string();
   };
   verbos["exec"] = [mesa](const Bloque& b) {
