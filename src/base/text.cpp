@@ -146,6 +146,21 @@ std::vector<std::string> Split(std::string_view texto, std::string_view separado
   return {vistas.begin(), vistas.end()};
 }
 
+std::vector<std::string> Partir(std::string_view texto, std::string_view separador, int limite,
+                                Comparar modo) {
+  std::vector<std::string> piezas;
+  if (texto.empty() || limite == 0) return piezas;
+  std::size_t i = 0;
+  while (!separador.empty() && (limite < 0 || piezas.size() + 1 < static_cast<std::size_t>(limite))) {
+    const std::size_t h = Buscar(texto, separador, i, modo);
+    if (h == std::string_view::npos) break;
+    piezas.emplace_back(texto.substr(i, h - i));
+    i = h + separador.size();
+  }
+  piezas.emplace_back(texto.substr(i));
+  return piezas;
+}
+
 std::string Join(const std::vector<std::string>& piezas, std::string_view separador) {
   std::string salida;
   for (std::size_t i = 0; i < piezas.size(); ++i) {

@@ -42,6 +42,10 @@ std::string Reemplazar(std::string_view texto, std::string_view de, std::string_
 std::vector<std::string> Split(std::string_view texto, std::string_view separador);
 // The same as views into `texto`.
 void SplitVistas(std::string_view texto, std::string_view separador, std::vector<std::string_view>& piezas);
+// Split of classic Basic: an empty text gives no piece at all. At most `limite` pieces, the last one with all
+// that is left; -1: any number, 0: none.
+std::vector<std::string> Partir(std::string_view texto, std::string_view separador, int limite = -1,
+                                Comparar modo = Comparar::Exacto);
 std::string Join(const std::vector<std::string>& piezas, std::string_view separador);
 
 bool EmpiezaCon(std::string_view texto, std::string_view prefijo, Comparar modo = Comparar::Exacto);

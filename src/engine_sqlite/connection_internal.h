@@ -43,7 +43,9 @@ class ConexionSqlite final : public db::Connection {
   db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
   // The statement to run and its literals (they last until the next statement).
   std::shared_ptr<Preparada> Resolver(std::string_view sql, const std::vector<base::Valor>*& literales);
-  std::shared_ptr<Preparada> Traducir(std::string_view sql);
+  // `columnas_cruzadas`: those of a crosstab, once they are known.
+  std::shared_ptr<Preparada> Traducir(std::string_view sql,
+                                      const std::vector<base::Valor>* columnas_cruzadas = nullptr);
   db::Recordset Correr(Preparada& p, const std::vector<base::Valor>& literales, std::string_view sql);
   void CorrerDefinicion(Preparada& p, const std::vector<base::Valor>& literales);
   void CorrerPaso(Preparada& p, std::size_t paso, const std::vector<base::Valor>& literales,

@@ -121,6 +121,12 @@ void ASimple(Llamada& l) {
   l.DarNumero(base::DobleDeSimple(simple));
 }
 
+void ComoSimple(Llamada& l) {
+  if (l.EsNulo(0)) return l.Nulo();
+  const auto simple = static_cast<float>(l.Numero(0));
+  std::isfinite(simple) ? l.DarNumero(base::DobleDeSimple(simple)) : l.DarArgumento(0);
+}
+
 void AMoneda(Llamada& l) {
   if (l.EsNulo(0)) return l.Nulo();
   constexpr double kMaxima = 922337203685477.5807;

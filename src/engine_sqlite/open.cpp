@@ -56,6 +56,7 @@ ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones, 
   entorno_.reloj = opciones.reloj != nullptr ? opciones.reloj : &sistema_;
   entorno_.orden = opciones.orden;
   traduccion_.comodines_dao = opciones.comodines_dao;
+  traduccion_.locale = entorno_.locale;
   AbrirArchivo(ruta, opciones);
   Configurar(ruta, opciones);
   FijarOrden();

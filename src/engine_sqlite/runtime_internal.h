@@ -143,9 +143,4 @@ void Anotar(sqlite3_context* contexto, Entorno& entorno, const base::Error& erro
 // outlive the handle.
 void Registrar(sqlite3* base, Entorno& entorno);
 
-// LIKE of the dialect: case-free, accents count. `dao`: * ? # [a-z] [!a], else % _ [a-z] [^a]. Throws 93 for
-// a
-// "[" without "]" and for a range that goes down.
-bool Coincide(std::string_view texto, std::string_view patron, bool dao, base::Orden orden);
-
 }  // namespace engine_sqlite

@@ -135,7 +135,8 @@ void StrComp(Llamada& l) {
   if (l.EsNulo(0) || l.EsNulo(1)) return l.Nulo();
   const ModoTexto modo = LeerModo(l, 2);
   const std::string_view a = l.Texto(0), b = l.Texto(1);
-  if (modo == ModoTexto::Texto) return l.DarEntero(base::CompararTexto(a, b, l.Alrededor().orden));
+  if (modo == ModoTexto::Base) return l.DarEntero(base::CompararTexto(a, b, l.Alrededor().orden));
+  if (modo == ModoTexto::Texto) return l.DarEntero(CompararComoTexto(a, b, l.Alrededor().orden));
   const int orden = a.compare(b);
   l.DarEntero(orden < 0 ? -1 : (orden > 0 ? 1 : 0));
 }

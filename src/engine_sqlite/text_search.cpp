@@ -1,11 +1,14 @@
 #include "engine_sqlite/text_search_internal.h"
 
+#include "base/text.h"
+
 namespace engine_sqlite {
 
 ModoTexto LeerModo(const Llamada& llamada, int argumento) {
-  const int modo = llamada.Opcional(argumento, 1);
+  constexpr ModoTexto kModos[] = {ModoTexto::Binario, ModoTexto::Texto, ModoTexto::Base};
+  const int modo = llamada.Opcional(argumento, 2);
   if (modo < 0 || modo > 2) LanzarNumero(kLlamadaIncorrecta);
-  return modo == 0 ? ModoTexto::Binario : ModoTexto::Texto;
+  return kModos[modo];
 }
 
 std::size_t OcurreEn(std::string_view texto, std::string_view aguja, std::size_t lugar, ModoTexto modo) {
@@ -27,6 +30,17 @@ Hallazgo BuscarDesde(std::string_view texto, std::string_view aguja, std::size_t
     base::SiguientePunto(texto, desde);
   }
   return {};
+}
+
+int CompararComoTexto(std::string_view a, std::string_view b, base::Orden orden) {
+  // A character without a weight of its own sorts behind all letters.
+  const auto detras = [](std::string_view t) {
+    constexpr std::string_view kSinPeso = "\xEE\x80\x80";  // U+E000
+    return base::Reemplazar(base::Reemplazar(t, "Ø", kSinPeso), "ø", kSinPeso);
+  };
+  if (!base::Contiene(a, "Ø", base::Comparar::SinCaso) && !base::Contiene(b, "Ø", base::Comparar::SinCaso))
+    return base::CompararTexto(a, b, orden);
+  return base::CompararTexto(detras(a), detras(b), orden);
 }
 
 std::size_t AvanzarCaracteres(std::string_view texto, std::size_t desde, std::int64_t cuantos) {

@@ -2,6 +2,7 @@
 // do.
 #include <cmath>
 
+#include "base/like.h"
 #include "engine_sqlite/conversion_internal.h"
 
 namespace engine_sqlite {
@@ -79,9 +80,9 @@ void Potencia(Llamada& l) {
 
 void Parecido(Llamada& l) {
   if (l.EsNulo(0) || l.EsNulo(1)) return l.Nulo();
-  const bool dao = l.Entero(2) != 0;
+  const auto comodines = l.Entero(2) != 0 ? base::Comodines::Dao : base::Comodines::Ado;
   const std::string_view texto = l.Texto(0), patron = l.Texto(1);
-  l.DarEntero(Coincide(texto, patron, dao, l.Alrededor().orden) ? 1 : 0);
+  l.DarEntero(base::Parecido(texto, patron, comodines, base::Igualdad::Pesos, l.Alrededor().orden) ? 1 : 0);
 }
 
 void AEntero(Llamada& l) {
@@ -90,13 +91,14 @@ void AEntero(Llamada& l) {
 }
 
 constexpr Registro kAyudas[] = {
-    {"jet_concat", -1, true, true, Concatenar},   {"jet_add", 3, true, true, Sumar},
-    {"jet_num", 1, false, true, ComoNumero},      {"jet_div", 2, false, true, Dividir},
-    {"jet_idiv", 2, false, true, DividirEntero},  {"jet_mod", 2, false, true, Resto},
-    {"jet_pow", 2, false, true, Potencia},        {"jet_like", 3, false, true, Parecido},
-    {"jet_to_int", 1, false, true, AEntero},      {"jet_to_single", 1, false, true, ASimple},
-    {"jet_to_currency", 1, false, true, AMoneda}, {"jet_to_number", 1, false, true, ANumero},
-    {"jet_to_date", 1, false, true, AFecha},      {"jet_to_bool", 1, false, true, ABooleano},
+    {"jet_concat", -1, true, true, Concatenar},    {"jet_add", 3, true, true, Sumar},
+    {"jet_num", 1, false, true, ComoNumero},       {"jet_div", 2, false, true, Dividir},
+    {"jet_idiv", 2, false, true, DividirEntero},   {"jet_mod", 2, false, true, Resto},
+    {"jet_pow", 2, false, true, Potencia},         {"jet_like", 3, false, true, Parecido},
+    {"jet_to_int", 1, false, true, AEntero},       {"jet_to_single", 1, false, true, ASimple},
+    {"jet_as_single", 1, false, true, ComoSimple}, {"jet_to_currency", 1, false, true, AMoneda},
+    {"jet_to_number", 1, false, true, ANumero},    {"jet_to_date", 1, false, true, AFecha},
+    {"jet_to_bool", 1, false, true, ABooleano},
 };
 
 }  // namespace

@@ -108,6 +108,7 @@ struct Expr {
   std::string nombre;
   std::vector<ExprPtr> hijos;
   ConsultaPtr consulta;
+  ExprPtr filtro;  // of an aggregate in a column of a crosstab: the rows that it is made of
 
   // resolved
   TipoExpr tipo;
@@ -188,10 +189,19 @@ struct Seleccion {
   std::vector<Fuente*> distintas;  // DISTINCTROW: the tables whose rows tell the result's rows apart
 };
 
+// TRANSFORM … PIVOT: a column more for each value of an expression.
+struct Cruce {
+  ExprPtr valor;   // made of aggregates
+  ExprPtr pivote;  // its values are the columns
+  std::vector<ExprPtr> lista;
+  bool con_lista = false;  // PIVOT … IN (lista): these columns, whatever the rows hold
+};
+
 struct Consulta {
   std::vector<Seleccion> partes;
   std::vector<bool> todas;  // before part i+1: UNION ALL
   std::vector<ItemOrden> orden;
+  std::unique_ptr<Cruce> cruce;
 
   // resolved
   std::vector<ColumnaFuente> salida;

@@ -167,8 +167,8 @@ Sentencia Parser::LeerSentencia() {
     s = LeerQuitar();
   else if (Come("ALTER"))
     s = LeerAlterar();
-  else if (Es("TRANSFORM"))
-    NoSeAdmite("Una consulta de referencias cruzadas (TRANSFORM … PIVOT)");
+  else if (Come("TRANSFORM"))
+    s = LeerCruce();
   else if (Actual().clase == ClaseToken::Fin)
     FallaEn(0, "La sentencia está vacía");
   else if (Actual().clase == ClaseToken::Nombre)

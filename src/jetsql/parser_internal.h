@@ -48,6 +48,7 @@ class Parser {
   // SELECT (parser_select.cpp).
   bool EmpiezaConsulta(std::size_t adelante = 0) const;
   ConsultaPtr LeerConsulta();
+  ConsultaPtr LeerCruce();
   Seleccion LeerParte();
   Seleccion LeerSeleccion();
   void LeerPredicado(Seleccion& s);

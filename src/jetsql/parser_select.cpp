@@ -21,6 +21,26 @@ ConsultaPtr Parser::LeerConsulta() {
   return c;
 }
 
+// Behind TRANSFORM. "PIVOT x IN (…)" reads as a predicate, whose list is the columns.
+ConsultaPtr Parser::LeerCruce() {
+  auto cruce = std::make_unique<Cruce>();
+  cruce->valor = LeerExpr();
+  if (Come("AS")) LeerNombreLibre("un nombre");
+  if (!EmpiezaConsulta()) Falla("SELECT");
+  ConsultaPtr c = LeerConsulta();
+  if (c->partes.size() > 1) NoSeAdmite("Una unión dentro de TRANSFORM");
+  Espera("PIVOT");
+  cruce->pivote = LeerExpr();
+  if (cruce->pivote->nodo == Nodo::EnLista && !cruce->pivote->negado) {
+    const ExprPtr predicado = cruce->pivote;
+    cruce->pivote = predicado->hijos[0];
+    cruce->lista.assign(predicado->hijos.begin() + 1, predicado->hijos.end());
+    cruce->con_lista = true;
+  }
+  c->cruce = std::move(cruce);
+  return c;
+}
+
 // A part of a union in brackets keeps its own order and union inside.
 Seleccion Parser::LeerParte() {
   if (!Es("(")) return LeerSeleccion();

@@ -294,18 +294,6 @@ void Impresor::Seleccionar(const Seleccion& s) {
   }
 }
 
-void Impresor::Escribir(const Consulta& c) {
-  for (std::size_t i = 0; i < c.partes.size(); ++i) {
-    if (i > 0) t_ += c.todas[i - 1] ? " UNION ALL " : " UNION ";
-    Seleccionar(c.partes[i]);
-  }
-  for (std::size_t i = 0; i < c.orden.size(); ++i) {
-    t_ += i == 0 ? " ORDER BY " : ", ";
-    Escribir(*c.orden[i].expr);
-    if (c.orden[i].descendente) t_ += " DESC";
-  }
-}
-
 void Impresor::De(const std::vector<RamaPtr>& de) {
   for (std::size_t i = 0; i < de.size(); ++i) {
     if (i > 0) t_ += ", ";

@@ -2,6 +2,31 @@
 
 namespace jetsql {
 
+void Impresor::Escribir(const Consulta& c) {
+  if (c.cruce) {
+    t_ += "TRANSFORM ";
+    Escribir(*c.cruce->valor);
+    t_ += ' ';
+  }
+  for (std::size_t i = 0; i < c.partes.size(); ++i) {
+    if (i > 0) t_ += c.todas[i - 1] ? " UNION ALL " : " UNION ";
+    Seleccionar(c.partes[i]);
+  }
+  for (std::size_t i = 0; i < c.orden.size(); ++i) {
+    t_ += i == 0 ? " ORDER BY " : ", ";
+    Escribir(*c.orden[i].expr);
+    if (c.orden[i].descendente) t_ += " DESC";
+  }
+  if (!c.cruce) return;
+  t_ += " PIVOT ";
+  Escribir(*c.cruce->pivote, 8);
+  for (std::size_t i = 0; i < c.cruce->lista.size(); ++i) {
+    t_ += i == 0 ? " IN (" : ", ";
+    Escribir(*c.cruce->lista[i]);
+  }
+  if (c.cruce->con_lista) t_ += ')';
+}
+
 void Impresor::Escribir(const Insercion& s) {
   t_ += "INSERT INTO ";
   Nombre(s.tabla);

@@ -128,6 +128,7 @@ void Resolutor::ResolverLlamada(Expr& e, const Contexto& c) {
       throw base::Error("La función de agregado '" + e.nombre + "' no puede estar aquí");
     *c.hay_agregado = true;
     dentro.agregados = Agregados::Dentro;
+    if (e.filtro) Resolver(e.filtro, dentro);
     Argumentos(e, 1, 1);
     if (e.especial == Especial::Count && e.hijos[0]->nodo == Nodo::Estrella) {
       e.tipo = {base::Tipo::Entero, false};

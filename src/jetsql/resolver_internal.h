@@ -20,7 +20,8 @@ struct Ambito {
 
 class Resolutor {
  public:
-  explicit Resolutor(const Catalogo& catalogo) : catalogo_(catalogo) {}
+  explicit Resolutor(const Catalogo& catalogo, const base::Locale* locale = nullptr)
+      : catalogo_(catalogo), locale_(locale != nullptr ? *locale : base::Locale::espanol()) {}
 
   void Resolver(Consulta& c, const Ambito* padre = nullptr);
   void Resolver(Insercion& s);
@@ -80,6 +81,7 @@ class Resolutor {
   void ResolverSubconsulta(Expr& e, const Contexto& c, bool una_columna);
 
   const Catalogo& catalogo_;
+  const base::Locale& locale_;
   std::vector<std::string> abiertas_;   // saved queries being read
   std::vector<std::string> alias_sql_;  // in use, in lower case
   std::vector<int> fijos_;

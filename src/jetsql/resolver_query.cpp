@@ -2,6 +2,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "jetsql/crosstab_internal.h"
 #include "jetsql/parser.h"
 #include "jetsql/resolver_internal.h"
 #include "jetsql/types_internal.h"
@@ -31,6 +32,7 @@ void Usadas(const Expr& e, std::vector<const Fuente*>& usadas) {
 }  // namespace
 
 void Resolutor::Resolver(Consulta& c, const Ambito* padre) {
+  if (c.cruce) ExpandirCruce(c, locale_, fijos_);
   for (auto& parte : c.partes) {
     ResolverParte(parte, padre);
     if (parte.lista.size() != c.partes[0].lista.size())
@@ -248,7 +250,7 @@ bool Resolutor::Iguales(const Expr& a, const Expr& b, std::vector<int>& literale
       if (a.fuente != b.fuente || a.columna != b.columna) return false;
       break;
     case Nodo::Llamada:
-      if (a.funcion != b.funcion || a.especial != b.especial) return false;
+      if (a.funcion != b.funcion || a.especial != b.especial || a.filtro || b.filtro) return false;
       break;
     case Nodo::Unario:
     case Nodo::Binario:

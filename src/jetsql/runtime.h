@@ -36,6 +36,8 @@
 //   64 bits. jet_to_single(a)            what a single column stores: the nearest float as its shortest
 //   7-digit decimal
 //                               (base::DobleDeSimple), error 6 on overflow; text as jet_num.
+//   jet_as_single(a)            a double that is compared with a single: as jet_to_single, but what is too
+//                               large for one stays as it is.
 //   jet_to_currency(a)          REAL rounded half to even at 4 decimals; text as jet_num.
 //   jet_to_number(a)            REAL; text as jet_num.
 //   jet_to_date(a)              REAL serial: a number passes, a text is read as CDate reads it, error 13.

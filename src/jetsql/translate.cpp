@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jetsql/crosstab_internal.h"
 #include "jetsql/definition_internal.h"
 #include "jetsql/parser.h"
 #include "jetsql/resolver_internal.h"
@@ -24,8 +25,14 @@ void FijarTodos(std::string_view sql, Traduccion& t) {
 
 class Traductor {
  public:
-  Traductor(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones)
-      : sql_(sql), catalogo_(catalogo), opciones_(opciones), resolutor_(catalogo) {}
+  // `valores`: the columns of a crosstab, once they are known.
+  Traductor(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+            const std::vector<base::Valor>* valores = nullptr)
+      : sql_(sql),
+        catalogo_(catalogo),
+        opciones_(opciones),
+        valores_(valores),
+        resolutor_(catalogo, opciones.locale) {}
 
   Traduccion Hacer() {
     Sentencia s = Analizar(sql_);
@@ -40,6 +47,14 @@ class Traductor {
 
  private:
   void Una(ConsultaPtr& c) {
+    if (c->cruce && !c->cruce->con_lista) {
+      if (valores_ == nullptr) {
+        PedirValores(*c);
+        t_.cruzada = true;
+      } else {
+        DarValores(*c, *valores_);
+      }
+    }
     resolutor_.Resolver(*c);
     if (!c->partes[0].destino.empty()) {
       t_.clase = Clase::Definicion;
@@ -87,6 +102,7 @@ class Traductor {
   std::string_view sql_;
   const Catalogo& catalogo_;
   OpcionesTraduccion opciones_;
+  const std::vector<base::Valor>* valores_;
   Resolutor resolutor_;
   Traduccion t_;
 };
@@ -113,6 +129,11 @@ std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
   Escritor e({});
   e.EscribirValor(*valor, destino);
   return std::move(e).Texto();
+}
+
+Traduccion TraducirCruzada(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+                           const std::vector<base::Valor>& valores) {
+  return Traductor(sql, catalogo, opciones, &valores).Hacer();
 }
 
 }  // namespace jetsql

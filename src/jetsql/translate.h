@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/error.h"
+#include "base/locale.h"
 #include "base/valor.h"
 #include "jetsql/catalog.h"
 
@@ -68,17 +69,23 @@ struct Definicion {  // what a definition statement does, for the engine's catal
 
 struct Traduccion {
   Clase clase = Clase::Consulta;
-  // Run in order, all or none; the affected rows are those of the last INSERT, UPDATE or DELETE of them.
+  // Run in order, all or none; the affected rows are those of the last INSERT, UPDATE or DELETE of them,
+  // unless the first step is a query: then they are its single value.
   std::vector<std::string> pasos;
   std::vector<ColumnaResultado> columnas;  // of a query
   std::vector<int> fijos;                  // indexes of literals that the translation depends on
   std::vector<std::string> escribe;        // tables whose rows an INSERT, UPDATE or DELETE changes
   Definicion definicion;
   bool determinista = true;
+  // A crosstab whose columns are values of the rows: the only step gives those values, and TraducirCruzada
+  // makes the query itself of them.
+  bool cruzada = false;
 };
 
 struct OpcionesTraduccion {
   bool comodines_dao = false;  // LIKE with * ? # instead of % _
+  const base::Locale* locale =
+      nullptr;  // of the names that a crosstab gives its columns; espanol() when null
 };
 
 // Throws ErrorSintaxis, or base::Error for an unknown table, column or function.
@@ -87,5 +94,9 @@ Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const Opcion
 // SQLite text of a value that stands alone, the default of a column of type `destino` for one. Throws as
 // Traducir.
 std::string TraducirValor(std::string_view expresion, base::Tipo destino);
+
+// The query of a crosstab, with the values that its first translation's step gave, in their order.
+Traduccion TraducirCruzada(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+                           const std::vector<base::Valor>& valores);
 
 }  // namespace jetsql

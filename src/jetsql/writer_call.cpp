@@ -93,7 +93,25 @@ void Escritor::Especiales(const Expr& e) {
   }
 }
 
+// A crosstab's cell without rows is Null, of Count too.
 void Escritor::Agregado(const Expr& e) {
+  const auto filtro = [&] {
+    t_ += " FILTER (WHERE ";
+    Condicion(*e.filtro);
+    t_ += ')';
+  };
+  const bool casilla = e.filtro && e.especial == Especial::Count;
+  if (casilla) {
+    t_ += "CASE WHEN count(*)";
+    filtro();
+    t_ += " > 0 THEN ";
+  }
+  Total(e);
+  if (e.filtro) filtro();
+  if (casilla) t_ += " END";
+}
+
+void Escritor::Total(const Expr& e) {
   const Expr& x = *e.hijos[0];
   switch (e.especial) {
     case Especial::Count:

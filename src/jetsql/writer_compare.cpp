@@ -58,6 +58,10 @@ void Escritor::Lado(const Expr& e, const Expr& otro, bool cotejar, int minimo) {
     t_ += ')';
   } else if (EsNumerico(e.tipo.tipo) && EsTexto(otro) && otro.nodo == Nodo::Columna && !columna) {
     Texto(e);
+  } else if (e.tipo.tipo == Tipo::Numero && otro.tipo.tipo == Tipo::Simple) {
+    t_ += "jet_as_single(";  // a double beside a single has the precision of the single
+    Valor(e);
+    t_ += ')';
   } else if (cotejar) {
     Cotejado(e, minimo);
   } else {

@@ -156,8 +156,17 @@ std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesT
   valores.Instantanea(s, tablas);
   const bool una = tablas.size() == 1;
   const std::string espera(kInstantanea);
-  std::vector<std::string> pasos;
-  if (!una) pasos = {"DROP TABLE IF EXISTS " + espera, "CREATE TABLE " + espera + " AS " + valores.t_};
+  // A row that several rows match is changed once and counted as often as it is matched.
+  Escritor cuenta(opciones);
+  cuenta.t_ = "SELECT count(";
+  cuenta.FilaDe(*tablas[0]);
+  cuenta.t_ += ')';
+  cuenta.DeYDonde(s.de, s.donde);
+  std::vector<std::string> pasos = {std::move(cuenta.t_)};
+  if (!una) {
+    pasos.push_back("DROP TABLE IF EXISTS " + espera);
+    pasos.push_back("CREATE TABLE " + espera + " AS " + valores.t_);
+  }
   for (std::size_t t = 0; t < tablas.size(); ++t) {
     Escritor e(opciones);
     Fuente fila;

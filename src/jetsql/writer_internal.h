@@ -98,6 +98,7 @@ class Escritor {
   void Si(const Expr& e);
   void ResultadoDeSi(const Expr& rama, const std::vector<const Expr*>& ramas);
   void Agregado(const Expr& e);
+  void Total(const Expr& e);
   void Asignado(const Expr& e, base::Tipo destino);
 
   void Nombre(std::string_view nombre);

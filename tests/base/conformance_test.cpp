@@ -16,14 +16,14 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "base/valor.h"
-#include "support/json.h"
+#include "conformance/json.h"
 
 namespace {
 
 using base::Fecha;
 using base::Locale;
 using base::Valor;
-using support::Json;
+using conformance::Json;
 
 const Fecha kHoy = base::FechaDe(2026, 5, 20);
 
@@ -203,7 +203,7 @@ TEST_P(Conformance, RowsHold) {
       ++ajenas[campos[1]];
       continue;
     }
-    const Json args = support::LeerJson(campos[2]);
+    const Json args = conformance::LeerJson(campos[2]);
     const Locale& locale = campos[3] == "en" ? Locale::ingles() : Locale::espanol();
     Resultado r;
     try {
@@ -214,7 +214,7 @@ TEST_P(Conformance, RowsHold) {
       ++ajenas[campos[1] + " of such an argument"];
       continue;
     }
-    const bool bien = Coincide(r, support::LeerJson(campos[4]));
+    const bool bien = Coincide(r, conformance::LeerJson(campos[4]));
     ++(bien ? pasan : fallan);
     EXPECT_TRUE(bien) << campos[0] << ": " << campos[1] << campos[2] << " in " << campos[3] << " gave "
                       << Mostrar(r) << ", expected " << campos[4];

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace support {
+namespace conformance {
 
 struct JsonMiembro;
 
@@ -40,4 +40,4 @@ struct JsonMiembro {
 // The whole text is one value. Throws std::runtime_error with the byte where it goes wrong.
 Json LeerJson(std::string_view texto);
 
-}  // namespace support
+}  // namespace conformance

@@ -1,11 +1,11 @@
-#include "support/json.h"
+#include "conformance/json.h"
 
 #include <cstdlib>
 #include <stdexcept>
 
 #include "base/text.h"
 
-namespace support {
+namespace conformance {
 namespace {
 
 class Lector {
@@ -207,4 +207,4 @@ std::string Json::Escrito() const {
 
 Json LeerJson(std::string_view texto) { return Lector(texto).Todo(); }
 
-}  // namespace support
+}  // namespace conformance

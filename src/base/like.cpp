@@ -1,18 +1,27 @@
-#include <algorithm>
+#include "base/like.h"
 
+#include <string>
+
+#include "base/error.h"
 #include "base/text.h"
-#include "engine_sqlite/runtime_internal.h"
 
-namespace engine_sqlite {
+namespace base {
 namespace {
 
-constexpr int kPatronIncorrecto = 93;
+[[noreturn]] void PatronIncorrecto() {
+  constexpr int kPatronIncorrecto = 93;
+  throw Error(DescripcionDeError(kPatronIncorrecto), kPatronIncorrecto);
+}
 
-bool EntreExtremos(char32_t c, char32_t desde, char32_t hasta, base::Orden orden) {
-  const auto texto = [](char32_t p) { return base::DePuntos(std::u32string_view(&p, 1)); };
+bool EntreExtremos(char32_t c, char32_t desde, char32_t hasta, Igualdad igualdad, Orden orden) {
+  if (igualdad == Igualdad::Exacta) {
+    if (desde > hasta) PatronIncorrecto();
+    return desde <= c && c <= hasta;
+  }
+  const auto texto = [](char32_t p) { return DePuntos(std::u32string_view(&p, 1)); };
   const std::string medio = texto(c), bajo = texto(desde), alto = texto(hasta);
-  if (base::CompararTexto(bajo, alto, orden) > 0) LanzarNumero(kPatronIncorrecto);
-  return base::CompararTexto(bajo, medio, orden) <= 0 && base::CompararTexto(medio, alto, orden) <= 0;
+  if (CompararTexto(bajo, alto, orden) > 0) PatronIncorrecto();
+  return CompararTexto(bajo, medio, orden) <= 0 && CompararTexto(medio, alto, orden) <= 0;
 }
 
 // One step of a pattern: what a single character of the text must be, or any run of them.
@@ -25,7 +34,8 @@ struct Paso {
 
 class Patron {
  public:
-  Patron(std::string_view texto, bool dao, base::Orden orden) : texto_(texto), dao_(dao), orden_(orden) {}
+  Patron(std::string_view texto, Comodines comodines, Igualdad igualdad, Orden orden)
+      : texto_(texto), dao_(comodines == Comodines::Dao), igualdad_(igualdad), orden_(orden) {}
 
   // The step at byte `i`, which moves past it.
   Paso Leer(std::size_t& i) const {
@@ -46,7 +56,7 @@ class Patron {
       LeerLista(i, paso);
     } else {
       paso.que = Paso::Que::Literal;
-      paso.literal = base::Plegar(base::SiguientePunto(texto_, i));
+      paso.literal = Plegado(SiguientePunto(texto_, i));
     }
     return paso;
   }
@@ -58,7 +68,7 @@ class Patron {
       case Paso::Que::Cifra:
         return c >= '0' && c <= '9';
       case Paso::Que::Literal:
-        return base::Plegar(c) == paso.literal;
+        return Plegado(c) == paso.literal;
       case Paso::Que::Lista:
         return EnLista(paso.lista, c) != paso.negada;
       default:
@@ -69,7 +79,7 @@ class Patron {
  private:
   void LeerLista(std::size_t& i, Paso& paso) const {
     const std::size_t cierre = texto_.find(']', i + 1);
-    if (cierre == std::string_view::npos) LanzarNumero(kPatronIncorrecto);
+    if (cierre == std::string_view::npos) PatronIncorrecto();
     std::string_view dentro = texto_.substr(i + 1, cierre - i - 1);
     i = cierre + 1;
     if (dentro.size() > 1 && (dentro[0] == '!' || (!dao_ && dentro[0] == '^'))) {
@@ -83,28 +93,32 @@ class Patron {
   bool EnLista(std::string_view lista, char32_t c) const {
     bool hallado = false;
     for (std::size_t k = 0; k < lista.size();) {
-      const char32_t desde = base::SiguientePunto(lista, k);
+      const char32_t desde = SiguientePunto(lista, k);
       if (k + 1 < lista.size() && lista[k] == '-') {
         ++k;
-        const char32_t hasta = base::SiguientePunto(lista, k);
-        hallado = EntreExtremos(c, desde, hasta, orden_) || hallado;
+        const char32_t hasta = SiguientePunto(lista, k);
+        hallado = EntreExtremos(c, desde, hasta, igualdad_, orden_) || hallado;
       } else {
-        hallado = hallado || base::Plegar(desde) == base::Plegar(c);
+        hallado = hallado || Plegado(desde) == Plegado(c);
       }
     }
     return hallado;
   }
 
+  char32_t Plegado(char32_t c) const { return igualdad_ == Igualdad::Pesos ? Plegar(c) : c; }
+
   std::string_view texto_;
   bool dao_;
-  base::Orden orden_;
+  Igualdad igualdad_;
+  Orden orden_;
 };
 
 }  // namespace
 
 // Without recursion: on a mismatch only the last run of any characters is tried one longer.
-bool Coincide(std::string_view texto, std::string_view patron, bool dao, base::Orden orden) {
-  const Patron p(patron, dao, orden);
+bool Parecido(std::string_view texto, std::string_view patron, Comodines comodines, Igualdad igualdad,
+              Orden orden) {
+  const Patron p(patron, comodines, igualdad, orden);
   std::size_t i = 0, j = 0;
   bool hay_serie = false;
   std::size_t serie_texto = 0, serie_patron = 0;
@@ -120,17 +134,17 @@ bool Coincide(std::string_view texto, std::string_view patron, bool dao, base::O
     if (i >= texto.size() && paso.que == Paso::Que::Fin) return true;
     if (i < texto.size() && paso.que != Paso::Que::Fin) {
       std::size_t avance = i;
-      if (p.Acepta(paso, base::SiguientePunto(texto, avance))) {
+      if (p.Acepta(paso, SiguientePunto(texto, avance))) {
         i = avance;
         j = sigue;
         continue;
       }
     }
     if (!hay_serie || serie_texto >= texto.size()) return false;
-    base::SiguientePunto(texto, serie_texto);
+    SiguientePunto(texto, serie_texto);
     i = serie_texto;
     j = serie_patron;
   }
 }
 
-}  // namespace engine_sqlite
+}  // namespace base
