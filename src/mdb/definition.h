@@ -78,18 +78,21 @@ struct IndiceReal {
 struct IndiceLogico {
   enum Clase : std::uint8_t { Normal = 0, Primario = 1, Foraneo = 2 };
   enum Lado : std::uint8_t { Ninguno = 0, Padre = 1, Hijo = 2 };
+  static constexpr std::uint8_t kSinRelacion =
+      4;  // both cascade bytes of an index that is in no relationship
   std::string nombre;
   std::uint32_t numero = 0;
   std::uint32_t real = 0;  // in `reales`
   std::uint8_t lado = Ninguno;
   std::int32_t otro_indice = -1;  // its number in the other table
   NumPagina otra_tabla = 0;
-  std::uint8_t actualiza_en_cascada = 0, borra_en_cascada = 0;
+  std::uint8_t actualiza_en_cascada = kSinRelacion, borra_en_cascada = kSinRelacion;
   std::uint8_t clase = Normal;
 };
 
 struct Definicion {
   static constexpr std::uint8_t kDeUsuario = 0x4E, kDeSistema = 0x53;
+  static constexpr std::size_t kColumnas = 255, kIndices = 32;  // the most that a table can have
 
   std::string nombre;              // of the catalog; not in the definition itself
   std::vector<NumPagina> paginas;  // of the definition; the first is the table's identity

@@ -5,12 +5,11 @@
 #include <numeric>
 
 #include "base/encoding.h"
+#include "mdb/header_internal.h"
 
 namespace mdb {
 namespace {
 
-constexpr std::string_view kNombreJet{"Standard Jet DB\0", 16}, kNombreAce{"Standard ACE DB\0", 16};
-constexpr std::size_t kMascara = 0x18;
 constexpr std::array<std::uint8_t, 4> kClaveDeMascara{0xC7, 0xDA, 0x39, 0x6B};
 
 // RC4, the cipher of the header's mask and of encrypted pages.
@@ -30,8 +29,6 @@ void Rc4(Vista clave, std::span<std::uint8_t> bytes) {
   }
 }
 
-std::size_t LargoDeMascara(bool jet3) { return jet3 ? 126 : 128; }
-
 // Jet 4 keeps UTF-16 XORed with the whole days of the creation date; Jet 3 bytes of its code page.
 std::string LeerContrasena(Vista p, const Cabecera& c) {
   if (c.Jet3()) {
@@ -42,8 +39,7 @@ std::string LeerContrasena(Vista p, const Cabecera& c) {
     }
     return base::DeCp1252(texto);
   }
-  const bool medible = c.creada > -2147483648.0 && c.creada < 2147483647.0;
-  const auto sal = static_cast<std::uint32_t>(static_cast<std::int32_t>(medible ? c.creada : 0));
+  const std::uint32_t sal = SalDeContrasena(c.creada);
   std::u16string texto;
   for (std::size_t i = 0; i < 40; i += 2) {
     const auto unidad =
@@ -55,6 +51,15 @@ std::string LeerContrasena(Vista p, const Cabecera& c) {
 }
 
 }  // namespace
+
+void EnmascararCabecera(std::span<std::uint8_t> pagina, bool jet3) {
+  Rc4(kClaveDeMascara, pagina.subspan(0x18, jet3 ? 126 : 128));
+}
+
+std::uint32_t SalDeContrasena(double creada) {
+  const bool medible = creada > -2147483648.0 && creada < 2147483647.0;
+  return static_cast<std::uint32_t>(static_cast<std::int32_t>(medible ? creada : 0));
+}
 
 Cabecera LeerCabecera(Vista primera) {
   if (primera.size() < 0x15) throw base::Error("El archivo es demasiado corto para ser una base de Access");
@@ -69,7 +74,7 @@ Cabecera LeerCabecera(Vista primera) {
   c.tamano_pagina = c.Jet3() ? 2048 : 4096;
   if (primera.size() < 2048) throw base::Error("El archivo es demasiado corto para ser una base de Access");
   Bytes p(primera.begin(), primera.begin() + 2048);
-  Rc4(kClaveDeMascara, std::span(p).subspan(kMascara, LargoDeMascara(c.Jet3())));
+  EnmascararCabecera(p, c.Jet3());
   c.pagina_de_codigos = U16(p, 0x3C);
   c.clave = U32(p, 0x3E);
   c.objetos = U32(p, 0x20);
@@ -79,6 +84,7 @@ Cabecera LeerCabecera(Vista primera) {
   if (c.Jet3()) {
     c.orden = U16(p, 0x3A);
   } else {
+    c.sello = U32(p, 0x6A);
     c.orden = U16(p, 0x6E);
     c.version_orden = U8(p, 0x71);
     c.creada = F64(p, 0x72);

@@ -27,6 +27,7 @@ struct Cabecera {
   bool cifrado_ajeno = false;  // encrypted by a provider we do not have (.accdb)
   std::string contrasena;      // UTF-8; empty: none
   double creada = 0;           // day serial
+  std::uint32_t sello = 0;     // differs from file to file; its meaning is not known
   NumPagina objetos = 2, permisos = 3, consultas = 4, relaciones = 5;  // definitions of the system tables
   bool Jet3() const { return version == Version::Jet3; }
 };
