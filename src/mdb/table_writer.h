@@ -26,8 +26,8 @@ struct Cambios {
 // A row that a unique index already has, or a Null in a required one. `numero` 3022 or 3058.
 class ErrorDeClave : public base::Error {
  public:
-  ErrorDeClave(std::string descripcion, int numero, std::string indice)
-      : base::Error(std::move(descripcion), numero), indice(std::move(indice)) {}
+  ErrorDeClave(std::string descripcion, int numero, std::string cual)
+      : base::Error(std::move(descripcion), numero), indice(std::move(cual)) {}
   std::string indice;
 };
 

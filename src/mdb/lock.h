@@ -1,0 +1,48 @@
+// Who else has a base open: our own programs and those that keep a lock file (.ldb, .laccdb) beside it.
+//
+// Our programs lock bytes of the base itself, far behind the greatest size of the format:
+//
+//   kByteEscritor   held by the one who has the base open for writing, from opening to closing. Where locks
+//   do
+//                   not hinder reading, all bytes before it too, so that programs that ask for any lock see
+//                   it.
+//   kByteCommit     held alone while a commit or a rollback changes bytes, and shared while a reader reads
+//                   some pages. So nobody reads in the middle of a commit, and nobody waits longer than for
+//                   one.
+//
+// Other programs lock one byte of their lock file while they are open, and write who they are at the slot of
+// that byte. What a slot says stays when its program is killed; only the lock tells that it lives.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/disk_file.h"
+
+namespace mdb {
+
+inline constexpr std::uint64_t kByteEscritor = 0x90000000, kByteCommit = 0x90000001;
+
+// Takes the writer's lock; false when another program of ours has it.
+bool BloquearEscritor(base::Disco& disco, base::ArchivoAbierto& archivo);
+
+// The commit lock, given back at the end. Waits for whoever has it; throws base::Error after ten seconds.
+// `hay_bloqueos` false: does nothing, on a disk without locks, where nobody writes.
+class BloqueoDeCommit {
+ public:
+  BloqueoDeCommit(base::Disco& disco, base::ArchivoAbierto& archivo, bool exclusivo,
+                  bool hay_bloqueos = true);
+  ~BloqueoDeCommit();
+  BloqueoDeCommit(const BloqueoDeCommit&) = delete;
+  BloqueoDeCommit& operator=(const BloqueoDeCommit&) = delete;
+
+ private:
+  base::ArchivoAbierto* archivo_ = nullptr;
+};
+
+// Whether another program has the base open through a lock file: in Spanish, with the computer and the user
+// when the slot tells them; empty when nobody has. Throws base::Error when the lock file cannot be looked at.
+std::string QuienLaTieneAbierta(base::Disco& disco, std::string_view ruta_de_base);
+
+}  // namespace mdb
