@@ -1,0 +1,87 @@
+// Thousands of random inserts, updates and deletes on copies of real files, read back after each batch, and
+// the file looked at by programs that share no code with ours.
+#include "mdb/random_rows.h"
+
+#include <gtest/gtest.h>
+
+#include "mdb/catalog.h"
+#include "mdb/corpus.h"
+#include "mdb/outside.h"
+
+namespace {
+
+using mdb_test::Azar;
+using mdb_test::TablaConModelo;
+
+struct Caso {
+  const char* archivo;
+  unsigned semilla, lotes, largo;
+};
+void PrintTo(const Caso& c, std::ostream* salida) { *salida << c.archivo; }
+
+class CambiosAlAzar : public testing::TestWithParam<Caso> {};
+
+TEST_P(CambiosAlAzar, LeaveTheRowsAndIndexesOfTheModel) {
+  SALTAR_SIN_CORPUS();
+  const Caso& caso = GetParam();
+  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus(caso.archivo));
+  const mdb::Catalogo catalogo(*paginas);
+  Azar azar(caso.semilla);
+  mdb_test::Cuentas todas;
+  unsigned tablas = 0;
+  for (const auto& objeto : catalogo.Objetos()) {
+    if (objeto.tipo != mdb::Objeto::Tabla || objeto.DeSistema() || objeto.nombre.starts_with("MSys"))
+      continue;
+    SCOPED_TRACE(objeto.nombre);
+    TablaConModelo tabla(*paginas, static_cast<mdb::NumPagina>(objeto.id), objeto.nombre);
+    ASSERT_EQ(mdb::MotivoNoEscribible(paginas->Cab(), tabla.Def()), "");
+    for (unsigned lote = 0; lote < caso.lotes; ++lote) {
+      ASSERT_NO_FATAL_FAILURE(tabla.Cambiar(azar, lote % 10 == 0 ? caso.largo * 5 : caso.largo));
+      if (lote % 4 == 0) {
+        ASSERT_NO_FATAL_FAILURE(tabla.Comparar());
+      }
+      if (lote % 16 == 5) paginas->Confirmar();
+    }
+    ASSERT_NO_FATAL_FAILURE(tabla.Rotar());
+    ASSERT_NO_FATAL_FAILURE(tabla.Comparar());
+    if (tablas % 5 == 2) {
+      ASSERT_NO_FATAL_FAILURE(tabla.BorrarTodo());
+      ASSERT_NO_FATAL_FAILURE(tabla.Comparar());
+      ASSERT_NO_FATAL_FAILURE(tabla.Cambiar(azar, caso.largo));
+    }
+    ++tablas;
+    todas.nuevas += tabla.cuentas.nuevas;
+    todas.cambiadas += tabla.cuentas.cambiadas;
+    todas.borradas += tabla.cuentas.borradas;
+    todas.rechazadas += tabla.cuentas.rechazadas;
+  }
+  ASSERT_GT(tablas, 0U);
+  paginas->Confirmar();
+  EXPECT_EQ(mdb_test::Controlar(paginas->Guardado(), false), "");
+  std::cout << caso.archivo << ": " << tablas << " tables, " << todas.nuevas << " inserts, "
+            << todas.cambiadas << " updates, " << todas.borradas << " deletes, " << todas.rechazadas
+            << " batches refused\n";
+  EXPECT_GT(todas.Hechas(), 1000U);
+}
+
+constexpr Caso kCasos[] = {
+    {"compIndexTestV2000.mdb", 1, 120, 40},
+    {"compIndexTestV2003.mdb", 2, 120, 40},
+    {"delTestV2000.mdb", 3, 120, 40},
+    {"delColTestV2000.mdb", 4, 120, 40},
+    {"fixedNumericTestV2000.mdb", 5, 80, 20},
+    {"indexTestV2000.mdb", 6, 120, 30},
+    {"indexTestV2003.mdb", 7, 120, 30},
+    {"overflowTestV2000.mdb", 8, 120, 40},
+    {"pivot.mdb", 9, 120, 30},
+    {"test2V2000.mdb", 10, 60, 12},
+    {"testIndexCodes_7c04f9e8.mdb", 11, 24, 20},
+    {"testIndexPropertiesV2000.mdb", 12, 80, 20},
+    {"weirdObjectNames.mdb", 13, 80, 20},
+};
+INSTANTIATE_TEST_SUITE_P(DeArchivosReales, CambiosAlAzar, testing::ValuesIn(kCasos), [](const auto& caso) {
+  std::string nombre = caso.param.archivo;
+  return nombre.substr(0, nombre.find('.'));
+});
+
+}  // namespace
