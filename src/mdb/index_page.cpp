@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <string>
 
 namespace mdb {
@@ -106,9 +107,7 @@ NumPagina PaginaDeIndice::Hijo(std::size_t i) const {
 }
 
 std::strong_ordering PaginaDeIndice::Comparar(std::size_t i, Vista clave, IdFila fila) const {
-  const Vista mia = Clave(i);
-  const auto orden =
-      std::lexicographical_compare_three_way(mia.begin(), mia.end(), clave.begin(), clave.end());
+  const auto orden = CompararClaves(Clave(i), clave);
   return orden != 0 ? orden : FilaDe(i) <=> fila;
 }
 
@@ -197,6 +196,12 @@ void PaginaDeIndice::Escribir(Paginas& paginas, NumPagina tabla) {
     v[kJet4.mascara + lugar / 8] = static_cast<std::uint8_t>(v[kJet4.mascara + lugar / 8] | 1U << lugar % 8);
   }
   Poner16(v, 2, static_cast<std::uint16_t>(kCapacidad - lugar));
+}
+
+std::strong_ordering CompararClaves(Vista a, Vista b) {
+  const std::size_t n = std::min(a.size(), b.size());
+  const int orden = n == 0 ? 0 : std::memcmp(a.data(), b.data(), n);
+  return orden != 0 ? orden <=> 0 : a.size() <=> b.size();
 }
 
 Bytes EntradaCompleta(Vista clave, IdFila fila) {

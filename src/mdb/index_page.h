@@ -65,6 +65,8 @@ class PaginaDeIndice {
   bool propia_ = true;
 };
 
+// Byte by byte; a key that begins another comes first.
+std::strong_ordering CompararClaves(Vista a, Vista b);
 // (key, row) as the bytes of an entry; with a child, of a node's.
 Bytes EntradaCompleta(Vista clave, IdFila fila);
 Bytes EntradaCompleta(Vista clave, IdFila fila, NumPagina hijo);

@@ -103,6 +103,11 @@ void LiberarPaginaDeArbol(const DatosDeArbol& arbol, NumPagina numero) {
   LiberarPagina(arbol.paginas, numero);
 }
 
+std::strong_ordering Entrada::operator<=>(const Entrada& otra) const {
+  const auto orden = CompararClaves(clave, otra.clave);
+  return orden != 0 ? orden : fila <=> otra.fila;
+}
+
 void ArbolDeIndice::Recorrer(const std::function<bool(const Entrada&)>& visita) const {
   Entrada entrada;
   PorHojas(Datos(paginas_, tabla_, raiz_, mapa_), [&](Camino& camino) {

@@ -1,6 +1,7 @@
 // The tree of one real index: nodes and leaves (pages of types 3 and 4).
 #pragma once
 
+#include <compare>
 #include <functional>
 #include <vector>
 
@@ -11,7 +12,8 @@ namespace mdb {
 struct Entrada {
   Bytes clave;
   IdFila fila;
-  auto operator<=>(const Entrada&) const = default;  // the order of the leaves
+  std::strong_ordering operator<=>(const Entrada& otra) const;  // the order of the leaves
+  bool operator==(const Entrada&) const = default;
 };
 
 class ArbolDeIndice {

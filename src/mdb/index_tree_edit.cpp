@@ -216,6 +216,14 @@ void PonerNiveles(Camino& camino) {
     camino[i].pagina.nivel = static_cast<std::uint8_t>(camino.size() - 1 - i);
 }
 
+// Writes what has changed, from the page that stands `debajo` pages from the end of the way upwards: a root
+// that is split makes the way longer at its start. A longer key above, as a removal may leave one, splits
+// too.
+void GuardarDesde(const DatosDeArbol& arbol, Camino& camino, std::size_t debajo) {
+  for (; debajo <= camino.size(); ++debajo)
+    if (camino[camino.size() - debajo].cambiada) GuardarPaso(arbol, camino, camino.size() - debajo);
+}
+
 }  // namespace
 
 void PonerAnterior(const DatosDeArbol& arbol, NumPagina de, NumPagina anterior) {
@@ -253,9 +261,7 @@ void GuardarInsercion(const DatosDeArbol& arbol, Camino& camino) {
   if (hoja.lugar + 1 == hoja.pagina.Cantidad())
     PonerClaveArriba(camino, camino.size() - 1, hoja.pagina.Clave(hoja.lugar),
                      hoja.pagina.FilaDe(hoja.lugar));
-  // Counted from the leaf: a root that is split makes the way longer at its start.
-  for (std::size_t debajo = 1; debajo <= camino.size(); ++debajo)
-    if (camino[camino.size() - debajo].cambiada) GuardarPaso(arbol, camino, camino.size() - debajo);
+  GuardarDesde(arbol, camino, 1);
 }
 
 void GuardarBorrado(const DatosDeArbol& arbol, Camino& camino) {
@@ -277,7 +283,7 @@ void GuardarBorrado(const DatosDeArbol& arbol, Camino& camino) {
     }
   }
   AplanarRaiz(arbol, camino);
-  if (camino[0].cambiada) GuardarPaso(arbol, camino, 0);
+  GuardarDesde(arbol, camino, camino.size());
 }
 
 }  // namespace mdb
