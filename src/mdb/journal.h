@@ -86,7 +86,7 @@ class LectorDeDiario {
   DatosDeDiario datos_;
   std::map<NumPagina, std::uint64_t> lugares_;  // of the records
   void Examinar();
-  bool ExaminarRegistros();
+  bool ExaminarRegistros(std::uint64_t suma_final);
   Bytes Registro(base::ArchivoAbierto& archivo, NumPagina numero, std::uint64_t pos) const;
   void CompararPagina(base::ArchivoAbierto& archivo, NumPagina numero, std::uint64_t pos) const;
 };

@@ -1,0 +1,81 @@
+// A disk in memory that can be cut, fail or be full at any call, and forgets what was not synced.
+//
+// Each call that changes something counts. What a file was written since its last sync is kept apart, in
+// sectors, as are the names created and removed since the last sync of the folder: after a cut any of it may
+// be lost.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/disk_file.h"
+#include "mdb/bytes.h"
+
+namespace mdb_test {
+
+// The current goes, or the program is killed: no code of the program sees it as an error.
+struct Corte {};
+
+class DiscoSimulado : public base::Disco {
+ public:
+  DiscoSimulado();
+  ~DiscoSimulado() override;
+
+  // The call of that number (from 1) ends in a Corte; a write is then half done.
+  void CortarEn(int llamada) { cortar_en_ = llamada; }
+  // The call of that number, or all from it on, throw an ErrorDeDisco; a write is then half done.
+  void FallarEn(int llamada, bool siempre = false) {
+    fallar_en_ = llamada;
+    fallar_siempre_ = siempre;
+  }
+  void Sanar() { fallar_en_ = cortar_en_ = 0; }
+  // No more bytes than these in all files.
+  void Llenar(std::optional<std::uint64_t> lugar) { lugar_ = lugar; }
+  void PonerSoloLectura(bool si) { solo_lectura_ = si; }
+  int Llamadas() const { return llamadas_; }
+  void ContarDeNuevo() { llamadas_ = 0; }
+  const std::vector<std::string>& Diario() const { return hechas_; }  // the calls, for messages
+
+  enum class Perdida { Nada, Todo, AlAzar };  // of what was not synced
+  // The disk as found after a cut; all who had files open are gone.
+  std::shared_ptr<DiscoSimulado> Despues(Perdida perdida, std::mt19937& azar) const;
+
+  void Poner(const std::string& ruta, const mdb::Bytes& bytes);  // there since long ago
+  mdb::Bytes Contenido(const std::string& ruta) const;
+  std::uint64_t Ocupado() const;
+
+  std::unique_ptr<base::ArchivoAbierto> Abrir(std::string_view ruta, base::ModoArchivo modo) override;
+  bool Existe(std::string_view ruta) override;
+  void Borrar(std::string_view ruta) override;
+  void Mover(std::string_view de, std::string_view a) override;
+  void SincronizarCarpetaDe(std::string_view ruta) override;
+  bool CarpetaAdmiteNuevos(std::string_view) override { return true; }
+  std::string RutaReal(std::string_view ruta) override { return std::string(ruta); }
+  bool BloqueosObligan() override { return false; }
+  std::int64_t Ahora() override { return ++reloj_; }
+  std::int64_t Microsegundo() override { return 1; }
+  void Esperar(int) override {}
+
+ private:
+  friend class ArchivoSimulado;
+  struct Nodo;
+  using Nombres = std::map<std::string, std::shared_ptr<Nodo>>;
+  // True when the call must be done by half and then fail.
+  bool Contar(const std::string& que);
+  [[noreturn]] void Romper(const std::string& ruta) const;
+
+  Nombres nombres_, nombres_durables_;
+  int llamadas_ = 0, cortar_en_ = 0, fallar_en_ = 0;
+  bool fallar_siempre_ = false, solo_lectura_ = false;
+  std::optional<std::uint64_t> lugar_;
+  std::int64_t reloj_ = 1000;
+  std::vector<std::string> hechas_;
+};
+
+}  // namespace mdb_test
