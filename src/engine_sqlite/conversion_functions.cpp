@@ -41,11 +41,21 @@ void Str(Llamada& l) {
   l.DarTexto(v < 0 ? texto : " " + texto);
 }
 
+// A single has more digits than it shows, and a double shows them.
+void CDbl(Llamada& l) {
+  if (l.EsNulo(0)) return l.Nulo();
+  const double v = l.Numero(0);
+  l.DarNumero(l.Letra(0) == 'S' ? static_cast<double>(static_cast<float>(v)) : v);
+}
+
 void CVar(Llamada& l) { l.DarArgumento(0); }
 
-// As 32 bits, two's complement.
+// In two's complement: 16 bits of a small negative whole number, which is an Integer, 32 of any other value.
 std::uint32_t Bits(const Llamada& l) {
   const std::int64_t v = l.Entero(0);
+  const bool corto =
+      !l.EsTexto(0) && l.Numerico(0).entera && v < 0 && v > std::numeric_limits<std::int16_t>::min();
+  if (corto) return static_cast<std::uint16_t>(v);
   if (v < std::numeric_limits<std::int32_t>::min() || v > std::numeric_limits<std::uint32_t>::max())
     LanzarNumero(kDesbordamiento);
   return static_cast<std::uint32_t>(v);
@@ -75,7 +85,11 @@ void IsDate(Llamada& l) {
   l.DarBooleano(!l.EsNulo(0) && letra == 'D');
 }
 
+// No value of a row is Empty or an error: an error ends the statement.
 void IsEmpty(Llamada& l) { l.DarBooleano(false); }
+
+// Files without users of their own have this one.
+void CurrentUser(Llamada& l) { l.DarTexto("Admin"); }
 
 // Without a second argument a Null becomes the empty text.
 void Nz(Llamada& l) {
@@ -104,12 +118,12 @@ void TypeName(Llamada& l) { l.DarTexto(Clase(l).nombre); }
 void VarType(Llamada& l) { l.DarEntero(Clase(l).codigo); }
 
 constexpr Implementacion kFunciones[] = {
-    {"CBOOL", ABooleano}, {"CBYTE", CByte},   {"CCUR", AMoneda},    {"CDATE", AFecha},
-    {"CDBL", ANumero},    {"CDEC", ANumero},  {"CINT", CInt},       {"CLNG", CLng},
-    {"CSNG", ASimple},    {"CSTR", CStr},     {"CVAR", CVar},       {"CVDATE", AFecha},
-    {"HEX", EnBase<4>},   {"ISDATE", IsDate}, {"ISEMPTY", IsEmpty}, {"ISNUMERIC", IsNumeric},
-    {"NZ", Nz},           {"OCT", EnBase<3>}, {"STR", Str},         {"TYPENAME", TypeName},
-    {"VARTYPE", VarType},
+    {"CBOOL", ABooleano}, {"CBYTE", CByte},         {"CCUR", AMoneda},    {"CDATE", AFecha},
+    {"CDBL", CDbl},       {"CDEC", ANumero},        {"CINT", CInt},       {"CLNG", CLng},
+    {"CSNG", ASimple},    {"CSTR", CStr},           {"CVAR", CVar},       {"CURRENTUSER", CurrentUser},
+    {"CVDATE", AFecha},   {"ISERROR", IsEmpty},     {"HEX", EnBase<4>},   {"ISDATE", IsDate},
+    {"ISEMPTY", IsEmpty}, {"ISNUMERIC", IsNumeric}, {"NZ", Nz},           {"OCT", EnBase<3>},
+    {"STR", Str},         {"TYPENAME", TypeName},   {"VARTYPE", VarType},
 };
 
 }  // namespace

@@ -27,11 +27,11 @@ void Parte(Llamada& l) {
 }
 
 void Weekday(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
+  if (l.EsNulo(0)) return l.Nulo();
   l.DarEntero((base::DiaSemana(l.Fecha(0)) - l.PrimerDia(1) + 7) % 7 + 1);
 }
 
-// The interval of DateAdd and its kin, which may not be Null while the rest may.
+// The interval of DateAdd and its kin, which may not be Null while the dates may.
 std::string_view Intervalo(Llamada& l) {
   if (l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
   return l.Texto(0);
@@ -39,31 +39,26 @@ std::string_view Intervalo(Llamada& l) {
 
 void DateAdd(Llamada& l) {
   const std::string_view intervalo = Intervalo(l);
-  if (l.AlgunNulo()) return l.Nulo();
-  l.DarFecha(base::DateAdd(intervalo, l.Numero(1), l.Fecha(2)));
+  const double cantidad = l.Numero(1);
+  if (l.EsNulo(2)) return l.Nulo();
+  l.DarFecha(base::DateAdd(intervalo, cantidad, l.Fecha(2)));
 }
 
 void DateDiff(Llamada& l) {
   const std::string_view intervalo = Intervalo(l);
-  if (l.AlgunNulo()) return l.Nulo();
+  if (l.EsNulo(1) || l.EsNulo(2)) return l.Nulo();
   l.DarEntero(base::DateDiff(intervalo, l.Fecha(1), l.Fecha(2), l.PrimerDia(3), l.PrimeraSemana(4)));
 }
 
 void DatePart(Llamada& l) {
   const std::string_view intervalo = Intervalo(l);
-  if (l.AlgunNulo()) return l.Nulo();
+  if (l.EsNulo(1)) return l.Nulo();
   l.DarEntero(base::DatePart(intervalo, l.Fecha(1), l.PrimerDia(2), l.PrimeraSemana(3)));
 }
 
-void DateSerial(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  l.DarFecha(base::FechaDe(l.Entero32(0), l.Entero32(1), l.Entero32(2)));
-}
+void DateSerial(Llamada& l) { l.DarFecha(base::FechaDe(l.Entero32(0), l.Entero32(1), l.Entero32(2))); }
 
-void TimeSerial(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  l.DarFecha(base::HoraDe(l.Entero32(0), l.Entero32(1), l.Entero32(2)));
-}
+void TimeSerial(Llamada& l) { l.DarFecha(base::HoraDe(l.Entero32(0), l.Entero32(1), l.Entero32(2))); }
 
 void DateValue(Llamada& l) {
   if (l.EsNulo(0)) return l.Nulo();
@@ -76,7 +71,6 @@ void TimeValue(Llamada& l) {
 }
 
 void MonthName(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
   const std::int32_t mes = l.Entero32(0);
   if (mes < 1 || mes > 12) LanzarNumero(kLlamadaIncorrecta);
   const auto& nombres = l.Opcional(1, 0) != 0 ? l.Regional().meses_cortos : l.Regional().meses;
@@ -84,7 +78,6 @@ void MonthName(Llamada& l) {
 }
 
 void WeekdayName(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
   const std::int32_t dia = l.Entero32(0);
   if (dia < 1 || dia > 7) LanzarNumero(kLlamadaIncorrecta);
   const auto& nombres = l.Opcional(1, 0) != 0 ? l.Regional().dias_cortos : l.Regional().dias;

@@ -54,7 +54,7 @@ int CotejarJet(void* dato, int na, const void* a, int nb, const void* b) {
 
 Cuerpo CuerpoDe(std::string_view nombre) {
   for (const auto& grupo : {FuncionesDeTexto(), FuncionesNumericas(), FuncionesDeConversion(),
-                            FuncionesDeFecha(), FuncionesDeFormato()})
+                            FuncionesDeFecha(), FuncionesDeFormato(), FuncionesFinancieras()})
     for (const Implementacion& i : grupo)
       if (i.nombre == nombre) return i.cuerpo;
   return nullptr;

@@ -133,6 +133,7 @@ std::span<const Implementacion> FuncionesNumericas();
 std::span<const Implementacion> FuncionesDeConversion();
 std::span<const Implementacion> FuncionesDeFecha();
 std::span<const Implementacion> FuncionesDeFormato();
+std::span<const Implementacion> FuncionesFinancieras();
 std::span<const Registro> AyudasDelTraductor();
 void RegistrarTotales(sqlite3* base);
 

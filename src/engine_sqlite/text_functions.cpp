@@ -1,4 +1,5 @@
-// The text functions of the dialect. Positions and lengths count characters.
+// The text functions of the dialect. Positions and lengths count characters. A text that is Null gives Null;
+// a position, a length or a code that is Null is an error, as in classic Basic.
 #include <limits>
 
 #include "base/encoding.h"
@@ -28,14 +29,14 @@ void Len(Llamada& l) {
 }
 
 void Left(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
+  if (l.EsNulo(0)) return l.Nulo();
   const std::int64_t n = NoNegativo(l, 1);
   const std::string_view texto = l.Texto(0);
   l.DarTexto(texto.substr(0, AvanzarCaracteres(texto, 0, n)));
 }
 
 void Right(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
+  if (l.EsNulo(0)) return l.Nulo();
   const std::int64_t n = NoNegativo(l, 1);
   const std::string_view texto = l.Texto(0);
   const std::int64_t sobran = Caracteres(texto) - n;
@@ -43,7 +44,7 @@ void Right(Llamada& l) {
 }
 
 void Mid(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
+  if (l.EsNulo(0)) return l.Nulo();
   const std::int64_t inicio = l.Entero32(1);
   if (inicio < 1) LanzarNumero(kLlamadaIncorrecta);
   const std::int64_t n = l.Hay(2) ? NoNegativo(l, 2) : std::numeric_limits<std::int64_t>::max();
@@ -88,7 +89,7 @@ void InStr(Llamada& l) {
 
 // The last occurrence that ends at or before character `fin`.
 void InStrRev(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
+  if (l.EsNulo(0) || l.EsNulo(1)) return l.Nulo();
   std::int64_t fin = l.Opcional(2, -1);
   if (fin == 0 || fin < -1) LanzarNumero(kLlamadaIncorrecta);
   const ModoTexto modo = LeerModo(l, 3);
@@ -142,7 +143,7 @@ void StrComp(Llamada& l) {
 }
 
 void StrReverse(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
+  if (l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
   const std::string_view texto = l.Texto(0);
   std::string salida(texto.size(), '\0');
   std::size_t destino = texto.size();
@@ -156,7 +157,6 @@ void StrReverse(Llamada& l) {
 }
 
 void Space(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
   const std::int64_t n = NoNegativo(l, 0);
   VerificarLargo(n);
   l.DarTexto(std::string(static_cast<std::size_t>(n), ' '));
@@ -182,7 +182,6 @@ void Repetir(Llamada& l) {
 }
 
 void Chr(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
   const std::int32_t n = l.Entero32(0);
   if (n < 0 || n > 255) LanzarNumero(kLlamadaIncorrecta);
   const char codigo = static_cast<char>(static_cast<unsigned char>(n));
@@ -190,7 +189,6 @@ void Chr(Llamada& l) {
 }
 
 void ChrW(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
   const std::int32_t n = l.Entero32(0);
   if (n < -32768 || n > 65535) LanzarNumero(kLlamadaIncorrecta);
   const auto punto = static_cast<char32_t>(n & 0xFFFF);
@@ -198,7 +196,7 @@ void ChrW(Llamada& l) {
 }
 
 void Asc(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
+  if (l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
   const std::string_view texto = l.Texto(0);
   if (texto.empty()) LanzarNumero(kLlamadaIncorrecta);
   const std::string byte = base::ACp1252(texto.substr(0, AvanzarCaracteres(texto, 0, 1)));
@@ -206,7 +204,7 @@ void Asc(Llamada& l) {
 }
 
 void AscW(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
+  if (l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
   const std::string_view texto = l.Texto(0);
   if (texto.empty()) LanzarNumero(kLlamadaIncorrecta);
   std::size_t i = 0;

@@ -1,6 +1,7 @@
 // The helpers that the SQLite text of a translated statement calls: see jetsql/runtime.h for what each must
 // do.
 #include <cmath>
+#include <limits>
 
 #include "base/like.h"
 #include "engine_sqlite/conversion_internal.h"
@@ -45,28 +46,26 @@ void Dividir(Llamada& l) {
   l.DarNumero(a / b);
 }
 
-// Both operands of \ and Mod, rounded; the divisor is not 0. True when the quotient would not fit 64 bits.
-bool Redondeados(const Llamada& l, std::int64_t& a, std::int64_t& b) {
-  a = l.Entero(0);
-  b = l.Entero(1);
+// Both operands of \ and Mod, rounded to Long; the divisor is not 0.
+void Redondeados(const Llamada& l, std::int64_t& a, std::int64_t& b) {
+  a = l.Entero32(0);
+  b = l.Entero32(1);
   if (b == 0) LanzarNumero(kDivisionPorCero);
-  return b == -1;
 }
 
 void DividirEntero(Llamada& l) {
   if (l.AlgunNulo()) return l.Nulo();
   std::int64_t a = 0, b = 0;
-  if (Redondeados(l, a, b)) {
-    if (__builtin_sub_overflow(std::int64_t{0}, a, &a)) LanzarNumero(kDesbordamiento);
-    return l.DarEntero(a);
-  }
+  Redondeados(l, a, b);
+  if (a / b > std::numeric_limits<std::int32_t>::max()) LanzarNumero(kDesbordamiento);
   l.DarEntero(a / b);
 }
 
 void Resto(Llamada& l) {
   if (l.AlgunNulo()) return l.Nulo();
   std::int64_t a = 0, b = 0;
-  l.DarEntero(Redondeados(l, a, b) ? 0 : a % b);
+  Redondeados(l, a, b);
+  l.DarEntero(a % b);
 }
 
 void Potencia(Llamada& l) {

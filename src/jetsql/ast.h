@@ -99,9 +99,11 @@ struct Expr {
 
   Nodo nodo;
   Op op = Op::Igual;
-  bool negado = false;  // NOT BETWEEN, NOT IN, NOT LIKE, IS NOT NULL
-  bool todos = false;   // of Cuantificada: ALL
-  int altura = 1;       // of the tree, for the depth limit
+  bool negado = false;     // NOT BETWEEN, NOT IN, NOT LIKE, IS NOT NULL
+  bool todos = false;      // of Cuantificada: ALL
+  bool distinto = false;   // of an aggregate: DISTINCT
+  bool parametro = false;  // of a column: a name that PARAMETERS declares
+  int altura = 1;          // of the tree, for the depth limit
   base::Valor literal;
   int indice = -1;  // of a literal in the statement's Forma; -1: written into the text as it is
   std::string calificador;

@@ -13,6 +13,8 @@ ExprPtr Clonar(const Expr& e) {
   auto c = std::make_shared<Expr>(e.nodo);
   c->op = e.op;
   c->negado = e.negado;
+  c->distinto = e.distinto;
+  c->parametro = e.parametro;
   c->altura = e.altura;
   c->literal = e.literal;
   c->indice = e.indice;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/text.h"
 #include "jetsql/parser_internal.h"
 
 namespace jetsql {
@@ -100,7 +101,7 @@ std::string Parser::LeerNombre(std::string_view que) {
 
 int Parser::LeerEnteroChico(std::string_view que) {
   const Lexema& l = Actual();
-  if (l.clase != ClaseToken::Entero || l.texto.size() > 9) Falla(que);
+  if (l.clase != ClaseToken::Entero || l.texto.size() > 9 || l.texto.front() == '&') Falla(que);
   ++i_;
   return std::stoi(std::string(l.texto));
 }
@@ -139,19 +140,35 @@ std::string Parser::TextoDesde(std::size_t lexema) const {
   return std::string(sql_.substr(inicio, ultimo.inicio + ultimo.texto.size() - inicio));
 }
 
-// The declared parameters have no values here, so that a statement that uses one names a column that is not
-// found; most saved queries declare them and hardly use them.
-void Parser::SaltarParametros() {
+// "PARAMETERS [name] type, …;". Nobody gives them values here, so that a statement may declare them but not
+// use them; most saved queries that declare some hardly do.
+void Parser::LeerParametros() {
   if (!Come("PARAMETERS")) return;
-  while (!Es(";")) {
-    if (Actual().clase == ClaseToken::Fin) Falla("';'");
-    ++i_;
-  }
-  ++i_;
+  do {
+    parametros_.push_back(LeerNombreLibre("el nombre de un parámetro"));
+    while (Come("!") || Come(".")) parametros_.back() += "!" + LeerNombreLibre("un nombre");
+    while (!Es(",") && !Es(";")) {  // its type, Text(20) for one
+      if (Actual().clase == ClaseToken::Fin) Falla("';'");
+      if (Come("("))
+        while (!Come(")")) {
+          if (Actual().clase == ClaseToken::Fin) Falla("')'");
+          ++i_;
+        }
+      else
+        ++i_;
+    }
+  } while (Come(","));
+  Espera(";");
+}
+
+bool Parser::EsParametro(const Expr& columna) const {
+  return columna.calificador.empty() &&
+         std::any_of(parametros_.begin(), parametros_.end(),
+                     [&](const std::string& p) { return base::IgualSinCaso(p, columna.nombre); });
 }
 
 Sentencia Parser::LeerSentencia() {
-  SaltarParametros();
+  LeerParametros();
   Sentencia s;
   if (EmpiezaConsulta())
     s = LeerConsulta();

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "base/text.h"
 #include "jetsql/parser_internal.h"
 
 namespace jetsql {
@@ -36,6 +37,16 @@ constexpr OpBinario kBinarios[] = {
     {"/", Op::Div, kPor},
     {"^", Op::Potencia, kPotencia},
 };
+
+// The collections of Access's own windows, "Forms!window!control".
+bool DeAccess(std::string_view nombre) {
+  return base::IgualSinCaso(nombre, "Forms") || base::IgualSinCaso(nombre, "Reports");
+}
+
+std::string SinAccess(const std::string& referencia) {
+  return "La referencia " + referencia +
+         " a una ventana de Access no se admite: fuera de Access no tiene valor";
+}
 
 }  // namespace
 
@@ -223,15 +234,20 @@ ExprPtr Parser::LeerPrimario() {
 
 ExprPtr Parser::LeerNombreExpr() {
   const bool palabra = Actual().clase == ClaseToken::Nombre;
+  const std::size_t inicio = Actual().inicio;
   std::string nombre = LeerNombreLibre("un nombre");
   if (palabra && Es("(")) return LeerLlamada(std::move(nombre));
   auto e = std::make_shared<Expr>(Nodo::Columna);
   if (Come(".") || Come("!")) {
     e->calificador = std::move(nombre);
     e->nombre = LeerNombreLibre("el nombre de una columna");
-    if (Es(".") || Es("!")) Falla("un operador");
+    if (Es(".") || Es("!")) {
+      if (DeAccess(e->calificador)) FallaEn(inicio, SinAccess(e->calificador + "!" + e->nombre + "!…"));
+      Falla("un operador");
+    }
   } else {
     e->nombre = std::move(nombre);
+    e->parametro = EsParametro(*e);
   }
   return e;
 }
@@ -244,6 +260,7 @@ ExprPtr Parser::LeerLlamada(std::string nombre) {
     ++i_;
     e->hijos.push_back(std::make_shared<Expr>(Nodo::Estrella));
   } else if (!Es(")")) {
+    e->distinto = Come("DISTINCT");
     do {
       e->hijos.push_back(LeerExpr());
     } while (Come(","));

@@ -10,9 +10,6 @@
 
 namespace jetsql {
 
-// Words that are names only in brackets.
-bool PalabraReservada(std::string_view palabra);
-
 class Parser {
  public:
   Parser(std::string_view sql, Literales literales);
@@ -39,7 +36,8 @@ class Parser {
   [[noreturn]] void Falla(std::string_view se_esperaba) const;
   [[noreturn]] void FallaEn(std::size_t byte, std::string_view descripcion) const;
   [[noreturn]] void NoSeAdmite(std::string_view que) const;
-  void SaltarParametros();
+  void LeerParametros();
+  bool EsParametro(const Expr& columna) const;
   void Alto(int altura) const;  // throws when a tree is too high
   std::string TextoDesde(std::size_t lexema) const;
 
@@ -101,6 +99,7 @@ class Parser {
   std::vector<Lexema> lexemas_;
   std::size_t i_ = 0;
   int nivel_ = 0;
+  std::vector<std::string> parametros_;  // the names that PARAMETERS declares
 };
 
 // One step down into a text; too many end in an error, not in the end of the stack.

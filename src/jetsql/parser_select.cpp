@@ -69,7 +69,10 @@ Seleccion Parser::LeerSeleccion() {
   do {
     s.lista.push_back(LeerItem());
   } while (Come(","));
-  if (Come("INTO")) s.destino = LeerNombre("el nombre de la tabla nueva");
+  if (Come("INTO")) {
+    s.destino = LeerNombre("el nombre de la tabla nueva");
+    if (Es("IN")) NoSeAdmite("Una tabla de otra base de datos (IN)");
+  }
   if (Come("FROM")) s.de = LeerDe();
   if (Come("WHERE")) s.donde = LeerExpr();
   if (Come("GROUP")) {

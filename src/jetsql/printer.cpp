@@ -228,7 +228,7 @@ void Impresor::Escribir(const Expr& e, int minimo) {
       Binario(e, fuerza);
       break;
     case Nodo::Llamada:
-      t_.append(e.nombre).append("(");
+      t_.append(e.nombre).append(e.distinto ? "(DISTINCT " : "(");
       Lista(e, 0);
       t_ += ')';
       break;

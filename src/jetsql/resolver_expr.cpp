@@ -1,5 +1,6 @@
 #include "base/error.h"
 #include "base/text.h"
+#include "jetsql/domain_internal.h"
 #include "jetsql/resolver_internal.h"
 #include "jetsql/types_internal.h"
 
@@ -116,6 +117,7 @@ void Resolutor::ResolverColumna(ExprPtr& e, const Contexto& c) {
       return;
     }
   }
+  if (e->parametro) throw base::Error("Falta el valor del parámetro '" + nombre + "'");
   throw base::Error("No se encuentra la columna '" + nombre + "'");
 }
 
@@ -135,9 +137,19 @@ void Resolutor::ResolverLlamada(Expr& e, const Contexto& c) {
       return;
     }
   }
+  if (e.distinto && !EsAgregado(e.especial))
+    throw base::Error("DISTINCT solo puede estar en una función de agregado, y no en '" + e.nombre + "'");
   for (auto& h : e.hijos) Resolver(h, dentro);
   if (e.especial != Especial::Ninguna) {
     ResolverEspecial(e);
+    return;
+  }
+  if (EsDeDominio(e.nombre)) {
+    Argumentos(e, 2, 3);
+    AbrirDominio(e, fijos_);
+    Resolver(*e.consulta, nullptr);
+    if (e.consulta->salida.size() != 1) throw base::Error(e.nombre + " debe dar un solo valor");
+    e.tipo = e.consulta->salida[0].tipo;
     return;
   }
   e.funcion = BuscarFuncion(e.nombre);

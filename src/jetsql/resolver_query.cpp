@@ -250,7 +250,9 @@ bool Resolutor::Iguales(const Expr& a, const Expr& b, std::vector<int>& literale
       if (a.fuente != b.fuente || a.columna != b.columna) return false;
       break;
     case Nodo::Llamada:
-      if (a.funcion != b.funcion || a.especial != b.especial || a.filtro || b.filtro) return false;
+      if (a.funcion != b.funcion || a.especial != b.especial || a.distinto != b.distinto || a.filtro ||
+          b.filtro)
+        return false;
       break;
     case Nodo::Unario:
     case Nodo::Binario:

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/date.h"
+#include "base/number.h"
 #include "jetsql/scanner_internal.h"
 
 namespace jetsql {
@@ -22,14 +23,15 @@ constexpr std::array<std::uint8_t, 256> Clases() {
 }
 constexpr auto kClases = Clases();
 
-std::uint8_t Clase(char c) { return kClases[static_cast<unsigned char>(c)]; }
+std::uint8_t ClaseDe(char c) { return kClases[static_cast<unsigned char>(c)]; }
 
 // "MM/dd/yyyy", the form of nearly every date that reaches us: read without the general parser. Anything
 // else, and what it cannot decide (a day and month turned round), is left to that.
 bool FechaSimple(std::string_view t, base::Fecha& fecha) {
   if (t.size() != 10 || t[2] != '/' || t[5] != '/') return false;
   const auto dos = [&](std::size_t i) {
-    return Clase(t[i]) == kDigito && Clase(t[i + 1]) == kDigito ? (t[i] - '0') * 10 + (t[i + 1] - '0') : -1;
+    return ClaseDe(t[i]) == kDigito && ClaseDe(t[i + 1]) == kDigito ? (t[i] - '0') * 10 + (t[i + 1] - '0')
+                                                                    : -1;
   };
   const int mes = dos(0), dia = dos(3), siglo = dos(6), resto = dos(8);
   if (mes < 1 || mes > 12 || dia < 1 || siglo < 1 || resto < 0) return false;
@@ -59,7 +61,20 @@ bool LeerFecha(std::string_view dentro, base::Valor& valor) {
   return true;
 }
 
+// Up to 16 bits it is an Integer, so that &HFFFF is -1, unless "&" says that it is a Long.
+bool LeerHexOctal(std::string_view t, base::Valor& valor) {
+  const bool largo = t.back() == '&';
+  if (largo) t.remove_suffix(1);
+  constexpr std::size_t kMasLargo = 14;  // digits of 32 bits, with room for zeros in front
+  if (t.size() > kMasLargo) return false;
+  const auto ancho = base::EnteroHexOctal(t, 64);
+  if (!ancho || *ancho < 0 || *ancho > 0xFFFFFFFF) return false;
+  valor = *base::EnteroHexOctal(t, largo || *ancho > 0xFFFF ? 32 : 16);
+  return true;
+}
+
 bool LeerEntero(std::string_view t, base::Valor& valor) {
+  if (t.front() == '&') return LeerHexOctal(t, valor);
   if (t.size() > 18) {  // beyond the integers: a number like any other
     double d = 0;
     std::from_chars(t.data(), t.data() + t.size(), d);
@@ -102,7 +117,7 @@ Token Escaner::Cadena(char comilla, std::size_t inicio) {
 Token Escaner::Numero(std::size_t inicio) {
   std::size_t i = inicio;
   const auto digitos = [&] {
-    while (i < sql_.size() && Clase(sql_[i]) == kDigito) ++i;
+    while (i < sql_.size() && ClaseDe(sql_[i]) == kDigito) ++i;
   };
   digitos();
   bool real = false;
@@ -114,7 +129,7 @@ Token Escaner::Numero(std::size_t inicio) {
   if (i < sql_.size() && (sql_[i] == 'e' || sql_[i] == 'E')) {
     std::size_t j = i + 1;
     if (j < sql_.size() && (sql_[j] == '+' || sql_[j] == '-')) ++j;
-    if (j < sql_.size() && Clase(sql_[j]) == kDigito) {
+    if (j < sql_.size() && ClaseDe(sql_[j]) == kDigito) {
       real = true;
       i = j;
       digitos();
@@ -126,17 +141,48 @@ Token Escaner::Numero(std::size_t inicio) {
   return {real ? ClaseToken::Real : ClaseToken::Entero, inicio, i};
 }
 
-Token Escaner::Siguiente() {
+// Where an operand may stand "&HFF" is a number, behind one "&" joins texts: "x &Hora" is x & Hora.
+bool Escaner::TrasOperando() const {
+  switch (anterior_.clase) {
+    case ClaseToken::Fin:
+      return false;
+    case ClaseToken::Nombre:
+      return !PalabraReservada(sql_.substr(anterior_.inicio, anterior_.fin - anterior_.inicio));
+    case ClaseToken::Signo:
+      return sql_[anterior_.inicio] == ')';
+    default:
+      return true;
+  }
+}
+
+// "&HFF", "&O17", with "&" behind for a Long; i_ does not move when it is none.
+Token Escaner::HexOctal(std::size_t inicio) {
+  const char base = inicio + 1 < sql_.size() ? static_cast<char>(sql_[inicio + 1] & ~0x20) : '\0';
+  std::size_t i = inicio + 2;
+  const auto cifra = [&] {
+    if (i >= sql_.size()) return false;
+    const char c = static_cast<char>(sql_[i] & ~0x20);
+    if (ClaseDe(sql_[i]) == kDigito) return base == 'H' || sql_[i] < '8';
+    return base == 'H' && c >= 'A' && c <= 'F' && ClaseDe(sql_[i]) == kLetra;
+  };
+  if ((base != 'H' && base != 'O') || !cifra() || TrasOperando()) return {};
+  while (cifra()) ++i;
+  if (i < sql_.size() && sql_[i] == '&') ++i;
+  i_ = i;
+  return {ClaseToken::Entero, inicio, i_};
+}
+
+Token Escaner::Cortar() {
   const std::size_t n = sql_.size();
-  while (i_ < n && Clase(sql_[i_]) == kBlanco) ++i_;
+  while (i_ < n && ClaseDe(sql_[i_]) == kBlanco) ++i_;
   const bool tras_nombre = tras_nombre_;
   tras_nombre_ = false;
   const std::size_t inicio = i_;
   if (i_ >= n) return {ClaseToken::Fin, n, n};
   const char c = sql_[i_];
-  switch (Clase(c)) {
+  switch (ClaseDe(c)) {
     case kLetra:
-      while (i_ < n && Clase(sql_[i_]) >= kLetra) ++i_;
+      while (i_ < n && ClaseDe(sql_[i_]) >= kLetra) ++i_;
       tras_nombre_ = true;
       return {ClaseToken::Nombre, inicio, i_};
     case kDigito:
@@ -157,8 +203,12 @@ Token Escaner::Siguiente() {
     case '`':
       tras_nombre_ = true;
       return Hasta('`', ClaseToken::Corchetes, inicio);
+    case '&':
+      if (const Token hex = HexOctal(inicio); hex.clase != ClaseToken::Fin) return hex;
+      ++i_;
+      return {ClaseToken::Signo, inicio, i_};
     case '.':
-      if (!tras_nombre && Clase(sig) == kDigito) return Numero(inicio);
+      if (!tras_nombre && ClaseDe(sig) == kDigito) return Numero(inicio);
       ++i_;
       return {ClaseToken::Signo, inicio, i_};
     case '<':
@@ -177,7 +227,6 @@ Token Escaner::Siguiente() {
     case '/':
     case '\\':
     case '^':
-    case '&':
     case '=':
     case '!':
       ++i_;

@@ -29,20 +29,27 @@ struct Token {
   std::size_t fin = 0;
 };
 
+// Words that end an expression or a table, and so are names only in brackets.
+bool PalabraReservada(std::string_view palabra);
+
 class Escaner {
  public:
   // From byte `desde`, where a token starts that follows no name.
   explicit Escaner(std::string_view sql, std::size_t desde = 0) : sql_(sql), i_(desde) {}
-  Token Siguiente();
+  Token Siguiente() { return anterior_ = Cortar(); }
 
  private:
+  Token Cortar();
   Token Hasta(char cierre, ClaseToken clase, std::size_t inicio);
   Token Cadena(char comilla, std::size_t inicio);
   Token Numero(std::size_t inicio);
+  Token HexOctal(std::size_t inicio);
+  bool TrasOperando() const;
 
   std::string_view sql_;
   std::size_t i_;
   bool tras_nombre_ = false;  // the "." that follows separates names and starts no number
+  Token anterior_;
 };
 
 constexpr bool EsLiteral(ClaseToken clase) {

@@ -30,6 +30,33 @@ bool PasaATexto(const Expr& rama, const std::vector<const Expr*>& ramas) {
   return std::any_of(ramas.begin(), ramas.end(), [](const Expr* r) { return r->tipo.tipo == Tipo::Texto; });
 }
 
+std::string_view NombreDeTotal(Especial e) {
+  switch (e) {
+    case Especial::Count:
+      return "count";
+    case Especial::Sum:
+      return "sum";
+    case Especial::Avg:
+      return "avg";
+    case Especial::Min:
+      return "min";
+    case Especial::Max:
+      return "max";
+    case Especial::First:
+      return "jet_first";
+    case Especial::Last:
+      return "jet_last";
+    case Especial::StDev:
+      return "jet_stdev";
+    case Especial::StDevP:
+      return "jet_stdevp";
+    case Especial::Var:
+      return "jet_var";
+    default:
+      return "jet_varp";
+  }
+}
+
 }  // namespace
 
 void Escritor::ResultadoDeSi(const Expr& rama, const std::vector<const Expr*>& ramas) {
@@ -113,43 +140,25 @@ void Escritor::Agregado(const Expr& e) {
 
 void Escritor::Total(const Expr& e) {
   const Expr& x = *e.hijos[0];
+  t_.append(NombreDeTotal(e.especial)).append(e.distinto ? "(DISTINCT " : "(");
   switch (e.especial) {
     case Especial::Count:
-      t_ += "count(";
       if (x.nodo == Nodo::Estrella)
         t_ += '*';
+      else if (e.distinto)
+        Cotejado(x, 0);
       else
         Valor(x);
       break;
-    case Especial::Sum:
-      t_ += "sum(";
-      Numero(x, 0);
-      break;
-    case Especial::Avg:
-      t_ += "avg(";
-      Numero(x, 0);
-      break;
     case Especial::Min:
-      t_ += "min(";
-      Cotejado(x, 0);
-      break;
     case Especial::Max:
-      t_ += "max(";
       Cotejado(x, 0);
       break;
     case Especial::First:
-      t_ += "jet_first(";
-      Valor(x);
-      break;
     case Especial::Last:
-      t_ += "jet_last(";
       Valor(x);
       break;
     default:
-      t_ += e.especial == Especial::StDev    ? "jet_stdev("
-            : e.especial == Especial::StDevP ? "jet_stdevp("
-            : e.especial == Especial::Var    ? "jet_var("
-                                             : "jet_varp(";
       Numero(x, 0);
   }
   t_ += ')';

@@ -19,7 +19,7 @@ constexpr std::array<std::string_view, 12> kConversiones = {
     "CBool", "CByte", "CCur", "CDate", "CVDate", "CDbl", "CDec", "CInt", "CLng", "CSng", "CStr", "CVar"};
 
 // Those that read a text as a number.
-constexpr std::array<std::string_view, 15> kDeNumero = {"CBool", "CByte", "CCur", "CDbl", "CDec",
+constexpr std::array<std::string_view, 16> kDeNumero = {"CBool", "CByte", "CCur", "CDbl", "CDec",
                                                         "CInt",  "CLng",  "CSng", "Int",  "Fix",
                                                         "Round", "Abs",   "Sgn",  "Mod",  "IDiv"};
 
@@ -58,6 +58,17 @@ bool EsEmpty(const Json& j) {
 bool EsTextual(const Json& j) {
   const Json* v = j.Miembro("$variant");
   return j.EsTexto() || (v != nullptr && v->texto == "BSTR");
+}
+
+// Variants of two kinds, a number and a text, compare by their kind.
+bool DeDosClases(const Fila& f) {
+  if (f.funcion != "Compare" && f.funcion != "VariantCompare") return false;
+  const Json &a = f.args.at(0), &b = f.args.at(f.funcion == "Compare" ? 2 : 1);
+  const auto vale = [](const Json& j) {
+    const Json* v = j.Miembro("$variant");
+    return !j.EsNulo() && !EsEmpty(j) && !(v != nullptr && v->texto == "NULL");
+  };
+  return vale(a) && vale(b) && EsTextual(a) != EsTextual(b);
 }
 
 // Whether an Empty as argument i of the row counts as a text; beside another value, as that value's kind.
@@ -154,6 +165,7 @@ std::optional<std::string> Literal(const Json& j) {
 std::optional<std::string> PorQueNoSeSirve(const Fila& f) {
   if (EsUna(f.funcion, kConversiones) && !f.args.empty() && f.args[0].EsNulo())
     return "a conversion of Null is Null";
+  if (DeDosClases(f)) return "a text beside a number is read as a number";
   if (f.locale == "es" && EsUna(f.funcion, kDeNumero))
     for (const Json& a : f.args)
       if (a.EsTexto() && std::count(a.texto.begin(), a.texto.end(), '.') == 1 &&
