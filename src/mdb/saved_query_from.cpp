@@ -34,7 +34,8 @@ std::string_view SinMarcas(std::string_view texto) {
 
 std::string TextoDeFuente(const FilaDeConsulta& f) {
   std::string texto;
-  if (const auto dentro = SinMarcas(f.expresion.value_or("")); EsConsulta(dentro)) {
+  const std::string expresion = f.expresion.value_or("");
+  if (const auto dentro = SinMarcas(expresion); EsConsulta(dentro)) {
     texto = "(" + std::string(dentro) + ")";
   } else {
     if (!dentro.empty()) texto = "[" + std::string(dentro) + "].";
