@@ -4,8 +4,8 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <functional>
+#include <iostream>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -16,7 +16,7 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "base/valor.h"
-#include "conformance/json.h"
+#include "conformance/comparar.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ using base::Locale;
 using base::Valor;
 using conformance::Json;
 
-const Fecha kHoy = base::FechaDe(2026, 5, 20);
+const Fecha kHoy = conformance::Hoy();
 
 struct Llamada {
   const std::vector<Json>& args;
@@ -40,16 +40,6 @@ using Funcion = std::function<Valor(const Llamada&)>;
 
 // Thrown by a function for arguments that its contract does not take (a Null, an Empty).
 struct NoServido {};
-
-Fecha LeerFecha(std::string texto) {
-  texto = base::Reemplazar(texto, "{YEAR}", std::to_string(base::Partes(kHoy).anio));
-  int a = 0, m = 0, d = 0, h = 0, n = 0, s = 0;
-  if (std::sscanf(texto.c_str(), "%d-%d-%d %d:%d:%d", &a, &m, &d, &h, &n, &s) != 6)
-    throw std::runtime_error("bad date " + texto);
-  const double dia = base::FechaDe(a, m, d).serie;
-  const double hora = base::HoraDe(h, n, s).serie;
-  return {dia < 0 ? dia - hora : dia + hora};
-}
 
 Valor LeerValor(const Json& j) {
   switch (j.clase) {
@@ -66,7 +56,7 @@ Valor LeerValor(const Json& j) {
     case Json::Clase::Objeto:
       break;
   }
-  if (const Json* f = j.Miembro("$date")) return LeerFecha(f->texto);
+  if (const Json* f = j.Miembro("$date")) return Fecha{conformance::SerieDe(f->texto)};
   if (const Json* s = j.Miembro("$single")) return static_cast<float>(s->numero);
   if (const Json* c = j.Miembro("$currency")) return base::Moneda{std::llround(c->numero * 10000)};
   throw NoServido{};  // Empty and variants are no values here
@@ -150,28 +140,9 @@ const std::map<std::string, Funcion>& Funciones() {
   return kFunciones;
 }
 
-bool Cerca(double a, double b, double tolerancia) {
-  return a == b || std::abs(a - b) <= tolerancia * std::max(std::abs(a), std::abs(b));
-}
-
 bool Coincide(const Resultado& r, const Json& esperado) {
-  if (const Json* alguno = esperado.Miembro("$anyOf")) {
-    for (const auto& e : alguno->lista)
-      if (Coincide(r, e)) return true;
-    return false;
-  }
-  if (const Json* error = esperado.Miembro("$error")) return r.error == static_cast<int>(error->numero);
-  if (!r.valor) return false;
-  const Valor espera = LeerValor(esperado);
-  if (espera.tipo() == base::Tipo::Texto || espera.tipo() == base::Tipo::Booleano) return *r.valor == espera;
-  if (espera.tipo() == base::Tipo::Fecha) {
-    const auto* f = r.valor->Si<Fecha>();
-    return f != nullptr && base::FechaIso(*f) == base::FechaIso(*espera.Si<Fecha>());
-  }
-  if (r.valor->tipo() == base::Tipo::Texto || r.valor->EsNulo()) return false;
-  // Serials are written in the tables with 13 digits.
-  const double tolerancia = espera.tipo() == base::Tipo::Simple ? 1e-6 : 1e-12;
-  return Cerca(r.valor->Numero(), espera.Numero(), tolerancia);
+  if (r.error != 0) return conformance::EsperaError(esperado, r.error);
+  return r.valor && conformance::Igual(esperado, *r.valor);
 }
 
 std::string Mostrar(const Resultado& r) {
@@ -189,35 +160,29 @@ class Conformance : public testing::TestWithParam<const char*> {};
 TEST_P(Conformance, RowsHold) {
   const std::filesystem::path ruta = std::filesystem::path(IDM_SOURCE_DIR) / ".." / "shared" / "conformance" /
                                      (std::string(GetParam()) + ".tsv");
-  std::ifstream archivo(ruta, std::ios::binary);
-  if (!archivo) GTEST_SKIP() << "the tables of facts are not beside this checkout";
+  if (!std::filesystem::exists(ruta)) GTEST_SKIP() << "the tables of facts are not beside this checkout";
   int pasan = 0, fallan = 0;
   std::map<std::string, int> ajenas;
-  std::string linea;
-  std::getline(archivo, linea);  // the headings
-  while (std::getline(archivo, linea)) {
-    const auto campos = base::Split(linea, "\t");
-    ASSERT_GE(campos.size(), 5U) << linea;
-    const auto funcion = Funciones().find(campos[1]);
+  for (const conformance::Fila& fila : conformance::LeerTabla(ruta).filas) {
+    const auto funcion = Funciones().find(fila.funcion);
     if (funcion == Funciones().end()) {
-      ++ajenas[campos[1]];
+      ++ajenas[fila.funcion];
       continue;
     }
-    const Json args = conformance::LeerJson(campos[2]);
-    const Locale& locale = campos[3] == "en" ? Locale::ingles() : Locale::espanol();
+    const Locale& locale = fila.locale == "en" ? Locale::ingles() : Locale::espanol();
     Resultado r;
     try {
-      r.valor = funcion->second({args.lista, locale});
+      r.valor = funcion->second({fila.args, locale});
     } catch (const base::Error& e) {
       r.error = e.Numero();
     } catch (const NoServido&) {
-      ++ajenas[campos[1] + " of such an argument"];
+      ++ajenas[fila.funcion + " of such an argument"];
       continue;
     }
-    const bool bien = Coincide(r, conformance::LeerJson(campos[4]));
+    const bool bien = Coincide(r, fila.espera);
     ++(bien ? pasan : fallan);
-    EXPECT_TRUE(bien) << campos[0] << ": " << campos[1] << campos[2] << " in " << campos[3] << " gave "
-                      << Mostrar(r) << ", expected " << campos[4];
+    EXPECT_TRUE(bien) << fila.id << " in " << fila.locale << " gave " << Mostrar(r) << ", expected "
+                      << fila.espera.Escrito();
   }
   std::cout << GetParam() << ": " << pasan << " rows hold, " << fallan << " do not";
   for (const auto& [que, cuantas] : ajenas) std::cout << "; " << cuantas << " not served (" << que << ")";
