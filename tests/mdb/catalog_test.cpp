@@ -1,0 +1,146 @@
+#include "mdb/catalog.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "mdb/corpus.h"
+#include "mdb/exported.h"
+#include "mdb/table.h"
+
+namespace {
+
+TEST(Catalogo, FindsTablesAndQueriesWhateverTheirCase) {
+  SALTAR_SIN_CORPUS();
+  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus("queryTestV2000.mdb"));
+  const mdb::Catalogo catalogo(*paginas);
+  const auto* tabla = catalogo.Buscar("tABLE1");
+  ASSERT_NE(tabla, nullptr);
+  EXPECT_EQ(tabla->nombre, "Table1");
+  EXPECT_EQ(tabla->tipo, mdb::Objeto::Tabla);
+  EXPECT_FALSE(tabla->DeSistema());
+  EXPECT_EQ(catalogo.Buscar("unionquery")->tipo, mdb::Objeto::Consulta);
+  EXPECT_TRUE(catalogo.Buscar("msysobjects")->DeSistema());
+  EXPECT_EQ(catalogo.Buscar("Tables"), nullptr);  // a container
+  EXPECT_EQ(catalogo.Buscar("Table9"), nullptr);
+  const auto definicion = catalogo.Tabla("TABLE1");
+  ASSERT_NE(definicion, nullptr);
+  EXPECT_EQ(definicion->nombre, "Table1");
+  EXPECT_EQ(static_cast<std::int32_t>(definicion->Pagina()), tabla->id);
+  EXPECT_EQ(catalogo.Tabla("table1"), definicion);  // read once
+  EXPECT_EQ(catalogo.Tabla("UnionQuery"), nullptr);
+  EXPECT_EQ(catalogo.Tabla("Table9"), nullptr);
+  EXPECT_THROW(catalogo.ConsultaDe("Table1"), base::Error);
+  EXPECT_EQ(catalogo.ConsultaDe("UNIONQUERY").nombre, "UnionQuery");
+}
+
+// The row of an object in MSysObjects, written through the pages under the catalog's feet.
+TEST(Catalogo, IsReadAnewAfterAChange) {
+  SALTAR_SIN_CORPUS();
+  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus("queryTestV2000.mdb"));
+  mdb::Catalogo catalogo(*paginas);
+  const auto objeto = *catalogo.Buscar("Table1");
+  const auto definicion = mdb::LeerDefinicion(*paginas, paginas->Cab().objetos);
+  const auto fila = mdb::BuscarFila(*paginas, definicion, objeto.fila);
+  ASSERT_TRUE(fila);
+  const auto lugar = static_cast<std::size_t>(fila->bytes.data() - fila->imagen->data());
+  const std::string nombre("T\0a\0b\0l\0e\0001\0", 12);  // as stored: not compressed
+  auto& pagina = paginas->Modificar(objeto.fila.pagina);
+  const auto donde = std::search(pagina.begin() + static_cast<std::ptrdiff_t>(lugar), pagina.end(),
+                                 nombre.begin(), nombre.end());
+  ASSERT_NE(donde, pagina.end());
+  *donde = 'S';
+  EXPECT_NE(catalogo.Buscar("Table1"), nullptr);
+  catalogo.Olvidar();
+  EXPECT_EQ(catalogo.Buscar("Table1"), nullptr);
+  EXPECT_EQ(catalogo.Buscar("Sable1")->id, objeto.id);
+}
+
+TEST(Catalogo, GivesRelationshipsWithTheirRules) {
+  SALTAR_SIN_CORPUS();
+  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus("indexTestV2000.mdb"));
+  const mdb::Catalogo catalogo(*paginas);
+  const auto& relaciones = catalogo.Relaciones();
+  const auto r = std::find_if(relaciones.begin(), relaciones.end(),
+                              [](const auto& x) { return x.nombre == "Table3Table1"; });
+  ASSERT_NE(r, relaciones.end());
+  EXPECT_EQ(r->tabla, "Table1");
+  EXPECT_EQ(r->columnas, std::vector<std::string>{"otherfk2"});
+  EXPECT_EQ(r->tabla_referida, "Table3");
+  EXPECT_EQ(r->columnas_referidas, std::vector<std::string>{"id"});
+  EXPECT_EQ(r->banderas, mdb::RelacionDeTablas::kActualizaEnCascada);
+  EXPECT_TRUE(r->Exigida());
+}
+
+TEST(Catalogo, GivesThePropertiesOfATable) {
+  SALTAR_SIN_CORPUS();
+  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus("pivot.mdb"));
+  const mdb::Catalogo catalogo(*paginas);
+  const auto& propiedades = catalogo.PropiedadesDe("T_PIVOT");
+  const auto* requerida = mdb::Buscar(propiedades, "C_COD", "required");
+  ASSERT_NE(requerida, nullptr);
+  EXPECT_EQ(*requerida, mdb::Dato(true));
+  EXPECT_EQ(*mdb::Buscar(propiedades, "c_dt", "Required"), mdb::Dato(false));
+  EXPECT_EQ(mdb::Buscar(propiedades, "c_dt", "Nothing"), nullptr);
+  EXPECT_EQ(mdb::Buscar(propiedades, "nobody", "Required"), nullptr);
+  EXPECT_TRUE(catalogo.PropiedadesDe("no such table").empty());
+}
+
+// What we write is read back the same for every object of every file.
+TEST(Propiedades, OfTheWholeCorpusComeBack) {
+  SALTAR_SIN_CORPUS();
+  std::size_t cuantas = 0;
+  for (const auto& ruta : mdb_test::ArchivosDeCorpus()) {
+    const auto paginas = mdb_test::Cargar(ruta);
+    const mdb::Catalogo catalogo(*paginas);
+    for (const auto& o : catalogo.Objetos()) {
+      const auto leidas = mdb::LeerPropiedades(paginas->Cab(), o.propiedades);
+      const auto otra_vez = mdb::LeerPropiedades(mdb::Cabecera{}, mdb::SerializarPropiedades(leidas));
+      const auto listar = [&](const mdb::Propiedades& propiedades) {
+        std::vector<std::tuple<std::string, std::string, int, bool, mdb::Dato>> lista;
+        for (const auto& [dueno, suyas] : propiedades)
+          for (const auto& p : suyas) lista.emplace_back(dueno, p.nombre, p.tipo, p.ddl, p.valor);
+        return lista;
+      };
+      EXPECT_TRUE(listar(leidas) == listar(otra_vez)) << ruta << " " << o.nombre;
+      cuantas += listar(leidas).size();
+    }
+  }
+  EXPECT_GT(cuantas, 1000U);
+}
+
+// Each page of a file made unreadable without its key: Jet 3 and Jet 4 encrypt the same way.
+TEST(Cifrado, AnEncryptedFileReadsLikeThePlainOne) {
+  SALTAR_SIN_CORPUS();
+  for (const char* archivo : {"queryTestV1997.mdb", "pivot.mdb", "test2V2003.mdb", "overflowTestV2000.mdb"}) {
+    SCOPED_TRACE(archivo);
+    const auto plano = mdb_test::Cargar(mdb_test::RutaDeCorpus(archivo));
+    mdb::Bytes bytes = plano->Guardado();
+    mdb::Cabecera con_clave = plano->Cab();
+    con_clave.clave = 0xA1B2C3D4;
+    // The key of the header is masked by a constant stream, and was 0.
+    for (std::size_t i = 0; i < 4; ++i)
+      bytes[0x3E + i] ^= static_cast<std::uint8_t>(con_clave.clave >> (8 * i));
+    for (mdb::NumPagina n = 1; n < plano->Cantidad(); ++n)
+      mdb::CifrarPagina(con_clave, n, std::span(bytes).subspan(n * plano->Tamano(), plano->Tamano()));
+    EXPECT_NE(bytes, plano->Guardado());
+    const mdb::Cabecera leida = mdb::LeerCabecera(bytes);
+    EXPECT_EQ(leida.clave, con_clave.clave);
+    mdb::PaginasEnMemoria cifrado(leida, bytes);
+    const mdb::Catalogo uno(*plano), otro(cifrado);
+    ASSERT_EQ(uno.Objetos().size(), otro.Objetos().size());
+    std::size_t filas = 0;
+    for (const auto& o : uno.Objetos()) {
+      if (o.tipo != mdb::Objeto::Tabla) continue;
+      const auto t = mdb_test::Leida(*plano, *uno.Tabla(o.nombre));
+      EXPECT_EQ(t.filas, mdb_test::Leida(cifrado, *otro.Tabla(o.nombre)).filas);
+      filas += t.filas.size();
+    }
+    EXPECT_GT(filas, 50U);
+    // The same bytes read as a plain file are damage, not rows.
+    mdb::PaginasEnMemoria sin_clave(plano->Cab(), bytes);
+    EXPECT_THROW(mdb::Catalogo(sin_clave).Objetos(), mdb::Danio);
+  }
+}
+
+}  // namespace
