@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::uint64_t kUsuarios = 0x10000000, kMasUsuarios = 255;
 constexpr std::size_t kRanura = 64, kNombre = 32;
-constexpr int kEntreIntentos = 10, kIntentos = 1000;  // milliseconds, and how often
+// Milliseconds between two tries, short at first because most commits are, and in all.
+constexpr int kCorta = 1, kLarga = 10, kCortasHasta = 10, kEsperaEnTotal = 10'000;
 
 // "Personal.mdb" -> "Personal" with the lock file's endings; the name's case matters on some systems.
 std::array<std::string, 2> ArchivosDeBloqueo(std::string_view ruta) {
@@ -59,9 +60,12 @@ bool BloquearEscritor(base::Disco& disco, base::ArchivoAbierto& archivo) {
 BloqueoDeCommit::BloqueoDeCommit(base::Disco& disco, base::ArchivoAbierto& archivo, bool exclusivo,
                                  bool hay_bloqueos) {
   if (!hay_bloqueos) return;
-  for (int i = 0; !archivo.Bloquear(kByteCommit, 1, exclusivo); ++i) {
-    if (i >= kIntentos) throw base::Error("La base está ocupada: otro programa no termina de usarla");
-    disco.Esperar(kEntreIntentos);
+  for (int esperado = 0; !archivo.Bloquear(kByteCommit, 1, exclusivo);) {
+    if (esperado >= kEsperaEnTotal)
+      throw base::Error("La base está ocupada: otro programa no termina de usarla");
+    const int espera = esperado < kCortasHasta ? kCorta : kLarga;
+    disco.Esperar(espera);
+    esperado += espera;
   }
   archivo_ = &archivo;
 }
@@ -82,7 +86,8 @@ std::string QuienLaTieneAbierta(base::Disco& disco, std::string_view ruta_de_bas
     } catch (const base::ErrorDeDisco& e) {
       if (e.Falla() == base::FallaDisco::EnUso) return "otro programa la tiene abierta";
       // Gone meanwhile, or on a disk without locks: nobody can be told to have it.
-      if (e.Falla() != base::FallaDisco::NoExiste && e.Falla() != base::FallaDisco::NoAdmitido) throw;
+      if (e.Falla() == base::FallaDisco::NoExiste || e.Falla() == base::FallaDisco::NoAdmitido) continue;
+      return "no se puede saber si otro programa la tiene abierta. " + e.Descripcion();
     }
   }
   return {};

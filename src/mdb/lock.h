@@ -42,7 +42,7 @@ class BloqueoDeCommit {
 };
 
 // Whether another program has the base open through a lock file: in Spanish, with the computer and the user
-// when the slot tells them; empty when nobody has. Throws base::Error when the lock file cannot be looked at.
+// when the slot tells them; empty when nobody has. A lock file that cannot be looked at counts as held.
 std::string QuienLaTieneAbierta(base::Disco& disco, std::string_view ruta_de_base);
 
 }  // namespace mdb

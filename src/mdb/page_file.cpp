@@ -8,7 +8,7 @@
 namespace mdb {
 namespace {
 
-// Pages read at once by whoever reads one after the other.
+// Pages read at once by whoever goes on reading behind the last ones.
 constexpr NumPagina kDeCorrido = 32;
 
 const char* const kComoEstaba = "No se pudo guardar en la base, que quedó como estaba. ";
@@ -31,7 +31,9 @@ PaginasDeArchivo::PaginasDeArchivo(Cabecera cabecera, NumPagina cantidad, Abiert
 Bytes PaginasDeArchivo::Traer(NumPagina numero) {
   if (!rota_.empty()) throw base::Error(rota_);
   if (numero < tramo_desde_ || numero - tramo_desde_ >= tramo_cantidad_) {
-    const bool de_corrido = numero == tramo_desde_ + tramo_cantidad_;
+    // The pages of a table have those of its indexes between them.
+    const NumPagina fin = tramo_desde_ + tramo_cantidad_;
+    const bool de_corrido = numero >= fin && numero - fin < kDeCorrido;
     LeerTramo(numero, de_corrido ? std::min<NumPagina>(kDeCorrido, PaginasEnDisco() - numero) : 1);
   }
   const Vista guardada = Vista(tramo_).subspan((numero - tramo_desde_) * Tamano(), Tamano());
@@ -93,15 +95,17 @@ std::vector<PaginasDeArchivo::Cambio> PaginasDeArchivo::Reunir(const Cambiadas& 
 
 // Whether the file is still the one that was opened, as it was left.
 void PaginasDeArchivo::Comprobar() {
-  if (!rota_.empty()) throw base::Error(rota_);
   if (!a_.archivo->SigueEnSuLugar())
     throw base::Error("No se guardó nada: otro programa puso otro archivo en el lugar de la base");
   if (a_.archivo->Fecha() != a_.fecha || a_.archivo->Largo() != a_.largo)
     throw base::Error("No se guardó nada: otro programa cambió la base desde que se abrió. Ábrala de nuevo");
+  // One that keeps pages in its memory would write old ones over the new.
+  const std::string quien = QuienLaTieneAbierta(*a_.disco, a_.ruta);
+  if (!quien.empty()) throw base::Error("No se guardó nada en la base: " + quien);
 }
 
 void PaginasDeArchivo::Volcar(const Cambiadas& cambiadas, NumPagina antes, NumPagina cantidad) {
-  Comprobar();
+  if (!rota_.empty()) throw base::Error(rota_);
   const std::vector<Cambio> cambios = Reunir(cambiadas, antes);
   if (cambios.empty() && antes == cantidad) return;
   const BloqueoDeCommit bloqueo(*a_.disco, *a_.archivo, true);

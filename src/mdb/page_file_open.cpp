@@ -50,9 +50,9 @@ class Apertura {
   std::string MotivoDe(const base::ErrorDeDisco& e) {
     switch (e.Falla()) {
       case base::FallaDisco::SinPermiso:
-        return "El archivo de la base es de solo lectura";
+        return "No se puede escribir en la base: su archivo es de solo lectura, o no hay permiso";
       case base::FallaDisco::SoloLectura:
-        return "La base está en un disco de solo lectura";
+        return "No se puede escribir en la base: su disco es de solo lectura";
       case base::FallaDisco::EnUso:
         en_uso_ = true;
         return "Otro programa tiene abierta la base";

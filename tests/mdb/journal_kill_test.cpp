@@ -159,7 +159,7 @@ TEST(Diario, AReaderOfAReadOnlyDiskSeesTheFileRolledBack) {
         luego->PonerSoloLectura(true);
         const Bytes en_disco = luego->Contenido(kRuta);
         const auto p = PaginasDeArchivo::Abrir(kRuta, false, luego);
-        EXPECT_NE(p->MotivoSoloLectura().find("solo lectura"), std::string::npos);
+        EXPECT_NE(p->MotivoSoloLectura().find("disco es de solo lectura"), std::string::npos);
         Bytes visto;
         for (mdb::NumPagina n = 0; n < p->Cantidad(); ++n) {
           Bytes pagina = *p->Leer(n);

@@ -91,6 +91,26 @@ TEST(Bloqueo, ALiveLockFileOfAnotherProgramIsNamed) {
   }
 }
 
+TEST(Bloqueo, NothingIsWrittenOnceAnotherProgramOpensTheBase) {
+  const CarpetaTemporal c;
+  base::DiscoDelSistema disco;
+  const std::string bytes(ComoTexto(BaseDeMuestra(4))), ruta = c.Escribir("a.mdb", bytes);
+  const auto p = PaginasDeArchivo::Abrir(ruta);
+  auto ajeno = disco.Abrir(c.Escribir("a.ldb", Ranura("CAJA", "ana")), ModoArchivo::Escritura);
+  ASSERT_TRUE(ajeno->Bloquear(0x10000001, 1, true));
+  p->Modificar(1)[0] ^= 1;
+  try {
+    p->Confirmar();
+    FAIL() << "no error";
+  } catch (const base::Error& e) {
+    EXPECT_EQ(e.Descripcion(), "No se guardó nada en la base: está abierta en el equipo CAJA (usuario ana)");
+  }
+  EXPECT_EQ(c.Leer("a.mdb"), bytes);
+  ajeno.reset();
+  p->Modificar(1)[0] ^= 1;
+  EXPECT_NO_THROW(p->Confirmar());
+}
+
 TEST(Bloqueo, ALockFileWithoutReadableSlotIsStillOne) {
   const CarpetaTemporal c;
   base::DiscoDelSistema disco;
