@@ -37,6 +37,7 @@ class DiscoSimulado : public base::Disco {
   void Sanar() { fallar_en_ = cortar_en_ = 0; }
   // No more bytes than these in all files.
   void Llenar(std::optional<std::uint64_t> lugar) { lugar_ = lugar; }
+  void DetenerElReloj() { detenido_ = true; }  // all that happens falls in one tick
   void PonerSoloLectura(bool si) { solo_lectura_ = si; }
   int Llamadas() const { return llamadas_; }
   void ContarDeNuevo() { llamadas_ = 0; }
@@ -58,7 +59,7 @@ class DiscoSimulado : public base::Disco {
   bool CarpetaAdmiteNuevos(std::string_view) override { return true; }
   std::string RutaReal(std::string_view ruta) override { return std::string(ruta); }
   bool BloqueosObligan() override { return false; }
-  std::int64_t Ahora() override { return ++reloj_; }
+  std::int64_t Ahora() override { return detenido_ ? reloj_ : ++reloj_; }
   std::int64_t Microsegundo() override { return 1; }
   void Esperar(int) override {}
 
@@ -72,7 +73,7 @@ class DiscoSimulado : public base::Disco {
 
   Nombres nombres_, nombres_durables_;
   int llamadas_ = 0, cortar_en_ = 0, fallar_en_ = 0;
-  bool fallar_siempre_ = false, solo_lectura_ = false;
+  bool fallar_siempre_ = false, solo_lectura_ = false, detenido_ = false;
   std::optional<std::uint64_t> lugar_;
   std::int64_t reloj_ = 1000;
   std::vector<std::string> hechas_;

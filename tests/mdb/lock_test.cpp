@@ -164,6 +164,52 @@ TEST(Bloqueo, AReaderWaitsForACommitButNotForEver) {
   EXPECT_EQ(disco->esperado, 500);
 }
 
+TEST(Bloqueo, WhoHasItOpenForReadingWaitsForACommitToo) {
+  const auto disco = std::make_shared<DiscoSinEspera>();
+  disco->Poner("a.mdb", BaseDeMuestra(4));
+  const auto lector = PaginasDeArchivo::Abrir("a.mdb", true, disco);
+  const auto otro = disco->Abrir("a.mdb", ModoArchivo::Escritura);
+  ASSERT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, true));
+  EXPECT_THROW(lector->Leer(1), base::Error);
+  disco->esperado = 0;
+  disco->soltar = otro.get();
+  EXPECT_NO_THROW(lector->Leer(1));
+  EXPECT_EQ(disco->esperado, 500);
+  // And gives the lock back.
+  EXPECT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, true));
+}
+
+TEST(Bloqueo, ACommitWaitsForWhoReads) {
+  const auto disco = std::make_shared<DiscoSinEspera>();
+  disco->Poner("a.mdb", BaseDeMuestra(4));
+  const auto escritor = PaginasDeArchivo::Abrir("a.mdb", false, disco);
+  const auto otro = disco->Abrir("a.mdb", ModoArchivo::Lectura);
+  ASSERT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, false));
+  disco->ContarDeNuevo();
+  escritor->Modificar(1)[0] ^= 1;
+  EXPECT_THROW(escritor->Confirmar(), base::Error);
+  EXPECT_EQ(disco->Llamadas(), 0);  // not even a journal
+  disco->esperado = 0;
+  disco->soltar = otro.get();
+  escritor->Modificar(1)[0] ^= 1;
+  EXPECT_NO_THROW(escritor->Confirmar());
+  EXPECT_EQ(disco->esperado, 500);
+  EXPECT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, false));
+}
+
+TEST(Bloqueo, ACommitIsNoticedThoughTheClockStandsStill) {
+  const auto disco = std::make_shared<mdb_test::DiscoSimulado>();
+  disco->Poner("a.mdb", BaseDeMuestra(4));
+  disco->DetenerElReloj();
+  const auto escritor = PaginasDeArchivo::Abrir("a.mdb", false, disco);
+  for (int i = 0; i < 3; ++i) {
+    const auto lector = PaginasDeArchivo::Abrir("a.mdb", true, disco);
+    escritor->Modificar(1)[0] ^= 1;
+    escritor->Confirmar();
+    EXPECT_THROW(lector->Leer(2), mdb::ArchivoCambio);
+  }
+}
+
 TEST(Bloqueo, NothingIsWrittenOverWhatAnotherProgramDidMeanwhile) {
   const CarpetaTemporal c;
   const mdb::Bytes bytes = BaseDeMuestra(4);
