@@ -79,7 +79,10 @@ class Base {
   void BorrarConsulta(std::string_view nombre);
 
   void Confirmar() { paginas_->Confirmar(); }
-  void Deshacer();
+  void Deshacer() {
+    paginas_->Deshacer();
+    catalogo_.Olvidar();
+  }
 
  private:
   std::unique_ptr<Paginas> paginas_;

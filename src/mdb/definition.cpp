@@ -70,7 +70,7 @@ class Lector {
     c.numero = U16(v_, q);
     c.variable = U16(v_, q + 2);
     c.posicion = U16(v_, q + 4);
-    if (c.EsTexto()) c.lcid = U16(v_, jet3_ ? p + 9 : p + 11);
+    if (c.tipo != TipoColumna::Decimal) c.lcid = U16(v_, jet3_ ? p + 9 : p + 11);
     if (c.tipo == TipoColumna::Decimal) {
       c.precision = U8(v_, p + 11);
       c.escala = U8(v_, p + 12);

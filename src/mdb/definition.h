@@ -41,7 +41,7 @@ struct Columna {
   std::uint16_t numero = 0;    // bit of the null mask; what indexes name it by
   std::uint16_t variable = 0;  // its place among the variable columns
   std::uint16_t posicion = 0;  // for display
-  std::uint16_t lcid = 0;      // sort order of Text and Memo
+  std::uint16_t lcid = 0;      // sort order of Text and Memo; in others it says nothing
   std::uint8_t version_orden = 0;
   std::uint8_t precision = 0, escala = 0;  // of Numeric
   std::uint8_t banderas = kActualizable, banderas_ext = 0;

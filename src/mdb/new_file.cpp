@@ -4,8 +4,8 @@
 #include <array>
 #include <bit>
 
-#include "mdb/definition_internal.h"
-#include "mdb/new_file_internal.h"
+#include "mdb/index_tree.h"
+#include "mdb/schema_internal.h"
 #include "mdb/system_definitions_internal.h"
 
 namespace mdb {
@@ -26,8 +26,9 @@ Bytes SidAdministrador() { return Sid(0x03, 0x01); }
 Bytes SidUsuarios() { return Sid(0x02, 0x01); }
 Bytes SidCreador() { return Sid(0x02, 0x04); }
 
-constexpr NumPagina kMapaGlobal = 1, kMapas = 6, kPrimeraRaiz = 7, kDatosObjetos = 14, kDatosPermisos = 15;
+constexpr NumPagina kMapaGlobal = 1, kMapas = 6;
 constexpr std::size_t kLargoDeMapa = 69;  // one byte of kind, the start page, 512 pages
+constexpr NumPagina kPaginasDeMapa = 512;
 
 // A page of `cantidad` empty maps.
 void EscribirPaginaDeMapas(Paginas& paginas, NumPagina numero, NumPagina duena, std::size_t cantidad) {
@@ -40,53 +41,34 @@ void EscribirPaginaDeMapas(Paginas& paginas, NumPagina numero, NumPagina duena, 
     Poner16(p, 14 + 2 * i, static_cast<std::uint16_t>(p.size() - (i + 1) * kLargoDeMapa));
 }
 
-// Gives the table its maps, row after row of the page of maps, and its roots, page after page.
-class Reparto {
- public:
-  explicit Reparto(Paginas& paginas) : paginas_(paginas) {}
+// Page 1: the map of free pages, which names those beyond the end too, and a second one, empty.
+void EscribirMapaGlobal(Paginas& paginas) {
+  EscribirPaginaDeMapas(paginas, kMapaGlobal, kMapaGlobal, 2);
+  Bytes& p = paginas.Modificar(kMapaGlobal);
+  const std::size_t bitmap = p.size() - kLargoDeMapa + 5;
+  for (NumPagina libre = paginas.Cantidad(); libre < kPaginasDeMapa; ++libre)
+    p[bitmap + libre / 8] = static_cast<std::uint8_t>(p[bitmap + libre / 8] | 1U << (libre % 8));
+}
 
-  void Dar(Definicion& d) {
-    d.propias = Mapa();
-    d.libres = Mapa();
+// Gives each table its maps, row after row of the page of maps.
+void RepartirMapas(std::span<Definicion> tablas, std::uint8_t& cantidad) {
+  const auto mapa = [&] { return Puntero{kMapas, cantidad++}; };
+  for (auto& d : tablas) {
+    d.propias = mapa();
+    d.libres = mapa();
     std::vector<Columna*> largas;
     for (auto& c : d.columnas)
       if (c.EsLarga()) largas.push_back(&c);
     std::sort(largas.begin(), largas.end(), [](auto* a, auto* b) { return a->numero < b->numero; });
     for (auto* c : largas) {
-      c->lv_propias = Mapa();
-      c->lv_libres = Mapa();
+      c->lv_propias = mapa();
+      c->lv_libres = mapa();
     }
-    for (auto& r : d.reales) {
-      r.mapa = Mapa();
-      r.raiz = raiz_++;
-    }
+    for (auto& r : d.reales) r.mapa = mapa();
   }
-  std::size_t Mapas() const { return mapa_; }
-  void EscribirRaices(const Definicion& d) {
-    for (const auto& r : d.reales) {
-      Bytes& p = paginas_.Modificar(r.raiz);
-      Poner16(p, 0, 0x0104);
-      Poner16(p, 2, static_cast<std::uint16_t>(p.size() - 480));
-      Poner32(p, 4, d.Pagina());
-      MarcarEnMapa(paginas_, r.mapa, r.raiz);
-    }
-  }
-
- private:
-  Puntero Mapa() { return {kMapas, mapa_++}; }
-  Paginas& paginas_;
-  std::uint8_t mapa_ = 0;
-  NumPagina raiz_ = kPrimeraRaiz;
-};
-
-void EscribirUnaPagina(Paginas& paginas, const Definicion& d) {
-  const Bytes bytes = SerializarDefinicion(d);
-  Bytes& p = paginas.Modificar(d.Pagina());
-  PonerBytes(p, 0, bytes);
-  PonerCabeceraDeDefinicion(p, bytes.size(), 0);
 }
 
-std::vector<std::vector<Dato>> FilasDeObjetos(base::Fecha ahora) {
+Cambios ObjetosDe(const Definicion& tabla, base::Fecha ahora) {
   struct Objeto {
     std::int32_t id, padre;
     const char* nombre;
@@ -101,31 +83,32 @@ std::vector<std::vector<Dato>> FilasDeObjetos(base::Fecha ahora) {
                             {3, kContenedorTablas, "MSysACEs", kTabla},
                             {4, kContenedorTablas, "MSysQueries", kTabla},
                             {5, kContenedorTablas, "MSysRelationships", kTabla}};
-  std::vector<std::vector<Dato>> filas;
-  for (const auto& o : objetos) {
-    auto& fila = filas.emplace_back();
-    fila.emplace_back(std::int64_t{o.id});
-    fila.emplace_back(std::int64_t{o.padre});
-    fila.emplace_back(std::string(o.nombre));
-    fila.emplace_back(o.tipo);
-    fila.emplace_back(ahora);
-    fila.emplace_back(ahora);
-    fila.emplace_back(o.id == kObjetoBase ? SidAdministrador() : SidMotor());
-    fila.emplace_back(std::int64_t{static_cast<std::int32_t>(kBanderaDeSistema)});
-  }
-  return filas;
+  Cambios cambios;
+  for (const auto& o : objetos)
+    cambios.nuevas.push_back(internal::FilaPorNombre(tabla)
+                                 .Poner("Id", std::int64_t{o.id})
+                                 .Poner("ParentId", std::int64_t{o.padre})
+                                 .Poner("Name", std::string(o.nombre))
+                                 .Poner("Type", o.tipo)
+                                 .Poner("DateCreate", ahora)
+                                 .Poner("DateUpdate", ahora)
+                                 .Poner("Owner", o.id == kObjetoBase ? SidAdministrador() : SidMotor())
+                                 .Poner("Flags", std::int64_t{static_cast<std::int32_t>(kBanderaDeSistema)})
+                                 .Tomar());
+  return cambios;
 }
 
-std::vector<std::vector<Dato>> FilasDePermisos() {
-  std::vector<std::vector<Dato>> filas;
+Cambios PermisosDe(const Definicion& tabla) {
+  Cambios cambios;
   const auto permiso = [&](std::int32_t objeto, Bytes sid, std::int64_t mascara, bool heredable = false) {
-    auto& fila = filas.emplace_back();
-    fila.emplace_back(std::int64_t{objeto});
-    fila.emplace_back(std::move(sid));
-    fila.emplace_back(mascara);
-    fila.emplace_back(heredable);
+    cambios.nuevas.push_back(internal::FilaPorNombre(tabla)
+                                 .Poner("ObjectId", std::int64_t{objeto})
+                                 .Poner("SID", std::move(sid))
+                                 .Poner("ACM", mascara)
+                                 .Poner("FInheritable", heredable)
+                                 .Tomar());
   };
-  for (const std::int32_t tabla : {2, 3, 4}) permiso(tabla, SidAdministrador(), 0x60000);
+  for (const std::int32_t sistema : {2, 3, 4}) permiso(sistema, SidAdministrador(), 0x60000);
   permiso(5, SidAdministrador(), 0xE0000);
   for (const std::int32_t contenedor : {kContenedorTablas, kContenedorRelaciones}) {
     permiso(contenedor, SidCreador(), 0xF00FE, true);
@@ -134,10 +117,10 @@ std::vector<std::vector<Dato>> FilasDePermisos() {
   permiso(kContenedorBases, SidAdministrador(), 0x60000);
   permiso(kObjetoBase, SidAdministrador(), 0x6000E);
   permiso(kObjetoBase, SidUsuarios(), 0x0E);
-  for (const std::int32_t tabla : {4, 5, 2}) permiso(tabla, SidUsuarios(), 0x14);
+  for (const std::int32_t sistema : {4, 5, 2}) permiso(sistema, SidUsuarios(), 0x14);
   permiso(kContenedorTablas, SidUsuarios(), 0xFFEFF, true);
   permiso(kContenedorRelaciones, SidUsuarios(), 0xFFFFF, true);
-  return filas;
+  return cambios;
 }
 
 }  // namespace
@@ -150,25 +133,23 @@ Bytes NuevaBase(std::uint16_t orden, base::Fecha ahora) {
   cabecera.creada = kFechaDeCabecera;
   cabecera.sello = kSello;
   PaginasEnMemoria paginas(cabecera, NuevaCabecera(cabecera));
-  while (paginas.Cantidad() <= kDatosPermisos) paginas.Agregar();
+  while (paginas.Cantidad() <= kMapas) paginas.Agregar();
+  EscribirMapaGlobal(paginas);
 
   std::array<Definicion, 4> tablas{TablaMSysObjects(orden), TablaMSysACEs(orden), TablaMSysQueries(orden),
                                    TablaMSysRelationships(orden)};
   const std::array<NumPagina, 4> donde{cabecera.objetos, cabecera.permisos, cabecera.consultas,
                                        cabecera.relaciones};
-  Reparto reparto(paginas);
+  std::uint8_t mapas = 0;
+  RepartirMapas(tablas, mapas);
+  EscribirPaginaDeMapas(paginas, kMapas, 0, mapas);
   for (std::size_t i = 0; i < tablas.size(); ++i) {
     tablas[i].paginas = {donde[i]};
-    reparto.Dar(tablas[i]);
+    for (auto& r : tablas[i].reales) r.raiz = NuevaRaiz(paginas, donde[i], r.mapa);
+    EscribirDefinicion(paginas, tablas[i]);
   }
-  EscribirPaginaDeMapas(paginas, kMapaGlobal, kMapaGlobal, 2);
-  for (NumPagina libre = paginas.Cantidad(); libre < 512; ++libre)
-    MarcarEnMapa(paginas, {kMapaGlobal, 0}, libre);
-  EscribirPaginaDeMapas(paginas, kMapas, 0, reparto.Mapas());
-  for (auto& d : tablas) reparto.EscribirRaices(d);
-  EscribirPrimerasFilas(paginas, tablas[0], kDatosObjetos, FilasDeObjetos(ahora));
-  EscribirPrimerasFilas(paginas, tablas[1], kDatosPermisos, FilasDePermisos());
-  for (const auto& d : tablas) EscribirUnaPagina(paginas, d);
+  Aplicar(paginas, tablas[0], ObjetosDe(tablas[0], ahora));
+  Aplicar(paginas, tablas[1], PermisosDe(tablas[1]));
   paginas.Confirmar();
   return paginas.Guardado();
 }

@@ -117,7 +117,7 @@ struct Escritor {
   std::uint8_t tipo;
   Bytes& b;
   void operator()(base::Nulo) const {}
-  void operator()(bool v) const { Agregar8(b, v ? 0xFF : 0); }
+  void operator()(bool v) const { Agregar8(b, v ? 1 : 0); }
   void operator()(std::int64_t v) const {
     const auto n = static_cast<std::uint64_t>(v);
     switch (static_cast<TipoColumna>(tipo)) {
