@@ -16,6 +16,9 @@ constexpr std::size_t kCabeceraPaginaDeMapa = 4;
 constexpr Puntero kGlobal{1, 0};  // of the free pages
 // How much longer the global map gets at a time (512 pages), where page 1 has the room.
 constexpr std::size_t kAlargue = 64;
+// The longest bitmap of another map (4096 pages, 16 MB): those of files that Access compacted are as long as
+// their file needs. New maps leave some room on their page for it.
+constexpr std::size_t kMasLargo = kBits + 512, kReserva = 1500;
 // New maps go to a page of maps among the first and the last pages of the file, or to a new one: a walk over
 // the whole file for each new map would be slow, and half-full pages of maps in its middle do no harm.
 constexpr NumPagina kBuscaMapas = 512;
@@ -137,20 +140,22 @@ void HacerDePaginas(Paginas& paginas, Puntero mapa) {
     if (!f.global || p < cantidad) CambiarEnRango(paginas, f, p, true);
 }
 
-// Moves the window of a bitmap so that it holds the page too; false when it cannot.
+// Moves the window of a bitmap so that it holds the page too, or makes it longer where its page has room;
+// false when neither will do.
 bool CorrerVentana(Paginas& paginas, const FilaDeMapa& f, NumPagina pagina) {
-  const std::vector<NumPagina> puestas = PaginasDeBits(f, *paginas.Leer(f.pagina));
+  const Imagen imagen = paginas.Leer(f.pagina);
+  const std::vector<NumPagina> puestas = PaginasDeBits(f, *imagen);
   const NumPagina primera = puestas.empty() ? pagina : std::min(pagina, puestas.front());
   const NumPagina ultima = puestas.empty() ? pagina : std::max(pagina, puestas.back());
   const NumPagina inicio = primera & ~NumPagina{7};
-  if (ultima - inicio >= f.CantidadDeBits()) return false;
-  const auto fila = std::span(paginas.Modificar(f.pagina)).subspan(f.desde, f.largo);
+  const std::size_t largo = std::max(f.largo, ((ultima - inicio) / 8 + 4) / 4 * 4 + kBits);
+  if (largo > f.largo && (largo > kMasLargo || largo - f.largo > Hueco(*imagen))) return false;
+  Bytes fila(largo, 0);
   Poner32(fila, 1, inicio);
-  const auto bits = fila.subspan(kBits);
-  std::fill(bits.begin(), bits.end(), std::uint8_t{0});
+  const auto bits = std::span(fila).subspan(kBits);
   for (const NumPagina p : puestas) PonerBit(bits, p - inicio, true);
   PonerBit(bits, pagina - inicio, true);
-  return true;
+  return CambiarFila(f.pagina, paginas.Modificar(f.pagina), f.fila, fila);
 }
 
 // A longer bitmap for the global map, while page 1 has room: the pages that the file does not have yet are
@@ -213,7 +218,8 @@ NumPagina BuscarLibre(Paginas& paginas) {
 
 bool EsPaginaDeMapas(Paginas& paginas, NumPagina numero) {
   const Imagen p = paginas.Leer(numero);
-  return U8(*p, 0) == 1 && U8(*p, 1) == 1 && DuenoDe(*p) == kDuenoMapas && CabeFila(*p, kLargoDeMapa);
+  return U8(*p, 0) == 1 && U8(*p, 1) == 1 && DuenoDe(*p) == kDuenoMapas &&
+         CabeFila(*p, kLargoDeMapa + kReserva);
 }
 
 NumPagina PaginaParaMapas(Paginas& paginas) {

@@ -86,10 +86,12 @@ void Contar(Definicion& d, const Cambios& cambios) {
   const std::size_t filas = d.filas + cambios.nuevas.size();
   // Files of other programs may say too few.
   d.filas = static_cast<std::uint32_t>(filas - std::min(filas, cambios.borradas.size()));
+  // The next number is one step on from the last, which goes down where the step does.
   const auto ver = [&](std::size_t columna, const Dato& dato) {
     const Columna& c = d.columnas[columna];
     const auto* n = std::get_if<std::int64_t>(&dato);
-    if (c.Autonumerica() && c.tipo == TipoColumna::Largo && n != nullptr && *n > d.ultimo_automatico)
+    if (!c.Autonumerica() || c.tipo != TipoColumna::Largo || n == nullptr) return;
+    if (d.incremento < 0 ? *n < d.ultimo_automatico : *n > d.ultimo_automatico)
       d.ultimo_automatico = static_cast<std::int32_t>(*n);
   };
   for (const auto& fila : cambios.nuevas)

@@ -63,7 +63,7 @@ TEST(MapaDePaginas, AFullPageOfMapsIsFollowedByAnother) {
   auto p = Nuevo();
   Conjunto paginas;
   for (int i = 0; i < 120; ++i) paginas.insert(mdb::NuevoMapa(*p).pagina);
-  EXPECT_EQ(paginas, (Conjunto{3, 4, 5}));  // 57 maps of 69 + 2 bytes a page
+  EXPECT_EQ(paginas, (Conjunto{3, 4, 5, 6}));  // 36 of 69 + 2 bytes, and 1500 for them to grow
 }
 
 TEST(MapaDePaginas, PagesOfTheWindowAreBits) {
@@ -93,10 +93,30 @@ TEST(MapaDePaginas, TheWindowMovesToAMultipleOfEight) {
   mdb::QuitarDeMapa(*p, m, 1512);
   mdb::PonerEnMapa(*p, m, 1000);  // and back
   EXPECT_EQ(Inicio(*p, m), 1000U);
+  EXPECT_EQ(Largo(*p, m), 69U);
+  EXPECT_EQ(Leer(*p, m), (Conjunto{1000, 1511}));
+}
+
+TEST(MapaDePaginas, ABitmapGetsLongerWhereItsPageHasRoom) {
+  auto p = Nuevo();
+  const auto m = mdb::NuevoMapa(*p), vecino = mdb::NuevoMapa(*p);
+  mdb::PonerEnMapa(*p, vecino, 2);
+  Crecer(*p, 5000);
+  mdb::PonerEnMapa(*p, m, 1003);
+  mdb::PonerEnMapa(*p, m, 1512);
   EXPECT_EQ(Clase(*p, m), 0);
-  mdb::PonerEnMapa(*p, m, 1512);  // one too far for any window
+  EXPECT_EQ(Largo(*p, m), 73U);  // by four bytes
+  EXPECT_EQ(Inicio(*p, m), 1000U);
+  mdb::PonerEnMapa(*p, m, 1000 + 4095);
+  EXPECT_EQ(Largo(*p, m), 517U);
+  mdb::PonerEnMapa(*p, m, 1001);
+  EXPECT_EQ(Leer(*p, m), (Conjunto{1001, 1003, 1512}));  // 5095 is beyond the end of the file
+  Crecer(*p, 5096);
+  EXPECT_EQ(Leer(*p, m), (Conjunto{1001, 1003, 1512, 5095}));
+  EXPECT_EQ(Leer(*p, vecino), Conjunto{2});
+  mdb::PonerEnMapa(*p, m, 999);  // beyond the longest
   EXPECT_EQ(Clase(*p, m), 1);
-  EXPECT_EQ(Leer(*p, m), (Conjunto{1000, 1511, 1512}));
+  EXPECT_EQ(Leer(*p, m), (Conjunto{999, 1001, 1003, 1512, 5095}));
 }
 
 TEST(MapaDePaginas, BecomesAListOfBitmapPagesInItsPlace) {
@@ -105,7 +125,7 @@ TEST(MapaDePaginas, BecomesAListOfBitmapPagesInItsPlace) {
   mdb::PonerEnMapa(*p, vecino, 2);
   Crecer(*p, kPorPagina + 10);
   mdb::PonerEnMapa(*p, m, 5);
-  mdb::PonerEnMapa(*p, m, 517);
+  mdb::PonerEnMapa(*p, m, 5000);
   EXPECT_EQ(Clase(*p, m), 1);
   EXPECT_EQ(Largo(*p, m), 69U);
   const auto de_mapa = mdb::PaginasDelMapa(*p, m);
@@ -114,18 +134,39 @@ TEST(MapaDePaginas, BecomesAListOfBitmapPagesInItsPlace) {
   EXPECT_FALSE(mdb::EnMapa(*p, kGlobal, de_mapa[0]));
   mdb::PonerEnMapa(*p, m, kPorPagina + 3);  // the second range
   EXPECT_EQ(mdb::PaginasDelMapa(*p, m).size(), 2U);
-  EXPECT_EQ(Leer(*p, m), (Conjunto{5, 517, kPorPagina + 3}));
+  EXPECT_EQ(Leer(*p, m), (Conjunto{5, 5000, kPorPagina + 3}));
   mdb::QuitarDeMapa(*p, m, 3 * kPorPagina);  // a range without a page: nothing to do
   EXPECT_EQ(mdb::PaginasDelMapa(*p, m).size(), 2U);
   EXPECT_EQ(Leer(*p, vecino), Conjunto{2});
 }
 
+// The maps of its page fill it: each takes what room there is, then turns into a list.
+TEST(MapaDePaginas, BecomesAListWhenItsPageIsFull) {
+  auto p = Nuevo();
+  std::vector<mdb::Puntero> mapas;
+  for (int i = 0; i < 36; ++i) mapas.push_back(mdb::NuevoMapa(*p));
+  ASSERT_EQ(mapas.back().pagina, mapas.front().pagina);
+  Crecer(*p, 4100);
+  Conjunto modelo;
+  int listas = 0;
+  for (const NumPagina n : {10U, 700U, 1500U}) {
+    modelo.insert(n);
+    for (const auto& m : mapas) mdb::PonerEnMapa(*p, m, n);
+  }
+  for (const auto& m : mapas) {
+    EXPECT_EQ(Leer(*p, m), modelo);
+    listas += Clase(*p, m);
+  }
+  EXPECT_GT(listas, 20);
+  EXPECT_LT(listas, 36);
+}
+
 TEST(MapaDePaginas, ANegativePointerIsNoPage) {
   auto p = Nuevo();
   const auto m = mdb::NuevoMapa(*p);
-  Crecer(*p, 1000);
+  Crecer(*p, 6000);
   mdb::PonerEnMapa(*p, m, 5);
-  mdb::PonerEnMapa(*p, m, 900);
+  mdb::PonerEnMapa(*p, m, 5900);
   const auto lugar = mdb::LeerRanura(m.pagina, *p->Leer(m.pagina), m.fila).desde;
   mdb::Poner32(p->Modificar(m.pagina), lugar + 1, 0xFFFFFFFEU);
   EXPECT_TRUE(Leer(*p, m).empty());
@@ -136,9 +177,9 @@ TEST(MapaDePaginas, ANegativePointerIsNoPage) {
 TEST(MapaDePaginas, DeletingAMapGivesItsPagesBack) {
   auto p = Nuevo();
   const auto a = mdb::NuevoMapa(*p), b = mdb::NuevoMapa(*p);
-  Crecer(*p, 1000);
+  Crecer(*p, 6000);
   mdb::PonerEnMapa(*p, a, 5);
-  mdb::PonerEnMapa(*p, a, 900);
+  mdb::PonerEnMapa(*p, a, 5900);
   const auto bits = mdb::PaginasDelMapa(*p, a).at(0);
   mdb::BorrarMapa(*p, a);
   EXPECT_TRUE(mdb::EnMapa(*p, kGlobal, bits));
@@ -151,13 +192,13 @@ TEST(MapaDePaginas, DeletingAMapGivesItsPagesBack) {
 
 TEST(MapaDePaginas, RandomChangesAgreeWithASet) {
   auto p = Nuevo();
-  Crecer(*p, 4000);
+  Crecer(*p, 9000);
   std::mt19937 motor(20010101);
   const auto azar = [&] { return static_cast<unsigned>(motor()); };
   for (int vuelta = 0; vuelta < 30; ++vuelta) {
     const auto m = mdb::NuevoMapa(*p);
     Conjunto modelo;
-    const NumPagina base = azar() % 3000, ancho = 1 + azar() % 900;
+    const NumPagina base = azar() % 3000, ancho = 1 + azar() % (vuelta % 3 == 0 ? 6000 : 900);
     for (int paso = 0; paso < 300; ++paso) {
       const NumPagina n = base + azar() % ancho;
       if (azar() % 3 != 0) {
