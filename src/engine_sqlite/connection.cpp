@@ -107,7 +107,7 @@ db::Recordset ConexionSqlite::EjecutarComo(std::string_view sql, bool solo_consu
   const std::vector<base::Valor>* literales = nullptr;
   const std::shared_ptr<Preparada> p = Resolver(sql, literales);
   if (solo_consulta && p->traduccion.clase != Clase::Consulta) throw db::Error(kSoloConsultas);
-  if (fuente_ != nullptr) fuente_->AntesDeCorrer(p->traduccion.escribe);
+  if (fuente_ != nullptr) fuente_->AntesDeCorrer(p->traduccion);
   return Correr(*p, *literales, sql);
 }
 

@@ -9,10 +9,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "engine_sqlite/sqlite_connection.h"
-#include "jetsql/catalog.h"
+#include "jetsql/translate.h"
 
 namespace engine_sqlite {
 
@@ -24,9 +23,9 @@ inline constexpr std::string_view kTextoPropio = "jet_texto.";
 class FuenteDeTablas : public jetsql::Catalogo {
  public:
   // Called before each statement runs, when it is translated but not yet prepared: the tables that the
-  // catalog was asked for must be there from now on. `escribe` names the tables whose rows the statement
-  // changes; it is empty for a query. What it throws is the statement's failure.
-  virtual void AntesDeCorrer(const std::vector<std::string>& escribe) = 0;
+  // catalog was asked for must be there from now on, and those that the statement writes ready for it. What
+  // it throws is the statement's failure.
+  virtual void AntesDeCorrer(const jetsql::Traduccion& sentencia) = 0;
 };
 
 struct Espejo {

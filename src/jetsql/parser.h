@@ -17,6 +17,7 @@ Sentencia Analizar(std::string_view sql, Literales literales = Literales::Numera
 // The text of a tree before it is resolved: parsing it gives an equal tree.
 std::string Imprimir(const Sentencia& sentencia);
 std::string Imprimir(const Consulta& consulta);
+std::string Imprimir(const Seleccion& seleccion);  // one SELECT of a union
 std::string Imprimir(const Expr& expr);
 
 }  // namespace jetsql

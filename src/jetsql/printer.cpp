@@ -349,6 +349,12 @@ std::string Imprimir(const Consulta& consulta) {
   return std::move(i).Texto();
 }
 
+std::string Imprimir(const Seleccion& seleccion) {
+  Impresor i;
+  i.Seleccionar(seleccion);
+  return std::move(i).Texto();
+}
+
 std::string Imprimir(const Expr& expr) {
   Impresor i;
   i.Escribir(expr);

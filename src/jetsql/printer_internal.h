@@ -13,6 +13,7 @@ class Impresor {
  public:
   void Escribir(const Expr& e, int minimo = 0);
   void Escribir(const Consulta& c);
+  void Seleccionar(const Seleccion& s);
   void Escribir(const Insercion& s);
   void Escribir(const Actualizacion& s);
   void Escribir(const Borrado& s);
@@ -32,7 +33,6 @@ class Impresor {
   void Binario(const Expr& e, int fuerza);
   void Predicado(const Expr& e);
   void Lista(const Expr& e, std::size_t desde);
-  void Seleccionar(const Seleccion& s);
   void Item(const ItemLista& i);
   void De(const std::vector<RamaPtr>& de);
   void Rama(const jetsql::Rama& r);
