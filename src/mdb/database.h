@@ -83,6 +83,11 @@ class Base {
     paginas_->Deshacer();
     catalogo_.Olvidar();
   }
+  // Back to a point inside the transaction, the catalog too.
+  void Volver(Paginas::Punto punto) {
+    paginas_->Volver(std::move(punto));
+    catalogo_.Olvidar();
+  }
 
  private:
   std::unique_ptr<Paginas> paginas_;

@@ -42,6 +42,10 @@ Bytes PaginasDeArchivo::Traer(NumPagina numero) {
   return plana;
 }
 
+bool PaginasDeArchivo::CambioAfuera() const {
+  return !a_.motivo.empty() && (a_.archivo->Fecha() != a_.fecha || a_.archivo->Largo() != a_.largo);
+}
+
 NumPagina PaginasDeArchivo::PaginasEnDisco() const {
   const auto tamano = static_cast<std::uint64_t>(Tamano());
   return a_.capa ? a_.capa->Datos().antes : static_cast<NumPagina>(a_.largo / tamano);
@@ -54,7 +58,7 @@ void PaginasDeArchivo::LeerTramo(NumPagina primera, NumPagina cantidad) {
   // The writer reads what nobody else may change.
   const BloqueoDeCommit bloqueo(*a_.disco, *a_.archivo, false, lector && a_.hay_bloqueos);
   const std::size_t leidos = a_.archivo->Leer(static_cast<std::uint64_t>(primera) * Tamano(), tramo_);
-  if (lector && (a_.archivo->Fecha() != a_.fecha || a_.archivo->Largo() != a_.largo)) throw ArchivoCambio();
+  if (CambioAfuera()) throw ArchivoCambio();
   if (leidos < tramo_.size()) DanioEnPagina(primera, "no se pudo leer entera");
   if (a_.capa) PonerCapa(primera, cantidad);
   tramo_desde_ = primera;

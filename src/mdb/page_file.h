@@ -40,6 +40,8 @@ class PaginasDeArchivo final : public Paginas {
   static std::unique_ptr<PaginasDeArchivo> Abrir(std::string_view ruta, bool solo_lectura = false,
                                                  std::shared_ptr<base::Disco> disco = nullptr);
 
+  bool CambioAfuera() const override;
+
  private:
   friend class Apertura;
   struct Abierto {

@@ -37,6 +37,9 @@ class Paginas {
   // Why nothing may be written; empty when it may.
   const std::string& MotivoSoloLectura() const { return motivo_; }
   bool HayCambios() const { return !cambiadas_.empty(); }
+  // Whether another program has committed since a file that is only read was opened: then what was read from
+  // it is of the past, and no more can be read.
+  virtual bool CambioAfuera() const { return false; }
 
   // Writes all changes, or none (then throws base::Error with the reason and the changes are dropped).
   void Confirmar();

@@ -1,10 +1,20 @@
 #include "mdb/row_internal.h"
 
+#include <algorithm>
+
 namespace mdb {
 namespace internal {
 namespace {
 
 constexpr std::uint8_t kFalso[1] = {0}, kVerdadero[1] = {1};
+
+// A row that is older than each of the table's variable columns: it may have been written when there was
+// none, without their offsets, and nothing of it stands there in any case.
+bool AnteriorALasVariables(const Definicion& definicion, unsigned columnas) {
+  if (columnas >= definicion.max_columnas) return false;
+  return std::none_of(definicion.columnas.begin(), definicion.columnas.end(),
+                      [=](const Columna& c) { return !c.Fija() && c.numero < columnas; });
+}
 
 }  // namespace
 
@@ -45,7 +55,7 @@ FilaAbierta::FilaAbierta(const Cabecera& cabecera, const Definicion& definicion,
   if (mascara + (jet3_ ? 1U : 2U) > bytes.size()) LanzarCorto();
   fin_ -= mascara;
   mascara_ = bytes.subspan(fin_);
-  if (definicion.variables == 0) return;
+  if (definicion.variables == 0 || AnteriorALasVariables(definicion, columnas_)) return;
   if (jet3_) {
     AbrirJet3(mascara);
   } else {
