@@ -1,0 +1,200 @@
+// Opening a file, and how statements and transactions travel between the mirrors and its pages.
+#include "engine_mdb/mdb_connection.h"
+
+#include "base/text.h"
+#include "engine_mdb/connection_internal.h"
+
+namespace engine_mdb {
+namespace {
+
+base::Orden OrdenDe(std::uint16_t lcid) {
+  if (lcid == 3082) return base::Orden::EspanolModerno;
+  return lcid == 1034 ? base::Orden::EspanolTradicional : base::Orden::General;
+}
+
+// The first word of a statement, up to `kLarga` letters, in capitals.
+std::string PrimeraPalabra(std::string_view sql) {
+  constexpr std::size_t kLarga = 8;
+  std::size_t i = 0;
+  while (i < sql.size() && static_cast<unsigned char>(sql[i]) <= ' ') ++i;
+  std::string palabra;
+  for (; i < sql.size() && palabra.size() < kLarga; ++i) {
+    const char c = sql[i];
+    if (c >= 'a' && c <= 'z')
+      palabra += static_cast<char>(c - 'a' + 'A');
+    else if (c >= 'A' && c <= 'Z')
+      palabra += c;
+    else
+      break;
+  }
+  return palabra;
+}
+
+// Whether the text may be a definition; the parser has the last word.
+bool ParecePorDefinir(std::string_view sql) {
+  const std::string palabra = PrimeraPalabra(sql);
+  if (palabra == "CREATE" || palabra == "DROP" || palabra == "ALTER") return true;
+  return palabra == "SELECT" && base::Contiene(sql, "INTO", base::Comparar::SinCaso);
+}
+
+bool EsDefinicion(const jetsql::Sentencia& s) {
+  if (const auto* c = std::get_if<jetsql::ConsultaPtr>(&s)) return !(*c)->partes[0].destino.empty();
+  return std::holds_alternative<jetsql::CrearTabla>(s) || std::holds_alternative<jetsql::CrearIndice>(s) ||
+         std::holds_alternative<jetsql::CrearVista>(s) || std::holds_alternative<jetsql::Quitar>(s) ||
+         std::holds_alternative<jetsql::AlterarTabla>(s);
+}
+
+}  // namespace
+
+ConexionMdb::ConexionMdb(std::unique_ptr<mdb::Base> base, std::string_view ruta, const Opciones& opciones)
+    : ruta_(ruta), opciones_(opciones) {
+  Iniciar(std::move(base));
+}
+
+void ConexionMdb::Iniciar(std::unique_ptr<mdb::Base> base) {
+  base_ = std::move(base);
+  fuente_ = std::make_unique<FuenteMdb>(*base_, ruta_, contadores_);
+  engine_sqlite::Opciones abajo;
+  abajo.orden = OrdenDe(base_->Cab().orden);
+  abajo.reloj = opciones_.reloj;
+  abajo.locale = opciones_.locale;
+  abajo.comodines_dao = opciones_.comodines_dao;
+  espejo_ = engine_sqlite::AbrirEspejo(*fuente_, abajo);
+  fuente_->Unir(espejo_.base, [this] {
+    if (!abierta_abajo_) Comenzar();
+  });
+}
+
+void ConexionMdb::VerCambiosAjenos() {
+  if (abierta_abajo_ || !base_->Hojas().CambioAfuera()) return;
+  auto nueva = ComoErrorDeBase([&] {
+    return mdb::Base::Abrir(ruta_, {opciones_.solo_lectura, opciones_.contrasena});
+  });
+  Cerrar();
+  Iniciar(std::move(nueva));
+}
+
+void ConexionMdb::Cerrar() {
+  if (fuente_ != nullptr) fuente_->Soltar();
+  if (espejo_.conexion != nullptr) espejo_.conexion->Cerrar();
+  espejo_ = {};
+  fuente_.reset();
+  base_.reset();
+  en_transaccion_ = abierta_abajo_ = definio_ = false;
+}
+
+void ConexionMdb::VerificarAbierta() const {
+  if (base_ == nullptr) throw db::Error("La base no está abierta.");
+  if (abierta_abajo_ && sqlite3_get_autocommit(espejo_.base) != 0)
+    throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
+}
+
+void ConexionMdb::Comenzar() {
+  if (!base_->MotivoSoloLectura().empty()) throw db::Error(base_->MotivoSoloLectura());
+  fuente_->GuardarEstado();
+  espejo_.conexion->BeginTrans();
+  abierta_abajo_ = true;
+  definio_ = false;
+}
+
+// The file first: what it refuses is undone in the mirrors, while they can hardly refuse what it has taken.
+void ConexionMdb::Confirmar() {
+  bool habia = false, escribiendo = false;
+  try {
+    ComoErrorDeBase([&] {
+      fuente_->EscribirCambios();
+      habia = base_->Hojas().HayCambios();
+      escribiendo = true;
+      base_->Confirmar();
+    });
+  } catch (const db::Error&) {
+    definio_ = definio_ || escribiendo;  // what the disk holds is read again
+    Deshacer();
+    throw;
+  }
+  espejo_.conexion->CommitTrans();
+  abierta_abajo_ = definio_ = false;
+  fuente_->Asentar(true);
+  if (habia) ++contadores_.confirmaciones;
+}
+
+void ConexionMdb::Deshacer() {
+  abierta_abajo_ = false;
+  base_->Deshacer();
+  espejo_.conexion->RollbackTrans();
+  fuente_->VolverAlEstado();
+  if (definio_) fuente_->DescartarTodo();
+  definio_ = false;
+  engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
+}
+
+void ConexionMdb::BeginTrans() {
+  VerificarAbierta();
+  if (en_transaccion_) throw db::Error("Ya hay una transacción abierta.");
+  VerCambiosAjenos();
+  Comenzar();
+  en_transaccion_ = true;
+}
+
+void ConexionMdb::CommitTrans() {
+  if (base_ == nullptr || !en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
+  en_transaccion_ = false;
+  if (sqlite3_get_autocommit(espejo_.base) != 0) {
+    Deshacer();
+    throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
+  }
+  Confirmar();
+}
+
+void ConexionMdb::RollbackTrans() {
+  if (base_ == nullptr || !en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
+  en_transaccion_ = false;
+  Deshacer();
+}
+
+db::Recordset ConexionMdb::EjecutarComo(std::string_view sql, bool solo_consulta) {
+  VerificarAbierta();
+  VerCambiosAjenos();
+  afectadas_ = 0;
+  fuente_->Empezar();
+  return ComoErrorDeBase([&] {
+    if (!solo_consulta && ParecePorDefinir(sql)) {
+      jetsql::Sentencia sentencia = jetsql::Analizar(sql, jetsql::Literales::EnTexto);
+      if (EsDefinicion(sentencia)) return CorrerDefinicion(sql, sentencia);
+    }
+    return CorrerFilas(sql, solo_consulta);
+  });
+}
+
+db::Recordset ConexionMdb::CorrerFilas(std::string_view sql, bool solo_consulta) {
+  db::Recordset filas;
+  try {
+    filas = solo_consulta ? espejo_.conexion->Consultar(sql) : espejo_.conexion->Ejecutar(sql);
+  } catch (const base::Error&) {
+    if (abierta_abajo_ && !en_transaccion_) Deshacer();
+    throw;
+  }
+  afectadas_ = espejo_.conexion->FilasAfectadas();
+  if (!abierta_abajo_ || en_transaccion_) return filas;
+  try {
+    Confirmar();
+  } catch (const db::Error&) {
+    afectadas_ = 0;
+    throw;
+  }
+  return filas;
+}
+
+std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones) {
+  return ComoErrorDeBase([&]() -> std::unique_ptr<db::Connection> {
+    return std::make_unique<ConexionMdb>(mdb::Base::Abrir(ruta, {opciones.solo_lectura, opciones.contrasena}),
+                                         ruta, opciones);
+  });
+}
+
+const Contadores* ContadoresDe(const db::Connection& conexion) {
+  const auto* propia = dynamic_cast<const ConexionMdb*>(&conexion);
+  return propia == nullptr ? nullptr : &propia->Cuentas();
+}
+
+}  // namespace engine_mdb

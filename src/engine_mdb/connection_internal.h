@@ -1,0 +1,90 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "engine_mdb/source_internal.h"
+#include "jetsql/parser.h"
+
+namespace engine_mdb {
+
+// Failures of the layers below as those of a connection.
+template <typename Paso>
+decltype(auto) ComoErrorDeBase(Paso&& paso) {
+  try {
+    return std::forward<Paso>(paso)();
+  } catch (const db::Error&) {
+    throw;
+  } catch (const base::Error& e) {
+    throw db::Error(e.Descripcion(), e.Numero(), e.Fuente());
+  }
+}
+
+class ConexionMdb final : public db::Connection {
+ public:
+  ConexionMdb(std::unique_ptr<mdb::Base> base, std::string_view ruta, const Opciones& opciones);
+  ~ConexionMdb() override { Cerrar(); }
+  ConexionMdb(const ConexionMdb&) = delete;
+  ConexionMdb& operator=(const ConexionMdb&) = delete;
+
+  bool Abierta() const override { return base_ != nullptr; }
+  void Cerrar() override;
+  db::Recordset Ejecutar(std::string_view sql) override { return EjecutarComo(sql, false); }
+  db::Recordset Consultar(std::string_view sql) override { return EjecutarComo(sql, true); }
+  std::int64_t FilasAfectadas() const override { return afectadas_; }
+  void BeginTrans() override;
+  void CommitTrans() override;
+  void RollbackTrans() override;
+  bool EnTransaccion() const override { return en_transaccion_; }
+
+  const Contadores& Cuentas() const { return contadores_; }
+
+ private:
+  void Iniciar(std::unique_ptr<mdb::Base> base);
+  void VerificarAbierta() const;
+  // Opens the file anew when another program has written it: only between transactions, and only a file that
+  // is open for reading, since nobody else writes one that is ours.
+  void VerCambiosAjenos();
+  db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
+  db::Recordset CorrerFilas(std::string_view sql, bool solo_consulta);
+
+  // The transaction below: that of BeginTrans, or of one statement that writes.
+  void Comenzar();
+  void Confirmar();
+  void Deshacer();
+
+  // Definition statements (definitions.cpp).
+  db::Recordset CorrerDefinicion(std::string_view sql, jetsql::Sentencia& sentencia);
+  void Aplicar(std::string_view sql, const jetsql::CrearTabla& s);
+  void Aplicar(std::string_view sql, const jetsql::CrearIndice& s);
+  void Aplicar(std::string_view sql, const jetsql::CrearVista& s);
+  void Aplicar(std::string_view sql, const jetsql::Quitar& s);
+  void Aplicar(std::string_view sql, const jetsql::AlterarTabla& s);
+  void Aplicar(std::string_view sql, const jetsql::ConsultaPtr& s);
+  template <typename T>
+  void Aplicar(std::string_view, const T&) {}
+  void AgregarColumna(const std::string& tabla, const jetsql::DefColumna& columna);
+  void AgregarRestriccion(const std::string& tabla, const jetsql::Restriccion& restriccion);
+  void QuitarIndice(const std::string& tabla, const std::string& nombre);
+  void QuitarRestriccion(const std::string& tabla, const std::string& nombre);
+  void Relacionar(const std::string& tabla, const std::string& nombre,
+                  const std::vector<std::string>& columnas, const jetsql::Referencia& referencia);
+  void Ensayar(std::string_view sql);
+  void IndiceLibre(const mdb::Definicion& tabla, const std::string& nombre) const;
+  base::Fecha Ahora();
+
+  std::string ruta_;
+  Opciones opciones_;
+  Contadores contadores_;
+  std::unique_ptr<mdb::Base> base_;
+  std::unique_ptr<FuenteMdb> fuente_;
+  engine_sqlite::Espejo espejo_;
+  std::int64_t afectadas_ = 0;
+  bool en_transaccion_ = false;  // of BeginTrans
+  bool abierta_abajo_ = false;   // a transaction of SQLite is open, ours or BeginTrans's
+  bool definio_ = false;         // a definition ran in it
+};
+
+}  // namespace engine_mdb

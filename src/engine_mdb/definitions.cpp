@@ -1,0 +1,357 @@
+// Definition statements: what the translator checks for every engine, then the change of the file itself.
+#include <optional>
+
+#include "base/text.h"
+#include "engine_mdb/connection_internal.h"
+#include "engine_mdb/save_query.h"
+
+namespace engine_mdb {
+namespace {
+
+using jetsql::ClaseColumna;
+using jetsql::Restriccion;
+using mdb::TipoColumna;
+
+constexpr int kLargoDeTexto = 255;
+constexpr const char* kClavePrimaria = "PrimaryKey";
+
+TipoColumna TipoDe(ClaseColumna clase) {
+  switch (clase) {
+    case ClaseColumna::SiNo:
+      return TipoColumna::Booleano;
+    case ClaseColumna::Byte:
+      return TipoColumna::Byte;
+    case ClaseColumna::Corto:
+      return TipoColumna::Entero;
+    case ClaseColumna::Largo:
+    case ClaseColumna::Contador:
+      return TipoColumna::Largo;
+    case ClaseColumna::Simple:
+      return TipoColumna::Simple;
+    case ClaseColumna::Doble:
+      return TipoColumna::Doble;
+    case ClaseColumna::Moneda:
+      return TipoColumna::Moneda;
+    case ClaseColumna::Decimal:
+      return TipoColumna::Decimal;
+    case ClaseColumna::Fecha:
+      return TipoColumna::Fecha;
+    case ClaseColumna::Texto:
+      return TipoColumna::Texto;
+    case ClaseColumna::Memo:
+      return TipoColumna::Memo;
+    case ClaseColumna::Binario:
+      return TipoColumna::Binario;
+    case ClaseColumna::Guid:
+      return TipoColumna::Guid;
+    case ClaseColumna::Ole:
+      break;
+  }
+  return TipoColumna::Ole;
+}
+
+mdb::NuevaColumna ColumnaDe(const jetsql::DefColumna& c, bool requerida) {
+  mdb::NuevaColumna n;
+  n.nombre = c.nombre;
+  n.tipo = TipoDe(c.clase);
+  if (c.clase == ClaseColumna::Texto || c.clase == ClaseColumna::Binario) {
+    if (c.largo > kLargoDeTexto * (c.clase == ClaseColumna::Binario ? 2 : 1))
+      throw db::Error("El campo " + c.nombre + " es demasiado largo: un texto tiene hasta 255 caracteres.");
+    n.largo = static_cast<std::uint16_t>(c.largo > 0 ? c.largo : kLargoDeTexto);
+  }
+  if (c.clase == ClaseColumna::Decimal) {
+    if (c.precision < 1 || c.precision > 28 || c.escala < 0 || c.escala > c.precision)
+      throw db::Error("El campo " + c.nombre + " tiene una precisión o una escala que no existe.");
+    n.precision = static_cast<std::uint8_t>(c.precision);
+    n.escala = static_cast<std::uint8_t>(c.escala);
+  }
+  n.autonumerica = c.clase == ClaseColumna::Contador;
+  n.semilla = c.semilla;
+  n.incremento = c.incremento;
+  n.requerida = requerida && c.clase != ClaseColumna::SiNo && !n.autonumerica;
+  if (c.defecto) n.defecto = jetsql::Imprimir(*c.defecto);
+  return n;
+}
+
+mdb::NuevoIndice Indice(const std::string& nombre, const std::vector<std::string>& columnas, bool primario) {
+  mdb::NuevoIndice i;
+  i.nombre = nombre;
+  for (const auto& c : columnas) i.partes.push_back({c, false});
+  i.unico = true;
+  i.primario = i.requerido = primario;
+  return i;
+}
+
+std::string NombreDe(const Restriccion& r) {
+  if (!r.nombre.empty()) return r.nombre;
+  return r.que == Restriccion::Que::Clave ? kClavePrimaria : r.columnas[0];
+}
+
+std::optional<mdb::NuevoIndice> IndiceDe(const jetsql::DefColumna& c) {
+  if (!c.clave && !c.unica) return std::nullopt;
+  std::string nombre = c.nombre_restriccion;
+  if (nombre.empty()) nombre = c.clave ? kClavePrimaria : c.nombre;
+  return Indice(nombre, {c.nombre}, c.clave);
+}
+
+bool EstaEn(const std::vector<std::string>& nombres, std::string_view nombre) {
+  for (const auto& n : nombres)
+    if (base::IgualSinCaso(n, nombre)) return true;
+  return false;
+}
+
+ClaseColumna ClaseDe(base::Tipo tipo) {
+  switch (tipo) {
+    case base::Tipo::Booleano:
+      return ClaseColumna::SiNo;
+    case base::Tipo::Entero:
+      return ClaseColumna::Largo;
+    case base::Tipo::Simple:
+      return ClaseColumna::Simple;
+    case base::Tipo::Numero:
+      return ClaseColumna::Doble;
+    case base::Tipo::Moneda:
+      return ClaseColumna::Moneda;
+    case base::Tipo::Fecha:
+      return ClaseColumna::Fecha;
+    case base::Tipo::Texto:
+    case base::Tipo::Nulo:
+      break;
+  }
+  return ClaseColumna::Memo;
+}
+
+const mdb::RelacionDeTablas* BuscarRelacion(const mdb::Catalogo& catalogo, std::string_view nombre) {
+  for (const auto& r : catalogo.Relaciones())
+    if (base::IgualSinCaso(r.nombre, nombre)) return &r;
+  return nullptr;
+}
+
+}  // namespace
+
+base::Fecha ConexionMdb::Ahora() {
+  const db::Recordset r = espejo_.conexion->Ejecutar("SELECT Now()");
+  return *r.En(0, 0).Si<base::Fecha>();
+}
+
+// What SQLite would say of the statement, without keeping what it did.
+void ConexionMdb::Ensayar(std::string_view sql) {
+  engine_sqlite::EjecutarPropio(espejo_.base, "SAVEPOINT idm_ensayo");
+  std::optional<db::Error> error;
+  try {
+    espejo_.conexion->Ejecutar(sql);
+  } catch (const db::Error& e) {
+    error = e;
+  }
+  engine_sqlite::EjecutarPropio(espejo_.base, "ROLLBACK TO idm_ensayo; RELEASE idm_ensayo");
+  if (error) throw db::Error(*error);
+}
+
+// The rows changed so far go into the pages first, so that the new definition finds them; a failure goes back
+// to here, and out of a transaction the whole statement is one.
+db::Recordset ConexionMdb::CorrerDefinicion(std::string_view sql, jetsql::Sentencia& sentencia) {
+  if (!abierta_abajo_) Comenzar();
+  try {
+    fuente_->EscribirCambios();
+    fuente_->Asentar(false);
+    definio_ = true;
+    mdb::Paginas::Punto punto = base_->Hojas().Guardar();
+    try {
+      std::visit([&](const auto& s) { Aplicar(sql, s); }, sentencia);
+    } catch (const base::Error&) {
+      base_->Volver(std::move(punto));
+      fuente_->DescartarTodo();
+      engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
+      throw;
+    }
+    engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
+  } catch (const base::Error&) {
+    if (!en_transaccion_) Deshacer();
+    throw;
+  }
+  if (!en_transaccion_) Confirmar();
+  return {std::make_shared<const db::Columnas>(), {}, std::string(sql)};
+}
+
+void ConexionMdb::Relacionar(const std::string& tabla, const std::string& nombre,
+                             const std::vector<std::string>& columnas, const jetsql::Referencia& referencia) {
+  using mdb::RelacionDeTablas;
+  RelacionDeTablas r;
+  r.nombre = nombre.empty() ? referencia.tabla + tabla : nombre;
+  for (int n = 1; nombre.empty() && BuscarRelacion(base_->Indice(), r.nombre) != nullptr; ++n)
+    r.nombre = referencia.tabla + tabla + std::to_string(n);
+  r.tabla = tabla;
+  r.columnas = columnas;
+  r.tabla_referida = referencia.tabla;
+  r.columnas_referidas = referencia.columnas;
+  if (referencia.actualiza_en_cascada) r.banderas |= RelacionDeTablas::kActualizaEnCascada;
+  if (referencia.borra_en_cascada) r.banderas |= RelacionDeTablas::kBorraEnCascada;
+  base_->CrearRelacion(r, Ahora());
+  fuente_->Descartar({tabla, referencia.tabla});
+}
+
+void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearTabla& s) {
+  Ensayar(sql);
+  mdb::NuevaTabla nueva;
+  nueva.nombre = s.nombre;
+  for (const auto& c : s.columnas) {
+    bool requerida = c.no_nulo || c.clave;
+    for (const auto& r : s.restricciones)
+      requerida = requerida || ((r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::NoNulo) &&
+                                EstaEn(r.columnas, c.nombre));
+    nueva.columnas.push_back(ColumnaDe(c, requerida));
+    if (auto indice = IndiceDe(c)) nueva.indices.push_back(std::move(*indice));
+  }
+  for (const auto& r : s.restricciones)
+    if (r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::Unica)
+      nueva.indices.push_back(Indice(NombreDe(r), r.columnas, r.que == Restriccion::Que::Clave));
+  base_->CrearTabla(nueva, Ahora());
+  fuente_->Descartar({s.nombre});
+  for (const auto& c : s.columnas)
+    if (c.referencia) Relacionar(s.nombre, c.nombre_restriccion, {c.nombre}, *c.referencia);
+  for (const auto& r : s.restricciones)
+    if (r.que == Restriccion::Que::Foranea) Relacionar(s.nombre, r.nombre, r.columnas, r.referencia);
+}
+
+void ConexionMdb::IndiceLibre(const mdb::Definicion& tabla, const std::string& nombre) const {
+  for (const auto& i : tabla.logicos)
+    if (base::IgualSinCaso(i.nombre, nombre)) throw db::Error("El índice " + nombre + " ya existe.");
+}
+
+void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearIndice& s) {
+  if (TablaEspejo* t = fuente_->Mirar(s.tabla)) IndiceLibre(t->definicion, s.nombre);
+  Ensayar(sql);
+  mdb::NuevoIndice indice;
+  indice.nombre = s.nombre;
+  for (const auto& c : s.columnas) indice.partes.push_back({c.nombre, c.descendente});
+  indice.unico = s.unico || s.primario;
+  indice.primario = s.primario;
+  indice.ignora_nulos = s.ignora_nulos;
+  indice.requerido = s.primario || s.sin_nulos;
+  base_->CrearIndice(s.tabla, indice);
+  fuente_->Descartar({s.tabla});
+}
+
+void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearVista& s) {
+  const jetsql::Traduccion t = jetsql::Traducir(sql, *fuente_);
+  const jetsql::Sentencia guardada = jetsql::Analizar(t.definicion.texto_vista, jetsql::Literales::EnTexto);
+  const auto* consulta = std::get_if<jetsql::ConsultaPtr>(&guardada);
+  if (consulta == nullptr) throw db::Error("La consulta " + s.nombre + " no es de selección.");
+  base_->CrearConsulta(DescomponerConsulta(s.nombre, **consulta, *fuente_), Ahora());
+  fuente_->Descartar({});
+}
+
+void ConexionMdb::QuitarIndice(const std::string& tabla, const std::string& nombre) {
+  const TablaEspejo* t = fuente_->Mirar(tabla);
+  bool hay = false;
+  if (t != nullptr)
+    for (const auto& i : t->definicion.logicos)
+      hay = hay || (base::IgualSinCaso(i.nombre, nombre) && i.clase != mdb::IndiceLogico::Foraneo);
+  if (!hay) throw db::Error("No existe el índice " + nombre + ".");
+  base_->BorrarIndice(tabla, nombre);
+  fuente_->Descartar({tabla});
+}
+
+void ConexionMdb::QuitarRestriccion(const std::string& tabla, const std::string& nombre) {
+  const mdb::RelacionDeTablas* r = BuscarRelacion(base_->Indice(), nombre);
+  if (r == nullptr || !base::IgualSinCaso(r->tabla, tabla)) return QuitarIndice(tabla, nombre);
+  const std::vector<std::string> las_dos{r->tabla, r->tabla_referida};
+  base_->BorrarRelacion(nombre);
+  fuente_->Descartar(las_dos);
+}
+
+void ConexionMdb::Aplicar(std::string_view sql, const jetsql::Quitar& s) {
+  jetsql::Traducir(sql, *fuente_);
+  switch (s.que) {
+    case jetsql::Quitar::Que::Tabla:
+      fuente_->Descartar({s.nombre});
+      base_->BorrarTabla(s.nombre);
+      break;
+    case jetsql::Quitar::Que::Indice:
+      QuitarIndice(s.tabla, s.nombre);
+      break;
+    case jetsql::Quitar::Que::Vista:
+      base_->BorrarConsulta(s.nombre);
+      fuente_->Descartar({});
+      break;
+  }
+}
+
+void ConexionMdb::AgregarColumna(const std::string& tabla, const jetsql::DefColumna& c) {
+  base_->AgregarColumna(tabla, ColumnaDe(c, c.no_nulo || c.clave));
+  if (const auto indice = IndiceDe(c)) base_->CrearIndice(tabla, *indice);
+  fuente_->Descartar({tabla});
+  if (c.referencia) Relacionar(tabla, c.nombre_restriccion, {c.nombre}, *c.referencia);
+}
+
+// A constraint that only refuses Null is an index that does.
+void ConexionMdb::AgregarRestriccion(const std::string& tabla, const Restriccion& r) {
+  if (r.que == Restriccion::Que::Foranea) return Relacionar(tabla, r.nombre, r.columnas, r.referencia);
+  mdb::NuevoIndice indice = Indice(NombreDe(r), r.columnas, r.que == Restriccion::Que::Clave);
+  if (r.que == Restriccion::Que::NoNulo) {
+    indice.unico = false;
+    indice.requerido = true;
+  }
+  base_->CrearIndice(tabla, indice);
+  fuente_->Descartar({tabla});
+}
+
+void ConexionMdb::Aplicar(std::string_view sql, const jetsql::AlterarTabla& s) {
+  using Que = jetsql::AlterarTabla::Que;
+  const bool relaciona = s.que == Que::AgregarRestriccion && s.restriccion.que == Restriccion::Que::Foranea;
+  TablaEspejo* t = fuente_->Mirar(s.tabla);
+  if (t == nullptr) throw db::Error("No se encuentra la tabla o consulta '" + s.tabla + "'");
+  const std::string tabla = t->info.nombre;
+  if (s.que == Que::AgregarRestriccion && !relaciona) IndiceLibre(t->definicion, NombreDe(s.restriccion));
+  if (s.que == Que::Agregar || (s.que == Que::AgregarRestriccion && !relaciona))
+    Ensayar(sql);
+  else if (!relaciona)
+    jetsql::Traducir(sql, *fuente_);
+  switch (s.que) {
+    case Que::Agregar:
+      AgregarColumna(tabla, s.columna);
+      break;
+    case Que::Quitar:
+      base_->QuitarColumna(tabla, s.nombre);
+      fuente_->Descartar({tabla});
+      break;
+    case Que::AgregarRestriccion:
+      AgregarRestriccion(tabla, s.restriccion);
+      break;
+    case Que::QuitarRestriccion:
+      QuitarRestriccion(tabla, s.nombre);
+      break;
+  }
+}
+
+// SELECT … INTO: the table with the kinds of the query's columns, then its rows.
+void ConexionMdb::Aplicar(std::string_view sql, const jetsql::ConsultaPtr& s) {
+  const jetsql::Traduccion t = jetsql::Traducir(sql, *fuente_);
+  mdb::NuevaTabla nueva;
+  nueva.nombre = t.definicion.nombre;
+  std::string columnas;
+  for (const auto& c : t.definicion.columnas) {
+    jetsql::DefColumna definida;
+    definida.nombre = c.nombre;
+    definida.clase = ClaseDe(c.tipo);
+    nueva.columnas.push_back(ColumnaDe(definida, false));
+    columnas += (columnas.empty() ? "[" : ", [") + c.nombre + "]";
+  }
+  base_->CrearTabla(nueva, Ahora());
+  fuente_->Descartar({nueva.nombre});
+  s->partes[0].destino.clear();
+  espejo_.conexion->Ejecutar("INSERT INTO [" + nueva.nombre + "] (" + columnas + ") " + jetsql::Imprimir(*s));
+  afectadas_ = espejo_.conexion->FilasAfectadas();
+}
+
+std::unique_ptr<db::Connection> Crear(std::string_view ruta, const Opciones& opciones, std::uint16_t orden) {
+  return ComoErrorDeBase([&]() -> std::unique_ptr<db::Connection> {
+    engine_sqlite::Opciones reloj;
+    reloj.reloj = opciones.reloj;
+    const db::Recordset ahora = engine_sqlite::Abrir(":memory:", reloj)->Ejecutar("SELECT Now()");
+    return std::make_unique<ConexionMdb>(mdb::Base::Crear(ruta, orden, *ahora.En(0, 0).Si<base::Fecha>()),
+                                         ruta, opciones);
+  });
+}
+
+}  // namespace engine_mdb

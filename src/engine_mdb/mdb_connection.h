@@ -1,0 +1,46 @@
+// Access files behind the dialect, on any system and without a driver.
+//
+// A table is mirrored into an SQLite base in memory the first time that a statement names it; what statements
+// change there is written back into the file's pages at each commit, all or nothing. A transaction that
+// changes nothing, and one that is rolled back, leave the file as it was, its date too.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "base/locale.h"
+#include "db/connection.h"
+#include "ports/clock.h"
+
+namespace engine_mdb {
+
+struct Opciones {
+  bool solo_lectura = false;
+  std::string contrasena;
+  bool comodines_dao = false;            // LIKE with * ? # as saved queries of the DAO kind have
+  const ports::Clock* reloj = nullptr;   // what Date() and Now() ask; the system's clock when null
+  const base::Locale* locale = nullptr;  // of the texts that the dialect makes and reads; espanol() when null
+};
+
+// Opens a file (path in UTF-8). Throws db::Error with a readable reason. A file that cannot be written opens
+// all the same; statements that would change it, and BeginTrans, then throw the reason.
+std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones = {});
+
+// Makes a new, empty file (Access 2000 to 2003) of a sort order (an LCID: 3082 Modern Spanish, 1034
+// Traditional Spanish, 1033 General) and opens it. Throws db::Error, also when there is a file of that name.
+std::unique_ptr<db::Connection> Crear(std::string_view ruta, const Opciones& opciones = {},
+                                      std::uint16_t orden = 3082);
+
+// What a connection has done, for tests and benchmarks.
+struct Contadores {
+  std::int64_t espejos = 0;         // tables mirrored
+  std::int64_t filas_leidas = 0;    // into mirrors
+  std::int64_t filas_escritas = 0;  // inserted, changed and deleted in the file
+  std::int64_t confirmaciones = 0;  // commits that wrote
+};
+// Null for a connection of another engine.
+const Contadores* ContadoresDe(const db::Connection& conexion);
+
+}  // namespace engine_mdb

@@ -1,0 +1,307 @@
+#include "engine_mdb/source_internal.h"
+
+#include <algorithm>
+#include <string>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "engine_mdb/cells_internal.h"
+#include "jetsql/parser.h"
+
+namespace engine_mdb {
+namespace {
+
+// Smaller tables have their indexes at once; those of a larger one cost more than one statement is worth.
+constexpr std::size_t kFilasSinEsperar = 2000;
+constexpr int kSentenciasSinIndices = 3;
+
+// What runs inside is ours.
+class Propio {
+ public:
+  explicit Propio(bool& marca) : marca_(marca), antes_(marca) { marca_ = true; }
+  Propio(const Propio&) = delete;
+  Propio& operator=(const Propio&) = delete;
+  ~Propio() { marca_ = antes_; }
+
+ private:
+  bool& marca_;
+  bool antes_;
+};
+
+FuenteMdb& De(sqlite3_context* contexto) { return *static_cast<FuenteMdb*>(sqlite3_user_data(contexto)); }
+
+void Siguiente(sqlite3_context* contexto, int, sqlite3_value** valores) {
+  sqlite3_result_int64(contexto, De(contexto).SiguienteAutomatico(sqlite3_value_int(valores[0])));
+}
+
+void Visto(sqlite3_context* contexto, int, sqlite3_value** valores) {
+  if (sqlite3_value_type(valores[1]) == SQLITE_INTEGER)
+    De(contexto).VerAutomatico(sqlite3_value_int(valores[0]), sqlite3_value_int64(valores[1]));
+}
+
+void Falla(sqlite3_context* contexto, int, sqlite3_value** valores) {
+  std::string texto(engine_sqlite::kTextoPropio);
+  texto += reinterpret_cast<const char*>(sqlite3_value_text(valores[0]));
+  sqlite3_result_error(contexto, texto.c_str(), -1);
+}
+
+void GuidNuevo(sqlite3_context* contexto, int, sqlite3_value**) {
+  mdb::Guid guid;
+  sqlite3_randomness(static_cast<int>(guid.bytes.size()), guid.bytes.data());
+  guid.bytes[6] = static_cast<std::uint8_t>((guid.bytes[6] & 0x0F) | 0x40);
+  guid.bytes[8] = static_cast<std::uint8_t>((guid.bytes[8] & 0x3F) | 0x80);
+  const std::string texto = guid.Texto();
+  sqlite3_result_text64(contexto, texto.data(), texto.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+}  // namespace
+
+void FuenteMdb::Unir(sqlite3* espejo, std::function<void()> al_escribir) {
+  espejo_ = espejo;
+  al_escribir_ = std::move(al_escribir);
+  constexpr int kMarcas = SQLITE_UTF8 | SQLITE_INNOCUOUS;
+  sqlite3_create_function_v2(espejo, "idm_siguiente", 1, kMarcas, this, Siguiente, nullptr, nullptr, nullptr);
+  sqlite3_create_function_v2(espejo, "idm_visto", 2, kMarcas, this, Visto, nullptr, nullptr, nullptr);
+  sqlite3_create_function_v2(espejo, "idm_falla", 1, kMarcas, this, Falla, nullptr, nullptr, nullptr);
+  sqlite3_create_function_v2(espejo, "idm_guid", 0, kMarcas, this, GuidNuevo, nullptr, nullptr, nullptr);
+  sqlite3_update_hook(espejo, AlCambiar, this);
+  sqlite3_set_authorizer(espejo, Autorizar, this);
+  // A cascade over a table that refers to itself runs its own trigger again.
+  engine_sqlite::EjecutarPropio(espejo, "PRAGMA recursive_triggers=ON; PRAGMA foreign_keys=OFF");
+}
+
+void FuenteMdb::Soltar() {
+  if (espejo_ != nullptr) {
+    sqlite3_update_hook(espejo_, nullptr, nullptr);
+    sqlite3_set_authorizer(espejo_, nullptr, nullptr);
+  }
+  tablas_.clear();
+  por_numero_.clear();
+  pedidas_.clear();
+  sin_indices_.clear();
+  ultima_ = nullptr;
+  espejo_ = nullptr;
+}
+
+// Without this a DELETE of all rows empties the table at once, and nobody is told of its rows.
+int FuenteMdb::Autorizar(void* fuente, int accion, const char* tabla, const char*, const char* base,
+                         const char*) {
+  if (accion != SQLITE_DELETE || static_cast<FuenteMdb*>(fuente)->propio_) return SQLITE_OK;
+  if (base == nullptr || std::string_view(base) != "main" || tabla == nullptr) return SQLITE_OK;
+  return base::EmpiezaCon(tabla, "sqlite_") ? SQLITE_OK : SQLITE_IGNORE;
+}
+
+void FuenteMdb::AlCambiar(void* fuente, int, const char* base, const char* tabla, sqlite3_int64 fila) {
+  auto& f = *static_cast<FuenteMdb*>(fuente);
+  if (f.propio_ || std::string_view(base) != "main") return;
+  if (f.ultima_ == nullptr || f.ultima_->info.nombre != tabla) f.ultima_ = f.Buscar(tabla);
+  if (f.ultima_ != nullptr) f.ultima_->tocadas.push_back(fila);
+}
+
+std::int64_t FuenteMdb::SiguienteAutomatico(int tabla) {
+  TablaEspejo& t = *por_numero_.at(static_cast<std::size_t>(tabla));
+  return t.estado.ultimo_automatico += std::max(t.definicion.incremento, std::int32_t{1});
+}
+
+void FuenteMdb::VerAutomatico(int tabla, std::int64_t valor) {
+  TablaEspejo& t = *por_numero_.at(static_cast<std::size_t>(tabla));
+  t.estado.ultimo_automatico = std::max(t.estado.ultimo_automatico, valor);
+}
+
+TablaEspejo* FuenteMdb::Buscar(std::string_view nombre) const {
+  const auto it = tablas_.find(base::Minusculas(nombre));
+  return it == tablas_.end() ? nullptr : it->second.get();
+}
+
+std::string FuenteMdb::MotivoDe(const mdb::Objeto& objeto, const TablaEspejo& t) const {
+  if (objeto.tipo != mdb::Objeto::Tabla)
+    return "La tabla " + objeto.nombre + " está vinculada a otro archivo (" + objeto.base +
+           "): desde aquí se puede leer, no escribir.";
+  if (!base_.MotivoSoloLectura().empty()) return base_.MotivoSoloLectura();
+  if (objeto.DeSistema()) return "La tabla " + objeto.nombre + " es del sistema: se puede leer, no escribir.";
+  std::string motivo = mdb::MotivoNoEscribible(base_.Cab(), t.definicion);
+  if (!motivo.empty()) motivo = "La tabla " + objeto.nombre + " no se puede escribir: " + motivo;
+  return motivo;
+}
+
+std::unique_ptr<TablaEspejo> FuenteMdb::Describir(const mdb::Objeto& objeto) const {
+  auto t = std::make_unique<TablaEspejo>();
+  t->base = objeto.tipo == mdb::Objeto::Tabla ? &base_ : &vinculos_.Abrir(objeto);
+  t->nombre_en_base = objeto.tipo == mdb::Objeto::Tabla ? objeto.nombre : objeto.nombre_externo;
+  const auto definicion = t->base->Indice().Tabla(t->nombre_en_base);
+  if (definicion == nullptr)
+    throw base::Error("La tabla vinculada " + objeto.nombre + " nombra la tabla " + t->nombre_en_base +
+                      ", que no está en " + objeto.base + ".");
+  // The catalog keeps a definition since it was first read; its counters may have moved.
+  t->definicion = mdb::LeerDefinicion(t->base->Hojas(), definicion->Pagina());
+  t->definicion.nombre = definicion->nombre;
+  t->columnas = t->definicion.EnOrden();
+  t->info.nombre = objeto.nombre;
+  for (const std::size_t i : t->columnas) {
+    const mdb::Columna& c = t->definicion.columnas[i];
+    if (c.Autonumerica() && c.tipo == mdb::TipoColumna::Largo)
+      t->automatica = static_cast<int>(t->info.columnas.size());
+    t->info.columnas.push_back({c.nombre, TipoDe(c.tipo)});
+  }
+  t->motivo = MotivoDe(objeto, *t);
+  t->estado.ultimo_automatico = t->definicion.ultimo_automatico;
+  t->guardado = t->estado;
+  return t;
+}
+
+const jetsql::TablaInfo* FuenteMdb::Tabla(std::string_view nombre) const {
+  TablaEspejo* t = Buscar(nombre);
+  if (t == nullptr) {
+    const mdb::Objeto* objeto = base_.Indice().Buscar(nombre);
+    if (objeto == nullptr || objeto->tipo == mdb::Objeto::Consulta) return nullptr;
+    if (objeto->tipo == mdb::Objeto::VinculadaOdbc)
+      throw base::Error("La tabla " + objeto->nombre +
+                        " está vinculada por ODBC a otra base: no se puede leer desde aquí.");
+    if (base::EmpiezaCon(objeto->nombre, "sqlite_", base::Comparar::SinCaso))
+      throw base::Error("El nombre " + objeto->nombre + " está reservado.");
+    auto nueva = Describir(*objeto);
+    nueva->numero = static_cast<int>(por_numero_.size());
+    t = nueva.get();
+    por_numero_.push_back(t);
+    tablas_.emplace(base::Minusculas(objeto->nombre), std::move(nueva));
+  }
+  if (!t->estado.cargada && std::find(pedidas_.begin(), pedidas_.end(), t) == pedidas_.end())
+    pedidas_.push_back(t);
+  return &t->info;
+}
+
+const std::string* FuenteMdb::Consulta(std::string_view nombre) const {
+  std::string clave = base::Minusculas(nombre);
+  if (const auto it = consultas_.find(clave); it != consultas_.end()) return &it->second;
+  const mdb::Objeto* objeto = base_.Indice().Buscar(nombre);
+  if (objeto == nullptr || objeto->tipo != mdb::Objeto::Consulta) return nullptr;
+  const mdb::ConsultaGuardada consulta = base_.Indice().ConsultaDe(nombre);
+  const mdb::ClaseConsulta clase = mdb::ClaseDe(consulta);
+  if (!mdb::DaFilas(clase) && clase != mdb::ClaseConsulta::Cruzada)
+    throw base::Error("La consulta '" + objeto->nombre + "' es " + mdb::NombreDeClase(clase) +
+                      ": no da filas y no se puede usar como tabla");
+  std::string texto = mdb::TextoDeConsulta(consulta);
+  try {
+    jetsql::Analizar(texto);
+  } catch (const base::Error& e) {
+    throw base::Error("La consulta '" + objeto->nombre + "' no se puede usar: " + e.Descripcion());
+  }
+  return &consultas_.emplace(std::move(clave), std::move(texto)).first->second;
+}
+
+void FuenteMdb::Ejecutar(const std::string& sql) { engine_sqlite::EjecutarPropio(espejo_, sql.c_str()); }
+
+void FuenteMdb::Cargar(TablaEspejo& t) {
+  if (t.estado.cargada) return;
+  const Propio propio(propio_);
+  Ejecutar("SAVEPOINT idm_espejo");
+  try {
+    Ejecutar(TextoDeCrear(t, t.base->Indice().PropiedadesDe(t.nombre_en_base)));
+    contadores_.filas_leidas += Llenar(espejo_, t);
+  } catch (const base::Error&) {
+    sqlite3_exec(espejo_, "ROLLBACK TO idm_espejo; RELEASE idm_espejo", nullptr, nullptr, nullptr);
+    throw;
+  }
+  Ejecutar("RELEASE idm_espejo");
+  t.estado.cargada = true;
+  ++contadores_.espejos;
+  if (t.estado.filas->size() <= kFilasSinEsperar) return Indexar(t);
+  sin_indices_.push_back(&t);
+  sentencias_ = 0;
+}
+
+void FuenteMdb::Indexar(TablaEspejo& t) {
+  if (t.estado.indices) return;
+  const Propio propio(propio_);
+  CrearIndices(espejo_, t);
+  t.estado.indices = true;
+}
+
+void FuenteMdb::AtenderPendientes() {
+  if (sin_indices_.empty() || ++sentencias_ <= kSentenciasSinIndices) return;
+  for (TablaEspejo* t : sin_indices_)
+    if (t->estado.cargada) Indexar(*t);
+  sin_indices_.clear();
+}
+
+TablaEspejo* FuenteMdb::Mirar(std::string_view nombre) {
+  if (Tabla(nombre) == nullptr) return nullptr;
+  TablaEspejo* t = Buscar(nombre);
+  Cargar(*t);
+  return t;
+}
+
+void FuenteMdb::AntesDeCorrer(const jetsql::Traduccion& sentencia) {
+  for (TablaEspejo* t : pedidas_) Cargar(*t);
+  pedidas_.clear();
+  AtenderPendientes();
+  if (sentencia.escribe.empty()) return;
+  for (const std::string& nombre : sentencia.escribe)
+    Preparar(Local(nombre), sentencia.clase != jetsql::Clase::Insercion);
+  al_escribir_();
+}
+
+TablaEspejo& FuenteMdb::Local(const std::string& nombre) {
+  TablaEspejo* t = Mirar(nombre);
+  if (t == nullptr) throw base::Error("No se encuentra la tabla o consulta '" + nombre + "'");
+  return *t;
+}
+
+void FuenteMdb::GuardarEstado() {
+  for (auto& [clave, t] : tablas_) t->guardado = t->estado;
+}
+
+void FuenteMdb::VolverAlEstado() {
+  por_asentar_.clear();
+  for (auto& [clave, t] : tablas_) {
+    t->estado = t->guardado;
+    t->tocadas.clear();
+    if (!t->estado.cargada) t->por_fila.reset();
+  }
+  std::erase_if(sin_indices_, [](const TablaEspejo* t) { return !t->estado.cargada; });
+  for (auto& [clave, t] : tablas_)
+    if (t->estado.cargada && !t->estado.indices &&
+        std::find(sin_indices_.begin(), sin_indices_.end(), t.get()) == sin_indices_.end())
+      sin_indices_.push_back(t.get());
+}
+
+void FuenteMdb::Quitar(Tablas::iterator it) {
+  TablaEspejo* t = it->second.get();
+  t->por_fila.reset();
+  if (t->estado.cargada) {
+    const Propio propio(propio_);
+    Ejecutar("DROP TABLE IF EXISTS " + Citado(t->info.nombre));
+  }
+  por_numero_[static_cast<std::size_t>(t->numero)] = nullptr;
+  std::erase(sin_indices_, t);
+  std::erase(pedidas_, t);
+  if (ultima_ == t) ultima_ = nullptr;
+  tablas_.erase(it);
+}
+
+void FuenteMdb::Descartar(const std::vector<std::string>& tablas) {
+  consultas_.clear();
+  for (const std::string& nombre : tablas)
+    if (const auto it = tablas_.find(base::Minusculas(nombre)); it != tablas_.end()) Quitar(it);
+  for (auto& [clave, t] : tablas_) t->estado.listo_para_insertar = t->estado.listo_para_todo = false;
+}
+
+// By what SQLite holds, since a rollback brings back mirrors that had been dropped.
+void FuenteMdb::DescartarTodo() {
+  while (!tablas_.empty()) Quitar(tablas_.begin());
+  std::vector<std::string> quedan;
+  {
+    const engine_sqlite::Sentencia s = engine_sqlite::Preparar(
+        espejo_,
+        "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\'");
+    while (sqlite3_step(s.get()) == SQLITE_ROW)
+      quedan.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0)));
+  }
+  const Propio propio(propio_);
+  for (const std::string& nombre : quedan) Ejecutar("DROP TABLE " + Citado(nombre));
+  por_numero_.clear();
+  consultas_.clear();
+  vinculos_.Olvidar();
+}
+
+}  // namespace engine_mdb

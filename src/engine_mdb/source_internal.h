@@ -1,0 +1,114 @@
+// The mirrors of a file: what the translator asks, what is read on first use, what has changed.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "engine_mdb/mdb_connection.h"
+#include "engine_mdb/mirror_internal.h"
+
+namespace engine_mdb {
+
+// A file that linked tables name, opened once for reading.
+class Vinculos {
+ public:
+  explicit Vinculos(std::string ruta) : ruta_(std::move(ruta)) {}
+  // Throws base::Error, naming the link, when it leads to another kind of source or its file cannot be read.
+  mdb::Base& Abrir(const mdb::Objeto& objeto);
+  void Olvidar() { abiertos_.clear(); }
+
+ private:
+  std::string ruta_;  // of our file
+  std::map<std::string, std::unique_ptr<mdb::Base>> abiertos_;
+};
+
+class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
+ public:
+  FuenteMdb(mdb::Base& base, std::string_view ruta, Contadores& contadores)
+      : base_(base), vinculos_(std::string(ruta)), contadores_(contadores) {}
+  // The handle on which the mirrors live; registers what they call. `al_escribir` is called before a
+  // statement that writes, when all is ready for it.
+  void Unir(sqlite3* espejo, std::function<void()> al_escribir);
+  // Drops every prepared statement, before the handle closes.
+  void Soltar();
+
+  const jetsql::TablaInfo* Tabla(std::string_view nombre) const override;
+  const std::string* Consulta(std::string_view nombre) const override;
+  void AntesDeCorrer(const jetsql::Traduccion& sentencia) override;
+
+  // A statement begins: what another one asked for and did not use is forgotten.
+  void Empezar() { pedidas_.clear(); }
+  // The table's mirror, read if it was not; null when there is no such table.
+  TablaEspejo* Mirar(std::string_view nombre);
+
+  // Transactions, inside one of SQLite's.
+  void GuardarEstado();
+  void VolverAlEstado();
+  bool HayCambios() const;
+  // Brings the file's pages to what the mirrors hold; the rows' new identities wait for Asentar, `definitivo`
+  // when the transaction has ended.
+  void EscribirCambios();
+  void Asentar(bool definitivo);
+
+  // After the file's definitions changed: the mirrors of these tables, or of all, and every text of a query
+  // are made anew when they are next named. Their changes must have been written.
+  void Descartar(const std::vector<std::string>& tablas);
+  void DescartarTodo();
+
+  // The functions that the mirrors call.
+  std::int64_t SiguienteAutomatico(int tabla);
+  void VerAutomatico(int tabla, std::int64_t valor);
+
+ private:
+  using Tablas = std::unordered_map<std::string, std::unique_ptr<TablaEspejo>>;
+
+  TablaEspejo* Buscar(std::string_view nombre) const;
+  std::unique_ptr<TablaEspejo> Describir(const mdb::Objeto& objeto) const;
+  std::string MotivoDe(const mdb::Objeto& objeto, const TablaEspejo& tabla) const;
+  void Cargar(TablaEspejo& tabla);
+  void Indexar(TablaEspejo& tabla);
+  void AtenderPendientes();
+  void Preparar(TablaEspejo& tabla, bool todo);
+  void VigilarAutomatico(const TablaEspejo& tabla);
+  void VigilarComoHija(const TablaEspejo& hija, const mdb::RelacionDeTablas& relacion);
+  void VigilarComoPadre(const TablaEspejo& padre, const mdb::RelacionDeTablas& relacion);
+  void Ejecutar(const std::string& sql);
+  TablaEspejo& Local(const std::string& nombre);
+  void EscribirTabla(TablaEspejo& tabla);
+  void Quitar(Tablas::iterator it);
+
+  static void AlCambiar(void* fuente, int que, const char* base, const char* tabla, sqlite3_int64 fila);
+  static int Autorizar(void* fuente, int accion, const char* a, const char* b, const char* c, const char* d);
+
+  struct Identidad {
+    TablaEspejo* tabla;
+    sqlite3_int64 fila;
+    mdb::IdFila id;
+  };
+
+  mdb::Base& base_;
+  mutable Vinculos vinculos_;
+  Contadores& contadores_;
+  sqlite3* espejo_ = nullptr;
+  std::function<void()> al_escribir_;
+
+  mutable Tablas tablas_;  // by name in lower case
+  mutable std::vector<TablaEspejo*> por_numero_;
+  mutable std::unordered_map<std::string, std::string> consultas_;
+  mutable std::vector<TablaEspejo*> pedidas_;  // by the statement that is being translated
+  std::vector<TablaEspejo*> sin_indices_;      // large ones, read so far without
+  int sentencias_ = 0;                         // run since the last of those was read
+  std::vector<Identidad> por_asentar_;
+  bool propio_ = false;            // what runs is ours: not noted as a change
+  TablaEspejo* ultima_ = nullptr;  // of the last change noted
+};
+
+}  // namespace engine_mdb
