@@ -1,9 +1,11 @@
 #include "app/conector.h"
 
+#include "app/conector_internal.h"
 #include "base/encoding.h"
 #include "base/file.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "engine_odbc/odbc_connection.h"
 #include "engine_sqlite/sqlite_connection.h"
 #include "settings/config_file.h"
 
@@ -18,8 +20,6 @@ bool EsAccess(std::string_view bytes) {
   bytes.remove_prefix(4);
   return base::EmpiezaCon(bytes, kMarcaJet) || base::EmpiezaCon(bytes, kMarcaAce);
 }
-
-Conexion Fallo(std::string motivo) { return {nullptr, 0, std::move(motivo)}; }
 
 Conexion AbrirSqlite(const std::string& ruta, const ports::Clock& reloj) {
   Conexion c;
@@ -37,6 +37,8 @@ Conexion AbrirArchivo(const std::string& ruta, const ports::Clock& reloj) {
   if (!base::ExisteArchivo(ruta)) return Fallo("El archivo '" + ruta + "' no existe");
   const auto cabecera = base::LeerPrincipio(ruta, 64);
   if (!cabecera) return Fallo("No se puede leer el archivo '" + ruta + "'");
+  // Other programs may have the file open: where there is a driver that shares it with them, it is used.
+  if (EsAccess(*cabecera) && engine_odbc::HayDriverDeAccess()) return AbrirOdbc({ruta, ruta, {}, {}});
   if (EsAccess(*cabecera))
     return Fallo("'" + ruta +
                  "' es una base de Access: esta versión abre solamente bases del motor propio (sqlite)");
@@ -57,6 +59,12 @@ std::int32_t IdUsuario(std::string_view texto) {
   return id;
 }
 
+// Of the database; its blanks count.
+std::string Contrasena(const std::string& texto) {
+  std::string contrasena = settings::ValorDeTexto(texto, "Contraseña");
+  return contrasena.empty() ? settings::ValorDeTexto(texto, "Contrasena") : contrasena;
+}
+
 Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
   const auto bytes = base::LeerArchivo(ruta);
   if (!bytes) return Fallo("No se puede leer el archivo '" + ruta + "'");
@@ -65,14 +73,21 @@ Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
   const auto valor = [&](const char* clave) { return base::Trim(settings::ValorDeTexto(texto, clave)); };
   const std::string motor = base::Minusculas(valor("Motor")), nombre = valor("Base");
   if (nombre.empty()) return Fallo("'" + ruta + "' no dice qué base abrir (falta la clave Base)");
-  if (!motor.empty() && motor != "sqlite") return Fallo("'" + ruta + "' pide un motor desconocido: " + motor);
-  Conexion c =
-      AbrirArchivo(EsRelativa(nombre) ? base::UnirRuta(base::CarpetaDe(ruta), nombre) : nombre, reloj);
+  const std::string en_disco = EsRelativa(nombre) ? base::UnirRuta(base::CarpetaDe(ruta), nombre) : nombre;
+  Conexion c;
+  if (motor == "odbc")
+    c = AbrirOdbc({nombre, en_disco, Contrasena(texto), valor("Driver")});
+  else if (motor.empty() || motor == "sqlite")
+    c = AbrirArchivo(en_disco, reloj);
+  else
+    return Fallo("'" + ruta + "' pide un motor desconocido: " + motor);
   c.id_Usuario = IdUsuario(valor("Usuario"));
   return c;
 }
 
 }  // namespace
+
+Conexion Fallo(std::string motivo) { return {nullptr, 0, std::move(motivo)}; }
 
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj) {
   if (!base::IgualSinCaso(base::NombreDe(referencia), "ConfBase.cfg")) return AbrirArchivo(referencia, reloj);

@@ -16,9 +16,16 @@ struct Conexion {
   std::string motivo;                        // why it is null, in Spanish
 };
 
-// The reference is a path. A file with an SQLite header opens with the embedded engine; ConfBase.cfg is a
-// text of the settings format with the keys Motor ("sqlite"), Base (a path, relative to its own folder) and
-// optionally Usuario; its lines may end in LF alone. Never throws for what a user can cause.
+// The reference is a path. A file with an SQLite header opens with the embedded engine, an Access file with
+// the Access driver of ODBC where there is one. ConfBase.cfg is a text of the settings format; its lines may
+// end in LF alone:
+//   Motor       "sqlite" or "odbc"; when absent the file's header decides
+//   Base        a path, relative to its own folder; for odbc also a connection string (a text with a "=") or
+//               the name of a data source
+//   Driver      for odbc with a file: the driver's name, when it is not the Access driver
+//   Contraseña  of the database; also "Contrasena"
+//   Usuario     the id_Usuario written into headers
+// Never throws for what a user can cause.
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj);
 
 }  // namespace app

@@ -35,6 +35,10 @@ struct Funcion {
 // CHOOSE, ISNULL and the aggregates are the translator's own and are not in this table.
 const Funcion* BuscarFuncion(std::string_view nombre);
 
+// Whether the dialect has a function of that name, the translator's own and the aggregates included; DLookup
+// and its kin, which hold statements of their own in texts, are not.
+bool ConoceFuncion(std::string_view nombre);
+
 // All of them, by name.
 std::span<const Funcion> Funciones();
 

@@ -1,6 +1,7 @@
 #include "jetsql/types_internal.h"
 
 #include "base/text.h"
+#include "jetsql/functions.h"
 #include "jetsql/runtime.h"
 
 namespace jetsql {
@@ -117,6 +118,10 @@ Especial BuscarEspecial(std::string_view nombre) {
   for (const auto& p : kPares)
     if (base::IgualSinCaso(p.nombre, nombre)) return p.especial;
   return Especial::Ninguna;
+}
+
+bool ConoceFuncion(std::string_view nombre) {
+  return BuscarFuncion(nombre) != nullptr || BuscarEspecial(nombre) != Especial::Ninguna;
 }
 
 base::Tipo TipoDeDeclaracion(std::string_view declaracion) {

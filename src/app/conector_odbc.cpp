@@ -1,0 +1,20 @@
+#include "app/conector_internal.h"
+#include "base/file.h"
+#include "engine_odbc/odbc_connection.h"
+
+namespace app {
+
+Conexion AbrirOdbc(const OrigenOdbc& origen) {
+  Conexion c;
+  try {
+    const bool es_archivo = base::ExisteArchivo(origen.en_disco);
+    c.conexion = engine_odbc::Abrir(
+        es_archivo ? engine_odbc::CadenaParaArchivo(origen.en_disco, origen.contrasena, origen.driver)
+                   : engine_odbc::CadenaDe(origen.base, origen.contrasena));
+  } catch (const base::Error& e) {
+    c.motivo = e.Descripcion();
+  }
+  return c;
+}
+
+}  // namespace app

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <unordered_set>
+
+#include "engine_odbc/catalog_internal.h"
+#include "engine_odbc/odbc_connection.h"
+
+namespace engine_odbc {
+
+class ConexionOdbc final : public db::Connection {
+ public:
+  ConexionOdbc(std::string_view cadena, const Opciones& opciones);
+  ConexionOdbc(const ConexionOdbc&) = delete;
+  ConexionOdbc& operator=(const ConexionOdbc&) = delete;
+  ~ConexionOdbc() override { Desconectar(); }
+
+  bool Abierta() const override { return conectada_; }
+  void Cerrar() override;
+  db::Recordset Ejecutar(std::string_view sql) override;
+  db::Recordset Consultar(std::string_view sql) override;
+  std::int64_t FilasAfectadas() const override { return afectadas_; }
+  void BeginTrans() override;
+  void CommitTrans() override;
+  void RollbackTrans() override;
+  bool EnTransaccion() const override { return en_transaccion_; }
+
+ private:
+  void Conectar(std::string_view cadena, const Opciones& opciones);
+  void Desconectar();
+  void VerificarUtil();
+  bool Autocommit(bool si);
+  db::Recordset Correr(std::string_view sql);
+  SQLRETURN Mandar(const std::string& texto);
+  db::Recordset Recoger(std::string_view sql);
+  // The statement as the driver is to get it.
+  std::string TextoParaElDriver(std::string_view sql);
+  bool EstaMuerta() const;
+  void Perder();
+  // Throws what the driver says; a failure that means the loss of the connection closes it.
+  [[noreturn]] void Fallar(SQLSMALLINT que, SQLHANDLE manejador, std::string_view si_nada);
+
+  // In the order in which they are needed: the driver manager frees from the inside out.
+  Ambiente ambiente_;
+  Enlace enlace_;
+  Cursor cursor_;  // of every statement; closed between them
+  CatalogoOdbc catalogo_{enlace_};
+  std::unordered_set<std::string> sin_tocar_;  // shapes of statements whose text needs nothing
+  std::int64_t afectadas_ = 0;
+  bool conectada_ = false;
+  bool perdida_ = false;
+  bool solo_lectura_ = false;
+  bool con_transacciones_ = false;  // what the driver says of itself
+  bool en_transaccion_ = false;
+  bool autocommit_ = true;
+  std::optional<bool> pierde_caracteres_;  // asked when a text has one that might be lost
+};
+
+}  // namespace engine_odbc

@@ -1,0 +1,136 @@
+// From a text to its rows.
+#include <algorithm>
+#include <array>
+
+#include "base/text.h"
+#include "engine_odbc/connection_internal.h"
+#include "engine_odbc/qualifiers_internal.h"
+#include "engine_odbc/reading_internal.h"
+#include "engine_odbc/rows_internal.h"
+#include "jetsql/parser.h"
+
+namespace engine_odbc {
+namespace {
+
+constexpr std::size_t kFormasRecordadas = 500;
+constexpr std::size_t kTextoMasLargo = 1U
+                                       << 28;  // units that the driver manager's length can tell, with room
+
+// Leaves the cursor ready for the next statement, whatever happened in this one.
+class CerrarCursor {
+ public:
+  explicit CerrarCursor(const Cursor& cursor) : cursor_(cursor) {}
+  CerrarCursor(const CerrarCursor&) = delete;
+  CerrarCursor& operator=(const CerrarCursor&) = delete;
+  ~CerrarCursor() {
+    if (cursor_) SQLFreeStmt(cursor_.Crudo(), SQL_CLOSE);  // gone when the connection was lost
+  }
+
+ private:
+  const Cursor& cursor_;
+};
+
+bool EsDeDatos(std::string_view sql) {
+  const std::size_t inicio = sql.find_first_not_of(" \t\r\n(");
+  if (inicio == std::string_view::npos) return true;
+  constexpr std::array<std::string_view, 4> kVerbos = {"SELECT", "INSERT", "UPDATE", "DELETE"};
+  for (const std::string_view verbo : kVerbos)
+    if (base::EmpiezaCon(sql.substr(inicio), verbo, base::Comparar::SinCaso)) return true;
+  return false;
+}
+
+// A character beyond U+FFFF takes four bytes.
+bool TieneLejanos(std::string_view texto) {
+  return std::any_of(texto.begin(), texto.end(),
+                     [](char c) { return static_cast<unsigned char>(c) >= 0xF0; });
+}
+
+}  // namespace
+
+db::Recordset ConexionOdbc::Ejecutar(std::string_view sql) {
+  VerificarUtil();
+  afectadas_ = 0;
+  if (solo_lectura_) ComprobarQueSoloLee(sql);
+  return Correr(sql);
+}
+
+db::Recordset ConexionOdbc::Consultar(std::string_view sql) {
+  VerificarUtil();
+  afectadas_ = 0;
+  ComprobarQueSoloLee(sql);
+  return Correr(sql);
+}
+
+std::string ConexionOdbc::TextoParaElDriver(std::string_view sql) {
+  jetsql::Forma forma;
+  if (!jetsql::SepararLiterales(sql, forma) || sin_tocar_.contains(forma.clave)) return std::string(sql);
+  std::string texto(sql);
+  bool cambio = false;
+  // What the dialect does not know is for the driver to judge.
+  base::ErrorIgnorado("ODBC: calificadores", nullptr, [&] {
+    jetsql::Sentencia sentencia = jetsql::Analizar(sql);
+    cambio = Calificadores(catalogo_).Resolver(sentencia);
+    if (cambio) texto = jetsql::Imprimir(sentencia);
+  });
+  if (!cambio) {
+    if (sin_tocar_.size() >= kFormasRecordadas) sin_tocar_.clear();
+    sin_tocar_.insert(std::move(forma.clave));
+  }
+  return texto;
+}
+
+db::Recordset ConexionOdbc::Correr(std::string_view sql) {
+  if (base::TrimVista(sql).empty()) throw db::Error("La sentencia está vacía.");
+  // A driver that ends the text at a NUL would run a DELETE without its condition.
+  if (sql.find('\0') != std::string_view::npos)
+    throw db::Error("La sentencia tiene un carácter nulo, que la base no admite.");
+  if (sql.size() > kTextoMasLargo) throw db::Error("La sentencia es demasiado larga.");
+  const std::string texto = TextoParaElDriver(sql);
+  if (!cursor_) {
+    cursor_ = CrearCursor(enlace_);
+    // Braces inside a text are the text's own. A driver that cannot be told so keeps its habit.
+    SQLSetStmtAttrW(cursor_.Crudo(), SQL_ATTR_NOSCAN, reinterpret_cast<SQLPOINTER>(SQL_NOSCAN_ON),
+                    SQL_IS_UINTEGER);
+  }
+  const CerrarCursor cerrar(cursor_);
+  const SQLRETURN rc = Mandar(texto);
+  if (rc != SQL_NO_DATA && !SQL_SUCCEEDED(rc))  // no data: a change that found no row
+    Fallar(SQL_HANDLE_STMT, cursor_.Crudo(), "La base no pudo ejecutar la sentencia");
+  if (!EsDeDatos(sql)) {
+    catalogo_.Olvidar();
+    sin_tocar_.clear();
+  }
+  if (rc == SQL_NO_DATA) return {nullptr, {}, std::string(sql)};
+  return Recoger(sql);
+}
+
+SQLRETURN ConexionOdbc::Mandar(const std::string& texto) {
+  TextoAncho ancho(texto);
+  if (TieneLejanos(texto)) {
+    if (!pierde_caracteres_) pierde_caracteres_ = PierdeCaracteres(enlace_.Crudo());
+    if (*pierde_caracteres_) {  // then the driver takes bytes, and the driver manager hands over ours
+                                // untouched
+      std::string bytes = texto;
+      return SQLExecDirectA(cursor_.Crudo(), reinterpret_cast<SQLCHAR*>(bytes.data()),
+                            static_cast<SQLINTEGER>(bytes.size()));
+    }
+  }
+  return SQLExecDirectW(cursor_.Crudo(), ancho.Datos(), ancho.Largo());
+}
+
+db::Recordset ConexionOdbc::Recoger(std::string_view sql) {
+  try {
+    Lector lector(cursor_.Crudo());
+    if (lector.Columnas()->empty()) {
+      SQLLEN filas = 0;
+      if (SQL_SUCCEEDED(SQLRowCount(cursor_.Crudo(), &filas)) && filas > 0) afectadas_ = filas;
+      return {lector.Columnas(), {}, std::string(sql)};
+    }
+    return {lector.Columnas(), lector.Filas(), std::string(sql)};
+  } catch (const db::Error& e) {
+    if (EsDePerdida(e) || EstaMuerta()) Perder();
+    throw;
+  }
+}
+
+}  // namespace engine_odbc

@@ -1,0 +1,87 @@
+// An ODBC driver for tests, which does what a driver may do and real ones seldom show: the connection string
+// and the statements say what.
+//
+// Connection string: Txn=0 (no transactions), Catalogo=T:a,b/U:c (its tables and columns; "roto": fails),
+// Commit=falla, Rollback=falla, Total=no (never tells the length of what is left), Clave=x (PWD must be it).
+//
+// Statements, words parted by blanks:
+//   FILAS name:type[:driver's name for the type] …   then a line a row, cells parted by "|"; NULL is Null,
+//                                             ~n is a text of n characters 0123… before the rest, \0 a NUL
+//   CAMBIA n                                  n rows changed
+//   NADA                                      a change that found no row (SQL_NO_DATA)
+//   AVISA …                                   the statement after it, with a warning
+//   FALLA state text; state text …            these records
+//   PIERDE / MUERE                            the connection goes: by its state / by the attribute alone
+//   PIERDE_LEYENDO                            a row, and then the connection goes
+//   CUENTAS                                   autocommit, commits and rollbacks so far
+//   anything else                             one row: the text that came
+#pragma once
+
+#include <sql.h>
+#include <sqlext.h>
+#include <sqlucode.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace falso {
+
+using Ancho = std::u16string;
+
+struct Registro {
+  std::string estado;
+  Ancho texto;
+};
+
+struct Objeto {  // what every handle is
+  std::vector<Registro> registros;
+};
+
+struct Ambiente : Objeto {};
+
+struct Enlace : Objeto {
+  bool con_transacciones = true, commit_falla = false, rollback_falla = false, con_total = true;
+  bool muerto = false, autocommit = true, catalogo_roto = false;
+  int confirmadas = 0, deshechas = 0;
+  std::vector<std::pair<Ancho, std::vector<Ancho>>> catalogo;
+};
+
+struct Columna {
+  Ancho nombre, nombre_de_tipo;
+  SQLSMALLINT tipo = SQL_WVARCHAR;
+};
+
+struct Celda {
+  bool nula = false;
+  Ancho texto;
+};
+
+struct Cursor : Objeto {
+  Enlace* enlace = nullptr;
+  std::vector<Columna> columnas;
+  std::vector<std::vector<Celda>> filas;
+  std::size_t fila = 0;  // of the last SQLFetch, from 1
+  SQLUSMALLINT leyendo = 0;
+  std::size_t leido = 0;  // bytes of the cell that is being read
+  SQLLEN cambiadas = -1;
+  bool pierde_al_final = false;
+};
+
+// As the driver manager wants a text back: what fits, a NUL, and the whole length in characters.
+void Dar(const Ancho& texto, SQLWCHAR* destino, SQLSMALLINT caben, SQLSMALLINT* largo);
+Ancho DeAscii(const std::string& texto);
+// `largo` characters, or up to the NUL for SQL_NTS.
+Ancho Leer(const SQLWCHAR* texto, SQLINTEGER largo);
+
+SQLRETURN Fallar(Objeto* objeto, const std::string& estado, const std::string& texto);
+SQLRETURN Perder(Cursor& c);
+
+// What the connection string asks for; false when its password is not the right one.
+bool Configurar(Enlace& e, const Ancho& cadena);
+SQLRETURN Correr(Cursor& c, const Ancho& texto);
+void Vaciar(Cursor& c);
+SQLRETURN DarCelda(Cursor& c, const Celda& celda, SQLSMALLINT tipo_c, SQLPOINTER destino, SQLLEN caben,
+                   SQLLEN* largo);
+
+}  // namespace falso
