@@ -18,12 +18,6 @@ bool EsDeCambio(const std::string& paso) {
   return false;
 }
 
-// The first step of a change may say how many rows it affects.
-bool EmpiezaConsulta(const std::string& paso) {
-  constexpr std::string_view kVerbo = "SELECT";
-  return std::string_view(paso).substr(0, kVerbo.size()) == kVerbo;
-}
-
 // Leaves a statement ready for its next run, whatever happened in this one.
 class Reponer {
  public:
@@ -217,15 +211,13 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
     Ligar(s, i + 1, literales[i]);
   const int ancho = sqlite3_column_count(s);
   const bool guardar = celdas != nullptr && ancho > 0 && ancho == static_cast<int>(p.columnas->size());
-  const bool contadas = celdas == nullptr && EmpiezaConsulta(p.traduccion.pasos[0]);
   int rc = SQLITE_OK;
   while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
-    if (contadas && paso == 0) afectadas_ = sqlite3_column_int64(s, 0);
     if (!guardar) continue;
     for (int i = 0; i < ancho; ++i) celdas->push_back(DeColumna(s, i, (*p.columnas)[i].tipo));
   }
   if (rc != SQLITE_DONE) LanzarDePaso();
-  if (EsDeCambio(texto) && !contadas) afectadas_ = sqlite3_changes64(base_.get());
+  if (EsDeCambio(texto)) afectadas_ = sqlite3_changes64(base_.get());
 }
 
 void ConexionSqlite::LanzarDePaso() {

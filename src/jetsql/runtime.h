@@ -12,40 +12,40 @@
 // must be registered as such. Unless said otherwise a NULL argument gives NULL. Errors are base::Error
 // numbers.
 //
-//   helper                      result
-//   --------------------------
-//   --------------------------------------------------------------------------------- jet_concat(tags, a, b,
-//   …)   the "&" chain: texts of the arguments by the locale and the tag, joined; a NULL is
-//                               the empty text; NULL when all are NULL. With one argument: its text (as
-//                               CStr), or NULL; a value going into a text column is written so.
-//   jet_add(tags, a, b)         "+" where a type is text or unknown: two texts are joined; otherwise both are
-//   read as
-//                               numbers (error 13 for a text that is none) and added: INTEGER when both are.
-//   jet_num(a)                  a number: numbers pass through unchanged, a text by the locale as CDbl reads
-//   it
-//                               (INTEGER when it is a whole number of 64 bits), error 13 otherwise.
-//   jet_div(a, b)               a / b as REAL; b = 0 is error 11. Text arguments as jet_num (so in the next
-//   three). jet_idiv(a, b)              both rounded half to even to integers, then truncated division;
-//   error 11. jet_mod(a, b)               both rounded likewise, the remainder has a's sign; error 11.
-//   jet_pow(a, b)               a ^ b as REAL; error 5 where there is no real result, 6 on overflow.
-//   jet_like(a, pattern, mode)  1 or 0; mode 0: % _ [a-z] [^a] [!a] (ADO), mode 1: * ? # [a-z] [!a] (DAO).
-//   Without
-//                               case, accents count. A number is compared by its text. Error 93 for a bad
-//                               pattern.
-//   jet_to_int(a)               what an integer column stores: half to even; text as jet_num; error 6 outside
-//   64 bits. jet_to_single(a)            what a single column stores: the nearest float as its shortest
-//   7-digit decimal
-//                               (base::DobleDeSimple), error 6 on overflow; text as jet_num.
-//   jet_as_single(a)            a double that is compared with a single: as jet_to_single, but what is too
-//                               large for one stays as it is.
-//   jet_to_currency(a)          REAL rounded half to even at 4 decimals; text as jet_num.
-//   jet_to_number(a)            REAL; text as jet_num.
-//   jet_to_date(a)              REAL serial: a number passes, a text is read as CDate reads it, error 13.
-//   jet_to_bool(a)              -1 or 0: not zero; a text "True"/"Verdadero"/number, error 13.
+// jet_concat(tags, a, b, …): the "&" chain. Texts of the arguments by the locale and the tag, joined; a NULL
+// is the empty text; NULL when all are NULL. With one argument: its text (as CStr), or NULL; a value going
+// into a text column is written so.
 //
-//   aggregates: jet_first(a), jet_last(a) (of the rows in the order met, NULLs counted as values),
-//   jet_stdev(a), jet_stdevp(a), jet_var(a), jet_varp(a) (NULLs skipped; NULL when there is no row left, or
-//   for the sample forms a single one). Arguments of the last four are numbers already.
+// jet_add(tags, a, b): "+" where a type is text or unknown. Two texts are joined; otherwise both are read as
+// numbers (error 13 for a text that is none) and added: INTEGER when both are.
+//
+// jet_num(a): a number. Numbers pass through unchanged, a text is read by the locale as CDbl reads it
+// (INTEGER when it is a whole number of 64 bits), error 13 otherwise.
+//
+// jet_div(a, b), jet_idiv(a, b), jet_mod(a, b), jet_pow(a, b): a / b as REAL, with error 11 for b = 0; both
+// rounded half to even to 32 bits (error 6 outside), then truncated division or the remainder, which has a's
+// sign, error 11; a ^ b as REAL, error 5 where there is no real result, 6 on overflow. Texts as jet_num.
+//
+// jet_like(a, pattern, mode): 1 or 0. Mode 0: % _ [a-z] [^a] [!a] (ADO), mode 1: * ? # [a-z] [!a] (DAO).
+// Without case, accents count. A number is compared by its text. Error 93 for a bad pattern.
+//
+// jet_to_int(a): what an integer column stores: half to even; text as jet_num; error 6 outside 64 bits.
+//
+// jet_to_single(a): what a single column stores: the nearest float as its shortest 7-digit decimal
+// (base::DobleDeSimple), error 6 on overflow; text as jet_num.
+//
+// jet_as_single(a): a double that is compared with a single: the same, but what is too large stays as it is.
+//
+// jet_to_currency(a), jet_to_number(a): REAL, rounded half to even at 4 decimals or as it is; text as
+// jet_num.
+//
+// jet_to_date(a): REAL serial. A number passes, a text is read as CDate reads it, error 13.
+//
+// jet_to_bool(a): -1 or 0: not zero; a text "True"/"Verdadero"/number, error 13.
+//
+// Aggregates: jet_first(a), jet_last(a) (of the rows in the order met, NULLs counted as values),
+// jet_stdev(a), jet_stdevp(a), jet_var(a), jet_varp(a) (NULLs skipped; NULL when there is no row left, or for
+// the sample forms a single one). Arguments of the last four are numbers already.
 //
 // Names made by definition statements, for readable messages: an index i of table t is "t.i" in the file; a
 // CHECK is named "jet_largo" (a text longer than its column) or "jet_rango" (an integer outside its column's

@@ -69,8 +69,7 @@ struct Definicion {  // what a definition statement does, for the engine's catal
 
 struct Traduccion {
   Clase clase = Clase::Consulta;
-  // Run in order, all or none; the affected rows are those of the last INSERT, UPDATE or DELETE of them,
-  // unless the first step is a query: then they are its single value.
+  // Run in order, all or none; the affected rows are those of the last INSERT, UPDATE or DELETE of them.
   std::vector<std::string> pasos;
   std::vector<ColumnaResultado> columnas;  // of a query
   std::vector<int> fijos;                  // indexes of literals that the translation depends on

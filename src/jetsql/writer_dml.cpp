@@ -7,10 +7,16 @@
 namespace jetsql {
 namespace {
 
-constexpr std::string_view kInstantanea = "temp.\"jet_instantanea\"";
-
 const ColumnaFuente& ColumnaCambiada(const Asignacion& a) {
   return a.columna->fuente->columnas[static_cast<std::size_t>(a.columna->columna)];
+}
+
+// "(r0, …, v0, …)": the rows of the tables to change, and the values.
+std::string Columnas(std::size_t filas, std::size_t valores) {
+  std::string texto = " (";
+  for (std::size_t i = 0; i < filas; ++i) texto += (i > 0 ? ", \"r" : "\"r") + std::to_string(i) + "\"";
+  for (std::size_t i = 0; i < valores; ++i) texto += ", \"v" + std::to_string(i) + "\"";
+  return texto + ")";
 }
 
 }  // namespace
@@ -135,8 +141,8 @@ void Escritor::Instantanea(const Actualizacion& s, const std::vector<const Fuent
   DeYDonde(s.de, s.donde);
 }
 
-// The new values are computed before anything changes: SQLite runs the whole SELECT of an UPDATE … FROM
-// first. With several tables to change, the values wait in a temporary table.
+// The new values are computed before anything changes, and wait in a temporary table, one for each number of
+// columns. Emptying it last counts the rows that were changed as often as they were matched.
 std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesTraduccion& opciones) {
   Escritor valores(opciones);
   if (s.fuentes.size() == 1) {
@@ -154,19 +160,11 @@ std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesT
     if (std::find(tablas.begin(), tablas.end(), a.columna->fuente) == tablas.end())
       tablas.push_back(a.columna->fuente);
   valores.Instantanea(s, tablas);
-  const bool una = tablas.size() == 1;
-  const std::string espera(kInstantanea);
-  // A row that several rows match is changed once and counted as often as it is matched.
-  Escritor cuenta(opciones);
-  cuenta.t_ = "SELECT count(";
-  cuenta.FilaDe(*tablas[0]);
-  cuenta.t_ += ')';
-  cuenta.DeYDonde(s.de, s.donde);
-  std::vector<std::string> pasos = {std::move(cuenta.t_)};
-  if (!una) {
-    pasos.push_back("DROP TABLE IF EXISTS " + espera);
-    pasos.push_back("CREATE TABLE " + espera + " AS " + valores.t_);
-  }
+  const std::string espera =
+      "temp.\"jet_" + std::to_string(tablas.size()) + "_" + std::to_string(s.cambios.size()) + "\"";
+  std::vector<std::string> pasos = {
+      "CREATE TABLE IF NOT EXISTS " + espera + Columnas(tablas.size(), s.cambios.size()),
+      "INSERT INTO " + espera + " " + valores.t_};
   for (std::size_t t = 0; t < tablas.size(); ++t) {
     Escritor e(opciones);
     Fuente fila;
@@ -175,12 +173,12 @@ std::vector<std::string> Escritor::Pasos(const Actualizacion& s, const OpcionesT
     e.t_ = "UPDATE ";
     e.Nombre(fila.alias_sql);
     e.Asignar(s, *tablas[t], true);
-    e.t_ += " FROM " + (una ? "(" + valores.t_ + ")" : espera) + " AS \"jet_v\" WHERE ";
+    e.t_ += " FROM " + espera + " AS \"jet_v\" WHERE ";
     e.FilaDe(fila);
     e.t_ += " = \"jet_v\".\"r" + std::to_string(t) + "\"";
     pasos.push_back(std::move(e.t_));
   }
-  if (!una) pasos.push_back("DROP TABLE " + espera);
+  pasos.push_back("DELETE FROM " + espera);
   return pasos;
 }
 
