@@ -13,6 +13,7 @@ constexpr std::uint8_t kMapaDeBits = 0, kMapaDePaginas = 1, kTipoPaginaDeMapa = 
 constexpr std::size_t kBits = 5, kPunteros = 1;  // where they begin in the row
 constexpr std::size_t kLargoDeMapa = 69;         // of a new one
 constexpr std::size_t kCabeceraPaginaDeMapa = 4;
+constexpr NumPagina kUltimaPagina = 0xFFFFFF;
 constexpr Puntero kGlobal{1, 0};  // of the free pages
 // How much longer the global map gets at a time (512 pages), where page 1 has the room.
 constexpr std::size_t kAlargue = 64;
@@ -45,6 +46,9 @@ FilaDeMapa Buscar(Paginas& paginas, Puntero mapa) {
   f.clase = U8(*imagen, r.desde);
   if (f.clase > kMapaDePaginas) DanioEnPagina(mapa.pagina, "un mapa de páginas es de clase desconocida");
   if (f.clase == kMapaDeBits) f.inicio = U32(*imagen, r.desde + 1);
+  // A page number has three bytes: beyond them a bitmap's numbers would come round to 0.
+  if (f.inicio > kUltimaPagina)
+    DanioEnPagina(mapa.pagina, "un mapa de páginas empieza tras la última posible");
   return f;
 }
 
