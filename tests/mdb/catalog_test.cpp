@@ -7,6 +7,7 @@
 #include "mdb/corpus.h"
 #include "mdb/exported.h"
 #include "mdb/table.h"
+#include "mdb/table_writer.h"
 
 namespace {
 
@@ -84,6 +85,86 @@ TEST(Catalogo, GivesThePropertiesOfATable) {
   EXPECT_EQ(mdb::Buscar(propiedades, "c_dt", "Nothing"), nullptr);
   EXPECT_EQ(mdb::Buscar(propiedades, "nobody", "Required"), nullptr);
   EXPECT_TRUE(catalogo.PropiedadesDe("no such table").empty());
+}
+
+// Adds a row to a system table, by the names of its columns; the others stay Null.
+void AgregarFila(mdb::Paginas& paginas, mdb::NumPagina tabla,
+                 const std::vector<std::pair<const char*, mdb::Dato>>& valores) {
+  auto definicion = mdb::LeerDefinicion(paginas, tabla);
+  mdb::Fila fila(definicion.columnas.size());
+  for (const auto& c : definicion.columnas)
+    if (c.tipo == mdb::TipoColumna::Booleano) fila[*definicion.PorNombre(c.nombre)] = false;
+  for (const auto& [nombre, valor] : valores) fila.at(definicion.PorNombre(nombre).value()) = valor;
+  mdb::Cambios cambios;
+  cambios.nuevas.push_back(std::move(fila));
+  mdb::Aplicar(paginas, definicion, cambios);
+}
+void AgregarObjeto(mdb::Paginas& paginas, std::int64_t id, const char* nombre, std::int64_t tipo,
+                   std::int64_t banderas, std::vector<std::pair<const char*, mdb::Dato>> mas = {}) {
+  mas.insert(mas.end(), {{"Id", id},
+                         {"ParentId", std::int64_t{0x0F000001} + (banderas != 0 ? 1 : 0)},
+                         {"Name", std::string(nombre)},
+                         {"Type", tipo},
+                         {"Flags", banderas}});
+  AgregarFila(paginas, paginas.Cab().objetos, mas);
+}
+
+TEST(Catalogo, KeepsWhereLinkedTablesComeFrom) {
+  SALTAR_SIN_CORPUS();
+  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus("adox_jet4.mdb"));
+  AgregarObjeto(*paginas, -2147483640, "Vinculada", 6, 0,
+                {{"Database", std::string("C:\\datos\\Año.mdb")}, {"ForeignName", std::string("Original")}});
+  AgregarObjeto(*paginas, -2147483639, "Remota", 4, 0,
+                {{"Connect", std::string("DSN=Nómina")}, {"ForeignName", std::string("dbo.Remota")}});
+  const mdb::Catalogo catalogo(*paginas);
+  const auto* vinculada = catalogo.Buscar("vinculada");
+  ASSERT_NE(vinculada, nullptr);
+  EXPECT_EQ(vinculada->tipo, mdb::Objeto::Vinculada);
+  EXPECT_EQ(vinculada->base, "C:\\datos\\Año.mdb");
+  EXPECT_EQ(vinculada->nombre_externo, "Original");
+  EXPECT_EQ(vinculada->conexion, "");
+  const auto* remota = catalogo.Buscar("REMOTA");
+  ASSERT_NE(remota, nullptr);
+  EXPECT_EQ(remota->tipo, mdb::Objeto::VinculadaOdbc);
+  EXPECT_EQ(remota->conexion, "DSN=Nómina");
+  EXPECT_EQ(catalogo.Tabla("Vinculada"), nullptr);
+}
+
+TEST(Catalogo, PrefersTheObjectThatUsersSee) {
+  SALTAR_SIN_CORPUS();
+  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus("adox_jet4.mdb"));
+  AgregarObjeto(*paginas, -2147483640, "Doble", 5, 3);  // a hidden query of Access itself
+  AgregarObjeto(*paginas, -2147483639, "DOBLE", 6, 0);
+  AgregarObjeto(*paginas, -2147483638, "Suelta", 5, 3);
+  AgregarObjeto(*paginas, -2147483637, "Suelta", -32768, 0);  // a form: another kind of thing
+  const mdb::Catalogo catalogo(*paginas);
+  EXPECT_EQ(catalogo.Buscar("doble")->id, -2147483639);
+  EXPECT_EQ(catalogo.Buscar("suelta")->id, -2147483638);
+}
+
+// The pairs of columns stand in the order of their numbers, not in that of the rows.
+TEST(Catalogo, PutsTheColumnsOfARelationshipInOrder) {
+  SALTAR_SIN_CORPUS();
+  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus("adox_jet4.mdb"));
+  for (const std::int64_t i : {2, 0, 1})
+    AgregarFila(*paginas, paginas->Cab().relaciones,
+                {{"szRelationship", std::string("Triple")},
+                 {"ccolumn", std::int64_t{3}},
+                 {"icolumn", i},
+                 {"grbit", std::int64_t{0x1002}},
+                 {"szObject", std::string("Muchos")},
+                 {"szColumn", "m" + std::to_string(i)},
+                 {"szReferencedObject", std::string("Uno")},
+                 {"szReferencedColumn", "u" + std::to_string(i)}});
+  const mdb::Catalogo catalogo(*paginas);
+  ASSERT_EQ(catalogo.Relaciones().size(), 1U);
+  const auto& r = catalogo.Relaciones().front();
+  EXPECT_EQ(r.columnas, (std::vector<std::string>{"m0", "m1", "m2"}));
+  EXPECT_EQ(r.columnas_referidas, (std::vector<std::string>{"u0", "u1", "u2"}));
+  EXPECT_EQ(r.tabla, "Muchos");
+  EXPECT_EQ(r.tabla_referida, "Uno");
+  EXPECT_EQ(r.banderas, mdb::RelacionDeTablas::kNoExigida | mdb::RelacionDeTablas::kBorraEnCascada);
+  EXPECT_FALSE(r.Exigida());
 }
 
 // What we write is read back the same for every object of every file.

@@ -151,6 +151,7 @@ std::string Filas(const Bloque& b) {
       if (p.size() > 5) c.largo = static_cast<std::uint16_t>(std::stoi(p.at(5)));
       if (p.size() > 6) c.banderas_ext = static_cast<std::uint8_t>(std::stoi(p.at(6)));
       d.columnas.push_back(c);
+      d.max_columnas = std::max<std::uint16_t>(d.max_columnas, static_cast<std::uint16_t>(c.numero + 1));
     } else {
       const auto bytes = DeHexadecimal(linea);
       salida += ConError([&] {
