@@ -13,6 +13,9 @@ namespace mdb {
 // The pages of the map, rising. A pointer with page 0 is an empty map. Numbers beyond the end of the file are
 // left out. Throws Danio.
 std::vector<NumPagina> LeerMapa(Paginas& paginas, Puntero mapa);
+// The same of a map whose pages must all be there, as the data pages of a table: a number beyond the end of
+// the file is damage. A file cut short must not pass for one with fewer rows.
+std::vector<NumPagina> LeerMapaCompleto(Paginas& paginas, Puntero mapa);
 // The bitmap pages that a map of the second kind stands on (none for the first).
 std::vector<NumPagina> PaginasDelMapa(Paginas& paginas, Puntero mapa);
 bool EnMapa(Paginas& paginas, Puntero mapa, NumPagina pagina);

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "mdb/data_page_internal.h"
 #include "mdb/page_map.h"
 
@@ -41,13 +39,29 @@ Imagen LeerPaginaDeMapa(Paginas& paginas, NumPagina numero) {
   return imagen;
 }
 
-void AgregarBits(Vista bits, std::uint64_t primera, NumPagina fin, std::vector<NumPagina>& salida) {
+// Calls `visita` with each page of the map, rising, those beyond the end of the file too.
+template <typename Visita>
+void CadaBit(Vista bits, std::uint64_t primera, Visita&& visita) {
   for (std::size_t i = 0; i < bits.size(); ++i) {
     if (bits[i] == 0) continue;
-    for (unsigned b = 0; b < 8; ++b) {
-      const std::uint64_t pagina = primera + 8 * i + b;
-      if ((bits[i] >> b & 1) != 0 && pagina < fin) salida.push_back(static_cast<NumPagina>(pagina));
-    }
+    for (unsigned b = 0; b < 8; ++b)
+      if ((bits[i] >> b & 1) != 0) visita(primera + 8 * i + b);
+  }
+}
+
+template <typename Visita>
+void CadaPagina(Paginas& paginas, Puntero mapa, Visita&& visita) {
+  if (mapa.pagina == 0) return;
+  const auto fila = BuscarMapa(paginas, mapa);
+  if (fila.bytes[0] == kEnLinea) {
+    CadaBit(fila.bytes.subspan(kBitsEnLinea), U32(fila.bytes, 1), visita);
+    return;
+  }
+  for (std::size_t k = 0; 1 + 4 * (k + 1) <= fila.bytes.size(); ++k) {
+    const NumPagina numero = PaginaDeMapa(paginas, mapa.pagina, fila.bytes, k);
+    if (numero == 0) continue;
+    const Imagen imagen = LeerPaginaDeMapa(paginas, numero);
+    CadaBit(Vista(*imagen).subspan(kBitsDePagina), k * PaginasPorMapa(paginas), visita);
   }
 }
 
@@ -57,20 +71,22 @@ bool Bit(Vista bits, std::uint64_t n) { return n / 8 < bits.size() && (bits[n / 
 
 std::vector<NumPagina> LeerMapa(Paginas& paginas, Puntero mapa) {
   std::vector<NumPagina> salida;
-  if (mapa.pagina == 0) return salida;
-  const auto fila = BuscarMapa(paginas, mapa);
   const NumPagina fin = paginas.Cantidad();
-  if (fila.bytes[0] == kEnLinea) {
-    AgregarBits(fila.bytes.subspan(kBitsEnLinea), U32(fila.bytes, 1), fin, salida);
-    return salida;
-  }
-  const std::size_t por_mapa = PaginasPorMapa(paginas);
-  for (std::size_t k = 0; 1 + 4 * (k + 1) <= fila.bytes.size() && k * por_mapa < fin; ++k) {
-    const NumPagina numero = PaginaDeMapa(paginas, mapa.pagina, fila.bytes, k);
-    if (numero == 0) continue;
-    const Imagen imagen = LeerPaginaDeMapa(paginas, numero);
-    AgregarBits(Vista(*imagen).subspan(kBitsDePagina), k * por_mapa, fin, salida);
-  }
+  CadaPagina(paginas, mapa, [&](std::uint64_t pagina) {
+    if (pagina < fin) salida.push_back(static_cast<NumPagina>(pagina));
+  });
+  return salida;
+}
+
+std::vector<NumPagina> LeerMapaCompleto(Paginas& paginas, Puntero mapa) {
+  std::vector<NumPagina> salida;
+  const NumPagina fin = paginas.Cantidad();
+  CadaPagina(paginas, mapa, [&](std::uint64_t pagina) {
+    if (pagina >= fin)
+      DanioEnPagina(mapa.pagina, "una tabla tiene la página " + std::to_string(pagina) +
+                                     " y el archivo termina antes: está cortado");
+    salida.push_back(static_cast<NumPagina>(pagina));
+  });
   return salida;
 }
 

@@ -73,7 +73,7 @@ void RecorrerFilas(Paginas& paginas, const Definicion& definicion, const Visita&
       FilaIlegible(id, d);
     }
   };
-  for (const NumPagina numero : LeerMapa(paginas, definicion.propias)) {
+  for (const NumPagina numero : LeerMapaCompleto(paginas, definicion.propias)) {
     const Imagen imagen = paginas.Leer(numero);
     const PaginaDeDatos datos = AbrirPagina(paginas, definicion, numero, imagen);
     for (unsigned i = 0; i < datos.Cantidad(); ++i) {

@@ -25,8 +25,7 @@ for pg, r, row in cat.rows():
           *t.pages)
     for c in t.cols:
         lv = t.lval.get(c.num, ((0, 0), (0, 0)))
-        texto = c.type in (10, 12)
-        lcid = (c.lcid9 if db.j3 else c.lcid) if texto else 0
+        lcid = 0 if c.type == 16 else c.lcid9 if db.j3 else c.lcid
         print('C', c.name, c.type, c.num, c.voff, c.num2, lcid, c.flags, c.ext, c.foff, c.length,
               lv[0][1], lv[0][0], lv[1][1], lv[1][0], c.prec if c.type == 16 else 0, c.scale if c.type == 16 else 0)
     for x in t.real:

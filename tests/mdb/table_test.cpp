@@ -157,6 +157,8 @@ TEST(Tabla, FindsOneRowByItsIdentity) {
 TEST(Tabla, DamageNamesItsPage) {
   EXPECT_EQ(Archivo({PaginaDeDatos(7, {{0, FilaDe(1, "uno")}})}).Queja(), Danada(2, "es de otra tabla"));
   EXPECT_EQ(Archivo({Bytes(kPagina)}).Queja(), Danada(2, "no es una página de datos"));
+  EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0, FilaDe(1, "uno")}})}, MapaEnLinea(0, {2, 3})).Queja(),
+            Danada(1, "una tabla tiene la página 3 y el archivo termina antes: está cortado"));
   EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0, FilaDe(1, "uno")}, {0, {2, 0}}})}).Queja(),
             Danada(2, "la fila 1 no se puede leer"));
   // A moved row may lead to the place of a moved row alone: never to a row, a deleted one, another moved one.
