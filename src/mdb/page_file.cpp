@@ -43,7 +43,12 @@ Bytes PaginasDeArchivo::Traer(NumPagina numero) {
 }
 
 bool PaginasDeArchivo::CambioAfuera() const {
-  return !a_.motivo.empty() && (a_.archivo->Fecha() != a_.fecha || a_.archivo->Largo() != a_.largo);
+  // One that was put in the file's place leaves the opened one as it was: its pages may still be read.
+  return !a_.motivo.empty() && (OtroEstado() || !a_.archivo->SigueEnSuLugar());
+}
+
+bool PaginasDeArchivo::OtroEstado() const {
+  return a_.archivo->Fecha() != a_.fecha || a_.archivo->Largo() != a_.largo;
 }
 
 NumPagina PaginasDeArchivo::PaginasEnDisco() const {
@@ -58,7 +63,7 @@ void PaginasDeArchivo::LeerTramo(NumPagina primera, NumPagina cantidad) {
   // The writer reads what nobody else may change.
   const BloqueoDeCommit bloqueo(*a_.disco, *a_.archivo, false, lector && a_.hay_bloqueos);
   const std::size_t leidos = a_.archivo->Leer(static_cast<std::uint64_t>(primera) * Tamano(), tramo_);
-  if (CambioAfuera()) throw ArchivoCambio();
+  if (lector && OtroEstado()) throw ArchivoCambio();
   if (leidos < tramo_.size()) DanioEnPagina(primera, "no se pudo leer entera");
   if (a_.capa) PonerCapa(primera, cantidad);
   tramo_desde_ = primera;
@@ -101,7 +106,7 @@ std::vector<PaginasDeArchivo::Cambio> PaginasDeArchivo::Reunir(const Cambiadas& 
 void PaginasDeArchivo::Comprobar() {
   if (!a_.archivo->SigueEnSuLugar())
     throw base::Error("No se guardó nada: otro programa puso otro archivo en el lugar de la base");
-  if (a_.archivo->Fecha() != a_.fecha || a_.archivo->Largo() != a_.largo)
+  if (OtroEstado())
     throw base::Error("No se guardó nada: otro programa cambió la base desde que se abrió. Ábrala de nuevo");
   // One that keeps pages in its memory would write old ones over the new.
   const std::string quien = QuienLaTieneAbierta(*a_.disco, a_.ruta);

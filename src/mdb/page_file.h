@@ -72,6 +72,7 @@ class PaginasDeArchivo final : public Paginas {
   [[noreturn]] void VolverAtras(const std::vector<Cambio>& cambios, NumPagina antes, EscritorDeDiario& diario,
                                 const std::string& motivo);
   void FecharCommit();
+  bool OtroEstado() const;
   void Comprobar();
   void LeerTramo(NumPagina primera, NumPagina cantidad);
   void PonerCapa(NumPagina primera, NumPagina cantidad);

@@ -37,8 +37,8 @@ class Paginas {
   // Why nothing may be written; empty when it may.
   const std::string& MotivoSoloLectura() const { return motivo_; }
   bool HayCambios() const { return !cambiadas_.empty(); }
-  // Whether another program has committed since a file that is only read was opened: then what was read from
-  // it is of the past, and no more can be read.
+  // Whether another program has committed into a file that is only read since it was opened, or has put
+  // another file in its place: what was read from it is then of the past, and more may not be had.
   virtual bool CambioAfuera() const { return false; }
 
   // Writes all changes, or none (then throws base::Error with the reason and the changes are dropped).

@@ -111,6 +111,7 @@ class ArchivoSimulado final : public base::ArchivoAbierto {
     return it != disco_.nombres_.end() && it->second == nodo_;
   }
   bool Bloquear(std::uint64_t desde, std::uint64_t cantidad, bool exclusivo) override {
+    ExigirBloqueos();
     if (exclusivo && !escribe_)
       throw base::ErrorDeDisco("No se puede bloquear", ruta_, base::FallaDisco::Otra, "se abrió para leer");
     for (const auto& b : nodo_->bloqueos)
@@ -124,6 +125,7 @@ class ArchivoSimulado final : public base::ArchivoAbierto {
     });
   }
   std::optional<std::uint64_t> PrimerBloqueado(std::uint64_t desde, std::uint64_t cantidad) override {
+    ExigirBloqueos();
     std::optional<std::uint64_t> primero;
     for (const auto& b : nodo_->bloqueos)
       if (b.dueno != this && Toca(b, desde, cantidad))
@@ -134,6 +136,10 @@ class ArchivoSimulado final : public base::ArchivoAbierto {
  private:
   static bool Toca(const Nodo::Bloqueo& b, std::uint64_t desde, std::uint64_t cantidad) {
     return b.desde < desde + cantidad && desde < b.desde + b.cantidad;
+  }
+  void ExigirBloqueos() const {
+    if (disco_.sin_bloqueos_)
+      throw base::ErrorDeDisco("No se puede bloquear", ruta_, base::FallaDisco::NoAdmitido, {});
   }
   void ExigirEscritura() const {
     if (!escribe_)

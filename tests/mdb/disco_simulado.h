@@ -39,6 +39,7 @@ class DiscoSimulado : public base::Disco {
   void Llenar(std::optional<std::uint64_t> lugar) { lugar_ = lugar; }
   void DetenerElReloj() { detenido_ = true; }  // all that happens falls in one tick
   void PonerSoloLectura(bool si) { solo_lectura_ = si; }
+  void QuitarBloqueos() { sin_bloqueos_ = true; }  // a disk that has none
   int Llamadas() const { return llamadas_; }
   void ContarDeNuevo() { llamadas_ = 0; }
   const std::vector<std::string>& Diario() const { return hechas_; }  // the calls, for messages
@@ -73,7 +74,7 @@ class DiscoSimulado : public base::Disco {
 
   Nombres nombres_, nombres_durables_;
   int llamadas_ = 0, cortar_en_ = 0, fallar_en_ = 0;
-  bool fallar_siempre_ = false, solo_lectura_ = false, detenido_ = false;
+  bool fallar_siempre_ = false, solo_lectura_ = false, detenido_ = false, sin_bloqueos_ = false;
   std::optional<std::uint64_t> lugar_;
   std::int64_t reloj_ = 1000;
   std::vector<std::string> hechas_;

@@ -210,6 +210,38 @@ TEST(Bloqueo, ACommitIsNoticedThoughTheClockStandsStill) {
   }
 }
 
+TEST(Bloqueo, ADiskWithoutLocksIsOnlyRead) {
+  const auto disco = std::make_shared<mdb_test::DiscoSimulado>();
+  disco->Poner("a.mdb", BaseDeMuestra(4));
+  disco->Poner("a.ldb", mdb::Bytes(64));
+  disco->QuitarBloqueos();
+  const auto p = PaginasDeArchivo::Abrir("a.mdb", false, disco);
+  EXPECT_EQ(p->MotivoSoloLectura(), "No se puede escribir en la base: su disco no permite bloquear archivos");
+  EXPECT_EQ((*p->Leer(2))[0], 14);
+}
+
+class DiscoSinCarpeta : public mdb_test::DiscoSimulado {
+ public:
+  bool CarpetaAdmiteNuevos(std::string_view) override { return false; }
+};
+
+TEST(Bloqueo, AFolderThatTakesNoJournalIsToldAtOnce) {
+  const auto disco = std::make_shared<DiscoSinCarpeta>();
+  disco->Poner("a.mdb", BaseDeMuestra(4));
+  EXPECT_EQ(PaginasDeArchivo::Abrir("a.mdb", false, disco)->MotivoSoloLectura(),
+            "No se puede escribir en la base: no hay permiso para crear archivos en su carpeta");
+}
+
+TEST(Bloqueo, AReaderIsToldOfAnotherFileInItsPlace) {
+  const CarpetaTemporal c;
+  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(60)));
+  const auto lector = PaginasDeArchivo::Abrir(ruta, true);
+  EXPECT_FALSE(lector->CambioAfuera());
+  std::filesystem::rename(c.Escribir("b.mdb", ComoTexto(BaseDeMuestra(4))), ruta);
+  EXPECT_TRUE(lector->CambioAfuera());
+  EXPECT_NO_THROW(lector->Leer(50));  // of the one that was opened
+}
+
 TEST(Bloqueo, NothingIsWrittenOverWhatAnotherProgramDidMeanwhile) {
   const CarpetaTemporal c;
   const mdb::Bytes bytes = BaseDeMuestra(4);
