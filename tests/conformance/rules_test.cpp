@@ -70,6 +70,12 @@ TEST(Correr, ARowOfAnyLocaleMustHoldInAll) {
   EXPECT_EQ(Corre(Fila("CStr", "[15]", "\"15\"", "invariant")), Que::Pasa);
 }
 
+TEST(Correr, ARowThatCannotBeRunFailsAlone) {
+  EXPECT_EQ(Corre(Fila("JetExpr", "[]", "1")), Que::Falla);
+  EXPECT_EQ(Corre(Fila("CDate", "[{\"$date\":\"no date\"}]", "1")), Que::Falla);
+  EXPECT_EQ(Corre(Fila("CStr", "[1.5]", "\"1,5\"", "es_AR")), Que::Pasa);
+}
+
 TEST(Correr, PrimitivesServeWhatTheDialectDoesNotHave) {
   EXPECT_EQ(Corre(Fila("Split", "[\"a,b,\",\",\"]", "[\"a\",\"b\",\"\"]")), Que::Pasa);
   EXPECT_EQ(Corre(Fila("Split", "[\"a,b,\",\",\",2]", "[\"a\",\"b,\"]")), Que::Pasa);
@@ -77,6 +83,8 @@ TEST(Correr, PrimitivesServeWhatTheDialectDoesNotHave) {
   EXPECT_EQ(Corre(Fila("Split", "[\"aXbxc\",\"x\",-1,1]", "[\"a\",\"b\",\"c\"]")), Que::Pasa);
   EXPECT_EQ(Corre(Fila("Split", "[\"\",\",\"]", "[]")), Que::Pasa);
   EXPECT_EQ(Corre(Fila("Split", "[\"a\",\",\",-2]", "{\"$error\":5}")), Que::Pasa);
+  EXPECT_EQ(Corre(Fila("Split", "[null,\",\"]", "{\"$error\":94}")), Que::Pasa);
+  EXPECT_EQ(Corre(Fila("LikeText", "[null,\"A\"]", "null")), Que::Pasa);
   EXPECT_EQ(Corre(Fila("LikeBinary", "[\"a\",\"A\"]", "false")), Que::Pasa);
   EXPECT_EQ(Corre(Fila("LikeText", "[\"a\",\"A\"]", "true")), Que::Pasa);
   EXPECT_EQ(Corre(Fila("LikeBinary", "[\"a\",\"[b\"]", "{\"$error\":93}")), Que::Pasa);

@@ -47,6 +47,11 @@ bool Igual(const Json& espera, const Valor& dio, bool sin_caso) {
   if (const Json* alguno = espera.Miembro("$anyOf"))
     return std::any_of(alguno->lista.begin(), alguno->lista.end(),
                        [&](const Json& j) { return Igual(j, dio, sin_caso); });
+  if (const Json* clase = espera.Miembro("$variant")) {
+    if (clase->texto == "NULL") return dio.EsNulo();
+    const Json* v = espera.Miembro("v");
+    return v != nullptr && Igual(*v, dio, sin_caso);
+  }
   if (espera.EsNulo()) return dio.EsNulo();
   if (dio.EsNulo()) return false;
   if (espera.EsTexto()) {

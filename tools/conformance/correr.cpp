@@ -1,6 +1,7 @@
 #include "conformance/correr.h"
 
-#include <stdexcept>
+#include <algorithm>
+#include <exception>
 
 #include "base/error.h"
 #include "base/like.h"
@@ -14,7 +15,7 @@ namespace {
 
 using Que = Resultado::Que;
 
-constexpr int kLlamadaIncorrecta = 5;
+constexpr int kLlamadaIncorrecta = 5, kUsoDeNulo = 94;
 
 Resultado Dar(bool bien, std::string dio, const Json& espera) {
   return {bien ? Que::Pasa : Que::Falla, std::move(dio), espera.Escrito()};
@@ -29,6 +30,9 @@ int Entero(const Fila& f, std::size_t i, int si_falta) {
 
 // The functions that the dialect does not have, by the primitives under it.
 Resultado PorPrimitiva(const Fila& f) {
+  const bool nulo = std::any_of(f.args.begin(), f.args.end(), [](const Json& j) { return j.EsNulo(); });
+  if (nulo && f.funcion == "Split") throw base::Error(base::DescripcionDeError(kUsoDeNulo), kUsoDeNulo);
+  if (nulo) return Dar(Igual(f.espera, base::Valor()), "null", f.espera);
   if (f.funcion == "Split") {
     const int limite = Entero(f, 2, -1);
     if (limite < -1) throw base::Error(base::DescripcionDeError(kLlamadaIncorrecta), kLlamadaIncorrecta);
@@ -44,10 +48,13 @@ Resultado PorPrimitiva(const Fila& f) {
   return {Que::Salta, "an argument that the dialect cannot write", f.espera.Escrito()};
 }
 
+// "es" or "es_AR"; every other name is that of any locale.
+bool EsLocale(const std::string& nombre, const std::string& idioma) {
+  return nombre == idioma || base::EmpiezaCon(nombre, idioma + "_") || base::EmpiezaCon(nombre, idioma + "-");
+}
+
 const base::Locale& LocaleDe(const std::string& nombre) {
-  if (nombre == "es") return base::Locale::espanol();
-  if (nombre == "en") return base::Locale::ingles();
-  throw std::runtime_error("no locale is called '" + nombre + "'");
+  return EsLocale(nombre, "en") ? base::Locale::ingles() : base::Locale::espanol();
 }
 
 // What a change did, and what the base says of it afterwards.
@@ -108,7 +115,8 @@ db::Connection& Corredor::Guardada(const std::string& locale, bool dao) {
 
 Resultado Corredor::Correr(const Fila& fila) {
   if (const auto regla = PorQueNoSeSirve(fila)) return {Que::Salta, *regla, fila.espera.Escrito()};
-  if (fila.locale != "invariant") return EnLocale(fila, fila.locale);
+  if (EsLocale(fila.locale, "es") || EsLocale(fila.locale, "en"))
+    return EnLocale(fila, fila.locale.substr(0, 2));
   Resultado r = EnLocale(fila, "es");
   if (r.que == Que::Pasa) r = EnLocale(fila, "en");
   return r;
@@ -122,6 +130,8 @@ Resultado Corredor::EnLocale(const Fila& fila, const std::string& locale) {
     return PorDialecto(fila, "SELECT " + *expresion + " AS x", locale);
   } catch (const base::Error& e) {
     return Dar(EsperaError(fila.espera, e.Numero()), Mostrar(e), fila.espera);
+  } catch (const std::exception& e) {  // too few arguments, or a form that is not known: the others still run
+    return Dar(false, std::string("a row that cannot be run: ") + e.what(), fila.espera);
   }
 }
 
@@ -147,11 +157,13 @@ Resultado Corredor::Ordenar(const Fila& fila) {
 
 Resultado Corredor::Correr(const Sentencia& s) {
   try {
-    const auto base = motor_.BaseNueva(Para(s.locale == "invariant" ? "es" : s.locale, s.comodines_dao));
+    const auto base = motor_.BaseNueva(Para(s.locale, s.comodines_dao));
     for (const std::string& sql : s.antes) base->Ejecutar(sql);
     return s.filas.EsLista() ? Consultar(*base, s) : Cambiar(*base, s);
   } catch (const base::Error& e) {
     return Dar(false, Mostrar(e), s.filas.EsLista() ? s.filas : s.efecto);
+  } catch (const std::exception& e) {
+    return Dar(false, std::string("a row that cannot be run: ") + e.what(), s.efecto);
   }
 }
 

@@ -28,6 +28,13 @@ std::size_t Columna(const std::vector<std::string>& cabecera, std::string_view n
   return static_cast<std::size_t>(it - cabecera.begin());
 }
 
+Json UnSoloArgumento(Json j) {
+  Json lista;
+  lista.clase = Json::Clase::Lista;
+  lista.lista.push_back(std::move(j));
+  return lista;
+}
+
 void LeerFilas(const std::vector<std::string>& lineas, std::vector<Fila>& filas) {
   const auto cabecera = base::Split(lineas.at(0), "\t");
   const std::size_t id = Columna(cabecera, "id"), funcion = Columna(cabecera, "function"),
@@ -37,8 +44,9 @@ void LeerFilas(const std::vector<std::string>& lineas, std::vector<Fila>& filas)
     if (lineas[i].empty()) continue;
     try {
       const auto c = base::Split(lineas[i], "\t");
-      filas.push_back(
-          {c.at(id), c.at(funcion), LeerJson(c.at(args)).lista, c.at(locale), LeerJson(c.at(espera))});
+      Json a = LeerJson(c.at(args));
+      if (!a.EsLista()) a = UnSoloArgumento(std::move(a));
+      filas.push_back({c.at(id), c.at(funcion), std::move(a.lista), c.at(locale), LeerJson(c.at(espera))});
     } catch (const std::exception& e) {
       throw std::runtime_error("line " + std::to_string(i + 1) + ": " + e.what());
     }
