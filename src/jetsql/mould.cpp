@@ -85,9 +85,10 @@ void Molde::Correr(std::size_t i, std::size_t aqui, std::size_t alla) {
 }
 
 std::size_t Molde::Literal(std::string_view sql, std::size_t desde, std::size_t i) {
-  // A "." begins a number or not by what stands before it, and takes the digits after it: left to who sees
-  // all of it.
-  if (desde >= sql.size() || sql[desde] == '.' || (desde > 0 && sql[desde - 1] == '.'))
+  // A "." begins a number or not by what stands before it, and takes the digits after it, and "&" begins one
+  // only where an operand may stand, and parts it from a name before it: left to who sees all of it.
+  if (texto_[lugares_[i].inicio] == '&') return std::string_view::npos;
+  if (desde >= sql.size() || sql[desde] == '.' || sql[desde] == '&' || (desde > 0 && sql[desde - 1] == '.'))
     return std::string_view::npos;
   const Token nuevo = Escaner(sql, desde).Siguiente();
   if (nuevo.inicio != desde || !EsDeClase(literales_[i], nuevo.clase)) return std::string_view::npos;

@@ -4,6 +4,7 @@
 
 #include "base/date.h"
 #include "base/number.h"
+#include "base/text.h"
 #include "jetsql/scanner_internal.h"
 
 namespace jetsql {
@@ -146,8 +147,12 @@ bool Escaner::TrasOperando() const {
   switch (anterior_.clase) {
     case ClaseToken::Fin:
       return false;
-    case ClaseToken::Nombre:
-      return !PalabraReservada(sql_.substr(anterior_.inicio, anterior_.fin - anterior_.inicio));
+    case ClaseToken::Nombre: {
+      const std::string_view palabra = sql_.substr(anterior_.inicio, anterior_.fin - anterior_.inicio);
+      for (const std::string_view valor : {"NULL", "TRUE", "FALSE"})
+        if (base::IgualSinCaso(palabra, valor)) return true;
+      return !PalabraReservada(palabra);
+    }
     case ClaseToken::Signo:
       return sql_[anterior_.inicio] == ')';
     default:

@@ -112,7 +112,10 @@ class TextoAlAzar {
                                                      "<>",         "'",
                                                      "#",          " ",
                                                      "  ",         "\r\n",
-                                                     ";"};
+                                                     ";",          "&",
+                                                     "&HF",        "&h1f&",
+                                                     "&O7",        "&H",
+                                                     "SELECT",     "and"};
     return kPiezas[Hasta(kPiezas.size())];
   }
   std::size_t Hasta(std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(azar_); }
