@@ -149,7 +149,8 @@ void ConexionOdbc::CommitTrans() {
 
 void ConexionOdbc::RollbackTrans() {
   if (!en_transaccion_) throw db::Error(perdida_ ? kPerdida : kSinTransaccion);
-  catalogo_.Olvidar();
+  catalogo_.Olvidar();  // a definition may go, too
+  sin_tocar_.clear();
   if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, enlace_.Crudo(), SQL_ROLLBACK))) {
     // To leave the transaction any other way would keep what it wrote.
     const db::Error error =

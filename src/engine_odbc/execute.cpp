@@ -13,8 +13,7 @@ namespace engine_odbc {
 namespace {
 
 constexpr std::size_t kFormasRecordadas = 500;
-constexpr std::size_t kTextoMasLargo = 1U
-                                       << 28;  // units that the driver manager's length can tell, with room
+constexpr std::size_t kTextoMasLargo = 1U << 28;  // bytes; the driver manager counts with 32 bits
 
 // Leaves the cursor ready for the next statement, whatever happened in this one.
 class CerrarCursor {
@@ -105,16 +104,16 @@ db::Recordset ConexionOdbc::Correr(std::string_view sql) {
 }
 
 SQLRETURN ConexionOdbc::Mandar(const std::string& texto) {
-  TextoAncho ancho(texto);
   if (TieneLejanos(texto)) {
     if (!pierde_caracteres_) pierde_caracteres_ = PierdeCaracteres(enlace_.Crudo());
-    if (*pierde_caracteres_) {  // then the driver takes bytes, and the driver manager hands over ours
-                                // untouched
+    // Then the driver takes bytes, and the driver manager hands over ours untouched.
+    if (*pierde_caracteres_) {
       std::string bytes = texto;
       return SQLExecDirectA(cursor_.Crudo(), reinterpret_cast<SQLCHAR*>(bytes.data()),
                             static_cast<SQLINTEGER>(bytes.size()));
     }
   }
+  TextoAncho ancho(texto);
   return SQLExecDirectW(cursor_.Crudo(), ancho.Datos(), ancho.Largo());
 }
 

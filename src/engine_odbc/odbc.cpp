@@ -106,6 +106,10 @@ std::vector<Diagnostico> Diagnosticos(SQLSMALLINT que, SQLHANDLE manejador) {
     std::size_t fin = 0;
     while (fin + 1 < texto.size() && texto[fin] != 0) ++fin;
     while (fin > 0 && texto[fin - 1] <= ' ') --fin;
+    // A message is shown on one line.
+    std::replace_if(
+        texto.begin(), texto.begin() + static_cast<std::ptrdiff_t>(fin), [](SQLWCHAR u) { return u < ' '; },
+        SQLWCHAR{' '});
     todos.push_back({DeAncho(estado, 5), DeAncho(texto.data(), fin)});
   }
   return todos;

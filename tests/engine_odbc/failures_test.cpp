@@ -39,6 +39,12 @@ TEST_F(Fallos, ElErrorTraeTodoLoQueDijoElDriver) {
   EXPECT_EQ(ErrorDe("FALLA HY000 " + largo), "La base no pudo ejecutar la sentencia: " + largo);
 }
 
+TEST_F(Fallos, ElErrorVaEnUnaLinea) {
+  Abrir();
+  EXPECT_EQ(ErrorDe("FALLA HY000 Could not parse\n\tthe text\r\n"),
+            "La base no pudo ejecutar la sentencia: Could not parse  the text");
+}
+
 TEST_F(Fallos, CadaEstadoTieneSuFrase) {
   Abrir();
   const std::pair<const char*, const char*> casos[] = {
@@ -79,6 +85,35 @@ TEST_F(Fallos, UnTextoQueElDriverLeeriaMalNoSeManda) {
             "La sentencia tiene un carácter nulo, que la base no admite.");
   EXPECT_EQ(ErrorDe(""), "La sentencia está vacía.");
   EXPECT_EQ(ErrorDe("  "), "La sentencia está vacía.");
+}
+
+std::string Repetir(const std::string& pieza, int veces) {
+  std::string salida;
+  for (int i = 0; i < veces; ++i) salida += pieza;
+  return salida;
+}
+
+TEST_F(Fallos, NingunTextoLaHaceCaer) {
+  Abrir();
+  const std::string hondos[] = {"SELECT " + Repetir("(", 100000) + "1" + Repetir(")", 100000),
+                                "SELECT " + Repetir("Not ", 100000) + "True",
+                                "SELECT " + Repetir("Len(", 100000) + "1" + Repetir(")", 100000),
+                                "SELECT * FROM " + Repetir("(", 100000) + "t" + Repetir(")", 100000),
+                                "SELECT t.a FROM u WHERE k = 1" + Repetir(" or t.k = 2", 100000),
+                                "SELECT 1" + Repetir(" UNION ALL SELECT t.a FROM t AS x", 5000),
+                                Repetir("SELECT t.a FROM (", 5000) + "t" + Repetir(")", 5000),
+                                Repetir("\x01\xFF[", 1000),
+                                "[",
+                                "'",
+                                "#",
+                                "{",
+                                ";",
+                                "SELECT \xFF\xFE\xF0\x9F"};
+  for (const std::string& sql : hondos) {
+    EXPECT_EQ(ErrorDe(sql), "no error");
+    pruebas::Falla([&] { base_->Consultar(sql); });  // rows or an error, both are answers
+  }
+  EXPECT_EQ(Llega("Select 1"), "Select 1");
 }
 
 TEST_F(Fallos, UnaTransaccionYLaSiguiente) {
