@@ -33,7 +33,8 @@ SQLRETURN MandarCadena(SQLHANDLE enlace, std::string_view cadena) {
   SQLSMALLINT largo = 0;
   if (ComoBytes(cadena)) {
     std::vector<SQLCHAR> entrada(cadena.begin(), cadena.end()), salida(kCadenaCompleta);
-    return SQLDriverConnectA(enlace, nullptr, entrada.data(), static_cast<SQLSMALLINT>(entrada.size()),
+    entrada.push_back(0);  // mdbtools' driver reads up to it, whatever the length
+    return SQLDriverConnectA(enlace, nullptr, entrada.data(), static_cast<SQLSMALLINT>(entrada.size() - 1),
                              salida.data(), static_cast<SQLSMALLINT>(salida.size()), &largo,
                              SQL_DRIVER_NOPROMPT);
   }

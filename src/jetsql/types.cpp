@@ -1,7 +1,6 @@
 #include "jetsql/types_internal.h"
 
 #include "base/text.h"
-#include "jetsql/domain_internal.h"
 #include "jetsql/functions.h"
 #include "jetsql/runtime.h"
 
@@ -122,8 +121,7 @@ Especial BuscarEspecial(std::string_view nombre) {
 }
 
 bool ConoceFuncion(std::string_view nombre) {
-  return BuscarFuncion(nombre) != nullptr || BuscarEspecial(nombre) != Especial::Ninguna ||
-         EsDeDominio(nombre);
+  return BuscarFuncion(nombre) != nullptr || BuscarEspecial(nombre) != Especial::Ninguna;
 }
 
 base::Tipo TipoDeDeclaracion(std::string_view declaracion) {
