@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "base/text.h"
 #include "mdb/index_tree.h"
 #include "mdb/page_map.h"
@@ -54,6 +56,42 @@ void Numerar(Paginas& paginas, Definicion& d, std::size_t columna) {
   EscribirContadores(paginas, d);
 }
 
+// Rows from before a table had columns of variable length have no place for their count, and readers that
+// know only the definition would look for it. Such rows are written anew.
+void DarParteVariable(Paginas& paginas, Definicion& d) {
+  Cambios cambios;
+  const std::size_t columna = d.columnas.size() - 1;
+  RecorrerFilas(paginas, d,
+                [&](IdFila id, const Fila&) {
+                  CambioDeFila cambio;
+                  cambio.fila = id;
+                  cambio.valores.emplace_back(columna, Dato());
+                  cambios.cambiadas.push_back(std::move(cambio));
+                  return true;
+                },
+                {columna});
+  if (!cambios.cambiadas.empty()) Aplicar(paginas, d, cambios);
+}
+
+void ComprobarQueNadieLaUse(const Catalogo& catalogo, const Definicion& d, const Columna& columna) {
+  const std::string comienzo = "La columna \"" + columna.nombre + "\" no se puede quitar: la usa ";
+  for (const auto& l : d.logicos)
+    for (const auto& parte : d.reales.at(l.real).partes)
+      if (parte.columna == columna.numero && l.clase != IndiceLogico::Foraneo)
+        throw base::Error(comienzo + "el índice \"" + l.nombre + "\"");
+  const auto nombra = [&](const std::string& tabla, const std::vector<std::string>& columnas) {
+    return base::IgualSinCaso(tabla, d.nombre) &&
+           std::any_of(columnas.begin(), columnas.end(),
+                       [&](const auto& c) { return base::IgualSinCaso(c, columna.nombre); });
+  };
+  for (const auto& r : catalogo.Relaciones())
+    if (nombra(r.tabla, r.columnas) || nombra(r.tabla_referida, r.columnas_referidas))
+      throw base::Error(comienzo + "la relación \"" + r.nombre + "\"");
+  for (const auto& real : d.reales)  // of a relationship that the catalog no longer tells
+    for (const auto& parte : real.partes)
+      if (parte.columna == columna.numero) throw base::Error(comienzo + "un índice");
+}
+
 }  // namespace
 
 void Base::CrearTabla(const NuevaTabla& tabla, base::Fecha ahora) {
@@ -106,8 +144,10 @@ void Base::AgregarColumna(std::string_view tabla, const NuevaColumna& columna) {
   Definicion d = internal::TablaParaCambiar(*paginas_, catalogo_, tabla);
   if (columna.autonumerica && columna.tipo == TipoColumna::Guid && !LeerMapa(*paginas_, d.propias).empty())
     throw base::Error("Una columna autonumérica de identificadores solo se agrega a una tabla nueva");
+  const bool sin_variables = d.variables == 0;
   internal::AgregarColumna(*paginas_, d, columna);
   EscribirDefinicion(*paginas_, d);
+  if (sin_variables && d.variables != 0) DarParteVariable(*paginas_, d);
   if (columna.autonumerica && columna.tipo == TipoColumna::Largo)
     Numerar(*paginas_, d, d.columnas.size() - 1);
   Propiedades propiedades = catalogo_.PropiedadesDe(tabla);
@@ -125,12 +165,7 @@ void Base::QuitarColumna(std::string_view tabla, std::string_view columna) {
   const Columna quitada = d.columnas[posicion];
   if (d.columnas.size() == 1)
     throw base::Error("La columna \"" + quitada.nombre + "\" es la única de la tabla \"" + d.nombre + "\"");
-  for (const auto& l : d.logicos)
-    for (const auto& parte : d.reales.at(l.real).partes)
-      if (parte.columna == quitada.numero)
-        throw base::Error(
-            "La columna \"" + quitada.nombre + "\" no se puede quitar: la usa " +
-            (l.clase == IndiceLogico::Foraneo ? "una relación" : "el índice \"" + l.nombre + "\""));
+  ComprobarQueNadieLaUse(catalogo_, d, quitada);
   if (quitada.EsLarga()) LiberarValoresLargos(*paginas_, quitada);
   d.columnas.erase(d.columnas.begin() + static_cast<std::ptrdiff_t>(posicion));
   EscribirDefinicion(*paginas_, d);

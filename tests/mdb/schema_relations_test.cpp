@@ -191,10 +191,11 @@ TEST(BorrarTabla, IsRefusedWhileARelationshipIsEnforced) {
     b.Rechaza("está en la relación \"R\"", [&] { b->BorrarTabla(tabla); });
   b.Rechaza("una relación se apoya en él", [&] { b->BorrarIndice("Pedidos", "PrimaryKey"); });
   b.Rechaza("es de una relación", [&] { b->BorrarIndice("Renglones", "R"); });
-  b.Rechaza("la usa una relación", [&] { b->QuitarColumna("Renglones", "Pedido"); });
+  b.Rechaza("la usa la relación \"R\"", [&] { b->QuitarColumna("Renglones", "Pedido"); });
   b.Rechaza("no tiene una relación \"X\"", [&] { b->BorrarRelacion("X"); });
   b->BorrarRelacion("R");
   b->CrearRelacion(Relacion("Suelta", mdb::RelacionDeTablas::kNoExigida), Hoy());
+  b.Rechaza("la usa la relación \"Suelta\"", [&] { b->QuitarColumna("Renglones", "Pedido"); });
   b->BorrarTabla("Pedidos");
   EXPECT_TRUE(b->Indice().Relaciones().empty());
   b.Sana();

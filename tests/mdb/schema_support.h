@@ -12,6 +12,7 @@
 #include "mdb/new_file.h"
 #include "mdb/outside.h"
 #include "mdb/table.h"
+#include "mdb/verify.h"
 
 namespace mdb_test {
 
@@ -30,7 +31,15 @@ class BaseDePrueba {
     return paginas_->Guardado();
   }
   // Files made here from nothing are held to everything.
-  void Sana(bool estricto = true) { EXPECT_EQ(Controlar(Guardado(), estricto), ""); }
+  void Sana(bool estricto = true) {
+    EXPECT_EQ(Controlar(Guardado(), estricto), "");
+    Comprobada(estricto);
+  }
+  // By our own check alone, which takes no process.
+  void Comprobada(bool estricto = true) {
+    for (const auto& h : mdb::Verificar(base_->Hojas()).hallazgos)
+      EXPECT_TRUE(!estricto && h.grado == mdb::Hallazgo::Grado::Nota) << h.texto;
+  }
   std::string Esquema(const std::string& opciones, const std::string& dialecto = "") {
     return Mdbtools("mdb-schema", opciones, Guardado(), dialecto);
   }

@@ -239,6 +239,26 @@ TEST(AgregarColumna, LeavesOldRowsWithoutIt) {
   b.Rechaza("ya tiene una columna", [&] { b->AgregarColumna("T", Col("C", TipoColumna::Largo)); });
 }
 
+// Rows without any column of variable length have no count of them; the first such column gives them one.
+TEST(AgregarColumna, TheFirstVariableOneRewritesTheRows) {
+  BaseDePrueba b;
+  b->CrearTabla({"T", {Col("a", TipoColumna::Largo), Col("b", TipoColumna::Booleano)}, {Clave({"a"})}},
+                Hoy());
+  std::vector<mdb::Fila> filas;
+  for (int i = 0; i < 700; ++i) filas.push_back(FilaDe(N(i), i % 3 == 0));
+  b.Insertar("T", filas);
+  b->AgregarColumna("T", Col("t", TipoColumna::Texto));
+  for (auto& f : filas) f.push_back(Nada());
+  EXPECT_EQ(b.Filas("T"), filas);
+  b.Sana();
+  b->QuitarColumna("T", "t");
+  for (auto& f : filas) f.pop_back();
+  b.Insertar("T", {FilaDe(N(700), false)});
+  filas.push_back(FilaDe(N(700), false));
+  EXPECT_EQ(b.Filas("T"), filas);
+  b.Sana();
+}
+
 TEST(AgregarColumna, NumbersTheRowsThatAreThere) {
   BaseDePrueba b;
   b->CrearTabla({"T", {Col("a", TipoColumna::Texto)}, {}}, Hoy());
