@@ -253,7 +253,7 @@ TEST_F(Archivos, SinTransacciones) {
   const auto base = Abrir("pivot.mdb");
   EXPECT_THROW(base->BeginTrans(), db::Error);
   EXPECT_FALSE(base->EnTransaccion());
-  EXPECT_EQ(support::Filas(base->Ejecutar("Select c_cod From t_pivot Where c_cod='piero'")), "piero");
+  EXPECT_EQ(support::Filas(base->Ejecutar("Select c_cod From t_pivot")), "paperino\npiero\npippo\npluto");
 }
 
 TEST_F(Archivos, ElArchivoQueNoEsta) { EXPECT_THROW(Abrir("no_esta.mdb"), db::Error); }
