@@ -10,6 +10,12 @@ namespace {
 
 Objeto* AObjeto(SQLHANDLE h) { return static_cast<Objeto*>(h); }
 
+SQLRETURN Terminar(Enlace& e, bool confirmar) {
+  if (!e.en_transaccion) return SQL_SUCCESS;
+  e.en_transaccion = false;
+  return e.motor->Terminar(confirmar) ? SQL_SUCCESS : Fallar(&e, "HY000", "[Prueba]The transaction failed");
+}
+
 }  // namespace
 
 extern "C" {
@@ -46,7 +52,10 @@ SQLRETURN SQL_API SQLDriverConnectW(SQLHDBC h, SQLHWND, SQLWCHAR* entrada, SQLSM
   return SQL_SUCCESS;
 }
 
-SQLRETURN SQL_API SQLDisconnect(SQLHDBC) { return SQL_SUCCESS; }
+SQLRETURN SQL_API SQLDisconnect(SQLHDBC h) {
+  static_cast<Enlace*>(AObjeto(h))->motor.reset();
+  return SQL_SUCCESS;
+}
 
 SQLRETURN SQL_API SQLGetInfoW(SQLHDBC h, SQLUSMALLINT que, SQLPOINTER valor, SQLSMALLINT, SQLSMALLINT*) {
   auto* e = static_cast<Enlace*>(AObjeto(h));
@@ -57,9 +66,10 @@ SQLRETURN SQL_API SQLGetInfoW(SQLHDBC h, SQLUSMALLINT que, SQLPOINTER valor, SQL
 }
 
 SQLRETURN SQL_API SQLSetConnectAttrW(SQLHDBC h, SQLINTEGER que, SQLPOINTER valor, SQLINTEGER) {
-  if (que == SQL_ATTR_AUTOCOMMIT)
-    static_cast<Enlace*>(AObjeto(h))->autocommit = reinterpret_cast<SQLULEN>(valor) == SQL_AUTOCOMMIT_ON;
-  return SQL_SUCCESS;
+  auto* e = static_cast<Enlace*>(AObjeto(h));
+  if (que != SQL_ATTR_AUTOCOMMIT) return SQL_SUCCESS;
+  e->autocommit = reinterpret_cast<SQLULEN>(valor) == SQL_AUTOCOMMIT_ON;
+  return e->autocommit ? Terminar(*e, true) : SQL_SUCCESS;
 }
 
 SQLRETURN SQL_API SQLGetConnectAttrW(SQLHDBC h, SQLINTEGER que, SQLPOINTER valor, SQLINTEGER, SQLINTEGER*) {
@@ -76,7 +86,7 @@ SQLRETURN SQL_API SQLEndTran(SQLSMALLINT, SQLHANDLE h, SQLSMALLINT como) {
   if (como == SQL_COMMIT ? e->commit_falla : e->rollback_falla)
     return Fallar(e, "HY000", "[Prueba]The disk is full");
   ++(como == SQL_COMMIT ? e->confirmadas : e->deshechas);
-  return SQL_SUCCESS;
+  return Terminar(*e, como == SQL_COMMIT);
 }
 
 SQLRETURN SQL_API SQLSetStmtAttrW(SQLHSTMT, SQLINTEGER, SQLPOINTER, SQLINTEGER) { return SQL_SUCCESS; }
@@ -85,7 +95,13 @@ SQLRETURN SQL_API SQLExecDirectW(SQLHSTMT h, SQLWCHAR* texto, SQLINTEGER largo) 
   auto* c = static_cast<Cursor*>(AObjeto(h));
   c->registros.clear();
   Vaciar(*c);
-  return Correr(*c, Leer(texto, largo));
+  Enlace& e = *c->enlace;
+  if (e.motor == nullptr) return Correr(*c, Leer(texto, largo));
+  if (!e.autocommit && !e.en_transaccion) {
+    if (!e.motor->Empezar()) return Fallar(c, "HY000", "[Prueba]No transaction");
+    e.en_transaccion = true;
+  }
+  return e.motor->Correr(*c, Leer(texto, largo)) ? SQL_SUCCESS : SQL_ERROR;
 }
 
 SQLRETURN SQL_API SQLTablesW(SQLHSTMT h, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*,

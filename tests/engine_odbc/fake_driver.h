@@ -2,9 +2,10 @@
 // and the statements say what.
 //
 // Connection string: Txn=0 (no transactions), Catalogo=T:a,b/U:c (its tables and columns; "roto": fails),
-// Commit=falla, Rollback=falla, Total=no (never tells the length of what is left), Clave=x (PWD must be it).
+// Commit=falla, Rollback=falla, Total=no (never tells the length of what is left), Clave=x (PWD must be it),
+// Motor=x (statements go to the database that the program's own CrearMotorDePrueba makes of x).
 //
-// Statements, words parted by blanks:
+// Statements of a connection without Motor, words parted by blanks:
 //   FILAS name:type[:driver's name for the type] …   then a line a row, cells parted by "|"; NULL is Null,
 //                                             ~n is a text of n characters 0123… before the rest, \0 a NUL
 //   CAMBIA n                                  n rows changed
@@ -21,6 +22,7 @@
 #include <sqlext.h>
 #include <sqlucode.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -40,11 +42,25 @@ struct Objeto {  // what every handle is
 
 struct Ambiente : Objeto {};
 
+struct Cursor;
+
+// A database behind the driver.
+class Motor {
+ public:
+  virtual ~Motor() = default;
+  // Fills columns and rows, or the rows changed; false with a record of what went wrong.
+  virtual bool Correr(Cursor& c, const Ancho& sql) = 0;
+  virtual bool Empezar() = 0;
+  virtual bool Terminar(bool confirmar) = 0;
+};
+
 struct Enlace : Objeto {
   bool con_transacciones = true, commit_falla = false, rollback_falla = false, con_total = true;
   bool muerto = false, autocommit = true, catalogo_roto = false;
   int confirmadas = 0, deshechas = 0;
   std::vector<std::pair<Ancho, std::vector<Ancho>>> catalogo;
+  std::unique_ptr<Motor> motor;
+  bool en_transaccion = false;  // of the database behind
 };
 
 struct Columna {
@@ -85,3 +101,6 @@ SQLRETURN DarCelda(Cursor& c, const Celda& celda, SQLSMALLINT tipo_c, SQLPOINTER
                    SQLLEN* largo);
 
 }  // namespace falso
+
+// Of a test program that has a database to offer; linked with its symbols exported.
+extern "C" falso::Motor* CrearMotorDePrueba(const char16_t* nombre);

@@ -1,6 +1,8 @@
 // What the statements of the driver for tests do.
 #include "fake_driver.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -147,6 +149,11 @@ void LeerOpcion(Enlace& e, const Ancho& nombre, const Ancho& valor, Ancho& clave
   if (nombre == u"Rollback") e.rollback_falla = valor == u"falla";
   if (nombre == u"Total") e.con_total = valor != u"no";
   if (nombre == u"Clave") clave = valor;
+  if (nombre == u"Motor") {
+    const auto crear =
+        reinterpret_cast<decltype(&CrearMotorDePrueba)>(dlsym(RTLD_DEFAULT, "CrearMotorDePrueba"));
+    if (crear != nullptr) e.motor.reset(crear(valor.c_str()));
+  }
   if (nombre == u"PWD") dada = valor;
   if (nombre != u"Catalogo") return;
   e.catalogo_roto = valor == u"roto";
