@@ -1,6 +1,7 @@
 #include "mdb/index_page.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <string>
@@ -22,11 +23,22 @@ const Forma& FormaDe(const Paginas& paginas) { return paginas.Cab().Jet3() ? kJe
 
 // Bit n of the mask: an entry ends n bytes after the start of the entries.
 std::vector<std::size_t> Fines(Vista mascara) {
-  std::vector<std::size_t> fines;
-  for (std::size_t i = 0; i < mascara.size(); ++i)
-    for (unsigned b = mascara[i]; b != 0; b &= b - 1)
-      fines.push_back(8 * i + static_cast<std::size_t>(std::countr_zero(b)));
-  return fines;
+  std::array<std::uint16_t, 8 * 456> lugares;
+  std::size_t cuantos = 0;
+  const auto palabra = [&](std::uint64_t p, std::size_t primera) {
+    for (; p != 0; p &= p - 1)
+      lugares[cuantos++] =
+          static_cast<std::uint16_t>(primera + static_cast<std::size_t>(std::countr_zero(p)));
+  };
+  const std::uint8_t* v = mascara.data();
+  std::size_t i = 0;
+  for (; i + 8 <= mascara.size(); i += 8, v += 8)
+    palabra(std::uint64_t{v[0]} | std::uint64_t{v[1]} << 8 | std::uint64_t{v[2]} << 16 |
+                std::uint64_t{v[3]} << 24 | std::uint64_t{v[4]} << 32 | std::uint64_t{v[5]} << 40 |
+                std::uint64_t{v[6]} << 48 | std::uint64_t{v[7]} << 56,
+            8 * i);
+  for (; i < mascara.size(); ++i) palabra(mascara[i], 8 * i);
+  return {lugares.begin(), lugares.begin() + static_cast<std::ptrdiff_t>(cuantos)};
 }
 
 void AgregarFila(Bytes& v, IdFila fila) {
@@ -70,14 +82,15 @@ PaginaDeIndice PaginaDeIndice::Leer(Paginas& paginas, NumPagina numero, NumPagin
 void PaginaDeIndice::DeshacerPrefijo() {
   if (fines_[0] < prefijo)
     DanioEnPagina(numero, "la primera entrada del índice es más corta que la parte común de las demás");
-  datos_.reserve(ajenos_.size() + prefijo * fines_.size());
-  AgregarBytes(datos_, ajenos_.first(fines_[0]));
+  datos_.resize(ajenos_.size() + prefijo * (fines_.size() - 1));
+  auto destino = std::copy_n(ajenos_.begin(), fines_[0], datos_.begin());
   for (std::size_t i = 1, desde = fines_[0]; i < fines_.size(); ++i) {
     const std::size_t hasta = fines_[i];
-    AgregarBytes(datos_, ajenos_.first(prefijo));
-    AgregarBytes(datos_, ajenos_.subspan(desde, hasta - desde));
+    destino = std::copy_n(ajenos_.begin(), prefijo, destino);
+    destino = std::copy(ajenos_.begin() + static_cast<std::ptrdiff_t>(desde),
+                        ajenos_.begin() + static_cast<std::ptrdiff_t>(hasta), destino);
     desde = hasta;
-    fines_[i] = datos_.size();
+    fines_[i] = static_cast<std::size_t>(destino - datos_.begin());
   }
   propia_ = true;
   imagen_.reset();

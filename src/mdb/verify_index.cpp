@@ -149,6 +149,8 @@ class RevisionDeIndice {
     std::uint8_t& marcas = de_.marcas[n];
     if ((marcas & DeIndice::kEntrada) != 0)
       r_.Error(pagina, donde_, DeFila(id) + " tiene más de una entrada");
+    if (real_.Requerido() && (marcas & DeIndice::kAlgunNulo) != 0)
+      r_.Error(pagina, donde_, DeFila(id) + " no tiene valor en una columna del índice, que lo exige");
     marcas |= DeIndice::kEntrada;
     if (!filas_.legible[n]) return;
     if (unico_ && repetida && (marcas & DeIndice::kTodosNulos) == 0)

@@ -102,7 +102,7 @@ struct FilasVistas {
     Bytes claves;                      // one after another
     std::vector<std::size_t> fines;    // where each row's key ends
     std::vector<std::uint8_t> marcas;  // per row
-    static constexpr std::uint8_t kTodosNulos = 1, kSinClave = 2, kDudosa = 4, kEntrada = 8;
+    static constexpr std::uint8_t kTodosNulos = 1, kSinClave = 2, kDudosa = 4, kEntrada = 8, kAlgunNulo = 16;
     Vista Clave(std::size_t fila) const;
   };
   std::vector<IdFila> ids;

@@ -172,9 +172,8 @@ class RevisionDeTabla {
       if (!crudo || c.Calculada()) continue;
       if (c.EsLarga())
         ValorLargo(id, i, *crudo, donde);
-      else if (!c.Fija() && c.tipo != TipoColumna::Texto && c.tipo != TipoColumna::Binario &&
-               crudo->size() < AnchoFijo(c))
-        throw Danio("el valor de la columna " + Entre(c.nombre) + " es demasiado corto");
+      else if (!c.Fija())
+        Variable(c, *crudo);
     }
     for (const std::size_t i : elegidas_) {
       fila_[i] = base::Nulo{};
@@ -183,6 +182,27 @@ class RevisionDeTabla {
     }
     if (!autonumerica_) return;
     if (const auto* n = std::get_if<std::int64_t>(&fila_[*autonumerica_])) mayor_ = std::max(mayor_, *n);
+  }
+
+  // The bytes of a column of variable length against its type.
+  void Variable(const Columna& c, Vista crudo) const {
+    const std::string que = "el valor de la columna " + Entre(c.nombre);
+    if (c.tipo != TipoColumna::Texto && c.tipo != TipoColumna::Binario) {
+      if (crudo.size() < AnchoFijo(c)) throw Danio(que + " es demasiado corto");
+      return;
+    }
+    const bool comprimido = c.tipo == TipoColumna::Texto && !r_.paginas.Cab().Jet3() && crudo.size() >= 2 &&
+                            crudo[0] == 0xFF && crudo[1] == 0xFE;
+    // A compressed text has a byte a character as long as it does not switch, which a 0 tells.
+    std::size_t bytes = crudo.size();
+    if (comprimido) {
+      const Vista letras = crudo.subspan(2);
+      if (std::find(letras.begin(), letras.end(), 0) != letras.end()) return;
+      bytes = 2 * letras.size();
+    }
+    if (bytes > c.largo) throw Danio(que + " es más largo que la columna");
+    if (c.tipo == TipoColumna::Texto && !r_.paginas.Cab().Jet3() && bytes % 2 != 0)
+      throw Danio(que + " es un texto cortado por la mitad de una letra");
   }
 
   void ValorLargo(IdFila id, std::size_t columna, Vista campo, const std::string& donde) {
@@ -250,6 +270,7 @@ class RevisionDeTabla {
     std::uint8_t marcas = 0;
     try {
       if (TodosNulos(d_, indice, fila_)) marcas |= M::kTodosNulos;
+      if (AlgunNulo(d_, indice, fila_)) marcas |= M::kAlgunNulo;
       if (!de.con_claves) return marcas | M::kSinClave;
       ClaveDeFila(r_.paginas.Cab(), d_, indice, fila_, clave_);
     } catch (

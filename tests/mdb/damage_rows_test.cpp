@@ -54,6 +54,32 @@ std::vector<Dano> DeFilas() {
          return f.pagina;
        },
        "columnas de largo variable"},
+      {"a text longer than its column", kIndices,
+       [](Obra& o) {
+         const auto d = o.Def("MSysObjects");
+         const auto i = d.PorNombre("Name").value();
+         mdb::Poner16(o.P(2), o.PosColumna("MSysObjects", i) + 23, 8);
+         return o.Datos("MSysObjects");
+       },
+       "el valor de la columna «Name» es más largo que la columna"},
+      {"a text that ends inside a letter", kIndices,
+       [](Obra& o) {
+         const auto f = o.Fila("MSysRelationships", o.Filas("MSysRelationships")[0]);
+         auto& p = o.P(f.pagina);  // one byte of mask, two of the count, then the offsets, the end last
+         const auto tabla = f.pos + f.largo - 1 - 4;
+         Sumar16(p, tabla - 2U * mdb::U16(p, tabla + 2), -1);
+         return f.pagina;
+       },
+       "es un texto cortado por la mitad de una letra"},
+      {"a Null in a key that may have none", kIndices,
+       [](Obra& o) {
+         const auto f = o.Fila("Table1", o.Filas("Table1")[0]);
+         const auto d = o.Def("Table1");
+         const auto numero = d.columnas[d.PorNombre("id").value()].numero;
+         o.P(f.pagina)[f.pos + f.largo - 1] &= static_cast<std::uint8_t>(~(1U << numero));
+         return d.reales[1].raiz;
+       },
+       "que lo exige"},
       {"a row that is cut", kIndices,
        [](Obra& o) {
          const auto id = o.Filas("Table1")[0];

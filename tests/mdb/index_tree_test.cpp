@@ -383,6 +383,55 @@ TEST(ArbolDeIndice, AChainOfEmptyLeavesThatComesBackEnds) {
   EsperaDanio([&] { arbol.Abrir().Hay(Numero(1)); }, arbol.indice.raiz, "dos veces");
 }
 
+// Whatever the bytes of the pages are, a tree gives an answer or an error of the data.
+TEST(ArbolDeIndice, EndsOnDamagedPages) {
+  Azar azar(23);
+  const Arbol bueno = DeTresNiveles();
+  bueno.paginas->Confirmar();
+  const auto suyas = mdb::LeerMapa(*bueno.paginas, bueno.indice.mapa);
+  std::size_t errores = 0, hechas = 0;
+  for (int ronda = 0; ronda < 400; ++ronda) {
+    Arbol arbol;
+    arbol.tabla = bueno.tabla;
+    arbol.indice = bueno.indice;
+    Bytes bytes = bueno.paginas->Guardado();
+    for (std::uint32_t k = 0, n = 1 + Uno(azar, ronda % 2 == 0 ? 3 : 60); k < n; ++k) {
+      const std::size_t pagina = suyas[Uno(azar, static_cast<std::uint32_t>(suyas.size()))];
+      bytes[pagina * 4096 + Uno(azar, Uno(azar, 2) == 0 ? 28 : 4096)] =
+          static_cast<std::uint8_t>(Uno(azar, 2) == 0 ? Uno(azar, 256) : suyas[Uno(azar, 8)]);
+    }
+    arbol.paginas = std::make_unique<mdb::PaginasEnMemoria>(bueno.paginas->Cab(), std::move(bytes));
+    for (std::uint32_t i = 0; i < 60; ++i, ++hechas) {
+      Bytes clave(400, static_cast<std::uint8_t>(Uno(azar, 256)));
+      clave[0] = static_cast<std::uint8_t>(Uno(azar, 2));
+      const auto fila = Fila(Uno(azar, 400));
+      const auto punto = arbol.paginas->Guardar();
+      try {
+        if (i % 5 == 0)
+          arbol.Abrir().Recorrer([](const Entrada&) { return true; });
+        else if (i % 5 == 1)
+          arbol.Abrir().Hay(clave);
+        else if (i % 5 == 2)
+          arbol.Abrir().BorrarPorFila(fila);
+        else if (i % 5 == 3)
+          arbol.Abrir().Insertar(clave, Fila(1000 + i));
+        else
+          arbol.Abrir().Borrar(clave, fila);
+      } catch (const base::Error&) {
+        arbol.paginas->Volver(punto);
+        ++errores;
+      }
+    }
+    try {
+      arbol.Abrir().Vaciar();
+    } catch (const base::Error&) {
+      ++errores;
+    }
+  }
+  std::cout << hechas << " operations, " << errores << " errors\n";
+  EXPECT_GT(errores, 100U);
+}
+
 // A node of another program may hold its last child as an entry, without a tail.
 TEST(ArbolDeIndice, ANodeWithoutATailGetsOne) {
   Arbol arbol = ConNumeros({});

@@ -98,7 +98,7 @@ TEST(Verificar, EndsOnAnythingThatWasAFile) {
   std::size_t rondas = 0, malas = 0;
   for (const char* archivo :
        {"adox_jet4.mdb", "compIndexTestV2000.mdb", "indexTestV2000.mdb", "overflowTestV2000.mdb",
-        "queryTestV2000.mdb", "queryTestV1997.mdb", "test2V2000.mdb"}) {
+        "queryTestV2000.mdb", "queryTestV1997.mdb", "queryTestV2010.accdb", "test2V2000.mdb"}) {
     SCOPED_TRACE(archivo);
     const auto bueno = mdb_test::Cargar(mdb_test::RutaDeCorpus(archivo));
     std::mt19937 azar(41);
