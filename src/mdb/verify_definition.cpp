@@ -52,6 +52,12 @@ class Paseo {
   bool constantes_ = true;
 };
 
+bool TipoConocido(const Cabecera& cabecera, TipoColumna tipo) {
+  const auto n = static_cast<std::uint8_t>(tipo);
+  if (n == 0 || n == 13 || n == 14 || tipo > TipoColumna::FechaExtendida) return false;
+  return cabecera.version == Version::Ace || tipo < TipoColumna::Complejo;
+}
+
 void RevisarColumnas(Revision& r, const Definicion& d, const std::string& donde) {
   std::set<std::uint16_t> numeros, variables;
   std::set<std::string> nombres;
@@ -63,6 +69,10 @@ void RevisarColumnas(Revision& r, const Definicion& d, const std::string& donde)
                                               : ", que ya tiene otra"));
     if (!nombres.insert(c.nombre).second)
       r.Error(d.Pagina(), donde, "hay dos columnas con el nombre " + Entre(c.nombre));
+    if (!TipoConocido(r.paginas.Cab(), c.tipo))
+      r.Error(d.Pagina(), donde,
+              "la columna " + Entre(c.nombre) + " es de un tipo que su versión no tiene (" +
+                  std::to_string(unsigned{static_cast<std::uint8_t>(c.tipo)}) + ")");
     if (c.Fija()) continue;
     if (!variables.insert(c.variable).second || c.variable >= d.variables)
       r.Error(d.Pagina(), donde,

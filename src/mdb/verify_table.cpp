@@ -107,6 +107,8 @@ class RevisionDeTabla {
   }
 
   void Datos() {
+    if (d_.propias.pagina == 0 || d_.libres.pagina == 0)
+      r_.Error(d_.Pagina(), donde_, "la tabla no tiene los mapas de sus páginas");
     const MapaVisto mapa = Mapas(d_.propias, d_.libres, "");
     completas_ = mapa.legible;
     const auto dueno = r_.NuevoDueno("los datos de la tabla " + Entre(d_.nombre));
@@ -188,7 +190,8 @@ class RevisionDeTabla {
   void Variable(const Columna& c, Vista crudo) const {
     const std::string que = "el valor de la columna " + Entre(c.nombre);
     if (c.tipo != TipoColumna::Texto && c.tipo != TipoColumna::Binario) {
-      if (crudo.size() < AnchoFijo(c)) throw Danio(que + " es demasiado corto");
+      if (c.tipo != TipoColumna::BinarioFijo && crudo.size() != AnchoFijo(c))
+        throw Danio(que + " no mide lo que su tipo");
       return;
     }
     const bool comprimido = c.tipo == TipoColumna::Texto && !r_.paginas.Cab().Jet3() && crudo.size() >= 2 &&

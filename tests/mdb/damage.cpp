@@ -10,8 +10,9 @@ namespace mdb_test {
 Obra::Obra(const std::string& archivo) : paginas(Cargar(RutaDeCorpus(archivo))) {}
 
 mdb::Definicion Obra::Def(const std::string& tabla) {
-  auto d = *mdb::Catalogo(*paginas).Tabla(tabla);
-  return d;
+  const auto d = mdb::Catalogo(*paginas).Tabla(tabla);
+  if (d == nullptr) throw base::Error("no table " + tabla);
+  return *d;
 }
 
 NumPagina Obra::Datos(const std::string& tabla, std::size_t k) {

@@ -19,6 +19,20 @@ std::vector<Dano> DeDefiniciones() {
          return p;
        },
        "la definición dice medir"},
+      {"a column of a type of later versions", kIndices,
+       [](Obra& o) {
+         const auto p = o.Def("Table1").Pagina();
+         o.P(p)[o.PosColumna("Table1", 0)] = 19;
+         return p;
+       },
+       "es de un tipo que su versión no tiene (19)"},
+      {"a table without a map", kIndices,
+       [](Obra& o) {
+         const auto p = o.Def("Table1").Pagina();
+         mdb::Poner32(o.P(p), 59, 0);
+         return p;
+       },
+       "la tabla no tiene los mapas de sus páginas"},
       {"a constant of a definition", kIndices,
        [](Obra& o) {
          const auto p = o.Def("Table1").Pagina();

@@ -80,6 +80,14 @@ std::vector<Dano> DeFilas() {
          return d.reales[1].raiz;
        },
        "que lo exige"},
+      {"a number of another width among the variable columns", kIndices,
+       [](Obra& o) {
+         const auto d = o.Def("MSysObjects");
+         const auto p = o.Datos("MSysObjects");
+         o.P(2)[o.PosColumna("MSysObjects", d.PorNombre("Name").value())] = 5;  // Currency, 8 bytes
+         return p;
+       },
+       "el valor de la columna «Name» no mide lo que su tipo"},
       {"a row that is cut", kIndices,
        [](Obra& o) {
          const auto id = o.Filas("Table1")[0];
