@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "mdb/data_page_internal.h"
 #include "mdb/index_tree.h"
 #include "mdb/page_map.h"
 #include "mdb/schema_internal.h"
@@ -10,12 +11,18 @@
 namespace mdb {
 namespace {
 
-void LiberarMapa(Paginas& paginas, Puntero mapa) {
-  for (const NumPagina p : LeerMapa(paginas, mapa)) LiberarPagina(paginas, p);
+// Frees the data pages that a map names. In a damaged file one may be another table's: then nothing goes.
+void LiberarMapa(Paginas& paginas, Puntero mapa, std::uint32_t dueno) {
+  for (const NumPagina p : LeerMapa(paginas, mapa)) {
+    const Imagen imagen = paginas.Leer(p);
+    if (U8(*imagen, 0) != internal::kPaginaDeDatos || U32(*imagen, 4) != dueno)
+      DanioEnPagina(p, "está en el mapa de una tabla y no es de ella");
+    LiberarPagina(paginas, p);
+  }
 }
 
 void LiberarValoresLargos(Paginas& paginas, const Columna& columna) {
-  LiberarMapa(paginas, columna.lv_propias);
+  LiberarMapa(paginas, columna.lv_propias, internal::kLval);
   for (const Puntero mapa : {columna.lv_propias, columna.lv_libres})
     if (mapa.pagina != 0) BorrarMapa(paginas, mapa);
 }
@@ -24,7 +31,7 @@ void LiberarTabla(Paginas& paginas, Definicion& d) {
   while (!d.reales.empty()) internal::QuitarReal(paginas, d, static_cast<std::uint32_t>(d.reales.size() - 1));
   for (const auto& c : d.columnas)
     if (c.EsLarga()) LiberarValoresLargos(paginas, c);
-  LiberarMapa(paginas, d.propias);
+  LiberarMapa(paginas, d.propias, d.Pagina());
   for (const Puntero mapa : {d.propias, d.libres})
     if (mapa.pagina != 0) BorrarMapa(paginas, mapa);
   for (const NumPagina p : d.paginas) LiberarPagina(paginas, p);

@@ -53,11 +53,15 @@ std::uint16_t LargoDe(const NuevaColumna& nueva) {
   }
 }
 
+// What a fixed column takes whatever its descriptor says: Access itself writes smaller numbers for Numeric.
+std::size_t LargoGuardado(TipoColumna tipo) { return tipo == TipoColumna::Decimal ? 17 : 0; }
+
 std::size_t FinDeFijas(const Definicion& d) {
   std::size_t fin = 0;
   for (const auto& c : d.columnas)
     if (c.Fija() && c.tipo != TipoColumna::Booleano)
-      fin = std::max<std::size_t>(fin, c.desplazamiento + std::size_t{c.largo});
+      fin = std::max<std::size_t>(fin,
+                                  c.desplazamiento + std::max<std::size_t>(c.largo, LargoGuardado(c.tipo)));
   return fin;
 }
 

@@ -223,6 +223,24 @@ TEST(BorrarTabla, LeavesTheOthersAlone) {
   b.Rechaza("es del sistema", [&] { b->BorrarTabla("MSysACEs"); });
 }
 
+// A map that names a page of another table: the table is not dropped, and the other keeps its rows.
+TEST(BorrarTabla, StopsAtAPageThatIsNotItsOwn) {
+  BaseDePrueba b;
+  for (const char* nombre : {"A", "B"}) {
+    b->CrearTabla({nombre, {Col("x", TipoColumna::Largo), Col("m", TipoColumna::Memo)}, {}}, Hoy());
+    b.Insertar(nombre, {FilaDe(N(1), S(std::string(5000, 'm')))});
+  }
+  auto& hojas = b->Hojas();
+  const auto ajena = mdb::LeerMapa(hojas, b.Def("B").propias).front();
+  mdb::PonerEnMapa(hojas, b.Def("A").propias, ajena);
+  b.Rechaza("página " + std::to_string(ajena) + ": está en el mapa de una tabla",
+            [&] { b->BorrarTabla("A"); });
+  mdb::QuitarDeMapa(hojas, b.Def("A").propias, ajena);
+  mdb::PonerEnMapa(hojas, b.Def("A").columnas[1].lv_propias, ajena);
+  EXPECT_THROW(b->QuitarColumna("A", "m"), mdb::Danio);
+  EXPECT_EQ(b.Filas("B").size(), 1U);
+}
+
 TEST(AgregarColumna, LeavesOldRowsWithoutIt) {
   BaseDePrueba b;
   b->CrearTabla({"T", {Col("a", TipoColumna::Largo), Col("b", TipoColumna::Texto)}, {}}, Hoy());
