@@ -90,7 +90,7 @@ void ConexionMdb::VerificarAbierta() const {
 }
 
 void ConexionMdb::Comenzar() {
-  if (!base_->MotivoSoloLectura().empty()) throw db::Error(base_->MotivoSoloLectura());
+  if (const std::string motivo = MotivoDeNoEscribir(*base_); !motivo.empty()) throw db::Error(motivo);
   fuente_->GuardarEstado();
   espejo_.conexion->BeginTrans();
   abierta_abajo_ = true;

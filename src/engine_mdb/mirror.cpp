@@ -158,18 +158,7 @@ class SinCondiciones {
 engine_sqlite::Sentencia PrepararLlenado(sqlite3* espejo, const TablaEspejo& t) {
   std::string sql = "INSERT INTO " + Citado(t.info.nombre) + " VALUES (";
   for (std::size_t i = 0; i < t.columnas.size(); ++i) sql += i == 0 ? "?" : ",?";
-  const SinCondiciones sin(espejo);
   return engine_sqlite::Preparar(espejo, sql + ")");
-}
-
-std::string NombreDeFila(const TablaEspejo& t) {
-  for (const char* nombre : {"rowid", "_rowid_", "oid"}) {
-    const bool tomado = std::any_of(t.info.columnas.begin(), t.info.columnas.end(),
-                                    [&](const auto& c) { return base::IgualSinCaso(c.nombre, nombre); });
-    if (!tomado) return nombre;
-  }
-  throw base::Error("La tabla " + t.info.nombre +
-                    " tiene campos con todos los nombres que nombran a sus filas: no se puede escribir.");
 }
 
 }  // namespace
@@ -195,7 +184,18 @@ std::string TextoDeCrear(const TablaEspejo& t, const mdb::Propiedades& propiedad
   return sql + CondicionesDeIndices(t) + ")";
 }
 
+std::string NombreDeFila(const TablaEspejo& t) {
+  for (const char* nombre : {"rowid", "_rowid_", "oid"}) {
+    const bool tomado = std::any_of(t.info.columnas.begin(), t.info.columnas.end(),
+                                    [&](const auto& c) { return base::IgualSinCaso(c.nombre, nombre); });
+    if (!tomado) return nombre;
+  }
+  throw base::Error("La tabla " + t.info.nombre +
+                    " tiene campos con todos los nombres que nombran a sus filas: no se puede escribir.");
+}
+
 std::int64_t Llenar(sqlite3* espejo, TablaEspejo& t) {
+  const SinCondiciones sin(espejo);  // to the end: a change of it makes SQLite prepare its statements again
   const engine_sqlite::Sentencia sentencia = PrepararLlenado(espejo, t);
   sqlite3_stmt* s = sentencia.get();
   auto filas = std::make_shared<std::vector<mdb::IdFila>>();

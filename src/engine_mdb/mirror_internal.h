@@ -52,6 +52,9 @@ void CrearIndices(sqlite3* espejo, TablaEspejo& tabla);
 // Reads a row by its number, as the columns of the mirror.
 sqlite3_stmt* LectorPorFila(sqlite3* espejo, TablaEspejo& tabla);
 
+// Which of SQLite's names for the number of a row no column has taken. Throws base::Error when none is left.
+std::string NombreDeFila(const TablaEspejo& tabla);
+
 // "name" with its quotes doubled; 'text' likewise.
 std::string Citado(std::string_view nombre);
 std::string EnComillas(std::string_view texto);

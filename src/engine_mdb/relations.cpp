@@ -112,6 +112,34 @@ void FuenteMdb::VigilarAutomatico(const TablaEspejo& t) {
            Citado(columna) + "); END");
 }
 
+// What a column of the file cannot hold as it was given takes the form that it will have there: the digits of
+// a decimal, the letters of a GUID.
+void FuenteMdb::VigilarFormas(const TablaEspejo& t) {
+  const std::string tabla = Citado(t.info.nombre);
+  for (const std::size_t i : t.columnas) {
+    const mdb::Columna& c = t.definicion.columnas[i];
+    const std::string columna = Citado(c.nombre);
+    std::string forma;
+    if (c.tipo == mdb::TipoColumna::Decimal)
+      forma = "idm_decimal(NEW." + columna + ", " + std::to_string(c.precision) + ", " +
+              std::to_string(c.escala) + ", " + EnComillas(c.nombre) + ")";
+    else if (c.tipo == mdb::TipoColumna::Guid)
+      forma = "idm_forma_guid(NEW." + columna + ", " + EnComillas(c.nombre) + ")";
+    else
+      continue;
+    const std::string fila = NombreDeFila(t);
+    const std::string cuerpo = " WHEN NEW." + columna + " IS NOT " + forma + " COLLATE BINARY BEGIN UPDATE " +
+                               tabla + " SET " + columna + " = " + forma + " WHERE " + fila + " = NEW." +
+                               fila + "; END";
+    const std::string nombre =
+        "CREATE TRIGGER IF NOT EXISTS " + Citado("jet_forma." + t.info.nombre + "." + c.nombre + ".1");
+    const std::string otro =
+        "CREATE TRIGGER IF NOT EXISTS " + Citado("jet_forma." + t.info.nombre + "." + c.nombre + ".2");
+    Ejecutar(nombre + " AFTER INSERT ON " + tabla + cuerpo);
+    Ejecutar(otro + " AFTER UPDATE OF " + columna + " ON " + tabla + cuerpo);
+  }
+}
+
 // Inserting needs the tables that the row refers to; changing and deleting also those that refer to it, and
 // with a cascade whatever they need in turn.
 void FuenteMdb::Preparar(TablaEspejo& t, bool todo) {
@@ -129,6 +157,7 @@ void FuenteMdb::Preparar(TablaEspejo& t, bool todo) {
     if (padre) hijas.emplace_back(&r, &Local(r.tabla));
   }
   VigilarAutomatico(t);
+  VigilarFormas(t);
   for (const auto& [r, padre] : padres) {
     Indexar(*padre);
     VigilarComoHija(t, *r);

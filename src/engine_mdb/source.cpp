@@ -1,9 +1,11 @@
 #include "engine_mdb/source_internal.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "base/error.h"
+#include "base/number.h"
 #include "base/text.h"
 #include "engine_mdb/cells_internal.h"
 #include "jetsql/parser.h"
@@ -39,10 +41,39 @@ void Visto(sqlite3_context* contexto, int, sqlite3_value** valores) {
     De(contexto).VerAutomatico(sqlite3_value_int(valores[0]), sqlite3_value_int64(valores[1]));
 }
 
+void FallarCon(sqlite3_context* contexto, const std::string& texto) {
+  const std::string propio = std::string(engine_sqlite::kTextoPropio) + texto;
+  sqlite3_result_error(contexto, propio.c_str(), static_cast<int>(propio.size()));
+}
+
+std::string TextoDe(sqlite3_value* valor) {
+  const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(valor));
+  return p == nullptr ? std::string() : std::string(p, static_cast<std::size_t>(sqlite3_value_bytes(valor)));
+}
+
+// idm_decimal(value, precision, scale, column)
+void Decimal(sqlite3_context* contexto, int, sqlite3_value** valores) {
+  if (sqlite3_value_type(valores[0]) == SQLITE_NULL) return;
+  const int escala = sqlite3_value_int(valores[2]);
+  const double v = base::Redondear(sqlite3_value_double(valores[0]), std::min(escala, 22));
+  if (std::abs(v) >= std::pow(10.0, sqlite3_value_int(valores[1]) - escala))
+    return FallarCon(contexto, "El número no cabe en el campo " + TextoDe(valores[3]) + ".");
+  sqlite3_result_double(contexto, v);
+}
+
+void FormaDeGuid(sqlite3_context* contexto, int, sqlite3_value** valores) {
+  if (sqlite3_value_type(valores[0]) == SQLITE_NULL) return;
+  try {
+    const std::string texto = mdb::GuidDeTexto(TextoDe(valores[0])).Texto();
+    sqlite3_result_text64(contexto, texto.data(), texto.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+  } catch (const base::Error&) {
+    FallarCon(contexto,
+              "El texto no es un GUID: no se puede guardar en el campo " + TextoDe(valores[1]) + ".");
+  }
+}
+
 void Falla(sqlite3_context* contexto, int, sqlite3_value** valores) {
-  std::string texto(engine_sqlite::kTextoPropio);
-  texto += reinterpret_cast<const char*>(sqlite3_value_text(valores[0]));
-  sqlite3_result_error(contexto, texto.c_str(), -1);
+  FallarCon(contexto, TextoDe(valores[0]));
 }
 
 void GuidNuevo(sqlite3_context* contexto, int, sqlite3_value**) {
@@ -56,6 +87,12 @@ void GuidNuevo(sqlite3_context* contexto, int, sqlite3_value**) {
 
 }  // namespace
 
+std::string MotivoDeNoEscribir(const mdb::Base& base) {
+  const std::string& motivo = base.MotivoSoloLectura();
+  if (motivo.empty() || base::EmpiezaCon(motivo, "No se puede escribir")) return motivo;
+  return "La base se puede leer, no escribir. " + motivo + ".";
+}
+
 void FuenteMdb::Unir(sqlite3* espejo, std::function<void()> al_escribir) {
   espejo_ = espejo;
   al_escribir_ = std::move(al_escribir);
@@ -64,6 +101,10 @@ void FuenteMdb::Unir(sqlite3* espejo, std::function<void()> al_escribir) {
   sqlite3_create_function_v2(espejo, "idm_visto", 2, kMarcas, this, Visto, nullptr, nullptr, nullptr);
   sqlite3_create_function_v2(espejo, "idm_falla", 1, kMarcas, this, Falla, nullptr, nullptr, nullptr);
   sqlite3_create_function_v2(espejo, "idm_guid", 0, kMarcas, this, GuidNuevo, nullptr, nullptr, nullptr);
+  sqlite3_create_function_v2(espejo, "idm_decimal", 4, kMarcas | SQLITE_DETERMINISTIC, this, Decimal, nullptr,
+                             nullptr, nullptr);
+  sqlite3_create_function_v2(espejo, "idm_forma_guid", 2, kMarcas | SQLITE_DETERMINISTIC, this, FormaDeGuid,
+                             nullptr, nullptr, nullptr);
   sqlite3_update_hook(espejo, AlCambiar, this);
   sqlite3_set_authorizer(espejo, Autorizar, this);
   // A cascade over a table that refers to itself runs its own trigger again.
@@ -117,7 +158,7 @@ std::string FuenteMdb::MotivoDe(const mdb::Objeto& objeto, const TablaEspejo& t)
   if (objeto.tipo != mdb::Objeto::Tabla)
     return "La tabla " + objeto.nombre + " está vinculada a otro archivo (" + objeto.base +
            "): desde aquí se puede leer, no escribir.";
-  if (!base_.MotivoSoloLectura().empty()) return base_.MotivoSoloLectura();
+  if (std::string motivo = MotivoDeNoEscribir(base_); !motivo.empty()) return motivo;
   if (objeto.DeSistema()) return "La tabla " + objeto.nombre + " es del sistema: se puede leer, no escribir.";
   std::string motivo = mdb::MotivoNoEscribible(base_.Cab(), t.definicion);
   if (!motivo.empty()) motivo = "La tabla " + objeto.nombre + " no se puede escribir: " + motivo;

@@ -30,6 +30,9 @@ class Vinculos {
   std::map<std::string, std::unique_ptr<mdb::Base>> abiertos_;
 };
 
+// Why nothing can be written into a base, as a sentence; empty when it can.
+std::string MotivoDeNoEscribir(const mdb::Base& base);
+
 class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
  public:
   FuenteMdb(mdb::Base& base, std::string_view ruta, Contadores& contadores)
@@ -78,6 +81,7 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   void AtenderPendientes();
   void Preparar(TablaEspejo& tabla, bool todo);
   void VigilarAutomatico(const TablaEspejo& tabla);
+  void VigilarFormas(const TablaEspejo& tabla);
   void VigilarComoHija(const TablaEspejo& hija, const mdb::RelacionDeTablas& relacion);
   void VigilarComoPadre(const TablaEspejo& padre, const mdb::RelacionDeTablas& relacion);
   void Ejecutar(const std::string& sql);

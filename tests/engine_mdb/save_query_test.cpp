@@ -1,0 +1,109 @@
+// A query that is saved, taken apart into the rows that Access keeps, is put together again: the same rows.
+#include "engine_mdb/save_query.h"
+
+#include "jetsql/parser.h"
+#include "mesa.h"
+
+namespace {
+
+class Guardadas : public prueba::MesaMdb {
+ protected:
+  void SetUp() override {
+    Nueva();
+    Correr("CREATE TABLE a (k LONG, x TEXT(10), f DATETIME)");
+    Correr("CREATE TABLE b (k LONG, y TEXT(10), [con blanco] LONG)");
+    Correr("CREATE TABLE c (k LONG, j LONG, z DOUBLE)");
+    for (int i = 0; i < 8; ++i) {
+      const std::string n = std::to_string(i);
+      Correr("INSERT INTO a VALUES (" + n + ", 'x" + std::to_string(i % 3) + "', #02/0" +
+             std::to_string(i % 5 + 1) + "/2024#)");
+      if (i != 3) Correr("INSERT INTO b VALUES (" + n + ", 'Y" + n + "', " + std::to_string(i * i) + ")");
+      if (i % 2 == 0) Correr("INSERT INTO c VALUES (" + n + ", " + std::to_string(8 - i) + ", " + n + ".5)");
+    }
+  }
+};
+
+constexpr const char* kConsultas[] = {
+    "SELECT * FROM a",
+    "SELECT *, k * 2 AS doble FROM a ORDER BY k DESC",
+    "SELECT a.*, b.y FROM a INNER JOIN b ON a.k = b.k ORDER BY a.k",
+    "SELECT a.k, y, c.z FROM (a LEFT JOIN b ON a.k = b.k) LEFT JOIN c ON b.k = c.k ORDER BY a.k",
+    "SELECT a.k, b.y FROM b RIGHT JOIN a ON b.k = a.k WHERE b.y Is Null OR a.k > 5",
+    "SELECT a.k, c.z FROM a INNER JOIN (b INNER JOIN c ON b.k = c.k) ON a.k = c.j ORDER BY 1",
+    "SELECT a.k FROM a INNER JOIN c ON a.k = c.k AND a.k < c.j ORDER BY a.k",
+    "SELECT a.k, x, z FROM a INNER JOIN c ON a.k = j ORDER BY a.k",
+    "SELECT P.k, Q.k AS otro FROM a AS P, a AS Q WHERE P.k = Q.k + 1 ORDER BY P.k",
+    "SELECT DISTINCT x FROM a ORDER BY x",
+    "SELECT TOP 3 k, x & '''s' AS y FROM a ORDER BY k DESC",
+    "SELECT TOP 50 PERCENT k FROM a ORDER BY k",
+    "SELECT x, Count(*) AS n, Sum(k) AS s FROM a GROUP BY x HAVING Count(*) > 2 ORDER BY x",
+    "SELECT a.x, Year(a.f) AS anio, Max([con blanco]) AS [el mayor] FROM a INNER JOIN b ON a.k = b.k GROUP "
+    "BY a.x, "
+    "Year(a.f) ORDER BY a.x",
+    "SELECT k FROM a WHERE f BETWEEN #02/02/2024# AND #02/04/2024# AND x LIKE 'x%' AND k IN (1, 2, 3) ORDER "
+    "BY k",
+    "SELECT k FROM a WHERE k IN (SELECT k FROM c WHERE z > 2) ORDER BY k",
+    "SELECT T.s FROM (SELECT Sum(k) AS s FROM a) AS T",
+    "SELECT s FROM (SELECT Sum(k) AS s FROM a)",
+    "SELECT k, 'a' AS de FROM a UNION SELECT k, 'a' FROM c ORDER BY k",
+    "SELECT k FROM a UNION ALL SELECT k FROM c",
+    "SELECT k FROM a UNION ALL SELECT k FROM c UNION SELECT j FROM c ORDER BY k",
+    "SELECT k, IIf(x = 'x1', -1.5, Null) AS v FROM a WHERE Not (k = 2) ORDER BY k",
+    "SELECT DISTINCTROW a.x FROM a INNER JOIN b ON a.k = b.k ORDER BY a.x",
+    "SELECT 1 AS uno, Date() AS hoy",
+};
+
+TEST_F(Guardadas, DanLasMismasFilas) {
+  int n = 0;
+  for (const char* sql : kConsultas) Correr("CREATE VIEW v" + std::to_string(n++) + " AS " + sql);
+  Abrir();
+  n = 0;
+  for (const char* sql : kConsultas) {
+    const std::string vista = "v" + std::to_string(n++);
+    const db::Recordset directas = base_->Ejecutar(sql),
+                        guardadas = base_->Ejecutar("SELECT * FROM " + vista);
+    EXPECT_EQ(support::Filas(guardadas), support::Filas(directas)) << sql;
+    EXPECT_EQ(support::Cabecera(guardadas), support::Cabecera(directas)) << sql;
+    EXPECT_FALSE(directas.Vacio()) << sql;
+  }
+  Correr("CREATE VIEW sobre AS SELECT v0.k FROM v0 INNER JOIN v9 ON v0.x = v9.x");
+  EXPECT_EQ(Filas("SELECT Count(*) FROM sobre"), "8");
+  EXPECT_EQ(Falla("CREATE VIEW V0 AS SELECT 1"), "[3010] La tabla o consulta 'V0' ya existe");
+  Correr("DROP VIEW v0");
+  EXPECT_EQ(Falla("SELECT * FROM sobre"), "No se encuentra la tabla o consulta 'v0'");
+  Revisar();
+}
+
+// The rows themselves, by the words of the format.
+TEST_F(Guardadas, LasFilasQueGuardaAccess) {
+  class Nada final : public jetsql::Catalogo {
+    const jetsql::TablaInfo* Tabla(std::string_view) const override { return nullptr; }
+    const std::string* Consulta(std::string_view) const override { return nullptr; }
+  };
+  const auto s = jetsql::Analizar(
+      "SELECT DISTINCT TOP 5 P.k AS uno, P.* FROM a AS P LEFT JOIN b ON P.k = b.k AND P.x = b.y WHERE P.k > "
+      "1 ORDER BY "
+      "P.k DESC",
+      jetsql::Literales::EnTexto);
+  const auto c = engine_mdb::DescomponerConsulta("q", *std::get<jetsql::ConsultaPtr>(s), Nada());
+  std::string texto;
+  for (const auto& f : c.filas)
+    texto += std::to_string(f.atributo) + "." + std::to_string(f.orden) + " " + f.nombre1.value_or("-") +
+             " " + f.nombre2.value_or("-") + " [" + f.expresion.value_or("-") + "] " +
+             (f.bandera ? std::to_string(*f.bandera) : "-") + "\n";
+  EXPECT_EQ(texto,
+            "0.1 - - [-] 0\n"
+            "1.1 - - [-] 1\n"
+            "3.1 5 - [-] 18\n"
+            "5.1 a P [-] -\n"
+            "5.2 b - [-] -\n"
+            "6.1 uno - [P.k] 0\n"
+            "6.2 - - [P.*] 0\n"
+            "7.1 P b [P.x = b.y] 2\n"
+            "7.2 P b [P.k = b.k] 2\n"
+            "8.1 - - [P.k > 1] -\n"
+            "11.1 D - [P.k] -\n"
+            "255.1 - - [-] -\n");
+}
+
+}  // namespace
