@@ -5,6 +5,7 @@
 #include "base/file.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "engine_mdb/mdb_connection.h"
 #include "engine_odbc/odbc_connection.h"
 #include "engine_sqlite/sqlite_connection.h"
 #include "settings/config_file.h"
@@ -33,18 +34,35 @@ Conexion AbrirSqlite(const std::string& ruta, const ports::Clock& reloj) {
   return c;
 }
 
-Conexion AbrirArchivo(const std::string& ruta, const ports::Clock& reloj) {
+// The file is opened for writing: it stays ours until it is closed. One that cannot be written opens all the
+// same, and says so when something is written.
+Conexion AbrirMdb(const std::string& ruta, const std::string& contrasena, const ports::Clock& reloj) {
+  Conexion c;
+  try {
+    engine_mdb::Opciones opciones;
+    opciones.reloj = &reloj;
+    opciones.contrasena = contrasena;
+    c.conexion = engine_mdb::Abrir(ruta, opciones);
+  } catch (const base::Error& e) {
+    c.motivo = e.Descripcion();
+  }
+  return c;
+}
+
+// `motor`: what ConfBase.cfg asks for, or empty.
+Conexion AbrirArchivo(const std::string& ruta, const std::string& motor, const std::string& contrasena,
+                      const ports::Clock& reloj) {
   if (!base::ExisteArchivo(ruta)) return Fallo("El archivo '" + ruta + "' no existe");
   const auto cabecera = base::LeerPrincipio(ruta, 64);
   if (!cabecera) return Fallo("No se puede leer el archivo '" + ruta + "'");
+  const bool access = EsAccess(*cabecera), propia = base::EmpiezaCon(*cabecera, kMarcaSqlite);
+  if (!access && !propia) return Fallo("'" + ruta + "' no es una base de datos conocida");
+  if (access && motor == "sqlite") return Fallo("'" + ruta + "' es una base de Access: pide el motor mdb");
+  if (propia && motor == "mdb") return Fallo("'" + ruta + "' no es una base de Access: pide el motor sqlite");
+  if (propia) return AbrirSqlite(ruta, reloj);
   // Other programs may have the file open: where there is a driver that shares it with them, it is used.
-  if (EsAccess(*cabecera) && engine_odbc::HayDriverDeAccess()) return AbrirOdbc({ruta, ruta, {}, {}});
-  if (EsAccess(*cabecera))
-    return Fallo("'" + ruta +
-                 "' es una base de Access: esta versión abre solamente bases del motor propio (sqlite)");
-  if (!base::EmpiezaCon(*cabecera, kMarcaSqlite))
-    return Fallo("'" + ruta + "' no es una base de datos conocida");
-  return AbrirSqlite(ruta, reloj);
+  if (motor.empty() && engine_odbc::HayDriverDeAccess()) return AbrirOdbc({ruta, ruta, contrasena, {}});
+  return AbrirMdb(ruta, contrasena, reloj);
 }
 
 bool EsRelativa(std::string_view ruta) {
@@ -77,8 +95,8 @@ Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
   Conexion c;
   if (motor == "odbc")
     c = AbrirOdbc({nombre, en_disco, Contrasena(texto), valor("Driver")});
-  else if (motor.empty() || motor == "sqlite")
-    c = AbrirArchivo(en_disco, reloj);
+  else if (motor.empty() || motor == "sqlite" || motor == "mdb")
+    c = AbrirArchivo(en_disco, motor, Contrasena(texto), reloj);
   else
     return Fallo("'" + ruta + "' pide un motor desconocido: " + motor);
   c.id_Usuario = IdUsuario(valor("Usuario"));
@@ -90,7 +108,8 @@ Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
 Conexion Fallo(std::string motivo) { return {nullptr, 0, std::move(motivo)}; }
 
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj) {
-  if (!base::IgualSinCaso(base::NombreDe(referencia), "ConfBase.cfg")) return AbrirArchivo(referencia, reloj);
+  if (!base::IgualSinCaso(base::NombreDe(referencia), "ConfBase.cfg"))
+    return AbrirArchivo(referencia, {}, {}, reloj);
   if (!base::ExisteArchivo(referencia)) return Fallo("El archivo '" + referencia + "' no existe");
   return AbrirConfBase(referencia, reloj);
 }

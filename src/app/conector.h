@@ -17,9 +17,9 @@ struct Conexion {
 };
 
 // The reference is a path. A file with an SQLite header opens with the embedded engine, an Access file with
-// the Access driver of ODBC where there is one. ConfBase.cfg is a text of the settings format; its lines may
-// end in LF alone:
-//   Motor       "sqlite" or "odbc"; when absent the file's header decides
+// the Access driver of ODBC where there is one, else with the engine of Access files. ConfBase.cfg is a text
+// of the settings format; its lines may end in LF alone:
+//   Motor       "sqlite", "mdb" or "odbc"; when absent the file's header decides
 //   Base        a path, relative to its own folder; for odbc also a connection string (a text with a "=") or
 //               the name of a data source
 //   Driver      for odbc with a file: the driver's name, when it is not the Access driver

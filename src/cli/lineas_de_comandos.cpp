@@ -15,7 +15,8 @@ namespace {
 constexpr const char* kCodigos =
     "Códigos de salida:\n"
     "  0   todas las líneas importadas (las filtradas no cuentan)\n"
-    "  1   alguna línea rechazada o mal formada (consulta: una sentencia falló)\n"
+    "  1   alguna línea rechazada o mal formada (consulta: una sentencia falló;\n"
+    "      verificar: la base tiene errores)\n"
     "  2   no se importó nada\n"
     "  64  argumentos incorrectos\n"
     "  65  archivo que no se puede usar\n"
@@ -25,7 +26,7 @@ constexpr const char* kCodigos =
 
 // What the options give, before it is understood.
 struct Textos {
-  std::string hoy, mes, salida = "tabla", filtro = "relacion";
+  std::string hoy, mes, salida = "tabla", filtro = "relacion", motor = "mdb";
   std::vector<std::string> opciones;
 };
 
@@ -142,7 +143,7 @@ std::string EnEspanol(const CLI::ParseError& e) {
   const std::string texto = e.what();
   if (dynamic_cast<const CLI::RequiredError*>(&e) != nullptr) {
     if (base::Contiene(texto, "subcommand"))
-      return "Falta el verbo: importar, revisar, formula, consulta o demo";
+      return "Falta el verbo: importar, revisar, formula, consulta, verificar o demo";
     return "Falta un argumento: " + base::Reemplazar(texto, " is required", "");
   }
   if (dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr) return "Argumento de más: " + Detalle(texto);
@@ -200,6 +201,7 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   OpcionesImportar importar;
   OpcionesFormula formula;
   OpcionesConsulta consulta;
+  OpcionesVerificar verificar;
   OpcionesDemo demo;
   CLI::App* v_importar =
       app.add_subcommand("importar", "Carga un archivo y lo importa en las liquidaciones del mes");
@@ -221,11 +223,17 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   v_consulta->add_flag("--escribir", consulta.escribir, "Permite sentencias que cambian la base")
       ->disable_flag_override();
   OpcionHoy(v_consulta, t);
+  CLI::App* v_verificar =
+      app.add_subcommand("verificar", "Revisa una base de Access entera y dice qué daños tiene");
+  v_verificar->add_option("ARCHIVO", verificar.archivo, "La base de Access")->required();
   CLI::App* v_demo = app.add_subcommand("demo", "Crea una base de muestra con sus archivos y ajustes");
   v_demo->add_option("CARPETA", demo.carpeta, "Carpeta donde crearlos")->required();
   v_demo->add_option("--mes", t.mes, "Mes de la muestra (el corriente si no se dice)")
       ->check(Fecha(false))
       ->type_name("AAAA-MM");
+  v_demo->add_option("--motor", t.motor, "Motor de la base: mdb (un archivo de Access, lo normal) o sqlite")
+      ->check(UnaDe({"mdb", "sqlite"}))
+      ->type_name("mdb|sqlite");
   OpcionHoy(v_demo, t);
   for (CLI::App* verbo : app.get_subcommands({})) {
     verbo->group("Verbos");
@@ -255,7 +263,9 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
     return Importar(Completar(importar, t, v_revisar->parsed()), carpeta, *reloj, f);
   if (v_formula->parsed()) return Formula(formula, *reloj, f);
   if (v_consulta->parsed()) return Consulta(consulta, *reloj, f);
+  if (v_verificar->parsed()) return Verificar(verificar, f);
   demo.programa = programa;
+  demo.sqlite = t.motor == "sqlite";
   demo.mes = t.mes.empty() ? base::PrimerDiaDelMes(reloj->Hoy()) : *LeerFecha(t.mes, false);
   return Demo(demo, *reloj, f);
 }

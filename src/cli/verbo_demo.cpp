@@ -25,7 +25,7 @@ std::string Entrecomillada(const std::string& texto) {
 int Demo(const OpcionesDemo& o, const ports::Clock& reloj, Flujos f) {
   app::CarpetaDemo demo;
   try {
-    demo = app::CrearCarpetaDemo(o.carpeta, o.mes, reloj);
+    demo = app::CrearCarpetaDemo(o.carpeta, o.mes, reloj, o.sqlite ? demo::Motor::Sqlite : demo::Motor::Mdb);
   } catch (const base::Error& e) {
     f.err << e.Descripcion() << '\n';
     return kEntradaSalida;

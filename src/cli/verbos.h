@@ -44,7 +44,13 @@ int Consulta(const OpcionesConsulta& opciones, const ports::Clock& reloj, Flujos
 struct OpcionesDemo {
   std::string carpeta, programa;
   base::Fecha mes;
+  bool sqlite = false;  // the embedded engine instead of an Access file
 };
 int Demo(const OpcionesDemo& opciones, const ports::Clock& reloj, Flujos flujos);
+
+struct OpcionesVerificar {
+  std::string archivo;
+};
+int Verificar(const OpcionesVerificar& opciones, Flujos flujos);
 
 }  // namespace cli

@@ -69,10 +69,15 @@ void LlenarBase(db::Connection& conexion, base::Fecha mes) {
   transaccion.Confirmar();
 }
 
-std::vector<ArchivoDemo> ArchivosDemo(base::Fecha mes) {
+const char* NombreDeBase(Motor motor) { return motor == Motor::Mdb ? "Personal.mdb" : "Personal.sqlite"; }
+
+std::vector<ArchivoDemo> ArchivosDemo(base::Fecha mes, Motor motor) {
   std::vector<ArchivoDemo> archivos;
   for (const char* nombre : {"ConfBase.cfg", "ImportDeMarcas.ini", "horas.txt", "horas_ancho_fijo.txt"})
     archivos.push_back({nombre, BytesDe(nombre, mes)});
+  std::string& referencia = archivos.front().bytes;
+  referencia = settings::TextoConValor(referencia, "Motor", motor == Motor::Mdb ? "mdb" : "sqlite");
+  referencia = settings::TextoConValor(referencia, "Base", NombreDeBase(motor));
   return archivos;
 }
 

@@ -11,8 +11,11 @@
 
 namespace demo {
 
+// The engine of a demo base.
+enum class Motor { Mdb, Sqlite };
+
 // The name that ConfBase.cfg gives to the base; the maker of a demo folder creates the base under it.
-inline constexpr const char* kNombreBase = "Personal.sqlite";
+const char* NombreDeBase(Motor motor);
 
 struct ArchivoDemo {
   std::string nombre;
@@ -28,7 +31,7 @@ void LlenarBase(db::Connection& conexion, base::Fecha mes);
 
 // The files of a demo folder beside its base: ConfBase.cfg (the reference to open), ImportDeMarcas.ini
 // (settings with relations), horas.txt (delimited) and horas_ancho_fijo.txt (the same hours in fixed width).
-std::vector<ArchivoDemo> ArchivosDemo(base::Fecha mes);
+std::vector<ArchivoDemo> ArchivosDemo(base::Fecha mes, Motor motor = Motor::Mdb);
 
 // The settings of ArchivosDemo for the other file: fixed width when `ancho_fijo`, delimited otherwise.
 std::string AjustesDemo(base::Fecha mes, bool ancho_fijo);

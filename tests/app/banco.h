@@ -81,7 +81,9 @@ class Banco : public ::testing::Test {
   }
 
   std::string Ruta(const std::string& nombre) const { return (carpeta_ / nombre).string(); }
-  void Demo() { demo_ = app::CrearCarpetaDemo(carpeta_.string(), kMes, reloj_); }
+  void Demo(demo::Motor motor = demo::Motor::Mdb) {
+    demo_ = app::CrearCarpetaDemo(carpeta_.string(), kMes, reloj_, motor);
+  }
   app::Programa& Crear() {
     programa_ = std::make_unique<app::Programa>(app::Puertos{cajas_, cajas_, reloj_, &eventos_},
                                                 app::Arranque{carpeta_.string(), "1.0.0", {}, {}, false});

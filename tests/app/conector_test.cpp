@@ -1,20 +1,65 @@
 #include "app/conector.h"
 
 #include "app/banco.h"
+#include "base/file.h"
 
 namespace {
 
 class Conector : public prueba::Banco {};
 
 TEST_F(Conector, OpensAnSqliteFileByItsHeader) {
-  Demo();
+  Demo(demo::Motor::Sqlite);
   const app::Conexion c = app::AbrirReferencia(Ruta("Personal.sqlite"), reloj_);
   ASSERT_NE(c.conexion, nullptr) << c.motivo;
   EXPECT_TRUE(c.conexion->Abierta());
 }
 
-TEST_F(Conector, ConfBaseNamesTheFileFromItsOwnFolder) {
+TEST_F(Conector, OpensAnAccessFileByItsHeader) {
   Demo();
+  std::filesystem::rename(Ruta("Personal.mdb"), Ruta("sueldos.dat"));
+  const app::Conexion c = app::AbrirReferencia(Ruta("sueldos.dat"), reloj_);
+  ASSERT_NE(c.conexion, nullptr) << c.motivo;
+  EXPECT_EQ(c.conexion->Consultar("Select Count(*) From Empresa").En(0, 0).TextoCsv(), "2");
+}
+
+// An engine that is named must be that of the file.
+TEST_F(Conector, TheEngineNamedIsHeldToTheFile) {
+  Demo();
+  const auto motivo = [&](const std::string& motor, const std::string& base) {
+    Escribir("ConfBase.cfg", "[Motor]\r\n" + motor + "\r\n[/Motor]\r\n[Base]\r\n" + base + "\r\n[/Base]");
+    return app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_).motivo;
+  };
+  EXPECT_EQ(motivo("mdb", "Personal.mdb"), "");
+  EXPECT_EQ(motivo("sqlite", "Personal.mdb"),
+            "'" + Ruta("Personal.mdb") + "' es una base de Access: pide el motor mdb");
+  std::filesystem::remove(Ruta("Personal.mdb"));
+  Demo(demo::Motor::Sqlite);
+  EXPECT_EQ(motivo("MDB", "Personal.sqlite"),
+            "'" + Ruta("Personal.sqlite") + "' no es una base de Access: pide el motor sqlite");
+}
+
+// The file of the corpus that has a password; "Contrasena" for an editor without ñ.
+TEST_F(Conector, ThePasswordOfADatabase) {
+  const auto bytes = base::LeerArchivo(std::string(IDM_SOURCE_DIR) + "/../shared/mdb/corpus/password.mdb");
+  if (!bytes) GTEST_SKIP() << "the corpus is not beside this checkout";
+  Escribir("con clave.mdb", *bytes);
+  EXPECT_EQ(app::AbrirReferencia(Ruta("con clave.mdb"), reloj_).motivo,
+            "La base tiene contraseña y no se dio ninguna");
+  for (const char* clave : {"Contrase\xF1"
+                            "a",
+                            "Contrasena"}) {
+    const std::string c(clave);
+    const std::string cabeza = "[Base]\r\ncon clave.mdb\r\n[/Base]\r\n[" + c + "]\r\n";
+    Escribir("ConfBase.cfg", cabeza + "ucanaccess\r\n[/" + c + "]");
+    EXPECT_EQ(app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_).motivo, "") << clave;
+    Escribir("ConfBase.cfg", cabeza + "otra\r\n[/" + c + "]");
+    EXPECT_EQ(app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_).motivo,
+              "La contraseña de la base no es la que se dio");
+  }
+}
+
+TEST_F(Conector, ConfBaseNamesTheFileFromItsOwnFolder) {
+  Demo(demo::Motor::Sqlite);
   Escribir("ConfBase.cfg",
            "[Motor]\r\nsqlite\r\n[/Motor]\r\n[Base]\r\nPersonal.sqlite\r\n[/Base]\r\n[Usuario]\r\n12\r\n[/"
            "Usuario]");
@@ -25,7 +70,7 @@ TEST_F(Conector, ConfBaseNamesTheFileFromItsOwnFolder) {
 
 // An editor that ends lines with LF alone is no reason to refuse a file of three lines.
 TEST_F(Conector, ConfBaseMayEndItsLinesWithLf) {
-  Demo();
+  Demo(demo::Motor::Sqlite);
   Escribir("ConfBase.cfg",
            "[Motor]\nsqlite\n[/Motor]\n[Base]\nPersonal.sqlite\n[/Base]\n[Usuario]\n12\n[/Usuario]\n");
   const app::Conexion c = app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_);
@@ -34,7 +79,7 @@ TEST_F(Conector, ConfBaseMayEndItsLinesWithLf) {
 }
 
 TEST_F(Conector, AUserThatIsNoIdentifierIsNone) {
-  Demo();
+  Demo(demo::Motor::Sqlite);
   for (const char* usuario : {"99999999999", "-99999999999", "1e300", "ana", ""}) {
     Escribir("ConfBase.cfg", "[Base]\r\nPersonal.sqlite\r\n[/Base]\r\n[Usuario]\r\n" + std::string(usuario) +
                                  "\r\n[/Usuario]");
@@ -45,7 +90,7 @@ TEST_F(Conector, AUserThatIsNoIdentifierIsNone) {
 }
 
 TEST_F(Conector, TheNameOfConfBaseHasNoCase) {
-  Demo();
+  Demo(demo::Motor::Sqlite);
   Escribir("CONFBASE.CFG", "[Base]\r\nPersonal.sqlite\r\n[/Base]");
   EXPECT_NE(app::AbrirReferencia(Ruta("CONFBASE.CFG"), reloj_).conexion, nullptr);
 }
@@ -64,9 +109,8 @@ TEST_F(Conector, SaysWhyItCannotOpen) {
   EXPECT_EQ(motivo("texto.txt"), "'" + Ruta("texto.txt") + "' no es una base de datos conocida");
   EXPECT_EQ(motivo("ConfBase.cfg"),
             "'" + Ruta("ConfBase.cfg") + "' no dice qué base abrir (falta la clave Base)");
-  EXPECT_EQ(motivo("Personal.mdb"),
-            "'" + Ruta("Personal.mdb") +
-                "' es una base de Access: esta versión abre solamente bases del motor propio (sqlite)");
+  // A header without a base behind it.
+  EXPECT_NE(motivo("Personal.mdb"), "");
   Escribir("ConfBase.cfg", "[Motor]\r\nnube\r\n[/Motor]\r\n[Base]\r\nx\r\n[/Base]");
   EXPECT_EQ(motivo("ConfBase.cfg"), "'" + Ruta("ConfBase.cfg") + "' pide un motor desconocido: nube");
 }

@@ -98,8 +98,9 @@ TEST_F(Inicio, TwoQuotesDoNotOpenTheDialog) {
 }
 
 TEST_F(Inicio, ABaseOfAnotherNameHasNoCompany) {
+  std::filesystem::rename(Ruta("Personal.mdb"), Ruta("otra.mdb"));
   app::Programa& p = Crear();
-  ASSERT_TRUE(p.Iniciar(Ruta("Personal.sqlite")));
+  ASSERT_TRUE(p.Iniciar(Ruta("otra.mdb")));
   EXPECT_TRUE(p.Sesion().Abierta());
   EXPECT_EQ(p.Sesion().idEmpresa, 0);
   EXPECT_FALSE(p.Sesion().LiqAgrup);
@@ -108,7 +109,7 @@ TEST_F(Inicio, ABaseOfAnotherNameHasNoCompany) {
 }
 
 TEST_F(Inicio, UpperCaseNamesReadTheCompanyToo) {
-  std::filesystem::rename(Ruta("Personal.sqlite"), Ruta("PERSONAL.MDB"));
+  std::filesystem::rename(Ruta("Personal.mdb"), Ruta("PERSONAL.MDB"));
   app::Programa& p = Crear();
   ASSERT_TRUE(p.Iniciar(Ruta("PERSONAL.MDB")));
   EXPECT_NE(p.Sesion().idEmpresa, 0);
@@ -137,7 +138,7 @@ TEST_F(Inicio, AnEmptyCompanyTableLeavesTheFlagsAndRunsTheLoaders) {
 }
 
 TEST_F(Inicio, ProyecIsABaseOfThePayrollSystemToo) {
-  std::filesystem::rename(Ruta("Personal.sqlite"), Ruta("mi proyec.MDB"));
+  std::filesystem::rename(Ruta("Personal.mdb"), Ruta("mi proyec.MDB"));
   app::Programa& p = Crear();
   ASSERT_TRUE(p.Iniciar(Ruta("mi proyec.MDB")));
   EXPECT_NE(p.Sesion().idEmpresa, 0);

@@ -21,7 +21,6 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
-#include "engine_sqlite/sqlite_connection.h"
 #include "mesa.h"
 #include "support/data_test.h"
 
@@ -68,7 +67,7 @@ class Prueba {
   }
 
   std::string Query(const Bloque& b) {
-    const auto conexion = engine_sqlite::Abrir(mesa_.Ruta("Personal.sqlite"), {});
+    const auto conexion = mesa_.Abrir();
     const db::Recordset rs = conexion->Consultar(b.entrada);
     std::vector<std::string> filas;
     for (std::size_t f = 0; f < rs.Cantidad(); ++f) {

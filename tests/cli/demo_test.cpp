@@ -7,7 +7,6 @@
 
 #include "base/text.h"
 #include "cli/codigos.h"
-#include "engine_sqlite/sqlite_connection.h"
 #include "mesa.h"
 
 namespace {
@@ -54,7 +53,8 @@ std::string UltimaLinea(const std::string& texto) {
   return lineas[lineas.size() - 2];  // the text ends with a line end
 }
 
-class DemoEntera : public ::testing::Test {
+// On each engine: the rows are the same.
+class DemoEntera : public ::testing::TestWithParam<const char*> {
  protected:
   DemoEntera() {
     const prueba::Salida demo = mesa_.Demo();
@@ -63,7 +63,7 @@ class DemoEntera : public ::testing::Test {
   }
 
   std::string Consulta(const std::string& sql) const {
-    const auto conexion = engine_sqlite::Abrir(mesa_.Ruta("Personal.sqlite"), {});
+    const auto conexion = mesa_.Abrir();
     const db::Recordset rs = conexion->Consultar(sql);
     std::string texto;
     for (std::size_t f = 0; f < rs.Cantidad(); ++f) {
@@ -86,11 +86,11 @@ class DemoEntera : public ::testing::Test {
         "E.MesDeLiq=#10/01/2026# Order by E.id_Contrato,E.id_TipoLiq,D.id_Concepto,D.idAgrupa,D.id_Dato");
   }
 
-  prueba::Mesa mesa_;
+  prueba::Mesa mesa_{GetParam()};
   std::vector<std::string> orden_;
 };
 
-TEST_F(DemoEntera, EveryLineAndEveryQuantity) {
+TEST_P(DemoEntera, EveryLineAndEveryQuantity) {
   const std::string otra_empresa =
       "Select D.* From Datos_Liquidacion as D Where idEmpresa=2 and id_Encabezado=23";
   const std::string ajena = Consulta(otra_empresa);
@@ -124,7 +124,7 @@ TEST_F(DemoEntera, EveryLineAndEveryQuantity) {
 }
 
 // One new header for each of the sixteen contracts that had none of their type, by the user of ConfBase.cfg.
-TEST_F(DemoEntera, OneHeaderAContract) {
+TEST_P(DemoEntera, OneHeaderAContract) {
   mesa_.Correr(orden_);
   EXPECT_EQ(Consulta("Select Count(*) From Encabezados Where id_Encabezado>42"), "16\n");
   EXPECT_EQ(
@@ -138,7 +138,7 @@ TEST_F(DemoEntera, OneHeaderAContract) {
 }
 
 // What was there is added to: importing the same file again doubles what it brought.
-TEST_F(DemoEntera, ASecondImportAddsAgain) {
+TEST_P(DemoEntera, ASecondImportAddsAgain) {
   mesa_.Correr(orden_);
   mesa_.Correr(orden_);
   EXPECT_EQ(Consulta("Select D.Cantidad From Datos_Liquidacion as D inner join Encabezados as E on "
@@ -148,7 +148,7 @@ TEST_F(DemoEntera, ASecondImportAddsAgain) {
   EXPECT_EQ(Consulta("Select Count(*) From Encabezados Where id_Encabezado>42"), "16\n");
 }
 
-TEST_F(DemoEntera, TheFixedWidthFileGivesTheSame) {
+TEST_P(DemoEntera, TheFixedWidthFileGivesTheSame) {
   const prueba::Salida s = mesa_.Correr({"importar", "--base", mesa_.Ruta("ConfBase.cfg"), "--archivo",
                                          mesa_.Ruta("horas_ancho_fijo.txt"), "--mes", "2026-10", "--opcion",
                                          "TipoArchivo=AF", "--salida", "csv"});
@@ -173,7 +173,7 @@ TEST_F(DemoEntera, TheFixedWidthFileGivesTheSame) {
   EXPECT_EQ(Datos(), Esperado("demo_2026_10_data.txt"));
 }
 
-TEST_F(DemoEntera, ReviewingSaysTheSameAndLeavesEveryRow) {
+TEST_P(DemoEntera, ReviewingSaysTheSameAndLeavesEveryRow) {
   const std::string antes = mesa_.Filas();
   orden_.front() = "revisar";
   orden_.insert(orden_.end(), {"--salida", "csv"});
@@ -182,5 +182,8 @@ TEST_F(DemoEntera, ReviewingSaysTheSameAndLeavesEveryRow) {
   EXPECT_EQ(s.out, Esperado("demo_2026_10.csv"));
   EXPECT_EQ(mesa_.Filas(), antes);
 }
+
+INSTANTIATE_TEST_SUITE_P(Motores, DemoEntera, ::testing::Values("mdb", "sqlite"),
+                         [](const auto& caso) { return std::string(caso.param); });
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include "base/text.h"
 #include "cli/codigos.h"
-#include "engine_sqlite/sqlite_connection.h"
 #include "mesa.h"
 
 namespace {
@@ -70,16 +69,16 @@ TEST_F(Archivos, WhatCannotBeReadIsNotTakenForEmpty) {
 
 // Another program is writing: without a transaction of its own a run would leave the month parameter behind.
 TEST_F(Archivos, ABaseThatIsHeldIsNotOpened) {
-  const auto otro = engine_sqlite::Abrir(mesa_.Ruta("Personal.sqlite"), {});
   const std::string antes = mesa_.Filas();
+  const auto otro = mesa_.Abrir();
   otro->BeginTrans();
   const prueba::Salida s = Importar(mesa_.Ruta("horas.txt"), {}, "revisar");
   otro->RollbackTrans();
+  otro->Cerrar();
   EXPECT_EQ(s.codigo, cli::kSinBase);
   EXPECT_EQ(s.out, "");
-  EXPECT_EQ(s.err,
-            "Error al abrir la base ubicada en " + mesa_.Ruta("ConfBase.cfg") +
-                "\nLa base está ocupada: otro programa la está usando. Inténtelo de nuevo en un momento.\n");
+  EXPECT_EQ(s.err, "Error al abrir la base ubicada en " + mesa_.Ruta("ConfBase.cfg") +
+                       "\nLa base se puede leer, no escribir. Otro programa tiene abierta la base.\n");
   EXPECT_EQ(mesa_.Filas(), antes);
 }
 
@@ -110,6 +109,30 @@ TEST_F(Archivos, TheSettingsOfTheProgramFolder) {
   EXPECT_EQ(
       Importar(horas, {"--salida", "csv"}, "revisar").out,
       Importar(horas, {"--salida", "csv", "--ajustes", mesa_.Ruta("ImportDeMarcas.ini")}, "revisar").out);
+}
+
+// A sound base, before and after an import; one in which a page of rows has lost its first byte.
+TEST_F(Archivos, TheCheckOfABase) {
+  const auto verificar = [&] { return mesa_.Correr({"verificar", mesa_.Base()}); };
+  prueba::Salida s = verificar();
+  EXPECT_EQ(s.codigo, cli::kTodo);
+  EXPECT_NE(s.out.find("Tablas: 24. Filas: 649. Índices: 35 (998 entradas)."), std::string::npos) << s.out;
+  EXPECT_TRUE(base::TerminaCon(s.out, "\nSin errores.\n"));
+  EXPECT_EQ(Importar(mesa_.Ruta("horas.txt")).codigo, cli::kAlgunaNo);
+  s = verificar();
+  EXPECT_EQ(s.codigo, cli::kTodo);
+  EXPECT_NE(s.out.find("Filas: 710."), std::string::npos) << s.out;
+
+  std::string bytes = *base::LeerArchivo(mesa_.Base());
+  constexpr std::size_t kPagina = 4096;
+  std::size_t pagina = 20;  // behind the system's
+  while (bytes[pagina * kPagina] != 1) ++pagina;
+  bytes[pagina * kPagina] = 9;
+  ASSERT_TRUE(base::EscribirArchivo(mesa_.Base(), bytes));
+  s = verificar();
+  EXPECT_EQ(s.codigo, cli::kAlgunaNo);
+  EXPECT_NE(s.out.find("Error (página " + std::to_string(pagina) + "): "), std::string::npos) << s.out;
+  EXPECT_NE(s.out.find("\nErrores: "), std::string::npos) << s.out;
 }
 
 }  // namespace

@@ -55,9 +55,11 @@ bool LeerLineas(int lectura, int lineas) {
 // The name of an instalment is worked out for each line while it is imported, and this one's extra datum
 // shows a box each time. The pipe is read for a while and then no more: it fills long before the last line,
 // so that the program stands still in the middle of its run when it is killed.
-TEST(Kill, InTheMiddleOfAnImport) {
+class Kill : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(Kill, InTheMiddleOfAnImport) {
   constexpr int kLineas = 20'000, kLeidas = 3'000;
-  const prueba::Mesa mesa;
+  const prueba::Mesa mesa(GetParam());
   ASSERT_EQ(mesa.Demo().codigo, cli::kTodo);
   std::string texto;
   for (int i = 0; i < kLineas; ++i) texto += (i > 0 ? "\r\n" : "") + std::string("007005;AD;10;(roto");
@@ -83,6 +85,9 @@ TEST(Kill, InTheMiddleOfAnImport) {
   EXPECT_EQ(s.codigo, cli::kAlgunaNo) << s.err;
   EXPECT_NE(s.out.find("importadas: 48 "), std::string::npos);
 }
+
+INSTANTIATE_TEST_SUITE_P(Motores, Kill, ::testing::Values("mdb", "sqlite"),
+                         [](const auto& caso) { return std::string(caso.param); });
 
 #endif
 

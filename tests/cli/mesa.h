@@ -1,14 +1,13 @@
 // A demo folder of its own, with blanks and an "ñ" in its name, and the command line run over it.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "app/conector.h"
 #include "base/file.h"
 #include "cli/lineas_de_comandos.h"
 #include "support/temp_folder.h"
@@ -22,7 +21,11 @@ struct Salida {
 
 class Mesa {
  public:
-  Mesa() : carpeta_(base::UnirRuta(temporal_.Carpeta(), "una demo ñandú")) { base::CrearCarpeta(carpeta_); }
+  // `motor`: of the demo base.
+  explicit Mesa(std::string motor = "mdb")
+      : motor_(std::move(motor)), carpeta_(base::UnirRuta(temporal_.Carpeta(), "una demo ñandú")) {
+    base::CrearCarpeta(carpeta_);
+  }
 
   const std::string& Carpeta() const { return carpeta_; }
   std::string Ruta(const std::string& nombre) const { return base::UnirRuta(carpeta_, nombre); }
@@ -41,47 +44,63 @@ class Mesa {
     return s;
   }
 
-  Salida Demo() const { return Correr({"demo", carpeta_, "--mes", "2026-10", "--hoy", "2026-10-20"}); }
+  Salida Demo() const {
+    return Correr({"demo", carpeta_, "--mes", "2026-10", "--hoy", "2026-10-20", "--motor", motor_});
+  }
+  std::string Base() const { return Ruta("Personal." + motor_); }
 
-  // Every row of every table, as the file holds them now.
+  // The demo base, for as long as the answer is needed.
+  std::unique_ptr<db::Connection> Abrir() const {
+    const ports::RelojFijo reloj(base::FechaDe(2026, 10, 20));
+    app::Conexion c = app::AbrirReferencia(Base(), reloj);
+    if (c.conexion == nullptr) throw std::runtime_error(c.motivo);
+    return std::move(c.conexion);
+  }
+
+  // Every row of every table of the demo, as the file holds them now.
   std::string Filas() const {
-    sqlite3* cruda = nullptr;
-    const int rc = sqlite3_open_v2(Ruta("Personal.sqlite").c_str(), &cruda, SQLITE_OPEN_READWRITE, nullptr);
-    const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> base(cruda, sqlite3_close);
-    if (rc != SQLITE_OK) throw std::runtime_error("cannot open the base");
+    const auto conexion = Abrir();
     std::string texto;
-    for (const auto& [tabla] :
-         Leer(base.get(), "select name from sqlite_master where type='table' order by 1")) {
-      texto += tabla + "\n";
-      for (const auto& [fila] : Leer(base.get(), Renglon(base.get(), tabla))) texto += "  " + fila + "\n";
+    for (const char* tabla : kTablas) {
+      const db::Recordset filas = conexion->Consultar("SELECT * FROM [" + std::string(tabla) + "]");
+      texto += std::string(tabla) + "\n";
+      for (std::size_t f = 0; f < filas.Cantidad(); ++f) {
+        texto += "  ";
+        for (std::size_t i = 0; i < filas.Campos().size(); ++i) {
+          const base::Valor& v = filas.En(i, f);
+          texto += v.EsNulo()                      ? "NULL|"
+                   : v.tipo() == base::Tipo::Texto ? "'" + v.TextoCsv() + "'|"
+                                                   : v.TextoCsv() + "|";
+        }
+        texto += "\n";
+      }
     }
     return texto;
   }
 
  private:
-  struct Uno {
-    std::string texto;
-  };
-  static std::vector<Uno> Leer(sqlite3* base, const std::string& sql) {
-    sqlite3_stmt* s = nullptr;
-    if (sqlite3_prepare_v2(base, sql.c_str(), -1, &s, nullptr) != SQLITE_OK)
-      throw std::runtime_error(sql + ": " + sqlite3_errmsg(base));
-    std::vector<Uno> filas;
-    while (sqlite3_step(s) == SQLITE_ROW) {
-      const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(s, 0));
-      filas.push_back({t == nullptr ? "" : t});
-    }
-    sqlite3_finalize(s);
-    return filas;
-  }
-  // The statement that gives each row of a table as one text.
-  static std::string Renglon(sqlite3* base, const std::string& tabla) {
-    std::string suma = "''";
-    for (const auto& [columna] : Leer(base, "select name from pragma_table_info('" + tabla + "')"))
-      suma += " || quote(\"" + columna + "\") || '|'";
-    return "select " + suma + " from \"" + tabla + "\" order by rowid";
-  }
+  static constexpr const char* kTablas[] = {"Empresa",
+                                            "Usuarios",
+                                            "valores",
+                                            "Monedas",
+                                            "CentroCosto",
+                                            "Cargos",
+                                            "TiposRemuneracion",
+                                            "Personas",
+                                            "Contrato",
+                                            "TiposDatExt",
+                                            "DatExtDatos",
+                                            "Conceptos",
+                                            "TiposLiquidacion",
+                                            "Calendario_Liq",
+                                            "Encabezados",
+                                            "Datos_Liquidacion",
+                                            "PagosEnSueldo",
+                                            "PagosEnSueldoDeta",
+                                            "Tablas",
+                                            "DatosUsuTablas"};
 
+  std::string motor_;
   support::CarpetaTemporal temporal_;
   std::string carpeta_;
 };

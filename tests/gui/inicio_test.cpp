@@ -104,7 +104,8 @@ TEST_F(Inicio, WithoutASettingsFile) {
 
 // A company that does not group has no cost centre to choose.
 TEST_F(Inicio, ABaseWithoutACompanyHidesTheCostCentre) {
-  ASSERT_TRUE(Iniciar(Ruta("Personal.sqlite")));
+  std::filesystem::rename(Ruta("Personal.mdb"), Ruta("otra.mdb"));
+  ASSERT_TRUE(Iniciar(Ruta("otra.mdb")));
   Mostrar();
   EXPECT_TRUE(Combo("cmbAgrupa")->isHidden());
   EXPECT_TRUE(Hallar<QLabel>("lblAgrupa")->isHidden());
