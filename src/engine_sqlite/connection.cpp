@@ -141,14 +141,12 @@ std::shared_ptr<Preparada> ConexionSqlite::Resolver(std::string_view sql,
   return p;
 }
 
-std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql,
-                                                    const std::vector<base::Valor>* columnas_cruzadas) {
+std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql, const ColumnasDeCruces& cruces) {
   ++contadores_.traducciones;
   auto p = std::make_shared<Preparada>();
   try {
-    p->traduccion = columnas_cruzadas == nullptr
-                        ? jetsql::Traducir(sql, catalogo_, traduccion_)
-                        : jetsql::TraducirCruzada(sql, catalogo_, traduccion_, *columnas_cruzadas);
+    p->traduccion = cruces.empty() ? jetsql::Traducir(sql, catalogo_, traduccion_)
+                                   : jetsql::TraducirCruzada(sql, catalogo_, traduccion_, cruces);
   } catch (const db::Error&) {
     throw;
   } catch (const base::Error& e) {
@@ -162,7 +160,7 @@ std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql,
 }
 
 db::Recordset ConexionSqlite::Correr(Preparada& p, const std::vector<base::Valor>& literales,
-                                     std::string_view sql) {
+                                     std::string_view sql, ColumnasDeCruces cruces) {
   const jetsql::Traduccion& t = p.traduccion;
   if (t.clase == Clase::Definicion || t.definicion.que != Que::Ninguna) {
     CorrerDefinicion(p, literales);
@@ -177,7 +175,12 @@ db::Recordset ConexionSqlite::Correr(Preparada& p, const std::vector<base::Valor
     for (std::size_t i = 0; i < t.pasos.size(); ++i) CorrerPaso(p, i, literales, destino);
     conjunto.Confirmar();
   }
-  if (t.cruzada) return Correr(*Traducir(sql, &celdas), literales, sql);
+  if (t.cruzada) {
+    cruces.push_back({t.consulta_cruzada, std::move(celdas)});
+    const std::shared_ptr<Preparada> sigue = Traducir(sql, cruces);
+    if (fuente_ != nullptr) fuente_->AntesDeCorrer(sigue->traduccion);
+    return Correr(*sigue, literales, sql, std::move(cruces));
+  }
   return {p.columnas, std::move(celdas), std::string(sql)};
 }
 

@@ -43,10 +43,11 @@ class ConexionSqlite final : public db::Connection {
   db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
   // The statement to run and its literals (they last until the next statement).
   std::shared_ptr<Preparada> Resolver(std::string_view sql, const std::vector<base::Valor>*& literales);
-  // `columnas_cruzadas`: those of a crosstab, once they are known.
-  std::shared_ptr<Preparada> Traducir(std::string_view sql,
-                                      const std::vector<base::Valor>* columnas_cruzadas = nullptr);
-  db::Recordset Correr(Preparada& p, const std::vector<base::Valor>& literales, std::string_view sql);
+  // `cruces`: the columns of crosstabs that are known already.
+  using ColumnasDeCruces = std::vector<jetsql::ColumnasCruzadas>;
+  std::shared_ptr<Preparada> Traducir(std::string_view sql, const ColumnasDeCruces& cruces = {});
+  db::Recordset Correr(Preparada& p, const std::vector<base::Valor>& literales, std::string_view sql,
+                       ColumnasDeCruces cruces = {});
   void CorrerDefinicion(Preparada& p, const std::vector<base::Valor>& literales);
   void CorrerPaso(Preparada& p, std::size_t paso, const std::vector<base::Valor>& literales,
                   std::vector<base::Valor>* celdas);

@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "jetsql/crosstab_internal.h"
 #include "jetsql/parser.h"
 #include "jetsql/types_internal.h"
 
@@ -111,9 +112,21 @@ void Resolutor::AbrirConsulta(Fuente& f, const std::string& texto) {
   auto* consulta = std::get_if<ConsultaPtr>(&s);
   if (consulta == nullptr) throw base::Error("La consulta '" + f.nombre + "' no devuelve filas");
   f.consulta = std::move(*consulta);
+  AbrirCruce(f);
   abiertas_.push_back(f.nombre);
   Resolver(*f.consulta, nullptr);
   abiertas_.pop_back();
+}
+
+void Resolutor::AbrirCruce(const Fuente& f) const {
+  if (!f.consulta->cruce || f.consulta->cruce->con_lista) return;
+  if (cruzadas_ != nullptr)
+    for (const auto& c : *cruzadas_)
+      if (base::IgualSinCaso(c.consulta, f.nombre)) {
+        DarValores(*f.consulta, c.valores);
+        return;
+      }
+  throw FaltanColumnas(f.nombre);
 }
 
 // The condition of a join sees the tables that it joins, not those beside them.

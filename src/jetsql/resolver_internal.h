@@ -8,6 +8,7 @@
 
 #include "jetsql/ast.h"
 #include "jetsql/catalog.h"
+#include "jetsql/translate.h"
 
 namespace jetsql {
 
@@ -20,8 +21,12 @@ struct Ambito {
 
 class Resolutor {
  public:
-  explicit Resolutor(const Catalogo& catalogo, const base::Locale* locale = nullptr)
-      : catalogo_(catalogo), locale_(locale != nullptr ? *locale : base::Locale::espanol()) {}
+  // `cruzadas`: the columns of the crosstabs among the saved queries, as far as they are known.
+  explicit Resolutor(const Catalogo& catalogo, const base::Locale* locale = nullptr,
+                     const std::vector<ColumnasCruzadas>* cruzadas = nullptr)
+      : catalogo_(catalogo),
+        locale_(locale != nullptr ? *locale : base::Locale::espanol()),
+        cruzadas_(cruzadas) {}
 
   void Resolver(Consulta& c, const Ambito* padre = nullptr);
   void Resolver(Insercion& s);
@@ -52,6 +57,7 @@ class Resolutor {
   void ResolverFuentes(const std::vector<Fuente*>& fuentes, const Ambito* padre);
   void ResolverFuente(Fuente& f, const Ambito* padre);
   void AbrirConsulta(Fuente& f, const std::string& texto);
+  void AbrirCruce(const Fuente& f) const;
   void Condiciones(Rama& rama, const Ambito* padre);
   std::string AliasUnico(std::string_view nombre);
   Hallada EnFuentes(const std::vector<Fuente*>& fuentes, const Expr& e) const;
@@ -82,6 +88,7 @@ class Resolutor {
 
   const Catalogo& catalogo_;
   const base::Locale& locale_;
+  const std::vector<ColumnasCruzadas>* cruzadas_;
   std::vector<std::string> abiertas_;   // saved queries being read
   std::vector<std::string> alias_sql_;  // in use, in lower case
   std::vector<int> fijos_;

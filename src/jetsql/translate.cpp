@@ -25,14 +25,14 @@ void FijarTodos(std::string_view sql, Traduccion& t) {
 
 class Traductor {
  public:
-  // `valores`: the columns of a crosstab, once they are known.
+  // `cruzadas`: the columns of crosstabs, as far as they are known.
   Traductor(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
-            const std::vector<base::Valor>* valores = nullptr)
+            const std::vector<ColumnasCruzadas>* cruzadas = nullptr)
       : sql_(sql),
         catalogo_(catalogo),
         opciones_(opciones),
-        valores_(valores),
-        resolutor_(catalogo, opciones.locale) {}
+        cruzadas_(cruzadas),
+        resolutor_(catalogo, opciones.locale, cruzadas) {}
 
   Traduccion Hacer() {
     Sentencia s = Analizar(sql_);
@@ -48,14 +48,18 @@ class Traductor {
  private:
   void Una(ConsultaPtr& c) {
     if (c->cruce && !c->cruce->con_lista) {
-      if (valores_ == nullptr) {
-        PedirValores(*c);
-        t_.cruzada = true;
-      } else {
-        DarValores(*c, *valores_);
-      }
+      const ColumnasCruzadas* propias = Propias();
+      t_.cruzada = propias == nullptr;
+      propias == nullptr ? PedirValores(*c) : DarValores(*c, propias->valores);
     }
-    resolutor_.Resolver(*c);
+    const bool lee = c->partes[0].destino.empty();
+    try {
+      resolutor_.Resolver(*c);
+    } catch (const FaltanColumnas& f) {
+      if (!lee) throw;
+      PedirDe(f.Consulta());
+      return;
+    }
     if (!c->partes[0].destino.empty()) {
       t_.clase = Clase::Definicion;
       DefinirDeConsulta(*c, catalogo_, opciones_, t_);
@@ -65,6 +69,36 @@ class Traductor {
     e.Escribir(*c);
     t_.pasos.push_back(std::move(e).Texto());
     for (const auto& col : c->salida) t_.columnas.push_back({col.nombre, col.tipo.tipo});
+  }
+  const ColumnasCruzadas* Propias() const {
+    if (cruzadas_ != nullptr)
+      for (const auto& c : *cruzadas_)
+        if (c.consulta.empty()) return &c;
+    return nullptr;
+  }
+  // The values of a saved crosstab first; if it stands on another one, those of that.
+  void PedirDe(std::string consulta) {
+    constexpr int kAnidadas = 30;
+    for (int i = 0; i < kAnidadas; ++i) {
+      Sentencia s = Analizar(*catalogo_.Consulta(consulta), Literales::EnTexto);
+      Consulta& c = *std::get<ConsultaPtr>(s);
+      PedirValores(c);
+      try {
+        Resolutor(catalogo_, opciones_.locale, cruzadas_).Resolver(c);
+      } catch (const FaltanColumnas& f) {
+        consulta = f.Consulta();
+        continue;
+      }
+      Escritor e(opciones_);
+      e.Escribir(c);
+      t_ = {};
+      t_.pasos.push_back(std::move(e).Texto());
+      t_.columnas.push_back({c.salida[0].nombre, c.salida[0].tipo.tipo});
+      t_.cruzada = true;
+      t_.consulta_cruzada = std::move(consulta);
+      return;
+    }
+    throw base::Error("La consulta '" + consulta + "' se contiene a sí misma");
   }
   void Una(Insercion& s) {
     t_.clase = Clase::Insercion;
@@ -102,7 +136,7 @@ class Traductor {
   std::string_view sql_;
   const Catalogo& catalogo_;
   OpcionesTraduccion opciones_;
-  const std::vector<base::Valor>* valores_;
+  const std::vector<ColumnasCruzadas>* cruzadas_;
   Resolutor resolutor_;
   Traduccion t_;
 };
@@ -132,8 +166,8 @@ std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
 }
 
 Traduccion TraducirCruzada(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
-                           const std::vector<base::Valor>& valores) {
-  return Traductor(sql, catalogo, opciones, &valores).Hacer();
+                           const std::vector<ColumnasCruzadas>& columnas) {
+  return Traductor(sql, catalogo, opciones, &columnas).Hacer();
 }
 
 }  // namespace jetsql

@@ -76,9 +76,10 @@ struct Traduccion {
   std::vector<std::string> escribe;        // tables whose rows an INSERT, UPDATE or DELETE changes
   Definicion definicion;
   bool determinista = true;
-  // A crosstab whose columns are values of the rows: the only step gives those values, and TraducirCruzada
-  // makes the query itself of them.
+  // A crosstab whose columns are values of the rows, the statement itself or a saved query that it reads: the
+  // only step gives those values, and TraducirCruzada goes on with them.
   bool cruzada = false;
+  std::string consulta_cruzada;  // the saved query; empty: the statement
 };
 
 struct OpcionesTraduccion {
@@ -94,8 +95,13 @@ Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const Opcion
 // Traducir.
 std::string TraducirValor(std::string_view expresion, base::Tipo destino);
 
-// The query of a crosstab, with the values that its first translation's step gave, in their order.
+// The values of a crosstab's pivot, in the order in which the step gave them.
+struct ColumnasCruzadas {
+  std::string consulta;  // the saved query; empty: the statement
+  std::vector<base::Valor> valores;
+};
+// A statement with crosstabs of which these are known. It may turn out to need those of one more.
 Traduccion TraducirCruzada(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
-                           const std::vector<base::Valor>& valores);
+                           const std::vector<ColumnasCruzadas>& columnas);
 
 }  // namespace jetsql

@@ -1,5 +1,6 @@
 // Files: what can be opened, what is said of the others, and several programs on one file.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <chrono>
 #include <filesystem>
@@ -90,6 +91,46 @@ TEST_F(Archivos, LoQueNoSePuedeAbrirDiceSuRazon) {
   const std::string sin_carpeta = carpeta_.Ruta("no/existe.db");
   EXPECT_EQ(Razon(sin_carpeta, Crear()),
             "No se puede abrir la base " + sin_carpeta + ". No se puede abrir el archivo de la base.");
+}
+
+// No statement saves a crosstab, but a file that another program filled may have one. Its columns are looked
+// up whenever it is read.
+TEST_F(Archivos, UnaConsultaCruzadaGuardadaSeLee) {
+  const std::string ruta = carpeta_.Ruta("c.db");
+  {
+    const auto base = Abrir(ruta, Crear());
+    for (const char* sql :
+         {"CREATE TABLE wk (e LONG, c TEXT(5), h DOUBLE)", "CREATE VIEW cruz AS SELECT e FROM wk",
+          "CREATE VIEW encima AS SELECT e FROM wk", "INSERT INTO wk VALUES (1, 'X', 8)",
+          "INSERT INTO wk VALUES (1, 'Y', 4)", "INSERT INTO wk VALUES (2, 'X', 7)"})
+      base->Ejecutar(sql);
+  }
+  sqlite3* cruda = nullptr;
+  ASSERT_EQ(sqlite3_open(ruta.c_str(), &cruda), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(
+                cruda,
+                "UPDATE MSysConsultas SET Texto = 'TRANSFORM Sum(h) SELECT e FROM wk GROUP BY e PIVOT c'"
+                " WHERE Nombre = 'cruz';"
+                "UPDATE MSysConsultas SET Texto = 'TRANSFORM Count(*) SELECT X FROM cruz GROUP BY X PIVOT e'"
+                " WHERE Nombre = 'encima'",
+                nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(cruda);
+
+  const auto base = Abrir(ruta);
+  const auto todo = [&](const char* sql) {
+    const db::Recordset filas = base->Ejecutar(sql);
+    return support::Cabecera(filas) + "\n" + support::Filas(filas);
+  };
+  EXPECT_EQ(todo("SELECT * FROM cruz ORDER BY e"), "e:int|X:number|Y:number\n1|8|4\n2|7|NULL");
+  base->Ejecutar("INSERT INTO wk VALUES (2, 'Z', 1)");
+  EXPECT_EQ(todo("SELECT cruz.e, Z, wk.h FROM cruz INNER JOIN wk ON cruz.e = wk.e WHERE wk.c = 'Z'"),
+            "e:int|Z:number|h:number\n2|1|1");
+  EXPECT_EQ(todo("SELECT * FROM encima ORDER BY X"), "X:number|1:int|2:int\n7|NULL|1\n8|1|NULL");
+  EXPECT_EQ(support::Filas(base->Consultar("SELECT Count(*) FROM cruz")), "2");
+  EXPECT_THROW(base->Ejecutar("INSERT INTO wk (e) SELECT e FROM cruz"), db::Error);
+  EXPECT_THROW(base->Consultar("SELECT e INTO copia FROM cruz"), db::Error);
+  EXPECT_THROW(base->Ejecutar("SELECT NoHay FROM cruz"), db::Error);
 }
 
 TEST_F(Archivos, UnNombreComoDireccionEsUnNombre) {
