@@ -8,8 +8,9 @@
 namespace mdb::internal {
 namespace {
 
-// Access takes 32; the bound keeps a damaged file from building a tree of any height.
-constexpr std::size_t kMasFuentes = 255;
+// Access takes 32 tables; the bounds keep a damaged file from building a tree of any height or a condition of
+// any length.
+constexpr std::size_t kMasFuentes = 255, kMasUniones = 2000;
 
 std::string SinCorchetes(std::string_view nombre) {
   if (nombre.size() >= 2 && nombre.front() == '[' && nombre.back() == ']')
@@ -160,6 +161,7 @@ class Arbol {
 }  // namespace
 
 std::string TextoDeFuentes(std::span<const FilaDeConsulta> fuentes, std::span<const FilaDeConsulta> uniones) {
+  if (uniones.size() > kMasUniones) throw base::Error("La consulta tiene demasiadas uniones");
   Arbol arbol(fuentes);
   for (const auto& u : uniones) arbol.Unir(u);
   return arbol.Texto();

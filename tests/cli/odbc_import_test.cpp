@@ -1,106 +1,12 @@
 // A whole import over ODBC gives what it gives without. The driver of the tests has the embedded engine
-// behind it here, so that it speaks the dialect as the Access driver does; values cross as ODBC's own types.
+// behind it here.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <charconv>
-#include <cstdio>
-
-#include "base/encoding.h"
 #include "demo/demo_base.h"
-#include "engine_odbc/fake_driver.h"
-#include "engine_sqlite/sqlite_connection.h"
+#include "engine_odbc/embedded_motor.h"
 #include "mesa.h"
 
 namespace {
-
-using base::Tipo;
-
-struct DeTipo {
-  SQLSMALLINT tipo;
-  const char16_t* nombre;
-};
-DeTipo EnOdbc(Tipo tipo) {
-  switch (tipo) {
-    case Tipo::Booleano:
-      return {SQL_BIT, u"BIT"};
-    case Tipo::Entero:
-      return {SQL_INTEGER, u"INTEGER"};
-    case Tipo::Simple:
-      return {SQL_REAL, u"REAL"};
-    case Tipo::Numero:
-      return {SQL_DOUBLE, u"DOUBLE"};
-    case Tipo::Moneda:
-      return {SQL_NUMERIC, u"CURRENCY"};
-    case Tipo::Fecha:
-      return {SQL_TYPE_TIMESTAMP, u"DATETIME"};
-    case Tipo::Nulo:
-    case Tipo::Texto:
-      break;
-  }
-  return {SQL_WVARCHAR, u"VARCHAR"};
-}
-
-std::string Cifras(double v) {
-  std::array<char, 40> b{};
-  return {b.data(), std::to_chars(b.data(), b.data() + b.size(), v).ptr};
-}
-
-falso::Celda EnCelda(const base::Valor& v) {
-  if (v.EsNulo()) return {true, {}};
-  std::string texto;
-  if (const auto* b = v.Si<bool>()) {
-    texto = *b ? "1" : "0";
-  } else if (const auto* f = v.Si<base::Fecha>()) {
-    const base::PartesFecha p = base::Partes(*f);
-    std::array<char, 40> linea{};
-    std::snprintf(linea.data(), linea.size(), "%04d-%02d-%02d %02d:%02d:%02d", p.anio, p.mes, p.dia, p.hora,
-                  p.minuto, p.segundo);
-    texto = linea.data();
-  } else if (const auto* d = v.Si<double>()) {
-    texto = Cifras(*d);
-  } else {
-    texto = v.TextoCsv();
-  }
-  return {false, base::AUtf16(texto)};
-}
-
-class MotorEmbebido final : public falso::Motor {
- public:
-  explicit MotorEmbebido(const std::string& ruta) : base_(engine_sqlite::Abrir(ruta)) {}
-
-  bool Correr(falso::Cursor& c, const falso::Ancho& sql) override {
-    try {
-      const db::Recordset filas = base_->Ejecutar(base::DeUtf16(sql));
-      c.cambiadas = base_->FilasAfectadas();
-      const std::size_t ancho = filas.Campos().size();
-      for (std::size_t i = 0; i < ancho; ++i) {
-        Tipo tipo = filas.Campos()[i].tipo;
-        if (tipo == Tipo::Nulo && !filas.Vacio()) tipo = filas.En(i, 0).tipo();
-        const DeTipo t = EnOdbc(tipo);
-        c.columnas.push_back({base::AUtf16(filas.Campos()[i].nombre), t.nombre, t.tipo});
-      }
-      for (std::size_t f = 0; f < filas.Cantidad(); ++f) {
-        c.filas.emplace_back();
-        for (std::size_t i = 0; i < ancho; ++i) c.filas.back().push_back(EnCelda(filas.En(i, f)));
-      }
-      return true;
-    } catch (const base::Error& e) {
-      c.registros.push_back({"HY000", base::AUtf16(e.Descripcion())});
-      return false;
-    }
-  }
-  bool Empezar() override {
-    return base::ErrorIgnorado("Empezar", nullptr, [&] { base_->BeginTrans(); });
-  }
-  bool Terminar(bool confirmar) override {
-    return base::ErrorIgnorado("Terminar", nullptr,
-                               [&] { confirmar ? base_->CommitTrans() : base_->RollbackTrans(); });
-  }
-
- private:
-  std::unique_ptr<db::Connection> base_;
-};
 
 class ImportarOdbc : public testing::Test {
  protected:
@@ -169,5 +75,5 @@ TEST_F(ImportarOdbc, UnCommitQueFallaNoDejaNada) {
 }  // namespace
 
 extern "C" falso::Motor* CrearMotorDePrueba(const char16_t* nombre) {
-  return new MotorEmbebido(base::DeUtf16(nombre));
+  return new falso::MotorEmbebido(base::DeUtf16(nombre));
 }

@@ -190,6 +190,17 @@ TEST(ConsultaGuardada, AnyTreeOfJoinsComesBack) {
   }
 }
 
+TEST(ConsultaGuardada, TooManyJoinsAreRefused) {
+  mdb::ConsultaGuardada q{"Q", 0, {}};
+  q.filas.push_back({5, 1, "A", {}, {}, {}, {}});
+  q.filas.push_back({5, 2, "B", {}, {}, {}, {}});
+  q.filas.push_back({6, 1, {}, {}, "1", {}, {}});
+  for (std::uint32_t i = 0; i < 2000; ++i) q.filas.push_back({7, i, "A", "B", "A.x = B.x", {}, {}});
+  EXPECT_NO_THROW(mdb::TextoDeConsulta(q));
+  q.filas.push_back({7, 2000, "A", "B", "A.x = B.x", {}, {}});
+  EXPECT_THROW(mdb::TextoDeConsulta(q), base::Error);
+}
+
 TEST(ConsultaGuardada, TooManySourcesAreRefused) {
   mdb::ConsultaGuardada q{"Q", 0, {}};
   for (std::uint32_t i = 0; i < 256; ++i) q.filas.push_back({5, i, "T" + std::to_string(i), {}, {}, {}, {}});
