@@ -43,7 +43,10 @@ class Carpeta {
   }
   Carpeta(const Carpeta&) = delete;
   Carpeta& operator=(const Carpeta&) = delete;
-  std::string Nueva() { return (ruta_ / ("base" + std::to_string(++cuantas_) + ".mdb")).string(); }
+  std::string Nueva() {  // in UTF-8
+    const auto ruta = (ruta_ / ("base" + std::to_string(++cuantas_) + ".mdb")).u8string();
+    return {ruta.begin(), ruta.end()};
+  }
 
  private:
   std::filesystem::path ruta_;
