@@ -46,7 +46,8 @@ TEST(EscribirEnDanados, EndsInAnErrorOrAChange) {
        {"indexTestV2000.mdb", "test2V2000.mdb", "delColTestV2000.mdb", "overflowTestV2000.mdb"}) {
     const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus(archivo));
     std::vector<mdb::NumPagina> tablas;
-    for (const auto& o : mdb::Catalogo(*paginas).Objetos())
+    const mdb::Catalogo catalogo(*paginas);
+    for (const auto& o : catalogo.Objetos())
       if (o.tipo == mdb::Objeto::Tabla && !o.nombre.starts_with("MSys"))
         tablas.push_back(static_cast<mdb::NumPagina>(o.id));
     for (unsigned semilla = 0; semilla < 150; ++semilla) {
