@@ -100,6 +100,21 @@ Arbol ArbolNuevo() {
   return arbol;
 }
 
+std::uint32_t Uno(Azar& azar, std::uint32_t hasta) { return static_cast<std::uint32_t>(azar()) % hasta; }
+
+mdb::Bytes Numero(std::uint32_t n) {
+  return {0x7F, static_cast<std::uint8_t>(n >> 24), static_cast<std::uint8_t>(n >> 16),
+          static_cast<std::uint8_t>(n >> 8), static_cast<std::uint8_t>(n)};
+}
+
+mdb::IdFila Fila(std::uint32_t n) { return {n / 200 + 7, static_cast<std::uint8_t>(n % 200)}; }
+
+Arbol ConNumeros(const std::vector<std::uint32_t>& numeros) {
+  Arbol arbol = ArbolNuevo();
+  for (const auto n : numeros) arbol.Abrir().Insertar(Numero(n), Fila(n));
+  return arbol;
+}
+
 Aspecto Revisar(const Arbol& arbol, std::vector<mdb::Entrada>* entradas) {
   Revision revision(arbol);
   mdb::Entrada ultima;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <set>
 #include <string>
 
@@ -22,6 +23,15 @@ struct Arbol {
 
 // An empty tree in a new file.
 Arbol ArbolNuevo();
+
+// Fixed random numbers: one below `hasta`.
+using Azar = std::mt19937;
+std::uint32_t Uno(Azar& azar, std::uint32_t hasta);
+
+// Keys and rows of short trees, in the order of their numbers.
+mdb::Bytes Numero(std::uint32_t n);
+mdb::IdFila Fila(std::uint32_t n);
+Arbol ConNumeros(const std::vector<std::uint32_t>& numeros);
 
 struct Aspecto {
   std::size_t niveles = 0, paginas = 0, bytes = 0;  // bytes of entries, prefixes undone
