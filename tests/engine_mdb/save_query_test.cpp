@@ -37,11 +37,8 @@ constexpr const char* kConsultas[] = {
     "SELECT TOP 3 k, x & '''s' AS y FROM a ORDER BY k DESC",
     "SELECT TOP 50 PERCENT k FROM a ORDER BY k",
     "SELECT x, Count(*) AS n, Sum(k) AS s FROM a GROUP BY x HAVING Count(*) > 2 ORDER BY x",
-    "SELECT a.x, Year(a.f) AS anio, Max([con blanco]) AS [el mayor] FROM a INNER JOIN b ON a.k = b.k GROUP "
-    "BY a.x, "
-    "Year(a.f) ORDER BY a.x",
-    "SELECT k FROM a WHERE f BETWEEN #02/02/2024# AND #02/04/2024# AND x LIKE 'x%' AND k IN (1, 2, 3) ORDER "
-    "BY k",
+    "SELECT x, Year(f) AS anio, Max([con blanco]) AS m FROM a, b WHERE a.k = b.k GROUP BY x, Year(f)",
+    "SELECT k FROM a WHERE f BETWEEN #02/02/2024# AND #02/04/2024# AND x LIKE 'x%' AND k IN (1, 2, 3)",
     "SELECT k FROM a WHERE k IN (SELECT k FROM c WHERE z > 2) ORDER BY k",
     "SELECT T.s FROM (SELECT Sum(k) AS s FROM a) AS T",
     "SELECT s FROM (SELECT Sum(k) AS s FROM a)",
