@@ -74,6 +74,18 @@ void ConexionMdb::VerCambiosAjenos() {
   Iniciar(std::move(nueva));
 }
 
+bool ConexionMdb::ConseguirEscritura() {
+  if (abierta_abajo_ || opciones_.solo_lectura || base_->MotivoSoloLectura().empty()) return false;
+  std::unique_ptr<mdb::Base> nueva;
+  base::ErrorIgnorado("ConseguirEscritura", nullptr, [&] {
+    nueva = mdb::Base::Abrir(ruta_, {false, opciones_.contrasena});
+  });
+  if (nueva == nullptr || !nueva->MotivoSoloLectura().empty()) return false;
+  Cerrar();
+  Iniciar(std::move(nueva));
+  return true;
+}
+
 void ConexionMdb::Cerrar() {
   if (fuente_ != nullptr) fuente_->Soltar();
   if (espejo_.conexion != nullptr) espejo_.conexion->Cerrar();
@@ -132,6 +144,7 @@ void ConexionMdb::BeginTrans() {
   VerificarAbierta();
   if (en_transaccion_) throw db::Error("Ya hay una transacción abierta.");
   VerCambiosAjenos();
+  ConseguirEscritura();
   Comenzar();
   en_transaccion_ = true;
 }
@@ -155,6 +168,17 @@ void ConexionMdb::RollbackTrans() {
 db::Recordset ConexionMdb::EjecutarComo(std::string_view sql, bool solo_consulta) {
   VerificarAbierta();
   VerCambiosAjenos();
+  const std::string motivo = MotivoDeNoEscribir(*base_);
+  if (motivo.empty()) return Correr(sql, solo_consulta);
+  try {
+    return Correr(sql, solo_consulta);
+  } catch (const db::Error& e) {
+    if (e.Descripcion() != motivo || !ConseguirEscritura()) throw;
+  }
+  return Correr(sql, solo_consulta);
+}
+
+db::Recordset ConexionMdb::Correr(std::string_view sql, bool solo_consulta) {
   afectadas_ = 0;
   fuente_->Empezar();
   return ComoErrorDeBase([&] {

@@ -47,7 +47,10 @@ class ConexionMdb final : public db::Connection {
   // Opens the file anew when another program has written it: only between transactions, and only a file that
   // is open for reading, since nobody else writes one that is ours.
   void VerCambiosAjenos();
+  // A file that could only be read because another program had it: opens it for writing if that is over.
+  bool ConseguirEscritura();
   db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
+  db::Recordset Correr(std::string_view sql, bool solo_consulta);
   db::Recordset CorrerFilas(std::string_view sql, bool solo_consulta);
 
   // The transaction below: that of BeginTrans, or of one statement that writes.

@@ -25,7 +25,8 @@ struct Opciones {
 };
 
 // Opens a file (path in UTF-8). Throws db::Error with a readable reason. A file that cannot be written opens
-// all the same; statements that would change it, and BeginTrans, then throw the reason.
+// all the same; statements that would change it, and BeginTrans, then throw the reason. Each of them first
+// tries again, since the program that had the file may have closed it.
 std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones = {});
 
 // Makes a new, empty file (Access 2000 to 2003) of a sort order (an LCID: 3082 Modern Spanish, 1034

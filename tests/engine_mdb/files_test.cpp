@@ -123,7 +123,28 @@ TEST_F(ArchivosMdb, ElSegundoLeeLoQueElPrimeroGuarda) {
   Correr("CREATE TABLE u (k LONG)");
   EXPECT_EQ(support::Filas(otro->Ejecutar("SELECT Count(*) FROM u")), "0");
   base_.reset();
-  otro->Ejecutar("SELECT 1");
+  // And when the first one has gone, the second writes.
+  otro->Ejecutar("INSERT INTO t (k) VALUES (500)");
+  otro->BeginTrans();
+  otro->Ejecutar("INSERT INTO u VALUES (1)");
+  otro->CommitTrans();
+  EXPECT_EQ(support::Filas(otro->Ejecutar("SELECT Count(*) FROM t")), "41");
+  otro->Cerrar();
+  Revisar();
+}
+
+TEST_F(ArchivosMdb, LaTransaccionDelSegundoEmpiezaCuandoElPrimeroSeVa) {
+  Abrir();
+  const auto otro = engine_mdb::Abrir(ruta_, Opciones());
+  const std::string no = "La base se puede leer, no escribir. Otro programa tiene abierta la base.";
+  EXPECT_EQ(FallaDe([&] { otro->BeginTrans(); }), no);
+  EXPECT_EQ(FallaDe([&] { otro->Ejecutar("CREATE TABLE u (k LONG)"); }), no);
+  base_.reset();
+  otro->BeginTrans();
+  otro->Ejecutar("DELETE FROM t");
+  otro->RollbackTrans();
+  otro->Ejecutar("CREATE TABLE u (k LONG)");
+  EXPECT_EQ(support::Filas(otro->Ejecutar("SELECT Count(*) FROM t, u")), "0");
 }
 
 #ifndef _WIN32
