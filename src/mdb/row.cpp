@@ -18,10 +18,8 @@ bool AnteriorALasVariables(const Definicion& definicion, unsigned columnas) {
 
 }  // namespace
 
-std::size_t AnchoFijo(const Columna& columna) {
-  switch (columna.tipo) {
-    case TipoColumna::Booleano:
-      return 0;
+std::uint16_t AnchoDeTipo(TipoColumna tipo) {
+  switch (tipo) {
     case TipoColumna::Byte:
       return 1;
     case TipoColumna::Entero:
@@ -42,8 +40,18 @@ std::size_t AnchoFijo(const Columna& columna) {
     case TipoColumna::FechaExtendida:
       return 42;
     default:
-      return columna.largo;
+      return 0;
   }
+}
+
+bool EsDeLargoVariable(TipoColumna tipo) {
+  return tipo == TipoColumna::Texto || tipo == TipoColumna::Binario || tipo == TipoColumna::Memo ||
+         tipo == TipoColumna::Ole;
+}
+
+std::size_t AnchoFijo(const Columna& columna) {
+  const std::uint16_t ancho = AnchoDeTipo(columna.tipo);
+  return ancho != 0 || columna.tipo == TipoColumna::Booleano ? ancho : columna.largo;
 }
 
 FilaAbierta::FilaAbierta(const Cabecera& cabecera, const Definicion& definicion, Vista bytes)

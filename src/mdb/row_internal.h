@@ -7,6 +7,11 @@
 
 namespace mdb::internal {
 
+// Bytes of a value of a type that has but one width; 0 for the others, and for a Boolean, which stands in the
+// null mask.
+std::uint16_t AnchoDeTipo(TipoColumna tipo);
+// Whether a new column of the type stands among the variable ones (that of a file is told by its flag).
+bool EsDeLargoVariable(TipoColumna tipo);
 // Bytes of a fixed column, by its type.
 std::size_t AnchoFijo(const Columna& columna);
 // A row as cut for reading: what does not depend on the column is worked out once.

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "mdb/page_map.h"
+#include "mdb/row_internal.h"
 #include "mdb/schema_internal.h"
 
 namespace mdb::internal {
@@ -11,34 +12,26 @@ constexpr std::size_t kAnchoDeFila = 4060;
 constexpr std::uint16_t kLetrasDeTexto = 255, kBytesDeBinario = 510;
 constexpr std::uint8_t kCifrasDeDecimal = 28;
 
-bool EsVariable(TipoColumna tipo) {
-  return tipo == TipoColumna::Texto || tipo == TipoColumna::Binario || tipo == TipoColumna::Memo ||
-         tipo == TipoColumna::Ole;
-}
-
 std::uint16_t LargoDe(const NuevaColumna& nueva) {
   const auto error = [&](const char* motivo) -> std::uint16_t {
     throw base::Error("La columna \"" + nueva.nombre + "\" " + motivo);
   };
   switch (nueva.tipo) {
     case TipoColumna::Booleano:
-    case TipoColumna::Byte:
       return 1;
+    case TipoColumna::Byte:
     case TipoColumna::Entero:
-      return 2;
     case TipoColumna::Largo:
     case TipoColumna::Simple:
-      return 4;
     case TipoColumna::Moneda:
     case TipoColumna::Doble:
     case TipoColumna::Fecha:
-      return 8;
     case TipoColumna::Guid:
-      return 16;
+      return AnchoDeTipo(nueva.tipo);
     case TipoColumna::Decimal:
       if (nueva.precision < 1 || nueva.precision > kCifrasDeDecimal || nueva.escala > nueva.precision)
         return error("no puede tener esa cantidad de cifras");
-      return 17;
+      return AnchoDeTipo(nueva.tipo);
     case TipoColumna::Texto:
       if (nueva.largo > kLetrasDeTexto) return error("no puede tener más de 255 letras");
       return static_cast<std::uint16_t>(2 * (nueva.largo == 0 ? kLetrasDeTexto : nueva.largo));
@@ -85,7 +78,7 @@ void ComprobarAutonumerica(const Definicion& d, const NuevaColumna& nueva) {
 
 std::uint8_t BanderasDe(const NuevaColumna& nueva) {
   std::uint8_t b = Columna::kActualizable;
-  if (!EsVariable(nueva.tipo)) b |= Columna::kFija;
+  if (!EsDeLargoVariable(nueva.tipo)) b |= Columna::kFija;
   if (nueva.autonumerica)
     b |= nueva.tipo == TipoColumna::Guid ? Columna::kGuidAutomatico : Columna::kAutonumerica;
   return b;

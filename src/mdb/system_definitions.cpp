@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "mdb/row_internal.h"
+
 namespace mdb {
 namespace {
 
@@ -15,25 +17,13 @@ struct ColumnaDeSistema {
 std::uint16_t LargoDe(TipoColumna tipo) {
   switch (tipo) {
     case TipoColumna::Booleano:
-    case TipoColumna::Byte:
       return 1;
-    case TipoColumna::Entero:
-      return 2;
-    case TipoColumna::Largo:
-      return 4;
-    case TipoColumna::Fecha:
-      return 8;
     case TipoColumna::Texto:
     case TipoColumna::Binario:
       return 510;
     default:
-      return 0;
+      return internal::AnchoDeTipo(tipo);
   }
-}
-
-bool EsDeLargoVariable(TipoColumna t) {
-  return t == TipoColumna::Texto || t == TipoColumna::Binario || t == TipoColumna::Memo ||
-         t == TipoColumna::Ole;
 }
 
 // Columns in the order of their numbers; stored by name, as Access stores those of its own tables.
@@ -53,7 +43,7 @@ Definicion Tabla(const char* nombre, std::uint16_t orden, std::initializer_list<
     c.largo = LargoDe(de.tipo);
     c.banderas = Columna::kActualizable | Columna::kDeSistema;
     if (de.sid) c.banderas |= kSid;
-    if (EsDeLargoVariable(de.tipo)) {
+    if (internal::EsDeLargoVariable(de.tipo)) {
       ++d.variables;
     } else {
       c.banderas |= Columna::kFija;
