@@ -54,20 +54,6 @@ double RealDe(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
   return sqlite3_column_double(fila, indice);
 }
 
-// A text in a column of bytes is kept as Access keeps it: in UTF-16.
-mdb::Bytes EnUtf16(std::string_view texto) {
-  mdb::Bytes bytes;
-  for (const char32_t c : base::APuntos(texto)) {
-    if (c < 0x10000) {
-      mdb::Agregar16(bytes, static_cast<std::uint16_t>(c));
-    } else {
-      mdb::Agregar16(bytes, static_cast<std::uint16_t>(0xD800 + ((c - 0x10000) >> 10)));
-      mdb::Agregar16(bytes, static_cast<std::uint16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
-    }
-  }
-  return bytes;
-}
-
 mdb::Dato Binario(sqlite3_stmt* fila, int indice) {
   if (sqlite3_column_type(fila, indice) != SQLITE_BLOB) return EnUtf16(TextoDe(fila, indice));
   const mdb::Vista v = BytesDe(fila, indice);
@@ -89,6 +75,19 @@ mdb::Dato Moneda(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
 }
 
 }  // namespace
+
+mdb::Bytes EnUtf16(std::string_view texto) {
+  mdb::Bytes bytes;
+  for (const char32_t c : base::APuntos(texto)) {
+    if (c < 0x10000) {
+      mdb::Agregar16(bytes, static_cast<std::uint16_t>(c));
+    } else {
+      mdb::Agregar16(bytes, static_cast<std::uint16_t>(0xD800 + ((c - 0x10000) >> 10)));
+      mdb::Agregar16(bytes, static_cast<std::uint16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
+    }
+  }
+  return bytes;
+}
 
 base::Tipo TipoDe(TipoColumna tipo) {
   switch (tipo) {

@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 
 #include <string>
+#include <string_view>
 
 #include "base/valor.h"
 #include "mdb/definition.h"
@@ -13,6 +14,8 @@ namespace engine_mdb {
 
 // The type that the dialect sees.
 base::Tipo TipoDe(mdb::TipoColumna tipo);
+// A text in a column of bytes, as Access keeps it.
+mdb::Bytes EnUtf16(std::string_view texto);
 // Binds the value; texts and bytes are not copied and must outlive the step.
 void Ligar(sqlite3_stmt* sentencia, int indice, const mdb::Dato& dato);
 // Whether the mirror's cell is what the file's value was mirrored as: then the file keeps its exact bytes.

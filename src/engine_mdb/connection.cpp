@@ -1,7 +1,6 @@
 // Opening a file, and how statements and transactions travel between the mirrors and its pages.
 #include "engine_mdb/mdb_connection.h"
 
-#include "base/text.h"
 #include "engine_mdb/connection_internal.h"
 
 namespace engine_mdb {
@@ -30,11 +29,22 @@ std::string PrimeraPalabra(std::string_view sql) {
   return palabra;
 }
 
-// Whether the text may be a definition; the parser has the last word.
+bool DiceInto(std::string_view sql) {
+  constexpr std::string_view kInto = "into";
+  for (std::size_t i = 0; i + kInto.size() <= sql.size(); ++i) {
+    std::size_t k = 0;
+    while (k < kInto.size() && (sql[i + k] | 0x20) == kInto[k]) ++k;
+    if (k == kInto.size()) return true;
+  }
+  return false;
+}
+
+// Whether the text may be a definition; the parser has the last word. SELECT … INTO may stand in brackets or
+// after its parameters; an INSERT is the one statement that always has the word, and runs the most.
 bool ParecePorDefinir(std::string_view sql) {
   const std::string palabra = PrimeraPalabra(sql);
   if (palabra == "CREATE" || palabra == "DROP" || palabra == "ALTER") return true;
-  return palabra == "SELECT" && base::Contiene(sql, "INTO", base::Comparar::SinCaso);
+  return palabra != "INSERT" && DiceInto(sql);
 }
 
 bool EsDefinicion(const jetsql::Sentencia& s) {

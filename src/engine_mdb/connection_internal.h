@@ -75,6 +75,9 @@ class ConexionMdb final : public db::Connection {
   void Relacionar(const std::string& tabla, const std::string& nombre,
                   const std::vector<std::string>& columnas, const jetsql::Referencia& referencia);
   void Ensayar(std::string_view sql);
+  // The pages and the catalog go back to where they are when the step throws.
+  template <typename Paso>
+  void VolverSiFalla(Paso&& paso);
   void IndiceLibre(const mdb::Definicion& tabla, const std::string& nombre) const;
   base::Fecha Ahora();
 

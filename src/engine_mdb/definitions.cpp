@@ -127,7 +127,37 @@ const mdb::RelacionDeTablas* BuscarRelacion(const mdb::Catalogo& catalogo, std::
   return nullptr;
 }
 
+// A definition runs in SQLite, and is taken back at the end whatever it said.
+class Ensayo {
+ public:
+  Ensayo(sqlite3* espejo, FuenteMdb& fuente) : espejo_(espejo), fuente_(fuente) {
+    engine_sqlite::EjecutarPropio(espejo_, "SAVEPOINT idm_ensayo");
+    fuente_.Ensayar(true);
+  }
+  Ensayo(const Ensayo&) = delete;
+  Ensayo& operator=(const Ensayo&) = delete;
+  ~Ensayo() {
+    fuente_.Ensayar(false);
+    sqlite3_exec(espejo_, "ROLLBACK TO idm_ensayo; RELEASE idm_ensayo", nullptr, nullptr, nullptr);
+  }
+
+ private:
+  sqlite3* espejo_;
+  FuenteMdb& fuente_;
+};
+
 }  // namespace
+
+template <typename Paso>
+void ConexionMdb::VolverSiFalla(Paso&& paso) {
+  mdb::Paginas::Punto punto = base_->Hojas().Guardar();
+  try {
+    paso();
+  } catch (const base::Error&) {
+    base_->Volver(std::move(punto));
+    throw;
+  }
+}
 
 base::Fecha ConexionMdb::Ahora() {
   const db::Recordset r = espejo_.conexion->Ejecutar("SELECT Now()");
@@ -136,15 +166,8 @@ base::Fecha ConexionMdb::Ahora() {
 
 // What SQLite would say of the statement, without keeping what it did.
 void ConexionMdb::Ensayar(std::string_view sql) {
-  engine_sqlite::EjecutarPropio(espejo_.base, "SAVEPOINT idm_ensayo");
-  std::optional<db::Error> error;
-  try {
-    espejo_.conexion->Ejecutar(sql);
-  } catch (const db::Error& e) {
-    error = e;
-  }
-  engine_sqlite::EjecutarPropio(espejo_.base, "ROLLBACK TO idm_ensayo; RELEASE idm_ensayo");
-  if (error) throw db::Error(*error);
+  const Ensayo ensayo(espejo_.base, *fuente_);
+  espejo_.conexion->Ejecutar(sql);
 }
 
 // The rows changed so far go into the pages first, so that the new definition finds them; a failure goes back
@@ -152,14 +175,13 @@ void ConexionMdb::Ensayar(std::string_view sql) {
 db::Recordset ConexionMdb::CorrerDefinicion(std::string_view sql, jetsql::Sentencia& sentencia) {
   if (!abierta_abajo_) Comenzar();
   try {
-    fuente_->EscribirCambios();
+    // A table that is refused must not leave those before it in the pages: they would be written again.
+    VolverSiFalla([&] { fuente_->EscribirCambios(); });
     fuente_->Asentar(false);
     definio_ = true;
-    mdb::Paginas::Punto punto = base_->Hojas().Guardar();
     try {
-      std::visit([&](const auto& s) { Aplicar(sql, s); }, sentencia);
+      VolverSiFalla([&] { std::visit([&](const auto& s) { Aplicar(sql, s); }, sentencia); });
     } catch (const base::Error&) {
-      base_->Volver(std::move(punto));
       fuente_->DescartarTodo();
       engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
       throw;

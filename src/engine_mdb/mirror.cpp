@@ -11,6 +11,10 @@ namespace {
 
 using mdb::TipoColumna;
 
+// The days of the years 100 to 9999; below zero the time of day counts forward.
+constexpr const char* kAntesDeFechas = "-657435.0";
+constexpr const char* kDespuesDeFechas = "2958466.0";
+
 std::string Declaracion(const mdb::Columna& c, bool jet3) {
   switch (c.tipo) {
     case TipoColumna::Booleano:
@@ -100,16 +104,38 @@ std::string Defecto(const TablaEspejo& t, const mdb::Columna& c, const mdb::Prop
   return " NOT NULL ON CONFLICT REPLACE" + (sql.empty() ? " DEFAULT 0" : sql);  // a Null is stored as False
 }
 
+bool EnAlgunIndice(const mdb::Definicion& d, const mdb::Columna& c) {
+  for (const mdb::IndiceReal& indice : d.reales)
+    for (const auto& parte : indice.partes)
+      if (parte.columna == c.numero) return true;
+  return false;
+}
+
 // Conditions are not looked at while the file's rows are read, so that rows that break them stay readable.
-std::string Condiciones(const TablaEspejo& t, const mdb::Columna& c, const mdb::Propiedades& propiedades) {
+// What the file would refuse at the commit, and with it all that the transaction did, is refused here, where
+// only the statement fails.
+std::string Condiciones(const TablaEspejo& t, std::size_t posicion, const mdb::Propiedades& propiedades) {
+  const mdb::Columna& c = t.definicion.columnas[posicion];
   std::string sql;
   if (c.tipo == TipoColumna::Byte) sql += Rango(c.nombre, "0", "255");
   if (c.tipo == TipoColumna::Entero) sql += Rango(c.nombre, "-32768", "32767");
   if (c.tipo == TipoColumna::Largo) sql += Rango(c.nombre, "-2147483648", "2147483647");
   if (c.tipo == TipoColumna::Texto) {
     const int largo = t.base->Cab().Jet3() ? c.largo : c.largo / 2;
-    sql += Condicion("jet_largo." + c.nombre, "length(" + Citado(c.nombre) + ") <= " + std::to_string(largo));
+    sql += Condicion("jet_largo." + c.nombre,
+                     "idm_unidades(" + Citado(c.nombre) + ") <= " + std::to_string(largo));
+    if (EnAlgunIndice(t.definicion, c) && !t.base->Cab().Jet3())
+      sql +=
+          Condicion("jet_indice." + c.nombre, "idm_en_indice(" + std::to_string(t.numero) + ", " +
+                                                  std::to_string(posicion) + ", " + Citado(c.nombre) + ")");
   }
+  if (c.tipo == TipoColumna::Doble)
+    sql += Rango(c.nombre, "-1.7976931348623157e308", "1.7976931348623157e308");
+  if (c.tipo == TipoColumna::Fecha)
+    sql += Condicion(
+        std::string(engine_sqlite::kTextoPropio) + "La fecha del campo " + c.nombre + " de la tabla " +
+            t.info.nombre + " está fuera de los años 100 a 9999.",
+        Citado(c.nombre) + " > " + kAntesDeFechas + " AND " + Citado(c.nombre) + " < " + kDespuesDeFechas);
   const bool suya = c.Autonumerica() || c.tipo == TipoColumna::Booleano;
   if (!suya && Cierto(propiedades, c.nombre, "Required", false))
     sql += Condicion(std::string(engine_sqlite::kTextoPropio) + "El campo " + c.nombre + " de la tabla " +
@@ -118,7 +144,7 @@ std::string Condiciones(const TablaEspejo& t, const mdb::Columna& c, const mdb::
   if (c.EsTexto() && !Cierto(propiedades, c.nombre, "AllowZeroLength", true))
     sql += Condicion(std::string(engine_sqlite::kTextoPropio) + "El campo " + c.nombre + " de la tabla " +
                          t.info.nombre + " no admite un texto sin caracteres.",
-                     "length(" + Citado(c.nombre) + ") > 0");
+                     "idm_unidades(" + Citado(c.nombre) + ") > 0");
   return sql;
 }
 
@@ -179,7 +205,7 @@ std::string TextoDeCrear(const TablaEspejo& t, const mdb::Propiedades& propiedad
     const mdb::Columna& c = t.definicion.columnas[t.columnas[i]];
     if (i > 0) sql += ", ";
     sql += Citado(c.nombre) + " " + Declaracion(c, t.base->Cab().Jet3()) + Defecto(t, c, propiedades) +
-           Condiciones(t, c, propiedades);
+           Condiciones(t, t.columnas[i], propiedades);
   }
   return sql + CondicionesDeIndices(t) + ")";
 }

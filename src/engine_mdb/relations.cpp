@@ -113,7 +113,7 @@ void FuenteMdb::VigilarAutomatico(const TablaEspejo& t) {
 }
 
 // What a column of the file cannot hold as it was given takes the form that it will have there: the digits of
-// a decimal, the letters of a GUID.
+// a decimal, the letters of a GUID, the bytes of a text.
 void FuenteMdb::VigilarFormas(const TablaEspejo& t) {
   const std::string tabla = Citado(t.info.nombre);
   for (const std::size_t i : t.columnas) {
@@ -125,6 +125,10 @@ void FuenteMdb::VigilarFormas(const TablaEspejo& t) {
               std::to_string(c.escala) + ", " + EnComillas(c.nombre) + ")";
     else if (c.tipo == mdb::TipoColumna::Guid)
       forma = "idm_forma_guid(NEW." + columna + ", " + EnComillas(c.nombre) + ")";
+    else if (c.tipo == mdb::TipoColumna::Binario || c.tipo == mdb::TipoColumna::Ole)
+      forma = "idm_bytes(NEW." + columna + ", " +
+              std::to_string(c.tipo == mdb::TipoColumna::Ole ? 0 : c.largo) + ", " + EnComillas(c.nombre) +
+              ")";
     else
       continue;
     const std::string fila = NombreDeFila(t);

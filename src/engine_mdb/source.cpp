@@ -1,11 +1,9 @@
 #include "engine_mdb/source_internal.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 
 #include "base/error.h"
-#include "base/number.h"
 #include "base/text.h"
 #include "engine_mdb/cells_internal.h"
 #include "jetsql/parser.h"
@@ -30,61 +28,6 @@ class Propio {
   bool antes_;
 };
 
-FuenteMdb& De(sqlite3_context* contexto) { return *static_cast<FuenteMdb*>(sqlite3_user_data(contexto)); }
-
-void Siguiente(sqlite3_context* contexto, int, sqlite3_value** valores) {
-  sqlite3_result_int64(contexto, De(contexto).SiguienteAutomatico(sqlite3_value_int(valores[0])));
-}
-
-void Visto(sqlite3_context* contexto, int, sqlite3_value** valores) {
-  if (sqlite3_value_type(valores[1]) == SQLITE_INTEGER)
-    De(contexto).VerAutomatico(sqlite3_value_int(valores[0]), sqlite3_value_int64(valores[1]));
-}
-
-void FallarCon(sqlite3_context* contexto, const std::string& texto) {
-  const std::string propio = std::string(engine_sqlite::kTextoPropio) + texto;
-  sqlite3_result_error(contexto, propio.c_str(), static_cast<int>(propio.size()));
-}
-
-std::string TextoDe(sqlite3_value* valor) {
-  const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(valor));
-  return p == nullptr ? std::string() : std::string(p, static_cast<std::size_t>(sqlite3_value_bytes(valor)));
-}
-
-// idm_decimal(value, precision, scale, column)
-void Decimal(sqlite3_context* contexto, int, sqlite3_value** valores) {
-  if (sqlite3_value_type(valores[0]) == SQLITE_NULL) return;
-  const int escala = sqlite3_value_int(valores[2]);
-  const double v = base::Redondear(sqlite3_value_double(valores[0]), std::min(escala, 22));
-  if (std::abs(v) >= std::pow(10.0, sqlite3_value_int(valores[1]) - escala))
-    return FallarCon(contexto, "El número no cabe en el campo " + TextoDe(valores[3]) + ".");
-  sqlite3_result_double(contexto, v);
-}
-
-void FormaDeGuid(sqlite3_context* contexto, int, sqlite3_value** valores) {
-  if (sqlite3_value_type(valores[0]) == SQLITE_NULL) return;
-  try {
-    const std::string texto = mdb::GuidDeTexto(TextoDe(valores[0])).Texto();
-    sqlite3_result_text64(contexto, texto.data(), texto.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-  } catch (const base::Error&) {
-    FallarCon(contexto,
-              "El texto no es un GUID: no se puede guardar en el campo " + TextoDe(valores[1]) + ".");
-  }
-}
-
-void Falla(sqlite3_context* contexto, int, sqlite3_value** valores) {
-  FallarCon(contexto, TextoDe(valores[0]));
-}
-
-void GuidNuevo(sqlite3_context* contexto, int, sqlite3_value**) {
-  mdb::Guid guid;
-  sqlite3_randomness(static_cast<int>(guid.bytes.size()), guid.bytes.data());
-  guid.bytes[6] = static_cast<std::uint8_t>((guid.bytes[6] & 0x0F) | 0x40);
-  guid.bytes[8] = static_cast<std::uint8_t>((guid.bytes[8] & 0x3F) | 0x80);
-  const std::string texto = guid.Texto();
-  sqlite3_result_text64(contexto, texto.data(), texto.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-}
-
 }  // namespace
 
 std::string MotivoDeNoEscribir(const mdb::Base& base) {
@@ -96,15 +39,7 @@ std::string MotivoDeNoEscribir(const mdb::Base& base) {
 void FuenteMdb::Unir(sqlite3* espejo, std::function<void()> al_escribir) {
   espejo_ = espejo;
   al_escribir_ = std::move(al_escribir);
-  constexpr int kMarcas = SQLITE_UTF8 | SQLITE_INNOCUOUS;
-  sqlite3_create_function_v2(espejo, "idm_siguiente", 1, kMarcas, this, Siguiente, nullptr, nullptr, nullptr);
-  sqlite3_create_function_v2(espejo, "idm_visto", 2, kMarcas, this, Visto, nullptr, nullptr, nullptr);
-  sqlite3_create_function_v2(espejo, "idm_falla", 1, kMarcas, this, Falla, nullptr, nullptr, nullptr);
-  sqlite3_create_function_v2(espejo, "idm_guid", 0, kMarcas, this, GuidNuevo, nullptr, nullptr, nullptr);
-  sqlite3_create_function_v2(espejo, "idm_decimal", 4, kMarcas | SQLITE_DETERMINISTIC, this, Decimal, nullptr,
-                             nullptr, nullptr);
-  sqlite3_create_function_v2(espejo, "idm_forma_guid", 2, kMarcas | SQLITE_DETERMINISTIC, this, FormaDeGuid,
-                             nullptr, nullptr, nullptr);
+  RegistrarFunciones();
   sqlite3_update_hook(espejo, AlCambiar, this);
   sqlite3_set_authorizer(espejo, Autorizar, this);
   // A cascade over a table that refers to itself runs its own trigger again.
@@ -137,16 +72,6 @@ void FuenteMdb::AlCambiar(void* fuente, int, const char* base, const char* tabla
   if (f.propio_ || std::string_view(base) != "main") return;
   if (f.ultima_ == nullptr || f.ultima_->info.nombre != tabla) f.ultima_ = f.Buscar(tabla);
   if (f.ultima_ != nullptr) f.ultima_->tocadas.push_back(fila);
-}
-
-std::int64_t FuenteMdb::SiguienteAutomatico(int tabla) {
-  TablaEspejo& t = *por_numero_.at(static_cast<std::size_t>(tabla));
-  return t.estado.ultimo_automatico += std::max(t.definicion.incremento, std::int32_t{1});
-}
-
-void FuenteMdb::VerAutomatico(int tabla, std::int64_t valor) {
-  TablaEspejo& t = *por_numero_.at(static_cast<std::size_t>(tabla));
-  t.estado.ultimo_automatico = std::max(t.estado.ultimo_automatico, valor);
 }
 
 TablaEspejo* FuenteMdb::Buscar(std::string_view nombre) const {
@@ -273,6 +198,10 @@ TablaEspejo* FuenteMdb::Mirar(std::string_view nombre) {
 }
 
 void FuenteMdb::AntesDeCorrer(const jetsql::Traduccion& sentencia) {
+  const bool define = sentencia.clase == jetsql::Clase::Definicion ||
+                      sentencia.definicion.que != jetsql::Definicion::Que::Ninguna;
+  if (define && !ensaya_)
+    throw base::Error("Una sentencia que define tablas o consultas no se puede correr de esta forma.");
   for (TablaEspejo* t : pedidas_) Cargar(*t);
   pedidas_.clear();
   AtenderPendientes();

@@ -47,6 +47,9 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   const std::string* Consulta(std::string_view nombre) const override;
   void AntesDeCorrer(const jetsql::Traduccion& sentencia) override;
 
+  // Definitions may run in the mirror, to be taken back; otherwise one that came so far is refused, because
+  // the file would know nothing of it.
+  void Ensayar(bool si) { ensaya_ = si; }
   // A statement begins: what another one asked for and did not use is forgotten.
   void Empezar() { pedidas_.clear(); }
   // The table's mirror, read if it was not; null when there is no such table.
@@ -69,10 +72,13 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   // The functions that the mirrors call.
   std::int64_t SiguienteAutomatico(int tabla);
   void VerAutomatico(int tabla, std::int64_t valor);
+  // Throws base::Error for a text that no index of the file can hold.
+  void ProbarClave(int tabla, int columna, const std::string& texto) const;
 
  private:
   using Tablas = std::unordered_map<std::string, std::unique_ptr<TablaEspejo>>;
 
+  void RegistrarFunciones();
   TablaEspejo* Buscar(std::string_view nombre) const;
   std::unique_ptr<TablaEspejo> Describir(const mdb::Objeto& objeto) const;
   std::string MotivoDe(const mdb::Objeto& objeto, const TablaEspejo& tabla) const;
@@ -111,6 +117,7 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   std::vector<TablaEspejo*> sin_indices_;      // large ones, read so far without
   int sentencias_ = 0;                         // run since the last of those was read
   std::vector<Identidad> por_asentar_;
+  bool ensaya_ = false;
   bool propio_ = false;            // what runs is ours: not noted as a change
   TablaEspejo* ultima_ = nullptr;  // of the last change noted
 };

@@ -101,8 +101,18 @@ db::Recordset ConexionSqlite::EjecutarComo(std::string_view sql, bool solo_consu
   const std::vector<base::Valor>* literales = nullptr;
   const std::shared_ptr<Preparada> p = Resolver(sql, literales);
   if (solo_consulta && p->traduccion.clase != Clase::Consulta) throw db::Error(kSoloConsultas);
-  if (fuente_ != nullptr) fuente_->AntesDeCorrer(p->traduccion);
+  if (fuente_ != nullptr) Anunciar(p->traduccion);
   return Correr(*p, *literales, sql);
+}
+
+// A source that fails is asked for its tables again the next time, which only a new translation does.
+void ConexionSqlite::Anunciar(const jetsql::Traduccion& sentencia) {
+  try {
+    fuente_->AntesDeCorrer(sentencia);
+  } catch (const base::Error&) {
+    OlvidarTodo();
+    throw;
+  }
 }
 
 void ConexionSqlite::VerCambiosAjenos() {
@@ -178,7 +188,7 @@ db::Recordset ConexionSqlite::Correr(Preparada& p, const std::vector<base::Valor
   if (t.cruzada) {
     cruces.push_back({t.consulta_cruzada, std::move(celdas)});
     const std::shared_ptr<Preparada> sigue = Traducir(sql, cruces);
-    if (fuente_ != nullptr) fuente_->AntesDeCorrer(sigue->traduccion);
+    if (fuente_ != nullptr) Anunciar(sigue->traduccion);
     return Correr(*sigue, literales, sql, std::move(cruces));
   }
   return {p.columnas, std::move(celdas), std::string(sql)};

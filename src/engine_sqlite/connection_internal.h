@@ -52,6 +52,7 @@ class ConexionSqlite final : public db::Connection {
   void CorrerPaso(Preparada& p, std::size_t paso, const std::vector<base::Valor>& literales,
                   std::vector<base::Valor>* celdas);
   [[noreturn]] void LanzarDePaso();
+  void Anunciar(const jetsql::Traduccion& sentencia);  // to the source of a mirror
   // Forgets what is known of the file when another program has changed it, a saved query perhaps.
   void VerCambiosAjenos();
 
