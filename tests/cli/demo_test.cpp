@@ -2,6 +2,7 @@
 // line and by other means than the program's.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -181,6 +182,45 @@ TEST_P(DemoEntera, ReviewingSaysTheSameAndLeavesEveryRow) {
   EXPECT_EQ(s.codigo, cli::kAlgunaNo);
   EXPECT_EQ(s.out, Esperado("demo_2026_10.csv"));
   EXPECT_EQ(mesa_.Filas(), antes);
+}
+
+// Every row of every table, in its order, twice over.
+TEST(DemoEnLosDosMotores, TheSameRowsInEveryTable) {
+  const prueba::Mesa access("mdb"), propia("sqlite");
+  for (const prueba::Mesa* mesa : {&access, &propia}) {
+    const prueba::Salida demo = mesa->Demo();
+    ASSERT_EQ(demo.codigo, cli::kTodo) << demo.err;
+  }
+  EXPECT_EQ(access.Filas(), propia.Filas());
+  std::string antes = propia.Filas();
+  for (int vez = 0; vez < 2; ++vez) {
+    for (const prueba::Mesa* mesa : {&access, &propia}) {
+      const prueba::Salida s = mesa->Correr({"importar", "--base", mesa->Ruta("ConfBase.cfg"), "--archivo",
+                                             mesa->Ruta("horas.txt"), "--mes", "2026-10", "--ajustes",
+                                             mesa->Ruta("ImportDeMarcas.ini")});
+      ASSERT_EQ(s.codigo, cli::kAlgunaNo) << s.err;
+    }
+    const std::string despues = propia.Filas();
+    EXPECT_NE(despues, antes);
+    EXPECT_EQ(access.Filas(), despues);
+    antes = despues;
+  }
+}
+
+// Not a byte of an Access file, nor its date, by what only looks at it.
+TEST(DemoEnAccess, ReviewingAndAskingLeaveTheFileAlone) {
+  const prueba::Mesa mesa("mdb");
+  ASSERT_EQ(mesa.Demo().codigo, cli::kTodo);
+  const std::string ruta = mesa.Ruta("Personal.mdb");
+  const auto fecha = std::filesystem::last_write_time(std::filesystem::u8path(ruta));
+  const auto bytes = base::LeerArchivo(ruta);
+  EXPECT_EQ(mesa.Correr({"revisar", "--base", ruta, "--archivo", mesa.Ruta("horas.txt"), "--mes", "2026-10"})
+                .codigo,
+            cli::kAlgunaNo);
+  EXPECT_EQ(mesa.Correr({"consulta", "--base", ruta, "SELECT Count(*) FROM Personas"}).codigo, cli::kTodo);
+  EXPECT_EQ(mesa.Correr({"verificar", ruta}).codigo, cli::kTodo);
+  EXPECT_EQ(base::LeerArchivo(ruta), bytes);
+  EXPECT_EQ(std::filesystem::last_write_time(std::filesystem::u8path(ruta)), fecha);
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, DemoEntera, ::testing::Values("mdb", "sqlite"),
