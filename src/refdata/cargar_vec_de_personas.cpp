@@ -8,6 +8,9 @@ namespace refdata {
 namespace {
 
 std::vector<PersonsIndex::Fila> LeerFilas(const db::Recordset& rs) {
+  // A driver of another program may answer with less than it was asked for.
+  if (rs.Campos().size() < kColumnasPersona)
+    throw db::Error("La consulta de los contratos no devolvió todas sus columnas.");
   std::vector<PersonsIndex::Fila> filas(rs.Cantidad());
   for (std::size_t fila = 0; fila < filas.size(); ++fila)
     for (std::size_t columna = 0; columna < kColumnasPersona; ++columna)
