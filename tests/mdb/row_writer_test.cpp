@@ -25,6 +25,18 @@ mdb::NuevaTabla Ancha() {
   for (std::size_t i = 1; i < 4; ++i) t.columnas[i].comprime = false;
   return t;
 }
+
+// About 1550 bytes: two of them fill a page but for some 900.
+const Fila kLlena{N(0), S(255), S(255), S(255)};
+
+// A row at the beginning of a page that two others fill behind it.
+IdFila InsertarAntesDeLlenas(Tabla& t, const Fila& primera) {
+  const IdFila id = t.Insertar(primera);
+  t.Insertar(kLlena);
+  t.Insertar(kLlena);
+  return id;
+}
+
 TEST(AplicarFilas, NewRowsGetTheirPlacesInOrderAndAreCounted) {
   Tabla t(Ancha());
   const auto ids = t.Aplicar({{}, {}, {{N(1), S(10), kNulo, kNulo}, {N(2), kNulo, kNulo, kNulo}}});
@@ -51,13 +63,9 @@ TEST(AplicarFilas, RowsGrowAndShrinkInTheirPage) {
   EXPECT_EQ(t.Control(), "");
 }
 
-// Two rows of about 1550 bytes fill a page but for some 900.
 TEST(AplicarFilas, ARowThatOutgrowsItsPageMovesAndKeepsItsIdentity) {
   Tabla t(Ancha());
-  const Fila llena{N(0), S(255), S(255), S(255)};
-  const auto a = t.Insertar({N(1), S(10), kNulo, kNulo});
-  t.Insertar(llena);
-  t.Insertar(llena);
+  const auto a = InsertarAntesDeLlenas(t, {N(1), S(10), kNulo, kNulo});
   t.Cambiar(a, 1, S(255));
   ASSERT_EQ(t.Lugar(a), a);  // still room
   t.Cambiar(a, 2, S(255, 'y'));
@@ -75,15 +83,12 @@ TEST(AplicarFilas, ARowThatOutgrowsItsPageMovesAndKeepsItsIdentity) {
 
 TEST(AplicarFilas, AMovedRowMovesOnAndTheMiddlePlaceIsFreed) {
   Tabla t(Ancha());
-  const Fila llena{N(0), S(255), S(255), S(255)};
-  const auto a = t.Insertar({N(1), S(10), kNulo, kNulo});
-  t.Insertar(llena);
-  t.Insertar(llena);
+  const auto a = InsertarAntesDeLlenas(t, {N(1), S(10), kNulo, kNulo});
   t.Cambiar(a, 1, S(255));
   t.Cambiar(a, 2, S(255, 'y'));
   const IdFila uno = t.Lugar(a);
   ASSERT_NE(uno, a);
-  t.Insertar(llena);  // beside it
+  t.Insertar(kLlena);  // beside it
   t.Insertar({N(0), S(255), S(255), S(200)});
   ASSERT_EQ(t.Propias().size(), 2U);
   t.Cambiar(a, 3, S(255, 'z'));
@@ -99,10 +104,7 @@ TEST(AplicarFilas, AMovedRowMovesOnAndTheMiddlePlaceIsFreed) {
 
 TEST(AplicarFilas, AMovedRowGoesHomeWhenItFitsThere) {
   Tabla t(Ancha());
-  const Fila llena{N(0), S(255), S(255), S(255)};
-  const auto a = t.Insertar({N(1), S(255), kNulo, kNulo});
-  t.Insertar(llena);
-  t.Insertar(llena);
+  const auto a = InsertarAntesDeLlenas(t, {N(1), S(255), kNulo, kNulo});
   t.Cambiar(a, 2, S(255));
   const IdFila uno = t.Lugar(a);
   ASSERT_NE(uno, a);
@@ -116,10 +118,7 @@ TEST(AplicarFilas, AMovedRowGoesHomeWhenItFitsThere) {
 
 TEST(AplicarFilas, DeletingAMovedRowFreesBothPlaces) {
   Tabla t(Ancha());
-  const Fila llena{N(0), S(255), S(255), S(255)};
-  const auto a = t.Insertar({N(1), S(255), kNulo, kNulo});
-  t.Insertar(llena);
-  t.Insertar(llena);
+  const auto a = InsertarAntesDeLlenas(t, {N(1), S(255), kNulo, kNulo});
   t.Cambiar(a, 2, S(255));
   const IdFila uno = t.Lugar(a);
   t.Borrar(a);
@@ -133,14 +132,13 @@ TEST(AplicarFilas, DeletingAMovedRowFreesBothPlaces) {
 
 TEST(AplicarFilas, TheRoomOfADeletedRowIsUsedAgainButNotItsNumber) {
   Tabla t(Ancha());
-  const Fila llena{N(0), S(255), S(255), S(255)};
-  const auto a = t.Insertar(llena);
-  const auto b = t.Insertar(llena);
+  const auto a = t.Insertar(kLlena);
+  const auto b = t.Insertar(kLlena);
   ASSERT_EQ(a.pagina, b.pagina);
-  const auto c = t.Insertar(llena);
+  const auto c = t.Insertar(kLlena);
   ASSERT_NE(c.pagina, a.pagina);
   t.Borrar(a);
-  const auto d = t.Insertar(llena), e = t.Insertar(llena);
+  const auto d = t.Insertar(kLlena), e = t.Insertar(kLlena);
   EXPECT_EQ(d.pagina == a.pagina || e.pagina == a.pagina, true);
   EXPECT_NE(d, a);
   EXPECT_NE(e, a);
