@@ -51,6 +51,9 @@ class MeasuredConnection final : public db::Connection {
   void CommitTrans() override;
   void RollbackTrans() override { otra_->RollbackTrans(); }
   bool EnTransaccion() const override { return otra_->EnTransaccion(); }
+  void SetSavepoint() override { otra_->SetSavepoint(); }
+  void RollbackToSavepoint() override { otra_->RollbackToSavepoint(); }
+  void ReleaseSavepoint() override { otra_->ReleaseSavepoint(); }
 
   // By what the statement does; "commit" is one of them.
   const std::map<std::string, Costo, std::less<>>& Costos() const { return costos_; }

@@ -9,23 +9,33 @@
 
 namespace base {
 
+// What a failure says of the run that meets it. Statement: what was asked cannot be done, and passing over it
+// leaves everything else as it was. Storage: reading, writing, locking or memory failed, or a page is
+// damaged: whatever goes on after it would work on half of the data. Nobody tells the two apart by their
+// texts.
+enum class ErrorKind { Statement, Storage };
+
 // A failure with a number of the dialect's runtime (5 bad call, 6 overflow, 11 division by zero, 13 type
 // mismatch, 94 bad use of Null; the evaluator's own 1, 3 and 5; 0 when there is none), where it arose and a
 // description in Spanish that an operator can read. All texts UTF-8.
 class Error : public std::exception {
  public:
-  explicit Error(std::string descripcion, int numero = 0, std::string fuente = {})
-      : descripcion_(std::move(descripcion)), fuente_(std::move(fuente)), numero_(numero) {}
+  explicit Error(std::string descripcion, int numero = 0, std::string fuente = {},
+                 ErrorKind kind = ErrorKind::Statement)
+      : descripcion_(std::move(descripcion)), fuente_(std::move(fuente)), numero_(numero), kind_(kind) {}
 
   const char* what() const noexcept override { return descripcion_.c_str(); }
   const std::string& Descripcion() const { return descripcion_; }
   const std::string& Fuente() const { return fuente_; }
   int Numero() const { return numero_; }
+  ErrorKind Kind() const { return kind_; }
+  bool IsStorageFault() const { return kind_ == ErrorKind::Storage; }
 
  private:
   std::string descripcion_;
   std::string fuente_;
   int numero_;
+  ErrorKind kind_;
 };
 
 // A failure that a routine passed over on purpose.
@@ -38,7 +48,8 @@ struct ErrorAnotado {
 using SumideroErrores = std::vector<ErrorAnotado>;
 
 // Runs one step whose failure is to be skipped. True when the step ended well. Catches base::Error alone: a
-// defect of the program is not an error of the data, and travels on.
+// defect of the program is not an error of the data, and travels on. So does a fault of the storage, which is
+// noted on its way.
 template <typename Paso>
 bool ErrorIgnorado(std::string_view donde, SumideroErrores* sumidero, Paso&& paso) {
   try {
@@ -46,6 +57,18 @@ bool ErrorIgnorado(std::string_view donde, SumideroErrores* sumidero, Paso&& pas
     return true;
   } catch (const Error& e) {
     if (sumidero != nullptr) sumidero->push_back({std::string(donde), e.Descripcion()});
+    if (e.IsStorageFault()) throw;
+    return false;
+  }
+}
+
+// The same for a step after which nothing more is read or written for the run: undoing, closing, tidying up.
+// Faults of the storage are passed over too.
+template <typename Step>
+bool AnyErrorNoted(std::string_view where, SumideroErrores* sink, Step&& step) {
+  try {
+    return ErrorIgnorado(where, sink, std::forward<Step>(step));
+  } catch (const Error&) {
     return false;
   }
 }

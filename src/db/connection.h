@@ -10,10 +10,12 @@
 
 namespace db {
 
-// A statement that failed; the description is readable Spanish and says what was asked when that helps.
+// A statement that failed, or the storage under it (see Kind); the description is readable Spanish and says
+// what was asked when that helps.
 class Error : public base::Error {
  public:
   using base::Error::Error;
+  explicit Error(const base::Error& e) : base::Error(e) {}  // of a layer below, as that of a connection
 };
 
 class Connection {
@@ -36,6 +38,14 @@ class Connection {
   virtual void CommitTrans() = 0;
   virtual void RollbackTrans() = 0;
   virtual bool EnTransaccion() const = 0;
+
+  // One mark inside the transaction; a second SetSavepoint moves it. RollbackToSavepoint undoes what ran
+  // after it and leaves the transaction and the mark as they were; ReleaseSavepoint forgets the mark and
+  // keeps the changes. A commit or rollback forgets it too. Each throws db::Error where there is no
+  // transaction (or no mark); one that cannot undo is a fault of the storage.
+  virtual void SetSavepoint() = 0;
+  virtual void RollbackToSavepoint() = 0;
+  virtual void ReleaseSavepoint() = 0;
 };
 
 }  // namespace db

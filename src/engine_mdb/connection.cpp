@@ -175,6 +175,21 @@ void ConexionMdb::RollbackTrans() {
   Deshacer();
 }
 
+void ConexionMdb::SetSavepoint() {
+  VerificarAbierta();
+  espejo_.conexion->SetSavepoint();
+}
+
+void ConexionMdb::RollbackToSavepoint() {
+  VerificarAbierta();
+  espejo_.conexion->RollbackToSavepoint();
+}
+
+void ConexionMdb::ReleaseSavepoint() {
+  VerificarAbierta();
+  espejo_.conexion->ReleaseSavepoint();
+}
+
 db::Recordset ConexionMdb::EjecutarComo(std::string_view sql, bool solo_consulta) {
   VerificarAbierta();
   VerCambiosAjenos();

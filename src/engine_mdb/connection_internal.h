@@ -18,7 +18,7 @@ decltype(auto) ComoErrorDeBase(Paso&& paso) {
   } catch (const db::Error&) {
     throw;
   } catch (const base::Error& e) {
-    throw db::Error(e.Descripcion(), e.Numero(), e.Fuente());
+    throw db::Error(e);
   }
 }
 
@@ -38,6 +38,9 @@ class ConexionMdb final : public db::Connection {
   void CommitTrans() override;
   void RollbackTrans() override;
   bool EnTransaccion() const override { return en_transaccion_; }
+  void SetSavepoint() override;
+  void RollbackToSavepoint() override;
+  void ReleaseSavepoint() override;
 
   const Contadores& Cuentas() const { return contadores_; }
 

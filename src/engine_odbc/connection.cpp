@@ -163,6 +163,13 @@ void ConexionOdbc::RollbackTrans() {
   Autocommit(true);
 }
 
+void ConexionOdbc::SetSavepoint() {}
+void ConexionOdbc::RollbackToSavepoint() {
+  throw db::Error("El driver ODBC de esta base no deshace una sentencia sola.", 0, {},
+                  base::ErrorKind::Storage);
+}
+void ConexionOdbc::ReleaseSavepoint() {}
+
 std::unique_ptr<db::Connection> Abrir(std::string_view cadena_de_conexion, const Opciones& opciones) {
   return std::make_unique<ConexionOdbc>(cadena_de_conexion, opciones);
 }

@@ -25,6 +25,9 @@ class ConexionOdbc final : public db::Connection {
   void CommitTrans() override;
   void RollbackTrans() override;
   bool EnTransaccion() const override { return en_transaccion_; }
+  void SetSavepoint() override;
+  void RollbackToSavepoint() override;
+  void ReleaseSavepoint() override;
 
  private:
   void Conectar(std::string_view cadena, const Opciones& opciones);

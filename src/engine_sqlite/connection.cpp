@@ -160,7 +160,7 @@ std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql, const 
   } catch (const db::Error&) {
     throw;
   } catch (const base::Error& e) {
-    throw db::Error(e.Descripcion(), e.Numero(), e.Fuente());
+    throw db::Error(e);
   }
   p->sentencias.resize(p->traduccion.pasos.size());
   auto columnas = std::make_shared<db::Columnas>();

@@ -28,6 +28,9 @@ class ConexionSqlite final : public db::Connection {
   void CommitTrans() override;
   void RollbackTrans() override;
   bool EnTransaccion() const override { return en_transaccion_; }
+  void SetSavepoint() override;
+  void RollbackToSavepoint() override;
+  void ReleaseSavepoint() override;
 
   const Contadores& Cuentas() const { return contadores_; }
   sqlite3* Manejador() const { return base_.get(); }
@@ -72,6 +75,7 @@ class ConexionSqlite final : public db::Connection {
   std::int64_t afectadas_ = 0;
   bool en_transaccion_ = false;
   bool definio_ = false;  // a definition statement ran in the open transaction
+  bool savepoint_ = false;
 };
 
 }  // namespace engine_sqlite

@@ -160,15 +160,37 @@ void ConexionSqlite::CommitTrans() {
     throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
   }
   EjecutarPropio(base_.get(), "COMMIT");
-  en_transaccion_ = false;
+  en_transaccion_ = savepoint_ = false;
 }
 
 void ConexionSqlite::RollbackTrans() {
   if (base_ == nullptr || !en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
-  en_transaccion_ = false;
+  en_transaccion_ = savepoint_ = false;
   if (definio_) OlvidarTodo();
   definio_ = false;
   if (sqlite3_get_autocommit(base_.get()) == 0) EjecutarPropio(base_.get(), "ROLLBACK");
+}
+
+void ConexionSqlite::SetSavepoint() {
+  VerificarUtil();
+  if (!en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
+  if (savepoint_) ReleaseSavepoint();
+  EjecutarPropio(base_.get(), "SAVEPOINT marca");
+  savepoint_ = true;
+}
+
+void ConexionSqlite::RollbackToSavepoint() {
+  VerificarUtil();
+  if (!savepoint_) throw db::Error("No hay ninguna marca en la transacción.");
+  EjecutarPropio(base_.get(), "ROLLBACK TO marca");
+  if (definio_) OlvidarTodo();
+}
+
+void ConexionSqlite::ReleaseSavepoint() {
+  VerificarUtil();
+  if (!savepoint_) throw db::Error("No hay ninguna marca en la transacción.");
+  EjecutarPropio(base_.get(), "RELEASE marca");
+  savepoint_ = false;
 }
 
 namespace {

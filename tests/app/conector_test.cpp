@@ -2,6 +2,7 @@
 
 #include "app/banco.h"
 #include "base/file.h"
+#include "support/source_dir.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ TEST_F(Conector, TheEngineNamedIsHeldToTheFile) {
 
 // The file of the corpus that has a password; "Contrasena" for an editor without ñ.
 TEST_F(Conector, ThePasswordOfADatabase) {
-  const auto bytes = base::LeerArchivo(std::string(IDM_SOURCE_DIR) + "/../shared/mdb/corpus/password.mdb");
+  const auto bytes = base::LeerArchivo(support::SharedDir() + "/mdb/corpus/password.mdb");
   if (!bytes) GTEST_SKIP() << "the corpus is not beside this checkout";
   Escribir("con clave.mdb", *bytes);
   EXPECT_EQ(app::AbrirReferencia(Ruta("con clave.mdb"), reloj_).motivo,

@@ -17,6 +17,7 @@
 #include "base/text.h"
 #include "base/valor.h"
 #include "conformance/comparar.h"
+#include "support/source_dir.h"
 
 namespace {
 
@@ -158,8 +159,8 @@ std::string Mostrar(const Resultado& r) {
 class Conformance : public testing::TestWithParam<const char*> {};
 
 TEST_P(Conformance, RowsHold) {
-  const std::filesystem::path ruta = std::filesystem::path(IDM_SOURCE_DIR) / ".." / "shared" / "conformance" /
-                                     (std::string(GetParam()) + ".tsv");
+  const std::filesystem::path ruta =
+      std::filesystem::path(support::SharedDir()) / "conformance" / (std::string(GetParam()) + ".tsv");
   if (!std::filesystem::exists(ruta)) GTEST_SKIP() << "the tables of facts are not beside this checkout";
   int pasan = 0, fallan = 0;
   std::map<std::string, int> ajenas;

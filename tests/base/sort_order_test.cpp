@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "support/source_dir.h"
 
 namespace {
 
@@ -73,7 +74,7 @@ TEST(ClaveDeOrden, SonLosBytesDelIndice) {
 // inline bytes, accent byte, special byte.
 TEST(ClaveDeOrden, LosPesosSonLosDeLaTabla) {
   const std::filesystem::path ruta =
-      std::filesystem::path(IDM_SOURCE_DIR) / ".." / "shared" / "mdb" / "sort_general_legacy.tsv";
+      std::filesystem::path(support::SharedDir()) / "mdb" / "sort_general_legacy.tsv";
   std::ifstream archivo(ruta, std::ios::binary);
   if (!archivo) GTEST_SKIP() << "the table of weights is not beside this checkout";
   int filas = 0;

@@ -9,11 +9,12 @@
 #include "base/text.h"
 #include "cli/codigos.h"
 #include "mesa.h"
+#include "support/source_dir.h"
 
 namespace {
 
 std::string Esperado(const std::string& nombre) {
-  std::ifstream f(std::string(IDM_SOURCE_DIR) + "/tests/data/cli/" + nombre, std::ios::binary);
+  std::ifstream f(support::SourceDir() + "/tests/data/cli/" + nombre, std::ios::binary);
   if (!f) throw std::runtime_error("cannot read " + nombre);
   return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
 }

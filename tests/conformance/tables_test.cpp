@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "conformance/correr.h"
+#include "support/source_dir.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ namespace fs = std::filesystem;
 class Tablas : public testing::TestWithParam<const char*> {};
 
 TEST_P(Tablas, LasFilasValen) {
-  const fs::path ruta = fs::path(IDM_SOURCE_DIR) / ".." / "shared" / "conformance" / GetParam();
+  const fs::path ruta = fs::path(support::SharedDir()) / "conformance" / GetParam();
   if (!fs::exists(ruta)) GTEST_SKIP() << "the tables of facts are not beside this checkout";
   const conformance::Tabla tabla = conformance::LeerTabla(ruta);
   const auto motor = conformance::MotorPorNombre("sqlite");

@@ -25,6 +25,9 @@ class ConexionFija final : public db::Connection {
   void CommitTrans() override {}
   void RollbackTrans() override {}
   bool EnTransaccion() const override { return false; }
+  void SetSavepoint() override {}
+  void RollbackToSavepoint() override {}
+  void ReleaseSavepoint() override {}
 
   std::string ultimo;
 

@@ -28,6 +28,9 @@ class SinFrase final : public db::Connection {
   void CommitTrans() override { base_->CommitTrans(); }
   void RollbackTrans() override { base_->RollbackTrans(); }
   bool EnTransaccion() const override { return base_->EnTransaccion(); }
+  void SetSavepoint() override { base_->SetSavepoint(); }
+  void RollbackToSavepoint() override { base_->RollbackToSavepoint(); }
+  void ReleaseSavepoint() override { base_->ReleaseSavepoint(); }
 
  private:
   template <typename Paso>

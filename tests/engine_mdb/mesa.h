@@ -14,11 +14,12 @@
 #include "mdb/page_file.h"
 #include "mdb/verify.h"
 #include "render.h"
+#include "support/source_dir.h"
 #include "support/temp_folder.h"
 
 namespace prueba {
 
-inline std::string Corpus() { return std::string(IDM_SOURCE_DIR) + "/../shared/mdb/corpus"; }
+inline std::string Corpus() { return support::SharedDir() + "/mdb/corpus"; }
 
 class MesaMdb : public testing::Test {
  protected:
@@ -68,7 +69,7 @@ class MesaMdb : public testing::Test {
     const auto paginas = mdb::PaginasDeArchivo::Abrir(ruta_, true);
     for (const auto& h : mdb::Verificar(*paginas).hallazgos)
       EXPECT_NE(h.grado, mdb::Hallazgo::Grado::Error) << h.texto;
-    const std::string otro = std::string(IDM_SOURCE_DIR) + "/../shared/tools/mdbcheck/jetcheck.py";
+    const std::string otro = support::SharedDir() + "/tools/mdbcheck/jetcheck.py";
     if (!base::ExisteArchivo(otro)) return;
     EXPECT_EQ(std::system(("python3 '" + otro + "' --strict '" + ruta_ + "' >/dev/null").c_str()), 0);
   }

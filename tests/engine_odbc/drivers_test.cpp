@@ -3,6 +3,7 @@
 
 #include "base/text.h"
 #include "entorno.h"
+#include "support/source_dir.h"
 
 namespace {
 
@@ -181,9 +182,9 @@ class Archivos : public testing::Test {
     if (!std::filesystem::exists(kCarpeta)) GTEST_SKIP() << "no Access files in " << kCarpeta;
   }
   static std::unique_ptr<db::Connection> Abrir(const std::string& archivo) {
-    return engine_odbc::Abrir("Driver=" IDM_ODBC_MDB ";DBQ=" + std::string(kCarpeta) + archivo);
+    return engine_odbc::Abrir("Driver=" IDM_ODBC_MDB ";DBQ=" + kCarpeta + archivo);
   }
-  static constexpr const char* kCarpeta = IDM_SOURCE_DIR "/../shared/mdb/corpus/";
+  inline static const std::string kCarpeta = support::SharedDir() + "/mdb/corpus/";
 };
 
 TEST_F(Archivos, UnaTablaConMonedaYFechas) {
@@ -244,7 +245,7 @@ TEST_F(Archivos, UnTextoYUnBinarioLargos) {
 
 TEST_F(Archivos, UnaRutaConAcentos) {
   const support::CarpetaTemporal carpeta;
-  std::filesystem::copy(std::string(kCarpeta) + "testIndexCodes_7c04f9e8.mdb", carpeta.Ruta("año.mdb"));
+  std::filesystem::copy(kCarpeta + "testIndexCodes_7c04f9e8.mdb", carpeta.Ruta("año.mdb"));
   const auto base = engine_odbc::Abrir("Driver=" IDM_ODBC_MDB ";DBQ=" + carpeta.Ruta("año.mdb"));
   EXPECT_EQ(base->Ejecutar("Select data From Table11").En(0, 3), Valor("AAíAA"));
 }

@@ -31,6 +31,9 @@ class ConexionFalsa final : public db::Connection {
   void CommitTrans() override {}
   void RollbackTrans() override {}
   bool EnTransaccion() const override { return false; }
+  void SetSavepoint() override {}
+  void RollbackToSavepoint() override {}
+  void ReleaseSavepoint() override {}
 
  private:
   db::Recordset Responder(const std::string& modo, std::string_view sql) {

@@ -9,11 +9,12 @@
 #include "base/date.h"
 #include "base/text.h"
 #include "formula/evaluator.h"
+#include "support/source_dir.h"
 
 namespace {
 
 std::string LeerPagina() {
-  std::ifstream f(std::string(IDM_SOURCE_DIR) + "/docs/formulas.md", std::ios::binary);
+  std::ifstream f(support::SourceDir() + "/docs/formulas.md", std::ios::binary);
   const std::string todo(std::istreambuf_iterator<char>(f), {});
   return base::Reemplazar(todo, "\n", " ");
 }

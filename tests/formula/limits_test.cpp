@@ -42,6 +42,9 @@ class SiempreLoMismo final : public db::Connection {
   void CommitTrans() override {}
   void RollbackTrans() override {}
   bool EnTransaccion() const override { return false; }
+  void SetSavepoint() override {}
+  void RollbackToSavepoint() override {}
+  void ReleaseSavepoint() override {}
 
  private:
   std::string texto_;

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "jetsql/functions.h"
 #include "jetsql/translate.h"
+#include "support/source_dir.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ class Catalogo : public jetsql::Catalogo {
 };
 
 std::string LeerPagina() {
-  std::ifstream f(std::string(IDM_SOURCE_DIR) + "/docs/sql-dialect.md", std::ios::binary);
+  std::ifstream f(support::SourceDir() + "/docs/sql-dialect.md", std::ios::binary);
   return {std::istreambuf_iterator<char>(f), {}};
 }
 

@@ -55,6 +55,9 @@ class ConexionConFallas final : public db::Connection {
   }
   void RollbackTrans() override { motor_->RollbackTrans(); }
   bool EnTransaccion() const override { return motor_->EnTransaccion(); }
+  void SetSavepoint() override { motor_->SetSavepoint(); }
+  void RollbackToSavepoint() override { motor_->RollbackToSavepoint(); }
+  void ReleaseSavepoint() override { motor_->ReleaseSavepoint(); }
 
  private:
   std::unique_ptr<db::Connection> motor_;

@@ -4,12 +4,13 @@
 #include <filesystem>
 
 #include "base/file.h"
+#include "support/source_dir.h"
 
 namespace mdb_test {
 namespace fs = std::filesystem;
 
 namespace {
-const std::string kCompartido = IDM_SOURCE_DIR "/../shared/";
+const std::string kCompartido = support::SharedDir() + "/";
 }
 
 std::string CarpetaDeCorpus() {

@@ -50,6 +50,9 @@ class ConexionTestigo final : public db::Connection {
     motor_->RollbackTrans();
   }
   bool EnTransaccion() const override { return motor_->EnTransaccion(); }
+  void SetSavepoint() override { motor_->SetSavepoint(); }
+  void RollbackToSavepoint() override { motor_->RollbackToSavepoint(); }
+  void ReleaseSavepoint() override { motor_->ReleaseSavepoint(); }
 
   std::vector<std::string> sentencias;  // in order, the failing ones among them
   std::vector<std::string> fallan;      // a statement that holds one of these texts fails
