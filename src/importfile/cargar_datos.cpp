@@ -195,7 +195,7 @@ void Cargador::CargarLinea(std::size_t numero, std::string_view linea) {
   ImportRow& fila = carga_.filas.emplace_back();
   fila.linea = numero;
   formula::CamposDeLinea& campo = fila.campo;
-  LlenarDeLaLinea(piezas, opciones_, campo);
+  LlenarDeLaLinea(piezas, opciones_, fila);
   if (!ValeCero(campo[kValor])) carga_.hay_valor = true;
   progreso_.ActuBarra(-1);
   const int relacion = emparejador_.Emparejar(campo);

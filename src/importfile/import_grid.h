@@ -40,6 +40,8 @@ struct ImportRow {
   formula::CamposDeLinea campo;
   std::string resultado;  // "", "OK" or the reason why it was not imported
   std::size_t linea = 0;  // of the file, from 1
+  // The file's quantity is neither empty (or blank) nor a number, whatever a formula made of it.
+  bool cantidad_no_numerica = false;
 };
 
 enum class FiltroPor { Texto = 0, Relacion = 1 };  // the index of OptFiltro

@@ -34,12 +34,17 @@ bool ValeCero(std::string_view texto);  // the numeric value is 0
 // The numeric value of a text as the rows hold it: "." form, "0" when it has none.
 std::string TextoDelValor(std::string_view texto);
 std::string NormalizarClave(std::string_view clave);
-std::string NormalizarCantidad(std::string_view cantidad);
+// The quantity as the row holds it, "." for the decimal sign, and whether the file's text was none.
+struct CantidadDeFila {
+  std::string texto;
+  bool no_numerica = false;  // neither empty nor a number
+};
+CantidadDeFila NormalizarCantidad(std::string_view cantidad);
 std::string NormalizarTipo(std::string_view tipo, bool numerico);
 
 // What the pieces of a line say by themselves. At least three pieces.
 void LlenarDeLaLinea(std::span<const std::string_view> piezas, const settings::Settings& opciones,
-                     formula::CamposDeLinea& fila);
+                     ImportRow& fila);
 
 // Finds contract, relation and concept of one row after the other, remembering what each relation leads to.
 class RowMatcher {

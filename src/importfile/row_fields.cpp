@@ -62,17 +62,18 @@ std::string NormalizarClave(std::string_view clave) {
   return TextoDelValor(clave) + std::string(clave.substr(clave.rfind('_')));
 }
 
-std::string NormalizarCantidad(std::string_view cantidad) {
+CantidadDeFila NormalizarCantidad(std::string_view cantidad) {
+  const auto numero = base::NumeroDeTexto(cantidad);
   std::string texto(cantidad);
   if (texto.find(',') != std::string::npos) {
-    // With both signs the points part the thousands.
-    std::erase(texto, '.');
+    // With both signs the points part the thousands; of what is no number nothing may be lost.
+    if (numero) std::erase(texto, '.');
     for (char& c : texto)
       if (c == ',') c = '.';
   }
-  if (auto sencillo = TextoDeDecimal(texto)) return *sencillo == "0" ? texto : *std::move(sencillo);
-  const auto numero = base::NumeroDeTexto(texto);
-  return numero && *numero != 0 ? base::SqlDeNumero(*numero) : texto;
+  if (!numero) return {std::move(texto), !base::TrimVista(cantidad).empty()};
+  if (auto sencillo = TextoDeDecimal(texto)) return {*sencillo == "0" ? texto : *std::move(sencillo)};
+  return {*numero != 0 ? base::SqlDeNumero(*numero) : texto};
 }
 
 std::string NormalizarTipo(std::string_view tipo, bool numerico) {
@@ -81,13 +82,16 @@ std::string NormalizarTipo(std::string_view tipo, bool numerico) {
 }
 
 void LlenarDeLaLinea(std::span<const std::string_view> piezas, const settings::Settings& opciones,
-                     formula::CamposDeLinea& fila) {
-  fila[kClave] = NormalizarClave(piezas[0]);
-  fila[kCantidad] = NormalizarCantidad(piezas[2]);
-  fila[kTipo] = NormalizarTipo(piezas[1], opciones.CodTipoNumerico);
-  if (piezas.size() > 3) fila[kDatoExtra] = piezas[3];
-  if (piezas.size() > 4) fila[kValor] = piezas[4];
-  if (opciones.CCEnDE) fila[kCC] = TextoDelValor(fila[kDatoExtra]);
+                     ImportRow& fila) {
+  formula::CamposDeLinea& campo = fila.campo;
+  campo[kClave] = NormalizarClave(piezas[0]);
+  CantidadDeFila cantidad = NormalizarCantidad(piezas[2]);
+  campo[kCantidad] = std::move(cantidad.texto);
+  fila.cantidad_no_numerica = cantidad.no_numerica;
+  campo[kTipo] = NormalizarTipo(piezas[1], opciones.CodTipoNumerico);
+  if (piezas.size() > 3) campo[kDatoExtra] = piezas[3];
+  if (piezas.size() > 4) campo[kValor] = piezas[4];
+  if (opciones.CCEnDE) campo[kCC] = TextoDelValor(campo[kDatoExtra]);
 }
 
 }  // namespace importfile

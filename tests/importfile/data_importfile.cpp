@@ -9,9 +9,10 @@
 //   filtro=texto|relacion  orden=N  archivo=ausente|carpeta   what is loaded and how
 //   codigo=cp1252|utf8|utf8bom|utf16le|utf16be  lf            the bytes of the file; lines end with CR LF
 //   calla=N  cancela=N                                        silence at box N; cancel when asked the N-th
-//   time ver=3,4  previa  barra  valor                             what is printed
+//   ver=3,4  numero  previa  barra  valor                          what is printed
 // It prints boxes as "! text" ("[+]" when they offer silence, "(i)" when they have no icon), rows as
-// "line> fields", dropped lines as "line- fields", malformed ones as "line? fields", and the end.
+// "line> fields" (with `numero` "line!> fields" when the quantity is no number), dropped lines as "line-
+// fields", malformed ones as "line? fields", and the end.
 #include <sstream>
 
 #include "base/encoding.h"
@@ -145,7 +146,8 @@ std::string Contar(const Bloque& b, const importfile::Carga& carga) {
   std::string salida;
   for (const auto& fila : carga.filas) {
     if (!fila.resultado.empty()) throw std::runtime_error("a loaded row has a result");
-    salida += Entero(fila.linea) + "> " + Campos(b, fila.campo) + "\n";
+    salida += Entero(fila.linea) + (b.Tiene("numero") && fila.cantidad_no_numerica ? "!> " : "> ") +
+              Campos(b, fila.campo) + "\n";
   }
   for (const auto& a : carga.aparte)
     salida += Entero(a.linea) + (a.mal_formada ? "? " : "- ") + Campos(b, a.campo) + "\n";
