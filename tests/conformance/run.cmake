@@ -1,8 +1,7 @@
 # Runs the program over every file of a folder: cmake -DPROGRAM=… -DMOTOR=… -DFOLDER=… -P run.cmake
 file(GLOB files ${FOLDER}/*)
 if(NOT files)
-  message(STATUS "SKIPPED: the tables of facts are not beside this checkout")
-  return()
+  message(FATAL_ERROR "no tables of facts in ${FOLDER}")
 endif()
 execute_process(COMMAND ${PROGRAM} --motor ${MOTOR} ${files} RESULT_VARIABLE result)
 if(NOT result EQUAL 0)

@@ -7,6 +7,8 @@
 namespace support {
 
 std::string SourceDir();  // of the checkout, without a "/" at its end
-std::string SharedDir();  // the optional corpus beside it; it may not be there
+// The folder that IDM_CORPUS names, with more Access files and a checker of them; empty where it is not here.
+// What is tested with it is tested without it too, on files that the tests make.
+std::string SharedDir();
 
 }  // namespace support
