@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string>
 
+#include "base/standard_streams.h"
 #include "engine_mdb/mdb_connection.h"
 #include "mdb/database.h"
 #include "mdb/table.h"
@@ -47,6 +48,7 @@ void Llenar(const std::string& ruta, long filas) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  base::OpenStandardStreams();
   const long filas = argc > 1 ? std::atol(argv[1]) : 400000;
   const auto carpeta = std::filesystem::temp_directory_path() / "bench_engine_mdb";
   std::filesystem::remove_all(carpeta);

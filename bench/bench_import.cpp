@@ -16,6 +16,7 @@
 
 #include "base/encoding.h"
 #include "base/file.h"
+#include "base/standard_streams.h"
 #include "bench_base.h"
 #include "demo/demo_base.h"
 #include "engine_mdb/mdb_connection.h"
@@ -229,6 +230,7 @@ void Imprimir(const Medida& m) {
 
 int main(int argc, char** argv) {
   try {
+    base::OpenStandardStreams();
     const long pedidos = argc > 1 ? std::atol(argv[1]) : 20000;
     const std::size_t contratos = pedidos < 10 ? 10 : static_cast<std::size_t>(pedidos);
     const int veces_medido = argc > 2 ? std::max(1, std::atoi(argv[2])) : 3;

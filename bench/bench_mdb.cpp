@@ -8,6 +8,7 @@
 #include <random>
 #include <string>
 
+#include "base/standard_streams.h"
 #include "mdb/database.h"
 #include "mdb/table.h"
 
@@ -170,6 +171,7 @@ void Imprimir(const char* titulo, const std::vector<Paso>& pocas, const std::vec
 }  // namespace
 
 int main(int argc, char** argv) {
+  base::OpenStandardStreams();
   const std::size_t filas = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 20000;
   if (filas < 10) {
     std::fprintf(stderr, "usage: bench_mdb [ROWS]\n");

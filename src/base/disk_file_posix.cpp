@@ -13,6 +13,7 @@
 
 #include "base/disk_file.h"
 #include "base/file.h"
+#include "base/standard_streams.h"
 
 namespace base {
 namespace {
@@ -270,6 +271,17 @@ std::int64_t DiscoDelSistema::Ahora() {
 }
 
 std::int64_t DiscoDelSistema::Microsegundo() { return 1000; }
+
+// In their order, so that the lowest free number, which is what is handed out, is always the one in question.
+void OpenStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) >= 0 || errno != EBADF) continue;
+    int fd = open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    // Where there is no such device (a bare jail), a folder can neither be read nor written as a file.
+    if (fd < 0) fd = open("/", O_RDONLY | O_DIRECTORY);
+    if (fd != stream) throw Error("No se pueden abrir las salidas del programa");
+  }
+}
 
 }  // namespace base
 

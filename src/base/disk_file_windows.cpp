@@ -13,6 +13,7 @@
 
 #include "base/disk_file.h"
 #include "base/encoding.h"
+#include "base/standard_streams.h"
 
 namespace base {
 namespace {
@@ -222,6 +223,17 @@ std::int64_t DiscoDelSistema::Ahora() {
 }
 
 std::int64_t DiscoDelSistema::Microsegundo() { return 10; }
+
+// The runtime keeps its three descriptors to itself even when they are closed. The handles are only numbers
+// that the parent wrote down: one that was not inherited could become that of the next file opened.
+void OpenStandardStreams() {
+  for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+    const HANDLE handle = GetStdHandle(stream);
+    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) continue;
+    DWORD flags = 0;
+    if (GetHandleInformation(handle, &flags) == 0) SetStdHandle(stream, nullptr);
+  }
+}
 
 }  // namespace base
 

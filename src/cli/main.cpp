@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/carpeta_ajustes.h"
+#include "base/standard_streams.h"
 #include "cli/codigos.h"
 #include "cli/lineas_de_comandos.h"
 
@@ -39,6 +40,7 @@ std::vector<std::string> Argumentos(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
+    base::OpenStandardStreams();
     std::vector<std::string> args = Argumentos(argc, argv);
     const std::string programa = args.empty() ? "importdemarcas-cli" : args.front();
     if (!args.empty()) args.erase(args.begin());

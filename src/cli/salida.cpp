@@ -6,6 +6,7 @@
 #include "app/vista.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "cli/codigos.h"
 
 namespace cli {
 namespace {
@@ -103,6 +104,13 @@ void EscribirTotales(std::ostream& out, const Cuentas& c, const app::Estado& est
     out << "  " << t.concepto << " " << app::NombreDeTotal(estado, t) << ": "
         << base::TextoDeNumero(base::Redondear(t.cantidad, 6)) << " (" << t.lineas
         << (t.lineas == 1 ? " línea" : " líneas") << ")\n";
+}
+
+int Terminar(Flujos f, int codigo, std::string_view ademas) {
+  f.out.flush();
+  if (f.out.good()) return codigo;
+  f.err << "No se pudo escribir el resultado" << ademas << '\n';
+  return kEntradaSalida;
 }
 
 }  // namespace cli

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/estado.h"
+#include "cli/lineas_de_comandos.h"
 
 namespace cli {
 
@@ -31,5 +32,9 @@ Cuentas Contar(const std::vector<LineaSalida>& lineas);
 void EscribirCsv(std::ostream& out, const std::vector<LineaSalida>& lineas);
 void EscribirTabla(std::ostream& out, const std::vector<LineaSalida>& lineas);
 void EscribirTotales(std::ostream& out, const Cuentas& cuentas, const app::Estado& estado);
+
+// The end of a verb that printed: `codigo`, or that of a failed write, told on the error output, when the
+// output did not take all of it (closed, or full). `ademas` follows that message.
+int Terminar(Flujos flujos, int codigo, std::string_view ademas = {});
 
 }  // namespace cli

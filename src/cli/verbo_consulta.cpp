@@ -60,9 +60,7 @@ int Consulta(const OpcionesConsulta& o, const ports::Clock& reloj, Flujos f) {
       bien = Correr(*c.conexion, linea, o.escribir, f) && bien;
     }
   }
-  f.out.flush();
-  if (!f.out.good()) return kEntradaSalida;
-  return bien ? kTodo : kAlgunaNo;
+  return Terminar(f, bien ? kTodo : kAlgunaNo);
 }
 
 }  // namespace cli

@@ -3,6 +3,7 @@
 #include "base/file.h"
 #include "base/format.h"
 #include "base/text.h"
+#include "cli/salida.h"
 #include "cli/verbos.h"
 
 namespace cli {
@@ -35,8 +36,7 @@ int Demo(const OpcionesDemo& o, const ports::Clock& reloj, Flujos f) {
         << Entrecomillada(o.programa) << " importar --base " << Entrecomillada(demo.referencia)
         << " --archivo " << Entrecomillada(demo.archivo) << " --mes " << base::FechaIso(o.mes).substr(0, 7)
         << " --ajustes " << Entrecomillada(demo.ajustes) << '\n';
-  f.out.flush();
-  return f.out.good() ? kTodo : kEntradaSalida;
+  return Terminar(f, kTodo);
 }
 
 }  // namespace cli

@@ -3,6 +3,7 @@
 #include "app/conector.h"
 #include "base/text.h"
 #include "cli/consola.h"
+#include "cli/salida.h"
 #include "cli/verbos.h"
 #include "formula/evaluator.h"
 
@@ -33,8 +34,7 @@ int Formula(const OpcionesFormula& o, const ports::Clock& reloj, Flujos f) {
       f.out << base::Reemplazar(base::Reemplazar(resultado, base::kCrLf, "\\r\\n"), "\n", "\\n") << '\n';
     }
   }
-  f.out.flush();
-  return f.out.good() ? kTodo : kEntradaSalida;
+  return Terminar(f, kTodo);
 }
 
 }  // namespace cli

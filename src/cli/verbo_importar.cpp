@@ -91,12 +91,9 @@ int Mostrar(const OpcionesImportar& o, const app::Programa& programa, Flujos f) 
     EscribirTabla(f.out, lineas);
   // With a CSV the standard output holds nothing else.
   EscribirTotales(o.salida == Formato::Csv ? f.err : f.out << '\n', cuentas, programa.Ver());
-  f.out.flush();
-  if (!f.out.good()) {
-    f.err << "No se pudo escribir el resultado\n";
-    return kEntradaSalida;
-  }
-  return CodigoDe(cuentas, programa.Ver());
+  const bool escrita = programa.Ver().importacion.confirmada && !o.solo_revisar;
+  return Terminar(f, CodigoDe(cuentas, programa.Ver()),
+                  escrita ? ". La importación está hecha: no la repita." : "");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "app/verificar.h"
+#include "cli/salida.h"
 #include "cli/verbos.h"
 
 namespace cli {
@@ -33,9 +34,7 @@ int Verificar(const OpcionesVerificar& o, Flujos f) {
   else
     f.out << "Errores: " << errores
           << ". Haga una copia de la base y repárela con Access (Compactar y reparar).\n";
-  f.out.flush();
-  if (!f.out.good()) return kEntradaSalida;
-  return i.Sano() ? kTodo : kAlgunaNo;
+  return Terminar(f, i.Sano() ? kTodo : kAlgunaNo);
 }
 
 }  // namespace cli

@@ -2,11 +2,13 @@
 #include "app/carpeta_ajustes.h"
 #include "app/programa.h"
 #include "app/reloj_sistema.h"
+#include "base/standard_streams.h"
 #include "gui/aplicacion.h"
 #include "gui/dialogos.h"
 #include "gui/frm_principal2.h"
 
 int main(int argc, char** argv) {
+  base::OpenStandardStreams();
   gui::Aplicacion aplicacion(argc, argv);
   const gui::Tema tema = gui::Tema::Segun(QApplication::palette());
   gui::Aplicacion::Vestir(tema);

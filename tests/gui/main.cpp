@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "base/standard_streams.h"
 #include "gui/aplicacion.h"
 
 int main(int argc, char** argv) {
+  base::OpenStandardStreams();
   qputenv("QT_QPA_PLATFORM", "offscreen");
   testing::InitGoogleTest(&argc, argv);
   gui::Aplicacion aplicacion(argc, argv);

@@ -6,6 +6,8 @@
 #include <iostream>
 #include <sstream>
 
+#include "base/standard_streams.h"
+
 namespace support {
 namespace {
 
@@ -119,6 +121,7 @@ std::string Bloque::Opcion(const std::string& clave, const std::string& si_falta
 }
 
 int EjecutarArchivos(int argc, char** argv, const std::function<Verbos()>& preparar) {
+  base::OpenStandardStreams();
   const bool actualizar = std::getenv("UPDATE_EXPECTED") != nullptr;
   int pasados = 0, fallados = 0;
   try {

@@ -14,6 +14,7 @@
 
 #include "app/carpeta_demo.h"
 #include "base/file.h"
+#include "base/standard_streams.h"
 #include "gui/aplicacion.h"
 #include "gui/dialogos.h"
 #include "gui/frm_principal2.h"
@@ -150,6 +151,7 @@ bool FotosOscuras(const QString& destino) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  base::OpenStandardStreams();
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   gui::Aplicacion aplicacion(argc, argv);
   const QStringList args = QApplication::arguments();

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/standard_streams.h"
 #include "base/text.h"
 #include "conformance/correr.h"
 
@@ -80,6 +81,7 @@ Cuenta CorrerEn(const std::string& motor, const Pedido& p) {
 
 int main(int argc, char** argv) {
   try {
+    base::OpenStandardStreams();
     const Pedido p = Leer({argv + 1, argv + argc});
     Cuenta total;
     for (const auto& motor : p.motores) total.Sumar(CorrerEn(motor, p));
