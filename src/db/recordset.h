@@ -1,4 +1,6 @@
 // All rows of a result, with a cursor. Rows are materialised when the statement runs; copying shares nothing.
+// A field or row that the result does not have is db::Error from every reader: an engine may answer with
+// fewer columns than it was asked for.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +22,8 @@ using Columnas = std::vector<Columna>;
 class Recordset {
  public:
   Recordset() = default;
-  // `celdas` row by row. The column list is shared with the engine's statement cache.
+  // `celdas` row by row; throws db::Error when they do not fill whole rows. The column list is shared with
+  // the engine's statement cache.
   Recordset(std::shared_ptr<const Columnas> columnas, std::vector<base::Valor> celdas,
             std::string fuente = {});
 
@@ -29,7 +32,11 @@ class Recordset {
   int Posicion(std::string_view nombre) const;
   std::size_t Cantidad() const { return filas_; }
   bool Vacio() const { return filas_ == 0; }
-  const base::Valor& En(std::size_t campo, std::size_t fila) const { return celdas_[fila * ancho_ + campo]; }
+  const base::Valor& En(std::size_t campo, std::size_t fila) const {
+    if (static_cast<unsigned>(campo >= ancho_) | static_cast<unsigned>(fila >= filas_))
+      ThrowOutside(campo, fila);  // one branch: 100,000 rows are read by place
+    return celdas_[fila * ancho_ + campo];
+  }
 
   // Cursor. At the end Campo throws db::Error.
   bool Eof() const { return cursor_ >= filas_; }
@@ -45,6 +52,8 @@ class Recordset {
   const std::string& Fuente() const { return fuente_; }
 
  private:
+  [[noreturn]] void ThrowOutside(std::size_t campo, std::size_t fila) const;
+
   std::shared_ptr<const Columnas> columnas_;
   std::vector<base::Valor> celdas_;
   std::string fuente_;

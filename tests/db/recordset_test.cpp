@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <string>
+
 #include "db/connection.h"
 
 namespace {
@@ -74,6 +77,36 @@ TEST(Recordset, EmptyAndOfNoQuery) {
   EXPECT_EQ(nada.Posicion("Id"), -1);
   EXPECT_TRUE(nada.GetRows().empty());
   EXPECT_THROW(nada.Campo("Id"), db::Error);
+}
+
+std::string Refused(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const db::Error& e) {
+    EXPECT_FALSE(e.IsStorageFault());
+    return e.Descripcion();
+  }
+  return "no error";
+}
+
+TEST(Recordset, AFieldOrRowOutsideIsAnErrorAndNoOtherCell) {
+  const Recordset r = DosFilas();
+  EXPECT_EQ(r.En(2, 1), Valor("y"));
+  // In the middle of the cells: the next row's first one, if only the place counted.
+  EXPECT_EQ(Refused([&] { r.En(3, 0); }), "No existe el campo 3 en el resultado, que tiene 3");
+  EXPECT_EQ(Refused([&] { r.En(0, 2); }), "No existe la fila 2 en el resultado, que tiene 2");
+  EXPECT_EQ(Refused([&] { r.En(static_cast<std::size_t>(r.Posicion("Falta")), 0); }),
+            "No existe el campo pedido en el resultado, que tiene 3");
+  EXPECT_EQ(Refused([&] { r.En(0, static_cast<std::size_t>(-1)); }).substr(0, 18), "No existe la fila ");
+  EXPECT_EQ(Refused([&] { r.Campo(3); }), "No existe el campo 3 en el resultado, que tiene 3");
+  EXPECT_EQ(Refused([] { Recordset().En(0, 0); }), "No existe la fila 0 en el resultado, que tiene 0");
+}
+
+TEST(Recordset, CellsThatDoNotFillTheirRowsAreRefused) {
+  const std::string motivo = "La base respondió con filas incompletas: ";
+  EXPECT_EQ(Refused([] { Recordset(Columnas(), {1, "uno", "x", 2}); }), motivo + "4 valores para 3 campos");
+  EXPECT_EQ(Refused([] { Recordset(nullptr, {1}); }), motivo + "1 valores para 0 campos");
+  EXPECT_EQ(Recordset(nullptr, {}).Cantidad(), 0U);
 }
 
 TEST(Recordset, CopiesHaveTheirOwnCursor) {
