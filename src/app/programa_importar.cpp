@@ -30,6 +30,7 @@ void Programa::Importar(bool deshacer) {
   entrada.opciones = &opciones;
   entrada.personas = &e_.personas;
   entrada.relaciones = &e_.relaciones;
+  entrada.conceptos = &e_.conceptos;
   entrada.evaluador = &evaluador_;
   entrada.tablas = &e_.tablas;
   entrada.prompts = &puertos_.prompts;
@@ -39,8 +40,7 @@ void Programa::Importar(bool deshacer) {
                          e_.tipos.CalendarCondition};
   if (const formula::ItemLista* tipo = e_.tipos.cmbLiquidaciones.Elegido())
     entrada.texto_liquidacion = tipo->texto;
-  if (const formula::ItemLista* centro = e_.tipos.cmbAgrupa.Elegido())
-    entrada.centro_costo = static_cast<std::int32_t>(centro->dato);
+  if (const formula::ItemLista* centro = e_.tipos.cmbAgrupa.Elegido()) entrada.centro_costo = centro->dato;
   entrada.deshacer = deshacer;
   e_.importacion = liquidation::Importar(entrada, e_.filas);
   errores_.insert(errores_.end(), e_.importacion.errores.begin(), e_.importacion.errores.end());

@@ -5,6 +5,7 @@
 #include "base/number.h"
 #include "db/next_id.h"
 #include "liquidation/liquidation_internal.h"
+#include "liquidation/revisar_fila.h"
 
 namespace liquidation {
 namespace {
@@ -73,14 +74,6 @@ Eleccion ElegirEncabezado(Corrida& c, std::int32_t contrato, std::string_view cl
   return CrearEncabezado(c, contrato);
 }
 
-std::int32_t Agrupacion(const Corrida& c, std::size_t fila_persona, const importfile::ImportRow& fila,
-                        std::int32_t centro_costo) {
-  if (!c.sesion->LiqAgrup) return 0;
-  if (c.opciones->CCDefEnArch) return Entero(fila.campo[importfile::kCC]);
-  if (centro_costo != 0) return centro_costo;
-  return Entero(c.personas->Texto(refdata::kCC, fila_persona));
-}
-
 }  // namespace
 
 std::int32_t IdentificadorNuevo(const Corrida& corrida, std::string_view tabla, std::string_view campo) {
@@ -90,7 +83,7 @@ std::int32_t IdentificadorNuevo(const Corrida& corrida, std::string_view tabla, 
 }
 
 std::string AgregarDatosALiq(Corrida& c, std::int32_t concepto, float& cantidad, std::size_t fila_persona,
-                             const importfile::ImportRow& fila, std::int32_t centro_costo,
+                             const importfile::ImportRow& fila, std::int64_t centro_costo,
                              float& coeficiente) {
   const std::int32_t contrato = Entero(c.personas->Texto(refdata::kContrato, fila_persona));
   if (concepto >= 1000) return EscribirTablaUsuario(c, concepto, contrato, cantidad, coeficiente);
@@ -99,7 +92,7 @@ std::string AgregarDatosALiq(Corrida& c, std::int32_t concepto, float& cantidad,
   const Eleccion eleccion = ElegirEncabezado(c, contrato, c.personas->Texto(columna, fila_persona));
   if (!eleccion.motivo.empty()) return eleccion.motivo;
   const DatoALiquidar dato{concepto, contrato, eleccion.encabezado,
-                           Agrupacion(c, fila_persona, fila, centro_costo)};
+                           Agrupacion(*c.sesion, *c.opciones, *c.personas, fila_persona, fila, centro_costo)};
   return EscribirDato(c, dato, cantidad, coeficiente, fila);
 }
 

@@ -48,6 +48,6 @@ struct Corrida {
 // leaves the routine.
 std::string AgregarDatosALiq(Corrida& corrida, std::int32_t concepto, float& cantidad,
                              std::size_t fila_persona, const importfile::ImportRow& fila,
-                             std::int32_t centro_costo, float& coeficiente);
+                             std::int64_t centro_costo, float& coeficiente);
 
 }  // namespace liquidation

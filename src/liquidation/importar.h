@@ -11,6 +11,7 @@
 #include "liquidation/agregar_datos_a_liq.h"
 #include "ports/progress.h"
 #include "ports/prompts.h"
+#include "refdata/concepts_catalogue.h"
 #include "relations/code_relations.h"
 
 namespace liquidation {
@@ -32,14 +33,15 @@ struct EntradaImportacion {
   const settings::Settings* opciones = nullptr;
   const refdata::PersonsIndex* personas = nullptr;
   const relations::CodeRelations* relaciones = nullptr;
+  const refdata::ConceptsCatalogue* conceptos = nullptr;  // of the current options; the warnings ask it
   formula::Evaluador* evaluador = nullptr;
-  formula::TablasUsuario* tablas = nullptr;  // reloaded at the end
+  formula::TablasUsuario* tablas = nullptr;  // reloaded before the first row and after the last
   ports::Prompts* prompts = nullptr;
   ports::Progress* progreso = nullptr;
   base::Fecha mes;
   sql::CondicionesDeTipo condiciones;
   std::string texto_liquidacion;
-  std::int32_t centro_costo = 0;  // of cmbAgrupa; 0 when none is chosen
+  std::int64_t centro_costo = 0;  // of cmbAgrupa; 0 when none is chosen
   bool deshacer = false;          // ends with a rollback: what would be written, without writing it
 };
 
@@ -56,13 +58,19 @@ struct Importacion {
   bool confirmada = false;             // the transaction was committed (or rolled back on purpose)
   std::size_t importadas = 0;          // rows with "OK"
   std::vector<TotalConcepto> totales;  // by concept
-  std::string error;                   // why nothing was written, when a transaction could not begin or end
-  base::SumideroErrores errores;       // steps that failed and were passed over
+  std::string error;  // why nothing was written: what the run needs could not be read, or it could not end
+  // `error` is a fault of the storage (or of the memory): the run was undone where it happened.
+  bool fallo_de_almacenamiento = false;
+  // Bulk updates that failed, each with its reason, in Spanish. The quantities stand.
+  std::vector<std::string> actualizaciones_fallidas;
+  base::SumideroErrores errores;  // steps that failed and were passed over
 };
 
-// Works through the rows in their order and leaves each row's result in it: "OK" or the reason. One
-// transaction from the first row to the last bulk update (the caller's, when one is under way); when it
-// cannot begin or be committed every row's result is the error's description, which is shown once.
+// Works through the rows in their order and leaves each row's result in it: "OK" or the reason. A row that an
+// error of the base refused has left nothing behind. One transaction from the first row to the last bulk
+// update (the caller's, when one is under way). When it cannot begin or be committed, when what the run needs
+// cannot be read, and at any fault of the storage, nothing is written, every row's result is the reason, and
+// it is shown once.
 Importacion Importar(const EntradaImportacion& entrada, std::vector<importfile::ImportRow>& filas);
 
 }  // namespace liquidation

@@ -7,6 +7,7 @@
 //                               file; prints line|key|quantity|result, totals, then boxes and passed-over
 //                               errors
 //   query [rowsort]             a statement; rows joined with |
+//   warn                        as import: what is told before, one a line; nothing is written
 //   confirm mes=… liq=… cc=…    the question before the import, with settings as in import
 #include <algorithm>
 #include <cstdio>
@@ -19,6 +20,7 @@
 #include "base/text.h"
 #include "demo/demo_base.h"
 #include "engine_sqlite/sqlite_connection.h"
+#include "liquidation/avisos.h"
 #include "liquidation/cajas.h"
 #include "liquidation/importar.h"
 #include "refdata/liquidation_types.h"
@@ -125,22 +127,7 @@ class Mesa {
   std::string Importar(const support::Bloque& b) {
     Preparar(b);
     importfile::Carga carga = Cargar();
-    liquidation::EntradaImportacion e;
-    e.sesion = &sesion_;
-    e.opciones = &opciones_;
-    e.personas = &personas_;
-    e.relaciones = &relaciones_;
-    e.evaluador = &evaluador_;
-    e.tablas = &tablas_;
-    e.prompts = &cajas_;
-    e.progreso = &progreso_;
-    e.mes = mes_;
-    e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
-                     tipos_.CalendarCondition};
-    e.texto_liquidacion = tipos_.cmbLiquidaciones.Elegido() ? tipos_.cmbLiquidaciones.Elegido()->texto : "";
-    e.centro_costo = static_cast<std::int32_t>(base::Parse(b.Opcion("cc")));
-    e.deshacer = b.Tiene("rollback");
-    const liquidation::Importacion r = liquidation::Importar(e, carga.filas);
+    const liquidation::Importacion r = liquidation::Importar(Entrada(b), carga.filas);
     std::sort(carga.filas.begin(), carga.filas.end(),
               [](const auto& x, const auto& y) { return x.linea < y.linea; });
     std::string salida;
@@ -154,6 +141,12 @@ class Mesa {
     for (const auto& error : r.errores) salida += "ERR " + error.donde + ": " + error.descripcion + "\n";
     if (!salida.empty()) salida.pop_back();
     return salida;
+  }
+
+  std::string Avisos(const support::Bloque& b) {
+    Preparar(b);
+    const importfile::Carga carga = Cargar();
+    return base::Join(liquidation::AvisosDeImportacion(Entrada(b), carga.filas), "\n");
   }
 
   std::string Confirmar(const support::Bloque& b) {
@@ -200,6 +193,26 @@ class Mesa {
     relaciones_.Reemplazar(relaciones);
     Elegir(tipos_.cmbLiquidaciones, b.Opcion("liq"));
     Elegir(tipos_.cmbAgrupa, b.Opcion("cc"));
+  }
+
+  liquidation::EntradaImportacion Entrada(const support::Bloque& b) {
+    liquidation::EntradaImportacion e;
+    e.sesion = &sesion_;
+    e.opciones = &opciones_;
+    e.personas = &personas_;
+    e.relaciones = &relaciones_;
+    e.conceptos = &conceptos_;
+    e.evaluador = &evaluador_;
+    e.tablas = &tablas_;
+    e.prompts = &cajas_;
+    e.progreso = &progreso_;
+    e.mes = mes_;
+    e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
+                     tipos_.CalendarCondition};
+    e.texto_liquidacion = tipos_.cmbLiquidaciones.Elegido() ? tipos_.cmbLiquidaciones.Elegido()->texto : "";
+    e.centro_costo = std::stoll(b.Opcion("cc", "0"));
+    e.deshacer = b.Tiene("rollback");
+    return e;
   }
 
   static void Elegir(formula::ListControl& combo, const std::string& valor) {
@@ -254,6 +267,7 @@ int main(int argc, char** argv) {
         {"exec", [mesa](const support::Bloque& b) { return mesa->Exec(b); }},
         {"query", [mesa](const support::Bloque& b) { return mesa->Query(b); }},
         {"import", [mesa](const support::Bloque& b) { return mesa->Importar(b); }},
+        {"warn", [mesa](const support::Bloque& b) { return mesa->Avisos(b); }},
         {"confirm", [mesa](const support::Bloque& b) { return mesa->Confirmar(b); }},
     };
   });

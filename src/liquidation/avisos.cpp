@@ -1,0 +1,210 @@
+#include "liquidation/avisos.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "base/number.h"
+#include "base/text.h"
+#include "liquidation/revisar_fila.h"
+
+namespace liquidation {
+namespace {
+
+using importfile::ImportRow;
+
+constexpr std::size_t kALaVista = 5;  // cases of a text, and lines of a case, that are named
+
+// "1, 2, 3, 4, 5 y 17 más", "1 y 2".
+std::string Enumerar(const std::vector<std::string>& primeros, std::size_t cuantos, std::string_view entre) {
+  std::string texto;
+  for (std::size_t i = 0; i < primeros.size(); ++i) {
+    const bool ultimo = i + 1 == cuantos;
+    if (i > 0) texto += ultimo ? " y " : entre;
+    texto += primeros[i];
+  }
+  if (cuantos > primeros.size()) texto += " y " + std::to_string(cuantos - primeros.size()) + " más";
+  return texto;
+}
+
+// What one case is called, and the lines that make it.
+struct Caso {
+  std::string nombre;
+  std::vector<std::string> primeras;
+  std::size_t lineas = 0, ultima = 0;
+
+  void Sumar(std::size_t linea) {
+    if (primeras.size() < kALaVista) primeras.push_back(std::to_string(linea));
+    ++lineas;
+    ultima = linea;
+  }
+  std::string Lineas() const {
+    return (lineas == 1 ? "línea " : std::to_string(lineas) + " líneas: ") + Enumerar(primeras, lineas, ", ");
+  }
+};
+
+struct Clave {
+  std::int32_t contrato = 0, concepto = 0, agrupa = 0;
+  bool operator==(const Clave&) const = default;
+};
+struct Picar {
+  std::size_t operator()(const Clave& k) const {
+    std::uint64_t h = static_cast<std::uint32_t>(k.contrato) * 0x9E3779B97F4A7C15ULL;
+    h ^= static_cast<std::uint32_t>(k.concepto) * 0xC2B2AE3D27D4EB4FULL + (h << 6) + (h >> 2);
+    h ^= static_cast<std::uint32_t>(k.agrupa) + (h << 6) + (h >> 2);
+    return static_cast<std::size_t>(h ^ (h >> 29));
+  }
+};
+
+// Cases by key, in the order in which they were first met.
+class Casos {
+ public:
+  Caso& De(const Clave& clave) {
+    const auto [it, nuevo] = lugar_.try_emplace(clave, casos_.size());
+    if (nuevo) casos_.emplace_back();
+    return casos_[it->second];
+  }
+  // Those of at least `minimo` lines, each as `decir` puts it; "" when there is none.
+  template <typename Decir>
+  std::string Texto(std::size_t minimo, Decir&& decir) const {
+    std::vector<std::string> primeros;
+    std::size_t cuantos = 0;
+    for (const Caso& caso : casos_) {
+      if (caso.lineas < minimo) continue;
+      if (++cuantos <= kALaVista) primeros.push_back(decir(caso));
+    }
+    return Enumerar(primeros, cuantos, "; ");
+  }
+
+ private:
+  std::unordered_map<Clave, std::size_t, Picar> lugar_;
+  std::vector<Caso> casos_;
+};
+
+std::string NombreDeConcepto(std::int32_t concepto) {
+  return concepto >= 1000 ? "tabla de usuario " + std::to_string(concepto - 1000)
+                          : "concepto " + std::to_string(concepto);
+}
+
+class Avisador {
+ public:
+  Avisador(const EntradaImportacion& entrada) : e_(entrada) {
+    if (e_.conceptos == nullptr) return;
+    for (std::size_t i = 0; i < e_.conceptos->tabla.Cantidad(); ++i)
+      listados_.insert(e_.conceptos->tabla.Campo(0, i));
+  }
+
+  void Ver(const ImportRow& fila) {
+    const FilaRevisada revisada = RevisarFila(e_, fila);
+    if (!revisada.linea) return;
+    const LineaAImportar& linea = *revisada.linea;
+    Clave clave{0, linea.concepto, 0};
+    try {
+      clave.contrato = Identificador32(e_.personas->Texto(refdata::kContrato, linea.persona));
+      if (linea.concepto < 1000)
+        clave.agrupa =
+            Agrupacion(*e_.sesion, *e_.opciones, *e_.personas, linea.persona, fila, e_.centro_costo);
+    } catch (const base::Error&) {
+      return;  // the line will be refused
+    }
+    const std::string persona = "contrato " + std::to_string(clave.contrato) + ", " +
+                                fila.campo[importfile::kNombre] + " " + fila.campo[importfile::kApellido];
+    VerMeses(fila, linea, clave.contrato, persona);
+    VerCatalogo(fila, linea);
+    VerCifras(fila, linea, persona);
+    VerRepetida(fila, clave, persona);
+  }
+
+  std::vector<std::string> Textos() const {
+    std::vector<std::string> textos;
+    const auto agregar = [&](std::string_view que, const std::string& casos) {
+      if (!casos.empty()) textos.push_back(std::string(que) + casos + ".");
+    };
+    const auto con_lineas = [](const Caso& c) { return c.nombre + " (" + c.Lineas() + ")"; };
+    agregar(
+        "Quien cobra por mes recibe un mes entero del concepto 1 por cada línea de horas comunes (HC), y "
+        "estos "
+        "contratos tienen varias: ",
+        meses_.Texto(2, con_lineas));
+    agregar(
+        "Hay relaciones cuyo concepto no está en el catálogo de las opciones actuales; lo que traen se "
+        "escribe "
+        "como cantidad: ",
+        fuera_.Texto(1, con_lineas));
+    agregar("Hay números con más de las siete cifras que se guardan: ",
+            cifras_.Texto(1, [](const Caso& c) { return c.nombre; }));
+    agregar(
+        "La misma persona y concepto está en varias líneas y no se totaliza; queda solo la última de la "
+        "grilla: ",
+        repetidas_.Texto(2, [&](const Caso& c) {
+          return c.nombre + " (" + c.Lineas() + "; queda la " + std::to_string(c.ultima) + ")";
+        }));
+    return textos;
+  }
+
+ private:
+  void VerMeses(const ImportRow& fila, const LineaAImportar& linea, std::int32_t contrato,
+                const std::string& persona) {
+    if (!linea.mes_entero) return;
+    Caso& caso = meses_.De({contrato, 0, 0});
+    caso.nombre = persona;
+    caso.Sumar(fila.linea);
+  }
+
+  void VerCatalogo(const ImportRow& fila, const LineaAImportar& linea) {
+    if (e_.conceptos == nullptr) return;
+    const auto concepto = ConceptoDeRelacion(e_.relaciones->Campo(relations::kConcepto, linea.relacion));
+    if (!concepto || listados_.contains(std::to_string(*concepto))) return;
+    Caso& caso = fuera_.De({static_cast<std::int32_t>(linea.relacion), *concepto, 0});
+    caso.nombre =
+        e_.relaciones->Campo(relations::kCodigo, linea.relacion) + ", " + NombreDeConcepto(*concepto);
+    caso.Sumar(fila.linea);
+  }
+
+  // A single holds what its text gives back: 8,1 is no exact single, and yet comes out as it went in.
+  void VerCifra(const ImportRow& fila, const LineaAImportar& linea, const std::string& persona,
+                std::string_view que, double numero) {
+    const double guardado = base::DobleDeSimple(static_cast<float>(numero));
+    if (guardado == numero) return;
+    Caso& caso = cifras_.De({static_cast<std::int32_t>(sin_cifras_++), 0, 0});
+    caso.nombre = "línea " + std::to_string(fila.linea) + " (" + persona + ", " +
+                  NombreDeConcepto(linea.concepto) + "): " + std::string(que) + base::TextoDeNumero(numero) +
+                  " se guarda como " + base::TextoDeNumero(guardado);
+    caso.Sumar(fila.linea);
+  }
+
+  void VerCifras(const ImportRow& fila, const LineaAImportar& linea, const std::string& persona) {
+    if (!linea.mes_entero)
+      VerCifra(fila, linea, persona, "", NumeroDeLinea(fila.campo[importfile::kCantidad]));
+    if (TipoDatoDe(fila) == kTipoCantidadYValor)
+      VerCifra(fila, linea, persona, "el valor ", NumeroDeLinea(fila.campo[importfile::kValor]));
+  }
+
+  // Quantities with a price are kept each for itself.
+  void VerRepetida(const ImportRow& fila, const Clave& clave, const std::string& persona) {
+    if (e_.opciones->TotalizarConc) return;
+    if (clave.concepto < 1000 && TipoDatoDe(fila) == kTipoCantidadYValor) return;
+    Caso& caso = repetidas_.De(clave);
+    if (caso.lineas == 0) caso.nombre = persona + ", " + NombreDeConcepto(clave.concepto);
+    caso.Sumar(fila.linea);
+  }
+
+  const EntradaImportacion& e_;
+  std::unordered_set<std::string> listados_;
+  Casos meses_, fuera_, cifras_, repetidas_;
+  std::size_t sin_cifras_ = 0;
+};
+
+}  // namespace
+
+std::vector<std::string> AvisosDeImportacion(const EntradaImportacion& entrada,
+                                             const std::vector<ImportRow>& filas) {
+  Avisador avisador(entrada);
+  for (const ImportRow& fila : filas) avisador.Ver(fila);
+  return avisador.Textos();
+}
+
+}  // namespace liquidation
