@@ -2,8 +2,10 @@
 // Null.
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "base/number.h"
+#include "base/text.h"
 #include "engine_sqlite/conversion_internal.h"
 
 namespace engine_sqlite {
@@ -117,13 +119,53 @@ const ClaseDeValor& Clase(const Llamada& l) {
 void TypeName(Llamada& l) { l.DarTexto(Clase(l).nombre); }
 void VarType(Llamada& l) { l.DarEntero(Clase(l).codigo); }
 
+std::optional<double> ClassicVal(std::string_view texto) {
+  try {
+    return base::Val(texto);
+  } catch (const base::Error&) {
+    return std::nullopt;
+  }
+}
+
+// What stands before the type sign or the letter of the exponent; the whole text where there is none.
+std::string_view WithoutTypeSign(std::string_view texto) {
+  constexpr std::size_t kMark = 2;  // of "&H"
+  const bool hex = !texto.empty() && texto.front() == '&';
+  return texto.substr(0, texto.find_first_of("%&!@", hex ? kMark : 0));
+}
+std::string_view WithoutExponent(std::string_view texto) {
+  const bool hex = !texto.empty() && texto.front() == '&';
+  return hex ? texto : texto.substr(0, texto.find_first_of("eEdD"));
+}
+
+// A number that the function would fail for ends before what it cannot be: its type sign, its exponent, the
+// digit that no longer fits. One odd text must not fail a query over a whole table.
+double ValThatNeverFails(std::string_view texto) {
+  texto = base::TrimVista(texto);
+  for (const std::string_view pieza :
+       {texto, WithoutTypeSign(texto), WithoutExponent(WithoutTypeSign(texto))})
+    if (const auto numero = ClassicVal(pieza)) return *numero;
+  const std::string_view cifras = WithoutExponent(WithoutTypeSign(texto));
+  std::size_t fits = 0, too_long = cifras.size();
+  while (fits + 1 < too_long) {
+    const std::size_t middle = fits + (too_long - fits) / 2;
+    (ClassicVal(cifras.substr(0, middle)) ? fits : too_long) = middle;
+  }
+  return ClassicVal(cifras.substr(0, fits)).value_or(0);
+}
+
+void Val(Llamada& l) {
+  if (l.EsNulo(0)) return l.Nulo();
+  l.DarNumero(ValThatNeverFails(l.Texto(0)));
+}
+
 constexpr Implementacion kFunciones[] = {
-    {"CBOOL", ABooleano}, {"CBYTE", CByte},         {"CCUR", AMoneda},    {"CDATE", AFecha},
-    {"CDBL", CDbl},       {"CDEC", ANumero},        {"CINT", CInt},       {"CLNG", CLng},
-    {"CSNG", ASimple},    {"CSTR", CStr},           {"CVAR", CVar},       {"CURRENTUSER", CurrentUser},
-    {"CVDATE", AFecha},   {"ISERROR", IsEmpty},     {"HEX", EnBase<4>},   {"ISDATE", IsDate},
-    {"ISEMPTY", IsEmpty}, {"ISNUMERIC", IsNumeric}, {"NZ", Nz},           {"OCT", EnBase<3>},
-    {"STR", Str},         {"TYPENAME", TypeName},   {"VARTYPE", VarType},
+    {"CBOOL", ABooleano}, {"CBYTE", CByte},         {"CCUR", AMoneda},  {"CDATE", AFecha},
+    {"CDBL", CDbl},       {"CDEC", ANumero},        {"CINT", CInt},     {"CLNG", CLng},
+    {"CSNG", ASimple},    {"CSTR", CStr},           {"CVAR", CVar},     {"CURRENTUSER", CurrentUser},
+    {"CVDATE", AFecha},   {"ISERROR", IsEmpty},     {"HEX", EnBase<4>}, {"ISDATE", IsDate},
+    {"ISEMPTY", IsEmpty}, {"ISNUMERIC", IsNumeric}, {"NZ", Nz},         {"OCT", EnBase<3>},
+    {"STR", Str},         {"TYPENAME", TypeName},   {"VAL", Val},       {"VARTYPE", VarType},
 };
 
 }  // namespace

@@ -241,11 +241,6 @@ void StrConv(Llamada& l) {
   }
 }
 
-void Val(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarNumero(base::Val(l.Texto(0)));
-}
-
 constexpr Implementacion kFunciones[] = {
     {"ASC", Asc},
     {"ASCW", AscW},
@@ -268,7 +263,6 @@ constexpr Implementacion kFunciones[] = {
     {"STRREVERSE", StrReverse},
     {"TRIM", Recortar<true, true>},
     {"UCASE", UCase},
-    {"VAL", Val},
 };
 
 }  // namespace

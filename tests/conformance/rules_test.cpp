@@ -122,6 +122,8 @@ TEST(Saltar, OnlyByTheRulesOfTheDialectPage) {
   EXPECT_EQ(Corre(Fila("Int", "[\"1.99\"]", "1", "en")), Que::Pasa);
   EXPECT_EQ(Corre(Fila("Int", "[\"1.999,5\"]", "1999")), Que::Pasa);
   EXPECT_EQ(Corre(Fila("Str", "[null]", "null")), Que::Pasa);
+  EXPECT_EQ(Corre(Fila("Val", "[\"1e400\"]", "{\"$error\":6}")), Que::Salta);
+  EXPECT_EQ(Corre(Fila("Val", "[\"1e40\"]", "1e40")), Que::Pasa);
 }
 
 TEST(Tabla, IsReadByItsHeadings) {

@@ -165,6 +165,7 @@ std::optional<std::string> Literal(const Json& j) {
 std::optional<std::string> PorQueNoSeSirve(const Fila& f) {
   if (EsUna(f.funcion, kConversiones) && !f.args.empty() && f.args[0].EsNulo())
     return "a conversion of Null is Null";
+  if (f.funcion == "Val" && f.espera.Miembro("$error") != nullptr) return "Val never fails";
   if (DeDosClases(f)) return "a text beside a number is read as a number";
   if (f.locale == "es" && EsUna(f.funcion, kDeNumero))
     for (const Json& a : f.args)
