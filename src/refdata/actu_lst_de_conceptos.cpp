@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "formula/vector_utils.h"
 #include "refdata/concepts_catalogue.h"
 #include "refdata/ejecutar_internal.h"
@@ -21,18 +23,26 @@ int ConceptsCatalogue::Buscar(std::string_view id) const {
 
 void ActuLSTdeConceptos(const db::DbSession& sesion, const settings::Settings& opciones,
                         ConceptsCatalogue& catalogo, base::SumideroErrores* errores) {
-  if (!sesion.Abierta()) return;
+  if (!sesion.Abierta()) {
+    catalogo.motivo_fallo = kBaseCerrada;
+    return;
+  }
   catalogo.tabla = SinConceptos();
+  catalogo.cmbConceptos.items.clear();
+  catalogo.cmbConceptos.ListIndex = -1;
   const std::string texto =
       sql::Conceptos(sesion.idEmpresa, opciones.SoloDatosDeRel, opciones.ImportarCuotas);
-  // The filler empties combo and table before it runs the query and adds to both together, so that item i
-  // and entry i stay a pair; the "-1" entry comes back when there was nothing to add.
-  base::SumideroErrores motivos;
-  const int estado = formula::LlenarLista(catalogo.cmbConceptos, texto, "Datos,Codigo,Nombre", "", " - ",
-                                          &catalogo.tabla, sesion, &motivos);
-  if (estado == 0) return;
-  catalogo.tabla = SinConceptos();
-  AnotarLista("ActuLSTdeConceptos", motivos, errores);
+  const bool bien = Cargar("ActuLSTdeConceptos", errores, catalogo.motivo_fallo, [&] {
+    formula::ListControl combo;
+    formula::Vector tabla;
+    base::SumideroErrores motivos;
+    // The filler adds to combo and table together, so that item i and entry i stay a pair.
+    if (formula::LlenarLista(combo, texto, "Datos,Codigo,Nombre", "", " - ", &tabla, sesion, &motivos) != 0)
+      throw db::Error(motivos.empty() ? std::string() : motivos.front().descripcion);
+    catalogo.cmbConceptos.items = std::move(combo.items);
+    catalogo.tabla = std::move(tabla);
+  });
+  if (bien) catalogo.motivo_fallo.clear();
 }
 
 }  // namespace refdata

@@ -1,4 +1,8 @@
+#include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <utility>
+#include <vector>
 
 #include "base/date.h"
 #include "formula/vector_utils.h"
@@ -23,7 +27,8 @@ void AgregarAlternativa(std::string& condicion, std::string_view alternativa) {
   condicion += alternativa;
 }
 
-void ArmarCondicionDeTipos(const db::Recordset& tipos, std::string& condicion) {
+std::string CondicionDeTipos(const db::Recordset& tipos) {
+  std::string condicion;
   const auto id = Columna(tipos, "id_TipoLiq");
   const auto cond = Columna(tipos, "Cond");
   for (std::size_t fila = 0; fila < tipos.Cantidad(); ++fila) {
@@ -33,6 +38,7 @@ void ArmarCondicionDeTipos(const db::Recordset& tipos, std::string& condicion) {
     if (!propia.empty()) alternativa += " and " + propia;
     AgregarAlternativa(condicion, alternativa + ")");
   }
+  return condicion;
 }
 
 // Consecutive calendar records of one type and one condition.
@@ -52,7 +58,8 @@ base::Fecha FechaDeCelda(const base::Valor& valor) {
   return fecha != nullptr ? *fecha : base::Fecha{valor.Numero()};
 }
 
-void ArmarCondicionDeCalendario(const db::Recordset& calendario, std::string& condicion) {
+std::string CondicionDeCalendario(const db::Recordset& calendario) {
+  std::string condicion;
   const auto tipo = Columna(calendario, "id_TipoLiq");
   const auto fecha = Columna(calendario, "Fecha");
   const auto cond = Columna(calendario, "CondCalLiq");
@@ -70,13 +77,25 @@ void ArmarCondicionDeCalendario(const db::Recordset& calendario, std::string& co
         .append("#");
   }
   grupo.Cerrar(condicion);
+  return condicion;
 }
 
-void AgregarItems(formula::ListControl& combo, const db::Recordset& filas, std::size_t dato,
-                  std::size_t texto) {
+std::int64_t Dato(const base::Valor& valor) {
+  constexpr double kMaximo = 9e15;
+  const double numero = valor.NumeroOCero();
+  if (std::abs(numero) > kMaximo)
+    throw db::Error("El identificador " + valor.TextoCsv() + " es demasiado grande");
+  return static_cast<std::int64_t>(numero);
+}
+
+std::vector<formula::ItemLista> Items(const db::Recordset& filas, std::size_t dato, std::size_t texto) {
+  // A driver of another program may answer with less than it was asked for.
+  if (filas.Campos().size() <= std::max(dato, texto))
+    throw db::Error("La consulta no devolvió todas sus columnas.");
+  std::vector<formula::ItemLista> items;
   for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila)
-    combo.items.push_back({.texto = filas.En(texto, fila).TextoCsv(),
-                           .dato = static_cast<std::int64_t>(filas.En(dato, fila).NumeroOCero())});
+    items.push_back({.texto = filas.En(texto, fila).TextoCsv(), .dato = Dato(filas.En(dato, fila))});
+  return items;
 }
 
 void ElegirPrimero(formula::ListControl& combo) { combo.ListIndex = combo.items.empty() ? -1 : 0; }
@@ -96,8 +115,12 @@ void CargarCentrosDeCosto(const db::DbSession& sesion, const settings::Settings&
                           LiquidationTypes& tipos, base::SumideroErrores* errores) {
   DejarPorDefecto(tipos.cmbAgrupa);
   DejarPorDefecto(tipos.cmbAgrupaDef);
-  base::ErrorIgnorado("CargarTiposLiquidacion: cmbAgrupa", errores,
-                      [&] { AgregarItems(tipos.cmbAgrupa, Ejecutar(sesion, sql::CentrosDeCosto()), 0, 1); });
+  base::ErrorIgnorado("CargarTiposLiquidacion: cmbAgrupa", errores, [&] {
+    auto centros = Items(Ejecutar(sesion, sql::CentrosDeCosto()), 0, 1);
+    auto& items = tipos.cmbAgrupa.items;
+    items.insert(items.end(), std::make_move_iterator(centros.begin()),
+                 std::make_move_iterator(centros.end()));
+  });
   base::SumideroErrores motivos;
   formula::LlenarLista(tipos.cmbAgrupaDef, "CentroCosto", "++idCC,NombreCC", "", " - ", nullptr, sesion,
                        &motivos);
@@ -116,17 +139,16 @@ void CargarCentrosDeCosto(const db::DbSession& sesion, const settings::Settings&
 bool CargarTiposLiquidacion(const db::DbSession& sesion, const settings::Settings& opciones,
                             LiquidationTypes& tipos, base::SumideroErrores* errores) {
   tipos.TypeCondition.clear();
-  base::ErrorIgnorado("CargarTiposLiquidacion: TypeCondition", errores, [&] {
-    ArmarCondicionDeTipos(Ejecutar(sesion, sql::TiposActivos(sesion.idEmpresa)), tipos.TypeCondition);
-  });
   tipos.CalendarCondition.clear();
-  base::ErrorIgnorado("CargarTiposLiquidacion: CalendarCondition", errores, [&] {
-    ArmarCondicionDeCalendario(Ejecutar(sesion, sql::Calendario(sesion.idEmpresa)), tipos.CalendarCondition);
+  tipos.motivo_fallo.clear();
+  Cargar("CargarTiposLiquidacion: TypeCondition", errores, tipos.motivo_fallo, [&] {
+    tipos.TypeCondition = CondicionDeTipos(Ejecutar(sesion, sql::TiposActivos(sesion.idEmpresa)));
   });
-  base::ErrorIgnorado("CargarTiposLiquidacion: cmbLiquidaciones", errores, [&] {
-    const db::Recordset grupos = Ejecutar(sesion, sql::GruposDeTipos(sesion.idEmpresa));
-    tipos.cmbLiquidaciones.items.clear();
-    AgregarItems(tipos.cmbLiquidaciones, grupos, 0, 2);
+  Cargar("CargarTiposLiquidacion: CalendarCondition", errores, tipos.motivo_fallo, [&] {
+    tipos.CalendarCondition = CondicionDeCalendario(Ejecutar(sesion, sql::Calendario(sesion.idEmpresa)));
+  });
+  Cargar("CargarTiposLiquidacion: cmbLiquidaciones", errores, tipos.motivo_fallo, [&] {
+    tipos.cmbLiquidaciones.items = Items(Ejecutar(sesion, sql::GruposDeTipos(sesion.idEmpresa)), 0, 2);
     ElegirPrimero(tipos.cmbLiquidaciones);
   });
   MostrarAgrupacion(tipos, sesion.LiqAgrup);

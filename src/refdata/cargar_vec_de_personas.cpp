@@ -23,17 +23,19 @@ std::vector<PersonsIndex::Fila> LeerFilas(const db::Recordset& rs) {
 bool CargarVecDePersonas(const db::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
                          ports::Prompts& prompts, base::SumideroErrores* errores) {
   if (!sesion.Abierta()) {
+    indice.motivo_fallo = kBaseCerrada;
     prompts.Mostrar({.texto = "La Base no está Abierta", .icono = ports::Icono::Exclamacion});
     return false;
   }
   indice.Vaciar();
-  base::ErrorIgnorado("CargarVecDePersonas: PARFECHA", errores,
-                      [&] { Ejecutar(sesion, sql::GuardarMes(sesion.idEmpresa, mes)); });
-  base::ErrorIgnorado("CargarVecDePersonas: contratos", errores, [&] {
+  Cargar("CargarVecDePersonas: PARFECHA", errores, indice.motivo_fallo,
+         [&] { Ejecutar(sesion, sql::GuardarMes(sesion.idEmpresa, mes)); });
+  const bool bien = Cargar("CargarVecDePersonas: contratos", errores, indice.motivo_fallo, [&] {
     // the lower bound is the date as it is held, the upper one always the last day of its month
     const std::string texto = sql::Contratos(sesion.idEmpresa, mes, base::LastDayOfMonth(mes));
     indice.Reemplazar(LeerFilas(Ejecutar(sesion, texto)));
   });
+  if (bien) indice.motivo_fallo.clear();
   return true;
 }
 

@@ -20,6 +20,7 @@ inline constexpr std::int64_t kBaseTablas = 1000;
 // behind item i of the combo. Before a load, and after a failing one, the table is the single entry "-1".
 struct ConceptsCatalogue {
   formula::Vector tabla;
+  std::string motivo_fallo;           // why the last load could not read it, "" when it did
   formula::ListControl cmbConceptos;  // items "Codigo - Nombre", datum the id
 
   // FindInColumn(id, catalogue, 0): entry index or -1. The "-1" entry is nobody's concept and is never
@@ -27,7 +28,8 @@ struct ConceptsCatalogue {
   int Buscar(std::string_view id) const;
 };
 
-// Does nothing with the connection closed. A failing query leaves the single "-1" entry and an empty combo.
+// With the connection closed it only sets the reason. A failing query leaves the single "-1" entry and an
+// empty combo, and so does a fault of the storage, which travels on.
 void ActuLSTdeConceptos(const db::DbSession& sesion, const settings::Settings& opciones,
                         ConceptsCatalogue& catalogo, base::SumideroErrores* errores = nullptr);
 

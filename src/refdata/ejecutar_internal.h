@@ -8,11 +8,27 @@
 
 namespace refdata {
 
+inline constexpr std::string_view kBaseCerrada = "La Base no está Abierta";
+
 // Throws db::Error, for a closed or missing connection too: to the loaders that pass over failing statements
 // it is one more of them.
 inline db::Recordset Ejecutar(const db::DbSession& sesion, std::string_view sql) {
-  if (!sesion.Abierta()) throw db::Error("La Base no está Abierta");
+  if (!sesion.Abierta()) throw db::Error(std::string(kBaseCerrada));
   return sesion.conexion->Ejecutar(sql);
+}
+
+// Runs the step that fills a table. Its failure is noted, becomes the reason why the table is not read, and
+// is passed over; a fault of the storage travels on. A step that ended well leaves `motivo` alone.
+template <typename Paso>
+bool Cargar(std::string_view donde, base::SumideroErrores* errores, std::string& motivo, Paso&& paso) {
+  return base::ErrorIgnorado(donde, errores, [&] {
+    try {
+      paso();
+    } catch (const base::Error& e) {
+      motivo = e.Descripcion();
+      throw;
+    }
+  });
 }
 
 // Notes why a list could not be filled under the step that wanted it.

@@ -11,6 +11,9 @@
 namespace refdata {
 
 struct LiquidationTypes {
+  // Why the last load could not read the two conditions or the types' list, "" when it did. An empty
+  // condition lets every type apply: with a reason nothing may be imported.
+  std::string motivo_fallo;
   std::string TypeCondition;      // over the placeholder "[Consulta]"; empty: none
   std::string CalendarCondition;  // over the same placeholder
   // Datum 0 first ("0 - Sueldos") when there is a salary type, then one a type; the first one selected.
@@ -26,8 +29,10 @@ struct LiquidationTypes {
 };
 
 // Rebuilds all of it. Failing statements are noted and leave what was built before them: a condition is
-// emptied before its query, a combo only when its rows have come. Whether the window's layout is to be run
-// again is the result (true for a company that liquidates grouped).
+// emptied before its query and filled when all its rows were read, a combo emptied only when its rows have
+// come. A failing list of cost centres is no reason not to import. A fault of the storage becomes the reason
+// and travels on. Whether the window's layout is to be run again is the result (true for a company that
+// liquidates grouped).
 bool CargarTiposLiquidacion(const db::DbSession& sesion, const settings::Settings& opciones,
                             LiquidationTypes& tipos, base::SumideroErrores* errores = nullptr);
 

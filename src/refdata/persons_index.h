@@ -32,6 +32,10 @@ inline constexpr std::size_t kColumnasPersona = 11;
 
 class PersonsIndex {
  public:
+  // Why the last load could not read it, "" when it did: an index that is empty with a reason says nothing
+  // about who works here.
+  std::string motivo_fallo;
+
   std::size_t Cantidad() const { return filas_.size(); }
   // The value as text, "" for Null; numbers in the "." form.
   const std::string& Texto(int columna, std::size_t fila) const {
@@ -61,8 +65,10 @@ class PersonsIndex {
 };
 
 // Stores the month as PARFECHA and reads the contracts of the month. With the connection closed it shows "La
-// Base no está Abierta", leaves the index and returns false. Failing statements are noted in `errores` and
-// leave it empty. The caller then reloads the concepts catalogue, whatever failed.
+// Base no está Abierta", leaves the rows, sets the reason and returns false. Failing statements are noted in
+// `errores`: that of PARFECHA is passed over, that of the contracts leaves the index empty with its reason.
+// A fault of the storage leaves it so too and travels on. The caller then reloads the concepts catalogue,
+// whatever statement failed.
 bool CargarVecDePersonas(const db::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
                          ports::Prompts& prompts, base::SumideroErrores* errores = nullptr);
 

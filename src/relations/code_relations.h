@@ -38,6 +38,7 @@ class CodeRelations {
   // The last load's query failed: the table is empty because it could not be read, not because there is
   // nothing. Until a load succeeds nothing is saved over what could not be read.
   bool carga_fallida = false;
+  std::string motivo_fallo;  // why it could not, "" when it did
 
   // First relation whose external codes hold "," + code + "," (exact, letter case included), or -1. The code
   // may be any text. Constant time for a code without commas; the answers for others are remembered.
@@ -73,7 +74,8 @@ std::string SinComasExternas(std::string_view externos);
 
 // Rebuilds the table from its source: the concepts themselves (MismoCodigoDeOrsa), else the external-data
 // type of TomaConceptosDeBD, else the value "Conceptos" or the two default relations. `ajustes` is the text
-// of the settings file. A failing query is noted and leaves the table empty.
+// of the settings file. A failing query is noted and leaves the table empty with its reason; so does a fault
+// of the storage, which travels on.
 void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& opciones,
                         std::string_view ajustes, CodeRelations& relaciones,
                         base::SumideroErrores* errores = nullptr);
@@ -90,9 +92,10 @@ struct DatosRelacion {
 std::string RegistroDeRelacion(const DatosRelacion& datos);
 
 // Saving to DatExtDatos, when the external-data type is not 0: delete all of the type, insert one a relation.
-// Failing statements are noted and passed over. One transaction, so that a crash in between does not lose
-// the store.
-void GuardarRelacionesEnBase(const db::DbSession& sesion, const CodeRelations& relaciones,
-                             base::SumideroErrores* errores = nullptr);
+// All or nothing: the first statement that fails undoes what ran before it (a transaction of its own, or back
+// to a savepoint of the caller's) and is noted. Returns why the relations are not stored, "" when they are or
+// when there was nothing to store. A fault of the storage travels on, undone as far as the engine could.
+std::string GuardarRelacionesEnBase(const db::DbSession& sesion, const CodeRelations& relaciones,
+                                    base::SumideroErrores* errores = nullptr);
 
 }  // namespace relations

@@ -11,28 +11,47 @@ std::string CodigosAGuardar(std::string_view externos) {
   return largo < 2 ? std::string() : base::Mid(externos, 2, largo - 2);
 }
 
+void Guardar(db::Connection& conexion, const CodeRelations& relaciones) {
+  const std::int32_t tipo = relaciones.tipo_dato_externo;
+  conexion.Ejecutar(sql::BorrarDatosExternos(tipo));
+  for (std::size_t i = 0; i < relaciones.Cantidad(); ++i)
+    conexion.Ejecutar(sql::InsertarDatoExterno(tipo, relaciones.Campo(kConcepto, i),
+                                               CodigosAGuardar(relaciones.Campo(kExternos, i))));
+}
+
+// Inside a caller's transaction what came before stays the caller's.
+template <typename Paso>
+void TodoONada(db::Connection& conexion, Paso&& paso) {
+  const bool propia = !conexion.EnTransaccion();
+  propia ? conexion.BeginTrans() : conexion.SetSavepoint();
+  try {
+    paso();
+    propia ? conexion.CommitTrans() : conexion.ReleaseSavepoint();
+  } catch (const base::Error&) {
+    if (!propia)
+      conexion.RollbackToSavepoint();
+    else if (conexion.EnTransaccion())
+      conexion.RollbackTrans();
+    throw;
+  }
+}
+
 }  // namespace
 
-void GuardarRelacionesEnBase(const db::DbSession& sesion, const CodeRelations& relaciones,
-                             base::SumideroErrores* errores) {
-  const std::int32_t tipo = relaciones.tipo_dato_externo;
-  if (tipo == 0 || relaciones.carga_fallida) return;
-  constexpr std::string_view donde = "GuardarRelacionesEnBase";
-  if (!sesion.Abierta()) {
-    base::ErrorIgnorado(donde, errores, [] { throw db::Error("La Base no está Abierta"); });
-    return;
-  }
-  db::Connection& conexion = *sesion.conexion;
-  const auto paso = [&](auto&& hacer) { return base::ErrorIgnorado(donde, errores, hacer); };
-
-  const bool propia = !conexion.EnTransaccion() && paso([&] { conexion.BeginTrans(); });
-  paso([&] { conexion.Ejecutar(sql::BorrarDatosExternos(tipo)); });
-  for (std::size_t i = 0; i < relaciones.Cantidad(); ++i)
-    paso([&] {
-      conexion.Ejecutar(sql::InsertarDatoExterno(tipo, relaciones.Campo(kConcepto, i),
-                                                 CodigosAGuardar(relaciones.Campo(kExternos, i))));
-    });
-  if (propia && !paso([&] { conexion.CommitTrans(); })) paso([&] { conexion.RollbackTrans(); });
+std::string GuardarRelacionesEnBase(const db::DbSession& sesion, const CodeRelations& relaciones,
+                                    base::SumideroErrores* errores) {
+  if (relaciones.tipo_dato_externo == 0 || relaciones.carga_fallida) return {};
+  std::string motivo;
+  base::ErrorIgnorado("GuardarRelacionesEnBase", errores, [&] {
+    try {
+      if (!sesion.Abierta()) throw db::Error("La Base no está Abierta");
+      TodoONada(*sesion.conexion, [&] { Guardar(*sesion.conexion, relaciones); });
+    } catch (const base::Error& e) {
+      motivo = e.Descripcion();
+      throw;
+    }
+  });
+  return motivo;
 }
 
 }  // namespace relations

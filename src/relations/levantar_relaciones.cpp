@@ -41,18 +41,27 @@ std::string TextoDeAjuste(std::string_view ajustes) {
 void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& opciones,
                         std::string_view ajustes, CodeRelations& relaciones, base::SumideroErrores* errores) {
   relaciones.tipo_dato_externo = EnteroDeAjuste(settings::ValorDeTexto(ajustes, "TomaConceptosDeBD"));
-  std::string texto;
-  relaciones.carga_fallida = !base::ErrorIgnorado("LevantarRelaciones", errores, [&] {
-    if (opciones.MismoCodigoDeOrsa)
-      texto = FilasComoTexto(sesion,
-                             sql::ConceptosComoRelaciones(opciones.CodTipoNumerico, opciones.SoloDatosDeRel,
-                                                          opciones.ImportarCuotas));
-    else if (relaciones.tipo_dato_externo != 0)
-      texto = FilasComoTexto(sesion, sql::DatosExternosComoRelaciones(relaciones.tipo_dato_externo));
-    else
-      texto = TextoDeAjuste(ajustes);
+  relaciones.Reemplazar("");
+  relaciones.carga_fallida = true;
+  base::ErrorIgnorado("LevantarRelaciones", errores, [&] {
+    try {
+      std::string texto;
+      if (opciones.MismoCodigoDeOrsa)
+        texto = FilasComoTexto(sesion,
+                               sql::ConceptosComoRelaciones(opciones.CodTipoNumerico, opciones.SoloDatosDeRel,
+                                                            opciones.ImportarCuotas));
+      else if (relaciones.tipo_dato_externo != 0)
+        texto = FilasComoTexto(sesion, sql::DatosExternosComoRelaciones(relaciones.tipo_dato_externo));
+      else
+        texto = TextoDeAjuste(ajustes);
+      relaciones.Reemplazar(texto);
+      relaciones.carga_fallida = false;
+      relaciones.motivo_fallo.clear();
+    } catch (const base::Error& e) {
+      relaciones.motivo_fallo = e.Descripcion();
+      throw;
+    }
   });
-  relaciones.Reemplazar(texto);
 }
 
 }  // namespace relations

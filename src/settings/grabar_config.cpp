@@ -1,6 +1,5 @@
 #include <optional>
 
-#include "base/encoding.h"
 #include "base/file.h"
 #include "base/text.h"
 #include "settings/config_file.h"
@@ -14,8 +13,9 @@ void AgregarSaltoSalvoSi(std::string& texto, bool ya_esta) {
 }
 
 // None when the key has an opening tag that is never closed: what to remove is then unknown.
-std::optional<std::string> Reescribir(std::string_view texto, std::string_view clave,
-                                      std::string_view valor) {
+std::optional<std::string> Reescribir(std::string_view texto_dado, std::string_view clave,
+                                      std::string_view valor_dado) {
+  const std::string texto = ConCrLf(texto_dado), valor = ConCrLf(valor_dado);
   const auto [apertura, cierre] = EtiquetasDe(clave);
   std::string nuevo;
   const std::size_t desde = base::Buscar(texto, apertura, 0, base::Comparar::SinCaso);
@@ -25,7 +25,7 @@ std::optional<std::string> Reescribir(std::string_view texto, std::string_view c
   } else {
     const std::size_t hasta = base::Buscar(texto, cierre, desde, base::Comparar::SinCaso);
     if (hasta == std::string_view::npos) return std::nullopt;
-    const std::string_view entrada = texto.substr(desde, hasta + cierre.size() - desde);
+    const std::string entrada = texto.substr(desde, hasta + cierre.size() - desde);
     // Every entry that reads the same goes, not only the first.
     nuevo = base::Reemplazar(texto, entrada, "", base::Comparar::SinCaso);
     AgregarSaltoSalvoSi(nuevo, base::TerminaCon(nuevo, base::kCrLf));
@@ -48,10 +48,10 @@ std::string TextoConValor(std::string_view texto, std::string_view clave, std::s
 
 bool GrabarConfig(std::string_view ruta, std::string_view clave, std::string_view valor) {
   base::CrearSiFalta(ruta);
-  const auto bytes = base::LeerArchivo(ruta);
-  if (!bytes) return false;
-  const auto nuevo = Reescribir(base::DeCp1252(*bytes), clave, valor);
-  return nuevo && base::EscribirArchivo(ruta, base::ACp1252(*nuevo));
+  const Ajustes ajustes = LeerAjustes(ruta);
+  if (ajustes.estado != EstadoAjustes::Leido) return false;
+  const auto nuevo = Reescribir(ajustes.texto, clave, valor);
+  return nuevo && GuardarAjustes(ruta, *nuevo);
 }
 
 }  // namespace settings

@@ -23,9 +23,9 @@ FixedWidthLayout LayoutPorDefecto() { return {{1, 1, 6}, {2, 8, 3}, {3, 12, 9}, 
 FixedWidthLayout LayoutDeTexto(std::string_view valor) {
   FixedWidthLayout layout = LayoutPorDefecto();
   if (valor.empty()) return layout;
-  const bool con_crlf = base::Contiene(valor, base::kCrLf);
+  const std::string texto = ConCrLf(valor);
   std::vector<std::string_view> lineas, piezas;
-  base::SplitVistas(valor, con_crlf ? base::kCrLf : std::string_view("\n"), lineas);
+  base::SplitVistas(texto, base::kCrLf, lineas);
   if (lineas.size() > layout.size()) layout.resize(lineas.size());
   for (std::size_t j = 0; j < lineas.size(); ++j) {
     base::SplitVistas(lineas[j], "*", piezas);

@@ -1,4 +1,3 @@
-#include "base/encoding.h"
 #include "base/file.h"
 #include "base/text.h"
 #include "settings/config_file.h"
@@ -16,7 +15,9 @@ std::string SinSaltosDeBorde(std::string_view valor) {
 
 }  // namespace
 
-std::string ValorDeTexto(std::string_view texto, std::string_view clave) {
+std::string ValorDeTexto(std::string_view texto_dado, std::string_view clave) {
+  const std::string entero = ConCrLf(texto_dado);
+  const std::string_view texto = entero;
   if (base::TrimVista(clave) == "*") return SinSaltosDeBorde(texto);
   const auto [apertura, cierre] = EtiquetasDe(clave);
   const std::size_t etiqueta = base::Buscar(texto, apertura, 0, base::Comparar::SinCaso);
@@ -29,7 +30,7 @@ std::string ValorDeTexto(std::string_view texto, std::string_view clave) {
 
 std::string LeerConfig(std::string_view ruta, std::string_view clave) {
   base::CrearSiFalta(ruta);
-  return ValorDeTexto(base::DeCp1252(base::LeerArchivo(ruta).value_or(std::string())), clave);
+  return ValorDeTexto(LeerAjustes(ruta).texto, clave);
 }
 
 std::string RutaDeAjustes(std::string_view carpeta) { return base::UnirRuta(carpeta, "ImportDeMarcas.ini"); }

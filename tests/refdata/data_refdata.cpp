@@ -26,6 +26,13 @@ struct Estado {
   refdata::LiquidationTypes tipos;
 };
 
+// What was shown and noted, and why the table is not read.
+std::vector<std::string> AvisosY(Estado& e, const std::string& motivo) {
+  std::vector<std::string> lineas = e.base->Avisos();
+  if (!motivo.empty()) lineas.push_back("not read: " + motivo);
+  return lineas;
+}
+
 bool EsSi(const Bloque& b, const std::string& clave) { return b.Opcion(clave) == "SI"; }
 
 // sql <statement> empresa=1 …: the exact text.
@@ -48,7 +55,7 @@ std::string TextoSql(const Bloque& b) {
 std::string Personas(Estado& e, const Bloque& b) {
   const bool hecho = refdata::CargarVecDePersonas(e.base->sesion, FechaDeIso(b.Opcion("mes")), e.personas,
                                                   e.base->prompts, &e.base->errores);
-  std::vector<std::string> lineas = e.base->Avisos();
+  std::vector<std::string> lineas = AvisosY(e, e.personas.motivo_fallo);
   if (!hecho) lineas.push_back("not loaded");
   for (std::size_t fila = 0; fila < e.personas.Cantidad(); ++fila) {
     std::vector<std::string> celdas;
@@ -83,7 +90,7 @@ std::string Items(const formula::ListControl& combo) {
 // conceptos: item "datum=text" and the entry behind it; an entry without an item stands alone.
 std::string Conceptos(Estado& e, const Bloque&) {
   refdata::ActuLSTdeConceptos(e.base->sesion, e.base->opciones, e.conceptos, &e.base->errores);
-  std::vector<std::string> lineas = e.base->Avisos();
+  std::vector<std::string> lineas = AvisosY(e, e.conceptos.motivo_fallo);
   const auto& items = e.conceptos.cmbConceptos.items;
   const auto& tabla = e.conceptos.tabla;
   for (std::size_t i = 0; i < std::max(items.size(), tabla.Cantidad()); ++i) {
@@ -119,7 +126,7 @@ std::string Tipos(Estado& e, const Bloque& b) {
   const bool replantear =
       refdata::CargarTiposLiquidacion(e.base->sesion, e.base->opciones, e.tipos, &e.base->errores);
   const auto& t = e.tipos;
-  std::vector<std::string> lineas = e.base->Avisos();
+  std::vector<std::string> lineas = AvisosY(e, t.motivo_fallo);
   const auto parte = [&](const std::string& nombre, const std::string& texto) {
     if (b.opciones.empty() || b.Tiene(nombre)) lineas.push_back(base::Join({nombre, texto}, ": "));
   };

@@ -79,7 +79,10 @@ std::string Levantar(Estado& e, const Bloque& b) {
   std::string ajustes;
   for (const auto& [clave, valor] : valores) ajustes = settings::TextoConValor(ajustes, clave, valor);
   relations::LevantarRelaciones(e.base->sesion, e.base->opciones, ajustes, e.relaciones, &e.base->errores);
-  return Unidas(e.base->Avisos(), LineasDeTabla(e));
+  std::vector<std::string> avisos = e.base->Avisos();
+  if (!e.relaciones.motivo_fallo.empty()) avisos.push_back("not read: " + e.relaciones.motivo_fallo);
+  if (e.relaciones.carga_fallida == e.relaciones.motivo_fallo.empty()) avisos.push_back("NO REASON");
+  return Unidas(std::move(avisos), LineasDeTabla(e));
 }
 
 // pos: the relation of each code of the input.
@@ -152,8 +155,11 @@ support::Verbos Preparar() {
     return base::Reemplazar(e->relaciones.Texto(), "\r\n", "<CRLF>\n");
   };
   verbos["guardar"] = [e](const Bloque&) {
-    relations::GuardarRelacionesEnBase(e->base->sesion, e->relaciones, &e->base->errores);
-    return Unidas(e->base->Avisos(), std::exchange(e->base->conexion->sentencias, {}));
+    const std::string motivo =
+        relations::GuardarRelacionesEnBase(e->base->sesion, e->relaciones, &e->base->errores);
+    std::vector<std::string> avisos = e->base->Avisos();
+    if (!motivo.empty()) avisos.push_back("not stored: " + motivo);
+    return Unidas(std::move(avisos), std::exchange(e->base->conexion->sentencias, {}));
   };
   verbos["registro"] = Registro;
   verbos["editar"] = [e](const Bloque& b) { return Editar(*e, b); };
