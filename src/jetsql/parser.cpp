@@ -55,9 +55,35 @@ Parser::Parser(std::string_view sql, Literales literales) : sql_(sql), modo_(lit
       if (c == '[' || c == '`') FallaEn(t.inicio, "Error de sintaxis: falta el ']' que cierra el nombre");
       FallaEn(t.inicio, "Error de sintaxis: el carácter " + Citado(texto) + " no es válido");
     }
+    if (lexemas_.size() == kMaxTokens) FallaEn(t.inicio, "La sentencia es demasiado larga");
     lexemas_.push_back({t.clase, texto, t.inicio, EsLiteral(t.clase) ? literal++ : -1});
     if (t.clase == ClaseToken::Fin) break;
   }
+  PairBrackets();
+}
+
+void Parser::PairBrackets() {
+  std::vector<std::size_t> open;
+  for (std::size_t i = 0; i < lexemas_.size(); ++i) {
+    if (lexemas_[i].clase != ClaseToken::Signo) continue;
+    if (lexemas_[i].texto == "(") open.push_back(i);
+    if (lexemas_[i].texto != ")" || open.empty()) continue;
+    lexemas_[open.back()].closing = i + 1;
+    open.pop_back();
+  }
+  for (const std::size_t i : open) lexemas_[i].closing = lexemas_.size() - 1;
+}
+
+void Parser::Count(std::size_t count, int most, std::string_view what) const {
+  if (count > static_cast<std::size_t>(most))
+    FallaEn(Actual().inicio, std::string(what) + " no puede tener más de " + std::to_string(most));
+}
+
+// A table is made by the first query of a statement; anywhere else its name would be passed over.
+void Parser::RefuseIntoElsewhere(const Sentencia& s) const {
+  const auto* query = std::get_if<ConsultaPtr>(&s);
+  const std::size_t allowed = query != nullptr && !(*query)->partes[0].destino.empty() ? 1 : 0;
+  if (intos_ > allowed) FallaEn(last_into_, "INTO solo se admite en la primera consulta de la sentencia");
 }
 
 const Parser::Lexema& Parser::Mirar(std::size_t adelante) const {
@@ -145,6 +171,7 @@ std::string Parser::TextoDesde(std::size_t lexema) const {
 void Parser::LeerParametros() {
   if (!Come("PARAMETERS")) return;
   do {
+    Count(parametros_.size() + 1, kMaxColumns, "PARAMETERS");
     parametros_.push_back(LeerNombreLibre("el nombre de un parámetro"));
     while (Come("!") || Come(".")) parametros_.back() += "!" + LeerNombreLibre("un nombre");
     while (!Es(",") && !Es(";")) {  // its type, Text(20) for one
@@ -199,6 +226,7 @@ Sentencia Parser::LeerSentencia() {
   while (Come(";")) {
   }
   if (Actual().clase != ClaseToken::Fin) Falla("el final de la sentencia");
+  RefuseIntoElsewhere(s);
   return s;
 }
 

@@ -182,6 +182,7 @@ CrearTabla Parser::LeerCrearTabla() {
       s.restricciones.push_back(LeerRestriccion());
     else
       s.columnas.push_back(LeerColumna());
+    Count(s.columnas.size() + s.restricciones.size(), kMaxColumns, "Una tabla");
   } while (Come(","));
   Espera(")");
   return s;
@@ -202,6 +203,7 @@ CrearIndice Parser::LeerCrearIndice(bool unico) {
     else
       Come("ASC");
     s.columnas.push_back(std::move(c));
+    Count(s.columnas.size(), kMaxColumns, "Un índice");
   } while (Come(","));
   Espera(")");
   if (!Come("WITH")) return s;

@@ -7,6 +7,7 @@ std::vector<std::string> Parser::LeerListaDeNombres() {
   Espera("(");
   do {
     nombres.push_back(LeerNombre("el nombre de una columna"));
+    Count(nombres.size(), kMaxColumns, "Una lista de columnas");
   } while (Come(","));
   Espera(")");
   return nombres;
@@ -22,6 +23,7 @@ Insercion Parser::LeerInsercion() {
     Espera("(");
     do {
       s.valores.push_back(LeerExpr());
+      Count(s.valores.size(), kMaxColumns, "VALUES");
     } while (Come(","));
     Espera(")");
     return s;
@@ -43,6 +45,7 @@ Actualizacion Parser::LeerActualizacion() {
     Espera("=");
     a.valor = LeerExpr();
     s.cambios.push_back(std::move(a));
+    Count(s.cambios.size(), kMaxColumns, "SET");
   } while (Come(","));
   if (Come("WHERE")) s.donde = LeerExpr();
   return s;

@@ -71,6 +71,7 @@ ExprPtr Parser::Binario(Op op, ExprPtr a, ExprPtr b) const {
   if (cadena && a->nodo == Nodo::Binario && a->op == op) {
     const int altura = b->altura + 1;
     a->hijos.push_back(std::move(b));
+    Count(a->hijos.size(), kMaxChain, "Una cadena de AND, OR o &");
     if (altura > a->altura) {  // only the new operand is looked at: a chain may have thousands
       a->altura = altura;
       Alto(altura);
@@ -170,6 +171,7 @@ ExprPtr Parser::LeerEn(ExprPtr x, bool negado) {
   } else {
     do {
       e->hijos.push_back(LeerExpr());
+      Count(e->hijos.size() - 1, kMaxListed, "La lista de IN");
     } while (Come(","));
   }
   Espera(")");
@@ -263,6 +265,7 @@ ExprPtr Parser::LeerLlamada(std::string nombre) {
     e->distinto = Come("DISTINCT");
     do {
       e->hijos.push_back(LeerExpr());
+      Count(e->hijos.size(), kMaxColumns, "Una función");
     } while (Come(","));
   }
   Espera(")");

@@ -10,6 +10,13 @@
 
 namespace jetsql {
 
+// A text of any length is read, or refused, in a moment. Statements that the program writes are far inside.
+inline constexpr std::size_t kMaxTokens = 100'000;
+inline constexpr int kMaxColumns = 255;    // of a list of columns, values, keys or arguments, as in Access
+inline constexpr int kMaxListed = 20'000;  // values in IN (…)
+inline constexpr int kMaxTables = 64;      // of one FROM
+inline constexpr int kMaxChain = 10'000;   // conditions joined by AND, or by OR; pieces joined by &
+
 class Parser {
  public:
   Parser(std::string_view sql, Literales literales);
@@ -20,7 +27,8 @@ class Parser {
     ClaseToken clase;
     std::string_view texto;
     std::size_t inicio;
-    int literal;  // its index among the literals
+    int literal;              // its index among the literals
+    std::size_t closing = 0;  // of "(": the token behind its ")"
   };
 
   // Tokens (parser.cpp).
@@ -39,6 +47,10 @@ class Parser {
   void LeerParametros();
   bool EsParametro(const Expr& columna) const;
   void Alto(int altura) const;  // throws when a tree is too high
+  void PairBrackets();
+  // Throws when a list that grew to `count` has one too many: "… no puede tener más de …".
+  void Count(std::size_t count, int most, std::string_view what) const;
+  void RefuseIntoElsewhere(const Sentencia& s) const;
   std::string TextoDesde(std::size_t lexema) const;
 
   class Nivel;  // counts the recursion
@@ -99,7 +111,8 @@ class Parser {
   std::vector<Lexema> lexemas_;
   std::size_t i_ = 0;
   int nivel_ = 0;
-  std::vector<std::string> parametros_;  // the names that PARAMETERS declares
+  std::vector<std::string> parametros_;    // the names that PARAMETERS declares
+  std::size_t intos_ = 0, last_into_ = 0;  // SELECT … INTO met so far, and where the last one stands
 };
 
 // One step down into a text; too many end in an error, not in the end of the stack.

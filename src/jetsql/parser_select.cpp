@@ -4,7 +4,8 @@
 namespace jetsql {
 
 bool Parser::EmpiezaConsulta(std::size_t adelante) const {
-  while (Es("(", adelante)) ++adelante;
+  for (int open = 0; Es("(", adelante); ++adelante)
+    if (++open > kMaxColumns) return false;  // more than may nest: refused as brackets
   return Es("SELECT", adelante) || (Es("TABLE", adelante) && EsNombre(adelante + 1));
 }
 
@@ -68,8 +69,12 @@ Seleccion Parser::LeerSeleccion() {
   LeerPredicado(s);
   do {
     s.lista.push_back(LeerItem());
+    Count(s.lista.size(), kMaxColumns, "La lista de una consulta");
   } while (Come(","));
-  if (Come("INTO")) {
+  if (Es("INTO")) {
+    ++intos_;
+    last_into_ = Actual().inicio;
+    ++i_;
     s.destino = LeerNombre("el nombre de la tabla nueva");
     if (Es("IN")) NoSeAdmite("Una tabla de otra base de datos (IN)");
   }
@@ -79,6 +84,7 @@ Seleccion Parser::LeerSeleccion() {
     Espera("BY");
     do {
       s.grupo.push_back(LeerExpr());
+      Count(s.grupo.size(), kMaxColumns, "GROUP BY");
     } while (Come(","));
   }
   if (Come("HAVING")) s.teniendo = LeerExpr();
@@ -122,6 +128,7 @@ void Parser::LeerOrden(std::vector<ItemOrden>& orden) {
     else
       Come("ASC");
     orden.push_back(std::move(item));
+    Count(orden.size(), kMaxColumns, "ORDER BY");
   } while (Come(","));
 }
 
@@ -129,6 +136,7 @@ std::vector<RamaPtr> Parser::LeerDe() {
   std::vector<RamaPtr> de;
   do {
     de.push_back(LeerRama());
+    Count(de.size(), kMaxTables, "FROM");
   } while (Come(","));
   if (Es("IN")) NoSeAdmite("Una tabla de otra base de datos (IN)");
   return de;
@@ -183,15 +191,7 @@ std::string Parser::LeerAliasDeTabla() {
 bool Parser::AbreConsultaDerivada() const {
   if (!Es("(", 1)) return EmpiezaConsulta(1);
   if (!EmpiezaConsulta(1)) return false;
-  int abiertos = 0;
-  std::size_t j = 1;
-  do {
-    if (Es("(", j)) ++abiertos;
-    if (Es(")", j)) --abiertos;
-    if (Mirar(j).clase == ClaseToken::Fin) return false;
-    ++j;
-  } while (abiertos > 0);
-  return Es("UNION", j);
+  return Es("UNION", Mirar(1).closing - i_);
 }
 
 RamaPtr Parser::LeerHoja() {
@@ -224,6 +224,10 @@ RamaPtr Parser::LeerHoja() {
     interno.nivel_ = nivel_;
     Sentencia s = interno.LeerSentencia();
     fuente->consulta = std::move(std::get<ConsultaPtr>(s));
+    if (!fuente->consulta->partes[0].destino.empty()) {
+      ++intos_;
+      last_into_ = inicio.inicio;
+    }
   } else {
     fuente->nombre = std::move(nombre);
   }

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ctime>
 #include <string>
+#include <vector>
 
 #include "base/text.h"
 #include "jetsql/parser.h"
@@ -73,6 +75,90 @@ TEST(Limits, ALongConcatenationIsCutIntoCalls) {
     ++llamadas;
   }
   EXPECT_EQ(letras, 500 + llamadas - 1);  // every piece, and every inner call once
+}
+
+std::string Refusal(const std::string& sql) {
+  try {
+    Traducido(sql);
+  } catch (const base::Error& e) {
+    return e.Descripcion().substr(0, e.Descripcion().find(" (línea"));
+  }
+  return "no error";
+}
+
+struct List {
+  const char *start, *piece, *end;
+  const char* what;
+  int most;
+};
+
+// Each list is read with as many members as it may have, and refused with one more.
+TEST(Limits, ListsHaveAnEnd) {
+  for (const List& l :
+       {List{"select a", ",a", " from t", "La lista de una consulta", 255},
+        List{"select 1 from t group by a", ",a", "", "GROUP BY", 255},
+        List{"select a from t order by a", ",a", "", "ORDER BY", 255},
+        List{"select switch(a=1", ",1", ") from t", "Una función", 255},
+        List{"select a from t where a in (1", ",1", ")", "La lista de IN", 20000},
+        List{"select a from t where f in (#01/01/2020#", ",#02/01/2020#", ")", "La lista de IN", 20000},
+        List{"select a from t where a=1", " or a=2", "", "Una cadena de AND, OR o &", 10000},
+        List{"select a from t where a=1", " and a=2", "", "Una cadena de AND, OR o &", 10000},
+        List{"insert into t values (1", ",1", ")", "VALUES", 255},
+        List{"insert into t (a", ",a", ") values (1)", "Una lista de columnas", 255},
+        List{"update t set a=1", ",a=1", "", "SET", 255},
+        List{"create table z (c LONG", ",c LONG", ")", "Una tabla", 255},
+        List{"create index z on t (a", ",a", ")", "Un índice", 255},
+        List{"PARAMETERS [p] long", ",[p] long", "; select a from t", "PARAMETERS", 255},
+        List{"select 1 from t", ",t", "", "FROM", 64}}) {
+    const std::string refusal = std::string(l.what) + " no puede tener más de " + std::to_string(l.most);
+    EXPECT_NE(Refusal(l.start + Repetido(l.piece, l.most - 1) + l.end), refusal) << l.start;
+    EXPECT_EQ(Refusal(l.start + Repetido(l.piece, l.most) + l.end), refusal) << l.start;
+  }
+}
+
+// A megabyte of anything is read or refused at once; the processor's time, since others may be at work too.
+TEST(Limits, AMegabyteIsReadOrRefusedInAMoment) {
+  const std::vector<List> texts = {{"select a", ",a", " from t", "", 0},
+                                   {"select a from t where a in (1", ",1", ")", "", 0},
+                                   {"select a from t where a=1", " and a=1", "", "", 0},
+                                   {"select a from t where a=1", " and a in (1,2,3,4,5,6,7,8,9)", "", "", 0},
+                                   {"select 1", " union select 1", "", "", 0},
+                                   {"select ", "(", "", "", 0},
+                                   {"select * from ", "(", "", "", 0},
+                                   {"", "(", "select 1", "", 0},
+                                   {"select '", "x", "'", "", 0},
+                                   {"select '", "''", "'", "", 0},
+                                   {"select [", "x", "]", "", 0},
+                                   {"select ", "1", "", "", 0},
+                                   {"select", " ", "1", "", 0},
+                                   {"select 1", "\n", "!", "", 0},
+                                   {"select 1", ";", "", "", 0},
+                                   {"select dlookup('a','t','a=1", " or a=1", "')", "", 0},
+                                   {"PARAMETERS [p] ", "text(1)", "; select a from t", "", 0}};
+  for (const std::size_t size : {std::size_t{90'000}, std::size_t{1'000'000}})
+    for (const List& l : texts) {
+      const std::size_t fixed = std::string(l.start).size() + std::string(l.end).size();
+      const auto times = static_cast<int>((size - fixed) / std::string(l.piece).size());
+      const std::string sql = l.start + Repetido(l.piece, times) + l.end;
+      const std::clock_t before = std::clock();
+      Refusal(sql);
+      EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 1) << l.start << l.piece;
+    }
+}
+
+TEST(Limits, OnlyTheFirstQueryOfAStatementMakesATable) {
+  const std::string refusal = "INTO solo se admite en la primera consulta de la sentencia";
+  EXPECT_NE(Refusal("select a into z from t"), refusal);
+  EXPECT_NE(Refusal("(select a into z from t)"), refusal);
+  EXPECT_NE(Refusal("select a into z from t union select a from t"), refusal);
+  for (const char* sql :
+       {"select a from t union select a into z from t", "select a from t union all (select a into z from t)",
+        "select a into y from t union select a into z from t",
+        "select a from t where a in (select a into z from t)", "select (select a into z from t) from t",
+        "select * from (select a into z from t) as d", "select * from [select a into z from t]. as d",
+        "select a from t where exists (select a into z from t)", "create view v as select a into z from t",
+        "insert into t select a into z from t"})
+    EXPECT_EQ(Refusal(sql), refusal) << sql;
 }
 
 TEST(Limits, ALongSumEndsInAnError) {
