@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/error.h"
+#include "db/query_budget.h"
 #include "db/recordset.h"
 
 namespace db {
@@ -16,6 +17,20 @@ class Error : public base::Error {
  public:
   using base::Error::Error;
   explicit Error(const base::Error& e) : base::Error(e) {}  // of a layer below, as that of a connection
+};
+
+// A bounded query that used its budget up.
+class QueryInterrupted : public Error {
+ public:
+  enum class By { Work, Size };
+  explicit QueryInterrupted(By by)
+      : Error(by == By::Work ? "La consulta se interrumpió: da demasiado trabajo"
+                             : "La consulta se interrumpió: su resultado es demasiado grande"),
+        by_(by) {}
+  By Reason() const { return by_; }
+
+ private:
+  By by_;
 };
 
 class Connection {
@@ -30,6 +45,13 @@ class Connection {
   virtual Recordset Ejecutar(std::string_view sql) = 0;
   // The same for statements that may only read: anything that is not a query throws before it runs.
   virtual Recordset Consultar(std::string_view sql) = 0;
+  // The same for a text that nobody has looked at. Throws QueryInterrupted when it takes more than the budget
+  // has; an open transaction keeps what it holds. Reading tables in does not count. An engine without means
+  // of its own runs it to the end.
+  virtual Recordset QueryBounded(std::string_view sql, QueryBudget& budget) {
+    static_cast<void>(budget);
+    return Consultar(sql);
+  }
   // Rows inserted, changed or deleted by the last Ejecutar.
   virtual std::int64_t FilasAfectadas() const = 0;
 

@@ -218,7 +218,9 @@ db::Recordset ConexionMdb::Correr(std::string_view sql, bool solo_consulta) {
 db::Recordset ConexionMdb::CorrerFilas(std::string_view sql, bool solo_consulta) {
   db::Recordset filas;
   try {
-    filas = solo_consulta ? espejo_.conexion->Consultar(sql) : espejo_.conexion->Ejecutar(sql);
+    filas = budget_ != nullptr ? espejo_.conexion->QueryBounded(sql, *budget_)
+            : solo_consulta    ? espejo_.conexion->Consultar(sql)
+                               : espejo_.conexion->Ejecutar(sql);
   } catch (const base::Error&) {
     if (abierta_abajo_ && !en_transaccion_) Deshacer();
     throw;

@@ -33,6 +33,10 @@ class ConexionMdb final : public db::Connection {
   void Cerrar() override;
   db::Recordset Ejecutar(std::string_view sql) override { return EjecutarComo(sql, false); }
   db::Recordset Consultar(std::string_view sql) override { return EjecutarComo(sql, true); }
+  db::Recordset QueryBounded(std::string_view sql, db::QueryBudget& budget) override {
+    const db::BudgetInUse lent(budget_, budget);
+    return EjecutarComo(sql, true);
+  }
   std::int64_t FilasAfectadas() const override { return afectadas_; }
   void BeginTrans() override;
   void CommitTrans() override;
@@ -91,9 +95,10 @@ class ConexionMdb final : public db::Connection {
   std::unique_ptr<FuenteMdb> fuente_;
   engine_sqlite::Espejo espejo_;
   std::int64_t afectadas_ = 0;
-  bool en_transaccion_ = false;  // of BeginTrans
-  bool abierta_abajo_ = false;   // a transaction of SQLite is open, ours or BeginTrans's
-  bool definio_ = false;         // a definition ran in it
+  db::QueryBudget* budget_ = nullptr;  // of the bounded query that is running
+  bool en_transaccion_ = false;        // of BeginTrans
+  bool abierta_abajo_ = false;         // a transaction of SQLite is open, ours or BeginTrans's
+  bool definio_ = false;               // a definition ran in it
 };
 
 }  // namespace engine_mdb

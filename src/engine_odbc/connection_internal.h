@@ -4,6 +4,7 @@
 #include <string>
 #include <unordered_set>
 
+#include "engine_odbc/bounded_internal.h"
 #include "engine_odbc/catalog_internal.h"
 #include "engine_odbc/odbc_connection.h"
 
@@ -20,6 +21,7 @@ class ConexionOdbc final : public db::Connection {
   void Cerrar() override;
   db::Recordset Ejecutar(std::string_view sql) override;
   db::Recordset Consultar(std::string_view sql) override;
+  db::Recordset QueryBounded(std::string_view sql, db::QueryBudget& budget) override;
   std::int64_t FilasAfectadas() const override { return afectadas_; }
   void BeginTrans() override;
   void CommitTrans() override;
@@ -36,7 +38,7 @@ class ConexionOdbc final : public db::Connection {
   bool Autocommit(bool si);
   db::Recordset Correr(std::string_view sql);
   SQLRETURN Mandar(const std::string& texto);
-  db::Recordset Recoger(std::string_view sql);
+  db::Recordset Recoger(std::string_view sql, StatementLimits& limits);
   // The statement as the driver is to get it.
   std::string TextoParaElDriver(std::string_view sql);
   bool EstaMuerta() const;
@@ -51,6 +53,7 @@ class ConexionOdbc final : public db::Connection {
   CatalogoOdbc catalogo_{enlace_};
   std::unordered_set<std::string> sin_tocar_;  // shapes of statements whose text needs nothing
   std::int64_t afectadas_ = 0;
+  db::QueryBudget* budget_ = nullptr;  // of the bounded query that is running
   bool conectada_ = false;
   bool perdida_ = false;
   bool solo_lectura_ = false;

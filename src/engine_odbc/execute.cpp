@@ -60,6 +60,16 @@ db::Recordset ConexionOdbc::Consultar(std::string_view sql) {
   return Correr(sql);
 }
 
+db::Recordset ConexionOdbc::QueryBounded(std::string_view sql, db::QueryBudget& budget) {
+  const db::BudgetInUse lent(budget_, budget);
+  try {
+    return Consultar(sql);
+  } catch (const db::Error& e) {
+    if (TimedOut(e)) throw db::QueryInterrupted(db::QueryInterrupted::By::Work);
+    throw;
+  }
+}
+
 std::string ConexionOdbc::TextoParaElDriver(std::string_view sql) {
   jetsql::Forma forma;
   if (!jetsql::SepararLiterales(sql, forma) || sin_tocar_.contains(forma.clave)) return std::string(sql);
@@ -91,7 +101,8 @@ db::Recordset ConexionOdbc::Correr(std::string_view sql) {
     SQLSetStmtAttrW(cursor_.Crudo(), SQL_ATTR_NOSCAN, reinterpret_cast<SQLPOINTER>(SQL_NOSCAN_ON),
                     SQL_IS_UINTEGER);
   }
-  const CerrarCursor cerrar(cursor_);
+  StatementLimits limits(cursor_, budget_);
+  const CerrarCursor cerrar(cursor_);  // before the limits go: a driver may refuse to change them else
   const SQLRETURN rc = Mandar(texto);
   if (rc != SQL_NO_DATA && !SQL_SUCCEEDED(rc))  // no data: a change that found no row
     Fallar(SQL_HANDLE_STMT, cursor_.Crudo(), "La base no pudo ejecutar la sentencia");
@@ -100,7 +111,7 @@ db::Recordset ConexionOdbc::Correr(std::string_view sql) {
     sin_tocar_.clear();
   }
   if (rc == SQL_NO_DATA) return {nullptr, {}, std::string(sql)};
-  return Recoger(sql);
+  return Recoger(sql, limits);
 }
 
 SQLRETURN ConexionOdbc::Mandar(const std::string& texto) {
@@ -117,7 +128,7 @@ SQLRETURN ConexionOdbc::Mandar(const std::string& texto) {
   return SQLExecDirectW(cursor_.Crudo(), ancho.Datos(), ancho.Largo());
 }
 
-db::Recordset ConexionOdbc::Recoger(std::string_view sql) {
+db::Recordset ConexionOdbc::Recoger(std::string_view sql, StatementLimits& limits) {
   try {
     Lector lector(cursor_.Crudo());
     if (lector.Columnas()->empty()) {
@@ -125,7 +136,7 @@ db::Recordset ConexionOdbc::Recoger(std::string_view sql) {
       if (SQL_SUCCEEDED(SQLRowCount(cursor_.Crudo(), &filas)) && filas > 0) afectadas_ = filas;
       return {lector.Columnas(), {}, std::string(sql)};
     }
-    return {lector.Columnas(), lector.Filas(), std::string(sql)};
+    return {lector.Columnas(), lector.Filas(&limits), std::string(sql)};
   } catch (const db::Error& e) {
     if (EsDePerdida(e) || EstaMuerta()) Perder();
     throw;

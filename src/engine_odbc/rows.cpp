@@ -60,12 +60,14 @@ void Lector::Describir(SQLUSMALLINT i, db::Columnas& columnas) {
   columnas.push_back({nombre, TipoDe(lecturas_.back())});
 }
 
-std::vector<base::Valor> Lector::Filas() {
+std::vector<base::Valor> Lector::Filas(StatementLimits* limits) {
   std::vector<base::Valor> celdas;
   SQLRETURN rc = SQL_SUCCESS;
-  while (SQL_SUCCEEDED(rc = SQLFetch(cursor_)))
+  while (SQL_SUCCEEDED(rc = SQLFetch(cursor_))) {
     for (std::size_t i = 0; i < lecturas_.size(); ++i)
       celdas.push_back(Celda(static_cast<SQLUSMALLINT>(i + 1)));
+    if (limits != nullptr) limits->Row(celdas, lecturas_.size());
+  }
   if (rc != SQL_NO_DATA) Lanzar();
   return celdas;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "db/recordset.h"
+#include "engine_odbc/bounded_internal.h"
 #include "engine_odbc/odbc_internal.h"
 
 namespace engine_odbc {
@@ -46,7 +47,7 @@ class Lector {
 
   const std::shared_ptr<const db::Columnas>& Columnas() const { return columnas_; }
   // All rows that are left, cell by cell. Throws db::Error.
-  std::vector<base::Valor> Filas();
+  std::vector<base::Valor> Filas(StatementLimits* limits = nullptr);
 
  private:
   void Describir(SQLUSMALLINT i, db::Columnas& columnas);

@@ -3,6 +3,7 @@
 
 #include "base/number.h"
 #include "engine_sqlite/connection_internal.h"
+#include "engine_sqlite/work_limit_internal.h"
 
 namespace engine_sqlite {
 namespace {
@@ -219,6 +220,7 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
   }
   sqlite3_stmt* s = sentencia.get();
   const Reponer reponer(s);
+  WorkLimit limit(base_.get(), s, entorno_, budget_);
   const int parametros = sqlite3_bind_parameter_count(s);
   for (int i = 0; i < parametros && i < static_cast<int>(literales.size()); ++i)
     Ligar(s, i + 1, literales[i]);
@@ -228,7 +230,9 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
   while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
     if (!guardar) continue;
     for (int i = 0; i < ancho; ++i) celdas->push_back(DeColumna(s, i, (*p.columnas)[i].tipo));
+    limit.Row(*celdas, static_cast<std::size_t>(ancho));
   }
+  if (rc != SQLITE_DONE) limit.ThrowIfInterrupted();
   if (rc != SQLITE_DONE) LanzarDePaso();
   if (EsDeCambio(texto)) afectadas_ = sqlite3_changes64(base_.get());
 }

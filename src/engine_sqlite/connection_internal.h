@@ -23,6 +23,10 @@ class ConexionSqlite final : public db::Connection {
   void Cerrar() override;
   db::Recordset Ejecutar(std::string_view sql) override { return EjecutarComo(sql, false); }
   db::Recordset Consultar(std::string_view sql) override { return EjecutarComo(sql, true); }
+  db::Recordset QueryBounded(std::string_view sql, db::QueryBudget& budget) override {
+    const db::BudgetInUse lent(budget_, budget);
+    return EjecutarComo(sql, true);
+  }
   std::int64_t FilasAfectadas() const override { return afectadas_; }
   void BeginTrans() override;
   void CommitTrans() override;
@@ -73,6 +77,7 @@ class ConexionSqlite final : public db::Connection {
   jetsql::Forma forma_;  // of the statement that is running; kept for its memory
   Contadores contadores_;
   std::int64_t afectadas_ = 0;
+  db::QueryBudget* budget_ = nullptr;  // of the bounded query that is running
   bool en_transaccion_ = false;
   bool definio_ = false;  // a definition statement ran in the open transaction
   bool savepoint_ = false;

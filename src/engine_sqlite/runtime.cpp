@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <new>
@@ -15,10 +17,28 @@ struct Enlace {
   Registro registro;
   std::string nombre;
   Entorno* entorno;
+  bool searches;  // looks for one text in another, at every place of it in the worst case
 };
+
+// What a call costs a bounded statement, by the texts that it is given.
+std::size_t CostOfCall(const Enlace& enlace, std::span<sqlite3_value*> values) {
+  std::size_t bytes = 0, product = 1;
+  for (sqlite3_value* v : values) {
+    if (sqlite3_value_type(v) != SQLITE_TEXT) continue;
+    const auto size = static_cast<std::size_t>(sqlite3_value_bytes(v));
+    bytes += size;
+    if (product < std::size_t{1} << 31) product *= size + 1;
+  }
+  constexpr std::size_t kCall = 5;
+  return kCall + bytes / 2 + (enlace.searches ? product / 4 : 0);
+}
 
 void Despachar(sqlite3_context* contexto, int n, sqlite3_value** valores) {
   const auto& enlace = *static_cast<const Enlace*>(sqlite3_user_data(contexto));
+  if (enlace.entorno->steps_left != nullptr) {
+    enlace.entorno->Charge(CostOfCall(enlace, {valores, static_cast<std::size_t>(n)}));
+    if (enlace.entorno->Exhausted()) return sqlite3_result_error_code(contexto, SQLITE_INTERRUPT);
+  }
   try {
     Llamada llamada(contexto, {valores, static_cast<std::size_t>(n)}, *enlace.entorno,
                     enlace.registro.etiquetada);
@@ -32,8 +52,14 @@ void Despachar(sqlite3_context* contexto, int n, sqlite3_value** valores) {
 
 void DestruirEnlace(void* enlace) { delete static_cast<Enlace*>(enlace); }
 
+bool Searches(std::string_view name) {
+  constexpr std::string_view kThose[] = {"jet_like", "jet_instr", "jet_instrrev", "jet_replace"};
+  return std::find(std::begin(kThose), std::end(kThose), name) != std::end(kThose);
+}
+
 void RegistrarUna(sqlite3* base, Entorno& entorno, const Registro& registro) {
-  auto enlace = std::make_unique<Enlace>(Enlace{registro, registro.nombre, &entorno});
+  auto enlace =
+      std::make_unique<Enlace>(Enlace{registro, registro.nombre, &entorno, Searches(registro.nombre)});
   const int marcas = SQLITE_UTF8 | SQLITE_INNOCUOUS | (registro.determinista ? SQLITE_DETERMINISTIC : 0);
   Enlace* propio = enlace.release();  // SQLite destroys it, also when the call fails
   sqlite3_create_function_v2(base, propio->nombre.c_str(), registro.argumentos, marcas, propio, Despachar,
@@ -41,9 +67,12 @@ void RegistrarUna(sqlite3* base, Entorno& entorno, const Registro& registro) {
 }
 
 int CotejarJet(void* dato, int na, const void* a, int nb, const void* b) {
-  const auto& entorno = *static_cast<const Entorno*>(dato);
+  auto& entorno = *static_cast<Entorno*>(dato);
   const std::string_view x(static_cast<const char*>(a), static_cast<std::size_t>(na));
   const std::string_view y(static_cast<const char*>(b), static_cast<std::size_t>(nb));
+  constexpr std::size_t kComparison = 4;
+  entorno.Charge(kComparison + std::min(x.size(), y.size()) / 4);
+  if (entorno.Exhausted()) return x.compare(y);  // a sort is not interrupted half-way, but it may be quick
   try {
     return base::CompararTexto(x, y, entorno.orden);
   } catch (
@@ -259,6 +288,7 @@ void Llamada::DarNumero(double v) {
 }
 
 void Llamada::DarTexto(std::string_view v) {
+  entorno_.Charge(v.size() / 2);
   sqlite3_result_text64(contexto_, v.data() == nullptr ? "" : v.data(), v.size(), SQLITE_TRANSIENT,
                         SQLITE_UTF8);
 }

@@ -38,6 +38,14 @@ struct Entorno {
   bool fallo = false;
   std::string descripcion;
   int numero = 0;
+
+  // What a bounded statement may still take (see work_limit_internal.h); null for any other. A function that
+  // works on long texts takes more than the one step that it is to SQLite.
+  std::int64_t* steps_left = nullptr;
+  void Charge(std::size_t steps) {
+    if (steps_left != nullptr) *steps_left -= static_cast<std::int64_t>(steps);
+  }
+  bool Exhausted() const { return steps_left != nullptr && *steps_left < 0; }
 };
 
 // The errors of the dialect's runtime.

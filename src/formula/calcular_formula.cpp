@@ -21,7 +21,10 @@ float ASimple(double numero) {
 float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const CamposDeLinea& linea) {
   const std::string_view escrita = base::TrimVista(texto_formula);
   const auto formula = SinComodines(escrita, linea);
-  if (!formula) return 0;
+  if (!formula) {
+    ev.agotado = "La fórmula es demasiado larga con los datos de la línea";
+    return 0;
+  }
   std::string expresion = linea[kCantidad];
   if (!escrita.empty() && !formula->empty()) {
     // The operator is looked for in what the operator of the program wrote, not in what a wildcard put there.

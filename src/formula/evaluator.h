@@ -30,7 +30,8 @@ struct Evaluador {
   // depth of calls or an amount of work the evaluation is given up with one box.
   int profundidad = 0;
   std::size_t esfuerzo = 0;
-  const char* agotado = nullptr;  // why it was given up
+  db::QueryBudget consultas;      // what its statements may still take together
+  const char* agotado = nullptr;  // why it was given up; stays until the next one starts
   bool agotado_avisado = false;
   // The last step of the last evaluation failed, or it was given up: its result is the text itself.
   bool sin_valor = false;

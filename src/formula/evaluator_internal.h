@@ -27,7 +27,11 @@ class Nivel {
   Evaluador& ev_;
 };
 void Gastar(Evaluador& ev, std::size_t trabajo);
+// Gives the evaluation under way up. `motivo` outlives it.
+[[noreturn]] void Abandonar(Evaluador& ev, const char* motivo);
 inline constexpr std::size_t kTrabajoDeConsulta = 25'000;  // a statement, in bytes of text gone over
+inline constexpr std::size_t kTrabajoPorByteDeConsulta = 16;
+inline constexpr std::size_t kTextoMaximo = std::size_t{1} << 22;
 
 // base::Reemplazar, with an error instead of a text beyond all measure.
 std::string ReemplazarAcotado(std::string_view texto, std::string_view de, std::string_view por,

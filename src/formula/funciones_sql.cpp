@@ -6,12 +6,22 @@
 namespace formula {
 namespace {
 
-// A line of an import file reaches this text: only what reads may run.
+constexpr const char* kDemasiadoTrabajo =
+    "La consulta de la fórmula se interrumpió: da demasiado trabajo a la base";
+constexpr const char* kDemasiadoGrande =
+    "La consulta de la fórmula se interrumpió: su resultado es demasiado grande";
+
+// A line of an import file reaches this text: only what reads may run, and only for so long. An interrupted
+// query has no value, not even the default of one that fails: a quantity of 0 would look like one.
 db::Recordset Consultar(Evaluador& ev, std::string_view texto) {
-  Gastar(ev, kTrabajoDeConsulta);
+  Gastar(ev, kTrabajoDeConsulta + kTrabajoPorByteDeConsulta * texto.size());
   if (ev.sesion == nullptr || !ev.sesion->Abierta())
     throw db::Error("No se ha conectado con la base de datos");
-  return ev.sesion->conexion->Consultar(sql::DeFormula(texto));
+  try {
+    return ev.sesion->conexion->QueryBounded(sql::DeFormula(texto), ev.consultas);
+  } catch (const db::QueryInterrupted& e) {
+    Abandonar(ev, e.Reason() == db::QueryInterrupted::By::Work ? kDemasiadoTrabajo : kDemasiadoGrande);
+  }
 }
 
 }  // namespace
@@ -34,6 +44,7 @@ std::string FuncionLista(Evaluador& ev, std::string_view x) {
     const db::Recordset filas = Consultar(ev, partes[0]);
     for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila) {
       if (fila > 0) lista += partes[1];
+      if (lista.size() > kTextoMaximo) Abandonar(ev, kDemasiadoGrande);
       for (std::size_t campo = 0; campo < filas.Campos().size(); ++campo)
         lista += filas.En(campo, fila).Texto(ev.locale);
     }

@@ -10,7 +10,6 @@ constexpr int kProfundidadMaxima = 1000;
 // Bytes of text gone over. An ordinary formula takes some thousands; this much takes a second at most.
 constexpr std::size_t kEsfuerzoMaximo = std::size_t{1} << 26;
 constexpr std::size_t kTrabajoDeLlamada = 64;
-constexpr std::size_t kTextoMaximo = std::size_t{1} << 22;
 
 constexpr const char* kDemasiadoLarga = "La fórmula es demasiado larga o compleja";
 constexpr const char* kDemasiadosNiveles = "La fórmula tiene demasiados niveles";
@@ -21,6 +20,11 @@ void Comprobar(const Evaluador& ev) {
 
 }  // namespace
 
+void Abandonar(Evaluador& ev, const char* motivo) {
+  ev.agotado = motivo;
+  throw base::Error(motivo);
+}
+
 void Gastar(Evaluador& ev, std::size_t trabajo) {
   ev.esfuerzo += trabajo;
   if (ev.agotado == nullptr && ev.esfuerzo > kEsfuerzoMaximo) ev.agotado = kDemasiadoLarga;
@@ -30,6 +34,7 @@ void Gastar(Evaluador& ev, std::size_t trabajo) {
 Nivel::Nivel(Evaluador& ev, std::size_t largo) : ev_(ev) {
   if (ev.profundidad == 0) {
     ev.esfuerzo = 0;
+    ev.consultas = {};
     ev.agotado = nullptr;
     ev.agotado_avisado = ev.sin_valor = false;
   }

@@ -20,6 +20,7 @@ std::string ReemplazaComodines(std::string_view formula, const CamposDeLinea& li
 
 // The new quantity of a line by the text of the formula box, from field 3 of the line. 0 when the formula has
 // no value, when its value does not start with a number, or when that number passes the single precision.
+// When the evaluation was given up (ev.agotado) the 0 is no quantity: the line is to be refused.
 float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const CamposDeLinea& linea);
 
 }  // namespace formula

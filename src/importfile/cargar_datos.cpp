@@ -92,7 +92,8 @@ class Cargador {
   void CargarLinea(std::size_t numero, std::string_view linea);
   std::span<const std::string_view> Cortar(std::string_view linea);
   void ApartarMalFormada(std::size_t numero, std::span<const std::string_view> piezas);
-  bool PasaElFiltro(const formula::CamposDeLinea& campo, int relacion);
+  bool PasaElFiltro(ImportRow& fila, int relacion);
+  void RechazarSiSeAbandono(ImportRow& fila) const;
 
   const EntradaCarga& entrada_;
   // Of its own: an option that the operator changes while events are pumped must not split one load in two.
@@ -199,24 +200,34 @@ void Cargador::CargarLinea(std::size_t numero, std::string_view linea) {
   if (!ValeCero(campo[kValor])) carga_.hay_valor = true;
   progreso_.ActuBarra(-1);
   const int relacion = emparejador_.Emparejar(campo);
-  if (con_formula_)
+  if (con_formula_) {
     campo[kCantidad] =
         base::SqlDeSimple(formula::CalcularFormula(evaluador_, opciones_.FactMultiplica, campo));
+    RechazarSiSeAbandono(fila);
+  }
   progreso_.DoEvents();
-  if (!PasaElFiltro(campo, relacion)) {
+  if (!PasaElFiltro(fila, relacion)) {
     carga_.aparte.push_back({numero, false, std::move(campo)});
     carga_.filas.pop_back();
   }
   progreso_.ActuBarra(-1);
 }
 
-bool Cargador::PasaElFiltro(const formula::CamposDeLinea& campo, int relacion) {
+// What was given up has no value: neither its 0 nor a condition that "does not hold" may pass for one.
+void Cargador::RechazarSiSeAbandono(ImportRow& fila) const {
+  if (evaluador_.agotado != nullptr && fila.rechazo.empty()) fila.rechazo = evaluador_.agotado;
+}
+
+// A line whose condition could not be decided is kept, and refused.
+bool Cargador::PasaElFiltro(ImportRow& fila, int relacion) {
   if (!con_filtro_) return true;
   // "Tipo EnList " + all external codes, in closed form: evaluated, a code with "-" or "OR" in it would lose
   // its lines.
   if (entrada_.filtro == FiltroPor::Relacion) return relacion >= 0;
-  const std::string condicion = formula::ReemplazaComodines(opciones_.TextoDeFiltro, campo);
-  return base::Parse(formula::EvaluarTexto(evaluador_, "EVAL(" + condicion + ")")) != 0;
+  const std::string condicion = formula::ReemplazaComodines(opciones_.TextoDeFiltro, fila.campo);
+  const bool cumple = base::Parse(formula::EvaluarTexto(evaluador_, "EVAL(" + condicion + ")")) != 0;
+  RechazarSiSeAbandono(fila);
+  return cumple || evaluador_.agotado != nullptr;
 }
 
 }  // namespace

@@ -46,7 +46,10 @@ bool EvaluacionVisible(std::string_view plantilla, const formula::CamposDeLinea&
 std::string NombreDeCuota(Corrida& c, int TipoCuota, const formula::CamposDeLinea& campos) {
   const std::string& plantilla = c.opciones->TextoTipoCuota;
   if (TipoCuota == 0 && !EvaluacionVisible(plantilla, campos)) return {};
-  return formula::EvaluarTexto(*c.evaluador, "#" + formula::ReemplazaComodines(plantilla, campos) + "#");
+  std::string nombre =
+      formula::EvaluarTexto(*c.evaluador, "#" + formula::ReemplazaComodines(plantilla, campos) + "#");
+  if (TipoCuota != 0 && c.evaluador->agotado != nullptr) throw base::Error(c.evaluador->agotado);
+  return nombre;
 }
 
 void Insertar(Escritura& e, float cantidad, float coeficiente) {

@@ -82,6 +82,7 @@ std::string ImportarFila(const EntradaImportacion& e, Corrida& c, const ImportRo
   if (persona < 0) return "La Persona no existe o no tiene contrato activo en el mes seleccionado";
   const int relacion = e.relaciones->PosEnVecConc(fila.campo[importfile::kTipo]);
   if (relacion < 0) return "Tipo No asosciado con concepto de Orsa";
+  if (!fila.rechazo.empty()) return fila.rechazo;
   Destino d = DestinoDe(e, static_cast<std::size_t>(relacion), fila);
   if (d.cantidad == 0 && e.opciones->NoImpCantEn0) return "Cantidad En 0 (Conf. No importar)";
   // Before the writer clears what the line was to replace.

@@ -5,6 +5,8 @@
 //   query            the rows of the last statement (the others are run before it); "rowsort" where their
 //                    order is free, "head" for the columns and their types
 //   error            the text of the last statement's failure; "read": asked as one that may only read
+//   bounded          the statements as bounded queries that share a budget (steps= rows= bytes=, else its own
+//                    sizes): the rows of the last one, or the text of a failure
 //   tables           for each table named, a line a row, sorted
 //   open             a new base: clock=AAAA-MM-DD[Thh:mm:ss] locale=en mode=dao order=general|traditional
 //   reopen           the same base, closed and opened again
@@ -93,6 +95,25 @@ std::string Fallar(Mesa& mesa, const Bloque& bloque) {
   return "no error";
 }
 
+std::string Bounded(Mesa& mesa, const Bloque& bloque) {
+  db::QueryBudget budget;
+  const auto size = [&](const char* name, std::int64_t& part) {
+    if (const std::string text = bloque.Opcion(name); !text.empty()) part = std::stoll(text);
+  };
+  size("steps", budget.steps);
+  size("rows", budget.rows);
+  size("bytes", budget.bytes);
+  db::Recordset rows;
+  try {
+    for (const std::string& sql : Sentencias(bloque.entrada)) rows = mesa.base->QueryBounded(sql, budget);
+  } catch (const db::QueryInterrupted& e) {
+    return e.IsStorageFault() ? "a fault of the storage" : support::TextoDeError(e);
+  } catch (const db::Error& e) {
+    return "no interruption: " + support::TextoDeError(e);
+  }
+  return support::Filas(rows, bloque.Tiene("rowsort"));
+}
+
 std::string Tablas(Mesa& mesa, const Bloque& bloque) {
   std::string salida;
   std::istringstream nombres(bloque.entrada);
@@ -139,6 +160,7 @@ support::Verbos Preparar() {
   };
   verbos["query"] = [mesa](const Bloque& b) { return Consultar(*mesa, b); };
   verbos["error"] = [mesa](const Bloque& b) { return Fallar(*mesa, b); };
+  verbos["bounded"] = [mesa](const Bloque& b) { return Bounded(*mesa, b); };
   verbos["tables"] = [mesa](const Bloque& b) { return Tablas(*mesa, b); };
   verbos["begin"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->BeginTrans(); }); };
   verbos["commit"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->CommitTrans(); }); };

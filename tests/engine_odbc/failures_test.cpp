@@ -205,4 +205,30 @@ TEST_F(Fallos, NoSeConecta) {
                                "No existe ese origen de datos ODBC, o no dice qué driver usar: [unixODBC]"));
 }
 
+// Time stands for the work that nobody can count; only what is asked for with a budget has one.
+TEST_F(Fallos, ABoundedQueryIsInterruptedByItsTimeOrItsSize) {
+  Abrir();
+  const std::string work = "La consulta se interrumpió: da demasiado trabajo";
+  const auto bounded = [&](const std::string& sql, db::QueryBudget budget) {
+    try {
+      return support::Filas(base_->QueryBounded(sql, budget));
+    } catch (const db::QueryInterrupted& e) {
+      return e.Descripcion();
+    }
+  };
+  EXPECT_EQ(bounded("SELECT 'TARDA'", {}), work);
+  EXPECT_EQ(Filas("SELECT 'TARDA'"), "SELECT 'TARDA'");  // the operator's own statement, on the same cursor
+  EXPECT_EQ(bounded("SELECT 1", {}), "SELECT 1");
+  db::QueryBudget none;
+  none.steps = 0;
+  EXPECT_EQ(bounded("SELECT 1", none), work);
+  none = {};
+  none.bytes = 3;
+  EXPECT_EQ(bounded("SELECT 1", none), "La consulta se interrumpió: su resultado es demasiado grande");
+  none = {};
+  none.rows = 0;
+  EXPECT_EQ(bounded("SELECT 1", none), "La consulta se interrumpió: su resultado es demasiado grande");
+  EXPECT_EQ(ErrorDe("FALLA HYT00 x"), "La base no respondió a tiempo: x");
+}
+
 }  // namespace

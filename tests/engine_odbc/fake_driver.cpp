@@ -89,7 +89,11 @@ SQLRETURN SQL_API SQLEndTran(SQLSMALLINT, SQLHANDLE h, SQLSMALLINT como) {
   return Terminar(*e, como == SQL_COMMIT);
 }
 
-SQLRETURN SQL_API SQLSetStmtAttrW(SQLHSTMT, SQLINTEGER, SQLPOINTER, SQLINTEGER) { return SQL_SUCCESS; }
+SQLRETURN SQL_API SQLSetStmtAttrW(SQLHSTMT h, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER) {
+  if (attribute == SQL_ATTR_QUERY_TIMEOUT)
+    static_cast<Cursor*>(AObjeto(h))->timeout = reinterpret_cast<SQLULEN>(value);
+  return SQL_SUCCESS;
+}
 
 SQLRETURN SQL_API SQLExecDirectW(SQLHSTMT h, SQLWCHAR* texto, SQLINTEGER largo) {
   auto* c = static_cast<Cursor*>(AObjeto(h));

@@ -15,7 +15,8 @@
 //   PIERDE / MUERE                            the connection goes: by its state / by the attribute alone
 //   PIERDE_LEYENDO                            a row, and then the connection goes
 //   CUENTAS                                   autocommit, commits and rollbacks so far
-//   anything else                             one row: the text that came
+//   SELECT 'TARDA'                            never ends: one row all the same, or HYT00 when it is given a
+//   time anything else                             one row: the text that came
 #pragma once
 
 #include <sql.h>
@@ -82,6 +83,7 @@ struct Cursor : Objeto {
   std::size_t leido = 0;  // bytes of the cell that is being read
   SQLLEN cambiadas = -1;
   bool pierde_al_final = false;
+  SQLULEN timeout = 0;
 };
 
 // As the driver manager wants a text back: what fits, a NUL, and the whole length in characters.

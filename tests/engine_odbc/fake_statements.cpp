@@ -227,6 +227,8 @@ SQLRETURN Correr(Cursor& c, const Ancho& texto) {
     PonerUna(c, u"cuentas",
              DeAscii(std::to_string(e.autocommit) + " " + std::to_string(e.confirmadas) + " " +
                      std::to_string(e.deshechas)));
+  } else if (texto == u"SELECT 'TARDA'" && c.timeout > 0) {
+    return Fallar(&c, "HYT00", "[Prueba]Timeout " + std::to_string(c.timeout));
   } else {
     PonerUna(c, u"texto", texto);
   }

@@ -67,6 +67,61 @@ class EnMotor : public ::testing::Test {
   formula::Evaluador ev;
 };
 
+// Products of tables that never end. The evaluation has no value then, and the next one is as before.
+TEST_F(EnMotor, AQueryWithoutEndIsInterruptedAndSoIsItsFormula) {
+  std::string tablas = "Conceptos C0";
+  for (int i = 1; i < 20; ++i) tablas += ", Conceptos C" + std::to_string(i);
+  for (const std::string& consulta : std::vector<std::string>{
+           "SQL(CAMPO COUNT(*) EN " + tablas + ")", "8+SQL(CAMPO COUNT(*) EN " + tablas + ")",
+           "[LISTA(CAMPO C0.Codigo EN " + tablas + ";,)]",
+           "SI(SQL(CAMPO COUNT(*) EN " + tablas + ")=0;1;2)"}) {
+    avisos.cajas.clear();
+    Evaluar(consulta);
+    EXPECT_TRUE(ev.sin_valor) << consulta;
+    ASSERT_NE(ev.agotado, nullptr) << consulta;
+    EXPECT_EQ(std::string(ev.agotado).rfind("La consulta de la fórmula se interrumpió: ", 0), 0U)
+        << ev.agotado;
+    ASSERT_EQ(avisos.cajas.size(), 1U) << consulta;
+    EXPECT_EQ(Evaluar("SQL(CAMPO COUNT(*) EN Conceptos)"), "3");
+    EXPECT_EQ(ev.agotado, nullptr);
+  }
+}
+
+// Each of them is quick; together they are not.
+TEST_F(EnMotor, TheQueriesOfOneFormulaShareTheirLimit) {
+  const std::string una =
+      "+SQL(CAMPO COUNT(*) EN Conceptos A, Conceptos B, Conceptos C, Conceptos D, Conceptos E, "
+      "Conceptos F, Conceptos G, Conceptos H, Conceptos I, Conceptos J)";
+  EXPECT_EQ(Evaluar("0" + una), "59049");
+  EXPECT_EQ(ev.agotado, nullptr);
+  std::string muchas = "0";
+  for (int i = 0; i < 1000; ++i) muchas += una;
+  Evaluar(muchas);
+  ASSERT_NE(ev.agotado, nullptr);
+  EXPECT_STREQ(ev.agotado, "La consulta de la fórmula se interrumpió: da demasiado trabajo a la base");
+}
+
+TEST_F(EnMotor, AListHasAnEnd) {
+  // 59,049 rows with a separator of 100 characters are more than a text of the evaluator may be.
+  Evaluar(
+      "LISTA(CAMPO A.Codigo EN Conceptos A, Conceptos B, Conceptos C, Conceptos D, Conceptos E, "
+      "Conceptos F, Conceptos G, Conceptos H, Conceptos I, Conceptos J;" +
+      std::string(100, '-') + ")");
+  ASSERT_NE(ev.agotado, nullptr);
+  EXPECT_STREQ(ev.agotado, "La consulta de la fórmula se interrumpió: su resultado es demasiado grande");
+}
+
+TEST_F(EnMotor, AnInterruptedQueryLosesNothingOfTheTransaction) {
+  sesion.conexion->BeginTrans();
+  sesion.conexion->Ejecutar("Update CentroCosto set NombreCC='Cambiada' where idCC=12");
+  std::string tablas = "CentroCosto C0";
+  for (int i = 1; i < 40; ++i) tablas += ", CentroCosto C" + std::to_string(i);
+  Evaluar("SQL(CAMPO COUNT(*) EN " + tablas + ")");
+  EXPECT_NE(ev.agotado, nullptr);
+  sesion.conexion->CommitTrans();
+  EXPECT_EQ(Fila("select NombreCC from CentroCosto order by idCC"), "Obra Norte; Cambiada");
+}
+
 TEST_F(EnMotor, FormulaQueries) {
   EXPECT_EQ(Evaluar("SQL(CAMPO COUNT(*) EN Conceptos)"), "3");
   EXPECT_EQ(Evaluar("SQL(campo promedio(Factor) en Conceptos)"), "1,875");
