@@ -137,7 +137,8 @@ class Mesa {
     for (const auto& t : r.totales)
       salida += "TOTAL " + std::to_string(t.concepto) + " " + t.nombre + " " + std::to_string(t.lineas) +
                 " " + base::SqlDeNumero(t.cantidad) + "\n";
-    for (const auto& texto : cajas_.textos) salida += "BOX " + texto + "\n";
+    for (const auto& texto : cajas_.textos)
+      salida += "BOX " + base::Reemplazar(texto, base::kCrLf, " / ") + "\n";
     for (const auto& error : r.errores) salida += "ERR " + error.donde + ": " + error.descripcion + "\n";
     if (!salida.empty()) salida.pop_back();
     return salida;

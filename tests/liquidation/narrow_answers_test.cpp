@@ -1,0 +1,193 @@
+// An engine that answers with fewer columns than it was asked for, with none, or with no rows: each query of
+// a run in turn, from the persons to the last bulk update. It may cost lines, which say so; never a crash,
+// and never a quantity that nobody worked.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/text.h"
+#include "demo/demo_base.h"
+#include "engine_sqlite/sqlite_connection.h"
+#include "liquidation/cajas.h"
+#include "liquidation/importar.h"
+#include "refdata/concepts_catalogue.h"
+#include "refdata/liquidation_types.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+enum class Answer { OneColumnFewer, NoColumns, NoRows };
+
+// The embedded engine, where the n-th query (0: every one) is answered so.
+class NarrowConnection final : public db::Connection {
+ public:
+  explicit NarrowConnection(const ports::Clock& reloj) {
+    engine_sqlite::Opciones opciones;
+    opciones.reloj = &reloj;
+    motor_ = engine_sqlite::Abrir(":memory:", opciones);
+  }
+  void Narrow(Answer answer, int which) {
+    answer_ = answer;
+    which_ = which;
+    queries_ = 0;
+    on_ = true;
+  }
+  void Whole() { on_ = false; }
+  int Queries() const { return queries_; }
+
+  bool Abierta() const override { return motor_->Abierta(); }
+  void Cerrar() override { motor_->Cerrar(); }
+  db::Recordset Ejecutar(std::string_view sql) override { return Cut(motor_->Ejecutar(sql)); }
+  db::Recordset Consultar(std::string_view sql) override { return Cut(motor_->Consultar(sql)); }
+  std::int64_t FilasAfectadas() const override { return motor_->FilasAfectadas(); }
+  void BeginTrans() override { motor_->BeginTrans(); }
+  void CommitTrans() override { motor_->CommitTrans(); }
+  void RollbackTrans() override { motor_->RollbackTrans(); }
+  bool EnTransaccion() const override { return motor_->EnTransaccion(); }
+  void SetSavepoint() override { motor_->SetSavepoint(); }
+  void RollbackToSavepoint() override { motor_->RollbackToSavepoint(); }
+  void ReleaseSavepoint() override { motor_->ReleaseSavepoint(); }
+
+ private:
+  db::Recordset Cut(db::Recordset whole) {
+    if (!on_ || whole.Campos().empty()) return whole;
+    ++queries_;
+    if (which_ != 0 && which_ != queries_) return whole;
+    auto columns = std::make_shared<db::Columnas>(whole.Campos());
+    if (answer_ == Answer::NoColumns) columns->clear();
+    if (answer_ == Answer::OneColumnFewer) columns->pop_back();
+    std::vector<base::Valor> cells;
+    for (std::size_t row = 0; answer_ != Answer::NoRows && row < whole.Cantidad(); ++row)
+      for (std::size_t c = 0; c < columns->size(); ++c) cells.push_back(whole.En(c, row));
+    return {std::move(columns), std::move(cells), whole.Fuente()};
+  }
+
+  std::unique_ptr<db::Connection> motor_;
+  Answer answer_ = Answer::OneColumnFewer;
+  int which_ = 0, queries_ = 0;
+  bool on_ = false;
+};
+
+struct Outcome {
+  int queries = 0;
+  std::vector<std::string> results;  // of the rows
+  std::size_t noted = 0;             // failures that were passed over, and boxes
+  double hours = 0;                  // written for the contract
+};
+
+const base::Fecha kMonth = base::FechaDe(2026, 10, 1);
+
+// A whole run over the demo's month: contract 117, card 7005, 8 and 2 hours and one ticket.
+Outcome Run(Answer answer, int which, bool narrow = true) {
+  const ports::RelojFijo reloj(base::FechaDe(2026, 10, 20));
+  auto own = std::make_unique<NarrowConnection>(reloj);
+  NarrowConnection& base = *own;
+  demo::LlenarBase(base, kMonth);
+  db::DbSession sesion;
+  sesion.conexion = std::move(own);
+  sesion.reloj = &reloj;
+  sesion.idEmpresa = 1;
+  sesion.LiqAgrup = true;
+  settings::Settings opciones;
+  opciones.Configura = 2;
+  opciones.TotalizarConc = opciones.SumarAyaIng = true;
+  opciones.FactMultiplica = "*SQL(CAMPO COUNT(*) EN Empresa SOLOSI idEmpresa=1)";
+  opciones.TextoDeFiltro = "LISTA(CAMPO id_Moneda,id_Moneda EN Monedas;,)<>X";
+  prueba::Cajas cajas;
+  base::SumideroErrores errores;
+  formula::Evaluador evaluador;
+  evaluador.sesion = &sesion;
+  evaluador.prompts = &cajas;
+  evaluador.reloj = &reloj;
+  refdata::PersonsIndex personas;
+  refdata::ConceptsCatalogue conceptos;
+  refdata::LiquidationTypes tipos;
+  relations::CodeRelations relaciones;
+  formula::TablasUsuario tablas;
+  ports::SinProgreso progreso;
+  const support::CarpetaTemporal carpeta;
+
+  if (narrow) base.Narrow(answer, which);
+  refdata::CargarTiposLiquidacion(sesion, opciones, tipos, &errores);
+  base::ErrorIgnorado("tablas", &errores, [&] { tablas.CargarTablasUsuario(sesion, -1); });
+  refdata::CargarVecDePersonas(sesion, kMonth, personas, cajas, &errores);
+  refdata::ActuLSTdeConceptos(sesion, opciones, conceptos, &errores);
+  relaciones.Reemplazar("NOR*65535*,1,*7*Horas Comunes*0\r\nTK*65535*,9,*1005*Tickets*0");
+
+  importfile::EntradaCarga c;
+  c.txtRuta = carpeta.Escribir("horas.txt", "7005;1;8\r\n7005;1;2\r\n7005;9;1\r\n");
+  c.opciones = &opciones;
+  c.filtro = importfile::FiltroPor::Texto;
+  c.personas = &personas;
+  c.conceptos = &conceptos;
+  c.relaciones = &relaciones;
+  c.evaluador = &evaluador;
+  c.prompts = &cajas;
+  c.progreso = &progreso;
+  importfile::Carga carga = importfile::CargarDatos(c);
+
+  liquidation::EntradaImportacion e;
+  e.sesion = &sesion;
+  e.opciones = &opciones;
+  e.personas = &personas;
+  e.relaciones = &relaciones;
+  e.evaluador = &evaluador;
+  e.tablas = &tablas;
+  e.prompts = &cajas;
+  e.progreso = &progreso;
+  e.mes = kMonth;
+  e.condiciones = {liquidation::TypeFilterDe(tipos.cmbLiquidaciones), tipos.TypeCondition,
+                   tipos.CalendarCondition};
+  e.texto_liquidacion = "0 - Sueldos";
+  const liquidation::Importacion importacion = liquidation::Importar(e, carga.filas);
+
+  Outcome outcome;
+  outcome.queries = base.Queries();
+  base.Whole();
+  for (const auto& fila : carga.filas) outcome.results.push_back(fila.resultado);
+  outcome.noted = errores.size() + importacion.errores.size() + cajas.textos.size();
+  const auto rs = base.Consultar(
+      "Select Sum(D.Cantidad) From Datos_Liquidacion as D inner join Encabezados as E on "
+      "D.id_Encabezado=E.id_Encabezado Where E.id_Contrato=117 and D.id_Concepto=7");
+  outcome.hours = rs.En(0, 0).NumeroOCero();
+  return outcome;
+}
+
+TEST(NarrowAnswers, AWholeRunHasTenHours) {
+  const Outcome whole = Run(Answer::NoRows, 0, false);
+  EXPECT_EQ(base::Join(whole.results, "|"), "OK|OK|OK");
+  EXPECT_EQ(whole.hours, 10);
+  EXPECT_EQ(whole.noted, 0U);
+}
+
+class EachQuery : public ::testing::TestWithParam<Answer> {};
+
+TEST_P(EachQuery, OfARunInTurn) {
+  int queries = 1, told = 0;
+  for (int which = 1; which <= queries; ++which) {
+    const Outcome outcome = Run(GetParam(), which);
+    if (which == 1) queries = outcome.queries;
+    bool all_ok = outcome.results.size() == 3;
+    for (const std::string& result : outcome.results) {
+      EXPECT_FALSE(result.empty()) << which;
+      all_ok = all_ok && result == "OK";
+    }
+    EXPECT_LE(outcome.hours, 10) << which;
+    told += outcome.noted > 0 || !all_ok ? 1 : 0;
+  }
+  EXPECT_GT(queries, 10);
+  if (GetParam() != Answer::NoRows) EXPECT_GT(told, queries / 2);
+  const Outcome all = Run(GetParam(), 0);
+  EXPECT_EQ(all.hours, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, EachQuery,
+                         testing::Values(Answer::OneColumnFewer, Answer::NoColumns, Answer::NoRows),
+                         [](const auto& one) {
+                           constexpr const char* kNames[] = {"OneColumnFewer", "NoColumns", "NoRows"};
+                           return std::string(kNames[static_cast<int>(one.param)]);
+                         });
+
+}  // namespace
