@@ -1,26 +1,16 @@
 #include "relations/code_relations.h"
 
-#include <algorithm>
-
 #include "base/error.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "formula/vector_utils.h"
+#include "relations/relation_line_internal.h"
+#include "settings/config_file.h"
 
 namespace relations {
 namespace {
 
 bool EnBlanco(std::string_view linea) { return base::TrimVista(linea).empty(); }
-
-// A relation has six fields whatever its text holds. The table takes a text without "*" as an item and not as
-// a record, so the stars that are missing are put behind it.
-void AgregarRelacion(formula::Vector& tabla, std::string_view registro) {
-  std::string completo(registro);
-  const auto estrellas = static_cast<std::size_t>(std::count(completo.begin(), completo.end(), '*'));
-  if (estrellas + 1 < kCamposRelacion) completo.append(kCamposRelacion - 1 - estrellas, '*');
-  formula::AgregarRegistro(tabla, completo);
-  tabla.registros.back().resize(kCamposRelacion);
-}
 
 FilaGridRelaciones FilaDe(const formula::Vector& tabla, std::size_t relacion) {
   return {.Codigo = tabla.Campo(kCodigo, relacion),
@@ -69,18 +59,30 @@ void CodeRelations::Indexar() const {
   indexada_ = true;
 }
 
-void CodeRelations::Reemplazar(std::string_view texto) {
+void CodeRelations::Vaciar() {
   tabla_ = {.dimensiones = 2, .registros = {}};
   grid_.clear();
   indexada_ = false;
+}
+
+void CodeRelations::Reemplazar(std::string_view texto) {
+  Vaciar();
+  const std::string con_crlf = settings::ConCrLf(texto);
   std::vector<std::string_view> lineas;
-  base::SplitVistas(texto, base::Contiene(texto, base::kCrLf) ? base::kCrLf : std::string_view("\n"), lineas);
+  base::SplitVistas(con_crlf, base::kCrLf, lineas);
   for (const std::string_view linea : lineas)
     if (!EnBlanco(linea)) Agregar(linea);
 }
 
-void CodeRelations::Agregar(std::string_view registro) {
-  AgregarRelacion(tabla_, registro);
+void CodeRelations::Reemplazar(const std::vector<Relacion>& relaciones) {
+  Vaciar();
+  for (const Relacion& relacion : relaciones) Agregar(relacion);
+}
+
+void CodeRelations::Agregar(std::string_view linea) { Agregar(RelacionDeLinea(linea)); }
+
+void CodeRelations::Agregar(const Relacion& relacion) {
+  tabla_.registros.emplace_back(relacion.begin(), relacion.end());
   grid_.push_back(FilaDe(tabla_, Cantidad() - 1));
   indexada_ = false;
 }
@@ -92,6 +94,13 @@ void CodeRelations::Quitar(std::size_t relacion) {
   indexada_ = false;
 }
 
-std::string CodeRelations::Texto() const { return formula::UnirVector(tabla_, -1, "*", base::kCrLf); }
+std::string CodeRelations::Texto() const {
+  std::string texto;
+  for (std::size_t i = 0; i < Cantidad(); ++i) {
+    if (i > 0) texto += base::kCrLf;
+    texto += LineaDeRelacion(tabla_.registros[i]);
+  }
+  return texto;
+}
 
 }  // namespace relations

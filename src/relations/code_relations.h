@@ -1,7 +1,9 @@
 // Which concept receives the quantities of which external type codes.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,6 +20,7 @@ namespace relations {
 // (",07,HC,"), 3 concept id, 4 concept name, 5 cost centre.
 enum CampoRelacion { kCodigo, kColor, kExternos, kConcepto, kNombre, kCC };
 inline constexpr std::size_t kCamposRelacion = 6;
+using Relacion = std::array<std::string, kCamposRelacion>;
 
 struct FilaGridRelaciones {  // one row of GridRelaciones
   std::string Codigo, Nombre, CodigosVincConReloj, CC;
@@ -46,12 +49,22 @@ class CodeRelations {
   // First relation of that code (field 0), or -1.
   int PosDeCodigo(std::string_view codigo_relacion) const;
 
-  // From the text form: lines of six "*"-joined fields; blank lines are passed over, missing fields are
-  // empty and those beyond the sixth are dropped. A text without CR LF is split at LF.
+  // From the text form: lines (of any line end) of six "*"-joined fields; blank lines are passed over,
+  // missing fields are empty and so is one that is exactly "^".
+  //   A line that had to hide something ends in a seventh field "XR3": in its fields "XR3" is a star, and
+  //   line
+  // ends, "^", "[" and "XR" itself have forms of their own, so that any relation reads back as it was.
+  //   Another line of more than six fields was saved with a bare star in a name or code: it is cut where the
+  // stars of the record must stand, at the number of the colour, the list between commas and the concept's
+  // number. Where there are no such places the fields beyond the sixth are dropped.
   void Reemplazar(std::string_view texto);
-  void Agregar(std::string_view registro);
+  void Reemplazar(const std::vector<Relacion>& relaciones);
+  void Agregar(std::string_view linea);  // of the text form
+  void Agregar(const Relacion& relacion);
   void Quitar(std::size_t relacion);  // from table and grid
-  std::string Texto() const;          // UnirVector with "*" and CR LF
+  // The text form: CR LF between relations, none behind the last. Of an empty table it is "", which
+  // LevantarRelaciones takes for the default relations.
+  std::string Texto() const;
 
  private:
   struct Dispersion {
@@ -59,9 +72,10 @@ class CodeRelations {
     std::size_t operator()(std::string_view t) const { return std::hash<std::string_view>{}(t); }
   };
 
+  void Vaciar();
   void Indexar() const;
 
-  formula::Vector tabla_;
+  formula::Vector tabla_{.dimensiones = 2, .registros = {}};
   std::vector<FilaGridRelaciones> grid_;
   // Each code between two commas of some list, with its first relation; and the remembered ones.
   mutable std::unordered_map<std::string, int, Dispersion, std::equal_to<>> vistos_;
@@ -80,16 +94,21 @@ void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& o
                         std::string_view ajustes, CodeRelations& relaciones,
                         base::SumideroErrores* errores = nullptr);
 
-// The record that cbAgrQuit(0) appends, "*"-joined in field order.
+// The relation that cbAgrQuit(0) appends.
 struct DatosRelacion {
-  std::string texto_combo;  // "HC - Horas Comunes": what stands before the first " - " is the code
+  // "HC - Horas Comunes": the code is what stands before " - " and the name. A code that holds " - " itself
+  // is taken whole: cut at its first one, "HC - 50" would be HC, whose lines get the month's hours.
+  std::string texto_combo;
   std::int32_t color = 0xFFFFFF;
   std::string txtTipo;      // codes separated by commas
-  std::string id_concepto;  // spliced as an integer
+  std::string id_concepto;  // as an integer; a text that is no 32-bit one stays as it is
   std::string lblConcepto;
   std::int64_t cc = 0;
 };
-std::string RegistroDeRelacion(const DatosRelacion& datos);
+Relacion RegistroDeRelacion(const DatosRelacion& datos);
+
+// The 32-bit identifier that field 3 or 5 holds, or none.
+std::optional<std::int32_t> IdentificadorDe(std::string_view texto);
 
 // Saving to DatExtDatos, when the external-data type is not 0: delete all of the type, insert one a relation.
 // All or nothing: the first statement that fails undoes what ran before it (a transaction of its own, or back

@@ -1,15 +1,14 @@
 #include "relations/edit_relations.h"
 
-#include "base/number.h"
 #include "base/text.h"
 
 namespace relations {
 namespace {
 
-std::int64_t EnteroDe(std::string_view texto) {
-  std::int64_t entero = 0;
-  base::ErrorIgnorado("edit_relations", nullptr, [&] { entero = base::EnteroBancario(base::Parse(texto)); });
-  return entero;
+// An id that is no number is nobody's; PosEnCombo would look for a 0.
+int PosicionDe(const formula::ListControl& combo, std::string_view id) {
+  const auto numero = IdentificadorDe(id);
+  return numero ? refdata::PosEnCombo(combo, *numero) : -1;
 }
 
 // Unlike the grid, a list of just two characters stays as it is here.
@@ -40,10 +39,11 @@ std::int64_t CentroDeRelacion(const db::DbSession& sesion, const settings::Setti
 EdicionDeRelacion EdicionDe(const CodeRelations& relaciones, std::size_t relacion,
                             const formula::ListControl& cmbConceptos,
                             const formula::ListControl& cmbAgrupaDef) {
+  const std::string& cc = relaciones.Campo(kCC, relacion);
   return {.txtTipo = CodigosAEditar(relaciones.Campo(kExternos, relacion)),
           .color = relaciones.Color(relacion),
-          .cmbConceptos = refdata::PosEnCombo(cmbConceptos, EnteroDe(relaciones.Campo(kConcepto, relacion))),
-          .cmbAgrupaDef = refdata::PosEnCombo(cmbAgrupaDef, EnteroDe(relaciones.Campo(kCC, relacion)))};
+          .cmbConceptos = PosicionDe(cmbConceptos, relaciones.Campo(kConcepto, relacion)),
+          .cmbAgrupaDef = PosicionDe(cmbAgrupaDef, cc.empty() ? "0" : cc)};
 }
 
 }  // namespace relations

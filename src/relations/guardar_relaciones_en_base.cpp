@@ -14,9 +14,13 @@ std::string CodigosAGuardar(std::string_view externos) {
 void Guardar(db::Connection& conexion, const CodeRelations& relaciones) {
   const std::int32_t tipo = relaciones.tipo_dato_externo;
   conexion.Ejecutar(sql::BorrarDatosExternos(tipo));
-  for (std::size_t i = 0; i < relaciones.Cantidad(); ++i)
-    conexion.Ejecutar(sql::InsertarDatoExterno(tipo, relaciones.Campo(kConcepto, i),
-                                               CodigosAGuardar(relaciones.Campo(kExternos, i))));
+  for (std::size_t i = 0; i < relaciones.Cantidad(); ++i) {
+    const auto id = IdentificadorDe(relaciones.Campo(kConcepto, i));
+    if (!id)
+      throw db::Error("La relación '" + relaciones.Campo(kCodigo, i) + "' no tiene un concepto: '" +
+                      relaciones.Campo(kConcepto, i) + "'");
+    conexion.Ejecutar(sql::InsertarDatoExterno(tipo, *id, CodigosAGuardar(relaciones.Campo(kExternos, i))));
+  }
 }
 
 // Inside a caller's transaction what came before stays the caller's.

@@ -1,6 +1,7 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "relations/code_relations.h"
+#include "relations/relation_line_internal.h"
 #include "relations/sql.h"
 #include "settings/config_file.h"
 
@@ -12,23 +13,25 @@ constexpr std::string_view kRelacionesPorDefecto =
     "HC*65535**7*Horas Comunes*0\r\n"
     "HE*65280**2*Horas Extras*0";
 
-std::int32_t EnteroDeAjuste(std::string_view valor) {
-  std::int32_t entero = 0;
-  base::ErrorIgnorado("LevantarRelaciones: TomaConceptosDeBD", nullptr,
-                      [&] { entero = base::Entero32(base::Parse(valor)); });
-  return entero;
+// A number too large names a store that cannot be: the settings' relations are not what was asked for.
+std::int32_t TipoDeDatoExterno(std::string_view valor) {
+  try {
+    return base::Entero32(base::Parse(valor));
+  } catch (const base::Error&) {
+    throw db::Error("TomaConceptosDeBD: '" + std::string(valor) + "' no es un tipo de datos externos");
+  }
 }
 
-// The only column of the rows, one row a line.
-std::string FilasComoTexto(const db::DbSession& sesion, const std::string& sql) {
+// The rows of the query, each its only column: a name may hold line ends as well as stars.
+std::vector<Relacion> RelacionesDeLaBase(const db::DbSession& sesion, const std::string& sql,
+                                         bool automaticas) {
   if (!sesion.Abierta()) throw db::Error("La Base no está Abierta");
   const db::Recordset filas = sesion.conexion->Ejecutar(sql);
-  std::string texto;
-  for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila) {
-    texto += filas.En(0, fila).TextoCsv();
-    texto += base::kCrLf;
-  }
-  return texto;
+  if (filas.Campos().empty()) throw db::Error("La consulta de las relaciones no devolvió su columna.");
+  std::vector<Relacion> relaciones;
+  for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila)
+    relaciones.push_back(RelacionDeFila(filas.En(0, fila).TextoCsv(), automaticas));
+  return relaciones;
 }
 
 std::string TextoDeAjuste(std::string_view ajustes) {
@@ -40,21 +43,23 @@ std::string TextoDeAjuste(std::string_view ajustes) {
 
 void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& opciones,
                         std::string_view ajustes, CodeRelations& relaciones, base::SumideroErrores* errores) {
-  relaciones.tipo_dato_externo = EnteroDeAjuste(settings::ValorDeTexto(ajustes, "TomaConceptosDeBD"));
+  relaciones.tipo_dato_externo = 0;
   relaciones.Reemplazar("");
   relaciones.carga_fallida = true;
   base::ErrorIgnorado("LevantarRelaciones", errores, [&] {
     try {
-      std::string texto;
+      relaciones.tipo_dato_externo = TipoDeDatoExterno(settings::ValorDeTexto(ajustes, "TomaConceptosDeBD"));
       if (opciones.MismoCodigoDeOrsa)
-        texto = FilasComoTexto(sesion,
+        relaciones.Reemplazar(
+            RelacionesDeLaBase(sesion,
                                sql::ConceptosComoRelaciones(opciones.CodTipoNumerico, opciones.SoloDatosDeRel,
-                                                            opciones.ImportarCuotas));
+                                                            opciones.ImportarCuotas),
+                               true));
       else if (relaciones.tipo_dato_externo != 0)
-        texto = FilasComoTexto(sesion, sql::DatosExternosComoRelaciones(relaciones.tipo_dato_externo));
+        relaciones.Reemplazar(RelacionesDeLaBase(
+            sesion, sql::DatosExternosComoRelaciones(relaciones.tipo_dato_externo), false));
       else
-        texto = TextoDeAjuste(ajustes);
-      relaciones.Reemplazar(texto);
+        relaciones.Reemplazar(TextoDeAjuste(ajustes));
       relaciones.carga_fallida = false;
       relaciones.motivo_fallo.clear();
     } catch (const base::Error& e) {

@@ -29,9 +29,9 @@ std::string BorrarDatosExternos(std::int32_t tipo) {
   return "Delete * From DatExtDatos Where idTDE=" + std::to_string(tipo);
 }
 
-std::string InsertarDatoExterno(std::int32_t tipo, std::string_view id_concepto, std::string_view codigos) {
+std::string InsertarDatoExterno(std::int32_t tipo, std::int32_t id_concepto, std::string_view codigos) {
   std::string texto = "Insert into DatExtDatos Select " + std::to_string(tipo) + " as idTDE, ";
-  texto += id_concepto;
+  texto += std::to_string(id_concepto);
   texto += " as idLoc,'" + base::DoblarComillas(codigos) + "' as idDE ";
   return texto;
 }

@@ -15,6 +15,6 @@ std::string ConceptosComoRelaciones(bool codigo_numerico, bool solo_datos_de_rel
 std::string DatosExternosComoRelaciones(std::int32_t tipo);
 std::string BorrarDatosExternos(std::int32_t tipo);
 // `codigos` without its outer commas; its quotes are doubled here.
-std::string InsertarDatoExterno(std::int32_t tipo, std::string_view id_concepto, std::string_view codigos);
+std::string InsertarDatoExterno(std::int32_t tipo, std::int32_t id_concepto, std::string_view codigos);
 
 }  // namespace relations::sql

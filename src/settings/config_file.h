@@ -47,6 +47,9 @@ std::string TextoConValor(std::string_view texto, std::string_view clave, std::s
 // carpeta + "ImportDeMarcas.ini".
 std::string RutaDeAjustes(std::string_view carpeta);
 
+// Whether a text holds a tag of a key of the importer, which inside a value would be taken for it.
+bool NombraUnaClave(std::string_view texto);
+
 // The keys that are options, in the order of start-up.
 std::span<const std::string_view> ClavesDeOpciones();
 

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <array>
 
 #include "base/number.h"
 #include "base/text.h"
 #include "settings/config_file.h"
+#include "settings/config_file_internal.h"
 
 namespace settings {
 namespace {
@@ -121,6 +123,17 @@ const Forma* FormaDe(std::string_view clave) {
 }
 
 }  // namespace
+
+bool NombraUnaClave(std::string_view texto) {
+  if (texto.find('[') == std::string_view::npos) return false;
+  const auto nombra = [&](std::string_view clave) {
+    const auto [apertura, cierre] = EtiquetasDe(clave);
+    return base::Contiene(texto, apertura, base::Comparar::SinCaso) ||
+           base::Contiene(texto, cierre, base::Comparar::SinCaso);
+  };
+  return nombra(kConceptos) || nombra("TomaConceptosDeBD") ||
+         std::any_of(kClavesDeOpciones.begin(), kClavesDeOpciones.end(), nombra);
+}
 
 std::span<const std::string_view> ClavesDeOpciones() { return kClavesDeOpciones; }
 

@@ -37,7 +37,7 @@ std::string TextoSql(const Bloque& b) {
   if (cual == "DatosExternosComoRelaciones") return relations::sql::DatosExternosComoRelaciones(tipo);
   if (cual == "BorrarDatosExternos") return relations::sql::BorrarDatosExternos(tipo);
   if (cual == "InsertarDatoExterno")
-    return relations::sql::InsertarDatoExterno(tipo, b.Opcion("id"), b.entrada) + "]";
+    return relations::sql::InsertarDatoExterno(tipo, std::stoi(b.Opcion("id")), b.entrada) + "]";
   throw std::runtime_error("unknown statement " + cual);
 }
 
@@ -96,12 +96,13 @@ std::string Pos(const Estado& e, const Bloque& b) {
 // registro: the input lines are combo text, colour, txtTipo, concept id, lblConcepto and cost centre.
 std::string Registro(const Bloque& b) {
   const auto l = base::Split(b.entrada, "\n");
-  return relations::RegistroDeRelacion({.texto_combo = l.at(0),
-                                        .color = std::stoi(l.at(1)),
-                                        .txtTipo = l.at(2),
-                                        .id_concepto = l.at(3),
-                                        .lblConcepto = l.at(4),
-                                        .cc = std::stoll(l.at(5))});
+  const relations::Relacion r = relations::RegistroDeRelacion({.texto_combo = l.at(0),
+                                                               .color = std::stoi(l.at(1)),
+                                                               .txtTipo = l.at(2),
+                                                               .id_concepto = l.at(3),
+                                                               .lblConcepto = l.at(4),
+                                                               .cc = std::stoll(l.at(5))});
+  return Celdas({r.begin(), r.end()});
 }
 
 // A combo whose items have the data of "3,5,7".
