@@ -120,9 +120,15 @@ class Worker:
         head = os.path.join(self.folder, "head.h")
         with open(head, "w", encoding="utf-8") as f:
             f.write(includes)
-        ready = os.path.join(self.folder, "head.h.pch" if self.clang else "head.h.gch")
-        run([self.compiler, *self.flags, "-O0", "-w", "-x", "c++-header", head, "-o", ready])
-        self.flags_fast = [*self.flags, "-O0", "-w", *(["-include-pch", ready] if self.clang else ["-include", head])]
+        self.quick_flags = self.with_headers("-O0")
+
+    def with_headers(self, level):
+        """The flags of one level of optimising, with the headers compiled for it."""
+        flags, head = [*self.flags, level, "-w"], os.path.join(self.folder, "head.h")
+        ready = os.path.join(self.folder, f"head{level}.pch") if self.clang else os.path.join(head + ".gch", level)
+        os.makedirs(os.path.dirname(ready), exist_ok=True)
+        run([self.compiler, *flags, "-x", "c++-header", head, "-o", ready])
+        return [*flags, *(["-include-pch", ready] if self.clang else ["-include", head])]
 
     def write(self, text):
         with open(self.source, "w", encoding="utf-8") as f:
@@ -130,7 +136,7 @@ class Worker:
 
     def compile(self, text):
         self.write(text)
-        done = subprocess.run([self.compiler, *self.flags_fast, "-c", self.source, "-o", self.object], capture_output=True)
+        done = subprocess.run([self.compiler, *self.quick_flags, "-c", self.source, "-o", self.object], capture_output=True)
         return done.returncode == 0
 
     def same_code(self, text, original):
@@ -141,21 +147,20 @@ class Worker:
         return self.asked[1]
 
     def compare(self, text, original):
-        compiler, _ = self.scratch.compile_flags(self.name)
-        built = []
-        for t in (original, text):
-            if t is original and self.plain is not None:
-                built.append(self.plain)
-                continue
-            self.write(t)
-            out = os.path.join(self.folder, "optimised.o")
-            if subprocess.run([compiler, *self.flags, "-O2", "-w", "-c", self.source, "-o", out], capture_output=True).returncode != 0:
-                return False
-            with open(out, "rb") as f:
-                built.append(f.read())
-            if t is original:
-                self.plain = built[0]
-        return built[0] == built[1]
+        if self.plain is None:
+            self.optimised_flags = self.with_headers("-O2")
+            self.plain = self.optimised(original)
+        code = self.optimised(text)
+        return code is not None and code == self.plain
+
+    def optimised(self, text):
+        self.write(text)
+        out = os.path.join(self.folder, "optimised.o")
+        done = subprocess.run([self.compiler, *self.optimised_flags, "-c", self.source, "-o", out], capture_output=True)
+        if done.returncode != 0:
+            return None
+        with open(out, "rb") as f:
+            return f.read()
 
     def link(self, program, changed=True):
         words = list(self.scratch.links[program])
