@@ -87,8 +87,14 @@ def token_changes(src):
             yield t.start, t.end, "'~'" if t.text != "'~'" else "'@'", "constant"
         elif t.text in ("true", "false"):
             yield t.start, t.end, "false" if t.text == "true" else "true", "constant"
-        elif t.text in CALLS and src.at(i + 1) == "(":
+        elif t.text in CALLS and src.at(i + 1) == "(" and not only_whether(src, i):
             yield t.start, t.end, CALLS[t.text], "order"
+
+
+def only_whether(src, i):
+    """Whether a search is only asked for having found anything: then its direction does not matter."""
+    j = src.tokens[i + 1].pair + 1
+    return src.at(j) in ("==", "!=") and "npos" in [src.at(k) for k in range(j + 1, j + 6)]
 
 
 def operator_changes(src, i, t, in_for):

@@ -7,7 +7,6 @@ import re
 from collections import Counter
 
 WIDER = ("formula", "settings", "refdata", "relations", "importfile", "liquidation", "app", "cli")
-FACES = ("app", "cli")  # whose tests take most of the time
 SLOW = 3.0  # seconds; a single case above it runs for no change
 
 
@@ -85,15 +84,15 @@ class Program:
 class Trials:
     def __init__(self, scratch, modules, narrow, say):
         self.scratch, self.say = scratch, say
-        self.wider = [m for m in WIDER if not (narrow and m in FACES)]
+        self.narrow = narrow
         self.reach = depends(scratch.tree)
         self.programs = {}
         self.kills = {}  # source file -> Counter of (program, case)
         self.modules = modules
 
     def prepare(self, worker):
-        names = [f"{kind}_{m}" for m in self.wider for kind in ("data", "test")
-                 if m in self.modules or any(x in self.reach.get(m, ()) for x in self.modules)]
+        names = [f"{kind}_{m}" for m in WIDER for kind in ("data", "test")
+                 if m in self.modules or not self.narrow and any(x in self.reach.get(m, ()) for x in self.modules)]
         for name in self.scratch.make(names):
             p = Program(name, self.scratch.tree)
             p.baseline(worker)
