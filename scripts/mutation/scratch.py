@@ -120,11 +120,12 @@ class Worker:
         head = os.path.join(self.folder, "head.h")
         with open(head, "w", encoding="utf-8") as f:
             f.write(includes)
-        self.quick_flags = self.with_headers("-O0")
+        # With the library's own checks: what reads or writes outside is seen at once.
+        self.quick_flags = self.with_headers("-O0", "-D_GLIBCXX_ASSERTIONS")
 
-    def with_headers(self, level):
+    def with_headers(self, level, *more):
         """The flags of one level of optimising, with the headers compiled for it."""
-        flags, head = [*self.flags, level, "-w"], os.path.join(self.folder, "head.h")
+        flags, head = [*self.flags, level, "-w", *more], os.path.join(self.folder, "head.h")
         ready = os.path.join(self.folder, f"head{level}.pch") if self.clang else os.path.join(head + ".gch", level)
         os.makedirs(os.path.dirname(ready), exist_ok=True)
         run([self.compiler, *flags, "-x", "c++-header", head, "-o", ready])

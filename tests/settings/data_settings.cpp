@@ -102,7 +102,7 @@ std::string Forma(const Bloque& b) {
     const std::string valor = linea == "(empty)" ? "" : support::Desescapar(linea);
     settings::Settings una, otra = Opuestas();
     if (!settings::AplicarValor(una, clave, valor) || !settings::AplicarValor(otra, clave, valor))
-      return "refused";
+      return "refused" + settings::ValorDeClave(una, clave);  // a key that is no option has no text
     const std::string queda = settings::ValorDeClave(una, clave);
     if (!salida.empty()) salida += '\n';
     salida += '<';
