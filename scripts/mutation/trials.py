@@ -7,7 +7,6 @@ import re
 from collections import Counter
 
 WIDER = ("formula", "settings", "refdata", "relations", "importfile", "liquidation", "app", "cli")
-SLOW = 3.0  # seconds; a single case above it runs for no change
 
 
 def depends(tree):
@@ -41,7 +40,7 @@ class Program:
         self.seconds, self.left_out = 0.0, []
         self.cases = sorted(glob.glob(os.path.join(tree, "tests", "data", self.module, "*.test"))) if self.is_data else []
 
-    def baseline(self, worker):
+    def baseline(self, worker, slow):
         """Runs unchanged, to learn how long it takes and what fails or crawls without any change."""
         path = worker.link(self.name, changed=False)
         if path is None:
@@ -62,7 +61,7 @@ class Program:
                 name, took = f"{suite['name']}.{case['name']}", float(case["time"].rstrip("s"))
                 if case.get("failures"):
                     self.left_out.append(f"{name} (fails unchanged)")
-                elif took > SLOW:
+                elif took > slow:
                     self.left_out.append(f"{name} ({took:.0f} s)")
                 else:
                     self.cases.append(name)
@@ -82,9 +81,9 @@ class Program:
 
 
 class Trials:
-    def __init__(self, scratch, modules, narrow, say):
+    def __init__(self, scratch, modules, narrow, slow, say):
         self.scratch, self.say = scratch, say
-        self.narrow = narrow
+        self.narrow, self.slow = narrow, slow  # seconds; a single case above it runs for no change
         self.reach = depends(scratch.tree)
         self.programs = {}
         self.kills = {}  # source file -> Counter of (program, case)
@@ -95,7 +94,7 @@ class Trials:
                  if m in self.modules or not self.narrow and any(x in self.reach.get(m, ()) for x in self.modules)]
         for name in self.scratch.make(names):
             p = Program(name, self.scratch.tree)
-            p.baseline(worker)
+            p.baseline(worker, self.slow)
             self.programs[name] = p
             self.say(f"{name}: {len(p.cases)} cases in {p.seconds:.1f} s"
                      + (f", left out: {', '.join(p.left_out)}" if p.left_out else ""))
