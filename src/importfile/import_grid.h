@@ -42,7 +42,7 @@ struct ImportRow {
   std::size_t linea = 0;  // of the file, from 1
   // The file's quantity is neither empty (or blank) nor a number, whatever a formula made of it.
   bool cantidad_no_numerica = false;
-  std::string rechazo;    // why the load refuses the line, "" for none
+  std::string rechazo;  // why the load refuses the line, "" for none
 };
 
 enum class FiltroPor { Texto = 0, Relacion = 1 };  // the index of OptFiltro
