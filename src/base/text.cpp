@@ -1,5 +1,7 @@
 #include "base/text.h"
 
+#include <algorithm>
+
 #include "base/text_internal.h"
 
 namespace base {
@@ -144,6 +146,23 @@ std::vector<std::string> Split(std::string_view texto, std::string_view separado
   std::vector<std::string_view> vistas;
   SplitVistas(texto, separador, vistas);
   return {vistas.begin(), vistas.end()};
+}
+
+std::vector<std::string_view> SplitLines(std::string_view text) {
+  constexpr std::size_t kNone = std::string_view::npos;
+  std::vector<std::string_view> lines;
+  std::size_t start = 0, lf = text.find('\n'), cr = text.find('\r');
+  while (lf != kNone || cr != kNone) {
+    const std::size_t end = std::min(lf, cr);
+    lines.push_back(text.substr(start, end - start));
+    start = end + 1;
+    if (end == cr && lf == start) ++start;  // one end of two characters
+    // Each looks on from where it found its last one, so that both together pass over the text once.
+    if (cr != kNone && cr < start) cr = text.find('\r', start);
+    if (lf != kNone && lf < start) lf = text.find('\n', start);
+  }
+  lines.push_back(text.substr(start));
+  return lines;
 }
 
 std::vector<std::string> Partir(std::string_view texto, std::string_view separador, int limite,

@@ -42,6 +42,9 @@ std::string Reemplazar(std::string_view texto, std::string_view de, std::string_
 std::vector<std::string> Split(std::string_view texto, std::string_view separador);
 // The same as views into `texto`.
 void SplitVistas(std::string_view texto, std::string_view separador, std::vector<std::string_view>& piezas);
+// The lines of a text as views into it: CR LF, LF and CR each end one, whichever the text mixes; nothing else
+// does. What follows the last end is a line too, empty or not, so that an empty text has one. Linear.
+std::vector<std::string_view> SplitLines(std::string_view text);
 // Split of classic Basic: an empty text gives no piece at all. At most `limite` pieces, the last one with all
 // that is left; -1: any number, 0: none.
 std::vector<std::string> Partir(std::string_view texto, std::string_view separador, int limite = -1,

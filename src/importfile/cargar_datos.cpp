@@ -36,12 +36,6 @@ class Avisador {
   formula::Evaluador& evaluador_;
 };
 
-std::vector<std::string_view> PartirEnLineas(std::string_view texto) {
-  std::vector<std::string_view> lineas;
-  base::SplitVistas(texto, base::Contiene(texto, base::kCrLf) ? base::kCrLf : std::string_view("\n"), lineas);
-  return lineas;
-}
-
 base::Fecha Hoy(const formula::Evaluador& evaluador) {
   return evaluador.reloj != nullptr ? evaluador.reloj->Hoy() : base::Fecha{};
 }
@@ -135,7 +129,9 @@ bool Cargador::FormatoCorrecto(std::string_view texto) {
         "campos: no se puede leer el archivo");
     return false;
   }
-  if (base::Contiene(texto, opciones_.Separador)) return true;
+  // A line end ends the line before any separator is looked for in it.
+  const bool en_una_linea = opciones_.Separador.find_first_of(base::kCrLf) == std::string::npos;
+  if (en_una_linea && base::Contiene(texto, opciones_.Separador)) return true;
   avisador_.Mostrar("Formato incorrecto");
   return false;
 }
@@ -144,7 +140,7 @@ FinDeCarga Cargador::CargarTexto(std::string_view texto) {
   if (texto.empty()) return FinDeCarga::Completa;
   if (!FormatoCorrecto(texto)) return FinDeCarga::FormatoIncorrecto;
 
-  const std::vector<std::string_view> lineas = PartirEnLineas(texto);
+  const std::vector<std::string_view> lineas = base::SplitLines(texto);
   // What follows the last line end is shown and complained of like a line, but it is none: no row, no count.
   carga_.lineas = lineas.size() - (lineas.back().empty() ? 1 : 0);
   carga_.filas.reserve(std::min(carga_.lineas, kReservaMaxima));

@@ -251,6 +251,11 @@ void VerbosDeTextos(support::Verbos& v) {
     const auto piezas = base::Split(c.at(0), c.at(1));
     return base::Join({std::to_string(piezas.size()), base::Join(piezas, "|")}, " ");
   });
+  v["lines"] = CadaLinea([](const std::string& l, const Bloque&) {
+    std::string shown;
+    for (const auto line : base::SplitLines(Argumento(l))) shown.append("[").append(line).append("]");
+    return shown;
+  });
   v["starts"] = CadaLinea([](const std::string& l, const Bloque& b) {
     const auto c = Campos(l);
     return std::string(base::EmpiezaCon(c.at(0), c.at(1), Modo(b)) ? "yes" : "no");

@@ -7,8 +7,9 @@
 //   valid                       the answer of the line check
 // K=V are keys of the settings file. Of `load` besides:
 //   filtro=texto|relacion  orden=N  archivo=ausente|carpeta   what is loaded and how
-//   codigo=cp1252|utf8|utf8bom|utf16le|utf16be  lf            the bytes of the file; lines end with CR LF
-//   calla=N  cancela=N                                        silence at box N; cancel when asked the N-th
+//   codigo=cp1252|utf8|utf8bom|utf16le|utf16be                the bytes of the file
+//   crudo                     only what the input writes as \r and \n ends its lines; otherwise each with CR
+//   LF calla=N  cancela=N                                        silence at box N; cancel when asked the N-th
 //   ver=3,4  numero  previa  barra  valor                          what is printed
 // It prints boxes as "! text" ("[+]" when they offer silence, "(i)" when they have no icon), rows as
 // "line> fields" (with `numero` "line!> fields" when the quantity is no number), dropped lines as "line-
@@ -115,7 +116,7 @@ std::string Utf16(std::string_view utf8, bool grande) {
 }
 
 std::string BytesDelArchivo(const Bloque& b) {
-  const std::string texto = base::Reemplazar(b.entrada, "\n", b.Tiene("lf") ? "\n" : "\r\n");
+  const std::string texto = base::Reemplazar(b.entrada, "\n", b.Tiene("crudo") ? "" : "\r\n");
   const std::string codigo = b.Opcion("codigo", "cp1252");
   if (codigo == "cp1252") return support::Desescapar(base::ACp1252(texto));
   if (codigo == "utf8") return support::Desescapar(texto);

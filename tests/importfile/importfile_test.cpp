@@ -157,4 +157,36 @@ TEST(CargarDatos, ACatalogueEntryOfMinusOneIsNoConcept) {
   for (const auto& fila : carga.filas) EXPECT_EQ(fila.campo[importfile::kTipoDato], "3");
 }
 
+// Lines against a second reading of the same rule, one character at a time.
+TEST(CargarDatos, EveryLineOfMixedEndsIsARow) {
+  std::mt19937 azar(1125);
+  Tablas tablas;
+  tablas.opciones.AnchoFijo = true;  // an empty line is a row too
+  for (int vez = 0; vez < 200; ++vez) {
+    std::string texto;
+    for (std::size_t i = azar() % 60; i > 0; --i) texto += "a1\r\n\r\n\x85"[azar() % 7];
+    std::vector<std::string> lineas(1);
+    for (std::size_t i = 0; i < texto.size(); ++i) {
+      if (texto[i] == '\r' && i + 1 < texto.size() && texto[i + 1] == '\n') ++i;
+      if (texto[i] == '\r' || texto[i] == '\n')
+        lineas.emplace_back();
+      else
+        lineas.back() += texto[i] == '\x85' ? "…" : std::string(1, texto[i]);
+    }
+    if (lineas.back().empty()) lineas.pop_back();
+    const EntradaCarga entrada = tablas.Entrada(texto);
+    EntradaCarga todas = entrada;
+    todas.filtro = FiltroPor::Texto;
+    const Carga carga = CargarDatos(todas);
+    ASSERT_EQ(carga.lineas, lineas.size()) << testing::PrintToString(texto);
+    std::string esperada, leida;
+    for (std::size_t i = 0; i < lineas.size() && i < 4; ++i) esperada += (i > 0 ? "\r\n" : "") + lineas[i];
+    leida = carga.previa;
+    if (lineas.size() < 4 && leida.size() > esperada.size()) esperada += "\r\n";  // the empty last piece
+    ASSERT_EQ(leida, esperada) << testing::PrintToString(texto);
+    for (const auto& fila : carga.filas) ASSERT_LE(fila.linea, lineas.size());
+    ASSERT_EQ(carga.filas.size(), lineas.size());
+  }
+}
+
 }  // namespace
