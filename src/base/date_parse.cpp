@@ -4,7 +4,7 @@
 
 #include "base/date.h"
 #include "base/date_internal.h"
-#include "base/number.h"
+#include "base/dialect_number.h"
 #include "base/text.h"
 #include "base/text_internal.h"
 
@@ -229,7 +229,7 @@ std::optional<Fecha> Leer(std::string_view texto, Fecha hoy, OrdenFecha orden, P
 
 std::optional<Fecha> FechaDeTexto(std::string_view texto, Fecha hoy, const Locale& locale) {
   if (const auto fecha = Leer(texto, hoy, locale.orden, {&locale, nullptr})) return fecha;
-  const auto serie = NumeroDeTexto(texto, locale);
+  const auto serie = DialectNumber(texto, locale);
   if (!serie || *serie <= static_cast<double>(internal::kDiaMinimo) - 1 ||
       *serie >= static_cast<double>(internal::kDiaMaximo) + 1)
     return std::nullopt;

@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 
+#include "base/dialect_number.h"
 #include "base/format_internal.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -179,7 +180,7 @@ std::string FormatDeTexto(const std::string& texto, std::string_view mascara, bo
     const auto fecha = FechaDeTexto(texto, hoy, locale);
     return fecha ? internal::FormatearFecha(*fecha, mascara, locale, primer_dia, primera_semana) : texto;
   }
-  if (const auto numero = NumeroDeTexto(texto, locale)) return FormatNumero(*numero, mascara, locale);
+  if (const auto numero = DialectNumber(texto, locale)) return FormatNumero(*numero, mascara, locale);
   const auto fecha = FechaDeTexto(texto, hoy, locale);
   return fecha ? FormatNumero(fecha->serie, mascara, locale) : texto;
 }

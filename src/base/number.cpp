@@ -229,6 +229,21 @@ std::string TextoDeSimple(float numero, const Locale& locale) {
   return TextoGeneral(internal::DeSimple(numero), 7, locale.decimal);
 }
 
+std::string PlainNumber(double number, std::string_view decimal_sign) {
+  if (!std::isfinite(number)) throw Error(DescripcionDeError(6), 6);
+  if (EsEnteroCorto(number)) return std::to_string(static_cast<long long>(number));
+  if (const Partida p = Partir(number); p.hay && decimal_sign.size() <= kPuntoMasLargo)
+    return TextoDePartes(p.partes, kDecimalesCortos, decimal_sign);
+  return internal::TextoPlano(internal::DeDoble(number), decimal_sign);
+}
+
+std::string PlainSingle(float number, std::string_view decimal_sign) {
+  if (!std::isfinite(number)) throw Error(DescripcionDeError(6), 6);
+  if (const Partida p = PartirSimple(number); p.hay && decimal_sign.size() <= kPuntoMasLargo)
+    return TextoDePartes(p.partes, 2, decimal_sign);
+  return internal::TextoPlano(internal::DeSimple(number), decimal_sign);
+}
+
 std::string SqlDeNumero(double numero) {
   if (!std::isfinite(numero)) throw Error(DescripcionDeError(6), 6);
   if (EsEnteroCorto(numero)) return std::to_string(static_cast<long long>(numero));

@@ -1,7 +1,7 @@
-// Numbers and their texts: one rule each. All arithmetic texts are ASCII inside UTF-8.
+// Numbers and their texts: one rule each. All arithmetic texts are ASCII inside UTF-8. How the SQL dialect
+// reads a number is another matter: base/dialect_number.h.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,35 +10,38 @@
 
 namespace base {
 
-// *Number of a text*, the operator's rule: surrounding blanks, one sign in front or behind, digits. With a
-// "," present
-// "." are thousands and "," is the decimal point; without one a single "." is a decimal point, and several
-// "." are thousands only in proper groups of three. "8,5" "8.5" "1.234,5" are 8.5, 8.5, 1234.5; "8.5.3" ""
-// "-" are none. Exponents (1e3), the locale's currency sign, parentheses for a negative and &H/&O are read as
-// CDbl reads them.
+// The number that an operator, a file or a formula wrote, and nothing wider, because a text that is misread
+// is somebody's wage. For a locale whose decimal sign is "," and whose thousands sign is ".":
+//
+//   number := white* sign? body white*           white: blank, tab, line ends, no-break space
+//   body   := digits | groups                    groups: 1 to 3 digits, then at least one "." + 3 digits
+//           | (digits | groups)? "," digits?     at least one digit in all
+//           | digits? "." digits?                a lone "." is a decimal sign
+//
+// So "8,5" "8.5" "1.234,5" "1.234.567" are 8.5, 8.5, 1234.5 and 1234567, and "1.234" is 1.234. None: "8.5.3"
+// "12.34,5" "1,234.5" "1e3" "&H10" "(5)" "5-" "- 5" "8 5" "5 €" "" "-". Other locales: the second form alone
+// of the last two, with their signs. None as well for a number that a double cannot hold.
 std::optional<double> NumeroDeTexto(std::string_view texto, const Locale& locale = Locale::espanol());
 bool EsNumero(std::string_view texto, const Locale& locale = Locale::espanol());
-// CDbl of a text: the same number; throws Error 13 for a text that is none and 6 for one too large.
-double NumeroDeTextoOError(std::string_view texto, const Locale& locale = Locale::espanol());
-// A text "&H…" or "&O…" as the signed integer of 16, 32 or 64 bits that CInt, CLng … make of it; none when
-// the text is no such thing. Throws Error 6 when it needs more bits.
-std::optional<std::int64_t> EnteroHexOctal(std::string_view texto, int bits);
+// Nothing but the white space that may stand around a number.
+bool IsBlank(std::string_view text);
 
-// Leading-number parse (Val): never the locale, "." alone is the decimal point; 0 when the text starts with
-// no number. Blanks, tabs and line ends are skipped everywhere. Throws Error 6 on overflow and 13 for a type
-// sign after a fraction.
-double Val(std::string_view texto);
-// The *parse* of loading and formulas: the same, but a type sign only ends the number ("1.5%" is 1.5), so
-// does a line end (what stands on two lines is never one number), and a number too large is 0.
+// The leading number: white space skipped, a sign, digits with at most one "." (never a ",") among them; what
+// follows does not matter ("8 30" is 8, "1e3" is 1). 0 when there is none, ±infinity when a double cannot
+// hold it.
 double Parse(std::string_view texto);
 
-// The numeric value of a quantity of the import: number of the text when it is one, else its parse.
+// Number of the text when it is one, else its leading number. ±infinity when a double cannot hold it.
 double ValorNumerico(std::string_view texto);
 
 // Shortest general form: at most 15 (Single: 7) significant digits, the locale's decimal sign, exponent form
 // from 1E+15 (1E+07) up and for long fractions. Never "-0".
 std::string TextoDeNumero(double numero, const Locale& locale = Locale::espanol());
 std::string TextoDeSimple(float numero, const Locale& locale = Locale::espanol());
+// The same digits without an exponent ever, so that the rule above reads them back. Throw Error 6 for what is
+// not finite.
+std::string PlainNumber(double number, std::string_view decimal_sign = ".");
+std::string PlainSingle(float number, std::string_view decimal_sign = ".");
 // The forms that are spliced into SQL: "." whatever the locale.
 std::string SqlDeNumero(double numero);
 std::string SqlDeSimple(float numero);

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/locale.h"
+
 namespace base::internal {
 
 // 0.d1d2d3… x 10^exponente. No leading zero digit; zero has no digits at all.
@@ -33,5 +35,13 @@ std::string TextoExponente(const Decimal& decimal, std::string_view punto);
 enum class Lectura { Bien, NoEsNumero, Desborda };
 // digits + digits of the fraction x 10^exponente, both parts without signs. Too small is 0.
 Lectura Componer(std::string_view digitos, std::string_view fraccion, int exponente, double& numero);
+
+// White space at the start, the no-break space among it, taken off.
+void SaltarBlancos(std::string_view& texto);
+// "," for the decimals and "." for the thousands: texts that an operator of this program writes.
+bool EsDelOperador(const Locale& locale);
+// Digits with at most one decimal sign among them, as nearly every number is written: the operator's rule and
+// the dialect read both signs alike. False leaves it to the general way.
+bool LeerLlano(std::string_view texto, double& numero);
 
 }  // namespace base::internal

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/date_internal.h"
+#include "base/dialect_number.h"
 #include "base/error.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -98,12 +99,12 @@ double Valor::Numero(const Locale& locale) const {
     case Tipo::Texto:
       break;
   }
-  return NumeroDeTextoOError(std::get<std::string>(v_), locale);
+  return CDbl(std::get<std::string>(v_), locale);
 }
 
 double Valor::NumeroOCero(const Locale& locale) const {
   if (EsNulo()) return 0;
-  if (const auto* texto = Si<std::string>()) return NumeroDeTexto(*texto, locale).value_or(0);
+  if (const auto* texto = Si<std::string>()) return DialectNumber(*texto, locale).value_or(0);
   return Numero(locale);
 }
 

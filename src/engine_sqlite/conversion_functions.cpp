@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 
+#include "base/dialect_number.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "engine_sqlite/conversion_internal.h"
@@ -77,7 +78,7 @@ void EnBase(Llamada& l) {
 
 void IsNumeric(Llamada& l) {
   const char letra = l.Letra(0);
-  if (letra == 'T') return l.DarBooleano(base::EsNumero(l.Texto(0), l.Regional()));
+  if (letra == 'T') return l.DarBooleano(base::IsNumeric(l.Texto(0), l.Regional()));
   l.DarBooleano(!l.EsNulo(0) && letra != 'D');
 }
 

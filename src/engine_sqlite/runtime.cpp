@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "base/dialect_number.h"
 #include "base/number.h"
 #include "engine_sqlite/runtime_internal.h"
 #include "jetsql/functions.h"
@@ -200,7 +201,7 @@ double Llamada::Numero(int i) const {
     default:
       break;
   }
-  return base::NumeroDeTextoOError(Vista(v), Regional());
+  return base::CDbl(Vista(v), Regional());
 }
 
 Llamada::Cifra Llamada::Numerico(int i) const {

@@ -2,8 +2,8 @@
 // a position, a length or a code that is Null is an error, as in classic Basic.
 #include <limits>
 
+#include "base/dialect_number.h"
 #include "base/encoding.h"
-#include "base/number.h"
 #include "base/text.h"
 #include "engine_sqlite/runtime_internal.h"
 #include "engine_sqlite/text_search_internal.h"

@@ -11,9 +11,9 @@ namespace {
 constexpr std::size_t kCantidad = 3;
 
 float ASimple(double numero) {
-  return std::abs(numero) <= static_cast<double>(std::numeric_limits<float>::max())
-             ? static_cast<float>(numero)
-             : 0.0F;
+  if (std::abs(numero) <= static_cast<double>(std::numeric_limits<float>::max()))
+    return static_cast<float>(numero);
+  return std::copysign(std::numeric_limits<float>::infinity(), static_cast<float>(numero < 0 ? -1 : 1));
 }
 
 }  // namespace
@@ -26,6 +26,8 @@ float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const Campo
     return 0;
   }
   std::string expresion = linea[kCantidad];
+  // Nothing worked is 0 hours, whatever the formula starts with.
+  if (base::IsBlank(expresion)) expresion.assign(1, '0');
   if (!escrita.empty() && !formula->empty()) {
     // The operator is looked for in what the operator of the program wrote, not in what a wildcard put there.
     if (std::string_view("-+*/").find(escrita.front()) == std::string_view::npos) expresion += '*';

@@ -9,11 +9,11 @@ namespace {
 
 constexpr std::string_view kOperadores = "+-*/";
 
-std::string_view SinOperadorFinal(std::string_view texto) {
-  texto = base::TrimVista(texto);
-  while (!texto.empty() && kOperadores.find(texto.back()) != std::string_view::npos)
-    texto = base::TrimVista(texto.substr(0, texto.size() - 1));
-  return texto;
+// Blanks beside an operator do not matter: "- 5" is the number -5.
+std::string SinBlancosTrasElSigno(std::string_view termino) {
+  termino = base::TrimVista(termino);
+  if (termino.empty() || (termino.front() != '-' && termino.front() != '+')) return std::string(termino);
+  return termino.front() + base::Trim(termino.substr(1));
 }
 
 // A piece that is not a number gives the leading number of its value: a value with a decimal comma loses its
@@ -55,17 +55,13 @@ double Plegar(Evaluador& ev, const std::vector<std::string>& piezas, char operad
 
 std::string CalcularTerminos(Evaluador& ev, std::string_view termino, char& operador) {
   const Nivel nivel(ev, termino.size());
-  std::string texto(SinOperadorFinal(termino));
+  const std::string texto = SinBlancosTrasElSigno(termino);
   if (texto.find_first_of(kOperadores) != std::string::npos) {
     std::vector<std::string> piezas;
     for (const char op : kOperadores) {
-      if (texto.find(op) == std::string::npos) continue;
-      if (SepararPorOperador(texto, op, piezas)) {
-        operador = op;
-        return TextoDeNumero(ev, Plegar(ev, piezas, op));
-      }
-      // One piece: the text without an operator that stood at its start.
-      texto = piezas.empty() ? std::string() : base::Trim(piezas[0]);
+      if (texto.find(op) == std::string::npos || !SepararPorOperador(texto, op, piezas)) continue;
+      operador = op;
+      return TextoDeNumero(ev, Plegar(ev, piezas, op));
     }
   }
   return EsNumero(ev, texto) ? texto : EvaluarFuncion(ev, texto, {});

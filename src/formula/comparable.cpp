@@ -5,12 +5,11 @@
 namespace formula {
 
 std::optional<double> Numero(const Evaluador& ev, std::string_view texto) {
-  if (texto.empty() || texto.find('(') != std::string_view::npos) return std::nullopt;
   return base::NumeroDeTexto(texto, ev.locale);
 }
 
 std::string TextoDeNumero(const Evaluador& ev, double numero) {
-  return base::TextoDeNumero(numero, ev.locale);
+  return base::PlainNumber(numero, ev.locale.decimal);
 }
 
 bool EsLiteralFecha(std::string_view texto) {

@@ -49,11 +49,16 @@ void EvaluarCorchetes(Evaluador& ev, std::string& texto, bool& usarParametros) {
   } while (texto.find(']') != std::string::npos && texto.find('[') != std::string::npos);
 }
 
-// "dd/MM/yyyy": with a year of four digits it is a date and not two divisions.
+// "dd/MM/yyyy": with a year of four digits it is a date and not two divisions. "160/1,25" has none, and in
+// "12,5/2024" the comma is that of a number.
 bool EsFechaCompleta(const Evaluador& ev, std::string_view texto) {
+  constexpr std::size_t kCifrasDelAnio = 4, kMenor = 8;
   const std::size_t barra = texto.rfind('/');
-  if (barra == std::string_view::npos || base::Longitud(texto.substr(barra + 1)) != 4) return false;
-  return base::Longitud(texto) >= 8 && Fecha(ev, texto).has_value();
+  if (barra == std::string_view::npos || texto.find(',') != std::string_view::npos) return false;
+  const std::string_view anio = texto.substr(barra + 1);
+  if (anio.size() != kCifrasDelAnio || anio.find_first_not_of("0123456789") != std::string_view::npos)
+    return false;
+  return base::Longitud(texto) >= kMenor && Fecha(ev, texto).has_value();
 }
 
 std::string ValorFinal(Evaluador& ev, const std::string& texto) {
@@ -68,7 +73,8 @@ void AvisarErrorEnFormula(Evaluador& ev, const std::string& descripcion) {
   Avisar(ev, "Error en formula" + std::string(base::kCrLf) + descripcion, ports::Icono::Exclamacion);
 }
 
-// A step that fails shows the box and leaves the text to the next one.
+// A step that fails shows the box and leaves the text to the next one. A fault of the storage is no failing
+// step: nothing that came after it could be trusted.
 template <typename Paso>
 bool ConAviso(Evaluador& ev, Paso&& paso) {
   try {

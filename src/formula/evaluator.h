@@ -37,8 +37,9 @@ struct Evaluador {
   bool sin_valor = false;
 };
 
-// The value of a formula. Never fails: an error in it shows a box and the evaluation goes on after the
-// failing step. Empty text is "0". Rewrites the text (trimmed, brackets and parameters replaced) and switches
+// The value of a formula. An error in it shows a box and the evaluation goes on after the failing step; only
+// a fault of the storage under SQL and LISTA travels out, as base::Error, and the evaluator can be used again
+// after it. Empty text is "0". Rewrites the text (trimmed, brackets and parameters replaced) and switches
 // usarParametros on when it meets "PAR(".
 std::string EvaluarExpresion(Evaluador& ev, std::string& formula, bool& usarParametros);
 // The same for a text that the caller does not need back.

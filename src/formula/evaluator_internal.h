@@ -42,9 +42,10 @@ void Avisar(Evaluador& ev, const std::string& texto, ports::Icono icono);
 
 // --- kinds of text (comparable.cpp)
 
-// The number of a text, when it is one. A text with a parenthesis never is: here they belong to functions.
+// The number of a text, when it is one.
 std::optional<double> Numero(const Evaluador& ev, std::string_view texto);
 inline bool EsNumero(const Evaluador& ev, std::string_view texto) { return Numero(ev, texto).has_value(); }
+// Without an exponent ever: the levels read one another's texts, and an exponent would be cut off.
 std::string TextoDeNumero(const Evaluador& ev, double numero);
 
 // Wrapped in "#" on both sides. Two dates in one text look the same from outside, and are taken the same.
@@ -72,8 +73,9 @@ Comparable EvaluarLado(Evaluador& ev, std::string_view texto);
 std::string CalcularTerminos(Evaluador& ev, std::string_view termino, char& operador);
 std::string CalcularTerminos(Evaluador& ev, std::string_view termino);
 
-// True when the text falls into more than one piece at the operator. A leading or doubled minus becomes the
-// sign of what follows it, and a minus behind another operator does not split.
+// True when the text falls into more than one piece at the operator. Empty pieces go; a leading or doubled
+// minus becomes the sign of what follows it, and a minus behind another operator does not split. When it does
+// not split the text is to be used as it stands, an operator at an end with it.
 bool SepararPorOperador(std::string_view texto, char operador, std::vector<std::string>& piezas);
 // Split where the separator stands outside parentheses: where no more of them have opened than closed so far.
 std::vector<std::string_view> SepararFueraDeParentesis(std::string_view texto, char separador);

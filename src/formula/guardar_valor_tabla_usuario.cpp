@@ -1,5 +1,6 @@
 #include <limits>
 
+#include "base/dialect_number.h"
 #include "base/format.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -90,7 +91,8 @@ void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla
     return;
   }
   std::string guardado(valor);
-  if (sumado) guardado = base::SqlDeSimple(static_cast<float>(base::ValorNumerico(valor) - kSumado));
+  if (sumado)
+    guardado = base::SqlDeSimple(static_cast<float>(base::DialectNumber(valor).value_or(0) - kSumado));
   Vector serie = LeerSerie(sesion, id_Tabla, codigo);
   const Vector anterior = serie;
   const int posicion = PosicionFecha(serie, fecha, kFecha, hoy);

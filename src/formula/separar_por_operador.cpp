@@ -32,8 +32,6 @@ bool SepararPorOperador(std::string_view texto, char operador, std::vector<std::
       pieza = crudas[++i];
     }
   }
-  // A minus with nothing behind it is an operator at the end, and dropped.
-  if (operador == '-' && !piezas.empty() && piezas.back() == "-") piezas.pop_back();
   return piezas.size() > 1;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -35,6 +36,13 @@ class Avisador {
   ports::Prompts* prompts_;
   formula::Evaluador& evaluador_;
 };
+
+// A result that no single holds stays one: the import refuses it, where 0 would be written.
+std::string TextoDeResultado(float cantidad) {
+  constexpr double kNoCabe = 1e39;
+  if (std::isfinite(cantidad)) return base::PlainSingle(cantidad);
+  return base::PlainNumber(cantidad < 0 ? -kNoCabe : kNoCabe);
+}
 
 base::Fecha Hoy(const formula::Evaluador& evaluador) {
   return evaluador.reloj != nullptr ? evaluador.reloj->Hoy() : base::Fecha{};
@@ -198,7 +206,7 @@ void Cargador::CargarLinea(std::size_t numero, std::string_view linea) {
   const int relacion = emparejador_.Emparejar(campo);
   if (con_formula_) {
     campo[kCantidad] =
-        base::SqlDeSimple(formula::CalcularFormula(evaluador_, opciones_.FactMultiplica, campo));
+        TextoDeResultado(formula::CalcularFormula(evaluador_, opciones_.FactMultiplica, campo));
     RechazarSiSeAbandono(fila);
   }
   progreso_.DoEvents();

@@ -39,7 +39,7 @@ enum CampoFila {
 struct ImportRow {
   formula::CamposDeLinea campo;
   std::string resultado;  // "", "OK" or the reason why it was not imported
-  std::size_t linea = 0;  // of the file, from 1
+  std::size_t linea = 0;  // of the file, from 1, as an editor numbers it
   // The file's quantity is neither empty (or blank) nor a number, whatever a formula made of it.
   bool cantidad_no_numerica = false;
   std::string rechazo;  // why the load refuses the line, "" for none
@@ -79,13 +79,15 @@ struct Carga {
   std::vector<LineaAparte> aparte;  // in file order
   std::string previa;               // the first four lines, joined with CR LF
   bool hay_valor = false;           // some line's value is not 0: the "Valor" column shows
-  std::size_t lineas = 0;           // of the text, the empty one after a last CR LF not counted
+  std::size_t lineas = 0;           // of the text, the empty one after a last line end not counted
 };
 
-// Reads, cuts, matches, filters and sorts; time grows with the lines. When it ends early (SinArchivo,
-// FormatoIncorrecto, Cancelada) the caller keeps what it had. Messages go to `prompts`; each shows up, until
-// the operator silences those of this load (the evaluator's boxes count with them). An empty file is a
-// complete load without lines. Every line counted in `lineas` is in `filas` or in `aparte`.
+// Reads the file and cuts it into lines at each CR LF, LF and CR; then cuts, matches, filters and sorts; time
+// grows with the lines. When it ends early (SinArchivo, FormatoIncorrecto, Cancelada) the caller keeps what
+// it had. Messages go to `prompts`; each shows up, until the operator silences those of this load (the
+// evaluator's boxes count with them). An empty file is a complete load without lines. Every line counted in
+// `lineas` is in `filas` or in `aparte`. A fault of the storage under a formula or a filter travels out as
+// base::Error: then there is no load, the caller keeps what it had and hides the progress bar.
 Carga CargarDatos(const EntradaCarga& entrada);
 
 }  // namespace importfile

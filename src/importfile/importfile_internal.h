@@ -22,7 +22,8 @@ struct CorteAF {
 };
 CorteAF CortarAF(std::string_view linea, const settings::FixedWidthLayout& layout);
 
-// What a settings text of the loader asks for: neither blank nor the number 1, which would change nothing.
+// What a settings text of the loader asks for: neither blank nor the number 1 as it stands ("1,00" too, "+1"
+// not), which would change nothing.
 bool FormulaEnUso(std::string_view formula);
 
 // The text of the number of a plain decimal ("000123", "8.50"), of fifteen digits at most; none for any other
@@ -31,7 +32,8 @@ bool FormulaEnUso(std::string_view formula);
 std::optional<std::string> TextoDeDecimal(std::string_view texto);
 bool ValeCero(std::string_view texto);  // the numeric value is 0
 
-// The numeric value of a text as the rows hold it: "." form, "0" when it has none.
+// The numeric value of a text as the rows hold it: "." form, "0" when it has none; the text itself when it is
+// too large for a number.
 std::string TextoDelValor(std::string_view texto);
 std::string NormalizarClave(std::string_view clave);
 // The quantity as the row holds it, "." for the decimal sign, and whether the file's text was none.

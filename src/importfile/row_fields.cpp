@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "base/number.h"
 #include "base/text.h"
 #include "importfile/importfile_internal.h"
@@ -15,7 +17,7 @@ std::string NumeroOTexto(std::string_view clave) {
   if (auto sencillo = TextoDeDecimal(clave))
     return *sencillo == "0" ? std::string(clave) : *std::move(sencillo);
   const double numero = base::ValorNumerico(clave);
-  return base::Trim(numero != 0 ? base::SqlDeNumero(numero) : clave);
+  return base::Trim(numero != 0 && std::isfinite(numero) ? base::SqlDeNumero(numero) : clave);
 }
 
 }  // namespace
@@ -46,12 +48,15 @@ bool ValeCero(std::string_view texto) {
 
 bool FormulaEnUso(std::string_view formula) {
   const std::string_view recortada = base::TrimVista(formula);
-  return !recortada.empty() && base::NumeroDeTexto(recortada) != 1.0;
+  if (recortada.empty()) return false;
+  const bool continua = recortada.front() == '+';  // "+1" adds one; the plain number multiplies by it
+  return continua || base::NumeroDeTexto(recortada) != 1.0;
 }
 
 std::string TextoDelValor(std::string_view texto) {
   if (auto sencillo = TextoDeDecimal(texto)) return *std::move(sencillo);
-  return base::SqlDeNumero(base::ValorNumerico(texto));
+  const double numero = base::ValorNumerico(texto);
+  return std::isfinite(numero) ? base::PlainNumber(numero) : base::Trim(texto);
 }
 
 std::string NormalizarClave(std::string_view clave) {
@@ -71,9 +76,9 @@ CantidadDeFila NormalizarCantidad(std::string_view cantidad) {
     for (char& c : texto)
       if (c == ',') c = '.';
   }
-  if (!numero) return {std::move(texto), !base::TrimVista(cantidad).empty()};
+  if (!numero) return {std::move(texto), !base::IsBlank(cantidad)};
   if (auto sencillo = TextoDeDecimal(texto)) return {*sencillo == "0" ? texto : *std::move(sencillo)};
-  return {*numero != 0 ? base::SqlDeNumero(*numero) : texto};
+  return {*numero != 0 ? base::PlainNumber(*numero) : texto};
 }
 
 std::string NormalizarTipo(std::string_view tipo, bool numerico) {

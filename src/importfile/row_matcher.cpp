@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "base/number.h"
 #include "importfile/importfile_internal.h"
 
@@ -9,7 +11,8 @@ constexpr std::string_view kSinConcepto = "-1";
 
 // Ids are whole numbers; a relation written by hand may hold "07".
 std::string IdDeConcepto(std::string_view texto) {
-  return base::SqlDeNumero(base::Redondear(base::Parse(texto), 0));
+  const double id = base::Redondear(base::Parse(texto), 0);
+  return std::isfinite(id) ? base::PlainNumber(id) : std::string(texto);
 }
 
 }  // namespace

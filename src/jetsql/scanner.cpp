@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "base/date.h"
-#include "base/number.h"
+#include "base/dialect_number.h"
 #include "base/text.h"
 #include "jetsql/scanner_internal.h"
 

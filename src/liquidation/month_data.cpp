@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 
-#include "base/number.h"
+#include "base/dialect_number.h"
 #include "base/text.h"
 
 namespace liquidation {
@@ -32,7 +32,8 @@ DatoDelMes& MonthDataTable::Agregar(std::string_view registro) {
   std::vector<std::string_view> partes;
   base::SplitVistas(registro, "*", partes);
   std::array<double, 6> n{};
-  for (std::size_t i = 0; i < n.size() && i < partes.size(); ++i) n[i] = base::ValorNumerico(partes[i]);
+  for (std::size_t i = 0; i < n.size() && i < partes.size(); ++i)
+    n[i] = base::DialectNumber(partes[i]).value_or(0);
   return Agregar(DatoDelMes{Identificador(n[0]), static_cast<float>(n[1]), Identificador(n[2]),
                             Identificador(n[3]), Identificador(n[4]), static_cast<float>(n[5])});
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/dialect_number.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "liquidation/sql.h"
@@ -32,7 +33,7 @@ std::string OpenHeaders::Normalizada(std::string_view valor) const {
     while (!valor.empty() && valor.back() == ' ') valor.remove_suffix(1);
     return "'" + base::Minusculas(valor);  // the mark keeps an empty text apart from "matches nothing"
   }
-  const auto numero = base::NumeroDeTexto(valor);
+  const auto numero = base::DialectNumber(valor);
   return numero ? base::SqlDeNumero(*numero) : std::string();
 }
 

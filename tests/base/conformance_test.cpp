@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "base/date.h"
+#include "base/dialect_number.h"
 #include "base/error.h"
 #include "base/format.h"
 #include "base/number.h"
@@ -99,7 +100,7 @@ const std::map<std::string, Funcion>& Funciones() {
       {"CLng", [](const Llamada& l) { return Valor(Arg(l, 0).Entero(l.locale)); }},
       {"CInt", [](const Llamada& l) { return Valor(static_cast<int>(Arg(l, 0).EnteroCorto(l.locale))); }},
       {"CBool", [](const Llamada& l) { return Valor(Arg(l, 0).Booleano(l.locale)); }},
-      {"IsNumeric", [](const Llamada& l) { return Valor(base::EsNumero(Texto(l, 0), l.locale)); }},
+      {"IsNumeric", [](const Llamada& l) { return Valor(base::IsNumeric(Texto(l, 0), l.locale)); }},
       {"CStr", [](const Llamada& l) { return Valor(SinNulo(l, 0).Texto(l.locale)); }},
       {"Round",
        [](const Llamada& l) {

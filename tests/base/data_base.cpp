@@ -1,9 +1,11 @@
 // Verbs over the text, number, date and mask primitives. Each input line is one case and gives one line of
 // the result. A line in double quotes is the text between them, where \t \n \r \\ stand for what they say.
+#include <cmath>
 #include <functional>
 #include <stdexcept>
 
 #include "base/date.h"
+#include "base/dialect_number.h"
 #include "base/encoding.h"
 #include "base/error.h"
 #include "base/format.h"
@@ -94,6 +96,11 @@ const Locale& LocaleDe(const Bloque& b) { return b.Tiene("en") ? Locale::ingles(
 
 std::string Numero(std::optional<double> n) { return n ? base::SqlDeNumero(*n) : "none"; }
 
+std::string Infinite(double n) {
+  if (std::isinf(n)) return n < 0 ? "-infinity" : "infinity";
+  return base::SqlDeNumero(n);
+}
+
 void VerbosDeNumeros(support::Verbos& v) {
   v["number"] = CadaLinea([](const std::string& l, const Bloque& b) {
     const std::string texto = Argumento(l);
@@ -101,14 +108,26 @@ void VerbosDeNumeros(support::Verbos& v) {
     if (n.has_value() != base::EsNumero(texto, LocaleDe(b))) return std::string("EsNumero disagrees");
     return Numero(n);
   });
-  v["cdbl"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    return Numero(base::NumeroDeTextoOError(Argumento(l), LocaleDe(b)));
+  v["dialect-number"] = CadaLinea([](const std::string& l, const Bloque& b) {
+    const std::string texto = Argumento(l);
+    const auto n = base::DialectNumber(texto, LocaleDe(b));
+    if (n.has_value() != base::IsNumeric(texto, LocaleDe(b))) return std::string("IsNumeric disagrees");
+    return Numero(n);
   });
+  v["cdbl"] = CadaLinea(
+      [](const std::string& l, const Bloque& b) { return Numero(base::CDbl(Argumento(l), LocaleDe(b))); });
   v["val"] = CadaLinea([](const std::string& l, const Bloque&) { return Numero(base::Val(Argumento(l))); });
   v["parse"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return Numero(base::Parse(Argumento(l))); });
+      CadaLinea([](const std::string& l, const Bloque&) { return Infinite(base::Parse(Argumento(l))); });
   v["quantity"] = CadaLinea(
-      [](const std::string& l, const Bloque&) { return Numero(base::ValorNumerico(Argumento(l))); });
+      [](const std::string& l, const Bloque&) { return Infinite(base::ValorNumerico(Argumento(l))); });
+  v["blank"] = CadaLinea([](const std::string& l, const Bloque&) {
+    return std::string(base::IsBlank(Argumento(l)) ? "yes" : "no");
+  });
+  v["plain"] = CadaLinea(
+      [](const std::string& l, const Bloque& b) { return base::PlainNumber(Doble(l), LocaleDe(b).decimal); });
+  v["plain-single"] =
+      CadaLinea([](const std::string& l, const Bloque&) { return base::PlainSingle(std::stof(l)); });
   v["double"] = CadaLinea(
       [](const std::string& l, const Bloque& b) { return base::TextoDeNumero(Doble(l), LocaleDe(b)); });
   v["single"] = CadaLinea(

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "base/date.h"
+#include "base/dialect_number.h"
 #include "base/error.h"
 #include "base/number.h"
 
@@ -33,9 +34,12 @@ TEST(Number, ATextOfFifteenDigitsReadsBack) {
     const std::string texto = base::SqlDeNumero(n);
     ASSERT_EQ(std::stod(texto), n) << texto;
     // With a comma, or a single point, the operator's rule reads the same number.
-    ASSERT_EQ(base::NumeroDeTexto(base::TextoDeNumero(n)), n) << texto;
-    ASSERT_EQ(base::NumeroDeTexto(texto), n) << texto;
-    ASSERT_EQ(base::NumeroDeTexto(base::TextoDeNumero(n, Locale::ingles()), Locale::ingles()), n) << texto;
+    ASSERT_EQ(base::DialectNumber(base::TextoDeNumero(n)), n) << texto;
+    ASSERT_EQ(base::DialectNumber(texto), n) << texto;
+    ASSERT_EQ(base::DialectNumber(base::TextoDeNumero(n, Locale::ingles()), Locale::ingles()), n) << texto;
+    ASSERT_EQ(base::NumeroDeTexto(base::PlainNumber(n)), n) << texto;
+    ASSERT_EQ(base::NumeroDeTexto(base::PlainNumber(n, ",")), n) << texto;
+    ASSERT_EQ(base::NumeroDeTexto(base::PlainNumber(n), Locale::ingles()), n) << texto;
     ASSERT_EQ(base::Val(texto), n) << texto;
   }
 }
@@ -45,6 +49,8 @@ TEST(Number, ASingleOfSixDigitsShowsThem) {
   for (int i = 0; i < 100000; ++i) {
     const auto n = static_cast<float>(Azar(azar, 6));
     ASSERT_EQ(std::stof(base::SqlDeSimple(n)), n);
+    ASSERT_EQ(std::stof(base::PlainSingle(n)), n);
+    ASSERT_EQ(base::PlainSingle(n).find('E'), std::string::npos);
     ASSERT_EQ(static_cast<float>(base::DobleDeSimple(n)), n);
     ASSERT_EQ(base::SqlDeNumero(base::DobleDeSimple(n)), base::SqlDeSimple(n));
   }

@@ -1,4 +1,5 @@
 // The verbs of tests/data/formula. A file starts with no vector, an empty line and a fresh evaluator.
+#include <cmath>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -156,7 +157,9 @@ std::string Campos(Estado& e, const Bloque& b) {
 
 std::string Calcular(Estado& e, const Bloque& b) {
   Recomenzar(e, b);
-  return ConCajas(e, base::SqlDeSimple(formula::CalcularFormula(e.ev, b.entrada, e.linea)));
+  const float q = formula::CalcularFormula(e.ev, b.entrada, e.linea);
+  if (std::isinf(q)) return ConCajas(e, q < 0 ? "-infinity" : "infinity");
+  return ConCajas(e, base::PlainSingle(q));
 }
 
 std::string MostrarVector(const formula::Vector& v) {

@@ -148,8 +148,8 @@ TEST_F(Limites, LongFormulasAreCalculated) {
 }
 
 TEST_F(Limites, SignsAndOperatorsAlone) {
-  EXPECT_EQ(Evaluar(Repetir("-", kMuchos)), "");
-  EXPECT_EQ(Evaluar(Repetir("*-", kMuchos)), "");
+  EXPECT_EQ(Evaluar(Repetir("-", kMuchos)), "0");
+  EXPECT_EQ(Evaluar(Repetir("*-", kMuchos)), "0");
   EXPECT_EQ(Evaluar(Repetir("-", kMuchos) + "5"), "-5");  // 0 less 5
   EXPECT_EQ(Evaluar("5" + Repetir("*-1", kMuchos)), "5");
   EXPECT_TRUE(Evaluar(Repetir("#", kMuchos)) == Repetir("#", kMuchos - 2));
