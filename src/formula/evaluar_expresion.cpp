@@ -81,6 +81,7 @@ bool ConAviso(Evaluador& ev, Paso&& paso) {
     paso();
     return true;
   } catch (const base::Error& e) {
+    if (e.IsStorageFault()) throw;
     AvisarErrorEnFormula(ev, e.Descripcion());
     return false;
   }

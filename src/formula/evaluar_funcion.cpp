@@ -69,6 +69,7 @@ std::string EvaluarFuncion(Evaluador& ev, std::string_view argumento, std::strin
     const Nivel nivel(ev, 0);
     return Aplicar(ev, base::TrimVista(argumento), nombre);
   } catch (const base::Error& e) {
+    if (e.IsStorageFault()) throw;
     Avisar(ev, e.Descripcion(), ports::Icono::Ninguno);
     return {};
   }

@@ -14,6 +14,7 @@ struct Respuesta {
   std::vector<std::string> columnas;
   std::vector<base::Valor> celdas;  // row by row
   std::string error;                // not empty: the statement fails
+  base::ErrorKind kind = base::ErrorKind::Statement;
 };
 
 class ConexionFalsa final : public db::Connection {
@@ -43,7 +44,7 @@ class ConexionFalsa final : public db::Connection {
       r = std::move(respuestas.front());
       respuestas.pop_front();
     }
-    if (!r.error.empty()) throw db::Error(r.error);
+    if (!r.error.empty()) throw db::Error(r.error, 0, {}, r.kind);
     auto columnas = std::make_shared<db::Columnas>();
     for (const auto& nombre : r.columnas) columnas->push_back({nombre, base::Tipo::Nulo});
     return db::Recordset(columnas, std::move(r.celdas), std::string(sql));

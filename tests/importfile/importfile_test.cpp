@@ -157,6 +157,57 @@ TEST(CargarDatos, ACatalogueEntryOfMinusOneIsNoConcept) {
   for (const auto& fila : carga.filas) EXPECT_EQ(fila.campo[importfile::kTipoDato], "3");
 }
 
+// Whose every statement meets a damaged page.
+class DamagedBase final : public db::Connection {
+ public:
+  int statements = 0;
+  bool Abierta() const override { return true; }
+  void Cerrar() override {}
+  db::Recordset Ejecutar(std::string_view) override { Fail(); }
+  db::Recordset Consultar(std::string_view) override { Fail(); }
+  std::int64_t FilasAfectadas() const override { return 0; }
+  void BeginTrans() override {}
+  void CommitTrans() override {}
+  void RollbackTrans() override {}
+  bool EnTransaccion() const override { return false; }
+  void SetSavepoint() override {}
+  void RollbackToSavepoint() override {}
+  void ReleaseSavepoint() override {}
+
+ private:
+  [[noreturn]] void Fail() {
+    ++statements;
+    throw db::Error("La página 7 está dañada", 0, {}, base::ErrorKind::Storage);
+  }
+};
+
+// A load that went on would bring quantities that the formula never had.
+TEST(CargarDatos, AFaultOfTheStorageEndsIt) {
+  Tablas tablas;
+  db::DbSession sesion;
+  auto danada = std::make_unique<DamagedBase>();
+  DamagedBase& base = *danada;
+  sesion.conexion = std::move(danada);
+  formula::Evaluador evaluador;
+  evaluador.sesion = &sesion;
+  EntradaCarga entrada = tablas.Entrada("1;1;8\r\n2;1;8\r\n");
+  entrada.evaluador = &evaluador;
+  entrada.filtro = FiltroPor::Texto;
+
+  tablas.opciones.FactMultiplica = "SQL(CAMPO A EN T)";
+  EXPECT_THROW(CargarDatos(entrada), base::Error);
+  EXPECT_EQ(base.statements, 1);
+
+  tablas.opciones.FactMultiplica.clear();
+  tablas.opciones.TextoDeFiltro = "SQL(CAMPO A EN T)>1";
+  EXPECT_THROW(CargarDatos(entrada), base::Error);
+  EXPECT_EQ(base.statements, 2);
+
+  tablas.opciones.TextoDeFiltro.clear();
+  EXPECT_EQ(CargarDatos(entrada).filas.size(), 2U);
+  EXPECT_EQ(evaluador.profundidad, 0);
+}
+
 // Lines against a second reading of the same rule, one character at a time.
 TEST(CargarDatos, EveryLineOfMixedEndsIsARow) {
   std::mt19937 azar(1125);
