@@ -44,7 +44,10 @@ std::vector<std::size_t> ColumnasDe(std::string_view campos, const db::Recordset
   for (const auto& campo : base::Split(campos, ",")) {
     const int posicion = filas.Posicion(NombreDeCampo(campo));
     const std::size_t columna = posicion >= 0 ? static_cast<std::size_t>(posicion) : lugar;
-    if (columna < filas.Campos().size()) columnas.push_back(columna);
+    // A driver of another program may answer with less than it was asked for.
+    if (columna >= filas.Campos().size())
+      throw db::Error("La consulta no devolvió la columna " + std::string(NombreDeCampo(campo)) + ".");
+    columnas.push_back(columna);
     ++lugar;
   }
   return columnas;
@@ -57,11 +60,14 @@ std::int64_t Dato(std::string_view registro) {
 }
 
 void Llenar(ListControl& control, Vector* vector, const db::Recordset& filas,
-            const std::vector<std::size_t>& columnas, std::string_view separador) {
-  if (columnas.empty()) return;
+            const std::vector<std::size_t>& columnas, std::string_view separador,
+            const FormaDeRegistro* forma) {
   for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila) {
     const std::string primero = filas.En(columnas[0], fila).Texto();
-    if (vector != nullptr) AgregarRegistro(*vector, primero);
+    if (vector != nullptr && forma != nullptr)
+      AgregarRegistro(*vector, primero, *forma);
+    else if (vector != nullptr)
+      AgregarRegistro(*vector, primero);
     ItemLista item;
     item.dato = Dato(primero);
     const std::size_t desde = vector != nullptr ? 1 : 0;
@@ -92,7 +98,7 @@ std::string SentenciaDeLista(std::string_view tabla, std::string_view campos, st
 
 int LlenarLista(ListControl& control, std::string_view tabla, std::string_view campos,
                 std::string_view condicion, std::string_view separador, Vector* vector,
-                const db::DbSession& sesion, base::SumideroErrores* errores) {
+                const db::DbSession& sesion, base::SumideroErrores* errores, const FormaDeRegistro* forma) {
   if (!base::EmpiezaCon(campos, kAgregar)) {
     control.items.clear();
     control.ListIndex = -1;
@@ -101,7 +107,7 @@ int LlenarLista(ListControl& control, std::string_view tabla, std::string_view c
   const bool bien = base::ErrorIgnorado("LlenarLista", errores, [&] {
     if (!sesion.Abierta()) throw db::Error("La Base no está Abierta");
     const db::Recordset filas = sesion.conexion->Consultar(SentenciaDeLista(tabla, campos, condicion));
-    Llenar(control, vector, filas, ColumnasDe(SinMarca(campos), filas), separador);
+    Llenar(control, vector, filas, ColumnasDe(SinMarca(campos), filas), separador, forma);
   });
   return bien ? 0 : -1;
 }

@@ -49,6 +49,18 @@ void AgregarRegistro(Vector& vector, std::string_view valor) {
   ManejoVector(vector, valor, posicion, true);
 }
 
+void AgregarRegistro(Vector& vector, std::string_view valor, const FormaDeRegistro& forma) {
+  Registro registro = base::Split(valor, "*");
+  // The pieces that are too many belong to the free field.
+  while (registro.size() > forma.campos) {
+    const auto libre = registro.begin() + static_cast<std::ptrdiff_t>(forma.libre);
+    libre->append("*").append(*(libre + 1));
+    registro.erase(libre + 1);
+  }
+  vector.dimensiones = 2;
+  vector.registros.push_back(std::move(registro));
+}
+
 void QuitarRegistro(Vector& vector, std::ptrdiff_t posicion) { ManejoVector(vector, {}, posicion, false); }
 
 }  // namespace formula

@@ -21,16 +21,25 @@ namespace formula {
 // position outside does nothing.
 void ManejoVector(Vector& vector, std::string_view valor, std::ptrdiff_t& posicion, bool insertar);
 void AgregarRegistro(Vector& vector, std::string_view valor);  // ManejoVector at -1
+// The shape of a record one of whose fields may hold anything, stars and "^" too: that field is what stands
+// between those before it and those after it.
+struct FormaDeRegistro {
+  std::size_t campos = 0;
+  std::size_t libre = 0;  // its place, from 0
+};
+void AgregarRegistro(Vector& vector, std::string_view valor, const FormaDeRegistro& forma);
 void QuitarRegistro(Vector& vector, std::ptrdiff_t posicion);
 
 // Fills a list, and a vector when given, from a table or a SELECT. `campos` starting with "++" appends.
 // Returns 0, or -1 when the statement failed (the control is then as far as it was filled). With a vector the
 // first field feeds it (a "*"-joined record) and the item shows the remaining ones; without one the item
-// shows all. The item's datum is the number of the record's first "*" part. Why it failed is noted in
-// `errores`.
+// shows all. The item's datum is the number of the record's first "*" part. `forma`: how the record is cut,
+// when a field of it may hold anything. A result with fewer columns than are listed is a failing statement.
+// Why it failed is noted in `errores`; a fault of the storage travels on, with nothing added.
 int LlenarLista(ListControl& control, std::string_view tabla, std::string_view campos,
                 std::string_view condicion, std::string_view separador, Vector* vector,
-                const db::DbSession& sesion, base::SumideroErrores* errores = nullptr);
+                const db::DbSession& sesion, base::SumideroErrores* errores = nullptr,
+                const FormaDeRegistro* forma = nullptr);
 // The statement that LlenarLista runs.
 std::string SentenciaDeLista(std::string_view tabla, std::string_view campos, std::string_view condicion);
 

@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::string_view kNingunConcepto = "-1";
 
+// id, name, TipoDato, TipoOperacion, TipoCuota: what is not the name never holds a star.
+constexpr formula::FormaDeRegistro kEntrada{.campos = 5, .libre = 1};
+
 formula::Vector SinConceptos() {
   const std::string id(kNingunConcepto);
   return {.dimensiones = 2, .registros = {{id, id, "", "", ""}}};
@@ -37,7 +40,8 @@ void ActuLSTdeConceptos(const db::DbSession& sesion, const settings::Settings& o
     formula::Vector tabla;
     base::SumideroErrores motivos;
     // The filler adds to combo and table together, so that item i and entry i stay a pair.
-    if (formula::LlenarLista(combo, texto, "Datos,Codigo,Nombre", "", " - ", &tabla, sesion, &motivos) != 0)
+    if (formula::LlenarLista(combo, texto, "Datos,Codigo,Nombre", "", " - ", &tabla, sesion, &motivos,
+                             &kEntrada) != 0)
       throw db::Error(motivos.empty() ? std::string() : motivos.front().descripcion);
     catalogo.cmbConceptos.items = std::move(combo.items);
     catalogo.tabla = std::move(tabla);

@@ -23,14 +23,13 @@ std::int32_t TipoDeDatoExterno(std::string_view valor) {
 }
 
 // The rows of the query, each its only column: a name may hold line ends as well as stars.
-std::vector<Relacion> RelacionesDeLaBase(const db::DbSession& sesion, const std::string& sql,
-                                         bool automaticas) {
+std::vector<Relacion> RelacionesDeLaBase(const db::DbSession& sesion, const std::string& sql, Lista lista) {
   if (!sesion.Abierta()) throw db::Error("La Base no está Abierta");
   const db::Recordset filas = sesion.conexion->Ejecutar(sql);
   if (filas.Campos().empty()) throw db::Error("La consulta de las relaciones no devolvió su columna.");
   std::vector<Relacion> relaciones;
   for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila)
-    relaciones.push_back(RelacionDeFila(filas.En(0, fila).TextoCsv(), automaticas));
+    relaciones.push_back(RelacionDeFila(filas.En(0, fila).TextoCsv(), lista));
   return relaciones;
 }
 
@@ -54,10 +53,10 @@ void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& o
             RelacionesDeLaBase(sesion,
                                sql::ConceptosComoRelaciones(opciones.CodTipoNumerico, opciones.SoloDatosDeRel,
                                                             opciones.ImportarCuotas),
-                               true));
+                               opciones.CodTipoNumerico ? Lista::Numero : Lista::Codigo));
       else if (relaciones.tipo_dato_externo != 0)
         relaciones.Reemplazar(RelacionesDeLaBase(
-            sesion, sql::DatosExternosComoRelaciones(relaciones.tipo_dato_externo), false));
+            sesion, sql::DatosExternosComoRelaciones(relaciones.tipo_dato_externo), Lista::Guardada));
       else
         relaciones.Reemplazar(TextoDeAjuste(ajustes));
       relaciones.carga_fallida = false;

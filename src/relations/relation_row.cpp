@@ -1,5 +1,6 @@
 #include "base/text.h"
 #include "db/connection.h"
+#include "refdata/concepts_catalogue.h"
 #include "relations/relation_line_internal.h"
 
 namespace relations {
@@ -37,17 +38,19 @@ std::vector<Relacion> Cortes(std::string_view fila) {
   return cortes;
 }
 
-bool EsDeSuPropioCodigo(const Relacion& corte) {
-  const std::string_view lista = corte[kExternos], codigo = lista.substr(1, lista.size() - 2);
-  return codigo == corte[kConcepto] || codigo == corte[kCodigo];
+bool TieneLoSuyo(const Relacion& corte, Lista lista) {
+  const std::string_view codigos = corte[kExternos], codigo = codigos.substr(1, codigos.size() - 2);
+  if (lista == Lista::Codigo && codigo == corte[kCodigo]) return true;
+  return codigo == corte[kConcepto] &&
+         (lista == Lista::Numero || IdentificadorDe(codigo).value_or(0) > refdata::kBaseTablas);
 }
 
 }  // namespace
 
-Relacion RelacionDeFila(std::string_view fila, bool automatica) {
+Relacion RelacionDeFila(std::string_view fila, Lista lista) {
   std::vector<Relacion> cortes = Cortes(fila);
-  if (automatica && cortes.size() > 1)
-    std::erase_if(cortes, [](const Relacion& c) { return !EsDeSuPropioCodigo(c); });
+  if (lista != Lista::Guardada && cortes.size() > 1)
+    std::erase_if(cortes, [&](const Relacion& corte) { return !TieneLoSuyo(corte, lista); });
   if (cortes.empty()) return RelacionDeLinea(fila);
   if (cortes.size() > 1)
     throw db::Error("No se puede saber qué códigos y qué concepto tiene la relación '" + std::string(fila) +

@@ -4,11 +4,17 @@
 #include <utility>
 
 #include "base/text.h"
+#ifdef IDM_BASE_MDB
+#include "engine_mdb/mdb_connection.h"
+#else
 #include "engine_sqlite/sqlite_connection.h"
+#endif
 #include "settings/config_file.h"
 
 namespace support {
 namespace {
+
+using Tipo = base::ErrorKind;
 
 constexpr const char* kTablas[] = {
     "CREATE TABLE valores (idEmpresa LONG, codigo TEXT(50), Valor TEXT(50))",
@@ -47,6 +53,16 @@ std::string Sentencias(ConexionTestigo& conexion) {
   return salida;
 }
 
+std::unique_ptr<db::Connection> NuevaBase(const BaseDePrueba& base) {
+#ifdef IDM_BASE_MDB
+  engine_mdb::Opciones opciones;
+  opciones.reloj = &base.reloj;
+  return engine_mdb::Crear(base.carpeta.Ruta("base.mdb"), opciones);
+#else
+  return engine_sqlite::Abrir(":memory:", {.reloj = &base.reloj});
+#endif
+}
+
 bool EsSi(const std::string& texto) { return texto == "SI"; }
 
 std::string AplicarOpciones(settings::Settings& opciones, const Bloque& b) {
@@ -64,7 +80,7 @@ std::string AplicarOpciones(settings::Settings& opciones, const Bloque& b) {
 void ConexionTestigo::Anotar(std::string_view sql) {
   sentencias.emplace_back(sql);
   for (const auto& texto : fallan)
-    if (base::Contiene(sql, texto)) throw db::Error("Falla pedida");
+    if (base::Contiene(sql, texto)) throw db::Error("Falla pedida", 0, {}, falla);
 }
 
 bool PromptsAnotados::Mostrar(const ports::Aviso& aviso) {
@@ -77,7 +93,7 @@ bool PromptsAnotados::Confirmar(const std::string& texto) {
 }
 
 BaseDePrueba::BaseDePrueba() {
-  auto testigo = std::make_unique<ConexionTestigo>(engine_sqlite::Abrir(":memory:", {.reloj = &reloj}));
+  auto testigo = std::make_unique<ConexionTestigo>(NuevaBase(*this));
   conexion = testigo.get();
   sesion.conexion = std::move(testigo);
   sesion.idEmpresa = 1;
@@ -132,6 +148,15 @@ Verbos VerbosDeBase(const std::shared_ptr<BaseDePrueba>& base) {
       {"falla",
        [base](const Bloque& b) {
          base->conexion->fallan = Lineas(b.entrada);
+         base->conexion->falla = b.Tiene("almacen") ? Tipo::Storage : Tipo::Statement;
+         return std::string();
+       }},
+      {"transaccion",
+       [base](const Bloque& b) {
+         if (b.Tiene("begin")) base->conexion->BeginTrans();
+         if (b.Tiene("commit")) base->conexion->CommitTrans();
+         if (b.Tiene("rollback")) base->conexion->RollbackTrans();
+         base->conexion->sentencias.clear();
          return std::string();
        }},
       {"cerrar",

@@ -1,5 +1,6 @@
-// A payroll base in memory for the tests of the reference data and of what stands on it: the embedded engine
-// behind a connection that notes the statements and fails those it was told to.
+// A payroll base for the tests of the reference data and of what stands on it, behind a connection that notes
+// the statements and fails those it was told to: the embedded engine in memory, or (idm_test_base_mdb) a file
+// of Access.
 #pragma once
 
 #include <memory>
@@ -13,6 +14,7 @@
 #include "ports/prompts.h"
 #include "settings/settings.h"
 #include "support/data_test.h"
+#include "support/temp_folder.h"
 
 namespace support {
 
@@ -50,12 +52,22 @@ class ConexionTestigo final : public db::Connection {
     motor_->RollbackTrans();
   }
   bool EnTransaccion() const override { return motor_->EnTransaccion(); }
-  void SetSavepoint() override { motor_->SetSavepoint(); }
-  void RollbackToSavepoint() override { motor_->RollbackToSavepoint(); }
-  void ReleaseSavepoint() override { motor_->ReleaseSavepoint(); }
+  void SetSavepoint() override {
+    Anotar("SAVEPOINT");
+    motor_->SetSavepoint();
+  }
+  void RollbackToSavepoint() override {
+    Anotar("ROLLBACK TO SAVEPOINT");
+    motor_->RollbackToSavepoint();
+  }
+  void ReleaseSavepoint() override {
+    Anotar("RELEASE SAVEPOINT");
+    motor_->ReleaseSavepoint();
+  }
 
   std::vector<std::string> sentencias;  // in order, the failing ones among them
   std::vector<std::string> fallan;      // a statement that holds one of these texts fails
+  base::ErrorKind falla = base::ErrorKind::Statement;
 
  private:
   void Anotar(std::string_view sql);
@@ -74,6 +86,7 @@ class PromptsAnotados final : public ports::Prompts {
 struct BaseDePrueba {
   BaseDePrueba();
 
+  CarpetaTemporal carpeta;  // of the file, while it is open
   RelojMovible reloj;
   ConexionTestigo* conexion = nullptr;  // owned by the session
   db::DbSession sesion;
@@ -88,10 +101,24 @@ struct BaseDePrueba {
 // The verbs that prepare and look at the base; the tables of the reference data are there from the start.
 //   exec / query    one statement a line / one query; rows "a|b", NULL, (empty)
 //   sesion empresa=3 agrupa=SI construccion=NO      opciones CLAVE=valor …     reloj 2024-06-15
-//   falla           statements that hold the input line fail from now on; without input none does
+//   falla [almacen] statements that hold an input line fail from now on; without input none does. With the
+//                   word it is a fault of the storage
 //   cerrar          closes the connection
+//   transaccion begin|commit|rollback      of whoever calls the program
 //   sentencias      the statements run since the last time it was asked
 Verbos VerbosDeBase(const std::shared_ptr<BaseDePrueba>& base);
+
+// Runs a step of the program: none, or the line that says which fault of the storage travelled out of it.
+template <typename Paso>
+std::vector<std::string> LoQueViaja(Paso&& paso) {
+  try {
+    std::forward<Paso>(paso)();
+    return {};
+  } catch (const base::Error& e) {
+    if (!e.IsStorageFault()) throw;
+    return {"travels: " + e.Descripcion()};
+  }
+}
 
 std::string Celda(const std::string& texto);  // "(empty)" for an empty one
 base::Fecha FechaDeIso(const std::string& texto);

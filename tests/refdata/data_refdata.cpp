@@ -12,6 +12,7 @@
 #include "refdata/liquidation_types.h"
 #include "refdata/persons_index.h"
 #include "refdata/sql.h"
+#include "support/escapes.h"
 
 namespace {
 
@@ -27,8 +28,10 @@ struct Estado {
 };
 
 // What was shown and noted, and why the table is not read.
-std::vector<std::string> AvisosY(Estado& e, const std::string& motivo) {
+std::vector<std::string> AvisosY(Estado& e, const std::vector<std::string>& viaja,
+                                 const std::string& motivo) {
   std::vector<std::string> lineas = e.base->Avisos();
+  lineas.insert(lineas.end(), viaja.begin(), viaja.end());
   if (!motivo.empty()) lineas.push_back("not read: " + motivo);
   return lineas;
 }
@@ -53,9 +56,12 @@ std::string TextoSql(const Bloque& b) {
 // personas mes=2024-02-01: what was shown and noted, then the rows; all eleven columns with the word "todo",
 // else contract and given name.
 std::string Personas(Estado& e, const Bloque& b) {
-  const bool hecho = refdata::CargarVecDePersonas(e.base->sesion, FechaDeIso(b.Opcion("mes")), e.personas,
-                                                  e.base->prompts, &e.base->errores);
-  std::vector<std::string> lineas = AvisosY(e, e.personas.motivo_fallo);
+  bool hecho = true;
+  const auto viaja = support::LoQueViaja([&] {
+    hecho = refdata::CargarVecDePersonas(e.base->sesion, FechaDeIso(b.Opcion("mes")), e.personas,
+                                         e.base->prompts, &e.base->errores);
+  });
+  std::vector<std::string> lineas = AvisosY(e, viaja, e.personas.motivo_fallo);
   if (!hecho) lineas.push_back("not loaded");
   for (std::size_t fila = 0; fila < e.personas.Cantidad(); ++fila) {
     std::vector<std::string> celdas;
@@ -77,7 +83,7 @@ std::string Buscar(const Estado& e, const Bloque& b) {
 }
 
 std::string Item(const formula::ItemLista& item) {
-  return base::Join({std::to_string(item.dato), item.texto}, "=");
+  return base::Join({std::to_string(item.dato), support::Escapado(item.texto)}, "=");
 }
 
 std::string Items(const formula::ListControl& combo) {
@@ -89,15 +95,16 @@ std::string Items(const formula::ListControl& combo) {
 
 // conceptos: item "datum=text" and the entry behind it; an entry without an item stands alone.
 std::string Conceptos(Estado& e, const Bloque&) {
-  refdata::ActuLSTdeConceptos(e.base->sesion, e.base->opciones, e.conceptos, &e.base->errores);
-  std::vector<std::string> lineas = AvisosY(e, e.conceptos.motivo_fallo);
+  const auto viaja = support::LoQueViaja(
+      [&] { refdata::ActuLSTdeConceptos(e.base->sesion, e.base->opciones, e.conceptos, &e.base->errores); });
+  std::vector<std::string> lineas = AvisosY(e, viaja, e.conceptos.motivo_fallo);
   const auto& items = e.conceptos.cmbConceptos.items;
   const auto& tabla = e.conceptos.tabla;
   for (std::size_t i = 0; i < std::max(items.size(), tabla.Cantidad()); ++i) {
     std::vector<std::string> piezas{i < items.size() ? Item(items[i]) : "no item", "<-"};
     if (i >= tabla.Cantidad()) piezas.push_back("no entry");
     for (std::size_t campo = 0; i < tabla.Cantidad() && campo < tabla.registros[i].size(); ++campo)
-      piezas.push_back(Celda(tabla.Campo(campo, i)));
+      piezas.push_back(Celda(support::Escapado(tabla.Campo(campo, i))));
     lineas.push_back(base::Join(piezas, " "));
   }
   return base::Join(lineas, "\n");
@@ -123,10 +130,12 @@ std::string Elegir(Estado& e, const Bloque& b) {
 
 // tipos: all that CargarTiposLiquidacion leaves; with a name, that part alone.
 std::string Tipos(Estado& e, const Bloque& b) {
-  const bool replantear =
-      refdata::CargarTiposLiquidacion(e.base->sesion, e.base->opciones, e.tipos, &e.base->errores);
+  bool replantear = false;
+  const auto viaja = support::LoQueViaja([&] {
+    replantear = refdata::CargarTiposLiquidacion(e.base->sesion, e.base->opciones, e.tipos, &e.base->errores);
+  });
   const auto& t = e.tipos;
-  std::vector<std::string> lineas = AvisosY(e, t.motivo_fallo);
+  std::vector<std::string> lineas = AvisosY(e, viaja, t.motivo_fallo);
   const auto parte = [&](const std::string& nombre, const std::string& texto) {
     if (b.opciones.empty() || b.Tiene(nombre)) lineas.push_back(base::Join({nombre, texto}, ": "));
   };

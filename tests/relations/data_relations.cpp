@@ -12,6 +12,7 @@
 #include "relations/edit_relations.h"
 #include "relations/sql.h"
 #include "settings/config_file.h"
+#include "support/escapes.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ std::string TextoSql(const Bloque& b) {
 
 std::string Celdas(const std::vector<std::string>& celdas) {
   std::vector<std::string> salida;
-  for (const auto& celda : celdas) salida.push_back(Celda(celda));
+  for (const auto& celda : celdas) salida.push_back(Celda(support::Escapado(celda)));
   return base::Join(salida, "|");
 }
 
@@ -78,8 +79,11 @@ std::string Levantar(Estado& e, const Bloque& b) {
   }
   std::string ajustes;
   for (const auto& [clave, valor] : valores) ajustes = settings::TextoConValor(ajustes, clave, valor);
-  relations::LevantarRelaciones(e.base->sesion, e.base->opciones, ajustes, e.relaciones, &e.base->errores);
+  const auto viaja = support::LoQueViaja([&] {
+    relations::LevantarRelaciones(e.base->sesion, e.base->opciones, ajustes, e.relaciones, &e.base->errores);
+  });
   std::vector<std::string> avisos = e.base->Avisos();
+  avisos.insert(avisos.end(), viaja.begin(), viaja.end());
   if (!e.relaciones.motivo_fallo.empty()) avisos.push_back("not read: " + e.relaciones.motivo_fallo);
   if (e.relaciones.carga_fallida == e.relaciones.motivo_fallo.empty()) avisos.push_back("NO REASON");
   return Unidas(std::move(avisos), LineasDeTabla(e));
@@ -156,9 +160,12 @@ support::Verbos Preparar() {
     return base::Reemplazar(e->relaciones.Texto(), "\r\n", "<CRLF>\n");
   };
   verbos["guardar"] = [e](const Bloque&) {
-    const std::string motivo =
-        relations::GuardarRelacionesEnBase(e->base->sesion, e->relaciones, &e->base->errores);
+    std::string motivo;
+    const auto viaja = support::LoQueViaja([&] {
+      motivo = relations::GuardarRelacionesEnBase(e->base->sesion, e->relaciones, &e->base->errores);
+    });
     std::vector<std::string> avisos = e->base->Avisos();
+    avisos.insert(avisos.end(), viaja.begin(), viaja.end());
     if (!motivo.empty()) avisos.push_back("not stored: " + motivo);
     return Unidas(std::move(avisos), std::exchange(e->base->conexion->sentencias, {}));
   };
