@@ -69,7 +69,8 @@ void Reescribir(const db::DbSession& sesion, const Vector& anterior, const Vecto
   sesion.conexion->Ejecutar(borrar);
   try {
     InsertarSerie(sesion, serie);
-  } catch (const base::Error&) {
+  } catch (const base::Error& error) {
+    if (error.IsStorageFault()) throw;  // the whole run is undone
     base::ErrorIgnorado("GuardarValorTablaUsuario", nullptr, [&] {
       sesion.conexion->Ejecutar(borrar);
       InsertarSerie(sesion, anterior);
@@ -104,6 +105,17 @@ void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla
   }
   Reescribir(sesion, anterior, serie, id_Tabla, codigo);
   if (registros != nullptr) *registros = static_cast<int>(serie.Cantidad());
+}
+
+bool CerrarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
+                             base::Fecha fecha) {
+  if (!sesion.Abierta()) throw db::Error("No se ha conectado con la base de datos");
+  const Vector serie = LeerSerie(sesion, id_Tabla, codigo);
+  const std::string dia = TextoDe(fecha);
+  for (std::size_t i = 0; i < serie.Cantidad(); ++i)
+    if (serie.Campo(kFecha, i) == dia) return false;
+  GuardarValorTablaUsuario(sesion, id_Tabla, codigo, "0", fecha);
+  return true;
 }
 
 }  // namespace formula

@@ -62,4 +62,9 @@ void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla
                               std::string_view valor, base::Fecha fecha, bool sumado = false,
                               bool sin_borrado = false, int* registros = nullptr);
 
+// Writes 0 for a code, valid from `fecha`, unless some value is dated on that day, whatever its hour: a value
+// that somebody entered is never lost to the end of another. Returns whether it wrote. Throws db::Error.
+bool CerrarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
+                             base::Fecha fecha);
+
 }  // namespace formula

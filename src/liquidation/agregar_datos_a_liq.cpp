@@ -10,11 +10,6 @@
 namespace liquidation {
 namespace {
 
-std::int32_t Entero(std::string_view texto) {
-  const double n = base::ValorNumerico(texto);
-  return n >= -2147483648.0 && n <= 2147483647.0 ? base::Entero32(n) : 0;
-}
-
 // The type for the contract, remembered while the contract stays the same.
 std::int32_t TipoDeContrato(Corrida& c, std::int32_t contrato) {
   if (contrato == c.cache.contrato) return c.cache.tipo;
@@ -29,15 +24,12 @@ std::int32_t TipoDeContrato(Corrida& c, std::int32_t contrato) {
 }
 
 // An open header that the key search did not show (its person has no card, or a document stored in another
-// form).
+// form). Not knowing would make a second one: the line is refused when this cannot be read.
 std::optional<std::int32_t> EncabezadoYaAbierto(Corrida& c, std::int32_t contrato, std::int32_t tipo) {
-  std::optional<std::int32_t> id;
-  base::ErrorIgnorado("AgregarDatosALiq: encabezado abierto", c.errores, [&] {
-    const auto rs =
-        c.sesion->conexion->Ejecutar(sql::EncabezadoDeContrato(c.sesion->idEmpresa, c.mes, contrato, tipo));
-    if (!rs.Vacio()) id = rs.En(0, 0).Entero();
-  });
-  return id;
+  const auto rs =
+      c.sesion->conexion->Ejecutar(sql::EncabezadoDeContrato(c.sesion->idEmpresa, c.mes, contrato, tipo));
+  if (rs.Vacio()) return std::nullopt;
+  return rs.En(0, 0).Entero();
 }
 
 // The header that receives the datum, or the reason why there is none.
@@ -46,35 +38,35 @@ struct Eleccion {
   std::string motivo;
 };
 
-Eleccion CrearEncabezado(Corrida& c, std::int32_t contrato) {
-  const std::int32_t tipo = c.cache.tipo;
-  ErrorPendiente error;
-  std::int32_t nuevo = 0;
-  const bool hay_id = error.Intentar([&] { nuevo = IdentificadorNuevo(c, "Encabezados", "id_Encabezado"); });
-  if (tipo == -1) return {0, "La Liquidaciones de tipo " + c.texto_liquidacion + " estan terminadas"};
-  if (!hay_id) return {0, error.Descripcion()};
-  error.Intentar([&] {
-    c.sesion->conexion->Ejecutar(
-        sql::InsertarEncabezado(c.sesion->idEmpresa, nuevo, c.mes, contrato, tipo, c.sesion->id_Usuario));
-    c.encabezados.Reabrir(*c.sesion, nuevo);
-  });
-  return {nuevo, error.Descripcion()};
-}
-
 Eleccion ElegirEncabezado(Corrida& c, std::int32_t contrato, std::string_view clave) {
-  const EncabezadoAbierto* hallado = c.encabezados.Find(clave);
+  const EncabezadoAbierto* hallado = c.encabezados.Find(clave, contrato);
   const std::int32_t tipo = TipoDeContrato(c, contrato);
   if (hallado != nullptr) {
     if (hallado->Terminado) return {0, "La Liquidación está terminada"};
     if (hallado->id_TipoLiq == tipo) return {hallado->id_Encabezado, {}};
   }
-  if (tipo != -1) {
-    if (const auto abierto = EncabezadoYaAbierto(c, contrato, tipo)) return {*abierto, {}};
-  }
-  return CrearEncabezado(c, contrato);
+  if (tipo == -1) return {0, "La Liquidaciones de tipo " + c.texto_liquidacion + " estan terminadas"};
+  if (const auto abierto = EncabezadoYaAbierto(c, contrato, tipo)) return {*abierto, {}};
+  const std::int32_t nuevo = IdentificadorNuevo(c, "Encabezados", "id_Encabezado");
+  Escribir(c,
+           sql::InsertarEncabezado(c.sesion->idEmpresa, nuevo, c.mes, contrato, tipo, c.sesion->id_Usuario));
+  c.encabezados.Reabrir(*c.sesion, nuevo);
+  return {nuevo, {}};
 }
 
 }  // namespace
+
+void Marcar(Corrida& c) {
+  if (c.marcada) return;
+  c.sesion->conexion->SetSavepoint();
+  c.marcada = true;
+}
+
+void Escribir(Corrida& c, const std::string& sql) {
+  Marcar(c);
+  c.sesion->conexion->Ejecutar(sql);
+  c.escribio = true;
+}
 
 std::int32_t IdentificadorNuevo(const Corrida& corrida, std::string_view tabla, std::string_view campo) {
   const std::int32_t mayor = db::NextId(*corrida.sesion->conexion, tabla, campo);
@@ -85,15 +77,19 @@ std::int32_t IdentificadorNuevo(const Corrida& corrida, std::string_view tabla, 
 std::string AgregarDatosALiq(Corrida& c, std::int32_t concepto, float& cantidad, std::size_t fila_persona,
                              const importfile::ImportRow& fila, std::int64_t centro_costo,
                              float& coeficiente) {
-  const std::int32_t contrato = Entero(c.personas->Texto(refdata::kContrato, fila_persona));
-  if (concepto >= 1000) return EscribirTablaUsuario(c, concepto, contrato, cantidad, coeficiente);
+  const std::int32_t contrato = Identificador32(c.personas->Texto(refdata::kContrato, fila_persona));
+  if (concepto >= 1000) {
+    EscribirTablaUsuario(c, concepto, contrato, cantidad, coeficiente);
+    return {};
+  }
   const int clave = c.opciones->Configura;
   const int columna = clave >= 0 && clave <= 4 ? clave : static_cast<int>(refdata::kPersona);
   const Eleccion eleccion = ElegirEncabezado(c, contrato, c.personas->Texto(columna, fila_persona));
   if (!eleccion.motivo.empty()) return eleccion.motivo;
   const DatoALiquidar dato{concepto, contrato, eleccion.encabezado,
                            Agrupacion(*c.sesion, *c.opciones, *c.personas, fila_persona, fila, centro_costo)};
-  return EscribirDato(c, dato, cantidad, coeficiente, fila);
+  EscribirDato(c, dato, cantidad, coeficiente, fila);
+  return {};
 }
 
 }  // namespace liquidation

@@ -41,11 +41,15 @@ struct Corrida {
   OpenHeaders encabezados;
   ContractTypeCache cache;
   std::optional<sql::ConsultaDeTipos> consulta_tipos;  // made of the conditions when first asked
+
+  // Of the line under way: its savepoint is set, and something was written after it.
+  bool marcada = false, escribio = false;
 };
 
 // Concepts from 1000 up name the user table of that number less 1000. `cantidad` and `coeficiente` are
-// overwritten with the sums. Returns "" or the reason why the line was not imported. A database error never
-// leaves the routine.
+// overwritten with the sums. Returns "", or the system's own reason why the line was not imported, and then
+// nothing was written. Throws base::Error when a statement fails or a number grows too large: the caller then
+// undoes what the line wrote, which starts at the connection's savepoint when `marcada` says so.
 std::string AgregarDatosALiq(Corrida& corrida, std::int32_t concepto, float& cantidad,
                              std::size_t fila_persona, const importfile::ImportRow& fila,
                              std::int64_t centro_costo, float& coeficiente);

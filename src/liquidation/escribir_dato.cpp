@@ -1,17 +1,13 @@
-#include <cmath>
+#include <optional>
 
 #include "base/number.h"
 #include "base/text.h"
 #include "formula/line_formula.h"
 #include "liquidation/liquidation_internal.h"
+#include "liquidation/revisar_fila.h"
 
 namespace liquidation {
 namespace {
-
-int Numero(const std::string& texto) {
-  const double n = base::ValorNumerico(texto);
-  return std::abs(n) < 1e9 ? static_cast<int>(std::lround(n)) : 0;
-}
 
 // What one datum needs on its way through the steps.
 struct Escritura {
@@ -20,12 +16,8 @@ struct Escritura {
   int TipoDato;
   int TipoCuota;
   std::string nombre_cuota;
-  ErrorPendiente error;
 
   sql::ClaveDato Clave() const { return {c.sesion->idEmpresa, dato.encabezado, dato.concepto, dato.agrupa}; }
-  bool Ejecutar(const std::string& texto) {
-    return error.Intentar([&] { c.sesion->conexion->Ejecutar(texto); });
-  }
 };
 
 // Whether evaluating the instalment name could do anything but give a text: only a "(" or an unpaired bracket
@@ -52,92 +44,101 @@ std::string NombreDeCuota(Corrida& c, int TipoCuota, const formula::CamposDeLine
   return nombre;
 }
 
+void InsertarCuota(Escritura& e, std::int32_t id_Pago, std::int32_t id_Dato, const std::string& cantidad) {
+  const sql::Cuota cuota{e.c.sesion->idEmpresa, id_Pago, e.dato.contrato, e.dato.concepto, id_Dato, cantidad,
+                         e.nombre_cuota};
+  Escribir(e.c, sql::InsertarPago(cuota, e.c.mes));
+  Escribir(e.c, sql::InsertarPagoDeta(cuota, e.c.mes));
+}
+
 void Insertar(Escritura& e, float cantidad, float coeficiente) {
   const std::string q = base::SqlDeSimple(cantidad), k = base::SqlDeSimple(coeficiente);
-  std::int32_t id_Dato = 0;
-  if (!e.error.Intentar([&] { id_Dato = IdentificadorNuevo(e.c, "Datos_Liquidacion", "id_Dato"); })) return;
+  const std::int32_t id_Dato = IdentificadorNuevo(e.c, "Datos_Liquidacion", "id_Dato");
   std::string par;
-  if (e.TipoDato == 3)
+  if (e.TipoDato == kTipoCantidad)
     par = q + ",0";
   else if (e.TipoCuota != 0)
     par = "1," + q;
-  else if (e.TipoDato == 5)
+  else if (e.TipoDato == kTipoCantidadYValor)
     par = q + "," + k;
   else
     par = "0," + q;
-  const bool escrito = e.Ejecutar(sql::InsertarDato(id_Dato, e.Clave(), par));
-
+  Escribir(e.c, sql::InsertarDato(id_Dato, e.Clave(), par));
   std::int32_t id_Pago = -1;
   if (e.TipoCuota != 0) {
-    std::int32_t nuevo = 0;
-    if (e.error.Intentar([&] { nuevo = IdentificadorNuevo(e.c, "PagosEnSueldo", "id_Pago"); })) {
-      id_Pago = nuevo;
-      const sql::Cuota cuota{e.c.sesion->idEmpresa, id_Pago, e.dato.contrato, e.dato.concepto, id_Dato, q,
-                             e.nombre_cuota};
-      e.Ejecutar(sql::InsertarPago(cuota, e.c.mes));
-      e.Ejecutar(sql::InsertarPagoDeta(cuota, e.c.mes));
-    }
+    id_Pago = IdentificadorNuevo(e.c, "PagosEnSueldo", "id_Pago");
+    InsertarCuota(e, id_Pago, id_Dato, q);
   }
-  // A datum that could not be written is not there for later lines to be added to.
-  if (e.c.opciones->TotalizarConc && escrito)
-    e.c.datos.Agregar(
-        DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, id_Pago, e.dato.agrupa, coeficiente});
+  if (e.c.opciones->TotalizarConc)
+    e.c.datos.Agregar(DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, id_Pago, e.dato.agrupa,
+                                 coeficiente, e.dato.encabezado});
 }
 
-// The sum of what the month's table holds and the line. The table takes it only when the statement succeeded.
+// The row of the header's datum, to be added to; null when the line replaces what stands. The preload does
+// not say in which header it found something: that datum is read when it is first met.
+DatoDelMes* FilaDelDato(Escritura& e, std::int32_t id_Dato) {
+  const DatoALiquidar& d = e.dato;
+  DatoDelMes* fila = e.c.datos.Buscar(d.concepto, d.contrato, d.agrupa, d.encabezado);
+  if (fila != nullptr || !e.c.datos.Precargado(d.concepto, d.contrato, d.agrupa)) return fila;
+  const auto rs = e.c.sesion->conexion->Ejecutar(sql::LeerDato(e.c.sesion->idEmpresa, id_Dato));
+  if (rs.Vacio()) return nullptr;
+  const auto cantidad = static_cast<float>(rs.En(0, 0).NumeroOCero());
+  const auto coeficiente = static_cast<float>(rs.En(1, 0).NumeroOCero());
+  const bool llena_cantidad = e.TipoDato == kTipoCantidad || e.TipoDato == kTipoCantidadYValor;
+  return &e.c.datos.Agregar(DatoDelMes{d.concepto, llena_cantidad ? cantidad : coeficiente, d.contrato, -1,
+                                       d.agrupa, coeficiente, d.encabezado});
+}
+
+// The sum of what the header's datum holds and the line.
 void Actualizar(Escritura& e, std::int32_t id_Dato, float& cantidad, float& coeficiente) {
   const std::int32_t empresa = e.c.sesion->idEmpresa;
   std::int64_t id_Pago = -1;
-  DatoDelMes* fila = e.c.datos.Buscar(e.dato.concepto, e.dato.contrato, e.dato.agrupa);
+  DatoDelMes* fila = FilaDelDato(e, id_Dato);
   if (fila != nullptr) {
     coeficiente = fila->Coeficiente * fila->valor + cantidad * coeficiente;
     cantidad = fila->valor + cantidad;
     if (base::Redondear(static_cast<double>(cantidad), 5) != 0) coeficiente = coeficiente / cantidad;
     id_Pago = fila->id_Pago;
   }
-  const std::string q = base::SqlDeSimple(cantidad), k = base::SqlDeSimple(coeficiente);
-  const bool escrito =
-      e.TipoDato != 5
-          ? e.Ejecutar(sql::ActualizarDato(empresa, id_Dato, e.TipoDato == 3 ? "Cantidad" : "Coeficiente", q))
-          : e.Ejecutar(sql::ActualizarDatoYCoeficiente(empresa, id_Dato, q, k));
-  if (escrito && fila != nullptr) {
-    fila->valor = cantidad;
-    fila->Coeficiente = coeficiente;
-  } else if (escrito) {
-    e.c.datos.Agregar(DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, -1, e.dato.agrupa, coeficiente});
-  }
+  const std::string q = base::SqlDeSimple(cantidad);
+  if (e.TipoDato == kTipoCantidadYValor)
+    Escribir(e.c, sql::ActualizarDatoYCoeficiente(empresa, id_Dato, q, base::SqlDeSimple(coeficiente)));
+  else
+    Escribir(e.c, sql::ActualizarDato(empresa, id_Dato,
+                                      e.TipoDato == kTipoCantidad ? "Cantidad" : "Coeficiente", q));
+  if (fila != nullptr)
+    e.c.datos.Cambiar(*fila, cantidad, coeficiente);
+  else
+    e.c.datos.Agregar(DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, -1, e.dato.agrupa, coeficiente,
+                                 e.dato.encabezado});
   // Only data without instalments come here, so these two do not run; the guard is wanted as it stands.
   if (id_Pago != -1 && e.TipoCuota != 0) {
     sql::Cuota cuota;
     cuota.idEmpresa = empresa;
     cuota.id_Pago = static_cast<std::int32_t>(id_Pago);
     cuota.cantidad = q;
-    e.Ejecutar(sql::ActualizarPago(cuota));
-    e.Ejecutar(sql::ActualizarPagoDeta(cuota));
+    Escribir(e.c, sql::ActualizarPago(cuota));
+    Escribir(e.c, sql::ActualizarPagoDeta(cuota));
   }
 }
 
 }  // namespace
 
-std::string EscribirDato(Corrida& c, const DatoALiquidar& dato, float& cantidad, float& coeficiente,
-                         const importfile::ImportRow& fila) {
-  Escritura e{c,  dato, Numero(fila.campo[importfile::kTipoDato]), Numero(fila.campo[importfile::kTipoCuota]),
-              {}, {}};
-  std::int32_t id_Dato = -1;
+void EscribirDato(Corrida& c, const DatoALiquidar& dato, float& cantidad, float& coeficiente,
+                  const importfile::ImportRow& fila) {
+  Escritura e{c, dato, TipoDatoDe(fila), TipoCuotaDe(fila), {}};
+  std::optional<std::int32_t> id_Dato;
   if (c.opciones->TotalizarConc) {
-    e.error.Intentar([&] {
-      const auto rs = c.sesion->conexion->Ejecutar(sql::BuscarDato(e.Clave()));
-      if (!rs.Vacio()) id_Dato = rs.En(0, 0).Entero();
-    });
-  } else if (e.TipoDato != 5) {
-    e.Ejecutar(sql::BorrarDato(e.Clave()));
+    const auto rs = c.sesion->conexion->Ejecutar(sql::BuscarDato(e.Clave()));
+    if (!rs.Vacio()) id_Dato = rs.En(0, 0).Entero();
+  } else if (e.TipoDato != kTipoCantidadYValor) {
+    Escribir(c, sql::BorrarDato(e.Clave()));
   }
   e.nombre_cuota = NombreDeCuota(c, e.TipoCuota, fila.campo);
-  if (id_Dato == -1 || e.TipoCuota != 0)
+  if (!id_Dato || e.TipoCuota != 0)
     Insertar(e, cantidad, coeficiente);
   else
-    Actualizar(e, id_Dato, cantidad, coeficiente);
-  return e.error.Descripcion();
+    Actualizar(e, *id_Dato, cantidad, coeficiente);
 }
 
 }  // namespace liquidation

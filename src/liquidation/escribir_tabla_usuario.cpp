@@ -22,39 +22,35 @@ bool DebeCerrarse(const formula::Vector& serie, base::Fecha mes, base::Fecha hoy
 
 }  // namespace
 
-std::string EscribirTablaUsuario(Corrida& c, std::int32_t concepto, std::int32_t contrato, float& cantidad,
-                                 float coeficiente) {
+void EscribirTablaUsuario(Corrida& c, std::int32_t concepto, std::int32_t contrato, float& cantidad,
+                          float coeficiente) {
   const std::int32_t tabla = concepto - 1000;
   const std::string codigo = std::to_string(contrato);
   const base::Fecha hoy = c.sesion->reloj->Hoy();
   const base::Fecha mes_siguiente = base::DateAdd("m", 1, c.mes);
-  ErrorPendiente error;
-  const auto guardar = [&](const std::string& valor, base::Fecha fecha, bool sumado) {
-    return error.Intentar(
-        [&] { formula::GuardarValorTablaUsuario(*c.sesion, tabla, codigo, valor, fecha, sumado); });
-  };
   const bool tenia_valores = c.tablas->TieneValores(tabla, codigo);
+  Marcar(c);
+  c.escribio = true;  // a value takes several statements
 
   if (!c.opciones->TotalizarConc) {
     // The 0 at the month is replaced by the quantity: it stands for clearing what the month had. Tables of
     // every kind are dated at the month.
-    const bool escrito =
-        (!tenia_valores || guardar("0", c.mes, false)) && guardar(base::SqlDeSimple(cantidad), c.mes, false);
-    if (escrito && tenia_valores) guardar("0", mes_siguiente, false);
-    return error.Descripcion();
+    if (tenia_valores) formula::GuardarValorTablaUsuario(*c.sesion, tabla, codigo, "0", c.mes);
+    formula::GuardarValorTablaUsuario(*c.sesion, tabla, codigo, base::SqlDeSimple(cantidad), c.mes);
+    if (tenia_valores) formula::CerrarValorTablaUsuario(*c.sesion, tabla, codigo, mes_siguiente);
+    return;
   }
 
-  DatoDelMes* previo = c.datos.Buscar(concepto, contrato);
+  DatoDelMes* previo = c.datos.BuscarDeTabla(concepto, contrato);
   if (previo != nullptr) cantidad = previo->valor + cantidad;
-  const bool escrito = guardar(base::SqlDeNumero(base::DobleDeSimple(cantidad) + 200.0), c.mes, true);
-  if (!escrito) return error.Descripcion();  // nor is what the contract had closed
+  formula::GuardarValorTablaUsuario(*c.sesion, tabla, codigo,
+                                    base::SqlDeNumero(base::DobleDeSimple(cantidad) + 200.0), c.mes, true);
   if (previo != nullptr)
-    previo->valor = cantidad;
+    c.datos.Cambiar(*previo, cantidad, previo->Coeficiente);
   else
-    c.datos.Agregar(DatoDelMes{concepto, cantidad, contrato, -1, 0, coeficiente});
+    c.datos.Agregar(DatoDelMes{concepto, cantidad, contrato, -1, 0, coeficiente, kSinEncabezado});
   if (tenia_valores && DebeCerrarse(c.tablas->Serie(tabla, codigo), c.mes, hoy))
-    guardar("0", mes_siguiente, false);
-  return error.Descripcion();
+    formula::CerrarValorTablaUsuario(*c.sesion, tabla, codigo, mes_siguiente);
 }
 
 }  // namespace liquidation

@@ -1,10 +1,12 @@
 #include "liquidation/importar.h"
 
-#include <cmath>
 #include <map>
+#include <new>
+#include <utility>
 
 #include "base/number.h"
 #include "formula/vector_utils.h"
+#include "liquidation/revisar_fila.h"
 
 namespace liquidation {
 namespace {
@@ -31,73 +33,91 @@ std::string ConceptosDeRelaciones(const relations::CodeRelations& relaciones) {
   formula::Vector legibles;
   legibles.dimensiones = 1;
   for (std::size_t i = 0; i < relaciones.Cantidad(); ++i)
-    if (const auto n = base::NumeroDeTexto(relaciones.Campo(relations::kConcepto, i)))
-      legibles.registros.push_back({base::SqlDeNumero(*n)});
+    if (const auto concepto = ConceptoDeRelacion(relaciones.Campo(relations::kConcepto, i)))
+      legibles.registros.push_back({std::to_string(*concepto)});
   return formula::UnirVector(legibles, 0, "", ",");
 }
 
 // What the month's open liquidations already hold, so that the lines are added to it.
 void Precargar(const EntradaImportacion& e, Corrida& c) {
   if (!e.opciones->SumarAyaIng) return;
-  base::ErrorIgnorado("Importar: datos ya ingresados", c.errores, [&] {
-    const std::string conceptos = ConceptosDeRelaciones(*e.relaciones);
-    if (conceptos.empty()) return;
-    const auto rs = e.sesion->conexion->Ejecutar(sql::Precarga(e.sesion->idEmpresa, e.mes, conceptos));
-    for (std::size_t i = 0; i < rs.Cantidad(); ++i) c.datos.Agregar(rs.En(0, i).Texto());
-  });
+  const std::string conceptos = ConceptosDeRelaciones(*e.relaciones);
+  if (conceptos.empty()) return;
+  const auto rs = e.sesion->conexion->Ejecutar(sql::Precarga(e.sesion->idEmpresa, e.mes, conceptos));
+  for (std::size_t i = 0; i < rs.Cantidad(); ++i) c.datos.Agregar(rs.En(0, i).Texto());
 }
 
-struct Destino {
-  std::int32_t concepto;
-  float cantidad, coeficiente;
-};
-
-Destino DestinoDe(const EntradaImportacion& e, std::size_t relacion, const ImportRow& fila) {
-  Destino d{0, static_cast<float>(base::ValorNumerico(fila.campo[importfile::kCantidad])),
-            static_cast<float>(base::ValorNumerico(fila.campo[importfile::kValor]))};
-  const double id = base::ValorNumerico(e.relaciones->Campo(relations::kConcepto, relacion));
-  d.concepto = std::abs(id) < 2147483647.0 ? base::Entero32(id) : 0;
-  // Common hours of who is paid by the month are one month of the basic concept, unless hours are wanted.
-  if (e.relaciones->Campo(relations::kCodigo, relacion) == "HC" && !e.opciones->LiqHCaMensuales &&
-      base::ValorNumerico(fila.campo[importfile::kTipoRem]) == 1) {
-    d.concepto = 1;
-    d.cantidad = 1;
+// A step that the rows cannot do without.
+template <typename Paso>
+void LeerAntes(std::string_view que, Paso&& paso) {
+  try {
+    std::forward<Paso>(paso)();
+  } catch (const base::Error& e) {
+    if (e.IsStorageFault()) throw;
+    throw base::Error("No se importó nada: " + std::string(que) + ": " + e.Descripcion(), e.Numero());
   }
-  return d;
+}
+
+// Everything that the lines are judged and added up by. Half of it would make other quantities.
+void LeerLoNecesario(const EntradaImportacion& e, Corrida& c) {
+  LeerAntes("no se pudieron leer las tablas de usuario",
+            [&] { e.tablas->CargarTablasUsuario(*e.sesion, -1); });
+  LeerAntes("no se pudo leer lo ya ingresado en el mes", [&] { Precargar(e, c); });
+  LeerAntes("no se pudieron leer las liquidaciones abiertas del mes",
+            [&] { c.encabezados.Abrir(*e.sesion, e.mes, e.condiciones.TypeFilter, e.opciones->Configura); });
 }
 
 // Sums by concept of the lines that were written.
 using Totales = std::map<std::int32_t, TotalConcepto>;
 
-void Sumar(Totales& totales, const Destino& d, const std::string& nombre) {
-  TotalConcepto& t = totales[d.concepto];
-  t.concepto = d.concepto;
+void Sumar(Totales& totales, const LineaAImportar& linea, const std::string& nombre) {
+  TotalConcepto& t = totales[linea.concepto];
+  t.concepto = linea.concepto;
   if (t.nombre.empty()) t.nombre = nombre;
   ++t.lineas;
-  t.cantidad += base::DobleDeSimple(d.cantidad);
+  t.cantidad += base::DobleDeSimple(linea.cantidad);
+}
+
+// A line that an error refused leaves nothing: not in the base, and not in what the run remembers of it.
+// Where the line cannot be undone alone, the run is.
+void DeshacerLinea(Corrida& c, const ContractTypeCache& cache, const base::Error& motivo) {
+  if (c.marcada && c.escribio) {
+    try {
+      c.sesion->conexion->RollbackToSavepoint();
+    } catch (const base::Error& e) {
+      throw base::Error(motivo.Descripcion() + "; y no se pudo deshacer la línea sola: " + e.Descripcion(),
+                        e.Numero(), e.Fuente(), base::ErrorKind::Storage);
+    }
+  }
+  c.datos.Deshacer();
+  c.encabezados.Deshacer();
+  c.cache = cache;
+}
+
+// "" or the reason why the line was not written.
+std::string EscribirLinea(const EntradaImportacion& e, Corrida& c, const ImportRow& fila,
+                          LineaAImportar linea) {
+  const ContractTypeCache cache = c.cache;
+  c.marcada = c.escribio = false;
+  c.datos.Marcar();
+  c.encabezados.Marcar();
+  try {
+    return AgregarDatosALiq(c, linea.concepto, linea.cantidad, linea.persona, fila, e.centro_costo,
+                            linea.coeficiente);
+  } catch (const base::Error& error) {
+    if (error.IsStorageFault()) throw;
+    DeshacerLinea(c, cache, error);
+    return error.Descripcion().empty() ? "Error" : error.Descripcion();
+  }
 }
 
 std::string ImportarFila(const EntradaImportacion& e, Corrida& c, const ImportRow& fila, Totales& totales) {
-  const int persona = e.personas->Buscar(fila.campo[importfile::kClave], e.opciones->Configura);
-  if (persona < 0) return "La Persona no existe o no tiene contrato activo en el mes seleccionado";
-  const int relacion = e.relaciones->PosEnVecConc(fila.campo[importfile::kTipo]);
-  if (relacion < 0) return "Tipo No asosciado con concepto de Orsa";
-  if (!fila.rechazo.empty()) return fila.rechazo;
-  Destino d = DestinoDe(e, static_cast<std::size_t>(relacion), fila);
-  if (d.cantidad == 0 && e.opciones->NoImpCantEn0) return "Cantidad En 0 (Conf. No importar)";
-  // Before the writer clears what the line was to replace.
-  if (!std::isfinite(d.cantidad) || !std::isfinite(d.coeficiente)) return base::DescripcionDeError(6);
-  const Destino leido = d;  // the writer overwrites quantity and coefficient with its sums
-  std::string resultado;
-  try {
-    resultado = AgregarDatosALiq(c, d.concepto, d.cantidad, static_cast<std::size_t>(persona), fila,
-                                 e.centro_costo, d.coeficiente);
-  } catch (const base::Error& error) {  // a sum that grew too large; one line does not take the run along
-    resultado = error.Descripcion();
-  }
-  if (resultado.empty())
-    Sumar(totales, leido, e.relaciones->Campo(relations::kNombre, static_cast<std::size_t>(relacion)));
-  return resultado;
+  const FilaRevisada revisada = RevisarFila(e, fila);
+  if (!revisada.linea) return revisada.motivo;
+  std::string motivo = EscribirLinea(e, c, fila, *revisada.linea);
+  if (motivo.empty())
+    Sumar(totales, *revisada.linea, e.relaciones->Campo(relations::kNombre, revisada.linea->relacion));
+  return motivo;
 }
 
 Totales ImportarFilas(const EntradaImportacion& e, Corrida& c, std::vector<ImportRow>& filas) {
@@ -113,66 +133,90 @@ Totales ImportarFilas(const EntradaImportacion& e, Corrida& c, std::vector<Impor
   return totales;
 }
 
-void ActualizarEnBloque(const EntradaImportacion& e, base::SumideroErrores& errores) {
-  const auto ejecutar = [&](const char* donde, const std::string& texto) {
-    base::ErrorIgnorado(donde, &errores, [&] { e.sesion->conexion->Ejecutar(texto); });
+void ActualizarEnBloque(const EntradaImportacion& e, Importacion& r) {
+  const auto ejecutar = [&](const char* donde, const char* falla, const std::string& texto) {
+    if (!base::ErrorIgnorado(donde, &r.errores, [&] { e.sesion->conexion->Ejecutar(texto); }))
+      r.actualizaciones_fallidas.push_back(std::string(falla) + ": " + r.errores.back().descripcion);
   };
-  ejecutar("Importar: días trabajados", sql::ActualizarDias(e.sesion->idEmpresa, e.mes));
-  ejecutar("Importar: montos", sql::ActualizarMontos(e.sesion->idEmpresa, e.mes));
-  ejecutar("Importar: detalle", sql::ActualizarDetalle(e.mes));
+  ejecutar("Importar: días trabajados", "No se actualizaron los días trabajados",
+           sql::ActualizarDias(e.sesion->idEmpresa, e.mes));
+  ejecutar("Importar: montos", "No se actualizaron los montos",
+           sql::ActualizarMontos(e.sesion->idEmpresa, e.mes));
+  ejecutar("Importar: detalle", "No se actualizó el detalle", sql::ActualizarDetalle(e.mes));
+}
+
+// From the first statement to the commit. Throws base::Error when nothing may stay written.
+void Correr(const EntradaImportacion& e, std::vector<ImportRow>& filas, Importacion& r) {
+  db::Connection& conexion = *e.sesion->conexion;
+  if (!conexion.EnTransaccion()) conexion.BeginTrans();
+  Corrida corrida = Preparar(e, r.errores);
+  LeerLoNecesario(e, corrida);
+  for (const auto& [concepto, total] : ImportarFilas(e, corrida, filas)) r.totales.push_back(total);
+  base::ErrorIgnorado("Importar: tablas de usuario", &r.errores,
+                      [&] { e.tablas->CargarTablasUsuario(*e.sesion, -1); });
+  ActualizarEnBloque(e, r);
+  if (e.deshacer)
+    conexion.RollbackTrans();
+  else
+    conexion.CommitTrans();
+  r.confirmada = true;
+}
+
+// Undoes the run. Returns what to add to its reason when that fails too. A transaction that stayed open would
+// be committed by the next import: the base is closed instead.
+std::string DeshacerTodo(const EntradaImportacion& e, Importacion& r) {
+  db::Connection& conexion = *e.sesion->conexion;
+  if (!conexion.EnTransaccion()) return {};  // a commit that fails may have undone it
+  if (base::AnyErrorNoted("Importar: deshacer", &r.errores, [&] { conexion.RollbackTrans(); })) return {};
+  const std::string motivo = "; además no se pudo deshacer lo hecho (" + r.errores.back().descripcion + ")";
+  base::AnyErrorNoted("Importar: cerrar", &r.errores, [&] { conexion.Cerrar(); });
+  if (!conexion.Abierta())
+    return motivo + " y se cerró la base: ábrala de nuevo y revise el mes antes de volver a importar";
+  return motivo +
+         ": la base puede haber quedado con la transacción abierta; cierre el programa y revise el mes antes "
+         "de volver a importar";
 }
 
 // Nothing was written: every row says why, and the operator is told once.
 void NadaEscrito(const EntradaImportacion& e, const std::string& motivo, std::vector<ImportRow>& filas,
-                 Importacion& resultado) {
-  resultado.error = motivo;
-  resultado.totales.clear();
+                 Importacion& r) {
+  r.error = motivo;
+  r.totales.clear();
+  r.actualizaciones_fallidas.clear();
   for (ImportRow& fila : filas) fila.resultado = motivo;
+  e.progreso->ActuBarra(0, true);
   e.prompts->Mostrar({motivo, ports::Icono::Exclamacion, false});
+}
+
+void Abandonar(const EntradaImportacion& e, const base::Error& error, std::vector<ImportRow>& filas,
+               Importacion& r) {
+  r.fallo_de_almacenamiento = error.IsStorageFault();
+  NadaEscrito(e, error.Descripcion() + DeshacerTodo(e, r), filas, r);
 }
 
 }  // namespace
 
 Importacion Importar(const EntradaImportacion& e, std::vector<ImportRow>& filas) {
-  Importacion resultado;
+  Importacion r;
   if (!e.sesion->Abierta()) {
-    NadaEscrito(e, "La Base no está Abierta", filas, resultado);
-    return resultado;
+    NadaEscrito(e, "La Base no está Abierta", filas, r);
+    return r;
   }
-  db::Connection& conexion = *e.sesion->conexion;
   try {
-    if (!conexion.EnTransaccion()) conexion.BeginTrans();
+    Correr(e, filas, r);
   } catch (const base::Error& error) {
-    NadaEscrito(e, error.Descripcion(), filas, resultado);
-    return resultado;
+    Abandonar(e, error, filas, r);
+  } catch (const std::bad_alloc&) {
+    Abandonar(e, base::Error("No hay memoria suficiente.", 7, {}, base::ErrorKind::Storage), filas, r);
+  } catch (const std::exception&) {  // a defect goes on, but leaves no half-written month to the next import
+    DeshacerTodo(e, r);
+    throw;
   }
-  Corrida corrida = Preparar(e, resultado.errores);
-  Precargar(e, corrida);
-  base::ErrorIgnorado("Importar: encabezados abiertos", &resultado.errores, [&] {
-    corrida.encabezados.Abrir(*e.sesion, e.mes, e.condiciones.TypeFilter, e.opciones->Configura);
-  });
-  const Totales totales = ImportarFilas(e, corrida, filas);
-  const auto recargar = [&] {
-    base::ErrorIgnorado("Importar: tablas de usuario", &resultado.errores,
+  if (e.deshacer || !r.confirmada)  // what the tables held was undone
+    base::AnyErrorNoted("Importar: tablas de usuario", &r.errores,
                         [&] { e.tablas->CargarTablasUsuario(*e.sesion, -1); });
-  };
-  for (const auto& [concepto, total] : totales) resultado.totales.push_back(total);
-  recargar();
-  ActualizarEnBloque(e, resultado.errores);
-  try {
-    if (e.deshacer)
-      conexion.RollbackTrans();
-    else
-      conexion.CommitTrans();
-    resultado.confirmada = true;
-  } catch (const base::Error& error) {
-    if (conexion.EnTransaccion())  // a commit that fails may have undone it
-      base::ErrorIgnorado("Importar: deshacer", &resultado.errores, [&] { conexion.RollbackTrans(); });
-    NadaEscrito(e, error.Descripcion(), filas, resultado);
-  }
-  if (e.deshacer || !resultado.confirmada) recargar();  // what the cache saw was undone
-  for (const ImportRow& fila : filas) resultado.importadas += fila.resultado == "OK" ? 1 : 0;
-  return resultado;
+  for (const ImportRow& fila : filas) r.importadas += fila.resultado == "OK" ? 1 : 0;
+  return r;
 }
 
 }  // namespace liquidation

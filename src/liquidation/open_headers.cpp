@@ -42,16 +42,17 @@ void OpenHeaders::Abrir(const db::DbSession& sesion, base::Fecha mes, std::strin
   filtro_tipo_ = std::move(filtro_tipo);
   clave_ = clave;
   por_clave_.clear();
-  Incorporar(sesion, 0);
+  nuevos_.clear();
+  Incorporar(sesion, std::nullopt);
 }
 
 void OpenHeaders::Reabrir(const db::DbSession& sesion, std::int32_t id_Encabezado) {
   Incorporar(sesion, id_Encabezado);
 }
 
-void OpenHeaders::Incorporar(const db::DbSession& sesion, std::int32_t id_Encabezado) {
-  const db::Recordset rs = sesion.conexion->Ejecutar(
-      sql::EncabezadosAbiertos(sesion.idEmpresa, mes_, filtro_tipo_, id_Encabezado));
+void OpenHeaders::Incorporar(const db::DbSession& sesion, std::optional<std::int32_t> uno) {
+  const db::Recordset rs =
+      sesion.conexion->Ejecutar(sql::EncabezadosAbiertos(sesion.idEmpresa, mes_, filtro_tipo_, uno));
   const auto columna = [&rs](std::string_view nombre) {
     const int i = rs.Posicion(nombre);
     if (i < 0)
@@ -72,14 +73,27 @@ void OpenHeaders::Incorporar(const db::DbSession& sesion, std::int32_t id_Encabe
       return a.id_Contrato != b.id_Contrato ? a.id_Contrato < b.id_Contrato : a.id_TipoLiq < b.id_TipoLiq;
     };
     lista.insert(std::upper_bound(lista.begin(), lista.end(), nuevo, antes), nuevo);
+    if (uno) nuevos_.emplace_back(valor, nuevo.id_Encabezado);
   }
 }
 
-const EncabezadoAbierto* OpenHeaders::Find(std::string_view valor) const {
+void OpenHeaders::Deshacer() {
+  for (const auto& [clave, id] : nuevos_) {
+    const auto it = por_clave_.find(clave);
+    if (it == por_clave_.end()) continue;
+    std::erase_if(it->second, [id = id](const EncabezadoAbierto& e) { return e.id_Encabezado == id; });
+    if (it->second.empty()) por_clave_.erase(it);
+  }
+  nuevos_.clear();
+}
+
+const EncabezadoAbierto* OpenHeaders::Find(std::string_view valor, std::int32_t contrato) const {
   const std::string clave = Normalizada(valor);
   if (clave.empty()) return nullptr;
   const auto it = por_clave_.find(clave);
-  return it == por_clave_.end() ? nullptr : &it->second.front();
+  if (it == por_clave_.end()) return nullptr;
+  const EncabezadoAbierto& primero = it->second.front();
+  return primero.id_Contrato == contrato ? &primero : nullptr;
 }
 
 }  // namespace liquidation

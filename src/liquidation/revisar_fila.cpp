@@ -46,7 +46,10 @@ int TipoCuotaDe(const ImportRow& fila) { return Numero(fila.campo[importfile::kT
 
 double NumeroDeLinea(std::string_view texto) {
   if (base::TrimVista(texto).empty()) return 0;
-  const double numero = base::NumeroDeTextoOError(texto);
+  const auto leido = base::NumeroDeTexto(texto);
+  const double numero =
+      leido ? *leido : base::ValorNumerico(texto);  // infinite when not even a double holds it
+  if (!leido && std::isfinite(numero)) throw base::Error(base::DescripcionDeError(13), 13);
   if (std::abs(numero) > static_cast<double>(std::numeric_limits<float>::max()))
     throw base::Error(base::DescripcionDeError(6), 6);
   return numero;
@@ -71,6 +74,7 @@ FilaRevisada RevisarFila(const EntradaImportacion& e, const ImportRow& fila) {
           ? std::nullopt
           : ConceptoDeRelacion(e.relaciones->Campo(relations::kConcepto, static_cast<std::size_t>(relacion)));
   if (!concepto) return {std::nullopt, "Tipo No asosciado con concepto de Orsa"};
+  if (!fila.rechazo.empty()) return {std::nullopt, fila.rechazo};
   LineaAImportar linea;
   linea.persona = static_cast<std::size_t>(persona);
   linea.relacion = static_cast<std::size_t>(relacion);

@@ -39,9 +39,9 @@ std::string Precarga(std::int32_t idEmpresa, base::Fecha mes, std::string_view c
 }
 
 std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Fecha mes, std::string_view filtro_tipo,
-                                std::int32_t id_Encabezado) {
+                                std::optional<std::int32_t> id_Encabezado) {
   const std::string empresa = Num(idEmpresa);
-  const std::string uno = id_Encabezado == 0 ? "" : " and id_Encabezado=" + Num(id_Encabezado);
+  const std::string uno = id_Encabezado ? " and id_Encabezado=" + Num(*id_Encabezado) : "";
   return " Select E.id_Encabezado,MesDeLiq,Terminado,TiposLiquidacion.id_TipoLiq,Contrato.*,val(P.Numero) as "
          "Numero, "
          "iif(isnull(DE.idDE),'0',DE.idDE) as Dat From "
@@ -114,6 +114,11 @@ std::string BuscarDato(const ClaveDato& k) {
   return "Select id_Dato From Datos_Liquidacion Where idEmpresa=" + Num(k.idEmpresa) +
          " and id_Encabezado=" + Num(k.encabezado) + " and id_Concepto=" + Num(k.concepto) +
          " and idAgrupa=" + Num(k.agrupa);
+}
+
+std::string LeerDato(std::int32_t idEmpresa, std::int32_t id_Dato) {
+  return "Select Cantidad,Coeficiente From Datos_Liquidacion Where idEmpresa=" + Num(idEmpresa) +
+         " and id_Dato=" + Num(id_Dato);
 }
 
 std::string BorrarDato(const ClaveDato& k) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,9 +16,9 @@ std::string Literal(base::Fecha fecha);  // #MM/dd/yyyy#
 
 // The month's data of the given concepts ("7,2") in open liquidations, one "*"-joined text a row.
 std::string Precarga(std::int32_t idEmpresa, base::Fecha mes, std::string_view conceptos);
-// The month's open headers with every person key; id_Encabezado other than 0 restricts it to that header.
+// The month's open headers with every person key, or one of them.
 std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Fecha mes, std::string_view filtro_tipo,
-                                std::int32_t id_Encabezado = 0);
+                                std::optional<std::int32_t> id_Encabezado = std::nullopt);
 // The liquidation types that apply to a contract in the month and are not finished, the lowest first.
 struct CondicionesDeTipo {
   std::string TypeFilter;         // over TiposLiquidacion
@@ -45,6 +46,8 @@ struct ClaveDato {
   std::int32_t idEmpresa, encabezado, concepto, agrupa;
 };
 std::string BuscarDato(const ClaveDato& clave);
+// What stands in a datum: Cantidad and Coeficiente.
+std::string LeerDato(std::int32_t idEmpresa, std::int32_t id_Dato);
 std::string BorrarDato(const ClaveDato& clave);
 // `par` is the text of Cantidad,Coeficiente.
 std::string InsertarDato(std::int32_t id_Dato, const ClaveDato& clave, std::string_view par);

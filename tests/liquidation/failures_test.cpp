@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -11,67 +12,22 @@
 #include "demo/demo_base.h"
 #include "engine_sqlite/sqlite_connection.h"
 #include "liquidation/cajas.h"
+#include "liquidation/conexion_con_fallas.h"
 #include "liquidation/importar.h"
 #include "refdata/liquidation_types.h"
 
 namespace {
 
-// The embedded engine, where chosen statements fail.
-class ConexionConFallas final : public db::Connection {
- public:
-  explicit ConexionConFallas(const ports::Clock& reloj) {
-    engine_sqlite::Opciones opciones;
-    opciones.reloj = &reloj;
-    motor_ = engine_sqlite::Abrir(":memory:", opciones);
-  }
-
-  // The `vez`-th statement from now on that starts so (1: the next) fails.
-  void Fallar(std::string comienzo, int vez) {
-    comienzo_ = std::move(comienzo);
-    vez_ = vez;
-  }
-  bool falla_begin = false, falla_commit = false;
-  std::function<void(std::string_view)> al_ejecutar;  // before each statement that succeeds
-  std::string quitar;                                 // a piece that no statement has any more
-
-  bool Abierta() const override { return motor_->Abierta(); }
-  void Cerrar() override { motor_->Cerrar(); }
-  db::Recordset Ejecutar(std::string_view sql) override {
-    if (vez_ > 0 && base::EmpiezaCon(base::TrimVista(sql), comienzo_) && --vez_ == 0)
-      throw db::Error("falla de prueba");
-    if (al_ejecutar) al_ejecutar(sql);
-    if (!quitar.empty()) return motor_->Ejecutar(base::Reemplazar(sql, quitar, ""));
-    return motor_->Ejecutar(sql);
-  }
-  db::Recordset Consultar(std::string_view sql) override { return motor_->Consultar(sql); }
-  std::int64_t FilasAfectadas() const override { return motor_->FilasAfectadas(); }
-  void BeginTrans() override {
-    if (falla_begin) throw db::Error("no comienza");
-    motor_->BeginTrans();
-  }
-  void CommitTrans() override {
-    if (falla_commit) throw db::Error("no termina");
-    motor_->CommitTrans();
-  }
-  void RollbackTrans() override { motor_->RollbackTrans(); }
-  bool EnTransaccion() const override { return motor_->EnTransaccion(); }
-  void SetSavepoint() override { motor_->SetSavepoint(); }
-  void RollbackToSavepoint() override { motor_->RollbackToSavepoint(); }
-  void ReleaseSavepoint() override { motor_->ReleaseSavepoint(); }
-
- private:
-  std::unique_ptr<db::Connection> motor_;
-  std::string comienzo_;
-  int vez_ = 0;
-};
-
 using prueba::Cajas;
+using prueba::ConexionConFallas;
 
 // The demo's month. Contract 117, card 7005, has no header in it and nothing of concept 7 or table 5.
 class Fallas : public ::testing::Test {
  protected:
   Fallas() {
-    auto propia = std::make_unique<ConexionConFallas>(reloj_);
+    engine_sqlite::Opciones de_motor;
+    de_motor.reloj = &reloj_;
+    auto propia = std::make_unique<ConexionConFallas>(engine_sqlite::Abrir(":memory:", de_motor));
     conexion_ = propia.get();
     sesion_.conexion = std::move(propia);
     sesion_.reloj = &reloj_;
@@ -179,7 +135,7 @@ TEST_F(Fallas, AHeaderThatFailsIsMadeByTheNextLine) {
   EXPECT_EQ(Encabezados(), "1");
 }
 
-// The header stands, though reading it back failed: the next line uses it.
+// The header goes with its line; the next line makes it again.
 TEST_F(Fallas, AHeaderThatIsNotReadBackIsNotMadeTwice) {
   conexion_->Fallar("Select E.id_Encabezado,MesDeLiq", 2);
   EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}}), "falla de prueba|OK");
@@ -193,13 +149,13 @@ TEST_F(Fallas, ATypeQueryThatFailsGivesNoType) {
   EXPECT_EQ(Encabezados(), "0");
 }
 
-// Without totalising the old datum is deleted first; when that fails the line still inserts, and says so.
+// Without totalising the old datum is deleted first; when that fails the line is refused whole.
 TEST_F(Fallas, ADeleteThatFailsIsTheLinesResult) {
   opciones_.TotalizarConc = false;
   EXPECT_EQ(Importar({{"1", "8"}}), "OK");
   conexion_->Fallar("Delete From Datos_Liquidacion", 1);
   EXPECT_EQ(Importar({{"1", "2"}}), "falla de prueba");
-  EXPECT_EQ(Horas(), "8|2");
+  EXPECT_EQ(Horas(), "8");
 }
 
 // The query of open headers leaves the finished ones out; one that comes all the same is not written to.
@@ -208,6 +164,15 @@ TEST_F(Fallas, AFinishedHeaderIsNotWrittenTo) {
   conexion_->quitar = " and Terminado=False";
   EXPECT_EQ(Importar({{"1", "8"}}, "7049"), "La Liquidación está terminada");
   EXPECT_EQ(Valor("Select Count(*) From Datos_Liquidacion"), antes);
+}
+
+// That of another contract counts as not found: it refuses nobody.
+TEST_F(Fallas, AFinishedHeaderOfAnotherContractRefusesNobody) {
+  conexion_->Ejecutar("Update Encabezados Set id_Contrato=101 Where Terminado and MesDeLiq=#10/01/2026#");
+  conexion_->Ejecutar("Update Contrato Set Tarjeta=7005 Where id_Contrato=101");
+  conexion_->quitar = " and Terminado=False";
+  EXPECT_EQ(Importar({{"1", "8"}}), "OK");
+  EXPECT_EQ(Horas(), "8");
 }
 
 TEST_F(Fallas, BulkUpdatesThatFailAreNotedAndTheOthersRun) {
@@ -233,10 +198,87 @@ TEST_F(Fallas, ACommitThatFailsIsEveryLinesResultAndIsShownOnce) {
   EXPECT_EQ(Encabezados(), "0");
 }
 
+TEST_F(Fallas, AStorageFaultIsToldApartFromAStatement) {
+  conexion_->Fallar("insert into Datos_Liquidacion", 2, base::ErrorKind::Storage);
+  EXPECT_EQ(Importar({{"1", "8"}, {"9", "2"}, {"1", "3"}}, "7005"), "OK|OK|OK");
+  EXPECT_FALSE(importacion_.fallo_de_almacenamiento);
+  conexion_->Ejecutar("Delete From Datos_Liquidacion");
+  conexion_->Fallar("insert into Datos_Liquidacion", 1, base::ErrorKind::Storage);
+  EXPECT_EQ(Importar({{"1", "8"}, {"77", "2"}}), "falla de prueba|falla de prueba");
+  EXPECT_TRUE(importacion_.fallo_de_almacenamiento);
+  EXPECT_FALSE(importacion_.confirmada);
+  EXPECT_EQ(importacion_.error, "falla de prueba");
+  EXPECT_EQ(importacion_.importadas, 0U);
+  EXPECT_TRUE(importacion_.totales.empty());
+  EXPECT_EQ(cajas_.textos, std::vector<std::string>{"falla de prueba"});
+  EXPECT_FALSE(conexion_->EnTransaccion());
+}
+
+TEST_F(Fallas, MemoryThatRunsOutIsAFaultOfTheStorage) {
+  conexion_->falla_memoria = true;
+  conexion_->Fallar("insert into Datos_Liquidacion", 1);
+  EXPECT_EQ(Importar({{"1", "8"}}), "No hay memoria suficiente.");
+  EXPECT_TRUE(importacion_.fallo_de_almacenamiento);
+  EXPECT_EQ(cajas_.textos, std::vector<std::string>{"No hay memoria suficiente."});
+  EXPECT_EQ(Encabezados(), "0");
+}
+
+// Left open, the half-written month would be committed by the next import.
+TEST_F(Fallas, ARunThatCannotBeUndoneClosesTheBase) {
+  conexion_->falla_rollback = true;
+  conexion_->Fallar("insert into Datos_Liquidacion", 1, base::ErrorKind::Storage);
+  const std::string motivo =
+      "falla de prueba; además no se pudo deshacer lo hecho (no deshace) y se cerró la base: ábrala de nuevo "
+      "y "
+      "revise el mes antes de volver a importar";
+  EXPECT_EQ(Importar({{"1", "8"}}), motivo);
+  EXPECT_EQ(cajas_.textos, std::vector<std::string>{motivo});
+  EXPECT_TRUE(importacion_.fallo_de_almacenamiento);
+  EXPECT_FALSE(conexion_->Abierta());
+}
+
+// Where one line cannot be undone, the run is; both reasons are said.
+TEST_F(Fallas, ALineThatCannotBeUndoneEndsTheRun) {
+  conexion_->falla_savepoint = true;
+  conexion_->Fallar("insert into Datos_Liquidacion", 1);
+  const std::string motivo = "falla de prueba; y no se pudo deshacer la línea sola: no vuelve";
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}}), motivo + "|" + motivo);
+  EXPECT_TRUE(importacion_.fallo_de_almacenamiento);
+  EXPECT_EQ(Encabezados(), "0");
+}
+
+// A line that had written nothing needs no undoing.
+TEST_F(Fallas, ALineWhoseFirstStatementFailsIsRefusedAlone) {
+  conexion_->falla_savepoint = true;
+  conexion_->Fallar("Insert into Encabezados", 1);
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}}), "falla de prueba|OK");
+  EXPECT_EQ(Horas(), "2");
+}
+
+TEST_F(Fallas, ADefectTravelsOnAndLeavesNoTransactionOpen) {
+  conexion_->al_ejecutar = [](std::string_view sql) {
+    if (base::EmpiezaCon(sql, "insert into Datos_Liquidacion")) throw std::logic_error("defect");
+  };
+  EXPECT_THROW(Importar({{"1", "8"}}), std::logic_error);
+  EXPECT_FALSE(conexion_->EnTransaccion());
+  conexion_->al_ejecutar = nullptr;
+  EXPECT_EQ(Encabezados(), "0");
+}
+
+// The user tables hold what the base holds after a run, and after one that was undone.
+TEST_F(Fallas, TheUserTablesAreReadAgainAfterARun) {
+  EXPECT_EQ(Importar({{"9", "8"}}), "OK");
+  EXPECT_TRUE(tablas_.TieneValores(5, "117"));
+  conexion_->Ejecutar("Delete From DatosUsuTablas Where Codigo='117'");
+  conexion_->falla_commit = true;
+  EXPECT_EQ(Importar({{"9", "8"}}), "no termina");
+  EXPECT_FALSE(tablas_.TieneValores(5, "117"));
+}
+
 TEST_F(Fallas, ATransactionThatDoesNotBeginWritesNothing) {
   conexion_->falla_begin = true;
   bool corrio = false;
-  conexion_->al_ejecutar = [&](std::string_view) { corrio = true; };
+  conexion_->al_ejecutar = [&](std::string_view sql) { corrio = corrio || !base::EmpiezaCon(sql, "Select"); };
   EXPECT_EQ(Importar({{"1", "8"}}), "no comienza");
   EXPECT_FALSE(corrio);
   EXPECT_EQ(cajas_.textos, std::vector<std::string>{"no comienza"});

@@ -1,31 +1,33 @@
-// Imports small files into a small payroll base and prints what came of it.
+// Imports small files into a small payroll base and prints what came of it. With --mdb the base is an Access
+// file, which is closed and opened again after each import.
 //
 //   world [agrup] [constr]      a fresh base of the demo's tables with the rows of kMundo
 //   exec                        statements, one a line
 //   import mes=2026-10 [liq=0] [cc=0] [rollback]
-//                               lines "@CLAVE=VALOR" are settings, "=relation" relations, the others the
-//                               file; prints line|key|quantity|result, totals, then boxes and passed-over
-//                               errors
+//                               lines "@CLAVE=VALOR" are settings, "=relation" relations, "!N beginning"
+//                               makes the N-th statement that starts so fail ("!!N" as a fault of the
+//                               storage), the others are the file; prints line|key|quantity|result, totals,
+//                               the bulk updates that failed, then boxes and passed-over errors
 //   query [rowsort]             a statement; rows joined with |
 //   warn                        as import: what is told before, one a line; nothing is written
 //   confirm mes=… liq=… cc=…    the question before the import, with settings as in import
 #include <algorithm>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <sstream>
 
 #include "base/number.h"
 #include "base/text.h"
 #include "demo/demo_base.h"
+#include "engine_mdb/mdb_connection.h"
 #include "engine_sqlite/sqlite_connection.h"
 #include "liquidation/avisos.h"
 #include "liquidation/cajas.h"
+#include "liquidation/conexion_con_fallas.h"
 #include "liquidation/importar.h"
 #include "refdata/liquidation_types.h"
 #include "settings/config_file.h"
 #include "support/data_test.h"
+#include "support/temp_folder.h"
 
 namespace {
 
@@ -87,12 +89,10 @@ using prueba::Cajas;
 
 class Mesa {
  public:
-  Mesa() { sesion_.reloj = &reloj_; }
+  explicit Mesa(bool mdb) : mdb_(mdb) { sesion_.reloj = &reloj_; }
 
   std::string Mundo(const support::Bloque& b) {
-    engine_sqlite::Opciones opciones;
-    opciones.reloj = &reloj_;
-    sesion_.conexion = engine_sqlite::Abrir(":memory:", opciones);
+    Conectar(NuevaBase());
     sesion_.idEmpresa = 1;
     sesion_.id_Usuario = 3;
     sesion_.LiqAgrup = b.Tiene("agrup");
@@ -127,7 +127,9 @@ class Mesa {
   std::string Importar(const support::Bloque& b) {
     Preparar(b);
     importfile::Carga carga = Cargar();
+    for (const Falla& f : fallas_) conexion_->Fallar(f.comienzo, f.vez, f.clase);
     const liquidation::Importacion r = liquidation::Importar(Entrada(b), carga.filas);
+    Reabrir();
     std::sort(carga.filas.begin(), carga.filas.end(),
               [](const auto& x, const auto& y) { return x.linea < y.linea; });
     std::string salida;
@@ -137,6 +139,8 @@ class Mesa {
     for (const auto& t : r.totales)
       salida += "TOTAL " + std::to_string(t.concepto) + " " + t.nombre + " " + std::to_string(t.lineas) +
                 " " + base::SqlDeNumero(t.cantidad) + "\n";
+    if (r.fallo_de_almacenamiento) salida += "FAULT\n";
+    for (const auto& texto : r.actualizaciones_fallidas) salida += "UPDATE " + texto + "\n";
     for (const auto& texto : cajas_.textos)
       salida += "BOX " + base::Reemplazar(texto, base::kCrLf, " / ") + "\n";
     for (const auto& error : r.errores) salida += "ERR " + error.donde + ": " + error.descripcion + "\n";
@@ -163,17 +167,46 @@ class Mesa {
   }
 
  private:
+  std::unique_ptr<db::Connection> NuevaBase() {
+    if (mdb_) {
+      engine_mdb::Opciones opciones;
+      opciones.reloj = &reloj_;
+      return engine_mdb::Crear(carpeta_.Ruta(std::to_string(++bases_) + ".mdb"), opciones);
+    }
+    engine_sqlite::Opciones opciones;
+    opciones.reloj = &reloj_;
+    return engine_sqlite::Abrir(":memory:", opciones);
+  }
+  void Conectar(std::unique_ptr<db::Connection> motor) {
+    auto propia = std::make_unique<prueba::ConexionConFallas>(std::move(motor));
+    conexion_ = propia.get();
+    sesion_.conexion = std::move(propia);
+  }
+  // What is asked afterwards stands in the file.
+  void Reabrir() {
+    if (!mdb_) return;
+    sesion_.conexion.reset();
+    engine_mdb::Opciones opciones;
+    opciones.reloj = &reloj_;
+    Conectar(engine_mdb::Abrir(carpeta_.Ruta(std::to_string(bases_) + ".mdb"), opciones));
+  }
+
   // Settings, relations and the file of a block, and the reference data of its month.
   void Preparar(const support::Bloque& b) {
     opciones_ = settings::LeerSettings("");
     opciones_.Separador = ";";
     archivo_.clear();
+    fallas_.clear();
     std::string relaciones;
     std::istringstream lineas(b.entrada);
     for (std::string linea; std::getline(lineas, linea);) {
       if (!linea.empty() && linea[0] == '@') {
         const std::size_t igual = linea.find('=');
         settings::AplicarValor(opciones_, linea.substr(1, igual - 1), linea.substr(igual + 1));
+      } else if (!linea.empty() && linea[0] == '!') {
+        const std::size_t cifra = linea.find_first_not_of('!'), blanco = linea.find(' ');
+        fallas_.push_back({linea.substr(blanco + 1), std::stoi(linea.substr(cifra, blanco - cifra)),
+                           cifra == 2 ? base::ErrorKind::Storage : base::ErrorKind::Statement});
       } else if (!linea.empty() && linea[0] == '=') {
         relaciones += linea.substr(1) + "\r\n";
       } else {
@@ -224,12 +257,8 @@ class Mesa {
   }
 
   importfile::Carga Cargar() {
-    const std::filesystem::path ruta =
-        std::filesystem::temp_directory_path() /
-        ("idm_liq_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + ".txt");
-    std::ofstream(ruta, std::ios::binary) << archivo_;
     importfile::EntradaCarga e;
-    e.txtRuta = ruta.string();
+    e.txtRuta = carpeta_.Escribir("horas.txt", archivo_);
     e.opciones = &opciones_;
     e.filtro = importfile::FiltroPor::Texto;  // with no text: every line stays
     e.personas = &personas_;
@@ -238,13 +267,22 @@ class Mesa {
     e.evaluador = &evaluador_;
     e.prompts = &cajas_;
     e.progreso = &progreso_;
-    importfile::Carga carga = importfile::CargarDatos(e);
-    std::filesystem::remove(ruta);
-    return carga;
+    return importfile::CargarDatos(e);
   }
 
+  struct Falla {
+    std::string comienzo;
+    int vez;
+    base::ErrorKind clase;
+  };
+
+  const bool mdb_;
+  const support::CarpetaTemporal carpeta_;
+  int bases_ = 0;
   ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
   db::DbSession sesion_;
+  prueba::ConexionConFallas* conexion_ = nullptr;  // the session's
+  std::vector<Falla> fallas_;
   settings::Settings opciones_;
   refdata::PersonsIndex personas_;
   refdata::ConceptsCatalogue conceptos_;
@@ -261,8 +299,10 @@ class Mesa {
 }  // namespace
 
 int main(int argc, char** argv) {
-  return support::EjecutarArchivos(argc, argv, [] {
-    auto mesa = std::make_shared<Mesa>();
+  const bool mdb = argc > 1 && std::string_view(argv[1]) == "--mdb";
+  const int primero = mdb ? 1 : 0;
+  return support::EjecutarArchivos(argc - primero, argv + primero, [mdb] {
+    auto mesa = std::make_shared<Mesa>(mdb);
     return support::Verbos{
         {"world", [mesa](const support::Bloque& b) { return mesa->Mundo(b); }},
         {"exec", [mesa](const support::Bloque& b) { return mesa->Exec(b); }},

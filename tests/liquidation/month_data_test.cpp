@@ -9,8 +9,7 @@ TEST(MonthDataTable, StartsWithOneRowThatNeverMatches) {
   ASSERT_EQ(tabla.Filas().size(), 1U);
   EXPECT_EQ(tabla.Filas()[0].id_Concepto, -1);
   EXPECT_EQ(tabla.Filas()[0].valor, -1.0F);
-  EXPECT_EQ(tabla.Buscar(-1, 0), nullptr);
-  EXPECT_EQ(tabla.Buscar(-1, 0, 0), nullptr);
+  EXPECT_FALSE(tabla.Precargado(-1, 0, 0));
 }
 
 TEST(MonthDataTable, ReadsARecordWithSpanishDecimals) {
@@ -33,21 +32,49 @@ TEST(MonthDataTable, MissingPartsAreZero) {
 
 TEST(MonthDataTable, TheFirstOfEqualRowsIsFound) {
   MonthDataTable tabla;
+  tabla.Agregar({7, 1, 10, -1, 3, 0, 50});
+  tabla.Agregar({7, 2, 10, -1, 4, 0, 50});
+  tabla.Agregar({7, 3, 10, -1, 3, 0, 50});
+  tabla.Agregar({7, 4, 10, -1, 3, 0, 51});
+  tabla.Agregar({8, 5, 10, -1, 3, 0, 50});
+  tabla.Agregar({7, 6, 11, -1, 3, 0, 50});
+  EXPECT_EQ(tabla.Buscar(7, 10, 3, 50)->valor, 1.0F);
+  EXPECT_EQ(tabla.Buscar(7, 10, 4, 50)->valor, 2.0F);
+  EXPECT_EQ(tabla.Buscar(7, 10, 3, 51)->valor, 4.0F);
+  EXPECT_EQ(tabla.Buscar(8, 10, 3, 50)->valor, 5.0F);
+  EXPECT_EQ(tabla.Buscar(7, 11, 3, 50)->valor, 6.0F);
+  EXPECT_EQ(tabla.Buscar(7, 12, 3, 50), nullptr);
+  EXPECT_EQ(tabla.Buscar(7, 10, 3, 52), nullptr);
+}
+
+// What the preload found stands in some header; which one it does not say.
+TEST(MonthDataTable, ThePreloadOnlyTellsThatSomethingWasEntered) {
+  MonthDataTable tabla;
   tabla.Agregar("7*1*10*-1*3*0");
-  tabla.Agregar("7*2*10*-1*4*0");
-  tabla.Agregar("7*3*10*-1*3*0");
-  EXPECT_EQ(tabla.Buscar(7, 10)->valor, 1.0F);
-  EXPECT_EQ(tabla.Buscar(7, 10, 4)->valor, 2.0F);
-  EXPECT_EQ(tabla.Buscar(7, 10, 3)->valor, 1.0F);
-  EXPECT_EQ(tabla.Buscar(7, 11), nullptr);
+  EXPECT_TRUE(tabla.Precargado(7, 10, 3));
+  EXPECT_FALSE(tabla.Precargado(7, 10, 4));
+  EXPECT_FALSE(tabla.Precargado(7, 11, 3));
+  EXPECT_FALSE(tabla.Precargado(8, 10, 3));
+  EXPECT_EQ(tabla.Buscar(7, 10, 3, 50), nullptr);
+  EXPECT_EQ(tabla.Buscar(7, 10, 3, 0), nullptr);
+  tabla.Agregar({7, 2, 10, -1, 4, 0, 50});
+  EXPECT_FALSE(tabla.Precargado(7, 10, 4));
+}
+
+TEST(MonthDataTable, AUserTableStandsInNoHeader) {
+  MonthDataTable tabla;
+  tabla.Agregar("1005*1*10*-1*0*0");
+  EXPECT_EQ(tabla.BuscarDeTabla(1005, 10), nullptr);
+  tabla.Agregar({1005, 2, 10, -1, 0, 0, liquidation::kSinEncabezado});
+  EXPECT_EQ(tabla.BuscarDeTabla(1005, 10)->valor, 2.0F);
 }
 
 // A single could not tell these two contracts apart.
 TEST(MonthDataTable, LargeIdentifiersStayApart) {
   MonthDataTable tabla;
   tabla.Agregar("7*1*16777216*-1*0*0");
-  EXPECT_EQ(tabla.Buscar(7, 16777217), nullptr);
-  EXPECT_NE(tabla.Buscar(7, 16777216), nullptr);
+  EXPECT_FALSE(tabla.Precargado(7, 16777217, 0));
+  EXPECT_TRUE(tabla.Precargado(7, 16777216, 0));
 }
 
 TEST(MonthDataTable, ResetForgetsEverything) {
@@ -55,5 +82,27 @@ TEST(MonthDataTable, ResetForgetsEverything) {
   tabla.Agregar("7*1*10*-1*3*0");
   tabla.Reiniciar();
   EXPECT_EQ(tabla.Filas().size(), 1U);
-  EXPECT_EQ(tabla.Buscar(7, 10), nullptr);
+  EXPECT_FALSE(tabla.Precargado(7, 10, 3));
+}
+
+// Of a row that was there, of one that was added twice, and of one that was added and changed.
+TEST(MonthDataTable, GoesBackToItsMark) {
+  MonthDataTable tabla;
+  tabla.Agregar({7, 1, 10, -1, 0, 2, 50});
+  tabla.Marcar();
+  tabla.Cambiar(*tabla.Buscar(7, 10, 0, 50), 5, 6);
+  tabla.Cambiar(*tabla.Buscar(7, 10, 0, 50), 8, 9);
+  tabla.Agregar({7, 3, 10, -1, 0, 0, 50});
+  tabla.Agregar({7, 4, 11, -1, 0, 0, 50});
+  tabla.Cambiar(*tabla.Buscar(7, 11, 0, 50), 5, 6);
+  tabla.Deshacer();
+  EXPECT_EQ(tabla.Filas().size(), 2U);
+  ASSERT_NE(tabla.Buscar(7, 10, 0, 50), nullptr);
+  EXPECT_EQ(tabla.Buscar(7, 10, 0, 50)->valor, 1.0F);
+  EXPECT_EQ(tabla.Buscar(7, 10, 0, 50)->Coeficiente, 2.0F);
+  EXPECT_EQ(tabla.Buscar(7, 11, 0, 50), nullptr);
+  tabla.Agregar({7, 6, 11, -1, 0, 0, 50});
+  tabla.Marcar();
+  tabla.Deshacer();
+  EXPECT_EQ(tabla.Buscar(7, 11, 0, 50)->valor, 6.0F);
 }

@@ -83,6 +83,8 @@ TEST(Sql, Data) {
       sql::BuscarDato(clave),
       "Select id_Dato From Datos_Liquidacion Where idEmpresa=3 and id_Encabezado=41 and id_Concepto=7 and "
       "idAgrupa=9");
+  EXPECT_EQ(sql::LeerDato(3, 500),
+            "Select Cantidad,Coeficiente From Datos_Liquidacion Where idEmpresa=3 and id_Dato=500");
   EXPECT_EQ(sql::BorrarDato(clave),
             "Delete From Datos_Liquidacion Where idEmpresa=3 and  id_Encabezado=41 and id_Concepto=7 and "
             "idAgrupa=9");
