@@ -44,6 +44,9 @@ def quiet_ranges(src):
             while j < len(src.tokens) and src.at(j) not in (",", ")"):
                 j += 1
             ranges.append((i + 2, j))
+        elif t.kind == "id" and t.text == "Error" and src.at(i + 1) == "(" and src.tokens[i + 1].pair > 0:
+            ranges += [(k, k) for k in range(i + 2, src.tokens[i + 1].pair)
+                       if src.tokens[k].kind == "num" and src.at(k - 1) == ","]  # numbers that nobody is told
         elif t.text == "[" and src.at(i + 1) == "[" and t.pair > 0:
             ranges.append((i, t.pair))
         elif t.kind == "id" and t.text == "array" and src.at(i + 1) == "<":  # its extent
