@@ -1,0 +1,31 @@
+#include "refdata/concepts_catalogue.h"
+
+#include <gtest/gtest.h>
+
+#include "refdata/base_de_prueba.h"
+
+namespace {
+
+// What was chosen belongs to the old list.
+TEST(ConceptsCatalogue, AReloadChoosesNothing) {
+  support::BaseDePrueba base;
+  base.conexion->Ejecutar(
+      "Insert into Conceptos (idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,"
+      "TipoImpuesto) Values (1,7,'HC','Horas',3,'S',0,False)");
+  refdata::ConceptsCatalogue catalogo;
+  refdata::ActuLSTdeConceptos(base.sesion, base.opciones, catalogo, nullptr);
+  ASSERT_EQ(catalogo.cmbConceptos.items.size(), 1u);
+  EXPECT_EQ(catalogo.cmbConceptos.ListIndex, -1);
+  catalogo.cmbConceptos.ListIndex = 0;
+  refdata::ActuLSTdeConceptos(base.sesion, base.opciones, catalogo, nullptr);
+  EXPECT_EQ(catalogo.cmbConceptos.ListIndex, -1);
+
+  catalogo.cmbConceptos.ListIndex = 0;
+  base.conexion->fallan = {"Select  id_Concepto"};
+  refdata::ActuLSTdeConceptos(base.sesion, base.opciones, catalogo, nullptr);
+  EXPECT_TRUE(catalogo.cmbConceptos.items.empty());
+  EXPECT_EQ(catalogo.cmbConceptos.ListIndex, -1);
+  EXPECT_EQ(catalogo.motivo_fallo, "Falla pedida");
+}
+
+}  // namespace
