@@ -35,7 +35,7 @@ std::string Texto(std::string_view accion, std::string_view ruta, FallaDisco fal
 
 ErrorDeDisco::ErrorDeDisco(std::string_view accion, std::string_view ruta, FallaDisco falla,
                            std::string_view motivo)
-    : Error(Texto(accion, ruta, falla, motivo)), falla_(falla) {}
+    : StorageFault(Texto(accion, ruta, falla, motivo)), falla_(falla) {}
 
 bool DiscoDelSistema::Existe(std::string_view ruta) { return ExisteArchivo(ruta); }
 

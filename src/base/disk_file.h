@@ -27,7 +27,7 @@ enum class FallaDisco {
   Otra
 };
 
-class ErrorDeDisco : public Error {
+class ErrorDeDisco : public StorageFault {
  public:
   // `accion` is what could not be done: "No se puede abrir".
   ErrorDeDisco(std::string_view accion, std::string_view ruta, FallaDisco falla, std::string_view motivo);

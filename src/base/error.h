@@ -2,6 +2,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,6 +38,25 @@ class Error : public std::exception {
   int numero_;
   ErrorKind kind_;
 };
+
+// A failure of what lies under the statements, whoever meets it.
+class StorageFault : public Error {
+ public:
+  explicit StorageFault(std::string description, int number = 0, std::string source = {})
+      : Error(std::move(description), number, std::move(source), ErrorKind::Storage) {}
+};
+
+inline constexpr const char* kOutOfMemory = "No hay memoria suficiente.";
+
+// Runs a step; memory that it did not get is a fault of the storage.
+template <typename Step>
+decltype(auto) MemoryAsFault(Step&& step) {
+  try {
+    return std::forward<Step>(step)();
+  } catch (const std::bad_alloc&) {
+    throw StorageFault(kOutOfMemory);
+  }
+}
 
 // A failure that a routine passed over on purpose.
 struct ErrorAnotado {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/error.h"
 #include "db/query_budget.h"
@@ -32,6 +33,19 @@ class QueryInterrupted : public Error {
  private:
   By by_;
 };
+
+// Runs a step of an engine; what fails in it leaves as an error of a connection, of the kind that it is.
+// Memory that was not to be had is a fault of the storage.
+template <typename Step>
+decltype(auto) AsConnectionErrors(Step&& step) {
+  try {
+    return base::MemoryAsFault(std::forward<Step>(step));
+  } catch (const Error&) {
+    throw;
+  } catch (const base::Error& e) {
+    throw Error(e);
+  }
+}
 
 class Connection {
  public:

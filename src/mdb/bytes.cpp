@@ -23,7 +23,7 @@ void Agregar(Bytes& v, std::uint64_t n, int cantidad) {
 }  // namespace
 
 void DanioEnPagina(NumPagina pagina, const std::string& motivo) {
-  throw Danio("El archivo está dañado, página " + std::to_string(pagina) + ": " + motivo);
+  throw Danio("El archivo está dañado, página " + std::to_string(pagina) + ": " + motivo, true);
 }
 
 void LanzarCorto() { throw Danio("El archivo está dañado: un largo lleva más allá de sus datos"); }

@@ -19,10 +19,15 @@ using Bytes = std::vector<std::uint8_t>;
 using Vista = std::span<const std::uint8_t>;
 using NumPagina = std::uint32_t;
 
-// Damage: what the file holds is not what its format allows. The description names the page.
-class Danio : public base::Error {
+// Damage: what the file holds is not what its format allows. The description names the page, if it is known.
+class Danio : public base::StorageFault {
  public:
-  explicit Danio(const std::string& descripcion) : base::Error(descripcion) {}
+  explicit Danio(const std::string& descripcion, bool names_page = false)
+      : base::StorageFault(descripcion), names_page_(names_page) {}
+  bool NamesPage() const { return names_page_; }
+
+ private:
+  bool names_page_;
 };
 // Throws Danio: "Página N: motivo".
 [[noreturn]] void DanioEnPagina(NumPagina pagina, const std::string& motivo);

@@ -52,7 +52,7 @@ decltype(auto) NombrandoPagina(NumPagina pagina, const char* que, Lectura&& lect
   try {
     return lectura();
   } catch (const Danio& d) {
-    if (d.Descripcion().find("página") != std::string::npos) throw;
+    if (d.NamesPage()) throw;
     DanioEnPagina(pagina, que);
   }
 }

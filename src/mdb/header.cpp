@@ -62,17 +62,20 @@ std::uint32_t SalDeContrasena(double creada) {
 }
 
 Cabecera LeerCabecera(Vista primera) {
-  if (primera.size() < 0x15) throw base::Error("El archivo es demasiado corto para ser una base de Access");
+  if (primera.size() < 0x15)
+    throw base::StorageFault("El archivo es demasiado corto para ser una base de Access");
   const std::string_view nombre(reinterpret_cast<const char*>(primera.data()) + 4, 16);
-  if (nombre != kNombreJet && nombre != kNombreAce) throw base::Error("El archivo no es una base de Access");
+  if (nombre != kNombreJet && nombre != kNombreAce)
+    throw base::StorageFault("El archivo no es una base de Access");
   const std::uint8_t version = primera[0x14];
   Cabecera c;
   c.version = nombre == kNombreAce ? Version::Ace : (version == 0 ? Version::Jet3 : Version::Jet4);
   if (version > 6 || (nombre == kNombreJet && version > 1))
-    throw base::Error("La base es de una versión de Access que no se conoce (" + std::to_string(version) +
-                      ")");
+    throw base::StorageFault("La base es de una versión de Access que no se conoce (" +
+                             std::to_string(version) + ")");
   c.tamano_pagina = c.Jet3() ? 2048 : 4096;
-  if (primera.size() < 2048) throw base::Error("El archivo es demasiado corto para ser una base de Access");
+  if (primera.size() < 2048)
+    throw base::StorageFault("El archivo es demasiado corto para ser una base de Access");
   Bytes p(primera.begin(), primera.begin() + 2048);
   EnmascararCabecera(p, c.Jet3());
   c.pagina_de_codigos = U16(p, 0x3C);

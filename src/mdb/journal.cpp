@@ -129,14 +129,14 @@ void EscritorDeDiario::Sellar() {
 }
 
 void EscritorDeDiario::Quitar() {
-  if (!base::ErrorIgnorado("EscritorDeDiario::Quitar", nullptr, [&] { disco_.Borrar(ruta_); })) {
+  if (!base::AnyErrorNoted("EscritorDeDiario::Quitar", nullptr, [&] { disco_.Borrar(ruta_); })) {
     archivo_->CambiarLargo(0);
     archivo_->Sincronizar();
   }
   archivo_.reset();
   // The commit cannot be taken back any more; should the name come up again after a lost current, the base is
   // rolled back whole.
-  base::ErrorIgnorado("EscritorDeDiario::Quitar", nullptr, [&] { disco_.SincronizarCarpetaDe(ruta_); });
+  base::AnyErrorNoted("EscritorDeDiario::Quitar", nullptr, [&] { disco_.SincronizarCarpetaDe(ruta_); });
 }
 
 LectorDeDiario::LectorDeDiario(base::Disco& disco, std::string_view ruta_de_base)
@@ -197,13 +197,13 @@ Bytes LectorDeDiario::Registro(base::ArchivoAbierto& archivo, NumPagina numero, 
   Bytes registro(LargoDeRegistro(datos_));
   if (LeerEn(archivo, pos, registro) < registro.size() || U32(registro, 0) != numero ||
       U64(registro, 8) != SumaDeRegistro(datos_, registro))
-    throw base::Error("El diario de la base cambió o está dañado: cierre la base y vuelva a abrirla");
+    throw base::StorageFault("El diario de la base cambió o está dañado: cierre la base y vuelva a abrirla");
   return registro;
 }
 
 Bytes LectorDeDiario::Imagen(NumPagina numero) const {
   const auto lugar = lugares_.find(numero);
-  if (lugar == lugares_.end()) throw base::Error("El diario de la base no tiene esa página");
+  if (lugar == lugares_.end()) throw base::StorageFault("El diario de la base no tiene esa página");
   std::unique_ptr<base::ArchivoAbierto> otra;
   if (archivo_ == nullptr) otra = disco_.Abrir(ruta_, base::ModoArchivo::Lectura);
   Bytes registro = Registro(archivo_ != nullptr ? *archivo_ : *otra, numero, lugar->second);
@@ -218,24 +218,24 @@ void LectorDeDiario::CompararPagina(base::ArchivoAbierto& archivo, NumPagina num
   const Vista antes = Vista(registro).last(datos_.tamano_pagina);
   Bytes ahora(datos_.tamano_pagina);
   if (LeerEn(archivo, static_cast<std::uint64_t>(numero) * datos_.tamano_pagina, ahora) < ahora.size())
-    throw base::Error(kOtraBase);
+    throw base::StorageFault(kOtraBase);
   for (std::size_t s = 0; s < Sectores(datos_); ++s) {
     const Vista sector = Vista(ahora).subspan(s * kSector, kSector);
     const Vista viejo = antes.subspan(s * kSector, kSector);
     if (!std::equal(sector.begin(), sector.end(), viejo.begin()) &&
         SumaDeSector(sector) != U32(registro, kPrincipio + 4 * s))
-      throw base::Error(kOtraBase);
+      throw base::StorageFault(kOtraBase);
   }
 }
 
 void LectorDeDiario::CompararCon(base::ArchivoAbierto& archivo) const {
   const std::uint64_t largo = archivo.Largo(), tamano = datos_.tamano_pagina;
   if (largo < datos_.antes * tamano || largo > std::max(datos_.antes, datos_.despues) * tamano)
-    throw base::Error(kOtraBase);
+    throw base::StorageFault(kOtraBase);
   if (!Tiene(0)) {
     Bytes primera(datos_.tamano_pagina);
     if (LeerEn(archivo, 0, primera) < primera.size() || Suma(primera) != datos_.suma_primera)
-      throw base::Error(kOtraBase);
+      throw base::StorageFault(kOtraBase);
   }
   for (const auto& [numero, pos] : lugares_) CompararPagina(archivo, numero, pos);
 }
@@ -247,7 +247,7 @@ void LectorDeDiario::Restaurar(base::ArchivoAbierto& archivo) const {
                      Vista(registro).last(datos_.tamano_pagina));
   }
   archivo.CambiarLargo(static_cast<std::uint64_t>(datos_.antes) * datos_.tamano_pagina);
-  base::ErrorIgnorado("LectorDeDiario::Restaurar", nullptr, [&] { archivo.PonerFecha(datos_.fecha); });
+  base::AnyErrorNoted("LectorDeDiario::Restaurar", nullptr, [&] { archivo.PonerFecha(datos_.fecha); });
   archivo.Sincronizar();
 }
 

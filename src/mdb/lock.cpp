@@ -41,7 +41,7 @@ std::string Nombre(Vista bytes) {
 std::string Quien(base::ArchivoAbierto& archivo, std::uint64_t ranura) {
   std::array<std::uint8_t, kRanura> bytes{};
   std::string equipo, usuario;
-  base::ErrorIgnorado("QuienLaTieneAbierta", nullptr, [&] {
+  base::AnyErrorNoted("QuienLaTieneAbierta", nullptr, [&] {
     if (archivo.Leer(ranura * kRanura, bytes) < bytes.size()) return;
     equipo = Nombre(Vista(bytes).first(kNombre));
     usuario = Nombre(Vista(bytes).subspan(kNombre));
@@ -62,7 +62,7 @@ BloqueoDeCommit::BloqueoDeCommit(base::Disco& disco, base::ArchivoAbierto& archi
   if (!hay_bloqueos) return;
   for (int esperado = 0; !archivo.Bloquear(kByteCommit, 1, exclusivo);) {
     if (esperado >= kEsperaEnTotal)
-      throw base::Error("La base está ocupada: otro programa no termina de usarla");
+      throw base::StorageFault("La base está ocupada: otro programa no termina de usarla");
     const int espera = esperado < kCortasHasta ? kCorta : kLarga;
     disco.Esperar(espera);
     esperado += espera;
@@ -73,7 +73,7 @@ BloqueoDeCommit::BloqueoDeCommit(base::Disco& disco, base::ArchivoAbierto& archi
 BloqueoDeCommit::~BloqueoDeCommit() {
   if (archivo_ == nullptr) return;
   // What cannot be unlocked ends with the file.
-  base::ErrorIgnorado("BloqueoDeCommit", nullptr, [&] { archivo_->Desbloquear(kByteCommit, 1); });
+  base::AnyErrorNoted("BloqueoDeCommit", nullptr, [&] { archivo_->Desbloquear(kByteCommit, 1); });
 }
 
 std::string QuienLaTieneAbierta(base::Disco& disco, std::string_view ruta_de_base) {

@@ -17,7 +17,8 @@ void BorrarDiarioIncompleto(base::Disco& disco, const std::string& ruta) {
   LectorDeDiario viejo(disco, ruta);
   if (viejo.Cual() == LectorDeDiario::Estado::NoHay) return;
   if (viejo.Cual() != LectorDeDiario::Estado::Incompleto)
-    throw base::Error("hay un diario de otra escritura junto a la base: cierre la base y vuelva a abrirla");
+    throw base::StorageFault(
+        "hay un diario de otra escritura junto a la base: cierre la base y vuelva a abrirla");
   viejo.Quitar();
 }
 
@@ -29,7 +30,7 @@ PaginasDeArchivo::PaginasDeArchivo(Cabecera cabecera, NumPagina cantidad, Abiert
 }
 
 Bytes PaginasDeArchivo::Traer(NumPagina numero) {
-  if (!rota_.empty()) throw base::Error(rota_);
+  if (!rota_.empty()) throw base::StorageFault(rota_);
   if (numero < tramo_desde_ || numero - tramo_desde_ >= tramo_cantidad_) {
     // The pages of a table have those of its indexes between them.
     const NumPagina fin = tramo_desde_ + tramo_cantidad_;
@@ -105,29 +106,34 @@ std::vector<PaginasDeArchivo::Cambio> PaginasDeArchivo::Reunir(const Cambiadas& 
 // Whether the file is still the one that was opened, as it was left.
 void PaginasDeArchivo::Comprobar() {
   if (!a_.archivo->SigueEnSuLugar())
-    throw base::Error("No se guardó nada: otro programa puso otro archivo en el lugar de la base");
+    throw base::StorageFault("No se guardó nada: otro programa puso otro archivo en el lugar de la base");
   if (OtroEstado())
-    throw base::Error("No se guardó nada: otro programa cambió la base desde que se abrió. Ábrala de nuevo");
+    throw base::StorageFault(
+        "No se guardó nada: otro programa cambió la base desde que se abrió. Ábrala de nuevo");
   // One that keeps pages in its memory would write old ones over the new.
   const std::string quien = QuienLaTieneAbierta(*a_.disco, a_.ruta);
-  if (!quien.empty()) throw base::Error("No se guardó nada en la base: " + quien);
+  if (!quien.empty()) throw base::StorageFault("No se guardó nada en la base: " + quien);
 }
 
 void PaginasDeArchivo::Volcar(const Cambiadas& cambiadas, NumPagina antes, NumPagina cantidad) {
-  if (!rota_.empty()) throw base::Error(rota_);
+  if (!rota_.empty()) throw base::StorageFault(rota_);
   const std::vector<Cambio> cambios = Reunir(cambiadas, antes);
   if (cambios.empty() && antes == cantidad) return;
   const BloqueoDeCommit bloqueo(*a_.disco, *a_.archivo, true);
   Comprobar();
   EscritorDeDiario diario = EscribirDiario(cambios, DatosDelDiario(cambios, antes, cantidad));
+  std::int64_t date = 0;
   try {
-    EscribirPaginas(cambios, cantidad);
-    diario.Quitar();
+    base::MemoryAsFault([&] {
+      EscribirPaginas(cambios, cantidad);
+      date = a_.archivo->Fecha();  // without its journal the commit cannot be taken back
+      diario.Quitar();
+    });
   } catch (const base::Error& e) {
     VolverAtras(cambios, antes, diario, e.Descripcion());
   }
   tramo_cantidad_ = 0;
-  a_.fecha = a_.archivo->Fecha();
+  a_.fecha = date;
   a_.largo = static_cast<std::uint64_t>(cantidad) * Tamano();
 }
 
@@ -153,14 +159,16 @@ EscritorDeDiario PaginasDeArchivo::EscribirDiario(const std::vector<Cambio>& cam
                                                   const DatosDeDiario& datos) {
   std::optional<EscritorDeDiario> diario;
   try {
-    BorrarDiarioIncompleto(*a_.disco, a_.ruta);
-    diario.emplace(*a_.disco, a_.ruta, datos);
-    for (const auto& c : cambios)
-      if (!c.antes.empty()) diario->Agregar(c.numero, c.antes, Guardada(c));
-    diario->Sellar();
+    base::MemoryAsFault([&] {
+      BorrarDiarioIncompleto(*a_.disco, a_.ruta);
+      diario.emplace(*a_.disco, a_.ruta, datos);
+      for (const auto& c : cambios)
+        if (!c.antes.empty()) diario->Agregar(c.numero, c.antes, Guardada(c));
+      diario->Sellar();
+    });
   } catch (const base::Error& e) {
-    if (diario) base::ErrorIgnorado("Volcar: diario", nullptr, [&] { diario->Quitar(); });
-    throw base::Error(kComoEstaba + e.Descripcion());
+    if (diario) base::AnyErrorNoted("Volcar: diario", nullptr, [&] { diario->Quitar(); });
+    throw base::StorageFault(kComoEstaba + e.Descripcion());
   }
   return std::move(*diario);
 }
@@ -180,7 +188,7 @@ void PaginasDeArchivo::FecharCommit() {
   std::int64_t fecha = std::max(a_.disco->Ahora(), a_.fecha + us);
   for (const std::int64_t paso : {std::int64_t{0}, 10'000 * us, 2'000'000 * us}) {
     const bool bien =
-        base::ErrorIgnorado("Volcar: fecha", nullptr, [&] { a_.archivo->PonerFecha(fecha + paso); });
+        base::AnyErrorNoted("Volcar: fecha", nullptr, [&] { a_.archivo->PonerFecha(fecha + paso); });
     if (!bien || a_.archivo->Fecha() > a_.fecha) return;
   }
 }
@@ -191,7 +199,7 @@ void PaginasDeArchivo::VolverAtras(const std::vector<Cambio>& cambios, NumPagina
     for (const auto& c : cambios)
       if (!c.antes.empty()) a_.archivo->Escribir(static_cast<std::uint64_t>(c.numero) * Tamano(), c.antes);
     a_.archivo->CambiarLargo(static_cast<std::uint64_t>(antes) * Tamano());
-    base::ErrorIgnorado("VolverAtras: fecha", nullptr, [&] { a_.archivo->PonerFecha(a_.fecha); });
+    base::AnyErrorNoted("VolverAtras: fecha", nullptr, [&] { a_.archivo->PonerFecha(a_.fecha); });
     a_.archivo->Sincronizar();
     diario.Quitar();
   } catch (const base::Error& e) {
@@ -199,11 +207,11 @@ void PaginasDeArchivo::VolverAtras(const std::vector<Cambio>& cambios, NumPagina
             ". Tampoco se la pudo volver atrás: " + e.Descripcion() + ". No borre " +
             base::NombreDe(RutaDeDiario(a_.ruta)) + ": al abrir la base de nuevo se restablece con él";
     PonerSoloLectura(rota_);
-    throw base::Error(rota_);
+    throw base::StorageFault(rota_);
   }
   // The same bytes with the same date: whoever reads them goes on. Where the date could not be set, not.
   a_.fecha = a_.archivo->Fecha();
-  throw base::Error(kComoEstaba + motivo);
+  throw base::StorageFault(kComoEstaba + motivo);
 }
 
 }  // namespace mdb

@@ -27,9 +27,9 @@
 namespace mdb {
 
 // Another program changed the file since it was opened.
-class ArchivoCambio : public base::Error {
+class ArchivoCambio : public base::StorageFault {
  public:
-  ArchivoCambio() : base::Error("Otro programa cambió la base desde que se abrió: ábrala de nuevo") {}
+  ArchivoCambio() : base::StorageFault("Otro programa cambió la base desde que se abrió: ábrala de nuevo") {}
 };
 
 class PaginasDeArchivo final : public Paginas {

@@ -77,11 +77,11 @@ class Apertura {
 
   static void NegarDiario(const LectorDeDiario& diario) {
     if (diario.Cual() == Estado::Danado)
-      throw base::Error("Junto a la base quedó el diario de una escritura cortada, y " + diario.Motivo() +
-                        ". La base puede estar a medio escribir: no se la abre");
+      throw base::StorageFault("Junto a la base quedó el diario de una escritura cortada, y " +
+                               diario.Motivo() + ". La base puede estar a medio escribir: no se la abre");
     // The writer has the lock of a base, and here we have it or read under it: of another one.
     if (diario.Cual() == Estado::Vivo)
-      throw base::Error("Otro programa escribe en la base, pero en su lugar hay otro archivo");
+      throw base::StorageFault("Otro programa escribe en la base, pero en su lugar hay otro archivo");
   }
 
   void AbrirParaLeer() {
@@ -111,7 +111,7 @@ class Apertura {
   void LeerPrimera() {
     a_.fecha = a_.archivo->Fecha();
     a_.largo = a_.archivo->Largo();
-    if (a_.largo == 0) throw base::Error("El archivo está vacío: no es una base de Access");
+    if (a_.largo == 0) throw base::StorageFault("El archivo está vacío: no es una base de Access");
     Bytes primera(4096);
     if (a_.capa && a_.capa->Tiene(0)) {
       primera = a_.capa->Imagen(0);
@@ -120,9 +120,9 @@ class Apertura {
     }
     cabecera_ = LeerCabecera(primera);
     const std::uint64_t mayor = cabecera_.Jet3() ? std::uint64_t{1} << 30 : std::uint64_t{1} << 31;
-    if (a_.largo > mayor) throw base::Error("El archivo es más grande de lo que admite su formato");
+    if (a_.largo > mayor) throw base::StorageFault("El archivo es más grande de lo que admite su formato");
     if (a_.largo < cabecera_.tamano_pagina)
-      throw base::Error("El archivo es demasiado corto para ser una base de Access");
+      throw base::StorageFault("El archivo es demasiado corto para ser una base de Access");
     if (a_.largo % cabecera_.tamano_pagina != 0 && !a_.capa && a_.motivo.empty())
       a_.motivo = "El archivo termina a mitad de una página: le falta una parte";
   }

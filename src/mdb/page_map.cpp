@@ -96,7 +96,7 @@ void Cambiar(Paginas& paginas, Puntero mapa, NumPagina pagina, bool valor);
 // page: a new page of it has the bits of all pages that the file does not have yet.
 NumPagina PaginaDeRango(Paginas& paginas, const FilaDeMapa& f, NumPagina k) {
   if (k >= f.CantidadDePunteros())
-    throw base::Error("Un mapa de páginas no alcanza para el tamaño del archivo: compacte la base");
+    throw base::StorageFault("Un mapa de páginas no alcanza para el tamaño del archivo: compacte la base");
   const std::int32_t puntero = I32(*paginas.Leer(f.pagina), f.PosPuntero(k));
   if (puntero > 0) {
     const auto numero = static_cast<NumPagina>(puntero);

@@ -28,7 +28,7 @@ Imagen Paginas::Leer(NumPagina numero) {
 }
 
 Bytes& Paginas::Modificar(NumPagina numero) {
-  if (!motivo_.empty()) throw base::Error(motivo_);
+  if (!motivo_.empty()) throw base::StorageFault(motivo_);
   auto it = cambiadas_.find(numero);
   if (it == cambiadas_.end()) {
     it = cambiadas_.emplace(numero, std::make_shared<Bytes>(*Leer(numero))).first;
@@ -40,9 +40,10 @@ Bytes& Paginas::Modificar(NumPagina numero) {
 }
 
 NumPagina Paginas::Agregar() {
-  if (!motivo_.empty()) throw base::Error(motivo_);
+  if (!motivo_.empty()) throw base::StorageFault(motivo_);
   if (cantidad_ >= MasPaginas(cabecera_))
-    throw base::Error("La base llegó al tamaño más grande que admite su formato: compáctela antes de seguir");
+    throw base::StorageFault(
+        "La base llegó al tamaño más grande que admite su formato: compáctela antes de seguir");
   cambiadas_.emplace(cantidad_, std::make_shared<Bytes>(Tamano(), std::uint8_t{0}));
   return cantidad_++;
 }

@@ -4,7 +4,7 @@ namespace mdb::internal {
 
 BytesDeFila ExigirFila(Paginas& paginas, const Definicion& definicion, IdFila fila) {
   auto bytes = BuscarFila(paginas, definicion, fila);
-  if (!bytes) throw base::Error("La fila ya no está en la tabla \"" + definicion.nombre + "\"", 3167);
+  if (!bytes) throw base::StorageFault("La fila ya no está en la tabla \"" + definicion.nombre + "\"", 3167);
   return std::move(*bytes);
 }
 
@@ -92,8 +92,8 @@ void EscritorDeFilas::Colocar(IdFila fila, IdFila lugar) {
   if (movida && almacen_.Cambiar(lugar, fila_, Ranura::kDestino)) return;
   const IdFila nuevo = almacen_.Agregar(fila_, Ranura::kDestino);
   if (!almacen_.Cambiar(fila, Puntero4(nuevo), Ranura::kMovida))
-    throw base::Error("Una fila de la tabla \"" + definicion_.nombre +
-                      "\" no cabe en su página: compacte la base");
+    throw base::StorageFault("Una fila de la tabla \"" + definicion_.nombre +
+                             "\" no cabe en su página: compacte la base");
   if (movida) almacen_.Quitar(lugar);
 }
 

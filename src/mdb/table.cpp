@@ -28,7 +28,7 @@ BytesDeFila SeguirMovida(Paginas& paginas, const Definicion& definicion, Vista r
 }
 
 [[noreturn]] void FilaIlegible(IdFila id, const Danio& d) {
-  if (d.Descripcion().find("página") != std::string::npos) throw d;
+  if (d.NamesPage()) throw d;
   DanioEnPagina(id.pagina, "la fila " + std::to_string(id.fila) + " no se puede leer");
 }
 

@@ -76,9 +76,9 @@ void LeerDeCodigos(const Cabecera& cabecera, Vista bytes, std::string& destino) 
     destino = base::DeCp1252(Caracteres(bytes));
   } else {
     // Guessing would show, and perhaps pay, another person's name.
-    throw base::Error("La base guarda sus textos en la página de códigos " +
-                      std::to_string(cabecera.pagina_de_codigos) +
-                      ", que este programa no lee: conviértala al formato de Access 2000 o posterior");
+    throw base::StorageFault("La base guarda sus textos en la página de códigos " +
+                             std::to_string(cabecera.pagina_de_codigos) +
+                             ", que este programa no lee: conviértala al formato de Access 2000 o posterior");
   }
 }
 

@@ -9,14 +9,15 @@ using base::Valor;
 // Answers every statement with one column of cells, or fails.
 class ConexionFija final : public db::Connection {
  public:
-  explicit ConexionFija(std::vector<Valor> celdas, bool falla = false)
-      : celdas_(std::move(celdas)), falla_(falla) {}
+  explicit ConexionFija(std::vector<Valor> celdas, bool falla = false,
+                        base::ErrorKind kind = base::ErrorKind::Statement)
+      : celdas_(std::move(celdas)), falla_(falla), kind_(kind) {}
 
   bool Abierta() const override { return true; }
   void Cerrar() override {}
   db::Recordset Ejecutar(std::string_view sql) override {
     ultimo = std::string(sql);
-    if (falla_) throw db::Error("no existe la tabla");
+    if (falla_) throw db::Error("no se pudo leer", 0, {}, kind_);
     return {std::make_shared<db::Columnas>(db::Columnas{{"maxcod", base::Tipo::Nulo}}), celdas_};
   }
   db::Recordset Consultar(std::string_view sql) override { return Ejecutar(sql); }
@@ -34,6 +35,7 @@ class ConexionFija final : public db::Connection {
  private:
   std::vector<Valor> celdas_;
   bool falla_;
+  base::ErrorKind kind_;
 };
 
 std::int32_t Mayor(std::vector<Valor> celdas, bool falla = false) {
@@ -60,6 +62,12 @@ TEST(NextId, AnyErrorGives0) {
   EXPECT_EQ(Mayor({Valor(base::Nulo{})}), 0);           // the table is empty
   EXPECT_EQ(Mayor({Valor("abc")}), 0);                  // no number
   EXPECT_EQ(Mayor({Valor(std::int64_t{1} << 31)}), 0);  // beyond 32 bits
+}
+
+// The first number of a table that could not be read is not 1.
+TEST(NextId, AFaultOfTheStorageTravelsOn) {
+  ConexionFija connection({Valor(41)}, true, base::ErrorKind::Storage);
+  EXPECT_THROW(db::NextId(connection, "Encabezados", "id_Enc"), db::Error);
 }
 
 }  // namespace

@@ -57,6 +57,7 @@ class ArchivoSimulado final : public base::ArchivoAbierto {
   ArchivoSimulado& operator=(const ArchivoSimulado&) = delete;
 
   std::size_t Leer(std::uint64_t pos, std::span<std::uint8_t> destino) override {
+    disco_.Look("No se puede leer", ruta_);
     const mdb::Bytes& b = nodo_->bytes;
     if (pos >= b.size()) return 0;
     const std::size_t n = std::min<std::size_t>(destino.size(), b.size() - pos);
@@ -87,7 +88,10 @@ class ArchivoSimulado final : public base::ArchivoAbierto {
     if (a_medias) disco_.Romper(ruta_);
     if (lleno) throw base::ErrorDeDisco("No se puede escribir", ruta_, base::FallaDisco::DiscoLleno, {});
   }
-  std::uint64_t Largo() override { return nodo_->bytes.size(); }
+  std::uint64_t Largo() override {
+    disco_.Look("No se puede consultar", ruta_);
+    return nodo_->bytes.size();
+  }
   void CambiarLargo(std::uint64_t largo) override {
     ExigirEscritura();
     if (disco_.Contar("largo " + ruta_)) disco_.Romper(ruta_);
@@ -100,7 +104,10 @@ class ArchivoSimulado final : public base::ArchivoAbierto {
     nodo_->durables = nodo_->bytes;
     nodo_->pendientes.clear();
   }
-  std::int64_t Fecha() override { return nodo_->fecha; }
+  std::int64_t Fecha() override {
+    disco_.Look("No se puede consultar", ruta_);
+    return nodo_->fecha;
+  }
   void PonerFecha(std::int64_t fecha) override {
     ExigirEscritura();
     if (disco_.Contar("fechar " + ruta_)) disco_.Romper(ruta_);
@@ -111,6 +118,7 @@ class ArchivoSimulado final : public base::ArchivoAbierto {
     return it != disco_.nombres_.end() && it->second == nodo_;
   }
   bool Bloquear(std::uint64_t desde, std::uint64_t cantidad, bool exclusivo) override {
+    disco_.Look("No se puede bloquear", ruta_);
     ExigirBloqueos();
     if (exclusivo && !escribe_)
       throw base::ErrorDeDisco("No se puede bloquear", ruta_, base::FallaDisco::Otra, "se abrió para leer");
@@ -165,6 +173,13 @@ bool DiscoSimulado::Contar(const std::string& que) {
 void DiscoSimulado::Romper(const std::string& ruta) const {
   if (llamadas_ == cortar_en_) throw Corte{};
   throw base::ErrorDeDisco("No se puede escribir", ruta, base::FallaDisco::Otra, "error de prueba");
+}
+
+void DiscoSimulado::Look(const std::string& what, const std::string& path) {
+  ++looks_;
+  if (fail_look_at_ == 0 || (fail_looks_always_ ? looks_ < fail_look_at_ : looks_ != fail_look_at_)) return;
+  ++failed_looks_;
+  throw base::ErrorDeDisco(what, path, base::FallaDisco::Otra, "error de prueba");
 }
 
 void DiscoSimulado::Poner(const std::string& ruta, const mdb::Bytes& bytes) {

@@ -34,7 +34,14 @@ class DiscoSimulado : public base::Disco {
     fallar_en_ = llamada;
     fallar_siempre_ = siempre;
   }
-  void Sanar() { fallar_en_ = cortar_en_ = 0; }
+  // The same for calls that only look: reading, asking for the length or the date, locking.
+  void FailLookAt(int call, bool always = false) {
+    fail_look_at_ = call;
+    fail_looks_always_ = always;
+    looks_ = failed_looks_ = 0;
+  }
+  int FailedLooks() const { return failed_looks_; }
+  void Sanar() { fallar_en_ = cortar_en_ = fail_look_at_ = 0; }
   // No more bytes than these in all files.
   void Llenar(std::optional<std::uint64_t> lugar) { lugar_ = lugar; }
   void DetenerElReloj() { detenido_ = true; }  // all that happens falls in one tick
@@ -71,9 +78,12 @@ class DiscoSimulado : public base::Disco {
   // True when the call must be done by half and then fail.
   bool Contar(const std::string& que);
   [[noreturn]] void Romper(const std::string& ruta) const;
+  void Look(const std::string& what, const std::string& path);
 
   Nombres nombres_, nombres_durables_;
   int llamadas_ = 0, cortar_en_ = 0, fallar_en_ = 0;
+  int looks_ = 0, fail_look_at_ = 0, failed_looks_ = 0;
+  bool fail_looks_always_ = false;
   bool fallar_siempre_ = false, solo_lectura_ = false, detenido_ = false, sin_bloqueos_ = false;
   std::optional<std::uint64_t> lugar_;
   std::int64_t reloj_ = 1000;
