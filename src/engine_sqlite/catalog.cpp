@@ -7,10 +7,7 @@
 namespace engine_sqlite {
 namespace {
 
-std::string Texto(sqlite3_stmt* s, int columna) {
-  const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(s, columna));
-  return p == nullptr ? std::string() : std::string(p, sqlite3_column_bytes(s, columna));
-}
+std::string Texto(sqlite3_stmt* s, int columna) { return std::string(TextOf(s, columna)); }
 
 // Calls `fila` for each row.
 template <typename Fila>

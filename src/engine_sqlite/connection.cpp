@@ -44,8 +44,10 @@ class Conjunto {
   Conjunto& operator=(const Conjunto&) = delete;
   ~Conjunto() {
     if (hecho_ || sqlite3_get_autocommit(base_) != 0) return;
-    sqlite3_exec(base_, anidado_ ? "ROLLBACK TO sentencia; RELEASE sentencia" : "ROLLBACK", nullptr, nullptr,
-                 nullptr);
+    const char* undo = anidado_ ? "ROLLBACK TO sentencia; RELEASE sentencia" : "ROLLBACK";
+    if (sqlite3_exec(base_, undo, nullptr, nullptr, nullptr) == SQLITE_OK || !anidado_) return;
+    // Half a statement must not be kept: then nothing of the transaction is, and what comes next is told so.
+    sqlite3_exec(base_, "ROLLBACK", nullptr, nullptr, nullptr);
   }
   void Confirmar() {
     EjecutarPropio(base_, anidado_ ? "RELEASE sentencia" : "COMMIT");
@@ -63,11 +65,8 @@ base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
     case SQLITE_NULL:
       return {};
     case SQLITE_TEXT:
-    case SQLITE_BLOB: {
-      const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(s, i));
-      return p == nullptr ? std::string()
-                          : std::string(p, static_cast<std::size_t>(sqlite3_column_bytes(s, i)));
-    }
+    case SQLITE_BLOB:
+      return std::string(TextOf(s, i));
     case SQLITE_INTEGER:
       if (tipo == base::Tipo::Booleano) return sqlite3_column_int64(s, i) != 0;
       if (tipo == base::Tipo::Nulo || tipo == base::Tipo::Entero || tipo == base::Tipo::Texto)
@@ -94,6 +93,10 @@ base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
 }  // namespace
 
 db::Recordset ConexionSqlite::EjecutarComo(std::string_view sql, bool solo_consulta) {
+  return db::AsConnectionErrors([&] { return ResolverYCorrer(sql, solo_consulta); });
+}
+
+db::Recordset ConexionSqlite::ResolverYCorrer(std::string_view sql, bool solo_consulta) {
   VerificarUtil();
   afectadas_ = 0;
   entorno_.ahora.reset();
@@ -155,14 +158,8 @@ std::shared_ptr<Preparada> ConexionSqlite::Resolver(std::string_view sql,
 std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql, const ColumnasDeCruces& cruces) {
   ++contadores_.traducciones;
   auto p = std::make_shared<Preparada>();
-  try {
-    p->traduccion = cruces.empty() ? jetsql::Traducir(sql, catalogo_, traduccion_)
-                                   : jetsql::TraducirCruzada(sql, catalogo_, traduccion_, cruces);
-  } catch (const db::Error&) {
-    throw;
-  } catch (const base::Error& e) {
-    throw db::Error(e);
-  }
+  p->traduccion = cruces.empty() ? jetsql::Traducir(sql, catalogo_, traduccion_)
+                                 : jetsql::TraducirCruzada(sql, catalogo_, traduccion_, cruces);
   p->sentencias.resize(p->traduccion.pasos.size());
   auto columnas = std::make_shared<db::Columnas>();
   for (const jetsql::ColumnaResultado& c : p->traduccion.columnas) columnas->push_back({c.nombre, c.tipo});
@@ -213,7 +210,7 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
                                 std::vector<base::Valor>* celdas) {
   Sentencia& sentencia = p.sentencias[paso];
   const std::string& texto = p.traduccion.pasos[paso];
-  entorno_.fallo = false;
+  entorno_.fallo = entorno_.sin_memoria = false;
   if (sentencia == nullptr) {
     ++contadores_.preparaciones;
     sentencia = Preparar(base_.get(), texto);
@@ -233,13 +230,19 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
     limit.Row(*celdas, static_cast<std::size_t>(ancho));
   }
   if (rc != SQLITE_DONE) limit.ThrowIfInterrupted();
-  if (rc != SQLITE_DONE) LanzarDePaso();
+  if (rc != SQLITE_DONE || entorno_.sin_memoria) LanzarDePaso();
   if (EsDeCambio(texto)) afectadas_ = sqlite3_changes64(base_.get());
 }
 
 void ConexionSqlite::LanzarDePaso() {
-  if (entorno_.fallo) throw db::Error(entorno_.descripcion, entorno_.numero);
-  LanzarError(base_.get());
+  if (entorno_.sin_memoria) throw db::Error(base::StorageFault(base::kOutOfMemory));
+  // What SQLite undid by itself was the whole transaction, whatever the reason.
+  const bool undone = en_transaccion_ && sqlite3_get_autocommit(base_.get()) != 0;
+  const base::ErrorKind kind = undone ? base::ErrorKind::Storage : base::ErrorKind::Statement;
+  if (entorno_.fallo) throw db::Error(entorno_.descripcion, entorno_.numero, {}, kind);
+  if (!undone) LanzarError(base_.get());
+  const int code = sqlite3_extended_errcode(base_.get());
+  throw db::Error(DescripcionDe(code, sqlite3_errmsg(base_.get())), 0, {}, kind);
 }
 
 void ConexionSqlite::OlvidarTodo() {

@@ -48,6 +48,7 @@ class ConexionSqlite final : public db::Connection {
   void VerificarUtil() const;
 
   db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
+  db::Recordset ResolverYCorrer(std::string_view sql, bool solo_consulta);
   // The statement to run and its literals (they last until the next statement).
   std::shared_ptr<Preparada> Resolver(std::string_view sql, const std::vector<base::Valor>*& literales);
   // `cruces`: the columns of crosstabs that are known already.

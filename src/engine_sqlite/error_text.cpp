@@ -160,6 +160,38 @@ std::string DeSentencia(std::string_view mensaje) {
 
 }  // namespace
 
+// What SQL itself refuses is the statement's failure, an interrupted one too. All that SQLite says of the
+// file, of its locks and of the memory is a fault, and so is what it says of itself: after any of them
+// nobody knows what the next statement works on.
+base::ErrorKind KindOf(int extended_code, bool in_transaction) {
+  switch (extended_code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL:  // of the locks of the write-ahead log
+    case SQLITE_SCHEMA:    // changed by another program again and again
+    case SQLITE_NOMEM:
+    case SQLITE_IOERR:
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_FORMAT:
+    case SQLITE_FULL:
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_NOLFS:
+    case SQLITE_ABORT:  // a rollback went on under the statement
+    case SQLITE_INTERNAL:
+    case SQLITE_MISUSE:
+      return base::ErrorKind::Storage;
+    case SQLITE_READONLY:
+      // A base that was opened for reading refuses what writes, and nothing is lost. One that began a
+      // transaction, or was moved or damaged beside its log, is another matter.
+      return in_transaction || extended_code != SQLITE_READONLY ? base::ErrorKind::Storage
+                                                                : base::ErrorKind::Statement;
+    default:
+      return base::ErrorKind::Statement;
+  }
+}
+
 std::string DescripcionDe(int codigo, std::string_view mensaje) {
   switch (codigo & 0xFF) {
     case SQLITE_CONSTRAINT:

@@ -8,6 +8,7 @@ namespace engine_sqlite {
 namespace {
 
 constexpr std::string_view kEnMemoria = ":memory:";
+constexpr const char* kYaDeshecha = "Un error anterior deshizo la transacción: nada de ella quedó guardado.";
 
 std::int64_t Cifra(sqlite3* base, const char* sql) {
   const Sentencia s = Preparar(base, sql);
@@ -68,7 +69,7 @@ void ConexionSqlite::AbrirArchivo(std::string_view ruta, const Opciones& opcione
   const bool en_memoria = ruta == kEnMemoria;
   if (ruta.empty()) throw db::Error("Falta la ruta de la base.");
   if (!en_memoria && !opciones.crear && !base::ExisteArchivo(ruta))
-    throw db::Error("No existe el archivo de la base " + nombre + ".");
+    throw db::Error(base::StorageFault("No existe el archivo de la base " + nombre + "."));
   const int modo = opciones.solo_lectura && !en_memoria
                        ? SQLITE_OPEN_READONLY
                        : SQLITE_OPEN_READWRITE | (opciones.crear || en_memoria ? SQLITE_OPEN_CREATE : 0);
@@ -79,8 +80,8 @@ void ConexionSqlite::AbrirArchivo(std::string_view ruta, const Opciones& opcione
       sqlite3_open_v2(camino.c_str(), &cruda, modo | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
   base_.reset(cruda);
   if (rc != SQLITE_OK)
-    throw db::Error("No se puede abrir la base " + nombre + ". " +
-                    DescripcionDe(rc, cruda != nullptr ? sqlite3_errmsg(cruda) : ""));
+    throw db::Error(base::StorageFault("No se puede abrir la base " + nombre + ". " +
+                                       DescripcionDe(rc, cruda != nullptr ? sqlite3_errmsg(cruda) : "")));
   sqlite3_busy_timeout(base_.get(), opciones.espera_ms);
   try {
     // The first read tells a file of another kind.
@@ -88,7 +89,7 @@ void ConexionSqlite::AbrirArchivo(std::string_view ruta, const Opciones& opcione
       throw db::Error("El archivo está vacío.");
     Cifra(base_.get(), "PRAGMA schema_version");
   } catch (const db::Error& e) {
-    throw db::Error("No se puede abrir la base " + nombre + ". " + e.Descripcion());
+    throw db::Error(base::StorageFault("No se puede abrir la base " + nombre + ". " + e.Descripcion()));
   }
 }
 
@@ -133,31 +134,36 @@ void ConexionSqlite::Cerrar() {
   catalogo_ = CatalogoSqlite(static_cast<sqlite3*>(nullptr));
   base_.reset();  // what an open transaction wrote is undone
   en_transaccion_ = false;
-  definio_ = false;
+  savepoint_ = definio_ = false;
 }
 
 void ConexionSqlite::VerificarUtil() const {
-  if (base_ == nullptr) throw db::Error("La base no está abierta.");
+  if (base_ == nullptr) throw db::Error(base::StorageFault("La base no está abierta."));
   // A full disk or a read failure makes SQLite undo the whole transaction; what came after would be kept
   // alone.
   if (en_transaccion_ && sqlite3_get_autocommit(base_.get()) != 0)
-    throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
+    throw db::Error(base::StorageFault(kYaDeshecha));
 }
 
 void ConexionSqlite::BeginTrans() {
   VerificarUtil();
   if (en_transaccion_) throw db::Error("Ya hay una transacción abierta.");
   EjecutarPropio(base_.get(), "BEGIN IMMEDIATE");
+  try {
+    VerCambiosAjenos();  // from here on there can be none
+  } catch (const db::Error&) {
+    sqlite3_exec(base_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+    throw;
+  }
   en_transaccion_ = true;
-  definio_ = false;
-  VerCambiosAjenos();  // from here on there can be none
+  definio_ = savepoint_ = false;
 }
 
 void ConexionSqlite::CommitTrans() {
   if (base_ == nullptr || !en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
   if (sqlite3_get_autocommit(base_.get()) != 0) {
     RollbackTrans();
-    throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
+    throw db::Error(base::StorageFault(kYaDeshecha));
   }
   EjecutarPropio(base_.get(), "COMMIT");
   en_transaccion_ = savepoint_ = false;
@@ -182,7 +188,11 @@ void ConexionSqlite::SetSavepoint() {
 void ConexionSqlite::RollbackToSavepoint() {
   VerificarUtil();
   if (!savepoint_) throw db::Error("No hay ninguna marca en la transacción.");
-  EjecutarPropio(base_.get(), "ROLLBACK TO marca");
+  try {
+    EjecutarPropio(base_.get(), "ROLLBACK TO marca");
+  } catch (const db::Error& e) {
+    throw db::Error(base::StorageFault("No se pudo deshacer la sentencia. " + e.Descripcion()));
+  }
   if (definio_) OlvidarTodo();
 }
 
@@ -206,7 +216,8 @@ void SinCuentaDeMemoria() {
 
 std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones) {
   SinCuentaDeMemoria();
-  return std::make_unique<ConexionSqlite>(ruta, opciones);
+  return db::AsConnectionErrors(
+      [&]() -> std::unique_ptr<db::Connection> { return std::make_unique<ConexionSqlite>(ruta, opciones); });
 }
 
 Espejo AbrirEspejo(FuenteDeTablas& fuente, const Opciones& opciones) {

@@ -76,8 +76,10 @@ int CotejarJet(void* dato, int na, const void* a, int nb, const void* b) {
   if (entorno.Exhausted()) return x.compare(y);  // a sort is not interrupted half-way, but it may be quick
   try {
     return base::CompararTexto(x, y, entorno.orden);
-  } catch (
-      const std::bad_alloc&) {  // SQLite takes no failure from a collation; the order of the bytes is one
+  } catch (const std::bad_alloc&) {
+    // SQLite takes no failure from a collation: the statement is stopped, and any order will do until then.
+    entorno.sin_memoria = true;
+    sqlite3_interrupt(entorno.base);
     return x.compare(y);
   }
 }
@@ -295,6 +297,7 @@ void Llamada::DarTexto(std::string_view v) {
 }
 
 void Registrar(sqlite3* base, Entorno& entorno) {
+  entorno.base = base;
   for (const jetsql::Funcion& f : jetsql::Funciones()) {
     const Cuerpo cuerpo = CuerpoDe(f.nombre);
     if (cuerpo == nullptr) throw base::Error("La función " + std::string(f.nombre) + " no está disponible.");

@@ -29,6 +29,7 @@ struct Entorno {
   base::Orden orden = base::Orden::EspanolModerno;
   std::uint32_t azar = 0x50000;  // the state of Rnd
   bool utf8 = false;             // the file holds its texts in UTF-8
+  sqlite3* base = nullptr;       // on which the functions are registered
 
   // The clock stands still while a statement runs: it is read once, when the statement first asks.
   base::Fecha Ahora();
@@ -36,6 +37,7 @@ struct Entorno {
 
   // The failure that a function raised in the statement that is running.
   bool fallo = false;
+  bool sin_memoria = false;  // a comparison did not get its memory, and has no other way to say so
   std::string descripcion;
   int numero = 0;
 

@@ -25,8 +25,15 @@ using ManejadorBase = std::unique_ptr<sqlite3, CerrarSqlite>;
 //   mensaje   SQLite's own text
 std::string DescripcionDe(int codigo, std::string_view mensaje);
 
+// Whether a failure of SQLite is one of the file, its locks or the memory, or only of the statement.
+//   in_transaction   a transaction is open: then a base that turns out to be read-only is a fault
+base::ErrorKind KindOf(int extended_code, bool in_transaction);
+
 // Binds one literal (text is not copied: it must outlive the run). Parameters that the statement does not
 // have are passed over.
 void Ligar(sqlite3_stmt* sentencia, int indice, const base::Valor& valor);
+
+// The cell as SQLite holds it, or as a text; Null is empty. Throws db::Error when there was no memory for it.
+std::string_view TextOf(sqlite3_stmt* row, int column);
 
 }  // namespace engine_sqlite
