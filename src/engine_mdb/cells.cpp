@@ -14,9 +14,17 @@ namespace {
 
 using mdb::TipoColumna;
 
+// A cell that got no memory looks like an empty one.
+void NeedMemory(int rc) {
+  if (rc == SQLITE_NOMEM) throw base::StorageFault(base::kOutOfMemory);
+}
+
 std::string_view TextoDe(sqlite3_stmt* fila, int columna) {
   const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(fila, columna));
-  if (p == nullptr) return {};
+  if (p == nullptr) {
+    NeedMemory(sqlite3_errcode(sqlite3_db_handle(fila)));
+    return {};
+  }
   return {p, static_cast<std::size_t>(sqlite3_column_bytes(fila, columna))};
 }
 
@@ -122,31 +130,34 @@ base::Tipo TipoDe(TipoColumna tipo) {
 }
 
 void Ligar(sqlite3_stmt* sentencia, int indice, const mdb::Dato& dato) {
+  int rc = SQLITE_OK;
   std::visit(
       [&](const auto& v) {
         using T = std::decay_t<decltype(v)>;
         if constexpr (std::is_same_v<T, base::Nulo>) {
-          sqlite3_bind_null(sentencia, indice);
+          rc = sqlite3_bind_null(sentencia, indice);
         } else if constexpr (std::is_same_v<T, bool>) {
-          sqlite3_bind_int(sentencia, indice, v ? -1 : 0);
+          rc = sqlite3_bind_int(sentencia, indice, v ? -1 : 0);
         } else if constexpr (std::is_same_v<T, std::int64_t>) {
-          sqlite3_bind_int64(sentencia, indice, v);
+          rc = sqlite3_bind_int64(sentencia, indice, v);
         } else if constexpr (std::is_same_v<T, std::string>) {
-          sqlite3_bind_text64(sentencia, indice, v.data(), v.size(), SQLITE_STATIC, SQLITE_UTF8);
+          rc = sqlite3_bind_text64(sentencia, indice, v.data(), v.size(), SQLITE_STATIC, SQLITE_UTF8);
         } else if constexpr (std::is_same_v<T, mdb::Bytes>) {
           // A null pointer would bind Null.
           if (v.empty())
-            sqlite3_bind_zeroblob(sentencia, indice, 0);
+            rc = sqlite3_bind_zeroblob(sentencia, indice, 0);
           else
-            sqlite3_bind_blob64(sentencia, indice, v.data(), v.size(), SQLITE_STATIC);
+            rc = sqlite3_bind_blob64(sentencia, indice, v.data(), v.size(), SQLITE_STATIC);
         } else if constexpr (std::is_same_v<T, mdb::Guid>) {
           const std::string texto = v.Texto();
-          sqlite3_bind_text64(sentencia, indice, texto.data(), texto.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+          rc = sqlite3_bind_text64(sentencia, indice, texto.data(), texto.size(), SQLITE_TRANSIENT,
+                                   SQLITE_UTF8);
         } else {
-          sqlite3_bind_double(sentencia, indice, NumeroDe(dato));
+          rc = sqlite3_bind_double(sentencia, indice, NumeroDe(dato));
         }
       },
       dato);
+  NeedMemory(rc);
 }
 
 bool MismoValor(const mdb::Dato& dato, sqlite3_stmt* fila, int columna) {

@@ -6,6 +6,8 @@
 namespace engine_mdb {
 namespace {
 
+constexpr const char* kUndone = "Un error anterior deshizo la transacción: nada de ella quedó guardado.";
+
 base::Orden OrdenDe(std::uint16_t lcid) {
   if (lcid == 3082) return base::Orden::EspanolModerno;
   return lcid == 1034 ? base::Orden::EspanolTradicional : base::Orden::General;
@@ -76,24 +78,24 @@ void ConexionMdb::Iniciar(std::unique_ptr<mdb::Base> base) {
 }
 
 void ConexionMdb::VerCambiosAjenos() {
-  if (abierta_abajo_ || !base_->Hojas().CambioAfuera()) return;
-  auto nueva = ComoErrorDeBase([&] {
-    return mdb::Base::Abrir(ruta_, {opciones_.solo_lectura, opciones_.contrasena});
+  if (abierta_abajo_) return;
+  db::AsConnectionErrors([&] {
+    if (!base_->Hojas().CambioAfuera()) return;
+    auto nueva = mdb::Base::Abrir(ruta_, {opciones_.solo_lectura, opciones_.contrasena});
+    Cerrar();
+    Iniciar(std::move(nueva));
   });
-  Cerrar();
-  Iniciar(std::move(nueva));
 }
 
 bool ConexionMdb::ConseguirEscritura() {
   if (abierta_abajo_ || opciones_.solo_lectura || base_->MotivoSoloLectura().empty()) return false;
-  std::unique_ptr<mdb::Base> nueva;
-  base::ErrorIgnorado("ConseguirEscritura", nullptr, [&] {
-    nueva = mdb::Base::Abrir(ruta_, {false, opciones_.contrasena});
+  return db::AsConnectionErrors([&] {
+    auto nueva = mdb::Base::Abrir(ruta_, {false, opciones_.contrasena});
+    if (!nueva->MotivoSoloLectura().empty()) return false;
+    Cerrar();
+    Iniciar(std::move(nueva));
+    return true;
   });
-  if (nueva == nullptr || !nueva->MotivoSoloLectura().empty()) return false;
-  Cerrar();
-  Iniciar(std::move(nueva));
-  return true;
 }
 
 void ConexionMdb::Cerrar() {
@@ -102,17 +104,18 @@ void ConexionMdb::Cerrar() {
   espejo_ = {};
   fuente_.reset();
   base_.reset();
+  ForgetMark();
   en_transaccion_ = abierta_abajo_ = definio_ = false;
 }
 
 void ConexionMdb::VerificarAbierta() const {
-  if (base_ == nullptr) throw db::Error("La base no está abierta.");
+  if (base_ == nullptr) throw db::Error(base::StorageFault("La base no está abierta."));
   if (abierta_abajo_ && sqlite3_get_autocommit(espejo_.base) != 0)
-    throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
+    throw db::Error(base::StorageFault(kUndone));
 }
 
 void ConexionMdb::Comenzar() {
-  if (const std::string motivo = MotivoDeNoEscribir(*base_); !motivo.empty()) throw db::Error(motivo);
+  if (const std::string motivo = MotivoDeNoEscribir(*base_); !motivo.empty()) throw BaseNotWritable(motivo);
   fuente_->GuardarEstado();
   espejo_.conexion->BeginTrans();
   abierta_abajo_ = true;
@@ -123,7 +126,7 @@ void ConexionMdb::Comenzar() {
 void ConexionMdb::Confirmar() {
   bool habia = false, escribiendo = false;
   try {
-    ComoErrorDeBase([&] {
+    db::AsConnectionErrors([&] {
       fuente_->EscribirCambios();
       habia = base_->Hojas().HayCambios();
       escribiendo = true;
@@ -136,12 +139,14 @@ void ConexionMdb::Confirmar() {
   }
   espejo_.conexion->CommitTrans();
   abierta_abajo_ = definio_ = false;
+  ForgetMark();
   fuente_->Asentar(true);
   if (habia) ++contadores_.confirmaciones;
 }
 
 void ConexionMdb::Deshacer() {
   abierta_abajo_ = false;
+  ForgetMark();
   base_->Deshacer();
   espejo_.conexion->RollbackTrans();
   fuente_->VolverAlEstado();
@@ -164,7 +169,7 @@ void ConexionMdb::CommitTrans() {
   en_transaccion_ = false;
   if (sqlite3_get_autocommit(espejo_.base) != 0) {
     Deshacer();
-    throw db::Error("Un error anterior deshizo la transacción: nada de ella quedó guardado.");
+    throw db::Error(base::StorageFault(kUndone));
   }
   Confirmar();
 }
@@ -177,28 +182,63 @@ void ConexionMdb::RollbackTrans() {
 
 void ConexionMdb::SetSavepoint() {
   VerificarAbierta();
-  espejo_.conexion->SetSavepoint();
+  if (!en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
+  db::AsConnectionErrors([&] {
+    espejo_.conexion->SetSavepoint();
+    fuente_->SetMark();
+  });
+  pages_at_mark_.reset();
+  defined_at_mark_ = definio_;
+  marked_ = true;
 }
 
 void ConexionMdb::RollbackToSavepoint() {
   VerificarAbierta();
+  if (!marked_) throw db::Error("No hay ninguna marca en la transacción.");
+  try {
+    db::AsConnectionErrors([&] { ReturnToMark(); });
+  } catch (const db::Error& e) {
+    if (e.IsStorageFault()) throw;
+    throw db::Error(base::StorageFault("No se pudo deshacer la sentencia. " + e.Descripcion()));
+  }
+}
+
+void ConexionMdb::ReturnToMark() {
   espejo_.conexion->RollbackToSavepoint();
+  if (pages_at_mark_) {
+    base_->Volver(std::move(*pages_at_mark_));
+    pages_at_mark_.reset();
+    engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
+  }
+  fuente_->ReturnToMark();
+  definio_ = defined_at_mark_;
+  if (!fuente_->AnythingToRenew()) return;
+  espejo_.conexion->ReleaseSavepoint();
+  fuente_->Renew();
+  espejo_.conexion->SetSavepoint();
+  fuente_->SetMark();
 }
 
 void ConexionMdb::ReleaseSavepoint() {
   VerificarAbierta();
+  if (!marked_) throw db::Error("No hay ninguna marca en la transacción.");
   espejo_.conexion->ReleaseSavepoint();
+  ForgetMark();
+}
+
+void ConexionMdb::ForgetMark() {
+  marked_ = false;
+  pages_at_mark_.reset();
+  if (fuente_ != nullptr) fuente_->ForgetMark();
 }
 
 db::Recordset ConexionMdb::EjecutarComo(std::string_view sql, bool solo_consulta) {
   VerificarAbierta();
   VerCambiosAjenos();
-  const std::string motivo = MotivoDeNoEscribir(*base_);
-  if (motivo.empty()) return Correr(sql, solo_consulta);
   try {
     return Correr(sql, solo_consulta);
-  } catch (const db::Error& e) {
-    if (e.Descripcion() != motivo || !ConseguirEscritura()) throw;
+  } catch (const BaseNotWritable&) {
+    if (!ConseguirEscritura()) throw;
   }
   return Correr(sql, solo_consulta);
 }
@@ -206,7 +246,7 @@ db::Recordset ConexionMdb::EjecutarComo(std::string_view sql, bool solo_consulta
 db::Recordset ConexionMdb::Correr(std::string_view sql, bool solo_consulta) {
   afectadas_ = 0;
   fuente_->Empezar();
-  return ComoErrorDeBase([&] {
+  return db::AsConnectionErrors([&] {
     if (!solo_consulta && ParecePorDefinir(sql)) {
       jetsql::Sentencia sentencia = jetsql::Analizar(sql, jetsql::Literales::EnTexto);
       if (EsDefinicion(sentencia)) return CorrerDefinicion(sql, sentencia);
@@ -221,6 +261,7 @@ db::Recordset ConexionMdb::CorrerFilas(std::string_view sql, bool solo_consulta)
     filas = budget_ != nullptr ? espejo_.conexion->QueryBounded(sql, *budget_)
             : solo_consulta    ? espejo_.conexion->Consultar(sql)
                                : espejo_.conexion->Ejecutar(sql);
+    fuente_->CheckNoted();
   } catch (const base::Error&) {
     if (abierta_abajo_ && !en_transaccion_) Deshacer();
     throw;
@@ -237,7 +278,7 @@ db::Recordset ConexionMdb::CorrerFilas(std::string_view sql, bool solo_consulta)
 }
 
 std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones) {
-  return ComoErrorDeBase([&]() -> std::unique_ptr<db::Connection> {
+  return db::AsConnectionErrors([&]() -> std::unique_ptr<db::Connection> {
     return std::make_unique<ConexionMdb>(mdb::Base::Abrir(ruta, {opciones.solo_lectura, opciones.contrasena}),
                                          ruta, opciones);
   });

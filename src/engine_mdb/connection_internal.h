@@ -1,26 +1,14 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "engine_mdb/source_internal.h"
 #include "jetsql/parser.h"
 
 namespace engine_mdb {
-
-// Failures of the layers below as those of a connection.
-template <typename Paso>
-decltype(auto) ComoErrorDeBase(Paso&& paso) {
-  try {
-    return std::forward<Paso>(paso)();
-  } catch (const db::Error&) {
-    throw;
-  } catch (const base::Error& e) {
-    throw db::Error(e);
-  }
-}
 
 class ConexionMdb final : public db::Connection {
  public:
@@ -64,6 +52,8 @@ class ConexionMdb final : public db::Connection {
   void Comenzar();
   void Confirmar();
   void Deshacer();
+  void ReturnToMark();
+  void ForgetMark();
 
   // Definition statements (definitions.cpp).
   db::Recordset CorrerDefinicion(std::string_view sql, jetsql::Sentencia& sentencia);
@@ -99,6 +89,12 @@ class ConexionMdb final : public db::Connection {
   bool en_transaccion_ = false;        // of BeginTrans
   bool abierta_abajo_ = false;         // a transaction of SQLite is open, ours or BeginTrans's
   bool definio_ = false;               // a definition ran in it
+
+  // The mark inside the transaction. The pages change in definitions alone: those of the mark are kept when
+  // the first one after it runs.
+  bool marked_ = false;
+  bool defined_at_mark_ = false;
+  std::optional<mdb::Paginas::Punto> pages_at_mark_;
 };
 
 }  // namespace engine_mdb

@@ -174,6 +174,10 @@ void ConexionMdb::Ensayar(std::string_view sql) {
 // to here, and out of a transaction the whole statement is one.
 db::Recordset ConexionMdb::CorrerDefinicion(std::string_view sql, jetsql::Sentencia& sentencia) {
   if (!abierta_abajo_) Comenzar();
+  if (marked_ && !pages_at_mark_) {
+    fuente_->KeepForMark();
+    pages_at_mark_ = base_->Hojas().Guardar();
+  }
   try {
     // A table that is refused must not leave those before it in the pages: they would be written again.
     VolverSiFalla([&] { fuente_->EscribirCambios(); });
@@ -367,7 +371,7 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::ConsultaPtr& s) {
 }
 
 std::unique_ptr<db::Connection> Crear(std::string_view ruta, const Opciones& opciones, std::uint16_t orden) {
-  return ComoErrorDeBase([&]() -> std::unique_ptr<db::Connection> {
+  return db::AsConnectionErrors([&]() -> std::unique_ptr<db::Connection> {
     engine_sqlite::Opciones reloj;
     reloj.reloj = opciones.reloj;
     const db::Recordset ahora = engine_sqlite::Abrir(":memory:", reloj)->Ejecutar("SELECT Now()");

@@ -110,6 +110,16 @@ void GuidNuevo(sqlite3_context* contexto, int, sqlite3_value**) {
   sqlite3_result_text64(contexto, texto.data(), texto.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
+// SQLite is no place for exceptions to pass through.
+template <void (*Body)(sqlite3_context*, int, sqlite3_value**)>
+void Guarded(sqlite3_context* contexto, int n, sqlite3_value** valores) {
+  try {
+    Body(contexto, n, valores);
+  } catch (const std::bad_alloc&) {
+    sqlite3_result_error_nomem(contexto);
+  }
+}
+
 struct Funcion {
   const char* nombre;
   int argumentos;
@@ -117,11 +127,11 @@ struct Funcion {
   void (*funcion)(sqlite3_context*, int, sqlite3_value**);
 };
 constexpr Funcion kFunciones[] = {
-    {"idm_siguiente", 1, false, Siguiente}, {"idm_visto", 2, false, Visto},
-    {"idm_falla", 1, false, Falla},         {"idm_guid", 0, false, GuidNuevo},
-    {"idm_decimal", 4, true, Decimal},      {"idm_forma_guid", 2, true, FormaDeGuid},
-    {"idm_bytes", 3, true, FormaDeBytes},   {"idm_unidades", 1, true, Unidades},
-    {"idm_en_indice", 3, true, EnIndice},
+    {"idm_siguiente", 1, false, Siguiente},        {"idm_visto", 2, false, Visto},
+    {"idm_falla", 1, false, Guarded<Falla>},       {"idm_guid", 0, false, Guarded<GuidNuevo>},
+    {"idm_decimal", 4, true, Guarded<Decimal>},    {"idm_forma_guid", 2, true, Guarded<FormaDeGuid>},
+    {"idm_bytes", 3, true, Guarded<FormaDeBytes>}, {"idm_unidades", 1, true, Unidades},
+    {"idm_en_indice", 3, true, Guarded<EnIndice>},
 };
 
 }  // namespace

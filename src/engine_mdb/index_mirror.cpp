@@ -65,7 +65,8 @@ void CrearIndices(sqlite3* espejo, TablaEspejo& t) {
     try {
       engine_sqlite::EjecutarPropio(espejo, ("CREATE UNIQUE " + resto).c_str());
       if (!real.Requerido()) CrearIndicesConNulos(espejo, t, nombre, nombres);
-    } catch (const db::Error&) {
+    } catch (const db::Error& e) {
+      if (e.IsStorageFault()) throw;
       engine_sqlite::EjecutarPropio(espejo, ("CREATE " + resto).c_str());
       t.motivo = "La tabla " + t.info.nombre + " tiene valores repetidos en su índice " + nombre +
                  ", que no los admite: se puede leer, no escribir. Compacte y repare la base con Access.";

@@ -29,7 +29,7 @@ bool EsDeAccess(std::string_view conexion) {
 
 }  // namespace
 
-mdb::Base& Vinculos::Abrir(const mdb::Objeto& objeto) {
+std::shared_ptr<mdb::Base> Vinculos::Abrir(const mdb::Objeto& objeto) {
   const std::string quien = "La tabla vinculada " + objeto.nombre;
   if (!EsDeAccess(objeto.conexion))
     throw base::Error(quien + " no es de otra base de Access (" +
@@ -38,19 +38,20 @@ mdb::Base& Vinculos::Abrir(const mdb::Objeto& objeto) {
   const std::string guardada = objeto.base.empty() ? Valor(objeto.conexion, "DATABASE") : objeto.base;
   if (guardada.empty()) throw base::Error(quien + " no dice de qué archivo es.");
   auto& base = abiertos_[guardada];
-  if (base != nullptr) return *base;
+  if (base != nullptr) return base;
   // The path is that of the machine where the link was made; the file often travels with ours.
   std::string ruta = guardada;
   if (!base::ExisteArchivo(ruta)) ruta = base::UnirRuta(base::CarpetaDe(ruta_), NombreDeArchivo(guardada));
   if (!base::ExisteArchivo(ruta))
-    throw base::Error(quien + " es del archivo " + guardada + ", que no existe, ni está junto a la base.");
+    throw base::StorageFault(quien + " es del archivo " + guardada +
+                             ", que no existe, ni está junto a la base.");
   try {
     base = mdb::Base::Abrir(ruta, {true, Valor(objeto.conexion, "PWD")});
   } catch (const base::Error& e) {
     abiertos_.erase(guardada);
-    throw base::Error(quien + " no se puede leer: " + e.Descripcion());
+    throw base::StorageFault(quien + " no se puede leer: " + e.Descripcion());
   }
-  return *base;
+  return base;
 }
 
 }  // namespace engine_mdb

@@ -234,7 +234,7 @@ std::int64_t Llenar(sqlite3* espejo, TablaEspejo& t) {
     if (sqlite3_step(s) != SQLITE_DONE) {
       const std::string motivo = sqlite3_errmsg(espejo);
       sqlite3_reset(s);
-      throw base::Error("No se puede leer la tabla " + t.info.nombre + " (" + motivo + ").");
+      throw base::StorageFault("No se puede leer la tabla " + t.info.nombre + " (" + motivo + ").");
     }
     sqlite3_reset(s);
     filas->push_back(id);

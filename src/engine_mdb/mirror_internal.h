@@ -26,6 +26,8 @@ struct TablaEspejo {
   std::vector<std::size_t> columnas;  // positions in the definition, in the order shown
   jetsql::TablaInfo info;             // its name and columns for the dialect
   std::string motivo;                 // why its rows cannot be written; empty when they can
+  bool base_refuses = false;          // and that is so of every table of the base
+  std::shared_ptr<mdb::Base> linked;  // keeps `base` open when it is not ours
   int automatica = -1;                // in `columnas`, the autonumber; -1: none
 
   // What a rollback takes back, since SQLite takes back the tables, indexes and triggers that it speaks of.
@@ -36,9 +38,10 @@ struct TablaEspejo {
     std::int64_t ultimo_automatico = 0;
     std::shared_ptr<std::vector<mdb::IdFila>> filas;  // by number of the row; page 0: none of the file
   };
-  Estado estado, guardado;
+  Estado estado, guardado, at_mark;
 
   std::vector<sqlite3_int64> tocadas;  // rows written since the last write-back; may repeat
+  std::size_t touched_at_mark = 0;     // the first so many of them, until the next write-back
   engine_sqlite::Sentencia por_fila;   // reads a row by its number
 };
 

@@ -148,6 +148,7 @@ void FuenteMdb::VigilarFormas(const TablaEspejo& t) {
 // with a cascade whatever they need in turn.
 void FuenteMdb::Preparar(TablaEspejo& t, bool todo) {
   if (todo ? t.estado.listo_para_todo : t.estado.listo_para_insertar) return;
+  if (t.base_refuses) throw BaseNotWritable(t.motivo);
   if (!t.motivo.empty()) throw base::Error(t.motivo);
   Cargar(t);
   Indexar(t);

@@ -70,8 +70,17 @@ int FuenteMdb::Autorizar(void* fuente, int accion, const char* tabla, const char
 void FuenteMdb::AlCambiar(void* fuente, int, const char* base, const char* tabla, sqlite3_int64 fila) {
   auto& f = *static_cast<FuenteMdb*>(fuente);
   if (f.propio_ || std::string_view(base) != "main") return;
-  if (f.ultima_ == nullptr || f.ultima_->info.nombre != tabla) f.ultima_ = f.Buscar(tabla);
-  if (f.ultima_ != nullptr) f.ultima_->tocadas.push_back(fila);
+  try {
+    if (f.ultima_ == nullptr || f.ultima_->info.nombre != tabla) f.ultima_ = f.Buscar(tabla);
+    if (f.ultima_ == nullptr) return;
+    f.ultima_->tocadas.push_back(fila);
+  } catch (const std::bad_alloc&) {  // SQLite takes no failure from here
+    f.unnoted_ = true;
+  }
+}
+
+void FuenteMdb::CheckNoted() const {
+  if (unnoted_) throw base::StorageFault(base::kOutOfMemory);
 }
 
 TablaEspejo* FuenteMdb::Buscar(std::string_view nombre) const {
@@ -79,20 +88,25 @@ TablaEspejo* FuenteMdb::Buscar(std::string_view nombre) const {
   return it == tablas_.end() ? nullptr : it->second.get();
 }
 
-std::string FuenteMdb::MotivoDe(const mdb::Objeto& objeto, const TablaEspejo& t) const {
-  if (objeto.tipo != mdb::Objeto::Tabla)
-    return "La tabla " + objeto.nombre + " está vinculada a otro archivo (" + objeto.base +
-           "): desde aquí se puede leer, no escribir.";
-  if (std::string motivo = MotivoDeNoEscribir(base_); !motivo.empty()) return motivo;
-  if (objeto.DeSistema()) return "La tabla " + objeto.nombre + " es del sistema: se puede leer, no escribir.";
-  std::string motivo = mdb::MotivoNoEscribible(base_.Cab(), t.definicion);
-  if (!motivo.empty()) motivo = "La tabla " + objeto.nombre + " no se puede escribir: " + motivo;
-  return motivo;
+void FuenteMdb::JudgeWriting(const mdb::Objeto& objeto, TablaEspejo& t) const {
+  const std::string tabla = "La tabla " + objeto.nombre;
+  if (objeto.tipo != mdb::Objeto::Tabla) {
+    t.motivo = tabla + " está vinculada a otro archivo (" + objeto.base +
+               "): desde aquí se puede leer, no escribir.";
+  } else if (std::string motivo = MotivoDeNoEscribir(base_); !motivo.empty()) {
+    t.motivo = std::move(motivo);
+    t.base_refuses = true;
+  } else if (objeto.DeSistema()) {
+    t.motivo = tabla + " es del sistema: se puede leer, no escribir.";
+  } else if (motivo = mdb::MotivoNoEscribible(base_.Cab(), t.definicion); !motivo.empty()) {
+    t.motivo = tabla + " no se puede escribir: " + motivo;
+  }
 }
 
-std::unique_ptr<TablaEspejo> FuenteMdb::Describir(const mdb::Objeto& objeto) const {
-  auto t = std::make_unique<TablaEspejo>();
-  t->base = objeto.tipo == mdb::Objeto::Tabla ? &base_ : &vinculos_.Abrir(objeto);
+std::shared_ptr<TablaEspejo> FuenteMdb::Describir(const mdb::Objeto& objeto) const {
+  auto t = std::make_shared<TablaEspejo>();
+  if (objeto.tipo != mdb::Objeto::Tabla) t->linked = vinculos_.Abrir(objeto);
+  t->base = t->linked != nullptr ? t->linked.get() : &base_;
   t->nombre_en_base = objeto.tipo == mdb::Objeto::Tabla ? objeto.nombre : objeto.nombre_externo;
   const auto definicion = t->base->Indice().Tabla(t->nombre_en_base);
   if (definicion == nullptr)
@@ -109,9 +123,9 @@ std::unique_ptr<TablaEspejo> FuenteMdb::Describir(const mdb::Objeto& objeto) con
       t->automatica = static_cast<int>(t->info.columnas.size());
     t->info.columnas.push_back({c.nombre, TipoDe(c.tipo)});
   }
-  t->motivo = MotivoDe(objeto, *t);
+  JudgeWriting(objeto, *t);
   t->estado.ultimo_automatico = t->definicion.ultimo_automatico;
-  t->guardado = t->estado;
+  t->guardado = t->at_mark = t->estado;
   return t;
 }
 
@@ -223,11 +237,17 @@ void FuenteMdb::GuardarEstado() {
 
 void FuenteMdb::VolverAlEstado() {
   por_asentar_.clear();
+  unnoted_ = false;
   for (auto& [clave, t] : tablas_) {
     t->estado = t->guardado;
     t->tocadas.clear();
-    if (!t->estado.cargada) t->por_fila.reset();
   }
+  AfterUndo();
+}
+
+void FuenteMdb::AfterUndo() {
+  for (auto& [clave, t] : tablas_)
+    if (!t->estado.cargada) t->por_fila.reset();
   std::erase_if(sin_indices_, [](const TablaEspejo* t) { return !t->estado.cargada; });
   for (auto& [clave, t] : tablas_)
     if (t->estado.cargada && !t->estado.indices &&
@@ -235,8 +255,65 @@ void FuenteMdb::VolverAlEstado() {
       sin_indices_.push_back(t.get());
 }
 
+void FuenteMdb::SetMark() {
+  tables_at_mark_.reset();
+  for (auto& [clave, t] : tablas_) {
+    t->at_mark = t->estado;
+    t->touched_at_mark = t->tocadas.size();
+  }
+}
+
+void FuenteMdb::KeepForMark() {
+  if (tables_at_mark_) return;
+  AtMark kept{tablas_, por_numero_, {}};
+  for (const TablaEspejo* t : por_numero_) {
+    kept.touched.emplace_back();
+    if (t != nullptr)
+      kept.touched.back().assign(t->tocadas.begin(),
+                                 t->tocadas.begin() + static_cast<std::ptrdiff_t>(t->touched_at_mark));
+  }
+  tables_at_mark_ = std::move(kept);
+}
+
+void FuenteMdb::ReturnToMark() {
+  to_renew_.clear();
+  pedidas_.clear();
+  unnoted_ = false;
+  if (tables_at_mark_) {
+    // Definitions are rare: what they dropped is back, the rest is read when it is named again.
+    tablas_ = std::move(tables_at_mark_->tables);
+    por_numero_ = std::move(tables_at_mark_->by_number);
+    for (auto& [clave, t] : tablas_)
+      t->tocadas = std::move(tables_at_mark_->touched[static_cast<std::size_t>(t->numero)]);
+    tables_at_mark_.reset();
+    consultas_.clear();
+    sin_indices_.clear();
+    ultima_ = nullptr;
+  } else {
+    for (auto& [clave, t] : tablas_) {
+      const TablaEspejo::Estado &now = t->estado, &then = t->at_mark;
+      t->tocadas.resize(t->touched_at_mark);
+      if (now.cargada != then.cargada || now.indices != then.indices ||
+          now.listo_para_insertar != then.listo_para_insertar || now.listo_para_todo != then.listo_para_todo)
+        to_renew_.push_back({t->info.nombre, now.indices, now.listo_para_insertar, now.listo_para_todo});
+    }
+  }
+  for (auto& [clave, t] : tablas_) t->estado = t->at_mark;
+  AfterUndo();
+}
+
+void FuenteMdb::Renew() {
+  for (const ToRenew& r : to_renew_) {
+    TablaEspejo& t = Local(r.table);
+    if (r.indexes) Indexar(t);
+    if (r.ready_to_insert || r.ready_for_all) Preparar(t, r.ready_for_all);
+  }
+  to_renew_.clear();
+}
+
 void FuenteMdb::Quitar(Tablas::iterator it) {
-  TablaEspejo* t = it->second.get();
+  const std::shared_ptr<TablaEspejo> kept = it->second;
+  TablaEspejo* t = kept.get();
   t->por_fila.reset();
   if (t->estado.cargada) {
     const Propio propio(propio_);

@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -22,16 +23,23 @@ class Vinculos {
  public:
   explicit Vinculos(std::string ruta) : ruta_(std::move(ruta)) {}
   // Throws base::Error, naming the link, when it leads to another kind of source or its file cannot be read.
-  mdb::Base& Abrir(const mdb::Objeto& objeto);
+  std::shared_ptr<mdb::Base> Abrir(const mdb::Objeto& objeto);
   void Olvidar() { abiertos_.clear(); }
 
  private:
   std::string ruta_;  // of our file
-  std::map<std::string, std::unique_ptr<mdb::Base>> abiertos_;
+  std::map<std::string, std::shared_ptr<mdb::Base>> abiertos_;
 };
 
 // Why nothing can be written into a base, as a sentence; empty when it can.
 std::string MotivoDeNoEscribir(const mdb::Base& base);
+
+// A statement that would write into a base of which that is known since it was opened: nothing was lost, and
+// the base may be tried again.
+class BaseNotWritable : public db::Error {
+ public:
+  using db::Error::Error;
+};
 
 class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
  public:
@@ -59,6 +67,19 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   void GuardarEstado();
   void VolverAlEstado();
   bool HayCambios() const;
+  // Throws a fault of the storage when a change could not be noted.
+  void CheckNoted() const;
+
+  // The mark inside a transaction. ReturnToMark is called when SQLite and the pages are back there. What had
+  // been read, indexed or made ready since was undone with the rest: `renew` is run where the mark does not
+  // stand, and makes it anew, so that a line that is refused again and again does not read a table each time.
+  void SetMark();
+  void ForgetMark() { tables_at_mark_.reset(); }
+  // Before the first definition after the mark, which drops mirrors that an undo needs again.
+  void KeepForMark();
+  void ReturnToMark();
+  bool AnythingToRenew() const { return !to_renew_.empty(); }
+  void Renew();
   // Brings the file's pages to what the mirrors hold; the rows' new identities wait for Asentar, `definitivo`
   // when the transaction has ended.
   void EscribirCambios();
@@ -76,12 +97,12 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   void ProbarClave(int tabla, int columna, const std::string& texto) const;
 
  private:
-  using Tablas = std::unordered_map<std::string, std::unique_ptr<TablaEspejo>>;
+  using Tablas = std::unordered_map<std::string, std::shared_ptr<TablaEspejo>>;
 
   void RegistrarFunciones();
   TablaEspejo* Buscar(std::string_view nombre) const;
-  std::unique_ptr<TablaEspejo> Describir(const mdb::Objeto& objeto) const;
-  std::string MotivoDe(const mdb::Objeto& objeto, const TablaEspejo& tabla) const;
+  std::shared_ptr<TablaEspejo> Describir(const mdb::Objeto& objeto) const;
+  void JudgeWriting(const mdb::Objeto& objeto, TablaEspejo& tabla) const;
   void Cargar(TablaEspejo& tabla);
   void Indexar(TablaEspejo& tabla);
   void AtenderPendientes();
@@ -94,6 +115,7 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   TablaEspejo& Local(const std::string& nombre);
   void EscribirTabla(TablaEspejo& tabla);
   void Quitar(Tablas::iterator it);
+  void AfterUndo();
 
   static void AlCambiar(void* fuente, int que, const char* base, const char* tabla, sqlite3_int64 fila);
   static int Autorizar(void* fuente, int accion, const char* a, const char* b, const char* c, const char* d);
@@ -110,6 +132,13 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   sqlite3* espejo_ = nullptr;
   std::function<void()> al_escribir_;
 
+  // What the mirrors were at the mark, when a definition ran after it.
+  struct AtMark {
+    Tablas tables;
+    std::vector<TablaEspejo*> by_number;
+    std::vector<std::vector<sqlite3_int64>> touched;  // by number
+  };
+
   mutable Tablas tablas_;  // by name in lower case
   mutable std::vector<TablaEspejo*> por_numero_;
   mutable std::unordered_map<std::string, std::string> consultas_;
@@ -117,6 +146,14 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   std::vector<TablaEspejo*> sin_indices_;      // large ones, read so far without
   int sentencias_ = 0;                         // run since the last of those was read
   std::vector<Identidad> por_asentar_;
+  std::optional<AtMark> tables_at_mark_;
+  // Names of tables that were read, and written, since the mark that was gone back to.
+  struct ToRenew {
+    std::string table;
+    bool indexes = false, ready_to_insert = false, ready_for_all = false;
+  };
+  std::vector<ToRenew> to_renew_;
+  bool unnoted_ = false;  // a change that there was no memory to note
   bool ensaya_ = false;
   bool propio_ = false;            // what runs is ours: not noted as a change
   TablaEspejo* ultima_ = nullptr;  // of the last change noted

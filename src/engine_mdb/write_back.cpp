@@ -39,8 +39,8 @@ mdb::Fila FilaNueva(const TablaEspejo& t, sqlite3_stmt* s) {
 mdb::CambioDeFila Diferencia(TablaEspejo& t, mdb::IdFila id, sqlite3_stmt* s) {
   const auto vieja = mdb::LeerFila(t.base->Hojas(), t.definicion, id);
   if (!vieja)
-    throw base::Error("Una fila de la tabla " + t.info.nombre + " ya no está en el archivo (página " +
-                      std::to_string(id.pagina) + ").");
+    throw base::StorageFault("Una fila de la tabla " + t.info.nombre + " ya no está en el archivo (página " +
+                             std::to_string(id.pagina) + ").");
   mdb::CambioDeFila cambio{id, {}};
   for (std::size_t i = 0; i < t.columnas.size(); ++i) {
     const std::size_t c = t.columnas[i];
@@ -92,6 +92,7 @@ void FuenteMdb::EscribirTabla(TablaEspejo& t) {
 
 void FuenteMdb::EscribirCambios() {
   por_asentar_.clear();
+  CheckNoted();
   for (auto& [clave, t] : tablas_)
     if (!t->tocadas.empty()) EscribirTabla(*t);
 }
@@ -100,7 +101,10 @@ void FuenteMdb::EscribirCambios() {
 // before they change.
 void FuenteMdb::Asentar(bool definitivo) {
   if (definitivo)
-    for (auto& [clave, t] : tablas_) t->guardado.filas.reset();
+    for (auto& [clave, t] : tablas_) {
+      t->guardado.filas.reset();
+      t->at_mark.filas.reset();
+    }
   for (const Identidad& i : por_asentar_) {
     auto& filas = i.tabla->estado.filas;
     if (filas.use_count() > 1) filas = std::make_shared<std::vector<mdb::IdFila>>(*filas);
