@@ -15,6 +15,7 @@ constexpr const char* kCerrada = "La base no está abierta.";
 constexpr const char* kPerdida =
     "Se perdió la conexión con la base: hay que volver a abrirla. Lo que no estaba confirmado no quedó "
     "guardado.";
+constexpr const char* kUndone = "Un error anterior deshizo la transacción: nada de ella quedó guardado.";
 constexpr const char* kSinTransaccion = "No hay ninguna transacción abierta.";
 
 // unixODBC spoils an accent of this text alone, because it does not know yet what the driver takes: it gets
@@ -69,7 +70,7 @@ void ConexionOdbc::Conectar(std::string_view cadena, const Opciones& opciones) {
                        SQL_IS_UINTEGER);
 
   if (!SQL_SUCCEEDED(MandarCadena(enlace_.Crudo(), cadena)))
-    throw ErrorDe(Diagnosticos(SQL_HANDLE_DBC, enlace_.Crudo()), kNoConecta);
+    throw FaultOf(Diagnosticos(SQL_HANDLE_DBC, enlace_.Crudo()), kNoConecta);
   conectada_ = true;
   SQLUSMALLINT alcance = SQL_TC_NONE;
   con_transacciones_ =
@@ -87,6 +88,7 @@ void ConexionOdbc::Desconectar() {
   }
   conectada_ = false;
   en_transaccion_ = false;
+  EndOfTransaction();
   enlace_.Soltar();
   ambiente_.Soltar();
 }
@@ -106,18 +108,28 @@ void ConexionOdbc::Perder() {
 }
 
 void ConexionOdbc::Fallar(SQLSMALLINT que, SQLHANDLE manejador, std::string_view si_nada) {
-  const std::vector<Diagnostico> diagnosticos = Diagnosticos(que, manejador);
+  Fail(que, manejador, si_nada, false);
+}
+
+void ConexionOdbc::FailForGood(std::string_view if_nothing) {
+  Fail(SQL_HANDLE_DBC, enlace_.Crudo(), if_nothing, true);
+}
+
+void ConexionOdbc::Fail(SQLSMALLINT what, SQLHANDLE handle, std::string_view if_nothing, bool for_good) {
+  const std::vector<Diagnostico> diagnosticos = Diagnosticos(what, handle);
   const bool muerta = EstaMuerta();
-  const db::Error error = ErrorDe(diagnosticos, muerta ? kSePerdio : si_nada);
-  if (muerta || EsDePerdida(error)) Perder();
+  const std::string_view text = muerta ? kSePerdio : if_nothing;
+  const OdbcError error = muerta || for_good ? FaultOf(diagnosticos, text) : ErrorDe(diagnosticos, text);
+  if (muerta || error.Lost()) Perder();
   throw error;
 }
 
 void ConexionOdbc::VerificarUtil() {
-  if (!conectada_) throw db::Error(perdida_ ? kPerdida : kCerrada);
+  if (!conectada_) throw db::Error(base::StorageFault(perdida_ ? kPerdida : kCerrada));
+  if (undone_) throw db::Error(base::StorageFault(kUndone));
   // After a transaction that could not be left, what runs next would belong to nobody's commit.
   if (!en_transaccion_ && !autocommit_ && !Autocommit(true))
-    Fallar(SQL_HANDLE_DBC, enlace_.Crudo(), "La base no pudo salir de la transacción anterior");
+    FailForGood("La base no pudo salir de la transacción anterior");
 }
 
 bool ConexionOdbc::Autocommit(bool si) {
@@ -136,42 +148,54 @@ void ConexionOdbc::BeginTrans() {
     throw db::Error(
         "El driver ODBC de esta base no admite transacciones: no se puede escribir en ella sin riesgo de que "
         "quede a medias.");
-  if (!Autocommit(false)) Fallar(SQL_HANDLE_DBC, enlace_.Crudo(), "La base no pudo empezar una transacción");
+  if (!Autocommit(false)) FailForGood("La base no pudo empezar una transacción");
+  EndOfTransaction();
   en_transaccion_ = true;
 }
 
 void ConexionOdbc::CommitTrans() {
-  if (!en_transaccion_) throw db::Error(perdida_ ? kPerdida : kSinTransaccion);
+  NeedTransaction();
+  if (undone_) {
+    RollbackTrans();
+    throw db::Error(base::StorageFault(kUndone));
+  }
   if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, enlace_.Crudo(), SQL_COMMIT)))
-    Fallar(SQL_HANDLE_DBC, enlace_.Crudo(), "La base no pudo guardar la transacción");
+    FailForGood("La base no pudo guardar la transacción");
   en_transaccion_ = false;
+  EndOfTransaction();
   Autocommit(true);  // when it fails the next statement tries again, and says so
 }
 
 void ConexionOdbc::RollbackTrans() {
-  if (!en_transaccion_) throw db::Error(perdida_ ? kPerdida : kSinTransaccion);
+  NeedTransaction();
+  RollBackAll();
+  en_transaccion_ = false;
+  EndOfTransaction();
+  Autocommit(true);
+}
+
+void ConexionOdbc::NeedTransaction() const {
+  if (en_transaccion_) return;
+  if (perdida_) throw db::Error(base::StorageFault(kPerdida));
+  throw db::Error(kSinTransaccion);
+}
+
+void ConexionOdbc::RollBackAll() {
   catalogo_.Olvidar();  // a definition may go, too
   sin_tocar_.clear();
   if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, enlace_.Crudo(), SQL_ROLLBACK))) {
     // To leave the transaction any other way would keep what it wrote.
-    const db::Error error =
-        ErrorDe(Diagnosticos(SQL_HANDLE_DBC, enlace_.Crudo()), "La base no pudo deshacer la transacción");
+    const OdbcError error =
+        FaultOf(Diagnosticos(SQL_HANDLE_DBC, enlace_.Crudo()), "La base no pudo deshacer la transacción");
     Perder();
     throw error;
   }
-  en_transaccion_ = false;
-  Autocommit(true);
 }
-
-void ConexionOdbc::SetSavepoint() {}
-void ConexionOdbc::RollbackToSavepoint() {
-  throw db::Error("El driver ODBC de esta base no deshace una sentencia sola.", 0, {},
-                  base::ErrorKind::Storage);
-}
-void ConexionOdbc::ReleaseSavepoint() {}
 
 std::unique_ptr<db::Connection> Abrir(std::string_view cadena_de_conexion, const Opciones& opciones) {
-  return std::make_unique<ConexionOdbc>(cadena_de_conexion, opciones);
+  return db::AsConnectionErrors([&]() -> std::unique_ptr<db::Connection> {
+    return std::make_unique<ConexionOdbc>(cadena_de_conexion, opciones);
+  });
 }
 
 }  // namespace engine_odbc

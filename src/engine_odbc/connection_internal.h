@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 #include "engine_odbc/bounded_internal.h"
 #include "engine_odbc/catalog_internal.h"
@@ -45,6 +46,20 @@ class ConexionOdbc final : public db::Connection {
   void Perder();
   // Throws what the driver says; a failure that means the loss of the connection closes it.
   [[noreturn]] void Fallar(SQLSMALLINT que, SQLHANDLE manejador, std::string_view si_nada);
+  // The same for what is no statement: the run cannot go on.
+  [[noreturn]] void FailForGood(std::string_view if_nothing);
+  [[noreturn]] void Fail(SQLSMALLINT what, SQLHANDLE handle, std::string_view if_nothing, bool for_good);
+
+  // Savepoints (savepoint.cpp).
+  bool RunOwn(const char* sql);
+  void Replay();
+  // A statement that changed something in the open transaction.
+  void NoteChange(const std::string& text, SQLLEN rows);
+  void NeedTransaction() const;
+  void RollBackAll();
+  void EndOfTransaction();
+  void OpenCursor();
+  SQLLEN RowCount() const;  // of the last statement; -1 when the driver does not know
 
   // In the order in which they are needed: the driver manager frees from the inside out.
   Ambiente ambiente_;
@@ -60,6 +75,19 @@ class ConexionOdbc final : public db::Connection {
   bool con_transacciones_ = false;  // what the driver says of itself
   bool en_transaccion_ = false;
   bool autocommit_ = true;
+
+  // Whether the driver undoes to a savepoint by itself: not known before the first one. Where it does not,
+  // the changes of the transaction, to be run again.
+  std::optional<bool> own_savepoints_;
+  struct Change {
+    std::string text;
+    SQLLEN rows = -1;
+  };
+  std::vector<Change> changes_;
+  bool marked_ = false;
+  bool undone_ = false;       // what the transaction did is gone, and it was not ended by a rollback
+  SQLLEN rows_of_last_ = -1;  // that changed
+  std::size_t mark_ = 0;      // how many changes stand before the mark
   std::optional<bool> pierde_caracteres_;  // asked when a text has one that might be lost
 };
 

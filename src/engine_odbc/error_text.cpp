@@ -1,5 +1,7 @@
 // The failures of a driver in the operator's words.
+#include <algorithm>
 #include <array>
+#include <cstdint>
 
 #include "base/text.h"
 #include "engine_odbc/odbc_internal.h"
@@ -8,7 +10,7 @@ namespace engine_odbc {
 namespace {
 
 constexpr std::string_view kFuente = "ODBC";
-constexpr std::string_view kFuentePerdida = "ODBC 08";
+constexpr std::string_view kConnection = "08";  // the states of a lost connection
 
 struct Frase {
   std::string_view estado;  // how the state begins
@@ -62,9 +64,36 @@ constexpr std::array kFrases = {
     Frase{"01000", "No se pudo cargar el driver ODBC"},  // unixODBC, when the library does not open
 };
 
+// States of the storage: the connection and its times, memory, transactions that could not go on, what the
+// server calls its resources, its files and itself, and a base that turns out to be read-only in the middle
+// of a transaction.
+constexpr std::array<std::string_view, 14> kStorageStates = {
+    "08", "25", "40", "53", "55", "57", "58", "F0", "XX", "HYT", "S1T", "HY001", "S1001", "HY013"};
+// States that say nothing in particular.
+constexpr std::array<std::string_view, 2> kUnclearStates = {"HY000", "S1000"};
+// The Access driver gives nearly all that is not of SQL itself a state that says nothing, with the number of
+// its engine below zero: memory, bytes that are not what was written, the disk, access to the file, writes
+// and locks of others, a damaged file, a full disk, a file that is not there.
+constexpr std::array<std::int32_t, 13> kStorageNatives = {-1011, -1018, -1019, -1022, -1032, -1101, -1102,
+                                                          -1206, -1302, -1304, -1808, -1811, -1907};
+
+template <typename List>
+bool Begins(const std::string& state, const List& list) {
+  return std::any_of(list.begin(), list.end(), [&](auto s) { return base::EmpiezaCon(state, s); });
+}
+
+base::ErrorKind KindOf(const Diagnostico& d, base::ErrorKind if_unclear) {
+  if (Begins(d.estado, kStorageStates)) return base::ErrorKind::Storage;
+  if (!Begins(d.estado, kUnclearStates)) return base::ErrorKind::Statement;
+  const bool told =
+      std::find(kStorageNatives.begin(), kStorageNatives.end(), d.native) != kStorageNatives.end();
+  return told ? base::ErrorKind::Storage : if_unclear;
+}
+
 }  // namespace
 
-db::Error ErrorDe(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada) {
+OdbcError ErrorDe(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada,
+                  base::ErrorKind if_unclear) {
   std::string texto(si_nada);
   int numero = 0;
   if (!diagnosticos.empty()) {
@@ -85,9 +114,16 @@ db::Error ErrorDe(const std::vector<Diagnostico>& diagnosticos, std::string_view
   if (primero) texto += '.';
   std::string fuente(kFuente);
   if (!diagnosticos.empty()) fuente += " " + diagnosticos[0].estado;
-  return db::Error(texto, numero, fuente);
+  base::ErrorKind kind = diagnosticos.empty() ? if_unclear : base::ErrorKind::Statement;
+  for (const Diagnostico& d : diagnosticos)  // what follows the first one may be its cause
+    if (KindOf(d, if_unclear) == base::ErrorKind::Storage) kind = base::ErrorKind::Storage;
+  const bool lost = !diagnosticos.empty() && base::EmpiezaCon(diagnosticos[0].estado, kConnection);
+  return {std::move(texto), numero, std::move(fuente), kind, lost};
 }
 
-bool EsDePerdida(const db::Error& error) { return base::EmpiezaCon(error.Fuente(), kFuentePerdida); }
+OdbcError FaultOf(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada) {
+  const OdbcError e = ErrorDe(diagnosticos, si_nada);
+  return {e.Descripcion(), e.Numero(), e.Fuente(), base::ErrorKind::Storage, e.Lost()};
+}
 
 }  // namespace engine_odbc

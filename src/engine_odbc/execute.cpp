@@ -15,20 +15,6 @@ namespace {
 constexpr std::size_t kFormasRecordadas = 500;
 constexpr std::size_t kTextoMasLargo = 1U << 28;  // bytes; the driver manager counts with 32 bits
 
-// Leaves the cursor ready for the next statement, whatever happened in this one.
-class CerrarCursor {
- public:
-  explicit CerrarCursor(const Cursor& cursor) : cursor_(cursor) {}
-  CerrarCursor(const CerrarCursor&) = delete;
-  CerrarCursor& operator=(const CerrarCursor&) = delete;
-  ~CerrarCursor() {
-    if (cursor_) SQLFreeStmt(cursor_.Crudo(), SQL_CLOSE);  // gone when the connection was lost
-  }
-
- private:
-  const Cursor& cursor_;
-};
-
 bool EsDeDatos(std::string_view sql) {
   const std::size_t inicio = sql.find_first_not_of(" \t\r\n(");
   if (inicio == std::string_view::npos) return true;
@@ -47,17 +33,21 @@ bool TieneLejanos(std::string_view texto) {
 }  // namespace
 
 db::Recordset ConexionOdbc::Ejecutar(std::string_view sql) {
-  VerificarUtil();
-  afectadas_ = 0;
-  if (solo_lectura_) ComprobarQueSoloLee(sql);
-  return Correr(sql);
+  return db::AsConnectionErrors([&] {
+    VerificarUtil();
+    afectadas_ = 0;
+    if (solo_lectura_) ComprobarQueSoloLee(sql);
+    return Correr(sql);
+  });
 }
 
 db::Recordset ConexionOdbc::Consultar(std::string_view sql) {
-  VerificarUtil();
-  afectadas_ = 0;
-  ComprobarQueSoloLee(sql);
-  return Correr(sql);
+  return db::AsConnectionErrors([&] {
+    VerificarUtil();
+    afectadas_ = 0;
+    ComprobarQueSoloLee(sql);
+    return Correr(sql);
+  });
 }
 
 db::Recordset ConexionOdbc::QueryBounded(std::string_view sql, db::QueryBudget& budget) {
@@ -95,14 +85,9 @@ db::Recordset ConexionOdbc::Correr(std::string_view sql) {
     throw db::Error("La sentencia tiene un carácter nulo, que la base no admite.");
   if (sql.size() > kTextoMasLargo) throw db::Error("La sentencia es demasiado larga.");
   const std::string texto = TextoParaElDriver(sql);
-  if (!cursor_) {
-    cursor_ = CrearCursor(enlace_);
-    // Braces inside a text are the text's own. A driver that cannot be told so keeps its habit.
-    SQLSetStmtAttrW(cursor_.Crudo(), SQL_ATTR_NOSCAN, reinterpret_cast<SQLPOINTER>(SQL_NOSCAN_ON),
-                    SQL_IS_UINTEGER);
-  }
+  OpenCursor();
   StatementLimits limits(cursor_, budget_);
-  const CerrarCursor cerrar(cursor_);  // before the limits go: a driver may refuse to change them else
+  const CloseCursor close(cursor_);  // before the limits go: a driver may refuse to change them else
   const SQLRETURN rc = Mandar(texto);
   if (rc != SQL_NO_DATA && !SQL_SUCCEEDED(rc))  // no data: a change that found no row
     Fallar(SQL_HANDLE_STMT, cursor_.Crudo(), "La base no pudo ejecutar la sentencia");
@@ -111,7 +96,17 @@ db::Recordset ConexionOdbc::Correr(std::string_view sql) {
     sin_tocar_.clear();
   }
   if (rc == SQL_NO_DATA) return {nullptr, {}, std::string(sql)};
-  return Recoger(sql, limits);
+  const db::Recordset filas = Recoger(sql, limits);
+  if (filas.Campos().empty()) NoteChange(texto, rows_of_last_);
+  return filas;
+}
+
+void ConexionOdbc::OpenCursor() {
+  if (cursor_) return;
+  cursor_ = CrearCursor(enlace_);
+  // Braces inside a text are the text's own. A driver that cannot be told so keeps its habit.
+  SQLSetStmtAttrW(cursor_.Crudo(), SQL_ATTR_NOSCAN, reinterpret_cast<SQLPOINTER>(SQL_NOSCAN_ON),
+                  SQL_IS_UINTEGER);
 }
 
 SQLRETURN ConexionOdbc::Mandar(const std::string& texto) {
@@ -132,15 +127,21 @@ db::Recordset ConexionOdbc::Recoger(std::string_view sql, StatementLimits& limit
   try {
     Lector lector(cursor_.Crudo());
     if (lector.Columnas()->empty()) {
-      SQLLEN filas = 0;
-      if (SQL_SUCCEEDED(SQLRowCount(cursor_.Crudo(), &filas)) && filas > 0) afectadas_ = filas;
+      rows_of_last_ = RowCount();
+      if (rows_of_last_ > 0) afectadas_ = rows_of_last_;
       return {lector.Columnas(), {}, std::string(sql)};
     }
     return {lector.Columnas(), lector.Filas(&limits), std::string(sql)};
-  } catch (const db::Error& e) {
-    if (EsDePerdida(e) || EstaMuerta()) Perder();
-    throw;
+  } catch (const OdbcError& e) {
+    if (!e.Lost() && !EstaMuerta()) throw;
+    Perder();
+    throw db::Error(base::StorageFault(e.Descripcion(), e.Numero(), e.Fuente()));
   }
+}
+
+SQLLEN ConexionOdbc::RowCount() const {
+  SQLLEN rows = -1;
+  return SQL_SUCCEEDED(SQLRowCount(cursor_.Crudo(), &rows)) ? rows : -1;
 }
 
 }  // namespace engine_odbc

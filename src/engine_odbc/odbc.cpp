@@ -19,25 +19,25 @@ constexpr std::size_t kMasDiagnosticos = 50;  // a driver that never ends its li
 Ambiente CrearAmbiente() {
   SQLHANDLE crudo = nullptr;
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &crudo)))
-    throw db::Error(std::string(kSinRecursos) + ".");
+    throw db::Error(base::StorageFault(std::string(kSinRecursos) + "."));
   Ambiente ambiente(crudo);
   if (!SQL_SUCCEEDED(SQLSetEnvAttr(crudo, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3),
                                    SQL_IS_UINTEGER)))
-    throw ErrorDe(Diagnosticos(SQL_HANDLE_ENV, crudo), kSinRecursos);
+    throw FaultOf(Diagnosticos(SQL_HANDLE_ENV, crudo), kSinRecursos);
   return ambiente;
 }
 
 Enlace CrearEnlace(const Ambiente& padre) {
   SQLHANDLE crudo = nullptr;
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, padre.Crudo(), &crudo)))
-    throw ErrorDe(Diagnosticos(SQL_HANDLE_ENV, padre.Crudo()), kSinRecursos);
+    throw FaultOf(Diagnosticos(SQL_HANDLE_ENV, padre.Crudo()), kSinRecursos);
   return Enlace(crudo);
 }
 
 Cursor CrearCursor(const Enlace& padre) {
   SQLHANDLE crudo = nullptr;
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, padre.Crudo(), &crudo)))
-    throw ErrorDe(Diagnosticos(SQL_HANDLE_DBC, padre.Crudo()), "La base no pudo preparar una sentencia");
+    throw FaultOf(Diagnosticos(SQL_HANDLE_DBC, padre.Crudo()), "La base no pudo preparar una sentencia");
   return Cursor(crudo);
 }
 
@@ -110,7 +110,7 @@ std::vector<Diagnostico> Diagnosticos(SQLSMALLINT que, SQLHANDLE manejador) {
     std::replace_if(
         texto.begin(), texto.begin() + static_cast<std::ptrdiff_t>(fin), [](SQLWCHAR u) { return u < ' '; },
         SQLWCHAR{' '});
-    todos.push_back({DeAncho(estado, 5), DeAncho(texto.data(), fin)});
+    todos.push_back({DeAncho(estado, 5), DeAncho(texto.data(), fin), static_cast<std::int32_t>(nativo)});
   }
   return todos;
 }

@@ -4,6 +4,12 @@
 // A statement goes to the driver as it stands, so that the driver's own dialect decides what it means; only a
 // qualifier that names the base table under a derived table, which drivers refuse, is put right first. Date()
 // and Now() are the driver's clock.
+//
+// A savepoint is the driver's own where it understands SAVEPOINT. The Access driver does not: there going
+// back to the mark rolls the whole transaction back and runs again what had succeeded before the mark, which
+// takes as long as it took the first time (nothing, when no change succeeded after the mark), and needs
+// memory for the texts of the transaction's changes. A statement that then fails, or changes another number
+// of rows, is a fault of the storage.
 #pragma once
 
 #include <memory>

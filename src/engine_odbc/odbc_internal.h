@@ -57,6 +57,20 @@ Ambiente CrearAmbiente();
 Enlace CrearEnlace(const Ambiente& padre);
 Cursor CrearCursor(const Enlace& padre);
 
+// Leaves the cursor ready for the next statement, whatever happened in this one.
+class CloseCursor {
+ public:
+  explicit CloseCursor(const Cursor& cursor) : cursor_(cursor) {}
+  CloseCursor(const CloseCursor&) = delete;
+  CloseCursor& operator=(const CloseCursor&) = delete;
+  ~CloseCursor() {
+    if (cursor_) SQLFreeStmt(cursor_.Crudo(), SQL_CLOSE);  // gone when the connection was lost
+  }
+
+ private:
+  const Cursor& cursor_;
+};
+
 // UTF-16 as the driver manager takes it, with a NUL after its end.
 class TextoAncho {
  public:
@@ -91,13 +105,26 @@ bool PierdeCaracteres(SQLHANDLE enlace);
 struct Diagnostico {
   std::string estado;  // five characters
   std::string texto;
+  std::int32_t native = 0;  // the driver's own number
 };
 std::vector<Diagnostico> Diagnosticos(SQLSMALLINT que, SQLHANDLE manejador);
 
+class OdbcError : public db::Error {
+ public:
+  OdbcError(std::string texto, int numero, std::string fuente, base::ErrorKind kind, bool lost)
+      : db::Error(std::move(texto), numero, std::move(fuente), kind), lost_(lost) {}
+  bool Lost() const { return lost_; }  // the other side is gone
+
+ private:
+  bool lost_;
+};
+
 // What a failure means for the operator, in Spanish, with all that the driver said after it.
-//   si_nada   the phrase for a state that says nothing in particular
-db::Error ErrorDe(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada);
-// Whether a failure made by ErrorDe says that the other side is gone.
-bool EsDePerdida(const db::Error& error);
+//   si_nada     the phrase for a state that says nothing in particular
+//   if_unclear  its kind then, when the driver's own number does not tell it either
+OdbcError ErrorDe(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada,
+                  base::ErrorKind if_unclear = base::ErrorKind::Statement);
+// The same for a step after which the run cannot go on, whatever the state says.
+OdbcError FaultOf(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada);
 
 }  // namespace engine_odbc

@@ -24,7 +24,10 @@ Lector::Lector(SQLHANDLE cursor) : cursor_(cursor), pieza_(kPieza) {
   columnas_ = std::move(columnas);
 }
 
-void Lector::Lanzar() const { throw ErrorDe(Diagnosticos(SQL_HANDLE_STMT, cursor_), kNoSePuedeLeer); }
+// A result of which a part cannot be had is a fault, unless the driver says that a value was to blame.
+void Lector::Lanzar() const {
+  throw ErrorDe(Diagnosticos(SQL_HANDLE_STMT, cursor_), kNoSePuedeLeer, base::ErrorKind::Storage);
+}
 
 void Lector::Describir(SQLUSMALLINT i, db::Columnas& columnas) {
   SQLSMALLINT largo = 0, tipo = 0, decimales = 0, admite_nulo = 0;

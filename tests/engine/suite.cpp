@@ -12,6 +12,8 @@
 //   reopen           the same base, closed and opened again
 //   begin, commit, rollback
 //                    the transaction; "ok" or the failure
+//   savepoint, undo, release
+//                    the mark inside it, likewise
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -165,6 +167,9 @@ support::Verbos Preparar() {
   verbos["begin"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->BeginTrans(); }); };
   verbos["commit"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->CommitTrans(); }); };
   verbos["rollback"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->RollbackTrans(); }); };
+  verbos["savepoint"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->SetSavepoint(); }); };
+  verbos["undo"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->RollbackToSavepoint(); }); };
+  verbos["release"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->ReleaseSavepoint(); }); };
   return verbos;
 }
 

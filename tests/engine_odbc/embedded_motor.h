@@ -86,15 +86,15 @@ class MotorEmbebido final : public Motor {
       }
       return true;
     } catch (const base::Error& e) {
-      c.registros.push_back({"HY000", base::AUtf16(support::TextoDeError(e))});
+      c.registros.push_back({e.IsStorageFault() ? "58030" : "HY000", base::AUtf16(support::TextoDeError(e))});
       return false;
     }
   }
   bool Empezar() override {
-    return base::ErrorIgnorado("Empezar", nullptr, [&] { base_->BeginTrans(); });
+    return base::AnyErrorNoted("Empezar", nullptr, [&] { base_->BeginTrans(); });
   }
   bool Terminar(bool confirmar) override {
-    return base::ErrorIgnorado("Terminar", nullptr,
+    return base::AnyErrorNoted("Terminar", nullptr,
                                [&] { confirmar ? base_->CommitTrans() : base_->RollbackTrans(); });
   }
 

@@ -211,7 +211,7 @@ SQLRETURN SQL_API SQLGetDiagRecW(SQLSMALLINT, SQLHANDLE h, SQLSMALLINT i, SQLWCH
   if (i < 1 || static_cast<std::size_t>(i) > registros.size()) return SQL_NO_DATA;
   const Registro& r = registros[static_cast<std::size_t>(i) - 1];
   Dar(DeAscii(r.estado), estado, 6, nullptr);
-  *nativo = 0;
+  *nativo = r.native;
   Dar(r.texto, texto, caben, largo);
   return r.texto.size() < static_cast<std::size_t>(caben) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }

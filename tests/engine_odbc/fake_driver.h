@@ -2,8 +2,9 @@
 // and the statements say what.
 //
 // Connection string: Txn=0 (no transactions), Catalogo=T:a,b/U:c (its tables and columns; "roto": fails),
-// Commit=falla, Rollback=falla, Total=no (never tells the length of what is left), Clave=x (PWD must be it),
-// Motor=x (statements go to the database that the program's own CrearMotorDePrueba makes of x).
+// Savepoints=si (understands SAVEPOINT idm_marca and its kin: answers as to CAMBIA 0), Commit=falla,
+// Rollback=falla, Total=no (never tells the length of what is left), Clave=x (PWD must be it), Motor=x
+// (statements go to the database that the program's own CrearMotorDePrueba makes of x).
 //
 // Statements of a connection without Motor, words parted by blanks:
 //   FILAS name:type[:driver's name for the type] …   then a line a row, cells parted by "|"; NULL is Null,
@@ -11,9 +12,10 @@
 //   CAMBIA n                                  n rows changed
 //   NADA                                      a change that found no row (SQL_NO_DATA)
 //   AVISA …                                   the statement after it, with a warning
-//   FALLA state text; state text …            these records
+//   FALLA state text; state text …            these records; "HY000/-1022 text" with the driver's own number
 //   PIERDE / MUERE                            the connection goes: by its state / by the attribute alone
 //   PIERDE_LEYENDO                            a row, and then the connection goes
+//   MARCAS                                    the first two letters of each statement about savepoints
 //   CUENTAS                                   autocommit, commits and rollbacks so far
 //   SELECT 'TARDA'                            never ends: one row all the same, or HYT00 when it is given a
 //   time anything else                             one row: the text that came
@@ -35,6 +37,7 @@ using Ancho = std::u16string;
 struct Registro {
   std::string estado;
   Ancho texto;
+  SQLINTEGER native = 0;
 };
 
 struct Objeto {  // what every handle is
@@ -57,6 +60,8 @@ class Motor {
 
 struct Enlace : Objeto {
   bool con_transacciones = true, commit_falla = false, rollback_falla = false, con_total = true;
+  bool savepoints = false;
+  std::string marks;  // the first letters of each that came
   bool muerto = false, autocommit = true, catalogo_roto = false;
   int confirmadas = 0, deshechas = 0;
   std::vector<std::pair<Ancho, std::vector<Ancho>>> catalogo;

@@ -145,6 +145,7 @@ SQLRETURN DarFijo(const T& valor, SQLPOINTER destino, SQLLEN* largo) {
 
 void LeerOpcion(Enlace& e, const Ancho& nombre, const Ancho& valor, Ancho& clave, Ancho& dada) {
   if (nombre == u"Txn") e.con_transacciones = valor != u"0";
+  if (nombre == u"Savepoints") e.savepoints = valor == u"si";
   if (nombre == u"Commit") e.commit_falla = valor == u"falla";
   if (nombre == u"Rollback") e.rollback_falla = valor == u"falla";
   if (nombre == u"Total") e.con_total = valor != u"no";
@@ -202,6 +203,12 @@ SQLRETURN Correr(Cursor& c, const Ancho& texto) {
   const auto empieza = [&](const char16_t* verbo) { return texto.rfind(verbo, 0) == 0; };
   if (empieza(u"FILAS ")) {
     PonerFilas(c, resto(u"FILAS "));
+  } else if (texto.find(u"SAVEPOINT idm_marca") != Ancho::npos) {
+    if (!c.enlace->savepoints) return Fallar(&c, "42000", "[Prueba]Syntax error");
+    c.enlace->marks += AAscii(texto.substr(0, 2));
+    c.cambiadas = 0;
+  } else if (texto == u"MARCAS") {
+    PonerUna(c, u"marcas", DeAscii(c.enlace->marks));
   } else if (empieza(u"CAMBIA ")) {
     c.cambiadas = std::atol(AAscii(resto(u"CAMBIA ")).c_str());
   } else if (texto == u"NADA") {
@@ -211,8 +218,11 @@ SQLRETURN Correr(Cursor& c, const Ancho& texto) {
     c.registros.push_back({"01000", u"[Prueba]Take care"});
     return rc == SQL_SUCCESS ? SQL_SUCCESS_WITH_INFO : rc;
   } else if (empieza(u"FALLA ")) {
-    for (const Ancho& uno : Partir(resto(u"FALLA "), u';'))
-      c.registros.push_back({AAscii(uno.substr(0, 5)), uno.substr(6)});
+    for (const Ancho& uno : Partir(resto(u"FALLA "), u';')) {
+      const std::size_t blank = uno.find(u' ');
+      const SQLINTEGER native = blank > 5 ? std::atoi(AAscii(uno.substr(6, blank - 6)).c_str()) : 0;
+      c.registros.push_back({AAscii(uno.substr(0, 5)), uno.substr(blank + 1), native});
+    }
     return SQL_ERROR;
   } else if (texto == u"PIERDE") {
     return Perder(c);

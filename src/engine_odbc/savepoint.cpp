@@ -1,0 +1,93 @@
+// The mark inside a transaction: the driver's own, or the statements before it run again.
+#include "engine_odbc/connection_internal.h"
+
+namespace engine_odbc {
+namespace {
+
+constexpr const char* kSet = "SAVEPOINT idm_marca";
+constexpr const char* kRelease = "RELEASE SAVEPOINT idm_marca";
+constexpr const char* kRollBack = "ROLLBACK TO SAVEPOINT idm_marca";
+constexpr const char* kCannotUndo = "La base no pudo deshacer una sentencia de la transacción";
+
+}  // namespace
+
+// False when the driver refused it; the loss of the connection throws.
+bool ConexionOdbc::RunOwn(const char* sql) {
+  OpenCursor();
+  const CloseCursor close(cursor_);
+  const SQLRETURN rc = Mandar(sql);
+  if (rc == SQL_NO_DATA || SQL_SUCCEEDED(rc)) return true;
+  const OdbcError error = ErrorDe(Diagnosticos(SQL_HANDLE_STMT, cursor_.Crudo()), kCannotUndo);
+  if (error.Lost() || EstaMuerta()) Fail(SQL_HANDLE_STMT, cursor_.Crudo(), kCannotUndo, true);
+  return false;
+}
+
+void ConexionOdbc::NoteChange(const std::string& text, SQLLEN rows) {
+  if (en_transaccion_ && own_savepoints_ != true) changes_.push_back({text, rows});
+}
+
+void ConexionOdbc::EndOfTransaction() {
+  changes_.clear();
+  mark_ = 0;
+  marked_ = undone_ = false;
+}
+
+void ConexionOdbc::SetSavepoint() {
+  db::AsConnectionErrors([&] {
+    VerificarUtil();
+    NeedTransaction();
+    if (own_savepoints_ != false) {
+      if (marked_) RunOwn(kRelease);  // where there is none, a new mark takes the place of the old one
+      const bool set = RunOwn(kSet);
+      if (!set && own_savepoints_ == true)
+        throw db::Error(base::StorageFault(std::string(kCannotUndo) + "."));
+      own_savepoints_ = set;
+      if (set) changes_.clear();
+    }
+    mark_ = changes_.size();
+    marked_ = true;
+  });
+}
+
+void ConexionOdbc::RollbackToSavepoint() {
+  db::AsConnectionErrors([&] {
+    VerificarUtil();
+    if (!marked_) throw db::Error("No hay ninguna marca en la transacción.");
+    if (own_savepoints_ == true) {
+      catalogo_.Olvidar();  // a definition may go, too
+      sin_tocar_.clear();
+      if (!RunOwn(kRollBack)) throw db::Error(base::StorageFault(std::string(kCannotUndo) + "."));
+    } else if (changes_.size() != mark_) {
+      Replay();
+    }
+  });
+}
+
+// From the rollback to the last statement the transaction is open, but others may have written meanwhile: a
+// statement that now changes another number of rows is no repetition.
+void ConexionOdbc::Replay() {
+  RollBackAll();
+  undone_ = true;
+  changes_.resize(mark_);
+  OpenCursor();
+  for (const Change& change : changes_) {
+    const CloseCursor close(cursor_);
+    const SQLRETURN rc = Mandar(change.text);
+    if (!SQL_SUCCEEDED(rc) && rc != SQL_NO_DATA) Fail(SQL_HANDLE_STMT, cursor_.Crudo(), kCannotUndo, true);
+    if ((rc == SQL_NO_DATA ? 0 : RowCount()) != change.rows)
+      throw db::Error(base::StorageFault(
+          std::string(kCannotUndo) + ": al repetir lo anterior, otro programa había cambiado los datos."));
+  }
+  undone_ = false;
+}
+
+void ConexionOdbc::ReleaseSavepoint() {
+  db::AsConnectionErrors([&] {
+    VerificarUtil();
+    if (!marked_) throw db::Error("No hay ninguna marca en la transacción.");
+    if (own_savepoints_ == true) RunOwn(kRelease);
+    marked_ = false;
+  });
+}
+
+}  // namespace engine_odbc
