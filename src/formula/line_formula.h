@@ -20,8 +20,8 @@ std::string ReemplazaComodines(std::string_view formula, const CamposDeLinea& li
 
 // The new quantity of a line by the text of the formula box, from field 3 of the line; an empty field 3 is 0.
 // 0 when the formula has no value or its value does not start with a number, ±infinity when that number
-// passes the single precision. When the evaluation was given up (ev.agotado) the 0 is no quantity: the line is
-// to be refused. Throws base::Error for a fault of the storage alone.
+// passes the single precision. When the evaluation was given up (ev.agotado) the 0 is no quantity: the line
+// is to be refused. Throws base::Error for a fault of the storage alone.
 float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const CamposDeLinea& linea);
 
 }  // namespace formula
