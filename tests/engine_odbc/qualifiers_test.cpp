@@ -68,7 +68,7 @@ TEST_F(Calificadores, LasDemasSentenciasLleganComoEstan) {
       relations::sql::ConceptosComoRelaciones(true, true, true),
       relations::sql::DatosExternosComoRelaciones(4),
       relations::sql::BorrarDatosExternos(4),
-      relations::sql::InsertarDatoExterno(4, "7", "HC,HE")};
+      relations::sql::InsertarDatoExterno(4, 7, "HC,HE")};
   for (const std::string& sql : textos) EXPECT_EQ(Llega(sql), sql);
 }
 
