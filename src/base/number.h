@@ -23,6 +23,8 @@ namespace base {
 // of the last two, with their signs. None as well for a number that a double cannot hold.
 std::optional<double> NumeroDeTexto(std::string_view texto, const Locale& locale = Locale::espanol());
 bool EsNumero(std::string_view texto, const Locale& locale = Locale::espanol());
+// The same number; throws Error 13 for a text that is none and 6 for one too large.
+double NumeroDeTextoOError(std::string_view texto, const Locale& locale = Locale::espanol());
 // Nothing but the white space that may stand around a number.
 bool IsBlank(std::string_view text);
 

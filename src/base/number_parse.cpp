@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "base/error.h"
 #include "base/number.h"
 #include "base/number_internal.h"
 #include "base/text_internal.h"
@@ -175,6 +176,14 @@ std::optional<double> NumeroDeTexto(std::string_view texto, const Locale& locale
 
 bool EsNumero(std::string_view texto, const Locale& locale) {
   return NumeroDeTexto(texto, locale).has_value();
+}
+
+double NumeroDeTextoOError(std::string_view texto, const Locale& locale) {
+  double numero = 0;
+  const Lectura lectura = Leer(texto, locale, numero);
+  if (lectura == Lectura::Bien) return numero;
+  const int error = lectura == Lectura::Desborda ? 6 : 13;
+  throw Error(DescripcionDeError(error), error);
 }
 
 bool IsBlank(std::string_view text) { return SinBlancos(text).empty(); }

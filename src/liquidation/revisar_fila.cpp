@@ -45,11 +45,8 @@ int TipoDatoDe(const ImportRow& fila) { return Numero(fila.campo[importfile::kTi
 int TipoCuotaDe(const ImportRow& fila) { return Numero(fila.campo[importfile::kTipoCuota]); }
 
 double NumeroDeLinea(std::string_view texto) {
-  if (base::TrimVista(texto).empty()) return 0;
-  const auto leido = base::NumeroDeTexto(texto);
-  const double numero =
-      leido ? *leido : base::ValorNumerico(texto);  // infinite when not even a double holds it
-  if (!leido && std::isfinite(numero)) throw base::Error(base::DescripcionDeError(13), 13);
+  if (base::IsBlank(texto)) return 0;
+  const double numero = base::NumeroDeTextoOError(texto);
   if (std::abs(numero) > static_cast<double>(std::numeric_limits<float>::max()))
     throw base::Error(base::DescripcionDeError(6), 6);
   return numero;

@@ -108,6 +108,9 @@ void VerbosDeNumeros(support::Verbos& v) {
     if (n.has_value() != base::EsNumero(texto, LocaleDe(b))) return std::string("EsNumero disagrees");
     return Numero(n);
   });
+  v["number-or-error"] = CadaLinea([](const std::string& l, const Bloque& b) {
+    return Numero(base::NumeroDeTextoOError(Argumento(l), LocaleDe(b)));
+  });
   v["dialect-number"] = CadaLinea([](const std::string& l, const Bloque& b) {
     const std::string texto = Argumento(l);
     const auto n = base::DialectNumber(texto, LocaleDe(b));
