@@ -38,6 +38,9 @@ class ConexionConFallas final : public db::Connection {
     Probar(sql);
     return motor_->Consultar(sql);
   }
+  db::Recordset QueryBounded(std::string_view sql, db::QueryBudget& budget) override {
+    return motor_->QueryBounded(sql, budget);
+  }
   std::int64_t FilasAfectadas() const override { return motor_->FilasAfectadas(); }
   void BeginTrans() override {
     if (falla_begin) throw db::Error("no comienza");

@@ -80,7 +80,7 @@ struct Outcome {
 const base::Fecha kMonth = base::FechaDe(2026, 10, 1);
 
 // A whole run over the demo's month: contract 117, card 7005, 8 and 2 hours and one ticket.
-Outcome Run(Answer answer, int which, bool narrow = true) {
+Outcome WholeRun(Answer answer, int which, bool narrow = true) {
   const ports::RelojFijo reloj(base::FechaDe(2026, 10, 20));
   auto own = std::make_unique<NarrowConnection>(reloj);
   NarrowConnection& base = *own;
@@ -156,7 +156,7 @@ Outcome Run(Answer answer, int which, bool narrow = true) {
 }
 
 TEST(NarrowAnswers, AWholeRunHasTenHours) {
-  const Outcome whole = Run(Answer::NoRows, 0, false);
+  const Outcome whole = WholeRun(Answer::NoRows, 0, false);
   EXPECT_EQ(base::Join(whole.results, "|"), "OK|OK|OK");
   EXPECT_EQ(whole.hours, 10);
   EXPECT_EQ(whole.noted, 0U);
@@ -167,7 +167,7 @@ class EachQuery : public ::testing::TestWithParam<Answer> {};
 TEST_P(EachQuery, OfARunInTurn) {
   int queries = 1, told = 0;
   for (int which = 1; which <= queries; ++which) {
-    const Outcome outcome = Run(GetParam(), which);
+    const Outcome outcome = WholeRun(GetParam(), which);
     if (which == 1) queries = outcome.queries;
     bool all_ok = outcome.results.size() == 3;
     for (const std::string& result : outcome.results) {
@@ -178,16 +178,19 @@ TEST_P(EachQuery, OfARunInTurn) {
     told += outcome.noted > 0 || !all_ok ? 1 : 0;
   }
   EXPECT_GT(queries, 10);
-  if (GetParam() != Answer::NoRows) EXPECT_GT(told, queries / 2);
-  const Outcome all = Run(GetParam(), 0);
+  if (GetParam() != Answer::NoRows) {
+    EXPECT_GT(told, queries / 2);
+  }
+  const Outcome all = WholeRun(GetParam(), 0);
   EXPECT_EQ(all.hours, 0);
 }
 
+std::string NameOf(const ::testing::TestParamInfo<Answer>& info) {
+  constexpr const char* kNames[] = {"OneColumnFewer", "NoColumns", "NoRows"};
+  return kNames[static_cast<int>(info.param)];
+}
+
 INSTANTIATE_TEST_SUITE_P(Answers, EachQuery,
-                         testing::Values(Answer::OneColumnFewer, Answer::NoColumns, Answer::NoRows),
-                         [](const auto& one) {
-                           constexpr const char* kNames[] = {"OneColumnFewer", "NoColumns", "NoRows"};
-                           return std::string(kNames[static_cast<int>(one.param)]);
-                         });
+                         testing::Values(Answer::OneColumnFewer, Answer::NoColumns, Answer::NoRows), NameOf);
 
 }  // namespace
