@@ -143,7 +143,9 @@ std::string Cierre(const Bloque& b) {
 }
 
 std::string Layout(const Bloque& b) {
-  const std::string texto = b.entrada == "(empty)" ? "" : b.Tiene("lf") ? b.entrada : TextoDelBloque(b);
+  const std::string texto = b.entrada == "(empty)" ? ""
+                            : b.Tiene("lf")        ? support::Desescapar(b.entrada)
+                                                   : TextoDelBloque(b);
   const settings::FixedWidthLayout layout = settings::LayoutDeTexto(texto);
   std::string salida;
   for (const settings::ColumnaAF& c : layout)
