@@ -87,15 +87,18 @@ TEST_F(Cierre, AnotherStartFindsWhatWasLeft) {
   EXPECT_EQ(e.cbTipoClave.ListIndex, 2);
 }
 
-// With the automatic link on the relations of the file are left as they were; text outside entries stays.
+// With the automatic link on the relations of the file are left as they were, though others were read; text
+// outside entries stays.
 TEST_F(Cierre, TheAutomaticLinkKeepsTheStoredRelations) {
+  Demo();
   Escribir("ImportDeMarcas.ini",
            "una "
            "nota\r\n[Conceptos]\r\nX*1*,9,*7*Nombre*0\r\n[/Conceptos]\r\n[MismoCodigoDeOrsa]\r\nSI\r\n[/"
            "MismoCodigoDeOrsa]");
-  cajas_.esperadas = {"Error al abrir la base ubicada en nada"};
   app::Programa& p = Crear();
-  ASSERT_TRUE(p.Iniciar("nada*"));
+  ASSERT_TRUE(p.Iniciar(demo_.referencia));
+  ASSERT_GT(p.Ver().relaciones.Cantidad(), 1U);
+  ASSERT_FALSE(p.Ver().relaciones.carga_fallida);
   EXPECT_TRUE(p.Unload());
   const std::string texto = Leer("ImportDeMarcas.ini");
   EXPECT_EQ(texto.substr(0, 10), "una nota\r\n");
