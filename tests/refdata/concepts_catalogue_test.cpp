@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "refdata/base_de_prueba.h"
+#include "refdata/elegir_concepto.h"
 
 namespace {
 
@@ -26,6 +27,21 @@ TEST(ConceptsCatalogue, AReloadChoosesNothing) {
   EXPECT_TRUE(catalogo.cmbConceptos.items.empty());
   EXPECT_EQ(catalogo.cmbConceptos.ListIndex, -1);
   EXPECT_EQ(catalogo.motivo_fallo, "Falla pedida");
+}
+
+TEST(ConceptsCatalogue, TheLabelOfTheCentreIsShownWithItsCombo) {
+  support::BaseDePrueba base;
+  refdata::ConceptsCatalogue catalogo;
+  catalogo.tabla = {.dimensiones = 2, .registros = {{"7", "Horas", "3", "S", "0"}}};
+  catalogo.cmbConceptos.items = {{.texto = "HC - Horas", .dato = 7}};
+  catalogo.cmbConceptos.ListIndex = 0;
+  refdata::LiquidationTypes tipos;
+  for (const bool visible : {true, false}) {
+    tipos.cmbAgrupaDef.visible = visible;
+    tipos.lblAgrupaDef_visible = !visible;
+    refdata::ElegirConcepto(base.sesion, base.opciones, catalogo, tipos);
+    EXPECT_EQ(tipos.lblAgrupaDef_visible, visible);
+  }
 }
 
 }  // namespace
