@@ -44,4 +44,10 @@ TEST(ConceptsCatalogue, TheLabelOfTheCentreIsShownWithItsCombo) {
   }
 }
 
+TEST(PosEnCombo, TheFirstItemIsOneOfThem) {
+  formula::ListControl combo;
+  combo.items = {{"a", 7}, {"b", 2}};
+  EXPECT_EQ(refdata::PosEnCombo(combo, 7), 0);
+}
+
 }  // namespace
