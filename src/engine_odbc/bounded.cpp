@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "base/text.h"
-
 namespace engine_odbc {
 namespace {
 
@@ -47,10 +45,6 @@ void StatementLimits::Row(const std::vector<base::Valor>& cells, std::size_t wid
       budget_->bytes -= static_cast<std::int64_t>(text->size());
   if (budget_->rows < 0 || budget_->bytes < 0) throw db::QueryInterrupted(db::QueryInterrupted::By::Size);
   if (Spent() > budget_->steps) throw db::QueryInterrupted(db::QueryInterrupted::By::Work);
-}
-
-bool TimedOut(const db::Error& error) {
-  return base::EmpiezaCon(error.Fuente(), "ODBC HYT") || base::EmpiezaCon(error.Fuente(), "ODBC S1T");
 }
 
 }  // namespace engine_odbc

@@ -29,7 +29,4 @@ class StatementLimits {
   std::chrono::steady_clock::time_point start_;
 };
 
-// Whether the driver ended a statement because its time was over.
-bool TimedOut(const db::Error& error);
-
 }  // namespace engine_odbc

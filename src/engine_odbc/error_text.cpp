@@ -69,6 +69,7 @@ constexpr std::array kFrases = {
 // of a transaction.
 constexpr std::array<std::string_view, 14> kStorageStates = {
     "08", "25", "40", "53", "55", "57", "58", "F0", "XX", "HYT", "S1T", "HY001", "S1001", "HY013"};
+constexpr std::array<std::string_view, 2> kTimeouts = {"HYT", "S1T"};
 // States that say nothing in particular.
 constexpr std::array<std::string_view, 2> kUnclearStates = {"HY000", "S1000"};
 // The Access driver gives nearly all that is not of SQL itself a state that says nothing, with the number of
@@ -117,13 +118,17 @@ OdbcError ErrorDe(const std::vector<Diagnostico>& diagnosticos, std::string_view
   base::ErrorKind kind = diagnosticos.empty() ? if_unclear : base::ErrorKind::Statement;
   for (const Diagnostico& d : diagnosticos)  // what follows the first one may be its cause
     if (KindOf(d, if_unclear) == base::ErrorKind::Storage) kind = base::ErrorKind::Storage;
-  const bool lost = !diagnosticos.empty() && base::EmpiezaCon(diagnosticos[0].estado, kConnection);
-  return {std::move(texto), numero, std::move(fuente), kind, lost};
+  OdbcError::Cause cause = OdbcError::Cause::Other;
+  if (!diagnosticos.empty() && base::EmpiezaCon(diagnosticos[0].estado, kConnection))
+    cause = OdbcError::Cause::Lost;
+  else if (!diagnosticos.empty() && Begins(diagnosticos[0].estado, kTimeouts))
+    cause = OdbcError::Cause::TimedOut;
+  return {std::move(texto), numero, std::move(fuente), kind, cause};
 }
 
 OdbcError FaultOf(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada) {
   const OdbcError e = ErrorDe(diagnosticos, si_nada);
-  return {e.Descripcion(), e.Numero(), e.Fuente(), base::ErrorKind::Storage, e.Lost()};
+  return {e.Descripcion(), e.Numero(), e.Fuente(), base::ErrorKind::Storage, e.Why()};
 }
 
 }  // namespace engine_odbc

@@ -54,8 +54,8 @@ db::Recordset ConexionOdbc::QueryBounded(std::string_view sql, db::QueryBudget& 
   const db::BudgetInUse lent(budget_, budget);
   try {
     return Consultar(sql);
-  } catch (const db::Error& e) {
-    if (TimedOut(e)) throw db::QueryInterrupted(db::QueryInterrupted::By::Work);
+  } catch (const OdbcError& e) {
+    if (e.TimedOut()) throw db::QueryInterrupted(db::QueryInterrupted::By::Work);
     throw;
   }
 }

@@ -111,12 +111,15 @@ std::vector<Diagnostico> Diagnosticos(SQLSMALLINT que, SQLHANDLE manejador);
 
 class OdbcError : public db::Error {
  public:
-  OdbcError(std::string texto, int numero, std::string fuente, base::ErrorKind kind, bool lost)
-      : db::Error(std::move(texto), numero, std::move(fuente), kind), lost_(lost) {}
-  bool Lost() const { return lost_; }  // the other side is gone
+  enum class Cause { Other, Lost, TimedOut };
+  OdbcError(std::string texto, int numero, std::string fuente, base::ErrorKind kind, Cause cause)
+      : db::Error(std::move(texto), numero, std::move(fuente), kind), cause_(cause) {}
+  bool Lost() const { return cause_ == Cause::Lost; }          // the other side is gone
+  bool TimedOut() const { return cause_ == Cause::TimedOut; }  // the driver ended a statement that took long
+  Cause Why() const { return cause_; }
 
  private:
-  bool lost_;
+  Cause cause_;
 };
 
 // What a failure means for the operator, in Spanish, with all that the driver said after it.
