@@ -229,7 +229,7 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
     for (int i = 0; i < ancho; ++i) celdas->push_back(DeColumna(s, i, (*p.columnas)[i].tipo));
     limit.Row(*celdas, static_cast<std::size_t>(ancho));
   }
-  if (rc != SQLITE_DONE) limit.ThrowIfInterrupted();
+  if ((rc & 0xFF) == SQLITE_INTERRUPT && !entorno_.sin_memoria) limit.ThrowIfInterrupted();
   if (rc != SQLITE_DONE || entorno_.sin_memoria) LanzarDePaso();
   if (EsDeCambio(texto)) afectadas_ = sqlite3_changes64(base_.get());
 }
