@@ -91,6 +91,7 @@ Outcome WholeRun(Answer answer, int which, bool narrow = true) {
   sesion.idEmpresa = 1;
   sesion.LiqAgrup = true;
   settings::Settings opciones;
+  opciones.Separador = ";";
   opciones.Configura = 2;
   opciones.TotalizarConc = opciones.SumarAyaIng = true;
   opciones.FactMultiplica = "*SQL(CAMPO COUNT(*) EN Empresa SOLOSI idEmpresa=1)";
@@ -117,7 +118,7 @@ Outcome WholeRun(Answer answer, int which, bool narrow = true) {
   relaciones.Reemplazar("NOR*65535*,1,*7*Horas Comunes*0\r\nTK*65535*,9,*1005*Tickets*0");
 
   importfile::EntradaCarga c;
-  c.txtRuta = carpeta.Escribir("horas.txt", "7005;1;8\r\n7005;1;2\r\n7005;9;1\r\n");
+  c.txtRuta = carpeta.Escribir("horas.txt", "7005;1;8\r\n7005;1;2\r\n7005;9;1");
   c.opciones = &opciones;
   c.filtro = importfile::FiltroPor::Texto;
   c.personas = &personas;
