@@ -96,8 +96,7 @@ void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& o
 
 // The relation that cbAgrQuit(0) appends.
 struct DatosRelacion {
-  // "HC - Horas Comunes": the code is what stands before " - " and the name. A code that holds " - " itself
-  // is taken whole: cut at its first one, "HC - 50" would be HC, whose lines get the month's hours.
+  // "HC - Horas Comunes": the code is what stands before the first " - ", also of a code that holds one.
   std::string texto_combo;
   std::int32_t color = 0xFFFFFF;
   std::string txtTipo;      // codes separated by commas
