@@ -1,19 +1,7 @@
 #include "app/conector.h"
 #include "app/programa.h"
-#include "base/text.h"
 
 namespace app {
-namespace {
-
-// Only a base of the payroll system has the company row.
-bool NombraBaseDeLaEmpresa(std::string_view referencia) {
-  for (const char* nombre : {"Personal.mdb", "Proyec.mdb", "ConfBase.cfg"})
-    if (base::Contiene(referencia, nombre, base::Comparar::SinCaso)) return true;
-  return false;
-}
-
-}  // namespace
-
 void Programa::Conectar(std::string& referencia) {
   if (sesion_.Abierta()) sesion_.conexion->Cerrar();
   Conexion nueva = AbrirReferencia(referencia, puertos_.reloj);
@@ -22,11 +10,7 @@ void Programa::Conectar(std::string& referencia) {
   e_.motivo_base = std::move(nueva.motivo);
   if (!sesion_.Abierta()) return;
   if (arranque_.una_transaccion && !Comenzar()) return;
-  if (!NombraBaseDeLaEmpresa(referencia)) return;
-  LeerEmpresa();
-  CargarTiposLiquidacion();
-  base::ErrorIgnorado("Conectar: tablas de usuario", &errores_,
-                      [&] { e_.tablas.CargarTablasUsuario(sesion_, -1); });
+  ConLaBase([&] { LeerTablas(kEmpresa | kTipos | kTablas); });
 }
 
 // Without its transaction the start-up itself would be written for good: the base then counts as not opened.
@@ -41,20 +25,33 @@ bool Programa::Comenzar() {
   }
 }
 
+// Without the company every statement of an import would run on company 0, which is nobody's: an empty table
+// and a field that is no value of its kind are read no better than a missing table.
 void Programa::LeerEmpresa() {
   sesion_.TipoConstruccion = false;
   sesion_.LiqAgrup = false;
+  e_.motivo_empresa.clear();
+  const auto paso = [&](const char* donde, const std::function<void()>& leer) {
+    return base::ErrorIgnorado(donde, &errores_, [&] {
+      try {
+        leer();
+      } catch (const base::Error& e) {
+        if (e_.motivo_empresa.empty()) e_.motivo_empresa = e.Descripcion();
+        throw;
+      }
+    });
+  };
   db::Recordset rs;
-  base::ErrorIgnorado("Conectar: empresa", &errores_, [&] {
+  const bool hay = paso("Conectar: empresa", [&] {
     rs = sesion_.conexion->Ejecutar("Select TipoConstruccion, LiqAgrup, idEmpresa From Empresa");
+    if (rs.Vacio()) throw db::Error("La tabla Empresa no tiene ninguna fila.");
   });
-  if (rs.Vacio()) return;
+  if (!hay) return;
   // Several companies: always the first row of this unordered query. One field that cannot be read does not
   // take the others along.
-  base::ErrorIgnorado("Conectar: TipoConstruccion", &errores_,
-                      [&] { sesion_.TipoConstruccion = rs.En(0, 0).Booleano(); });
-  base::ErrorIgnorado("Conectar: LiqAgrup", &errores_, [&] { sesion_.LiqAgrup = rs.En(1, 0).Booleano(); });
-  base::ErrorIgnorado("Conectar: idEmpresa", &errores_, [&] { sesion_.idEmpresa = rs.En(2, 0).Entero(); });
+  paso("Conectar: TipoConstruccion", [&] { sesion_.TipoConstruccion = rs.En(0, 0).Booleano(); });
+  paso("Conectar: LiqAgrup", [&] { sesion_.LiqAgrup = rs.En(1, 0).Booleano(); });
+  paso("Conectar: idEmpresa", [&] { sesion_.idEmpresa = rs.En(2, 0).Entero(); });
 }
 
 }  // namespace app

@@ -105,6 +105,10 @@ Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
 
 }  // namespace
 
+std::string MotivoSoloLectura(const db::Connection* conexion) {
+  return conexion == nullptr || !conexion->Abierta() ? std::string() : engine_mdb::ReadOnlyReason(*conexion);
+}
+
 Conexion Fallo(std::string motivo) { return {nullptr, 0, std::move(motivo)}; }
 
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj) {

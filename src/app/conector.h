@@ -28,4 +28,8 @@ struct Conexion {
 // Never throws for what a user can cause.
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj);
 
+// Why an open base can only be read for now, in Spanish; "" when it can be written, as far as is known, or is
+// null.
+std::string MotivoSoloLectura(const db::Connection* conexion);
+
 }  // namespace app

@@ -34,6 +34,13 @@ struct Estado {
   std::string caption = "Datos A Importar";
   std::string referencia;   // of the database, as Conectar left it
   std::string motivo_base;  // why the base is not open; empty when it is
+  // The base cannot be trusted, in Spanish; each is empty when there is nothing to say. See
+  // MotivoParaNoImportar.
+  std::string fallo_de_base;   // a fault of the storage or of the memory since all of it was last read
+  std::string motivo_empresa;  // the company row could not be read
+  std::string motivo_tablas;   // the user tables could not
+  std::string solo_lectura;    // it is open for reading only, and why
+  std::string motivo_fin;      // why the program must end at once: its settings cannot be read
   std::string LblEmpresa;
   base::Fecha mes;  // first day of the month of ObjSelMes
 

@@ -2,6 +2,7 @@
 // command line are two faces of it.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +15,7 @@
 #include "ports/file_picker.h"
 #include "ports/progress.h"
 #include "ports/prompts.h"
+#include "settings/config_file.h"
 
 namespace app {
 
@@ -49,13 +51,16 @@ class Programa {
   // Called when anything that a window draws may have changed.
   std::function<void()> al_cambiar;
 
-  // Start-up on a command line. False: the program is to end at once.
+  // Start-up on a command line. False: the program is to end at once, with an error when motivo_fin says why.
   bool Iniciar(std::string_view linea_de_comandos);
   // Start-up on a reference and an import file already told apart.
   bool IniciarCon(std::string referencia, std::string archivo);
   void Activate();
   // Shutdown. False while a load runs: it is told to stop, and Unload is to be called again when PuedeCerrar.
-  bool Unload();
+  // What cannot be saved is written beside, and a box says where; `callado`: nobody is there to read boxes.
+  bool Unload(bool callado = false);
+  // The desktop session may be about to end: saves as closing does, without a word and without closing.
+  void Resguardar();
   bool PuedeCerrar() const { return !en_curso_; }
   bool CierrePedido() const { return cierre_pedido_; }
 
@@ -110,13 +115,27 @@ class Programa {
   // The same without its question; `deshacer` ends with a rollback, to see what would come of it.
   void Importar(bool deshacer);
   std::string Confirmacion() const;
+  // What would be written and may not be meant, one text a kind.
+  std::vector<std::string> Avisos();
+  // Why nothing is imported for now, in Spanish: something that an import stands on could not be read. "": it
+  // may be.
+  std::string MotivoParaNoImportar() const;
 
+  // Reads the file into the grid; first what could not be read from the base, when there is any.
   void CargarDatos();
 
  private:
-  enum Recarga : unsigned { kTipos = 1, kPersonas = 2, kConceptos = 4, kRelaciones = 8, kGrilla = 16 };
+  enum Recarga : unsigned {
+    kEmpresa = 1,
+    kTipos = 2,
+    kTablas = 4,
+    kPersonas = 8,
+    kConceptos = 16,
+    kRelaciones = 32,
+    kGrilla = 64
+  };
 
-  void PrepararVentana();
+  bool PrepararVentana();
   void LeerOpciones();
   bool ElegirBase(std::string_view linea);
   void AbrirBase(std::string referencia);
@@ -124,15 +143,34 @@ class Programa {
   void Conectar(std::string& referencia);
   bool Comenzar();
   void LeerEmpresa();
+  void LeerTablasUsuario();
+
+  // Every step that touches the base runs in here: a fault of the storage or of the memory ends it, is told,
+  // and stops all imports until everything has been read again. False: it was ended.
+  bool ConLaBase(const std::function<void()>& paso);
+  void FalloLaBase(std::string motivo);
+  std::string MotivoDeLectura() const;  // the first of the tables that could not be read
+  void VerSoloLectura();
 
   void PonerLayout();
   void Aplicar(std::string_view clave);
-  std::string TextoDeAjustes();
-  void GuardarOpciones();
+  settings::Ajustes LeerAjustes() const;
+  // Why what they are about was not saved; "" when it was, or when nothing is lost by it.
+  std::string GuardarOpciones();
+  std::string GuardarRelaciones();
+  void Guardar(bool callado);
+  bool RelacionesDeLaOpcion() const;
+  bool RelacionesEditadas() const { return e_.relaciones.Texto() != relaciones_leidas_; }
+  std::optional<std::string> ConceptosAGuardar() const;
+  std::string EscribirAparte() const;
+  liquidation::EntradaImportacion EntradaDeImportacion();
+  void AnotarImportacion(bool deshacer);
 
   // Reloads now, or when the load or import under way has ended.
   void Pedir(unsigned recargas);
   void Recargar(unsigned recargas);
+  void LeerTablas(unsigned recargas);
+  void CargarGrilla();
   void Empezar(Tarea tarea);
   void Terminado();  // of a load or an import
   void CargarVecDePersonas();
@@ -158,6 +196,12 @@ class Programa {
   std::string ajustes_;                          // the settings text of start-up
   std::string titulo_dialogo_, filtro_dialogo_;  // of ComDlg
   bool previa_movida_ = false;                   // the operator has rearranged the columns of GridPVConf
+  // Of the relations as they were loaded: the option that decided where they came from (none: never loaded),
+  // and their text.
+  std::optional<bool> relaciones_automaticas_;
+  std::string relaciones_leidas_;
+  bool grilla_a_medias_ = false;  // loaded while something could not be read
+  bool resguardo_pendiente_ = false;
   unsigned pendientes_ = 0;
   bool en_curso_ = false;
   bool cierre_pedido_ = false;

@@ -159,7 +159,7 @@ void Programa::CargarDatosPrevisual() {
   Cambio();
 }
 
-void Programa::CargarDatos() {
+void Programa::CargarGrilla() {
   if (en_curso_) return;
   Empezar(Tarea::Carga);
   barra_.Cancelar(false);
@@ -176,9 +176,11 @@ void Programa::CargarDatos() {
   entrada.evaluador = &evaluador_;
   entrada.prompts = &puertos_.prompts;
   entrada.progreso = &barra_;
-  importfile::Carga carga = importfile::CargarDatos(entrada);
-  e_.fin_de_carga = carga.fin;
-  if (carga.fin == importfile::FinDeCarga::Completa) {
+  importfile::Carga carga;
+  const bool leida = ConLaBase([&] { carga = importfile::CargarDatos(entrada); });
+  if (leida) e_.fin_de_carga = carga.fin;
+  if (leida && carga.fin == importfile::FinDeCarga::Completa) {
+    grilla_a_medias_ = !MotivoDeLectura().empty();
     e_.filas = std::move(carga.filas);
     e_.aparte = std::move(carga.aparte);
     e_.previa = std::move(carga.previa);

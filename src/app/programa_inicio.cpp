@@ -68,18 +68,17 @@ void Programa::Cambio() {
 }
 
 bool Programa::Iniciar(std::string_view linea_de_comandos) {
-  PrepararVentana();
-  return ElegirBase(linea_de_comandos) && TerminarInicio();
+  return PrepararVentana() && ElegirBase(linea_de_comandos) && TerminarInicio();
 }
 
 bool Programa::IniciarCon(std::string referencia, std::string archivo) {
-  PrepararVentana();
+  if (!PrepararVentana()) return false;
   AbrirBase(std::move(referencia));
   e_.txtRuta.text = std::move(archivo);
   return TerminarInicio();
 }
 
-void Programa::PrepararVentana() {
+bool Programa::PrepararVentana() {
   e_.cargando = true;
   e_.mes = base::PrimerDiaDelMes(arranque_.mes ? *arranque_.mes : puertos_.reloj.Hoy());
   e_.OptFiltro = 1;
@@ -87,7 +86,19 @@ void Programa::PrepararVentana() {
   e_.GridAImportar.Columna("Resultado")->visible = false;
   // The user's configuration folder is not there before the first run of an installed program.
   if (!arranque_.ajustes) base::CrearCarpeta(arranque_.carpeta);
+  const settings::Ajustes ajustes = LeerAjustes();
+  if (ajustes.estado == settings::EstadoAjustes::Ilegible) {
+    // The defaults in their place would write other quantities, and be stored over them at the end.
+    e_.motivo_fin =
+        "No se pueden leer los ajustes, y sin ellos se importarían otras cantidades. " + ajustes.motivo;
+    Avisar(e_.motivo_fin);
+    return false;
+  }
+  if (ajustes.estado == settings::EstadoAjustes::Falta)
+    base::CrearSiFalta(settings::RutaDeAjustes(arranque_.carpeta));
+  ajustes_ = ajustes.texto;
   LeerOpciones();
+  return true;
 }
 
 // The rules of the command line. False: the program ends at once.
@@ -118,17 +129,19 @@ bool Programa::ElegirBase(std::string_view linea) {
 void Programa::AbrirBase(std::string referencia) {
   e_.referencia = std::move(referencia);
   Conectar(e_.referencia);
-  if (sesion_.Abierta())
-    CargarVecDePersonas();
-  else
-    Avisar("Error al abrir la base ubicada en " + e_.referencia);
+  if (!sesion_.Abierta()) return Avisar("Error al abrir la base ubicada en " + e_.referencia);
+  if (e_.fallo_de_base.empty()) ConLaBase([&] { CargarVecDePersonas(); });
+  VerSoloLectura();
+  if (!e_.solo_lectura.empty())
+    Avisar(e_.solo_lectura + std::string(base::kCrLf) +
+           "Se puede mirar, pero no importar ni guardar relaciones en ella.");
 }
 
 bool Programa::TerminarInicio() {
   e_.LblEmpresa = "Empresa: " + e_.referencia;
   e_.cmbConceptos_ancho = 450;
   if (e_.referencia.empty()) return false;
-  LevantarRelaciones();
+  ConLaBase([&] { LevantarRelaciones(); });
   e_.carga_pendiente = !e_.txtRuta.text.empty();
   e_.cargando = false;
   Cambio();
@@ -138,7 +151,7 @@ bool Programa::TerminarInicio() {
 void Programa::Activate() {
   if (!e_.carga_pendiente) return;
   e_.carga_pendiente = false;
-  CargarDatos();
+  if (e_.fallo_de_base.empty()) CargarDatos();
 }
 
 }  // namespace app

@@ -5,9 +5,9 @@
 
 namespace app {
 
-std::string Programa::TextoDeAjustes() {
-  return arranque_.ajustes ? *arranque_.ajustes
-                           : settings::LeerConfig(settings::RutaDeAjustes(arranque_.carpeta), "*");
+settings::Ajustes Programa::LeerAjustes() const {
+  if (arranque_.ajustes) return {settings::EstadoAjustes::Leido, *arranque_.ajustes, {}};
+  return settings::LeerAjustes(settings::RutaDeAjustes(arranque_.carpeta));
 }
 
 void Programa::Aplicar(std::string_view clave) {
@@ -16,7 +16,6 @@ void Programa::Aplicar(std::string_view clave) {
 
 // The order matters: a control that is set fires its handler, which may look at the options read so far.
 void Programa::LeerOpciones() {
-  ajustes_ = TextoDeAjustes();
   settings::Settings& o = e_.opciones;
   Aplicar("SoloDatosDeRel");
   chkSoloDReloj_Click(o.SoloDatosDeRel);
@@ -136,66 +135,6 @@ void Programa::cbTipoClave_Click(int indice) {
   if (e_.cargando || indice < 0) return;
   e_.opciones.Configura = indice;
   Pedir(kGrilla);
-  Cambio();
-}
-
-void Programa::Pedir(unsigned recargas) {
-  if (en_curso_)
-    pendientes_ |= recargas;
-  else
-    Recargar(recargas);
-}
-
-void Programa::Recargar(unsigned recargas) {
-  if (recargas & kTipos) CargarTiposLiquidacion();
-  if (recargas & kPersonas) CargarVecDePersonas();
-  if (recargas & kConceptos) ActuLSTdeConceptos();
-  if (recargas & kRelaciones) LevantarRelaciones();
-  if (recargas & kGrilla) CargarDatos();
-}
-
-void Programa::Empezar(Tarea tarea) {
-  en_curso_ = true;
-  e_.tarea = tarea;
-  Cambio();
-}
-
-void Programa::Terminado() {
-  en_curso_ = false;
-  e_.tarea = Tarea::Ninguna;
-  const unsigned recargas = pendientes_;
-  pendientes_ = 0;
-  Cambio();
-  if (recargas != 0 && !cierre_pedido_) Recargar(recargas);
-}
-
-void Programa::CargarVecDePersonas() {
-  if (refdata::CargarVecDePersonas(sesion_, e_.mes, e_.personas, puertos_.prompts, &errores_))
-    ActuLSTdeConceptos();
-  Cambio();
-}
-
-void Programa::ActuLSTdeConceptos() {
-  refdata::ActuLSTdeConceptos(sesion_, e_.opciones, e_.conceptos, &errores_);
-  ++e_.revision.conceptos;
-  Cambio();
-}
-
-void Programa::LevantarRelaciones() {
-  relations::LevantarRelaciones(sesion_, e_.opciones, TextoDeAjustes(), e_.relaciones, &errores_);
-  e_.fila_relacion = e_.relaciones.Cantidad() > 0 ? 0 : -1;
-  ++e_.revision.relaciones;
-  Cambio();
-}
-
-void Programa::CargarTiposLiquidacion() {
-  refdata::CargarTiposLiquidacion(sesion_, e_.opciones, e_.tipos, &errores_);
-  ++e_.revision.tipos;
-  for (Grid* grid : {&e_.GridAImportar, &e_.GridRelaciones}) {
-    GridColumn* cc = grid->Columna("CC");
-    cc->visible = e_.tipos.CC_visible;
-    cc->ancho = e_.tipos.CC_ancho;
-  }
   Cambio();
 }
 

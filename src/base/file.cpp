@@ -230,6 +230,12 @@ std::string CarpetaConfiguracionUsuario() {
   return carpeta.empty() ? std::string() : UnirRuta(carpeta, kNombrePrograma);
 }
 
+std::string TemporaryFolder() {
+  std::error_code error;
+  const fs::path folder = fs::temp_directory_path(error);
+  return error ? std::string() : DePath(folder);
+}
+
 std::string VariableEntorno(const char* nombre) {
 #ifdef _WIN32
   const std::u16string ancho = AUtf16(nombre);

@@ -25,6 +25,7 @@ std::string CarpetaDe(std::string_view ruta);
 std::string NombreDe(std::string_view ruta);
 std::string CarpetaDelPrograma();           // where the executable is
 std::string CarpetaConfiguracionUsuario();  // the user's configuration folder for this program
+std::string TemporaryFolder();              // the system's; "" when it cannot be told
 std::string VariableEntorno(const char* nombre);
 
 }  // namespace base

@@ -13,14 +13,14 @@ namespace {
 
 constexpr std::string_view kFormatoIncorrecto = "Formato incorrecto en la linea ";
 
+}  // namespace
+
 std::string EnUnaLinea(std::string_view texto) {
   std::string limpio(texto);
   for (char& c : limpio)
     if (static_cast<unsigned char>(c) < 0x20) c = ' ';
   return limpio;
 }
-
-}  // namespace
 
 std::string CeldaCsv(std::string_view texto, char separador) {
   if (texto.find_first_of(std::string("\"\r\n") + separador) == std::string_view::npos)

@@ -14,6 +14,9 @@ namespace cli {
 // A cell of a CSV: quoted when it holds the separator, a quote or a line end.
 std::string CeldaCsv(std::string_view texto, char separador);
 
+// The text with every control character, a line end among them, made a blank.
+std::string EnUnaLinea(std::string_view texto);
+
 struct LineaSalida {
   std::size_t linea = 0;
   std::string_view estado;  // importada, rechazada, filtrada, mal_formada

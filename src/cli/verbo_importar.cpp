@@ -1,7 +1,6 @@
 #include <utility>
 
 #include "app/programa.h"
-#include "base/encoding.h"
 #include "base/file.h"
 #include "base/text.h"
 #include "cli/consola.h"
@@ -18,17 +17,16 @@ namespace {
 int LeerAjustes(const OpcionesImportar& o, const std::string& carpeta, std::string& texto,
                 std::ostream& err) {
   const std::string ruta = o.ajustes ? *o.ajustes : settings::RutaDeAjustes(carpeta);
-  const bool existe = base::ExisteArchivo(ruta);
-  if (o.ajustes && !existe) {
+  settings::Ajustes ajustes = settings::LeerAjustes(ruta);
+  if (o.ajustes && ajustes.estado == settings::EstadoAjustes::Falta) {
     err << "El Archivo '" << ruta << "' no existe\n";
     return kSinArchivo;
   }
-  const auto bytes = base::LeerArchivo(ruta);
-  if (existe && !bytes) {
-    err << "El Archivo '" << ruta << "' no se puede leer\n";
+  if (ajustes.estado == settings::EstadoAjustes::Ilegible) {
+    err << "No se pueden leer los ajustes. " << ajustes.motivo << '\n';
     return kEntradaSalida;
   }
-  texto = base::DeCp1252(bytes.value_or(""));
+  texto = std::move(ajustes.texto);
   for (const auto& [clave, valor] : o.opciones) {
     texto = settings::TextoConValor(texto, clave, valor);
     const std::string solo = settings::ValorDeTexto(settings::TextoConValor("", clave, valor), clave);
@@ -68,16 +66,19 @@ bool ElegirDestino(app::Programa& programa, const OpcionesImportar& o, std::ostr
 void Deshacer(app::Programa& programa) {
   db::Connection* conexion = programa.Sesion().conexion.get();
   if (conexion != nullptr && conexion->EnTransaccion())
-    base::ErrorIgnorado("deshacer", nullptr, [&] { conexion->RollbackTrans(); });
+    base::AnyErrorNoted("deshacer", nullptr, [&] { conexion->RollbackTrans(); });
 }
 
-int CodigoDe(const Cuentas& c, const app::Estado& estado) {
-  if (!estado.importacion.error.empty()) return kEntradaSalida;
+// `avisos`: something was told before that may not be meant.
+int CodigoDe(const Cuentas& c, const app::Estado& estado, bool avisos) {
+  if (!estado.importacion.error.empty() || !estado.fallo_de_base.empty()) return kEntradaSalida;
   if (c.importadas == 0) return kNada;
-  return c.rechazadas + c.mal_formadas > 0 ? kAlgunaNo : kTodo;
+  const bool del_todo =
+      c.rechazadas + c.mal_formadas == 0 && estado.importacion.actualizaciones_fallidas.empty();
+  return del_todo && !avisos ? kTodo : kAlgunaNo;
 }
 
-int Mostrar(const OpcionesImportar& o, const app::Programa& programa, Flujos f) {
+int Mostrar(const OpcionesImportar& o, const app::Programa& programa, bool avisos, Flujos f) {
   const auto lineas = LineasDe(programa.Ver());
   const Cuentas cuentas = Contar(lineas);
   if (cuentas.leidas != programa.Ver().lineas) {
@@ -92,8 +93,43 @@ int Mostrar(const OpcionesImportar& o, const app::Programa& programa, Flujos f) 
   // With a CSV the standard output holds nothing else.
   EscribirTotales(o.salida == Formato::Csv ? f.err : f.out << '\n', cuentas, programa.Ver());
   const bool escrita = programa.Ver().importacion.confirmada && !o.solo_revisar;
-  return Terminar(f, CodigoDe(cuentas, programa.Ver()),
+  return Terminar(f, CodigoDe(cuentas, programa.Ver(), avisos),
                   escrita ? ". La importación está hecha: no la repita." : "");
+}
+
+// What an import stands on could not all be read: nothing is imported, nor said of any line. A fault of the
+// base has been told by the program already.
+bool FaltaLeer(const app::Programa& programa, std::ostream& err) {
+  const std::string motivo = programa.MotivoParaNoImportar();
+  if (motivo.empty()) return false;
+  if (programa.Ver().fallo_de_base.empty()) err << motivo << ". No se importa nada.\n";
+  return true;
+}
+
+int ImportarYMostrar(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
+  const std::vector<std::string> avisos = programa.Avisos();
+  for (const std::string& aviso : avisos) f.err << "Aviso: " << EnUnaLinea(aviso) << '\n';
+  if (!programa.Ver().filas.empty()) programa.Importar(o.solo_revisar);
+  return Mostrar(o, programa, !avisos.empty(), f);
+}
+
+int CargarEImportar(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
+  if (FaltaLeer(programa, f.err)) return kEntradaSalida;
+  if (!ElegirDestino(programa, o, f.err)) return kUso;
+  // One load: choosing the other filter brings its own.
+  if (o.filtro_texto)
+    programa.OptFiltro_Click(0);
+  else
+    programa.Activate();
+  if (FaltaLeer(programa, f.err)) return kEntradaSalida;
+  switch (programa.Ver().fin_de_carga) {
+    case importfile::FinDeCarga::SinArchivo:  // or one that cannot be read
+      return base::ExisteArchivo(o.archivo) ? kEntradaSalida : kSinArchivo;
+    case importfile::FinDeCarga::Completa:
+      return ImportarYMostrar(programa, o, f);
+    default:
+      return kArchivoMalo;
+  }
 }
 
 }  // namespace
@@ -113,27 +149,7 @@ int Importar(const OpcionesImportar& o, const std::string& carpeta, const ports:
     f.err << programa.Ver().motivo_base << '\n';
     return kSinBase;
   }
-  int codigo = kNada;
-  if (!ElegirDestino(programa, o, f.err)) {
-    codigo = kUso;
-  } else {
-    // One load: choosing the other filter brings its own.
-    if (o.filtro_texto)
-      programa.OptFiltro_Click(0);
-    else
-      programa.Activate();
-    switch (programa.Ver().fin_de_carga) {
-      case importfile::FinDeCarga::SinArchivo:  // or one that cannot be read
-        codigo = base::ExisteArchivo(o.archivo) ? kEntradaSalida : kSinArchivo;
-        break;
-      case importfile::FinDeCarga::Completa:
-        if (!programa.Ver().filas.empty()) programa.Importar(o.solo_revisar);
-        codigo = Mostrar(o, programa, f);
-        break;
-      default:
-        codigo = kArchivoMalo;
-    }
-  }
+  const int codigo = CargarEImportar(programa, o, f);
   Deshacer(programa);
   for (const auto& error : programa.Errores())
     f.err << "Aviso: " << error.donde << ": " << error.descripcion << '\n';

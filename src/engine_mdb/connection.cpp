@@ -284,6 +284,11 @@ std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opc
   });
 }
 
+std::string ReadOnlyReason(const db::Connection& connection) {
+  const auto* own = dynamic_cast<const ConexionMdb*>(&connection);
+  return own == nullptr ? std::string() : own->ReadOnlyReason();
+}
+
 const Contadores* ContadoresDe(const db::Connection& conexion) {
   const auto* propia = dynamic_cast<const ConexionMdb*>(&conexion);
   return propia == nullptr ? nullptr : &propia->Cuentas();

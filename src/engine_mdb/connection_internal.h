@@ -35,6 +35,7 @@ class ConexionMdb final : public db::Connection {
   void ReleaseSavepoint() override;
 
   const Contadores& Cuentas() const { return contadores_; }
+  std::string ReadOnlyReason() const { return base_ == nullptr ? std::string() : MotivoDeNoEscribir(*base_); }
 
  private:
   void Iniciar(std::unique_ptr<mdb::Base> base);

@@ -34,6 +34,10 @@ std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opc
 std::unique_ptr<db::Connection> Crear(std::string_view ruta, const Opciones& opciones = {},
                                       std::uint16_t orden = 3082);
 
+// Why the file behind a connection cannot be written for now, in Spanish; "" when it can, and for a
+// connection of another engine.
+std::string ReadOnlyReason(const db::Connection& connection);
+
 // What a connection has done, for tests and benchmarks.
 struct Contadores {
   std::int64_t espejos = 0;         // tables mirrored

@@ -1,6 +1,7 @@
 #include "gui/frm_principal2.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QHeaderView>
@@ -35,6 +36,7 @@ FrmPrincipal2::FrmPrincipal2(app::Programa& programa, const Tema& tema, Bomba* b
   ConectarOpciones();
   ConectarRelaciones();
   ConectarGrillas();
+  ConectarSesion();
   programa_.al_cambiar = [this] { Sincronizar(); };
   programa_.BarraDeProgreso().al_pintar = [this] { PintarBarra(); };
   resize(1280, 720);
@@ -49,6 +51,7 @@ FrmPrincipal2::~FrmPrincipal2() {
 void FrmPrincipal2::Armar() {
   columna_.Crear(tema_, this);
   franja_.Crear(tema_, this);
+  lblAviso_ = new Cinta(QStringLiteral("lblAviso"), tema_, this);
   GridAImportar_ = new Grilla(QStringLiteral("GridAImportar"), tema_, this);
   GridAImportar_->setModel(&modelo_importar_);
   GridAImportar_->setAccessibleName(QStringLiteral("Líneas a importar"));
@@ -134,13 +137,19 @@ void FrmPrincipal2::resizeEvent(QResizeEvent* evento) {
 
 // While a load runs it is told to stop, and the window closes when it has.
 void FrmPrincipal2::closeEvent(QCloseEvent* evento) {
-  if (!cerrada_ && !programa_.Unload()) {
+  if (!cerrada_ && !programa_.Unload(terminando_)) {
     evento->ignore();
     return;
   }
   cerrada_ = true;
   Timer1_.stop();
   evento->accept();
+}
+
+void FrmPrincipal2::Terminar() {
+  terminando_ = true;
+  if (isVisible()) close();
+  QCoreApplication::exit(0);
 }
 
 void FrmPrincipal2::CerrarSiTermino() {

@@ -7,6 +7,7 @@
 
 #include "app/programa.h"
 #include "gui/bomba.h"
+#include "gui/cinta.h"
 #include "gui/columna.h"
 #include "gui/franja.h"
 #include "gui/modelos.h"
@@ -26,6 +27,9 @@ class FrmPrincipal2 final : public QWidget {
   // Start-up. False: the program is to end at once, without a window.
   bool Iniciar(const QString& linea_de_comandos);
   bool Cerrada() const { return cerrada_; }
+  // The system wants the program to end: everything is saved without a box, and all event loops end.
+  void Terminar();
+  bool Terminando() const { return terminando_; }
 
   static constexpr int kTimer1 = 400;  // milliseconds
 
@@ -49,6 +53,7 @@ class FrmPrincipal2 final : public QWidget {
   void ConectarOpciones();
   void ConectarRelaciones();
   void ConectarGrillas();
+  void ConectarSesion();
 
   // An event of the operator: handed to the program, and what came of it drawn. Nothing while the window
   // itself sets its controls, and nothing once it is closed.
@@ -65,6 +70,7 @@ class FrmPrincipal2 final : public QWidget {
   void SincronizarRelaciones(const app::Estado& e);
   void SincronizarPaneles(const app::Estado& e);
   void SincronizarGrillas(const app::Estado& e);
+  void SincronizarCinta(const app::Estado& e);
   void OrdenarPrevia(const app::Estado& e);
   void MostrarOrden(const app::Estado& e);
   void PintarBarra();
@@ -83,6 +89,7 @@ class FrmPrincipal2 final : public QWidget {
   PanelFormato formato_;
   PanelRelaciones relaciones_;
   Grilla* GridAImportar_ = nullptr;
+  Cinta* lblAviso_ = nullptr;
   ModeloImportar modelo_importar_;
   ModeloRelaciones modelo_relaciones_;
   ModeloPrevia modelo_previa_;
@@ -90,7 +97,7 @@ class FrmPrincipal2 final : public QWidget {
   app::Revisiones vistas_;   // of the state, as drawn
   QWidget* foco_ = nullptr;  // whose focus waits for the end of a load or an import
   bool primera_vez_ = true, sincronizando_ = false, cerrada_ = false, activacion_en_cola_ = false,
-       cierre_en_cola_ = false;
+       cierre_en_cola_ = false, terminando_ = false;
 };
 
 }  // namespace gui

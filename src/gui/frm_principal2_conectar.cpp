@@ -126,6 +126,16 @@ void FrmPrincipal2::ConectarGrillas() {
   });
 }
 
+// The desktop asks before it ends its session, and may then go on with it: everything is saved and nothing
+// closed.
+void FrmPrincipal2::ConectarSesion() {
+  const auto guardar = [this] {
+    if (!cerrada_) programa_.Resguardar();
+  };
+  connect(qGuiApp, &QGuiApplication::commitDataRequest, this, guardar, Qt::DirectConnection);
+  connect(qGuiApp, &QGuiApplication::saveStateRequest, this, guardar, Qt::DirectConnection);
+}
+
 // Where each field's column stands now: the piece of the line that fills it.
 void FrmPrincipal2::PreviaMovida() {
   std::array<int, 5> posiciones{};

@@ -35,12 +35,17 @@ void FrmPrincipal2::Disponer() {
   const int ancho_columna = AnchoDeColumna(columna_), margen = Px(kMargen);
   const int x = ancho_columna + margen, ancho = width() - x - margen;
   const int alto_franja = franja_.caja->sizeHint().height();
-  const int y_grilla = margen + alto_franja + margen, alto_grilla = height() - y_grilla - margen;
+  // The band stands between the strip and the grid, closer to the grid that it speaks of.
+  const int alto_cinta = lblAviso_->AltoPara(ancho);
+  const int y_cinta = margen + alto_franja + margen;
+  const int y_grilla = y_cinta + (alto_cinta > 0 ? alto_cinta + margen / 2 : 0),
+            alto_grilla = height() - y_grilla - margen;
   setMinimumSize(x + Px(kAnchoPanel) + margen, y_grilla + Px(kAltoMinimoGrilla) + margen);
   if (ancho < franja_.caja->minimumSizeHint().width() || alto_grilla < Px(kAltoMinimoGrilla)) return;
   columna_.Area1->setGeometry(0, 0, ancho_columna, height());
   DisponerColumna();
   franja_.caja->setGeometry(x, margen, ancho, alto_franja);
+  lblAviso_->setGeometry(x, y_cinta, ancho, alto_cinta);
   GridAImportar_->setGeometry(x, y_grilla, ancho, alto_grilla);
   DisponerPaneles();
 }

@@ -72,6 +72,7 @@ void FrmPrincipal2::Sincronizar() {
     SincronizarFormato(e);
     SincronizarRelaciones(e);
     SincronizarPaneles(e);
+    SincronizarCinta(e);
     vistas_ = e.revision;
     primera_vez_ = false;
   }
@@ -229,6 +230,19 @@ void FrmPrincipal2::SincronizarGrillas(const app::Estado& e) {
     relaciones->setCurrentIndex(modelo_relaciones_.index(e.fila_relacion, 0));
   OrdenarPrevia(e);
   MostrarOrden(e);
+}
+
+// Without a base the grid says so by itself.
+void FrmPrincipal2::SincronizarCinta(const app::Estado& e) {
+  QString texto;
+  if (programa_.Sesion().Abierta()) {
+    texto = De(programa_.MotivoParaNoImportar());
+    if (!texto.isEmpty())
+      texto += QStringLiteral("\nNo se importa nada hasta leerla de nuevo con Actualizar.");
+    else
+      texto = De(e.solo_lectura);
+  }
+  if (lblAviso_->Poner(texto)) Disponer();
 }
 
 void FrmPrincipal2::OrdenarPrevia(const app::Estado& e) {

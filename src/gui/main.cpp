@@ -5,10 +5,18 @@
 #include "base/standard_streams.h"
 #include "gui/aplicacion.h"
 #include "gui/dialogos.h"
+#include "gui/fin_de_sesion.h"
 #include "gui/frm_principal2.h"
+
+namespace {
+
+constexpr int kNoSeLeen = 74;  // the settings, as the command line says it
+
+}  // namespace
 
 int main(int argc, char** argv) {
   base::OpenStandardStreams();
+  gui::FinDeSesion fin_de_sesion;
   gui::Aplicacion aplicacion(argc, argv);
   const gui::Tema tema = gui::Tema::Segun(QApplication::palette());
   gui::Aplicacion::Vestir(tema);
@@ -22,9 +30,15 @@ int main(int argc, char** argv) {
   app::Programa programa({dialogos, dialogos, reloj, &bomba}, arranque);
   gui::FrmPrincipal2 ventana(programa, tema, &bomba);
   dialogos.PonerVentana(&ventana);
-  if (!ventana.Iniciar(gui::Aplicacion::LineaDeComandos())) return 0;
-  ventana.show();
-  const int codigo = QApplication::exec();
-  if (!ventana.Cerrada()) programa.Unload();  // ended without a close: the options are kept all the same
+  fin_de_sesion.Atender([&ventana] { ventana.Terminar(); });
+  if (!ventana.Iniciar(gui::Aplicacion::LineaDeComandos()))
+    return programa.Ver().motivo_fin.empty() ? 0 : kNoSeLeen;
+  int codigo = 0;
+  if (!ventana.Terminando()) {
+    ventana.show();
+    codigo = QApplication::exec();
+  }
+  // Ended without a close: the options are kept all the same.
+  if (!ventana.Cerrada()) programa.Unload(ventana.Terminando());
   return codigo;
 }

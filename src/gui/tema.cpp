@@ -36,6 +36,9 @@ Tema Tema::Claro() {
   t.columna_boton = QColor(0x33414F);
   t.columna_encima = QColor(0x3F5061);
   t.columna_borde = QColor(0x4A5B6D);
+  t.aviso = QColor(0xFFF3D1);
+  t.aviso_texto = QColor(0x4F3B00);
+  t.aviso_borde = QColor(0xE0A100);
   PonerColumna(t);
   return t;
 }
@@ -64,6 +67,9 @@ Tema Tema::Oscuro() {
   t.columna_boton = QColor(0x272F38);
   t.columna_encima = QColor(0x323C47);
   t.columna_borde = QColor(0x3E4955);
+  t.aviso = QColor(0x3D3317);
+  t.aviso_texto = QColor(0xFFE7A8);
+  t.aviso_borde = QColor(0xE0A100);
   PonerColumna(t);
   return t;
 }

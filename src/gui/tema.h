@@ -13,7 +13,8 @@ struct Tema {
   QColor acento, acento_encima, acento_apretado, sobre_acento;  // the primary action, focus, selection
   QColor boton, boton_encima, boton_apretado, cabecera;
   QColor columna, columna_texto, columna_tenue, columna_boton, columna_encima, columna_borde;  // Area1
-  QColor bien, mal;  // counts on the column
+  QColor bien, mal;                        // counts on the column
+  QColor aviso, aviso_texto, aviso_borde;  // the band over the grid
 
   static Tema Claro();
   static Tema Oscuro();

@@ -238,8 +238,7 @@ TEST_F(Archivo, WithoutABaseNothingBreaks) {
   cajas_.esperadas = {"La Base no está Abierta", "El Archivo '" + Ruta("no.txt") + "' no existe"};
   p.txtRuta_Change(Ruta("no.txt"));
   p.ObjSelMes_Change(base::FechaDe(2026, 1, 5));
-  cajas_.respuestas = {true};
-  cajas_.esperadas = {"La Base no está Abierta"};
+  cajas_.esperadas = {"La Base no está Abierta"};  // and no question
   p.cbImportar_Click(1);
   EXPECT_TRUE(p.Unload());
 }

@@ -13,6 +13,7 @@
 
 #include "app/carpeta_demo.h"
 #include "app/programa.h"
+#include "base/text.h"
 
 namespace prueba {
 
@@ -24,6 +25,7 @@ class Cajas final : public ports::Prompts, public ports::FilePicker {
     EXPECT_TRUE(respuestas.empty()) << "an answer was not asked for";
   }
   bool Mostrar(const ports::Aviso& aviso) override {
+    mostradas.push_back(aviso.texto);
     if (aceptar_todo) return false;
     if (esperadas.empty()) {
       ADD_FAILURE() << "unexpected box: " << aviso.texto;
@@ -35,6 +37,7 @@ class Cajas final : public ports::Prompts, public ports::FilePicker {
     return false;
   }
   bool Confirmar(const std::string& texto) override {
+    if (al_preguntar) al_preguntar();
     preguntas.push_back(texto);
     if (respuestas.empty()) {
       ADD_FAILURE() << "unexpected question: " << texto;
@@ -54,7 +57,8 @@ class Cajas final : public ports::Prompts, public ports::FilePicker {
   bool aceptar_todo = false;  // boxes are of no interest
   std::deque<std::string> esperadas;
   std::deque<bool> respuestas;
-  std::vector<std::string> preguntas, dialogos;
+  std::vector<std::string> preguntas, dialogos, mostradas;
+  std::function<void()> al_preguntar;
   std::string archivo;
   std::int32_t color = -1;
 };
@@ -73,7 +77,7 @@ class Banco : public ::testing::Test {
   void SetUp() override {
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
     carpeta_ = std::filesystem::temp_directory_path() /
-               ("idm_" + std::string(info->test_suite_name()) + "_" + info->name());
+               base::Reemplazar("idm_" + std::string(info->test_suite_name()) + "_" + info->name(), "/", "_");
     std::filesystem::remove_all(carpeta_);
     std::filesystem::create_directories(carpeta_);
   }

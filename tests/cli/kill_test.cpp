@@ -55,11 +55,12 @@ bool LeerLineas(int lectura, int lineas) {
 // The name of an instalment is worked out for each line while it is imported, and this one's extra datum
 // shows a box each time. The pipe is read for a while and then no more: it fills long before the last line,
 // so that the program stands still in the middle of its run when it is killed.
-class Kill : public ::testing::TestWithParam<const char*> {};
+class Kill : public ::testing::TestWithParam<std::tuple<const char*, int>> {};
 
 TEST_P(Kill, InTheMiddleOfAnImport) {
   constexpr int kLineas = 20'000, kLeidas = 3'000;
-  const prueba::Mesa mesa(GetParam());
+  const auto [motor, senal] = GetParam();
+  const prueba::Mesa mesa(motor);
   ASSERT_EQ(mesa.Demo().codigo, cli::kTodo);
   std::string texto;
   for (int i = 0; i < kLineas; ++i) texto += (i > 0 ? "\r\n" : "") + std::string("007005;AD;10;(roto");
@@ -72,11 +73,12 @@ TEST_P(Kill, InTheMiddleOfAnImport) {
   int lectura = -1;
   const pid_t hijo = Lanzar(argumentos, lectura);
   ASSERT_TRUE(LeerLineas(lectura, kLeidas));
-  ASSERT_EQ(kill(hijo, SIGKILL), 0);
+  ASSERT_EQ(kill(hijo, senal), 0);
   int estado = 0;
   ASSERT_EQ(waitpid(hijo, &estado, 0), hijo);
   close(lectura);
   ASSERT_TRUE(WIFSIGNALED(estado)) << "it ended by itself";
+  EXPECT_EQ(WTERMSIG(estado), senal);
   EXPECT_EQ(mesa.Filas(), antes);
 
   // And nothing stands in the way of the next run.
@@ -86,8 +88,13 @@ TEST_P(Kill, InTheMiddleOfAnImport) {
   EXPECT_NE(s.out.find("importadas: 48 "), std::string::npos);
 }
 
-INSTANTIATE_TEST_SUITE_P(Motores, Kill, ::testing::Values("mdb", "sqlite"),
-                         [](const auto& caso) { return std::string(caso.param); });
+INSTANTIATE_TEST_SUITE_P(Motores, Kill,
+                         ::testing::Combine(::testing::Values("mdb", "sqlite"),
+                                            ::testing::Values(SIGKILL, SIGTERM, SIGHUP)),
+                         [](const auto& caso) {
+                           return std::string(std::get<0>(caso.param)) + "_" +
+                                  std::to_string(std::get<1>(caso.param));
+                         });
 
 #endif
 

@@ -1,4 +1,5 @@
 // Closing, by whatever way.
+#include <QGuiApplication>
 #include <QTimer>
 
 #include "gui/banco_gui.h"
@@ -137,6 +138,45 @@ TEST_F(Cierre, NothingIsDoneAfterwards) {
   // Not one box: no handler reaches the program.
   for (auto* boton : ventana_->findChildren<QAbstractButton*>()) boton->click();
   EXPECT_TRUE(cajas_.dialogos.empty());
+}
+
+// The desktop asks before it ends its session. Who emits cannot be made here, and nobody looks at the
+// manager.
+void PedirSesion(void (QGuiApplication::*pedido)(QSessionManager&)) {
+  (qGuiApp->*pedido)(reinterpret_cast<QSessionManager&>(*qGuiApp));
+}
+
+TEST_F(Cierre, LoggingOffSavesAsClosingDoes) {
+  for (const auto pedido : {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest}) {
+    AbrirSinBase();
+    Escribir(Caja("txtFormulaSGN"), "*6");
+    PedirSesion(pedido);
+    EXPECT_NE(Leer("ImportDeMarcas.ini").find("[FactMultiplica]\r\n*6\r\n"), std::string::npos);
+    // The session may go on.
+    EXPECT_FALSE(ventana_->Cerrada());
+    EXPECT_TRUE(ventana_->isVisible());
+    Escribir(Caja("txtFormulaSGN"), "*7");
+    ventana_->close();
+    EXPECT_NE(Leer("ImportDeMarcas.ini").find("[FactMultiplica]\r\n*7\r\n"), std::string::npos);
+    PedirSesion(pedido);  // closed: nothing more
+    std::filesystem::remove(Ruta("ImportDeMarcas.ini"));
+    PedirSesion(pedido);
+    EXPECT_FALSE(std::filesystem::exists(Ruta("ImportDeMarcas.ini")));
+  }
+}
+
+TEST_F(Cierre, TheEndOfTheSystemsSessionClosesWithoutABox) {
+  AbrirSinBase();
+  Escribir(Caja("txtFormulaSGN"), "*8");
+  std::filesystem::remove(Ruta("ImportDeMarcas.ini"));
+  std::filesystem::create_directories(
+      Ruta("ImportDeMarcas.ini"));  // it cannot be stored, and that is no time for boxes
+  ventana_->Terminar();
+  EXPECT_TRUE(ventana_->Cerrada());
+  bool aparte = false;
+  for (const auto& entrada : std::filesystem::directory_iterator(carpeta_))
+    aparte = aparte || entrada.path().filename().string().starts_with("ImportDeMarcas sin guardar");
+  EXPECT_TRUE(aparte);
 }
 
 }  // namespace

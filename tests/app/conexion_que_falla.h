@@ -1,0 +1,62 @@
+// A connection that answers until it is told to fail.
+#pragma once
+
+#include <memory>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "base/text.h"
+#include "db/connection.h"
+
+namespace prueba {
+
+enum class Falla { Ninguna, Sentencia, Almacenamiento, Memoria };
+
+// What fails, shared with the test.
+struct Desperfecto {
+  Falla falla = Falla::Ninguna;
+  std::string en;  // only statements that hold this text; "": all
+  int veces = 0;   // how often it has failed
+};
+
+class ConexionQueFalla final : public db::Connection {
+ public:
+  ConexionQueFalla(std::unique_ptr<db::Connection> abajo, std::shared_ptr<Desperfecto> desperfecto)
+      : abajo_(std::move(abajo)), desperfecto_(std::move(desperfecto)) {}
+
+  bool Abierta() const override { return abajo_->Abierta(); }
+  void Cerrar() override { abajo_->Cerrar(); }
+  db::Recordset Ejecutar(std::string_view sql) override {
+    Fallar(sql);
+    return abajo_->Ejecutar(sql);
+  }
+  db::Recordset Consultar(std::string_view sql) override {
+    Fallar(sql);
+    return abajo_->Consultar(sql);
+  }
+  std::int64_t FilasAfectadas() const override { return abajo_->FilasAfectadas(); }
+  void BeginTrans() override { abajo_->BeginTrans(); }
+  void CommitTrans() override { abajo_->CommitTrans(); }
+  void RollbackTrans() override { abajo_->RollbackTrans(); }
+  bool EnTransaccion() const override { return abajo_->EnTransaccion(); }
+  void SetSavepoint() override { abajo_->SetSavepoint(); }
+  void RollbackToSavepoint() override { abajo_->RollbackToSavepoint(); }
+  void ReleaseSavepoint() override { abajo_->ReleaseSavepoint(); }
+
+ private:
+  void Fallar(std::string_view sql) {
+    if (desperfecto_->falla == Falla::Ninguna) return;
+    if (!base::Contiene(sql, desperfecto_->en, base::Comparar::SinCaso)) return;
+    ++desperfecto_->veces;
+    if (desperfecto_->falla == Falla::Memoria) throw std::bad_alloc();
+    throw db::Error(
+        "no contesta", 0, {},
+        desperfecto_->falla == Falla::Almacenamiento ? base::ErrorKind::Storage : base::ErrorKind::Statement);
+  }
+
+  std::unique_ptr<db::Connection> abajo_;
+  std::shared_ptr<Desperfecto> desperfecto_;
+};
+
+}  // namespace prueba

@@ -1,0 +1,257 @@
+// A base that stops answering, and a base that lacks something: nothing is imported on half of the data, and
+// it is told.
+#include "app/banco.h"
+#include "app/conexion_que_falla.h"
+
+namespace {
+
+using prueba::Falla;
+
+constexpr const char* kAviso =
+    "Falló la base: no contesta\r\nNo se importa nada hasta volver a leerla entera.";
+constexpr const char* kNoImporta =
+    "Falló la base: no contesta\r\nNo se importa nada hasta leerla de nuevo con Actualizar.";
+
+class Fallos : public prueba::Banco, public ::testing::WithParamInterface<demo::Motor> {
+ protected:
+  void SetUp() override {
+    Banco::SetUp();
+    Demo(GetParam());
+    Escribir("pocas.txt", "007001;HC;8\r\n007001;HE;2,5\r\n007003;HE;4");
+  }
+  // The program's connection from now on.
+  void Envolver(app::Programa& p) {
+    p.Sesion().conexion =
+        std::make_unique<prueba::ConexionQueFalla>(std::move(p.Sesion().conexion), desperfecto_);
+  }
+  app::Programa& Cargado() {
+    app::Programa& p = Crear();
+    EXPECT_TRUE(p.IniciarCon(demo_.referencia, Ruta("pocas.txt")));
+    p.Activate();
+    EXPECT_EQ(p.Ver().filas.size(), 3U);
+    Envolver(p);
+    return p;
+  }
+  void Romper(Falla falla, const std::string& en = {}) { *desperfecto_ = {falla, en, 0}; }
+  void Sanar() { *desperfecto_ = {}; }
+  std::string Datos() { return Consulta("Select Count(*) & '/' & Sum(Cantidad) From Datos_Liquidacion"); }
+  // The button says why, does not ask, and leaves the base alone.
+  void NadaSeImporta(app::Programa& p, const std::string& caja) {
+    const std::string antes = Datos();
+    cajas_.esperadas = {caja};
+    p.cbImportar_Click(1);
+    EXPECT_TRUE(cajas_.esperadas.empty());
+    EXPECT_TRUE(cajas_.preguntas.empty());
+    EXPECT_EQ(Datos(), antes);
+  }
+  void SeImporta(app::Programa& p) {
+    EXPECT_EQ(p.MotivoParaNoImportar(), "");
+    cajas_.respuestas = {true};
+    p.cbImportar_Click(1);
+    EXPECT_EQ(p.Ver().importacion.importadas, 3U);
+  }
+
+  std::shared_ptr<prueba::Desperfecto> desperfecto_ = std::make_shared<prueba::Desperfecto>();
+};
+
+// While the window opens, at each of its readings.
+TEST_P(Fallos, AtTheStartTheWindowStaysWithoutData) {
+  for (const Falla falla : {Falla::Almacenamiento, Falla::Memoria})
+    for (const char* en : {"DatosUsuTablas", "Update valores", "Con_Contrato", "TipoOperacion"}) {
+      SCOPED_TRACE(en);
+      app::Programa& p = Crear();
+      Romper(falla, en);
+      bool envuelta = false;
+      p.al_cambiar = [&] {  // as soon as the company's types were read
+        if (!envuelta && p.Sesion().Abierta() && !p.Ver().tipos.cmbLiquidaciones.items.empty()) Envolver(p);
+        envuelta = envuelta || p.Sesion().Abierta();
+      };
+      const std::string motivo = falla == Falla::Memoria ? "No hay memoria suficiente." : "no contesta";
+      cajas_.esperadas = {"Falló la base: " + motivo +
+                          "\r\nNo se importa nada hasta volver a leerla entera."};
+      ASSERT_TRUE(p.IniciarCon(demo_.referencia, Ruta("pocas.txt")));
+      EXPECT_TRUE(cajas_.esperadas.empty());
+      EXPECT_EQ(desperfecto_->veces, 1);
+      p.Activate();
+      EXPECT_TRUE(p.Ver().filas.empty());
+      EXPECT_FALSE(p.Ver().cargando);
+      EXPECT_EQ(p.Ver().fallo_de_base, motivo);
+      NadaSeImporta(
+          p, "Falló la base: " + motivo + "\r\nNo se importa nada hasta leerla de nuevo con Actualizar.");
+      // Still out of order: told again, and nothing else.
+      cajas_.esperadas = {"Falló la base: " + motivo +
+                          "\r\nNo se importa nada hasta volver a leerla entera."};
+      p.cbActualizar_Click();
+      EXPECT_TRUE(cajas_.esperadas.empty());
+      EXPECT_TRUE(p.Ver().filas.empty());
+      Sanar();
+      p.cbActualizar_Click();
+      EXPECT_EQ(p.Ver().filas.size(), 3U);
+      EXPECT_EQ(p.MotivoParaNoImportar(), "");
+      p.al_cambiar = nullptr;
+    }
+}
+
+// In the hands of the operator: whatever the handler reads.
+TEST_P(Fallos, InAHandlerTheyAreToldOnceAndStopImports) {
+  const std::pair<const char*, std::function<void(app::Programa&)>> manejadores[] = {
+      {"clock data", [](auto& p) { p.chkSoloDReloj_Click(false); }},
+      {"month", [this](auto& p) { p.ObjSelMes_Change(kMes); }},
+      {"instalments", [](auto& p) { p.chkImportarCuotas_Click(true); }},
+      {"cost centre", [](auto& p) { p.chkConCC_Click(true); }},
+      {"cost centre in the extra datum", [](auto& p) { p.chkCCDefEnDatExt_Click(true); }},
+      {"automatic link", [](auto& p) { p.chkVincAutConOrsa_Click(true); }},
+      {"formula", [](auto& p) {
+         p.txtFormulaSGN_Change("SQL(SELECCIONAR Cantidad DE Datos_Liquidacion)");
+         p.cbActualizar_Click();
+       }}};
+  for (const auto& [nombre, manejador] : manejadores)
+    for (const Falla falla : {Falla::Almacenamiento, Falla::Memoria}) {
+      SCOPED_TRACE(nombre);
+      app::Programa& p = Cargado();
+      p.Sesion().LiqAgrup = true;  // the two of the cost centre read only then
+      Romper(falla);
+      const std::string motivo = falla == Falla::Memoria ? "No hay memoria suficiente." : "no contesta";
+      cajas_.esperadas = {"Falló la base: " + motivo +
+                          "\r\nNo se importa nada hasta volver a leerla entera."};
+      EXPECT_NO_THROW(manejador(p));
+      EXPECT_TRUE(cajas_.esperadas.empty());
+      EXPECT_EQ(desperfecto_->veces, 1);
+      Sanar();
+      NadaSeImporta(
+          p, "Falló la base: " + motivo + "\r\nNo se importa nada hasta leerla de nuevo con Actualizar.");
+      p.txtFormulaSGN_Change("");
+      // Reading one thing well is not enough: the grid still stands on what was read before.
+      p.chkImportarCuotas_Click(false);
+      EXPECT_NE(p.MotivoParaNoImportar(), "");
+      p.chkVincAutConOrsa_Click(false);
+      p.chkConCC_Click(false);
+      p.chkCCDefEnDatExt_Click(false);
+      p.chkSoloDReloj_Click(true);
+      p.cbActualizar_Click();
+      EXPECT_EQ(p.MotivoParaNoImportar(), "");
+    }
+}
+
+TEST_P(Fallos, AnImportThatMeetsOneStandsOnNothingAfterwards) {
+  app::Programa& p = Cargado();
+  const std::string antes = Datos();
+  Romper(Falla::Almacenamiento, "Insert into Datos_Liquidacion");
+  cajas_.respuestas = {true};
+  cajas_.esperadas = {"no contesta"};
+  p.cbImportar_Click(1);
+  EXPECT_EQ(p.Ver().importacion.importadas, 0U);
+  Sanar();
+  EXPECT_EQ(Datos(), antes);
+  cajas_.preguntas.clear();
+  NadaSeImporta(p, kNoImporta);
+  p.cbActualizar_Click();
+  SeImporta(p);
+}
+
+// Relations that were edited and read well are not read over.
+TEST_P(Fallos, ReadingAgainKeepsEditedRelations) {
+  app::Programa& p = Cargado();
+  p.cmbConceptos_Click(0);
+  p.txtTipo_Change("ZZ");
+  p.cbAgrQuit_Click(0);
+  const std::string editadas = p.Ver().relaciones.Texto();
+  Romper(Falla::Almacenamiento);
+  cajas_.esperadas = {kAviso};
+  p.ObjSelMes_Change(kMes);
+  Sanar();
+  p.cbActualizar_Click();
+  EXPECT_EQ(p.MotivoParaNoImportar(), "");
+  EXPECT_EQ(p.Ver().relaciones.Texto(), editadas);
+}
+
+// A statement that fails where an import stands on its rows.
+TEST_P(Fallos, WhatCouldNotBeReadIsNamed) {
+  const std::pair<const char*, const char*> lecturas[] = {
+      {"From Empresa", "la fila de la empresa"},
+      {"Calendario_Liq", "la lista de tipos de liquidación"},
+      {"DatosUsuTablas", "la lista de tablas de usuario"},
+      {"Con_Contrato", "la lista de contratos del mes"},
+      {"TipoOperacion", "la lista de conceptos"}};
+  for (const auto& [en, que] : lecturas) {
+    SCOPED_TRACE(en);
+    app::Programa& p = Cargado();
+    // One fault makes it read everything again.
+    Romper(Falla::Almacenamiento);
+    cajas_.esperadas = {kAviso};
+    p.ObjSelMes_Change(kMes);
+    Romper(Falla::Sentencia, en);
+    p.cbActualizar_Click();
+    EXPECT_EQ(p.Ver().fallo_de_base, "");
+    Sanar();
+    NadaSeImporta(p, std::string("No se pudo leer ") + que +
+                         ": no contesta\r\nNo se importa nada hasta leerla de nuevo con Actualizar.");
+    p.cbActualizar_Click();
+    EXPECT_EQ(p.MotivoParaNoImportar(), "");
+  }
+}
+
+// Rows that were loaded without contracts carry no kind of pay: they are loaded anew before anything is
+// imported.
+TEST_P(Fallos, AGridLoadedOnHalfOfTheDataIsNotImported) {
+  app::Programa& p = Cargado();
+  Romper(Falla::Sentencia, "Con_Contrato");
+  p.ObjSelMes_Change(kMes);
+  EXPECT_EQ(p.Ver().filas.size(), 3U);
+  Sanar();
+  p.chkSoloDReloj_Click(true);  // reads the contracts, not the grid
+  EXPECT_EQ(p.Ver().personas.motivo_fallo, "");
+  EXPECT_NE(p.MotivoParaNoImportar(), "");
+  p.cbActualizar_Click();
+  SeImporta(p);
+}
+
+TEST_P(Fallos, ACompanyWithoutARowStopsTheImport) {
+  { Cargado().Sesion().conexion->Ejecutar("Delete * From Empresa"); }
+  app::Programa& p = Crear();
+  ASSERT_TRUE(p.IniciarCon(demo_.referencia, Ruta("pocas.txt")));
+  p.Activate();
+  EXPECT_EQ(p.Sesion().idEmpresa, 0);
+  NadaSeImporta(
+      p,
+      "No se pudo leer la fila de la empresa: La tabla Empresa no tiene ninguna fila.\r\nNo se importa nada "
+      "hasta leerla de nuevo con Actualizar.");
+}
+
+TEST_P(Fallos, ABulkUpdateThatFailsIsTold) {
+  app::Programa& p = Cargado();
+  Romper(Falla::Sentencia, "ACambiarMontos");
+  cajas_.aceptar_todo = true;
+  cajas_.respuestas = {true};
+  p.cbImportar_Click(1);
+  cajas_.aceptar_todo = false;
+  EXPECT_EQ(p.Ver().importacion.importadas, 3U);
+  ASSERT_EQ(p.Ver().importacion.actualizaciones_fallidas.size(), 1U);
+  ASSERT_FALSE(cajas_.mostradas.empty());
+  EXPECT_EQ(cajas_.mostradas.back(), "Las cantidades quedaron importadas, pero falló lo que las completa: " +
+                                         p.Ver().importacion.actualizaciones_fallidas[0]);
+}
+
+// The same person and concept in two lines while summing is off: told before the question, in a box of its
+// own.
+TEST_P(Fallos, WhatMayNotBeMeantIsToldBeforeTheQuestion) {
+  app::Programa& p = Crear();
+  Escribir("dos.txt", "007001;HE;8\r\n007001;HE;2,5");
+  ASSERT_TRUE(p.IniciarCon(demo_.referencia, Ruta("dos.txt")));
+  p.chkSumarAyaIng_Click(false);
+  p.chkTotalizarConc_Click(false);
+  p.Activate();
+  const std::vector<std::string> avisos = p.Avisos();
+  ASSERT_EQ(avisos.size(), 1U);
+  cajas_.esperadas = {avisos[0]};
+  cajas_.respuestas = {false};
+  cajas_.al_preguntar = [&] { EXPECT_TRUE(cajas_.esperadas.empty()) << "the question came first"; };
+  p.cbImportar_Click(1);
+  EXPECT_EQ(cajas_.preguntas.size(), 1U);
+  cajas_.al_preguntar = nullptr;
+}
+
+INSTANTIATE_TEST_SUITE_P(Motores, Fallos, ::testing::Values(demo::Motor::Mdb, demo::Motor::Sqlite),
+                         [](const auto& i) { return i.param == demo::Motor::Mdb ? "mdb" : "sqlite"; });
+
+}  // namespace

@@ -1,0 +1,64 @@
+// What the band over the grid says, and for how long.
+#include "app/conexion_que_falla.h"
+#include "engine_mdb/mdb_connection.h"
+#include "gui/banco_gui.h"
+#include "gui/cinta.h"
+
+namespace {
+
+class Avisos : public prueba::Ventana {
+ protected:
+  std::string Cinta() const {
+    const auto* cinta = static_cast<gui::Cinta*>(Hallar<QLabel>("lblAviso"));
+    EXPECT_EQ(cinta->isVisible(), !cinta->text().isEmpty());
+    if (cinta->isVisible()) {
+      EXPECT_GE(cinta->height(), cinta->fontMetrics().height());
+      EXPECT_LT(cinta->geometry().bottom(), Hallar<QWidget>("GridAImportar")->y());
+      EXPECT_GT(cinta->y(), Hallar<QWidget>("franja")->geometry().bottom());
+    }
+    return gui::A(cinta->text());
+  }
+};
+
+TEST_F(Avisos, NothingToSayTakesNoRoom) {
+  Abrir();
+  EXPECT_EQ(Cinta(), "");
+  const QRect franja = Hallar<QWidget>("franja")->geometry();
+  EXPECT_EQ(Hallar<QWidget>("GridAImportar")->y(), franja.y() + franja.height() + gui::Px(180));
+}
+
+TEST_F(Avisos, ABaseThatAnotherProgramHasSaysSo) {
+  Demo();
+  auto otro = engine_mdb::Abrir(Ruta("Personal.mdb"));
+  cajas_.aceptar_todo = true;
+  ASSERT_TRUE(Iniciar(demo_.referencia + "*" + demo_.archivo));
+  Mostrar();
+  EXPECT_EQ(Cinta(), programa_->Ver().solo_lectura);
+  EXPECT_NE(Cinta(), "");
+  EXPECT_EQ(gui::A(Hallar<QLabel>("LblEmpresa")->text()), "Empresa: " + demo_.referencia);
+  otro.reset();
+  cajas_.respuestas = {true};
+  Pulsar("cbImportar");
+  EXPECT_EQ(Cinta(), "");
+}
+
+TEST_F(Avisos, ABaseThatFailedSaysWhatToDo) {
+  AbrirCargada();
+  const auto desperfecto = std::make_shared<prueba::Desperfecto>();
+  programa_->Sesion().conexion =
+      std::make_unique<prueba::ConexionQueFalla>(std::move(programa_->Sesion().conexion), desperfecto);
+  desperfecto->falla = prueba::Falla::Almacenamiento;
+  cajas_.esperadas = {"Falló la base: no contesta\r\nNo se importa nada hasta volver a leerla entera."};
+  Hallar<QDateEdit>("ObjSelMes")->setDate(QDate(2026, 9, 1));
+  EXPECT_EQ(Cinta(), "Falló la base: no contesta\nNo se importa nada hasta leerla de nuevo con Actualizar.");
+  cajas_.esperadas = {
+      "Falló la base: no contesta\r\nNo se importa nada hasta leerla de nuevo con Actualizar."};
+  Pulsar("cbImportar");
+  EXPECT_TRUE(cajas_.preguntas.empty());
+  desperfecto->falla = prueba::Falla::Ninguna;
+  cajas_.esperadas = {"Formato incorrecto en la linea 45"};
+  Pulsar("cbActualizar");
+  EXPECT_EQ(Cinta(), "");
+}
+
+}  // namespace
