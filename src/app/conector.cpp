@@ -8,6 +8,7 @@
 #include "engine_mdb/mdb_connection.h"
 #include "engine_odbc/odbc_connection.h"
 #include "engine_sqlite/sqlite_connection.h"
+#include "relations/code_relations.h"
 #include "settings/config_file.h"
 
 namespace app {
@@ -70,13 +71,6 @@ bool EsRelativa(std::string_view ruta) {
            (ruta.size() > 1 && ruta[1] == ':'));
 }
 
-// An identifier that 32 bits do not hold is none.
-std::int32_t IdUsuario(std::string_view texto) {
-  std::int32_t id = 0;
-  base::ErrorIgnorado("ConfBase: Usuario", nullptr, [&] { id = base::Entero32(base::Parse(texto)); });
-  return id;
-}
-
 // Of the database; its blanks count.
 std::string Contrasena(const std::string& texto) {
   std::string contrasena = settings::ValorDeTexto(texto, "Contraseña");
@@ -99,7 +93,7 @@ Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
     c = AbrirArchivo(en_disco, motor, Contrasena(texto), reloj);
   else
     return Fallo("'" + ruta + "' pide un motor desconocido: " + motor);
-  c.id_Usuario = IdUsuario(valor("Usuario"));
+  c.id_Usuario = relations::IdentificadorDe(valor("Usuario")).value_or(0);
   return c;
 }
 

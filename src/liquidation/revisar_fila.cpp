@@ -11,9 +11,7 @@ namespace {
 
 using importfile::ImportRow;
 
-constexpr double kSinConcepto = -1;
-constexpr double kMenor = std::numeric_limits<std::int32_t>::min(),
-                 kMayor = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kSinConcepto = -1;
 
 int Numero(const std::string& texto) {
   const double n = base::ValorNumerico(texto);
@@ -53,10 +51,8 @@ double NumeroDeLinea(std::string_view texto) {
 }
 
 std::optional<std::int32_t> ConceptoDeRelacion(std::string_view texto) {
-  const auto numero = base::NumeroDeTexto(texto);
-  if (!numero || *numero != std::trunc(*numero) || *numero == kSinConcepto) return std::nullopt;
-  if (*numero < kMenor || *numero > kMayor) return std::nullopt;
-  return static_cast<std::int32_t>(*numero);
+  const auto id = relations::IdentificadorDe(texto);
+  return id == kSinConcepto ? std::nullopt : id;
 }
 
 std::int32_t Identificador32(std::string_view texto) { return base::Entero32(base::ValorNumerico(texto)); }

@@ -243,7 +243,7 @@ TEST_F(Conexion, LasCondicionesLargasValen) {
   }
   EXPECT_EQ(Filas(lista + ")"), "1");
   EXPECT_EQ(Error("SELECT Count(*) FROM t WHERE k In (0" + Repetir(",1", 40000) + ")"),
-            "La sentencia tiene demasiados valores.");
+            "La lista de IN no puede tener más de 20000 (línea 1, columna 40037)");
   EXPECT_EQ(Filas("SELECT 1" + Repetir(" + 1", 300)), "301");
   EXPECT_EQ(Filas("SELECT Len('a'" + Repetir(" & 'b'", 900) + ")"), "901");
 }
