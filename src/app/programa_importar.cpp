@@ -79,8 +79,7 @@ void Programa::AnotarImportacion(bool deshacer) {
   }
   VerSoloLectura();
   if (deshacer || !i.confirmada || i.actualizaciones_fallidas.empty()) return;
-  Avisar("Las cantidades quedaron importadas, pero falló lo que las completa: " +
-         base::Join(i.actualizaciones_fallidas, "; "));
+  Avisar("Las cantidades quedaron importadas.\r\n" + base::Join(i.actualizaciones_fallidas, "\r\n"));
 }
 
 }  // namespace app

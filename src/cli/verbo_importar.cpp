@@ -102,7 +102,7 @@ int Mostrar(const OpcionesImportar& o, const app::Programa& programa, bool aviso
 bool FaltaLeer(const app::Programa& programa, std::ostream& err) {
   const std::string motivo = programa.MotivoParaNoImportar();
   if (motivo.empty()) return false;
-  if (programa.Ver().fallo_de_base.empty()) err << motivo << ". No se importa nada.\n";
+  if (programa.Ver().fallo_de_base.empty()) err << motivo << "\nNo se importa nada.\n";
   return true;
 }
 

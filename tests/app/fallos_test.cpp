@@ -228,8 +228,8 @@ TEST_P(Fallos, ABulkUpdateThatFailsIsTold) {
   EXPECT_EQ(p.Ver().importacion.importadas, 3U);
   ASSERT_EQ(p.Ver().importacion.actualizaciones_fallidas.size(), 1U);
   ASSERT_FALSE(cajas_.mostradas.empty());
-  EXPECT_EQ(cajas_.mostradas.back(), "Las cantidades quedaron importadas, pero falló lo que las completa: " +
-                                         p.Ver().importacion.actualizaciones_fallidas[0]);
+  EXPECT_EQ(cajas_.mostradas.back(),
+            "Las cantidades quedaron importadas.\r\n" + p.Ver().importacion.actualizaciones_fallidas[0]);
 }
 
 // The same person and concept in two lines while summing is off: told before the question, in a box of its

@@ -15,7 +15,7 @@ class Guardar : public prueba::Banco {
   }
   bool SiguenLasGuardadas() const { return Leer("ImportDeMarcas.ini").find(kGuardadas) != std::string::npos; }
   void Abrir() {
-    Escribir("x.txt", "1;1;8\r\n1;1;9\r\n1;1;9");
+    Escribir("x.txt", "7001 HE 8\r\n7001 HE 9\r\n7003 HE 9");
     cajas_.aceptar_todo = true;
     ASSERT_TRUE(Crear().IniciarCon(demo_.referencia, Ruta("x.txt")));
   }

@@ -13,6 +13,7 @@
 #include <memory>
 
 #include "app/carpeta_demo.h"
+#include "app/conector.h"
 #include "base/file.h"
 #include "base/standard_streams.h"
 #include "gui/aplicacion.h"
@@ -58,9 +59,11 @@ class BombaConFoto final : public ports::EventPump {
 // The window on a demo of its own, in a folder of that name under the current one.
 class Escena {
  public:
-  Escena(const QString& carpeta, const gui::Tema& tema, bool con_archivo) {
+  // `ajena`: another program has the base.
+  Escena(const QString& carpeta, const gui::Tema& tema, bool con_archivo, bool ajena = false) {
     gui::Aplicacion::Vestir(tema);
     demo_ = app::CrearCarpetaDemo(gui::A(carpeta), base::FechaDe(2026, 11, 1), reloj_);
+    if (ajena) otro_ = app::AbrirReferencia(demo_.referencia, reloj_);
     app::Arranque arranque;
     arranque.carpeta = gui::A(carpeta);
     arranque.version = IDM_VERSION;
@@ -116,12 +119,14 @@ class Escena {
   BombaConFoto bomba_;
   Respuestas cajas_;
   app::CarpetaDemo demo_;
+  app::Conexion otro_;
   std::unique_ptr<app::Programa> programa_;
   std::unique_ptr<gui::FrmPrincipal2> ventana_;
 };
 
 bool FotosClaras(const QString& destino) {
   bool bien = Escena(QStringLiteral("vacia"), gui::Tema::Claro(), false).Foto(destino + "/ventana-vacia.png");
+  bien = Escena(QStringLiteral("ajena"), gui::Tema::Claro(), true, true).Foto(destino + "/aviso.png") && bien;
   Escena e(QStringLiteral("demo"), gui::Tema::Claro(), true);
   bien = e.Foto(destino + "/ventana-cargada.png") && bien;
   bien = e.FotoCargando(destino + "/cargando.png") && bien;
@@ -139,9 +144,11 @@ bool FotosClaras(const QString& destino) {
 }
 
 bool FotosOscuras(const QString& destino) {
+  bool bien = Escena(QStringLiteral("ajena_oscura"), gui::Tema::Oscuro(), true, true)
+                  .Foto(destino + "/aviso-oscuro.png");
   Escena e(QStringLiteral("oscura"), gui::Tema::Oscuro(), true);
   e.Pulsar("cbImportar");
-  bool bien = e.Foto(destino + "/ventana-oscura.png");
+  bien = e.Foto(destino + "/ventana-oscura.png") && bien;
   e.Pulsar("cbConfigurar_0");
   bien = e.Foto(destino + "/panel-formato-oscuro.png") && bien;
   e.Pulsar("cbConfigurar_1");
