@@ -22,6 +22,8 @@ void Programa::cbImportar_Click(int boton) {
     if (sesion_.Abierta()) motivo += "\r\nNo se importa nada hasta leerla de nuevo con Actualizar.";
     return Avisar(std::move(motivo));
   }
+  // The updates of the whole month belong to an import: without lines there is none.
+  if (e_.filas.empty()) return Avisar("No hay líneas para importar.");
   const std::vector<std::string> avisos = Avisos();
   if (!avisos.empty()) Avisar(base::Join(avisos, "\r\n\r\n"));
   if (!puertos_.prompts.Confirmar(Confirmacion())) return;

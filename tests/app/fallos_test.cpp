@@ -218,6 +218,21 @@ TEST_P(Fallos, ACompanyWithoutARowStopsTheImport) {
       "hasta leerla de nuevo con Actualizar.");
 }
 
+// Nor the updates of the month, which no line asked for.
+TEST_P(Fallos, AnEmptyGridTouchesNothing) {
+  app::Programa& p = Crear();
+  Escribir("nada.txt", "007001;XX;8");
+  ASSERT_TRUE(p.IniciarCon(demo_.referencia, Ruta("nada.txt")));
+  p.Activate();
+  ASSERT_TRUE(p.Ver().filas.empty());
+  Envolver(p);
+  Romper(Falla::Sentencia);
+  cajas_.esperadas = {"No hay líneas para importar."};
+  p.cbImportar_Click(1);
+  EXPECT_EQ(desperfecto_->veces, 0);
+  EXPECT_TRUE(cajas_.preguntas.empty());
+}
+
 TEST_P(Fallos, ABulkUpdateThatFailsIsTold) {
   app::Programa& p = Cargado();
   Romper(Falla::Sentencia, "ACambiarMontos");
