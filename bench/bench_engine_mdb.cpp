@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <random>
 #include <string>
 
 #include "base/standard_streams.h"
@@ -50,8 +51,8 @@ void Llenar(const std::string& ruta, long filas) {
 int main(int argc, char** argv) {
   base::OpenStandardStreams();
   const long filas = argc > 1 ? std::atol(argv[1]) : 400000;
-  const auto carpeta = std::filesystem::temp_directory_path() / "bench_engine_mdb";
-  std::filesystem::remove_all(carpeta);
+  const auto carpeta =
+      std::filesystem::temp_directory_path() / ("bench_engine_mdb_" + std::to_string(std::random_device{}()));
   std::filesystem::create_directory(carpeta);
   const std::string ruta = (carpeta / "grande.mdb").string();
   try {

@@ -74,9 +74,18 @@ const Propiedades& Catalogo::PropiedadesDe(std::string_view tabla) const {
   return leido.propiedades.emplace(clave, std::move(propiedades)).first->second;
 }
 
+// Some files of Access 97 have these tables on other pages than their header says; the catalog tells.
+NumPagina Catalogo::SystemTablePage(std::string_view name, NumPagina of_the_header) const {
+  const Objeto* object = Buscar(name);
+  const bool told = object != nullptr && object->tipo == Objeto::Tabla && object->DeSistema();
+  return told ? static_cast<NumPagina>(object->id) : of_the_header;
+}
+
 const std::vector<RelacionDeTablas>& Catalogo::Relaciones() const {
   auto& relaciones = Leer().relaciones;
-  if (!relaciones) relaciones = internal::LeerRelaciones(paginas_);
+  if (!relaciones)
+    relaciones =
+        internal::LeerRelaciones(paginas_, SystemTablePage("MSysRelationships", paginas_.Cab().relaciones));
   return *relaciones;
 }
 
@@ -85,7 +94,9 @@ ConsultaGuardada Catalogo::ConsultaDe(std::string_view nombre) const {
   if (objeto == nullptr || objeto->tipo != Objeto::Consulta)
     throw base::Error("La base no tiene una consulta \"" + std::string(nombre) + "\"");
   auto& consultas = Leer().consultas;
-  if (!consultas) consultas = internal::LeerFilasDeConsultas(paginas_);
+  if (!consultas)
+    consultas =
+        internal::LeerFilasDeConsultas(paginas_, SystemTablePage("MSysQueries", paginas_.Cab().consultas));
   ConsultaGuardada consulta{objeto->nombre, objeto->banderas, {}};
   if (const auto it = consultas->find(objeto->id); it != consultas->end()) consulta.filas = it->second;
   return consulta;

@@ -79,6 +79,7 @@ class Catalogo {
   struct Leido;
   mutable std::shared_ptr<Leido> leido_;
   Leido& Leer() const;
+  NumPagina SystemTablePage(std::string_view name, NumPagina of_the_header) const;
 };
 
 }  // namespace mdb

@@ -8,9 +8,11 @@
 namespace mdb::internal {
 
 std::vector<Objeto> LeerObjetos(Paginas& paginas);
+// `pagina` is that of the definition of the system table.
 // In the order in which their first rows stand, columns in their order within each.
-std::vector<RelacionDeTablas> LeerRelaciones(Paginas& paginas);
+std::vector<RelacionDeTablas> LeerRelaciones(Paginas& paginas, NumPagina pagina);
 // By the query's identity in the catalog.
-std::unordered_map<std::int32_t, std::vector<FilaDeConsulta>> LeerFilasDeConsultas(Paginas& paginas);
+std::unordered_map<std::int32_t, std::vector<FilaDeConsulta>> LeerFilasDeConsultas(Paginas& paginas,
+                                                                                   NumPagina pagina);
 
 }  // namespace mdb::internal

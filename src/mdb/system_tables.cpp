@@ -92,8 +92,8 @@ std::vector<Objeto> LeerObjetos(Paginas& paginas) {
   return objetos;
 }
 
-std::vector<RelacionDeTablas> LeerRelaciones(Paginas& paginas) {
-  TablaDeSistema tabla(paginas, paginas.Cab().relaciones,
+std::vector<RelacionDeTablas> LeerRelaciones(Paginas& paginas, NumPagina pagina) {
+  TablaDeSistema tabla(paginas, pagina,
                        {"szRelationship", "grbit", "icolumn", "szObject", "szColumn", "szReferencedObject",
                         "szReferencedColumn"});
   struct Par {
@@ -124,8 +124,9 @@ std::vector<RelacionDeTablas> LeerRelaciones(Paginas& paginas) {
   return relaciones;
 }
 
-std::unordered_map<std::int32_t, std::vector<FilaDeConsulta>> LeerFilasDeConsultas(Paginas& paginas) {
-  TablaDeSistema tabla(paginas, paginas.Cab().consultas,
+std::unordered_map<std::int32_t, std::vector<FilaDeConsulta>> LeerFilasDeConsultas(Paginas& paginas,
+                                                                                   NumPagina pagina) {
+  TablaDeSistema tabla(paginas, pagina,
                        {"ObjectId", "Attribute", "Order", "Name1", "Name2", "Expression", "Flag", "LvExtra"});
   std::unordered_map<std::int32_t, std::vector<FilaDeConsulta>> consultas;
   tabla.Recorrer([&](IdFila) {

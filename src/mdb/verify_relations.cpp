@@ -154,21 +154,30 @@ void RevisarParejas(Revision& r, const Tablas& tablas) {
     }
 }
 
+// Some files of Access 97 have these tables on other pages than their header says; the catalog tells.
+NumPagina SystemTablePage(const std::vector<ObjetoVisto>& objects, std::string_view name,
+                          NumPagina of_the_header) {
+  for (const ObjetoVisto& o : objects)
+    if (o.tipo == Objeto::Tabla && o.nombre == name) return static_cast<NumPagina>(o.id);
+  return of_the_header;
+}
+
 }  // namespace
 
 void RevisarRelaciones(Revision& r, const Tablas& tablas, const std::vector<ObjetoVisto>& objetos) {
   RevisarParejas(r, tablas);
   std::vector<RelacionDeTablas> relaciones;
-  r.Probar(r.paginas.Cab().relaciones, "tabla «MSysRelationships»",
-           [&] { relaciones = LeerRelaciones(r.paginas); });
+  const NumPagina page = SystemTablePage(objetos, "MSysRelationships", r.paginas.Cab().relaciones);
+  r.Probar(page, "tabla «MSysRelationships»", [&] { relaciones = LeerRelaciones(r.paginas, page); });
   for (const RelacionDeTablas& relacion : relaciones)
     RevisionDeRelacion(r, tablas, objetos, relacion).Hacer();
 }
 
 void RevisarConsultas(Revision& r, const std::vector<ObjetoVisto>& objetos) {
   constexpr std::uint8_t kComienzo = 0, kFin = 255;
-  r.Probar(r.paginas.Cab().consultas, "tabla «MSysQueries»", [&] {
-    auto filas = LeerFilasDeConsultas(r.paginas);
+  const NumPagina page = SystemTablePage(objetos, "MSysQueries", r.paginas.Cab().consultas);
+  r.Probar(page, "tabla «MSysQueries»", [&] {
+    auto filas = LeerFilasDeConsultas(r.paginas, page);
     for (const ObjetoVisto& o : objetos) {
       if (o.tipo != Objeto::Consulta) continue;
       const auto suyas = filas.extract(static_cast<std::int32_t>(o.id));

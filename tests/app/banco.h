@@ -14,6 +14,7 @@
 #include "app/carpeta_demo.h"
 #include "app/programa.h"
 #include "base/text.h"
+#include "support/temp_folder.h"
 
 namespace prueba {
 
@@ -74,17 +75,7 @@ class Eventos final : public ports::EventPump {
 
 class Banco : public ::testing::Test {
  protected:
-  void SetUp() override {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    carpeta_ = std::filesystem::temp_directory_path() /
-               base::Reemplazar("idm_" + std::string(info->test_suite_name()) + "_" + info->name(), "/", "_");
-    std::filesystem::remove_all(carpeta_);
-    std::filesystem::create_directories(carpeta_);
-  }
-  void TearDown() override {
-    programa_.reset();
-    std::filesystem::remove_all(carpeta_);
-  }
+  void TearDown() override { programa_.reset(); }
 
   std::string Ruta(const std::string& nombre) const { return (carpeta_ / nombre).string(); }
   void Demo(demo::Motor motor = demo::Motor::Mdb) {
@@ -110,7 +101,8 @@ class Banco : public ::testing::Test {
   }
 
   static inline const base::Fecha kMes = base::FechaDe(2026, 10, 1);
-  std::filesystem::path carpeta_;
+  support::CarpetaTemporal temporal_;
+  std::filesystem::path carpeta_ = temporal_.Carpeta();
   ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
   Cajas cajas_;
   Eventos eventos_;

@@ -12,6 +12,11 @@ class ConectorOdbc : public prueba::Banco {
     pruebas::Configurar("[De prueba]\nDriver=" IDM_ODBC_PRUEBA "\n",
                         "[Sueldos]\nDriver=De prueba\n[Personal]\nDriver=De prueba\n");
   }
+  // Other tests of this program are to find no driver.
+  void TearDown() override {
+    pruebas::Configurar({});
+    prueba::Banco::TearDown();
+  }
   app::Conexion Abrir(const std::string& claves) {
     Escribir("ConfBase.cfg", claves);
     return app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_);

@@ -2,7 +2,7 @@
 
 #include "app/banco.h"
 #include "base/file.h"
-#include "support/source_dir.h"
+#include "mdb/samples.h"
 
 namespace {
 
@@ -39,11 +39,10 @@ TEST_F(Conector, TheEngineNamedIsHeldToTheFile) {
             "'" + Ruta("Personal.sqlite") + "' no es una base de Access: pide el motor sqlite");
 }
 
-// The file of the corpus that has a password; "Contrasena" for an editor without ñ.
+// "Contrasena" for an editor without ñ; the settings are in the code page 1252.
 TEST_F(Conector, ThePasswordOfADatabase) {
-  const auto bytes = base::LeerArchivo(support::SharedDir() + "/mdb/corpus/password.mdb");
-  if (!bytes) GTEST_SKIP() << "the corpus is not beside this checkout";
-  Escribir("con clave.mdb", *bytes);
+  const mdb::Bytes bytes = mdb_test::SampleBytes("password.mdb");
+  Escribir("con clave.mdb", {bytes.begin(), bytes.end()});
   EXPECT_EQ(app::AbrirReferencia(Ruta("con clave.mdb"), reloj_).motivo,
             "La base tiene contraseña y no se dio ninguna");
   for (const char* clave : {"Contrase\xF1"
@@ -51,7 +50,10 @@ TEST_F(Conector, ThePasswordOfADatabase) {
                             "Contrasena"}) {
     const std::string c(clave);
     const std::string cabeza = "[Base]\r\ncon clave.mdb\r\n[/Base]\r\n[" + c + "]\r\n";
-    Escribir("ConfBase.cfg", cabeza + "ucanaccess\r\n[/" + c + "]");
+    Escribir("ConfBase.cfg", cabeza +
+                                 "contrase\xF1"
+                                 "a\r\n[/" +
+                                 c + "]");
     EXPECT_EQ(app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_).motivo, "") << clave;
     Escribir("ConfBase.cfg", cabeza + "otra\r\n[/" + c + "]");
     EXPECT_EQ(app::AbrirReferencia(Ruta("ConfBase.cfg"), reloj_).motivo,

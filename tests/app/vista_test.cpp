@@ -1,10 +1,9 @@
 #include "app/vista.h"
 
-#include <cstdlib>
-
 #include "app/banco.h"
 #include "app/carpeta_ajustes.h"
 #include "base/file.h"
+#include "support/environment.h"
 
 namespace {
 
@@ -93,9 +92,9 @@ TEST(Totales, TheCataloguesNameGoesBeforeTheRelations) {
 }
 
 TEST(Carpeta, TheVariableGoesBeforeTheProgramsFolder) {
-  ASSERT_EQ(setenv("IMPORTDEMARCAS_CARPETA", "/una/carpeta", 1), 0);
+  support::EnvironmentVariable variable("IMPORTDEMARCAS_CARPETA", "/una/carpeta");
   EXPECT_EQ(app::CarpetaDeAjustes(), "/una/carpeta");
-  ASSERT_EQ(unsetenv("IMPORTDEMARCAS_CARPETA"), 0);
+  variable.Set(std::nullopt);
   const std::string programa = base::CarpetaDelPrograma();
   EXPECT_EQ(app::CarpetaDeAjustes(),
             base::CarpetaEscribible(programa) ? programa : base::CarpetaConfiguracionUsuario());

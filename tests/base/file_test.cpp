@@ -5,27 +5,22 @@
 #include <filesystem>
 #include <fstream>
 
+#include "support/temp_folder.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
 class Archivos : public testing::Test {
  protected:
-  void SetUp() override {
-    carpeta_ = fs::temp_directory_path() /
-               ("idm_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(carpeta_);
-    fs::create_directories(carpeta_);
-  }
-  void TearDown() override { fs::remove_all(carpeta_); }
-
   std::string Ruta(const std::string& nombre) const { return base::UnirRuta(carpeta_.string(), nombre); }
   std::size_t Cuantos() const {
     return static_cast<std::size_t>(
         std::distance(fs::directory_iterator(carpeta_), fs::directory_iterator()));
   }
 
-  fs::path carpeta_;
+  support::CarpetaTemporal temporal_;
+  fs::path carpeta_ = temporal_.Carpeta();
 };
 
 TEST_F(Archivos, BytesComeBackAsTheyWereWritten) {

@@ -1,4 +1,7 @@
 # What the program says and how it ends: cmake -DPROGRAM=… -DFOLDER=… -P exit_codes.cmake
+# A folder of this run alone: another may be under way.
+string(RANDOM LENGTH 12 name)
+set(FOLDER ${FOLDER}/${name})
 file(MAKE_DIRECTORY ${FOLDER})
 set(head "id\tfunction\targs\tlocale\texpected\n")
 file(WRITE ${FOLDER}/good.tsv "${head}a.1\tLen\t[\"abc\"]\tes\t3\n")
@@ -27,3 +30,4 @@ expect(2 "no rows" ${FOLDER}/none.tsv)
 expect(2 "broken.tsv: line 2" ${FOLDER}/broken.tsv)
 expect(2 "cannot be read" ${FOLDER}/missing.tsv)
 expect(2 "no option is called --engine" --engine sqlite ${FOLDER}/good.tsv)
+file(REMOVE_RECURSE ${FOLDER})

@@ -9,13 +9,9 @@
 namespace mdb_test {
 namespace fs = std::filesystem;
 
-namespace {
-const std::string kCompartido = support::SharedDir() + "/";
-}
-
 std::string CarpetaDeCorpus() {
-  const std::string carpeta = kCompartido + "mdb/corpus";
-  return fs::is_directory(carpeta) ? carpeta : std::string();
+  const std::string carpeta = support::SharedDir() + "/mdb/corpus";
+  return !support::SharedDir().empty() && fs::is_directory(carpeta) ? carpeta : std::string();
 }
 
 std::vector<std::string> ArchivosDeCorpus() {
@@ -32,8 +28,8 @@ std::vector<std::string> ArchivosDeCorpus() {
 std::string RutaDeCorpus(const std::string& nombre) { return CarpetaDeCorpus() + "/" + nombre; }
 
 std::string HerramientaDeControl() {
-  const std::string ruta = kCompartido + "tools/mdbcheck/jetcheck.py";
-  return fs::exists(ruta) ? ruta : std::string();
+  const std::string ruta = support::SharedDir() + "/tools/mdbcheck/jetcheck.py";
+  return !support::SharedDir().empty() && fs::exists(ruta) ? ruta : std::string();
 }
 
 std::unique_ptr<mdb::PaginasEnMemoria> Cargar(const std::string& ruta) {

@@ -1,4 +1,5 @@
-// Real Access files, kept beside the checkout; tests that need them skip with a line when they are not there.
+// Further Access files, in the folder that IDM_CORPUS names. They add to what is tested on the samples
+// (samples.h) and replace nothing of it.
 #pragma once
 
 #include <memory>

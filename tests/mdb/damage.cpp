@@ -7,7 +7,7 @@
 
 namespace mdb_test {
 
-Obra::Obra(const std::string& archivo) : paginas(Cargar(RutaDeCorpus(archivo))) {}
+Obra::Obra(const std::string& archivo) : paginas(LoadSample(archivo)) {}
 
 mdb::Definicion Obra::Def(const std::string& tabla) {
   const auto d = mdb::Catalogo(*paginas).Tabla(tabla);

@@ -1,4 +1,4 @@
-// Damage planted into copies of real files: what finds the right byte, and what asks the check about it.
+// Damage planted into copies of the samples: what finds the right byte, and what asks the check about it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,6 +13,7 @@
 #include "mdb/index_tree.h"
 #include "mdb/page_map.h"
 #include "mdb/page_rows.h"
+#include "mdb/samples.h"
 #include "mdb/table.h"
 
 namespace mdb_test {
@@ -67,9 +68,8 @@ struct Dano {
   const char* hallazgo;
 };
 
-constexpr const char *kCompuesto = "compIndexTestV2000.mdb", *kIndices = "indexTestV2000.mdb",
-                     *kMovidas = "overflowTestV2000.mdb", *kConsultas = "queryTestV2000.mdb",
-                     *kDosPaginas = "test2V2000.mdb";
+constexpr const char *kCompuesto = "compound.mdb", *kIndices = "relations.mdb", *kMovidas = "moved.mdb",
+                     *kConsultas = "queries.mdb", *kDosPaginas = "long.mdb";
 
 // Each in a copy of its own: the check finds nothing before, and afterwards an error with these words that
 // names the page.

@@ -204,14 +204,8 @@ std::vector<Dano> DeEntradas() {
   };
 }
 
-TEST(VerificarDanos, InPagesOfIndexes) {
-  SALTAR_SIN_CORPUS();
-  Plantar(DePaginasDeIndice());
-}
+TEST(VerificarDanos, InPagesOfIndexes) { Plantar(DePaginasDeIndice()); }
 
-TEST(VerificarDanos, InEntriesOfIndexes) {
-  SALTAR_SIN_CORPUS();
-  Plantar(DeEntradas());
-}
+TEST(VerificarDanos, InEntriesOfIndexes) { Plantar(DeEntradas()); }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "mdb/new_file.h"
 #include "mdb/outside.h"
 #include "mdb/page_map.h"
+#include "mdb/samples.h"
 
 namespace {
 
@@ -38,11 +39,10 @@ mdb::Definicion DeTextos(std::uint16_t cantidad, std::size_t letras) {
   return d;
 }
 
-// Every table of real files, written again in place: the same pages, the same definition, a sound file.
-TEST(EscribirDefinicion, WritesRealTablesAsTheyWere) {
-  SALTAR_SIN_CORPUS();
+// Every table of every file, written again in place: the same pages, the same definition, a sound file.
+TEST(EscribirDefinicion, WritesTheTablesOfOthersAsTheyWere) {
   int tablas = 0;
-  for (const auto& ruta : mdb_test::ArchivosDeCorpus()) {
+  for (const auto& ruta : mdb_test::EveryFile()) {
     SCOPED_TRACE(ruta);
     const auto paginas = mdb_test::Cargar(ruta);
     if (paginas->Cab().version != mdb::Version::Jet4) continue;
@@ -63,9 +63,11 @@ TEST(EscribirDefinicion, WritesRealTablesAsTheyWere) {
       ++tablas;
     }
     paginas->Confirmar();
-    EXPECT_EQ(mdb_test::Controlar(paginas->Guardado(), false), "");
+    if (paginas->Cab().clave == 0) {  // the checker does not decrypt
+      EXPECT_EQ(mdb_test::Controlar(paginas->Guardado(), false), "");
+    }
   }
-  EXPECT_GT(tablas, 100);
+  EXPECT_GT(tablas, 50);
 }
 
 TEST(EscribirDefinicion, GrowsOverPagesAndShrinksBackKeepingTheFirst) {
@@ -129,8 +131,7 @@ TEST(EscribirDefinicion, RefusesWhatTheFormatCannotHold) {
 }
 
 TEST(EscribirDefinicion, OtherFormatsAreOnlyRead) {
-  SALTAR_SIN_CORPUS();
-  const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus("queryTestV1997.mdb"));
+  const auto paginas = mdb_test::LoadSample("queries97.mdb");
   auto d = mdb::LeerDefinicion(*paginas, 2);
   EXPECT_THROW(mdb::EscribirDefinicion(*paginas, d), base::Error);
 }

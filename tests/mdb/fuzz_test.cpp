@@ -7,6 +7,7 @@
 #include "mdb/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/page_map.h"
+#include "mdb/samples.h"
 #include "mdb/table.h"
 
 namespace {
@@ -103,15 +104,14 @@ class Danador {
   std::mt19937 azar_;
 };
 
-class Danados : public testing::TestWithParam<const char*> {};
+class Danados : public testing::TestWithParam<std::string> {};
 
 TEST_P(Danados, AreReadToTheirEndOrRefused) {
-  SALTAR_SIN_CORPUS();
-  const auto entero = mdb_test::Cargar(mdb_test::RutaDeCorpus(GetParam()));
+  const auto entero = mdb_test::Cargar(GetParam());
   const mdb::Bytes bytes = entero->Guardado();
   const auto sano = LeerTodo(bytes);
   ASSERT_EQ(sano.errores, 0U);
-  ASSERT_GT(sano.leidos, 40U);
+  ASSERT_GT(sano.leidos, 30U);
   std::size_t danados = 0;
   for (unsigned semilla = 0; semilla < 700; ++semilla) {
     SCOPED_TRACE(semilla);
@@ -127,8 +127,7 @@ TEST_P(Danados, AreReadToTheirEndOrRefused) {
 
 // A file cut short must never pass for one with fewer rows.
 TEST_P(Danados, CutShortLoseNoRowInSilence) {
-  SALTAR_SIN_CORPUS();
-  const auto entero = mdb_test::Cargar(mdb_test::RutaDeCorpus(GetParam()));
+  const auto entero = mdb_test::Cargar(GetParam());
   const mdb::Bytes& bytes = entero->Guardado();
   const auto sano = LeerTodo(bytes);
   for (std::size_t largo = 0; largo < bytes.size(); largo += entero->Tamano() / 2 + 100) {
@@ -137,10 +136,17 @@ TEST_P(Danados, CutShortLoseNoRowInSilence) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Archivos, Danados,
-                         testing::Values("queryTestV1997.mdb", "adox_jet4.mdb", "overflowTestV2000.mdb",
-                                         "queryTestV2000.mdb", "compIndexTestV2000.mdb", "test2V2000.mdb",
-                                         "fixedNumericTestV2000.mdb", "pivot.mdb", "queryTestV2010.accdb",
-                                         "weirdObjectNames.mdb"));
+std::vector<std::string> Files() {
+  std::vector<std::string> paths;
+  for (const char* name :
+       {"empty.mdb", "types97.mdb", "types.mdb", "types.accdb", "texts_3082.mdb", "long.mdb", "moved97.mdb",
+        "moved.mdb", "compound.mdb", "relations97.mdb", "relations.mdb", "queries.mdb", "names.mdb"})
+    paths.push_back(mdb_test::SamplePath(name));
+  for (const std::string& path : mdb_test::ArchivosDeCorpus()) paths.push_back(path);
+  return paths;
+}
+
+INSTANTIATE_TEST_SUITE_P(Archivos, Danados, testing::ValuesIn(Files()),
+                         [](const auto& c) { return mdb_test::CaseName(c.param); });
 
 }  // namespace

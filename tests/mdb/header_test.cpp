@@ -2,29 +2,34 @@
 
 #include <gtest/gtest.h>
 
-#include "mdb/corpus.h"
+#include "mdb/samples.h"
 
 namespace {
 
 TEST(Cabecera, TellsVersionSortOrderAndPassword) {
-  SALTAR_SIN_CORPUS();
   struct Caso {
     const char* archivo;
     mdb::Version version;
     int orden;
     const char* contrasena;
+    std::uint32_t clave;
   };
-  const Caso casos[] = {{"queryTestV1997.mdb", mdb::Version::Jet3, 1033, ""},
-                        {"queryTestV2000.mdb", mdb::Version::Jet4, 1033, ""},
-                        {"queryTestV2010.accdb", mdb::Version::Ace, 1033, ""},
-                        {"password.mdb", mdb::Version::Jet4, 1033, "ucanaccess"},
-                        {"adox_jet4.mdb", mdb::Version::Jet4, 1033, ""}};
+  const Caso casos[] = {{"queries97.mdb", mdb::Version::Jet3, 1033, "", 0},
+                        {"queries.mdb", mdb::Version::Jet4, 1033, "", 0},
+                        {"queries.accdb", mdb::Version::Ace, 1033, "", 0},
+                        {"texts_3082.mdb", mdb::Version::Jet4, 3082, "", 0},
+                        {"texts_1034.mdb", mdb::Version::Jet4, 1034, "", 0},
+                        {"password.mdb", mdb::Version::Jet4, 1033, "contraseña", 0},
+                        {"password97.mdb", mdb::Version::Jet3, 1033, "contraseña", 0},
+                        {"encrypted.mdb", mdb::Version::Jet4, 1033, "", 0xA1B2C3D4},
+                        {"encrypted97.mdb", mdb::Version::Jet3, 1033, "", 0xA1B2C3D4}};
   for (const auto& c : casos) {
     SCOPED_TRACE(c.archivo);
-    const auto paginas = mdb_test::Cargar(mdb_test::RutaDeCorpus(c.archivo));
+    const auto paginas = mdb_test::LoadSample(c.archivo);
     EXPECT_EQ(paginas->Cab().version, c.version);
     EXPECT_EQ(paginas->Cab().orden, c.orden);
     EXPECT_EQ(paginas->Cab().contrasena, c.contrasena);
+    EXPECT_EQ(paginas->Cab().clave, c.clave);
     EXPECT_EQ(paginas->Cab().objetos, 2U);
     EXPECT_EQ(paginas->Cab().relaciones, 5U);
     EXPECT_EQ(paginas->Cab().pagina_de_codigos, 1252);

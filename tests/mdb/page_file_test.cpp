@@ -10,6 +10,7 @@
 #include "mdb/database.h"
 #include "mdb/muestra.h"
 #include "mdb/new_file.h"
+#include "mdb/samples.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -20,8 +21,7 @@ using mdb_test::ComoTexto;
 using support::CarpetaTemporal;
 
 TEST(PaginasDeArchivo, ReadsEveryPageOfTheFile) {
-  SALTAR_SIN_CORPUS();
-  for (const auto& ruta : mdb_test::ArchivosDeCorpus()) {
+  for (const auto& ruta : mdb_test::EveryFile()) {
     SCOPED_TRACE(ruta);
     const auto en_memoria = mdb_test::Cargar(ruta);
     const auto en_disco = PaginasDeArchivo::Abrir(ruta, true);
@@ -83,7 +83,7 @@ std::string ErrorAlAbrir(const std::string& ruta, const mdb::OpcionesBase& opcio
   return {};
 }
 
-std::string DeCorpus(const std::string& nombre) { return *base::LeerArchivo(mdb_test::RutaDeCorpus(nombre)); }
+std::string OfSample(const std::string& name) { return std::string(ComoTexto(mdb_test::SampleBytes(name))); }
 
 // The header's mask is a XOR with a constant stream, and the key of these files is 0.
 std::string Cifrado(std::string bytes, std::uint32_t clave) {
@@ -100,15 +100,14 @@ std::string Cifrado(std::string bytes, std::uint32_t clave) {
 }
 
 TEST(PaginasDeArchivo, EncryptedFilesHaveTheSamePages) {
-  SALTAR_SIN_CORPUS();
   const CarpetaTemporal c;
-  for (const char* nombre : {"test2V2000.mdb", "queryTestV1997.mdb"}) {
+  for (const char* nombre : {"types.mdb", "queries97.mdb"}) {
     SCOPED_TRACE(nombre);
-    const std::string original = DeCorpus(nombre);
+    const std::string original = OfSample(nombre);
     const std::string ruta = c.Escribir(nombre, Cifrado(original, 0x31415926));
     EXPECT_NE(c.Leer(nombre), original);
     const auto cifrado = PaginasDeArchivo::Abrir(ruta);
-    const auto plano = mdb_test::Cargar(mdb_test::RutaDeCorpus(nombre));
+    const auto plano = mdb_test::LoadSample(nombre);
     ASSERT_EQ(cifrado->Cantidad(), plano->Cantidad());
     for (mdb::NumPagina n = 1; n < plano->Cantidad(); ++n) ASSERT_EQ(*cifrado->Leer(n), *plano->Leer(n));
   }
@@ -133,16 +132,15 @@ TEST(PaginasDeArchivo, WhatIsWrittenIntoAnEncryptedFileIsEncrypted) {
 }
 
 TEST(PaginasDeArchivo, OldAndNewFormatsAreOnlyRead) {
-  SALTAR_SIN_CORPUS();
   const CarpetaTemporal c;
   const auto motivo = [&](const char* nombre) {
-    const auto p = PaginasDeArchivo::Abrir(c.Escribir(nombre, DeCorpus(nombre)));
+    const auto p = PaginasDeArchivo::Abrir(c.Escribir(nombre, OfSample(nombre)));
     EXPECT_THROW(p->Modificar(1), base::Error);
     EXPECT_EQ((*p->Leer(1))[0], 1);
     return p->MotivoSoloLectura();
   };
-  EXPECT_EQ(motivo("queryTestV1997.mdb"), "Las bases de Access 97 solo se leen");
-  EXPECT_EQ(motivo("queryTestV2010.accdb"), "Las bases .accdb (Access 2007 y posteriores) solo se leen");
+  EXPECT_EQ(motivo("queries97.mdb"), "Las bases de Access 97 solo se leen");
+  EXPECT_EQ(motivo("queries.accdb"), "Las bases .accdb (Access 2007 y posteriores) solo se leen");
 }
 
 TEST(PaginasDeArchivo, AFileThatLostItsEndIsOnlyRead) {
@@ -186,23 +184,21 @@ TEST(Base, AFileGreaterThanItsFormatIsRefused) {
 }
 
 TEST(Base, APasswordIsAskedFor) {
-  SALTAR_SIN_CORPUS();
   const CarpetaTemporal c;
-  const std::string ruta = c.Escribir("a.mdb", DeCorpus("password.mdb"));
+  const std::string ruta = c.Escribir("a.mdb", OfSample("password.mdb"));
   EXPECT_EQ(ErrorAlAbrir(ruta), "La base tiene contraseña y no se dio ninguna");
   mdb::OpcionesBase opciones;
-  opciones.contrasena = "Ucanaccess";  // another case is another password
+  opciones.contrasena = "Contraseña";  // another case is another password
   EXPECT_EQ(ErrorAlAbrir(ruta, opciones), "La contraseña de la base no es la que se dio");
-  opciones.contrasena = "ucanaccess";
+  opciones.contrasena = "contraseña";
   EXPECT_EQ(ErrorAlAbrir(ruta, opciones), "");
   // One that is given for a file without any does no harm.
-  EXPECT_EQ(ErrorAlAbrir(c.Escribir("b.mdb", DeCorpus("empty.mdb")), opciones), "");
+  EXPECT_EQ(ErrorAlAbrir(c.Escribir("b.mdb", OfSample("empty.mdb")), opciones), "");
 }
 
 TEST(Base, AnEncryptedAccdbIsRefused) {
-  SALTAR_SIN_CORPUS();
   const CarpetaTemporal c;
-  std::string bytes = DeCorpus("queryTestV2010.accdb");
+  std::string bytes = OfSample("queries.accdb");
   bytes[0x3E] = static_cast<char>(bytes[0x3E] ^ 0x55);
   EXPECT_EQ(ErrorAlAbrir(c.Escribir("a.accdb", bytes)),
             "La base está cifrada con una contraseña de Access 2007 o posterior: no se puede leer");
@@ -244,11 +240,11 @@ TEST(PaginasDeArchivo, AJournalLiesBesideTheFileAndNotBesideALinkToIt) {
 TEST(Base, NoHeaderLeadsAstray) {
   const CarpetaTemporal c;
   std::mt19937 azar(1);
-  std::string bytes(ComoTexto(mdb::NuevaBase(3082, base::Fecha{46347})));
-  if (!mdb_test::CarpetaDeCorpus().empty()) bytes = DeCorpus("queryTestV1997.mdb");
+  const std::string originals[] = {std::string(ComoTexto(mdb::NuevaBase(3082, base::Fecha{46347}))),
+                                   OfSample("queries97.mdb")};
   int abiertas = 0, negadas = 0;
   for (int i = 0; i < 600; ++i) {
-    std::string malo = bytes;
+    std::string malo = originals[i % 2];
     for (std::size_t k = 0, n = 1 + azar() % 40; k < n; ++k) {
       // The name is left alone most times, so that what follows it is looked at.
       const std::size_t pos = azar() % 8 == 0 ? azar() % 0x20 : 0x14 + azar() % 0x90;

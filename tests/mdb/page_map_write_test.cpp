@@ -7,6 +7,7 @@
 #include "mdb/corpus.h"
 #include "mdb/page_map.h"
 #include "mdb/page_rows.h"
+#include "mdb/samples.h"
 
 namespace {
 
@@ -297,9 +298,8 @@ TEST(MapaGlobal, WhatAWindowThatWasMovedLeavesOutCountsAsUsed) {
   EXPECT_EQ(Leer(*p, kGlobal), Conjunto{20});
 }
 
-TEST(MapaGlobal, OfRealFilesGivesItsFreePages) {
-  SALTAR_SIN_CORPUS();
-  const auto p = mdb_test::Cargar(mdb_test::RutaDeCorpus("test2V2000.mdb"));
+TEST(MapaGlobal, OfAnotherWritersFileGivesItsFreePages) {
+  const auto p = mdb_test::LoadSample("long.mdb");
   const Conjunto libres = Leer(*p, kGlobal);
   ASSERT_EQ(libres.size(), 22U);
   const NumPagina antes = p->Cantidad();

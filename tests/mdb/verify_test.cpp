@@ -12,6 +12,7 @@
 #include "mdb/new_file.h"
 #include "mdb/outside.h"
 #include "mdb/page_map.h"
+#include "mdb/samples.h"
 
 namespace {
 
@@ -39,18 +40,19 @@ TEST(Verificar, FindsNothingInANewFile) {
   EXPECT_EQ(informe.paginas, 16U);
 }
 
-// Both checkers accept every file of the corpus.
-TEST(Verificar, AcceptsEveryFileOfTheCorpusAsTheOtherCheckerDoes) {
-  SALTAR_SIN_CORPUS();
+// Both checkers accept every file that is as it should be.
+TEST(Verificar, AcceptsEveryFileAsTheOtherCheckerDoes) {
   std::size_t entradas = 0, archivos = 0;
-  for (const std::string& ruta : mdb_test::ArchivosDeCorpus()) {
+  for (const std::string& ruta : mdb_test::EveryFile()) {
     SCOPED_TRACE(ruta);
     const auto paginas = mdb_test::Cargar(ruta);
     const mdb::Informe informe = mdb::Verificar(*paginas);
     EXPECT_TRUE(informe.Sano()) << Textos(informe);
-    EXPECT_EQ(mdb_test::Controlar(paginas->Guardado(), false), "");
+    if (paginas->Cab().clave == 0) {  // the other one does not decrypt
+      EXPECT_EQ(mdb_test::Controlar(paginas->Guardado(), false), "");
+    }
     EXPECT_GE(informe.tablas, 4U);
-    EXPECT_GT(informe.filas, 20U);
+    EXPECT_GE(informe.filas, 16U);  // an empty base of ours has so many
     entradas += informe.entradas;
     ++archivos;
   }
@@ -94,13 +96,12 @@ TEST(Verificar, AFileWithoutPagesIsAFinding) {
 // Whatever the bytes, the check ends and throws nothing. Each round changes some bytes of a file, or moves
 // pages about, and checks it.
 TEST(Verificar, EndsOnAnythingThatWasAFile) {
-  SALTAR_SIN_CORPUS();
   std::size_t rondas = 0, malas = 0;
   for (const char* archivo :
-       {"adox_jet4.mdb", "compIndexTestV2000.mdb", "indexTestV2000.mdb", "overflowTestV2000.mdb",
-        "queryTestV2000.mdb", "queryTestV1997.mdb", "queryTestV2010.accdb", "test2V2000.mdb"}) {
+       {"empty.mdb", "compound.mdb", "compound97.mdb", "relations.mdb", "relations97.mdb", "moved.mdb",
+        "queries.mdb", "queries97.mdb", "types.accdb", "long.mdb"}) {
     SCOPED_TRACE(archivo);
-    const auto bueno = mdb_test::Cargar(mdb_test::RutaDeCorpus(archivo));
+    const auto bueno = mdb_test::LoadSample(archivo);
     std::mt19937 azar(41);
     const auto uno = [&](std::size_t hasta) { return static_cast<std::size_t>(azar()) % hasta; };
     for (int ronda = 0; ronda < 150; ++ronda, ++rondas) {

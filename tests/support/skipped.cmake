@@ -1,4 +1,7 @@
 # The line that scripts/test ends with: cmake -DPROGRAM=… -DFOLDER=… -P skipped.cmake
+# A folder of this run alone: another may be under way.
+string(RANDOM LENGTH 12 name)
+set(FOLDER ${FOLDER}/${name})
 file(MAKE_DIRECTORY ${FOLDER})
 set(reason "<system-out>[ RUN      ] B.b\n/x/b_test.cpp:12: Skipped\nno such driver\n[  SKIPPED ] B.b (0 ms)\n</system-out>")
 set(skip "<testcase status=\"notrun\"><skipped message=\"SKIP_REGULAR_EXPRESSION_MATCHED\"/>")
@@ -18,3 +21,4 @@ expect(0 "Skipped: 0\n" ${FOLDER}/none.xml)
 expect(1 "Skipped: 4: 2 × no such driver; 1 × no reason given; 1 × disabled\n" ${FOLDER}/some.xml)
 expect(2 "" ${FOLDER}/broken.xml)
 expect(2 "" ${FOLDER}/missing.xml)
+file(REMOVE_RECURSE ${FOLDER})
