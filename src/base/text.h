@@ -45,6 +45,7 @@ void SplitVistas(std::string_view texto, std::string_view separador, std::vector
 // The lines of a text as views into it: CR LF, LF and CR each end one, whichever the text mixes; nothing else
 // does. What follows the last end is a line too, empty or not, so that an empty text has one. Linear.
 std::vector<std::string_view> SplitLines(std::string_view text);
+std::vector<std::string_view> SplitLines(std::string&&) = delete;
 // Split of classic Basic: an empty text gives no piece at all. At most `limite` pieces, the last one with all
 // that is left; -1: any number, 0: none.
 std::vector<std::string> Partir(std::string_view texto, std::string_view separador, int limite = -1,

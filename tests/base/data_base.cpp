@@ -274,8 +274,9 @@ void VerbosDeTextos(support::Verbos& v) {
     return base::Join({std::to_string(piezas.size()), base::Join(piezas, "|")}, " ");
   });
   v["lines"] = CadaLinea([](const std::string& l, const Bloque&) {
+    const std::string text = Argumento(l);
     std::string shown;
-    for (const auto line : base::SplitLines(Argumento(l))) shown.append("[").append(line).append("]");
+    for (const auto line : base::SplitLines(text)) shown.append("[").append(line).append("]");
     return shown;
   });
   v["starts"] = CadaLinea([](const std::string& l, const Bloque& b) {
