@@ -11,8 +11,8 @@
 
 #include "base/standard_streams.h"
 #include "engine_mdb/mdb_connection.h"
-#include "mdb/database.h"
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
+#include "mdb/schema/database.h"
 
 namespace {
 

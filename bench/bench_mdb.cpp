@@ -9,8 +9,8 @@
 #include <string>
 
 #include "base/standard_streams.h"
-#include "mdb/database.h"
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
+#include "mdb/schema/database.h"
 
 namespace {
 

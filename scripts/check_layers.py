@@ -1,58 +1,98 @@
 #!/usr/bin/env python3
-"""Holds every include of src/ to the DEPENDS of its module's add_module() (with what those stand on)."""
+"""Holds every include of src/ to the DEPENDS of its module's add_module(), both ways: what a module includes it
+names there, and what it names there it includes. Modules form no circle."""
 import os
 import re
 import sys
 
-raiz = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "src")
-modulos = {}
-for nombre in sorted(os.listdir(raiz)):
-    lista = os.path.join(raiz, nombre, "CMakeLists.txt")
-    if not os.path.isfile(lista):
-        continue
-    texto = re.sub(r"#.*", "", open(lista, encoding="utf-8").read())
-    for m in re.finditer(r"add_module\(([^)]*)\)", texto):
-        palabras = m.group(1).split()
-        directos, en_depends = [], False
-        for p in palabras[1:]:
-            if p in ("SOURCES", "DEPENDS", "LIBS"):
-                en_depends = p == "DEPENDS"
-            elif en_depends:
-                directos.append(p)
-        modulos[palabras[0]] = directos
+ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "src")
+faults = []
 
 
-def alcanza(modulo, visto=None):
-    visto = set() if visto is None else visto
-    for d in modulos.get(modulo, []):
-        if d not in visto:
-            visto.add(d)
-            alcanza(d, visto)
-    return visto
+def read(path):
+    with open(path, encoding="utf-8") as f:
+        return f.read()
 
 
-malos = []
-for modulo in modulos:
-    permitidos = alcanza(modulo) | {modulo}
-    if modulo in alcanza(modulo):
-        malos.append(f"{modulo}: depends on itself")
-    for carpeta, _, archivos in os.walk(os.path.join(raiz, modulo)):
-        for archivo in archivos:
-            if not archivo.endswith((".h", ".cpp")):
-                continue
-            ruta = os.path.join(carpeta, archivo)
-            for n, linea in enumerate(open(ruta, encoding="utf-8"), 1):
-                donde = f"{os.path.relpath(ruta, raiz)}:{n}"
-                inc = re.match(r'\s*#\s*include\s*"([a-z_]+)/([^"]+)"', linea)
-                if inc:
-                    otro, cabecera = inc.groups()
-                    if otro not in permitidos:
-                        malos.append(f"{donde}: {modulo} may not include {otro}/")
-                    elif otro != modulo and cabecera.endswith("_internal.h"):
-                        malos.append(f"{donde}: {otro}/{cabecera} is private to its module")
-                elif re.match(r"\s*#\s*include\s*<Q[A-Z]", linea) and modulo != "gui":
-                    malos.append(f"{donde}: Qt belongs to gui/ alone")
-if not modulos:
-    malos.append("no module found")
-print("\n".join(malos) if malos else f"layers: {len(modulos)} modules hold to what they declare")
-sys.exit(1 if malos else 0)
+def declared():
+    """{module: modules that it names}; the module of the folder a/b is called a_b."""
+    modules = {}
+    for folder, folders, names in os.walk(ROOT):
+        folders.sort()
+        if "CMakeLists.txt" not in names:
+            continue
+        text = re.sub(r"#.*", "", read(os.path.join(folder, "CMakeLists.txt")))
+        for call in re.finditer(r"add_module\(([^)]*)\)", text):
+            name, *words = call.group(1).split()
+            where = os.path.relpath(folder, ROOT)
+            if name != where.replace(os.sep, "_"):
+                faults.append(f"{where}/CMakeLists.txt: the module of this folder is not {name}")
+            section, named = "", []
+            for word in words:
+                if word in ("SOURCES", "DEPENDS", "LIBS"):
+                    section = word
+                elif section == "DEPENDS":
+                    named.append(word)
+            modules[name] = named
+    return modules
+
+
+def reached(module, seen=None):
+    seen = set() if seen is None else seen
+    for other in modules.get(module, []):
+        if other not in seen:
+            seen.add(other)
+            reached(other, seen)
+    return seen
+
+
+def owner(path):
+    """The module of a file below src/: the one of the deepest folder that is a module."""
+    folder = os.path.dirname(path)
+    while folder and folder.replace("/", "_") not in modules:
+        folder = os.path.dirname(folder)
+    return folder.replace("/", "_")
+
+
+modules = declared()
+if not modules:
+    faults.append("no module found")
+included = {m: set() for m in modules}
+own_files = {m: 0 for m in modules}
+for folder, folders, names in os.walk(ROOT):
+    folders.sort()
+    for name in sorted(names):
+        if not name.endswith((".h", ".cpp")):
+            continue
+        path = os.path.relpath(os.path.join(folder, name), ROOT).replace(os.sep, "/")
+        module = owner(path)
+        if not module:
+            faults.append(f"{path}: belongs to no module")
+            continue
+        own_files[module] += 1
+        for number, line in enumerate(read(os.path.join(ROOT, path)).splitlines(), 1):
+            where = f"{path}:{number}"
+            include = re.match(r'\s*#\s*include\s*"([^"]+)"', line)
+            if include:
+                header = include.group(1)
+                other = owner(header)
+                if not other or not os.path.isfile(os.path.join(ROOT, header)):
+                    faults.append(f"{where}: {header} is no file of src/")
+                elif other != module:
+                    included[module].add(other)
+                    if other not in modules[module]:
+                        faults.append(f"{where}: {module} does not name {other} in its DEPENDS")
+                    if header.endswith("_internal.h") and header.split("/")[0] != path.split("/")[0]:
+                        faults.append(f"{where}: {header} is private to {header.split('/')[0]}/")
+            elif re.match(r"\s*#\s*include\s*<Q[A-Z]", line) and module != "gui":
+                faults.append(f"{where}: Qt belongs to gui/ alone")
+for module, named in modules.items():
+    for other in named:
+        if other not in modules:
+            faults.append(f"{module}: there is no module {other}")
+        elif own_files[module] and other not in included[module]:  # one without files only gathers others
+            faults.append(f"{module}: names {other} and includes nothing of it")
+    if module in reached(module):
+        faults.append(f"{module}: stands on itself")
+print("\n".join(faults) if faults else f"layers: {len(modules)} modules hold to what they declare")
+sys.exit(1 if faults else 0)

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "mdb/verify.h"
+#include "mdb/verify/verify.h"
 
 namespace app {
 

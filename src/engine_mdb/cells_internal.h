@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "base/valor.h"
-#include "mdb/definition.h"
-#include "mdb/value.h"
+#include "mdb/definitions/definition.h"
+#include "mdb/rows/value.h"
 
 namespace engine_mdb {
 

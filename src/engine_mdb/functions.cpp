@@ -7,7 +7,7 @@
 #include "base/number.h"
 #include "engine_mdb/cells_internal.h"
 #include "engine_mdb/source_internal.h"
-#include "mdb/index_key.h"
+#include "mdb/indexes/index_key.h"
 
 namespace engine_mdb {
 namespace {

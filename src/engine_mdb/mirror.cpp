@@ -4,7 +4,7 @@
 
 #include "base/text.h"
 #include "engine_mdb/cells_internal.h"
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
 
 namespace engine_mdb {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "engine_sqlite/mirror.h"
 #include "jetsql/catalog.h"
-#include "mdb/database.h"
+#include "mdb/schema/database.h"
 
 namespace engine_mdb {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "jetsql/ast.h"
-#include "mdb/saved_query.h"
+#include "mdb/queries/saved_query.h"
 
 namespace engine_mdb {
 

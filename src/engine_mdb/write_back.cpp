@@ -5,7 +5,7 @@
 #include "base/error.h"
 #include "engine_mdb/cells_internal.h"
 #include "engine_mdb/source_internal.h"
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
 
 namespace engine_mdb {
 namespace {

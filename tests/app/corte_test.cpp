@@ -6,8 +6,8 @@
 #include "base/file.h"
 #include "engine_mdb/connection_internal.h"
 #include "mdb/disco_simulado.h"
-#include "mdb/page_file.h"
-#include "mdb/verify.h"
+#include "mdb/pages/page_file.h"
+#include "mdb/verify/verify.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The files of Access beside the checkout: every table has its rows, every query answers or says why not, and
 // no file changes by being read.
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
 #include "mesa.h"
 
 namespace {

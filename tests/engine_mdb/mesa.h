@@ -10,9 +10,9 @@
 
 #include "base/file.h"
 #include "engine_mdb/mdb_connection.h"
-#include "mdb/database.h"
-#include "mdb/page_file.h"
-#include "mdb/verify.h"
+#include "mdb/pages/page_file.h"
+#include "mdb/schema/database.h"
+#include "mdb/verify/verify.h"
 #include "render.h"
 #include "support/source_dir.h"
 #include "support/temp_folder.h"

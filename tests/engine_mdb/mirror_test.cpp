@@ -1,5 +1,5 @@
 // The mirrors: types both ways, what rows they are, and what a table of Access says of its columns.
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
 #include "mesa.h"
 
 namespace {

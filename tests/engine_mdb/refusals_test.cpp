@@ -2,7 +2,7 @@
 // half-way leaves nothing to be written twice.
 #include <fstream>
 
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
 #include "mesa.h"
 
 namespace {

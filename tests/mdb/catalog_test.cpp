@@ -1,4 +1,4 @@
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,9 @@
 
 #include "mdb/corpus.h"
 #include "mdb/exported.h"
+#include "mdb/rows/table.h"
 #include "mdb/samples.h"
-#include "mdb/table.h"
-#include "mdb/table_writer.h"
+#include "mdb/tables/table_writer.h"
 
 namespace {
 

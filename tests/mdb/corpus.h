@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "mdb/pages.h"
+#include "mdb/pages/pages.h"
 
 namespace mdb_test {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "mdb/catalog.h"
-#include "mdb/verify.h"
+#include "mdb/catalog/catalog.h"
+#include "mdb/verify/verify.h"
 
 namespace mdb_test {
 

@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "mdb/corpus.h"
-#include "mdb/index_page.h"
-#include "mdb/index_tree.h"
-#include "mdb/page_map.h"
-#include "mdb/page_rows.h"
+#include "mdb/indexes/index_page.h"
+#include "mdb/indexes/index_tree.h"
+#include "mdb/pages/page_map.h"
+#include "mdb/pages/page_rows.h"
+#include "mdb/rows/table.h"
 #include "mdb/samples.h"
-#include "mdb/table.h"
 
 namespace mdb_test {
 

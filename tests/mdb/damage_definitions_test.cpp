@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 
 namespace {
 

@@ -2,11 +2,11 @@
 // loop.
 #include <gtest/gtest.h>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/random_rows.h"
+#include "mdb/rows/table.h"
 #include "mdb/samples.h"
-#include "mdb/table.h"
 
 namespace {
 

@@ -1,8 +1,9 @@
 #include <optional>
 
 #include "base/text.h"
-#include "mdb/catalog.h"
-#include "mdb/table.h"
+#include "mdb/catalog/catalog.h"
+#include "mdb/pages/text.h"
+#include "mdb/rows/table.h"
 #include "support/data_test.h"
 #include "support/escapes.h"
 

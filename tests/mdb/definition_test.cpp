@@ -1,9 +1,9 @@
-#include "mdb/definition.h"
+#include "mdb/definitions/definition.h"
 
 #include <gtest/gtest.h>
 
 #include "base/text.h"
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/exported.h"
 #include "mdb/samples.h"

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
-#include "mdb/definition_internal.h"
-#include "mdb/new_file.h"
+#include "mdb/definitions/definition_internal.h"
 #include "mdb/outside.h"
-#include "mdb/page_map.h"
+#include "mdb/pages/page_map.h"
 #include "mdb/samples.h"
+#include "mdb/schema/new_file.h"
 
 namespace {
 

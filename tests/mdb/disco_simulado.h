@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "base/disk_file.h"
-#include "mdb/bytes.h"
+#include "mdb/pages/bytes.h"
 
 namespace mdb_test {
 

@@ -6,7 +6,7 @@
 
 #include "base/date.h"
 #include "base/text.h"
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
 
 namespace mdb_test {
 namespace {

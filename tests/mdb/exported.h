@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 
 namespace mdb_test {
 

@@ -4,11 +4,11 @@
 #include <chrono>
 #include <random>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
-#include "mdb/page_map.h"
+#include "mdb/pages/page_map.h"
+#include "mdb/rows/table.h"
 #include "mdb/samples.h"
-#include "mdb/table.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "mdb/header.h"
+#include "mdb/pages/header.h"
 
 #include <gtest/gtest.h>
 

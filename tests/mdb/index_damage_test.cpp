@@ -6,7 +6,7 @@
 #include <iostream>
 
 #include "mdb/index_model.h"
-#include "mdb/page_map.h"
+#include "mdb/pages/page_map.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
-#include "mdb/index_key.h"
+#include "mdb/indexes/index_key.h"
 
 #include <gtest/gtest.h>
 
 #include <iostream>
 #include <map>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
-#include "mdb/index_tree.h"
+#include "mdb/indexes/index_tree.h"
+#include "mdb/rows/table.h"
 #include "mdb/samples.h"
-#include "mdb/table.h"
 
 namespace {
 

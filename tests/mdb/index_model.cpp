@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
-#include "mdb/new_file.h"
-#include "mdb/page_map.h"
+#include "mdb/pages/page_map.h"
+#include "mdb/schema/new_file.h"
 
 namespace mdb_test {
 namespace {

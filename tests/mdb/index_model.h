@@ -8,9 +8,9 @@
 #include <set>
 #include <string>
 
-#include "mdb/index_page.h"
-#include "mdb/index_tree.h"
-#include "mdb/pages.h"
+#include "mdb/indexes/index_page.h"
+#include "mdb/indexes/index_tree.h"
+#include "mdb/pages/pages.h"
 
 namespace mdb_test {
 

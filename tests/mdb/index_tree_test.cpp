@@ -1,4 +1,4 @@
-#include "mdb/index_tree.h"
+#include "mdb/indexes/index_tree.h"
 
 #include <gtest/gtest.h>
 
@@ -7,11 +7,11 @@
 #include <iostream>
 #include <random>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/index_model.h"
 #include "mdb/outside.h"
-#include "mdb/page_map.h"
+#include "mdb/pages/page_map.h"
 #include "mdb/samples.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include "mdb/disco_simulado.h"
 #include "mdb/muestra.h"
-#include "mdb/page_file.h"
+#include "mdb/pages/page_file.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 // What an opening does with the journals that it may find.
-#include "mdb/journal.h"
+#include "mdb/pages/journal.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 
 #include "mdb/disco_simulado.h"
-#include "mdb/lock.h"
 #include "mdb/muestra.h"
-#include "mdb/page_file.h"
+#include "mdb/pages/lock.h"
+#include "mdb/pages/page_file.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "mdb/lock.h"
+#include "mdb/pages/lock.h"
 
 #include <gtest/gtest.h>
 
 #include "mdb/disco_simulado.h"
 #include "mdb/muestra.h"
-#include "mdb/page_file.h"
+#include "mdb/pages/page_file.h"
 #include "support/temp_folder.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "mdb/header.h"
+#include "mdb/pages/header.h"
 
 namespace mdb_test {
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "mdb/corpus.h"
-#include "mdb/database.h"
-#include "mdb/new_file.h"
 #include "mdb/outside.h"
-#include "mdb/verify.h"
+#include "mdb/schema/database.h"
+#include "mdb/schema/new_file.h"
+#include "mdb/verify/verify.h"
 
 namespace mdb_test {
 

@@ -1,15 +1,15 @@
-#include "mdb/new_file.h"
+#include "mdb/schema/new_file.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/outside.h"
+#include "mdb/rows/table.h"
 #include "mdb/samples.h"
-#include "mdb/table.h"
-#include "mdb/verify.h"
+#include "mdb/verify/verify.h"
 
 namespace {
 

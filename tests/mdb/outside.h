@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "mdb/bytes.h"
+#include "mdb/pages/bytes.h"
 
 namespace mdb_test {
 

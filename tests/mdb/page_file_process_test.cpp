@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "mdb/muestra.h"
-#include "mdb/page_file.h"
+#include "mdb/pages/page_file.h"
 #include "support/temp_folder.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "mdb/page_file.h"
+#include "mdb/pages/page_file.h"
 
 #include <gtest/gtest.h>
 
@@ -7,10 +7,10 @@
 
 #include "base/file.h"
 #include "mdb/corpus.h"
-#include "mdb/database.h"
 #include "mdb/muestra.h"
-#include "mdb/new_file.h"
 #include "mdb/samples.h"
+#include "mdb/schema/database.h"
+#include "mdb/schema/new_file.h"
 #include "support/temp_folder.h"
 
 namespace {

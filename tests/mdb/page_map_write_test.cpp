@@ -5,8 +5,8 @@
 #include <set>
 
 #include "mdb/corpus.h"
-#include "mdb/page_map.h"
-#include "mdb/page_rows.h"
+#include "mdb/pages/page_map.h"
+#include "mdb/pages/page_rows.h"
 #include "mdb/samples.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Rows of one page: whatever is done, the rows stay without gaps and the free-space field exact.
-#include "mdb/page_rows.h"
+#include "mdb/pages/page_rows.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "mdb/pages.h"
+#include "mdb/pages/pages.h"
 
 #include <gtest/gtest.h>
 

@@ -6,10 +6,10 @@
 #include <sstream>
 
 #include "mdb/new_base.h"
-#include "mdb/page_map.h"
-#include "mdb/page_rows.h"
+#include "mdb/pages/page_map.h"
+#include "mdb/pages/page_rows.h"
 #include "mdb/random_rows.h"
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <set>
 
-#include "mdb/index_key.h"
-#include "mdb/index_tree.h"
-#include "mdb/table.h"
+#include "mdb/indexes/index_key.h"
+#include "mdb/indexes/index_tree.h"
+#include "mdb/rows/table.h"
 
 namespace mdb_test {
 namespace {

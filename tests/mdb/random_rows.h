@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "mdb/table_writer.h"
+#include "mdb/tables/table_writer.h"
 
 namespace mdb_test {
 

@@ -8,7 +8,7 @@
 #include <map>
 #include <sstream>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/new_base.h"
 #include "mdb/samples.h"

@@ -5,12 +5,12 @@
 
 #include <algorithm>
 
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/exported.h"
 #include "mdb/outside.h"
-#include "mdb/table.h"
-#include "mdb/verify.h"
+#include "mdb/rows/table.h"
+#include "mdb/verify/verify.h"
 
 namespace {
 

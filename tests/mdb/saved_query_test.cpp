@@ -1,4 +1,4 @@
-#include "mdb/saved_query.h"
+#include "mdb/queries/saved_query.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 #include "jetsql/parser.h"
-#include "mdb/catalog.h"
+#include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/exported.h"
 #include "mdb/outside.h"

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "mdb/index_tree.h"
-#include "mdb/page_map.h"
+#include "mdb/indexes/index_tree.h"
+#include "mdb/pages/page_map.h"
 #include "mdb/schema_support.h"
 
 namespace {

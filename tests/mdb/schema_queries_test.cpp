@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "mdb/exported.h"
+#include "mdb/queries/saved_query.h"
 #include "mdb/samples.h"
-#include "mdb/saved_query.h"
 #include "mdb/schema_support.h"
 
 namespace {

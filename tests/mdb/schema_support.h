@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "mdb/corpus.h"
-#include "mdb/database.h"
-#include "mdb/new_file.h"
 #include "mdb/outside.h"
-#include "mdb/table.h"
-#include "mdb/verify.h"
+#include "mdb/rows/table.h"
+#include "mdb/schema/database.h"
+#include "mdb/schema/new_file.h"
+#include "mdb/verify/verify.h"
 
 namespace mdb_test {
 

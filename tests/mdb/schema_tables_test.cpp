@@ -1,4 +1,4 @@
-#include "mdb/page_map.h"
+#include "mdb/pages/page_map.h"
 #include "mdb/schema_support.h"
 
 namespace {

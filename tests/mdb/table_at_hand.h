@@ -1,11 +1,11 @@
 // A table of a new base, with short ways to change it and to look at its pages; values written shortly.
 #pragma once
 
-#include "mdb/index_tree.h"
+#include "mdb/indexes/index_tree.h"
 #include "mdb/new_base.h"
-#include "mdb/page_map.h"
-#include "mdb/page_rows.h"
-#include "mdb/table.h"
+#include "mdb/pages/page_map.h"
+#include "mdb/pages/page_rows.h"
+#include "mdb/rows/table.h"
 
 namespace mdb_test {
 

@@ -1,8 +1,8 @@
-#include "mdb/table.h"
+#include "mdb/rows/table.h"
 
 #include <gtest/gtest.h>
 
-#include "mdb/page_map.h"
+#include "mdb/pages/page_map.h"
 
 namespace {
 

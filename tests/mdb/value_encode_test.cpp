@@ -1,8 +1,9 @@
 // Values and rows as the bytes that stand in the file, worked out by hand.
 #include <gtest/gtest.h>
 
-#include "mdb/row_encode_internal.h"
-#include "mdb/table.h"
+#include "mdb/pages/text.h"
+#include "mdb/rows/row_encode_internal.h"
+#include "mdb/rows/table.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "mdb/verify.h"
+#include "mdb/verify/verify.h"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,11 @@
 
 #include "base/date.h"
 #include "mdb/corpus.h"
-#include "mdb/definition.h"
-#include "mdb/new_file.h"
+#include "mdb/definitions/definition.h"
 #include "mdb/outside.h"
-#include "mdb/page_map.h"
+#include "mdb/pages/page_map.h"
 #include "mdb/samples.h"
+#include "mdb/schema/new_file.h"
 
 namespace {
 

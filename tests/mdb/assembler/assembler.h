@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "mdb/definition.h"
-#include "mdb/saved_query.h"
-#include "mdb/value.h"
+#include "mdb/definitions/definition.h"
+#include "mdb/queries/saved_query.h"
+#include "mdb/rows/value.h"
 
 namespace assembler {
 

@@ -1,0 +1,36 @@
+// Page maps: which pages are free, and which belong to a table, a long column or an index.
+//
+// A map is a row of a data page with owner 0 (the global one: row 0 of page 1), either a bitmap from a start
+// page or a list of bitmap pages; see docs/formats/mdb.md.
+#pragma once
+
+#include <vector>
+
+#include "mdb/pages/pages.h"
+
+namespace mdb {
+
+// The pages of the map, rising. A pointer with page 0 is an empty map. Numbers beyond the end of the file are
+// left out. Throws Danio.
+std::vector<NumPagina> LeerMapa(Paginas& paginas, Puntero mapa);
+// The same of a map whose pages must all be there, as the data pages of a table: a number beyond the end of
+// the file is damage. A file cut short must not pass for one with fewer rows.
+std::vector<NumPagina> LeerMapaCompleto(Paginas& paginas, Puntero mapa);
+// The bitmap pages that a map of the second kind stands on (none for the first).
+std::vector<NumPagina> PaginasDelMapa(Paginas& paginas, Puntero mapa);
+bool EnMapa(Paginas& paginas, Puntero mapa, NumPagina pagina);
+// Adds and removes; a map that cannot name the page grows (moves its window, or becomes a list of bitmap
+// pages).
+void PonerEnMapa(Paginas& paginas, Puntero mapa, NumPagina pagina);
+void QuitarDeMapa(Paginas& paginas, Puntero mapa, NumPagina pagina);
+// A new, empty map: a row on a page of maps (one with room that the file has, else a new page).
+Puntero NuevoMapa(Paginas& paginas);
+void BorrarMapa(Paginas& paginas, Puntero mapa);  // frees its bitmap pages and its row
+
+// A page for use, zeroed: a free one of the global map, else a new one at the end; taken out of the global
+// map.
+NumPagina ReservarPagina(Paginas& paginas);
+// Back to the global map; its first bytes are marked as those of a free page.
+void LiberarPagina(Paginas& paginas, NumPagina pagina);
+
+}  // namespace mdb

@@ -1,0 +1,39 @@
+// The parts that the text of a saved query is put together from.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mdb/queries/saved_query.h"
+
+namespace mdb::internal {
+
+// What the rows of MSysQueries are, by their attribute.
+enum Atributo : std::uint8_t {
+  kClase = 1,
+  kParametro = 2,
+  kOpciones = 3,
+  kBaseExterna = 4,
+  kFuente = 5,
+  kColumna = 6,
+  kUnion = 7,
+  kDonde = 8,
+  kGrupo = 9,
+  kTeniendo = 10,
+  kOrden = 11
+};
+
+// A name as it stands in a statement: in brackets where it would not read as one word.
+std::string Citar(std::string_view nombre);
+// The same for a name that may be qualified (Tabla.Columna), a part at a time.
+std::string CitarCompuesto(std::string_view nombre);
+// Without the blanks, semicolons and NULs that the stored texts end in.
+std::string_view SinCola(std::string_view texto);
+
+// What follows FROM (or UPDATE): the sources joined pair by pair in the order of the join rows, the others in
+// a list. Throws base::Error for a join whose sides are not two of the sources.
+std::string TextoDeFuentes(std::span<const FilaDeConsulta> fuentes, std::span<const FilaDeConsulta> uniones);
+
+}  // namespace mdb::internal

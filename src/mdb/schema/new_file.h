@@ -1,0 +1,14 @@
+// A new Access file.
+#pragma once
+
+#include "base/date.h"
+#include "mdb/pages/bytes.h"
+
+namespace mdb {
+
+// The stored bytes of a Jet 4 file (Access 2000 to 2003) that holds its four system tables and nothing else.
+//   orden   LCID of all its text: 3082, 1034 or 1033; throws base::Error for another one
+//   ahora   date of its objects
+Bytes NuevaBase(std::uint16_t orden, base::Fecha ahora);
+
+}  // namespace mdb
