@@ -10,7 +10,7 @@ if(IDM_GUI)
     install(FILES packaging/importdemarcas.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/256x256/apps)
   endif()
 endif()
-install(FILES README.md CHANGELOG.md docs/manual.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/importdemarcas)
+install(FILES README.md CHANGELOG.md THIRD-PARTY.md docs/manual.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/importdemarcas)
 install(DIRECTORY docs/img DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/importdemarcas)
 
 set(CPACK_PACKAGE_NAME importdemarcas)
