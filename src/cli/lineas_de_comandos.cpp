@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <memory>
 
-#include "app/reloj_sistema.h"
 #include "base/text.h"
 #include "cli/verbos.h"
+#include "ports/system_clock.h"
 #include "settings/config_file.h"
 
 namespace cli {
@@ -256,7 +256,7 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
 
   std::unique_ptr<ports::Clock> reloj;
   if (t.hoy.empty())
-    reloj = std::make_unique<app::RelojSistema>();
+    reloj = std::make_unique<ports::SystemClock>();
   else
     reloj = std::make_unique<ports::RelojFijo>(*LeerFecha(t.hoy, true));
   if (v_importar->parsed() || v_revisar->parsed())

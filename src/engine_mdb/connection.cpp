@@ -59,7 +59,7 @@ bool EsDefinicion(const jetsql::Sentencia& s) {
 }  // namespace
 
 ConexionMdb::ConexionMdb(std::unique_ptr<mdb::Base> base, std::string_view ruta, const Opciones& opciones)
-    : ruta_(ruta), opciones_(opciones) {
+    : ruta_(ruta), opciones_(opciones), clock_(opciones.reloj != nullptr ? *opciones.reloj : system_clock_) {
   Iniciar(std::move(base));
 }
 
@@ -68,7 +68,7 @@ void ConexionMdb::Iniciar(std::unique_ptr<mdb::Base> base) {
   fuente_ = std::make_unique<FuenteMdb>(*base_, ruta_, contadores_);
   engine_sqlite::Opciones abajo;
   abajo.orden = OrdenDe(base_->Cab().orden);
-  abajo.reloj = opciones_.reloj;
+  abajo.reloj = &clock_;
   abajo.locale = opciones_.locale;
   abajo.comodines_dao = opciones_.comodines_dao;
   espejo_ = engine_sqlite::AbrirEspejo(*fuente_, abajo);

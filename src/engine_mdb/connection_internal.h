@@ -7,6 +7,7 @@
 
 #include "engine_mdb/source_internal.h"
 #include "jetsql/parser.h"
+#include "ports/system_clock.h"
 
 namespace engine_mdb {
 
@@ -77,10 +78,11 @@ class ConexionMdb final : public db::Connection {
   template <typename Paso>
   void VolverSiFalla(Paso&& paso);
   void IndiceLibre(const mdb::Definicion& tabla, const std::string& nombre) const;
-  base::Fecha Ahora();
 
   std::string ruta_;
   Opciones opciones_;
+  ports::SystemClock system_clock_;
+  const ports::Clock& clock_;
   Contadores contadores_;
   std::unique_ptr<mdb::Base> base_;
   std::unique_ptr<FuenteMdb> fuente_;

@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "engine_mdb/connection_internal.h"
 #include "engine_mdb/save_query.h"
+#include "ports/system_clock.h"
 
 namespace engine_mdb {
 namespace {
@@ -159,11 +160,6 @@ void ConexionMdb::VolverSiFalla(Paso&& paso) {
   }
 }
 
-base::Fecha ConexionMdb::Ahora() {
-  const db::Recordset r = espejo_.conexion->Ejecutar("SELECT Now()");
-  return *r.En(0, 0).Si<base::Fecha>();
-}
-
 // What SQLite would say of the statement, without keeping what it did.
 void ConexionMdb::Ensayar(std::string_view sql) {
   const Ensayo ensayo(espejo_.base, *fuente_);
@@ -212,7 +208,7 @@ void ConexionMdb::Relacionar(const std::string& tabla, const std::string& nombre
   r.columnas_referidas = referencia.columnas;
   if (referencia.actualiza_en_cascada) r.banderas |= RelacionDeTablas::kActualizaEnCascada;
   if (referencia.borra_en_cascada) r.banderas |= RelacionDeTablas::kBorraEnCascada;
-  base_->CrearRelacion(r, Ahora());
+  base_->CrearRelacion(r, clock_.Ahora());
   fuente_->Descartar({tabla, referencia.tabla});
 }
 
@@ -231,7 +227,7 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearTabla& s) {
   for (const auto& r : s.restricciones)
     if (r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::Unica)
       nueva.indices.push_back(Indice(NombreDe(r), r.columnas, r.que == Restriccion::Que::Clave));
-  base_->CrearTabla(nueva, Ahora());
+  base_->CrearTabla(nueva, clock_.Ahora());
   fuente_->Descartar({s.nombre});
   for (const auto& c : s.columnas)
     if (c.referencia) Relacionar(s.nombre, c.nombre_restriccion, {c.nombre}, *c.referencia);
@@ -263,7 +259,7 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearVista& s) {
   const jetsql::Sentencia guardada = jetsql::Analizar(t.definicion.texto_vista, jetsql::Literales::EnTexto);
   const auto* consulta = std::get_if<jetsql::ConsultaPtr>(&guardada);
   if (consulta == nullptr) throw db::Error("La consulta " + s.nombre + " no es de selección.");
-  base_->CrearConsulta(DescomponerConsulta(s.nombre, **consulta, *fuente_), Ahora());
+  base_->CrearConsulta(DescomponerConsulta(s.nombre, **consulta, *fuente_), clock_.Ahora());
   fuente_->Descartar({});
 }
 
@@ -363,7 +359,7 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::ConsultaPtr& s) {
     nueva.columnas.push_back(ColumnaDe(definida, false));
     columnas += (columnas.empty() ? "[" : ", [") + c.nombre + "]";
   }
-  base_->CrearTabla(nueva, Ahora());
+  base_->CrearTabla(nueva, clock_.Ahora());
   fuente_->Descartar({nueva.nombre});
   s->partes[0].destino.clear();
   espejo_.conexion->Ejecutar("INSERT INTO [" + nueva.nombre + "] (" + columnas + ") " + jetsql::Imprimir(*s));
@@ -372,11 +368,9 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::ConsultaPtr& s) {
 
 std::unique_ptr<db::Connection> Crear(std::string_view ruta, const Opciones& opciones, std::uint16_t orden) {
   return db::AsConnectionErrors([&]() -> std::unique_ptr<db::Connection> {
-    engine_sqlite::Opciones reloj;
-    reloj.reloj = opciones.reloj;
-    const db::Recordset ahora = engine_sqlite::Abrir(":memory:", reloj)->Ejecutar("SELECT Now()");
-    return std::make_unique<ConexionMdb>(mdb::Base::Crear(ruta, orden, *ahora.En(0, 0).Si<base::Fecha>()),
-                                         ruta, opciones);
+    const base::Fecha now =
+        opciones.reloj != nullptr ? opciones.reloj->Ahora() : ports::SystemClock().Ahora();
+    return std::make_unique<ConexionMdb>(mdb::Base::Crear(ruta, orden, now), ruta, opciones);
   });
 }
 

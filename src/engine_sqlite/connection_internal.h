@@ -6,13 +6,9 @@
 #include "engine_sqlite/runtime_internal.h"
 #include "engine_sqlite/sqlite_connection.h"
 #include "engine_sqlite/statement_cache_internal.h"
+#include "ports/system_clock.h"
 
 namespace engine_sqlite {
-
-class RelojDelSistema final : public ports::Clock {
- public:
-  base::Fecha Ahora() const override;
-};
 
 class ConexionSqlite final : public db::Connection {
  public:
@@ -65,7 +61,7 @@ class ConexionSqlite final : public db::Connection {
   void VerCambiosAjenos();
 
   // In the order in which they are needed: the handle's functions use the surroundings to the last.
-  RelojDelSistema sistema_;
+  ports::SystemClock system_clock_;
   Entorno entorno_;
   ManejadorBase base_;
   Sentencia version_ajena_;  // counts the commits of others; null in memory

@@ -1,6 +1,4 @@
 // Opening and closing a file, and transactions.
-#include <ctime>
-
 #include "base/file.h"
 #include "engine_sqlite/connection_internal.h"
 
@@ -43,18 +41,10 @@ bool EnRed(std::string_view ruta) { return ruta.substr(0, 2) == "\\\\" || ruta.s
 
 }  // namespace
 
-base::Fecha RelojDelSistema::Ahora() const {
-  const std::time_t ahora = std::time(nullptr);
-  const std::tm* local = std::localtime(&ahora);
-  if (local == nullptr) throw base::Error("El reloj del sistema no da la hora.");
-  const double dia = base::FechaDe(local->tm_year + 1900, local->tm_mon + 1, local->tm_mday).serie;
-  return {dia + base::HoraDe(local->tm_hour, local->tm_min, local->tm_sec).serie};
-}
-
 ConexionSqlite::ConexionSqlite(std::string_view ruta, const Opciones& opciones, FuenteDeTablas* fuente)
     : fuente_(fuente) {
   entorno_.locale = opciones.locale != nullptr ? opciones.locale : &base::Locale::espanol();
-  entorno_.reloj = opciones.reloj != nullptr ? opciones.reloj : &sistema_;
+  entorno_.reloj = opciones.reloj != nullptr ? opciones.reloj : &system_clock_;
   entorno_.orden = opciones.orden;
   traduccion_.comodines_dao = opciones.comodines_dao;
   traduccion_.locale = entorno_.locale;

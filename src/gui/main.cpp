@@ -1,12 +1,12 @@
 // importdemarcas: the window.
 #include "app/carpeta_ajustes.h"
 #include "app/programa.h"
-#include "app/reloj_sistema.h"
 #include "base/standard_streams.h"
 #include "gui/aplicacion.h"
 #include "gui/dialogos.h"
 #include "gui/fin_de_sesion.h"
 #include "gui/frm_principal2.h"
+#include "ports/system_clock.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
   const gui::Tema tema = gui::Tema::Segun(QApplication::palette());
   gui::Aplicacion::Vestir(tema);
 
-  const app::RelojSistema reloj;
+  const ports::SystemClock reloj;
   gui::Bomba bomba;
   gui::Dialogos dialogos;
   app::Arranque arranque;
