@@ -2,6 +2,7 @@
 #include "engine_mdb/mdb_connection.h"
 
 #include "engine_mdb/connection_internal.h"
+#include "jetsql/statement_kind.h"
 
 namespace engine_mdb {
 namespace {
@@ -11,49 +12,6 @@ constexpr const char* kUndone = "Un error anterior deshizo la transacción: nada
 base::Orden OrdenDe(std::uint16_t lcid) {
   if (lcid == 3082) return base::Orden::EspanolModerno;
   return lcid == 1034 ? base::Orden::EspanolTradicional : base::Orden::General;
-}
-
-// The first word of a statement, up to `kLarga` letters, in capitals.
-std::string PrimeraPalabra(std::string_view sql) {
-  constexpr std::size_t kLarga = 8;
-  std::size_t i = 0;
-  while (i < sql.size() && static_cast<unsigned char>(sql[i]) <= ' ') ++i;
-  std::string palabra;
-  for (; i < sql.size() && palabra.size() < kLarga; ++i) {
-    const char c = sql[i];
-    if (c >= 'a' && c <= 'z')
-      palabra += static_cast<char>(c - 'a' + 'A');
-    else if (c >= 'A' && c <= 'Z')
-      palabra += c;
-    else
-      break;
-  }
-  return palabra;
-}
-
-bool DiceInto(std::string_view sql) {
-  constexpr std::string_view kInto = "into";
-  for (std::size_t i = 0; i + kInto.size() <= sql.size(); ++i) {
-    std::size_t k = 0;
-    while (k < kInto.size() && (sql[i + k] | 0x20) == kInto[k]) ++k;
-    if (k == kInto.size()) return true;
-  }
-  return false;
-}
-
-// Whether the text may be a definition; the parser has the last word. SELECT … INTO may stand in brackets or
-// after its parameters; an INSERT is the one statement that always has the word, and runs the most.
-bool ParecePorDefinir(std::string_view sql) {
-  const std::string palabra = PrimeraPalabra(sql);
-  if (palabra == "CREATE" || palabra == "DROP" || palabra == "ALTER") return true;
-  return palabra != "INSERT" && DiceInto(sql);
-}
-
-bool EsDefinicion(const jetsql::Sentencia& s) {
-  if (const auto* c = std::get_if<jetsql::ConsultaPtr>(&s)) return !(*c)->partes[0].destino.empty();
-  return std::holds_alternative<jetsql::CrearTabla>(s) || std::holds_alternative<jetsql::CrearIndice>(s) ||
-         std::holds_alternative<jetsql::CrearVista>(s) || std::holds_alternative<jetsql::Quitar>(s) ||
-         std::holds_alternative<jetsql::AlterarTabla>(s);
 }
 
 }  // namespace
@@ -247,9 +205,10 @@ db::Recordset ConexionMdb::Correr(std::string_view sql, bool solo_consulta) {
   afectadas_ = 0;
   fuente_->Empezar();
   return db::AsConnectionErrors([&] {
-    if (!solo_consulta && ParecePorDefinir(sql)) {
+    if (!solo_consulta && jetsql::KindOfText(sql) == jetsql::Clase::Definicion) {
       jetsql::Sentencia sentencia = jetsql::Analizar(sql, jetsql::Literales::EnTexto);
-      if (EsDefinicion(sentencia)) return CorrerDefinicion(sql, sentencia);
+      CorrerDefinicion(sentencia);
+      return db::Recordset(std::make_shared<const db::Columnas>(), {}, std::string(sql));
     }
     return CorrerFilas(sql, solo_consulta);
   });

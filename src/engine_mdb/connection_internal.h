@@ -58,22 +58,25 @@ class ConexionMdb final : public db::Connection {
   void ForgetMark();
 
   // Definition statements (definitions.cpp).
-  db::Recordset CorrerDefinicion(std::string_view sql, jetsql::Sentencia& sentencia);
-  void Aplicar(std::string_view sql, const jetsql::CrearTabla& s);
-  void Aplicar(std::string_view sql, const jetsql::CrearIndice& s);
-  void Aplicar(std::string_view sql, const jetsql::CrearVista& s);
-  void Aplicar(std::string_view sql, const jetsql::Quitar& s);
-  void Aplicar(std::string_view sql, const jetsql::AlterarTabla& s);
-  void Aplicar(std::string_view sql, const jetsql::ConsultaPtr& s);
+  void CorrerDefinicion(jetsql::Sentencia& sentencia);
+  // `whole` is the statement that the definition is of.
+  void Aplicar(jetsql::Sentencia& whole, const jetsql::CrearTabla& s);
+  void Aplicar(jetsql::Sentencia& whole, const jetsql::CrearIndice& s);
+  void Aplicar(jetsql::Sentencia& whole, jetsql::CrearVista& s);
+  void Aplicar(jetsql::Sentencia& whole, const jetsql::Quitar& s);
+  void Aplicar(jetsql::Sentencia& whole, const jetsql::AlterarTabla& s);
+  void Aplicar(jetsql::Sentencia& whole, const jetsql::ConsultaPtr& s);
   template <typename T>
-  void Aplicar(std::string_view, const T&) {}
-  void AgregarColumna(const std::string& tabla, const jetsql::DefColumna& columna);
+  void Aplicar(jetsql::Sentencia&, const T&) {}
+  jetsql::Traduccion Translate(jetsql::Sentencia& statement) const;
+  void AgregarColumna(const std::string& tabla, const jetsql::DefColumna& columna,
+                      const mdb::NuevaColumna& nueva);
   void AgregarRestriccion(const std::string& tabla, const jetsql::Restriccion& restriccion);
   void QuitarIndice(const std::string& tabla, const std::string& nombre);
   void QuitarRestriccion(const std::string& tabla, const std::string& nombre);
   void Relacionar(const std::string& tabla, const std::string& nombre,
                   const std::vector<std::string>& columnas, const jetsql::Referencia& referencia);
-  void Ensayar(std::string_view sql);
+  void Ensayar(jetsql::Sentencia& statement);
   // The pages and the catalog go back to where they are when the step throws.
   template <typename Paso>
   void VolverSiFalla(Paso&& paso);

@@ -160,15 +160,19 @@ void ConexionMdb::VolverSiFalla(Paso&& paso) {
   }
 }
 
+jetsql::Traduccion ConexionMdb::Translate(jetsql::Sentencia& statement) const {
+  return jetsql::Traducir(statement, *fuente_, {opciones_.comodines_dao, opciones_.locale});
+}
+
 // What SQLite would say of the statement, without keeping what it did.
-void ConexionMdb::Ensayar(std::string_view sql) {
+void ConexionMdb::Ensayar(jetsql::Sentencia& statement) {
   const Ensayo ensayo(espejo_.base, *fuente_);
-  espejo_.conexion->Ejecutar(sql);
+  engine_sqlite::RunTranslation(*espejo_.conexion, Translate(statement));
 }
 
 // The rows changed so far go into the pages first, so that the new definition finds them; a failure goes back
 // to here, and out of a transaction the whole statement is one.
-db::Recordset ConexionMdb::CorrerDefinicion(std::string_view sql, jetsql::Sentencia& sentencia) {
+void ConexionMdb::CorrerDefinicion(jetsql::Sentencia& sentencia) {
   if (!abierta_abajo_) Comenzar();
   if (marked_ && !pages_at_mark_) {
     fuente_->KeepForMark();
@@ -180,7 +184,7 @@ db::Recordset ConexionMdb::CorrerDefinicion(std::string_view sql, jetsql::Senten
     fuente_->Asentar(false);
     definio_ = true;
     try {
-      VolverSiFalla([&] { std::visit([&](const auto& s) { Aplicar(sql, s); }, sentencia); });
+      VolverSiFalla([&] { std::visit([&](auto& s) { Aplicar(sentencia, s); }, sentencia); });
     } catch (const base::Error&) {
       fuente_->DescartarTodo();
       engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
@@ -192,7 +196,6 @@ db::Recordset ConexionMdb::CorrerDefinicion(std::string_view sql, jetsql::Senten
     throw;
   }
   if (!en_transaccion_) Confirmar();
-  return {std::make_shared<const db::Columnas>(), {}, std::string(sql)};
 }
 
 void ConexionMdb::Relacionar(const std::string& tabla, const std::string& nombre,
@@ -212,8 +215,9 @@ void ConexionMdb::Relacionar(const std::string& tabla, const std::string& nombre
   fuente_->Descartar({tabla, referencia.tabla});
 }
 
-void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearTabla& s) {
-  Ensayar(sql);
+// What goes into the file is made of the tree before it is translated: a translation notes in it what it
+// found out.
+void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::CrearTabla& s) {
   mdb::NuevaTabla nueva;
   nueva.nombre = s.nombre;
   for (const auto& c : s.columnas) {
@@ -227,6 +231,7 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearTabla& s) {
   for (const auto& r : s.restricciones)
     if (r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::Unica)
       nueva.indices.push_back(Indice(NombreDe(r), r.columnas, r.que == Restriccion::Que::Clave));
+  Ensayar(whole);
   base_->CrearTabla(nueva, clock_.Ahora());
   fuente_->Descartar({s.nombre});
   for (const auto& c : s.columnas)
@@ -240,9 +245,9 @@ void ConexionMdb::IndiceLibre(const mdb::Definicion& tabla, const std::string& n
     if (base::IgualSinCaso(i.nombre, nombre)) throw db::Error("El índice " + nombre + " ya existe.");
 }
 
-void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearIndice& s) {
+void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::CrearIndice& s) {
   if (TablaEspejo* t = fuente_->Mirar(s.tabla)) IndiceLibre(t->definicion, s.nombre);
-  Ensayar(sql);
+  Ensayar(whole);
   mdb::NuevoIndice indice;
   indice.nombre = s.nombre;
   for (const auto& c : s.columnas) indice.partes.push_back({c.nombre, c.descendente});
@@ -254,12 +259,11 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearIndice& s) {
   fuente_->Descartar({s.tabla});
 }
 
-void ConexionMdb::Aplicar(std::string_view sql, const jetsql::CrearVista& s) {
-  const jetsql::Traduccion t = jetsql::Traducir(sql, *fuente_);
-  const jetsql::Sentencia guardada = jetsql::Analizar(t.definicion.texto_vista, jetsql::Literales::EnTexto);
-  const auto* consulta = std::get_if<jetsql::ConsultaPtr>(&guardada);
-  if (consulta == nullptr) throw db::Error("La consulta " + s.nombre + " no es de selección.");
-  base_->CrearConsulta(DescomponerConsulta(s.nombre, **consulta, *fuente_), clock_.Ahora());
+void ConexionMdb::Aplicar(jetsql::Sentencia& whole, jetsql::CrearVista& s) {
+  jetsql::NameColumns(s);
+  const mdb::ConsultaGuardada query = DescomponerConsulta(s.nombre, *s.consulta, *fuente_);
+  Translate(whole);
+  base_->CrearConsulta(query, clock_.Ahora());
   fuente_->Descartar({});
 }
 
@@ -282,8 +286,8 @@ void ConexionMdb::QuitarRestriccion(const std::string& tabla, const std::string&
   fuente_->Descartar(las_dos);
 }
 
-void ConexionMdb::Aplicar(std::string_view sql, const jetsql::Quitar& s) {
-  jetsql::Traducir(sql, *fuente_);
+void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::Quitar& s) {
+  Translate(whole);
   switch (s.que) {
     case jetsql::Quitar::Que::Tabla:
       fuente_->Descartar({s.nombre});
@@ -299,8 +303,9 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::Quitar& s) {
   }
 }
 
-void ConexionMdb::AgregarColumna(const std::string& tabla, const jetsql::DefColumna& c) {
-  base_->AgregarColumna(tabla, ColumnaDe(c, c.no_nulo || c.clave));
+void ConexionMdb::AgregarColumna(const std::string& tabla, const jetsql::DefColumna& c,
+                                 const mdb::NuevaColumna& nueva) {
+  base_->AgregarColumna(tabla, nueva);
   if (const auto indice = IndiceDe(c)) base_->CrearIndice(tabla, *indice);
   fuente_->Descartar({tabla});
   if (c.referencia) Relacionar(tabla, c.nombre_restriccion, {c.nombre}, *c.referencia);
@@ -318,20 +323,22 @@ void ConexionMdb::AgregarRestriccion(const std::string& tabla, const Restriccion
   fuente_->Descartar({tabla});
 }
 
-void ConexionMdb::Aplicar(std::string_view sql, const jetsql::AlterarTabla& s) {
+void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::AlterarTabla& s) {
   using Que = jetsql::AlterarTabla::Que;
   const bool relaciona = s.que == Que::AgregarRestriccion && s.restriccion.que == Restriccion::Que::Foranea;
   TablaEspejo* t = fuente_->Mirar(s.tabla);
   if (t == nullptr) throw db::Error("No se encuentra la tabla o consulta '" + s.tabla + "'");
   const std::string tabla = t->info.nombre;
   if (s.que == Que::AgregarRestriccion && !relaciona) IndiceLibre(t->definicion, NombreDe(s.restriccion));
+  mdb::NuevaColumna nueva;
+  if (s.que == Que::Agregar) nueva = ColumnaDe(s.columna, s.columna.no_nulo || s.columna.clave);
   if (s.que == Que::Agregar || (s.que == Que::AgregarRestriccion && !relaciona))
-    Ensayar(sql);
+    Ensayar(whole);
   else if (!relaciona)
-    jetsql::Traducir(sql, *fuente_);
+    Translate(whole);
   switch (s.que) {
     case Que::Agregar:
-      AgregarColumna(tabla, s.columna);
+      AgregarColumna(tabla, s.columna, nueva);
       break;
     case Que::Quitar:
       base_->QuitarColumna(tabla, s.nombre);
@@ -347,22 +354,23 @@ void ConexionMdb::Aplicar(std::string_view sql, const jetsql::AlterarTabla& s) {
 }
 
 // SELECT … INTO: the table with the kinds of the query's columns, then its rows.
-void ConexionMdb::Aplicar(std::string_view sql, const jetsql::ConsultaPtr& s) {
-  const jetsql::Traduccion t = jetsql::Traducir(sql, *fuente_);
+void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::ConsultaPtr&) {
+  const jetsql::Traduccion t = Translate(whole);
   mdb::NuevaTabla nueva;
   nueva.nombre = t.definicion.nombre;
-  std::string columnas;
   for (const auto& c : t.definicion.columnas) {
     jetsql::DefColumna definida;
     definida.nombre = c.nombre;
     definida.clase = ClaseDe(c.tipo);
     nueva.columnas.push_back(ColumnaDe(definida, false));
-    columnas += (columnas.empty() ? "[" : ", [") + c.nombre + "]";
   }
   base_->CrearTabla(nueva, clock_.Ahora());
   fuente_->Descartar({nueva.nombre});
-  s->partes[0].destino.clear();
-  espejo_.conexion->Ejecutar("INSERT INTO [" + nueva.nombre + "] (" + columnas + ") " + jetsql::Imprimir(*s));
+  jetsql::Traduccion fill;
+  fill.clase = jetsql::Clase::Insercion;
+  fill.pasos = {t.pasos.back()};
+  fill.escribe = {nueva.nombre};
+  engine_sqlite::RunTranslation(*espejo_.conexion, std::move(fill));
   afectadas_ = espejo_.conexion->FilasAfectadas();
 }
 

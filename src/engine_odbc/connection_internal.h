@@ -8,6 +8,7 @@
 #include "engine_odbc/bounded_internal.h"
 #include "engine_odbc/catalog_internal.h"
 #include "engine_odbc/odbc_connection.h"
+#include "jetsql/ast.h"
 
 namespace engine_odbc {
 
@@ -37,11 +38,12 @@ class ConexionOdbc final : public db::Connection {
   void Desconectar();
   void VerificarUtil();
   bool Autocommit(bool si);
-  db::Recordset Correr(std::string_view sql);
+  // `tree`: of the statement, when it has been parsed already.
+  db::Recordset Correr(std::string_view sql, jetsql::Sentencia* tree);
   SQLRETURN Mandar(const std::string& texto);
   db::Recordset Recoger(std::string_view sql, StatementLimits& limits);
   // The statement as the driver is to get it.
-  std::string TextoParaElDriver(std::string_view sql);
+  std::string TextoParaElDriver(std::string_view sql, jetsql::Sentencia* tree);
   bool EstaMuerta() const;
   void Perder();
   // Throws what the driver says; a failure that means the loss of the connection closes it.

@@ -1,6 +1,5 @@
 // From a text to its rows.
 #include <algorithm>
-#include <array>
 
 #include "base/text.h"
 #include "engine_odbc/connection_internal.h"
@@ -8,6 +7,7 @@
 #include "engine_odbc/reading_internal.h"
 #include "engine_odbc/rows_internal.h"
 #include "jetsql/parser.h"
+#include "jetsql/statement_kind.h"
 
 namespace engine_odbc {
 namespace {
@@ -15,13 +15,9 @@ namespace {
 constexpr std::size_t kFormasRecordadas = 500;
 constexpr std::size_t kTextoMasLargo = 1U << 28;  // bytes; the driver manager counts with 32 bits
 
-bool EsDeDatos(std::string_view sql) {
-  const std::size_t inicio = sql.find_first_not_of(" \t\r\n(");
-  if (inicio == std::string_view::npos) return true;
-  constexpr std::array<std::string_view, 4> kVerbos = {"SELECT", "INSERT", "UPDATE", "DELETE"};
-  for (const std::string_view verbo : kVerbos)
-    if (base::EmpiezaCon(sql.substr(inicio), verbo, base::Comparar::SinCaso)) return true;
-  return false;
+// What only a driver knows may define, too.
+bool MayDefine(std::string_view sql) {
+  return jetsql::KindOfText(sql).value_or(jetsql::Clase::Definicion) == jetsql::Clase::Definicion;
 }
 
 // A character beyond U+FFFF takes four bytes.
@@ -36,8 +32,9 @@ db::Recordset ConexionOdbc::Ejecutar(std::string_view sql) {
   return db::AsConnectionErrors([&] {
     VerificarUtil();
     afectadas_ = 0;
-    if (solo_lectura_) ComprobarQueSoloLee(sql);
-    return Correr(sql);
+    if (!solo_lectura_) return Correr(sql, nullptr);
+    jetsql::Sentencia tree = ComprobarQueSoloLee(sql);
+    return Correr(sql, &tree);
   });
 }
 
@@ -45,8 +42,8 @@ db::Recordset ConexionOdbc::Consultar(std::string_view sql) {
   return db::AsConnectionErrors([&] {
     VerificarUtil();
     afectadas_ = 0;
-    ComprobarQueSoloLee(sql);
-    return Correr(sql);
+    jetsql::Sentencia tree = ComprobarQueSoloLee(sql);
+    return Correr(sql, &tree);
   });
 }
 
@@ -60,16 +57,20 @@ db::Recordset ConexionOdbc::QueryBounded(std::string_view sql, db::QueryBudget& 
   }
 }
 
-std::string ConexionOdbc::TextoParaElDriver(std::string_view sql) {
+std::string ConexionOdbc::TextoParaElDriver(std::string_view sql, jetsql::Sentencia* tree) {
   jetsql::Forma forma;
   if (!jetsql::SepararLiterales(sql, forma) || sin_tocar_.contains(forma.clave)) return std::string(sql);
   std::string texto(sql);
   bool cambio = false;
   // What the dialect does not know is for the driver to judge.
   base::ErrorIgnorado("ODBC: calificadores", nullptr, [&] {
-    jetsql::Sentencia sentencia = jetsql::Analizar(sql);
-    cambio = Calificadores(catalogo_).Resolver(sentencia);
-    if (cambio) texto = jetsql::Imprimir(sentencia);
+    jetsql::Sentencia own;
+    if (tree == nullptr) {
+      own = jetsql::Analizar(sql);
+      tree = &own;
+    }
+    cambio = Calificadores(catalogo_).Resolver(*tree);
+    if (cambio) texto = jetsql::Imprimir(*tree);
   });
   if (!cambio) {
     if (sin_tocar_.size() >= kFormasRecordadas) sin_tocar_.clear();
@@ -78,20 +79,20 @@ std::string ConexionOdbc::TextoParaElDriver(std::string_view sql) {
   return texto;
 }
 
-db::Recordset ConexionOdbc::Correr(std::string_view sql) {
+db::Recordset ConexionOdbc::Correr(std::string_view sql, jetsql::Sentencia* tree) {
   if (base::TrimVista(sql).empty()) throw db::Error("La sentencia está vacía.");
   // A driver that ends the text at a NUL would run a DELETE without its condition.
   if (sql.find('\0') != std::string_view::npos)
     throw db::Error("La sentencia tiene un carácter nulo, que la base no admite.");
   if (sql.size() > kTextoMasLargo) throw db::Error("La sentencia es demasiado larga.");
-  const std::string texto = TextoParaElDriver(sql);
+  const std::string texto = TextoParaElDriver(sql, tree);
   OpenCursor();
   StatementLimits limits(cursor_, budget_);
   const CloseCursor close(cursor_);  // before the limits go: a driver may refuse to change them else
   const SQLRETURN rc = Mandar(texto);
   if (rc != SQL_NO_DATA && !SQL_SUCCEEDED(rc))  // no data: a change that found no row
     Fallar(SQL_HANDLE_STMT, cursor_.Crudo(), "La base no pudo ejecutar la sentencia");
-  if (!EsDeDatos(sql)) {
+  if (MayDefine(sql)) {
     catalogo_.Olvidar();
     sin_tocar_.clear();
   }

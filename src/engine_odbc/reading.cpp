@@ -5,6 +5,7 @@
 #include "db/connection.h"
 #include "jetsql/functions.h"
 #include "jetsql/parser.h"
+#include "jetsql/statement_kind.h"
 
 namespace engine_odbc {
 namespace {
@@ -39,7 +40,6 @@ void Ver(const jetsql::Rama& rama) {
 
 void Ver(const jetsql::Consulta& c) {
   for (const jetsql::Seleccion& s : c.partes) {
-    if (!s.destino.empty()) throw db::Error(kSoloConsultas);
     Ver(s.tope);
     for (const jetsql::ItemLista& item : s.lista) Ver(item.expr);
     for (const jetsql::RamaPtr& rama : s.de) Ver(*rama);
@@ -69,17 +69,17 @@ void VerMarcas(std::string_view sql) {
 
 }  // namespace
 
-void ComprobarQueSoloLee(std::string_view sql) {
+jetsql::Sentencia ComprobarQueSoloLee(std::string_view sql) {
   jetsql::Sentencia sentencia;
   try {
     sentencia = jetsql::Analizar(sql);
   } catch (const base::Error& e) {
     throw db::Error("La sentencia no se entiende, y aquí solo se puede leer. " + e.Descripcion());
   }
-  const auto* consulta = std::get_if<jetsql::ConsultaPtr>(&sentencia);
-  if (consulta == nullptr) throw db::Error(kSoloConsultas);
-  Ver(**consulta);
+  if (jetsql::KindOf(sentencia) != jetsql::Clase::Consulta) throw db::Error(kSoloConsultas);
+  Ver(*std::get<jetsql::ConsultaPtr>(sentencia));
   VerMarcas(sql);
+  return sentencia;
 }
 
 }  // namespace engine_odbc

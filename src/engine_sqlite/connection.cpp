@@ -13,10 +13,14 @@ using Que = jetsql::Definicion::Que;
 
 constexpr const char* kSoloConsultas = "La sentencia no es de consulta: aquí solo se puede leer.";
 
-bool EsDeCambio(const std::string& paso) {
-  for (const std::string_view verbo : {"INSERT", "UPDATE", "DELETE", "REPLACE", "WITH"})
-    if (std::string_view(paso).substr(0, verbo.size()) == verbo) return true;
-  return false;
+Preparada Prepared(jetsql::Traduccion translation) {
+  Preparada p;
+  p.traduccion = std::move(translation);
+  p.sentencias.resize(p.traduccion.pasos.size());
+  auto columns = std::make_shared<db::Columnas>();
+  for (const jetsql::ColumnaResultado& c : p.traduccion.columnas) columns->push_back({c.nombre, c.tipo});
+  p.columnas = std::move(columns);
+  return p;
 }
 
 // Leaves a statement ready for its next run, whatever happened in this one.
@@ -96,12 +100,25 @@ db::Recordset ConexionSqlite::EjecutarComo(std::string_view sql, bool solo_consu
   return db::AsConnectionErrors([&] { return ResolverYCorrer(sql, solo_consulta); });
 }
 
-db::Recordset ConexionSqlite::ResolverYCorrer(std::string_view sql, bool solo_consulta) {
+void ConexionSqlite::BeginStatement() {
   VerificarUtil();
   afectadas_ = 0;
   entorno_.ahora.reset();
   ++contadores_.ejecuciones;
   if (!en_transaccion_) VerCambiosAjenos();
+}
+
+void ConexionSqlite::RunTranslation(jetsql::Traduccion translation) {
+  db::AsConnectionErrors([&] {
+    BeginStatement();
+    Preparada p = Prepared(std::move(translation));
+    if (fuente_ != nullptr) Anunciar(p.traduccion);
+    Correr(p, {}, {});
+  });
+}
+
+db::Recordset ConexionSqlite::ResolverYCorrer(std::string_view sql, bool solo_consulta) {
+  BeginStatement();
   const std::vector<base::Valor>* literales = nullptr;
   const std::shared_ptr<Preparada> p = Resolver(sql, literales);
   if (solo_consulta && p->traduccion.clase != Clase::Consulta) throw db::Error(kSoloConsultas);
@@ -157,14 +174,9 @@ std::shared_ptr<Preparada> ConexionSqlite::Resolver(std::string_view sql,
 
 std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql, const ColumnasDeCruces& cruces) {
   ++contadores_.traducciones;
-  auto p = std::make_shared<Preparada>();
-  p->traduccion = cruces.empty() ? jetsql::Traducir(sql, catalogo_, traduccion_)
-                                 : jetsql::TraducirCruzada(sql, catalogo_, traduccion_, cruces);
-  p->sentencias.resize(p->traduccion.pasos.size());
-  auto columnas = std::make_shared<db::Columnas>();
-  for (const jetsql::ColumnaResultado& c : p->traduccion.columnas) columnas->push_back({c.nombre, c.tipo});
-  p->columnas = std::move(columnas);
-  return p;
+  return std::make_shared<Preparada>(
+      Prepared(cruces.empty() ? jetsql::Traducir(sql, catalogo_, traduccion_)
+                              : jetsql::TraducirCruzada(sql, catalogo_, traduccion_, cruces)));
 }
 
 db::Recordset ConexionSqlite::Correr(Preparada& p, const std::vector<base::Valor>& literales,
@@ -178,9 +190,11 @@ db::Recordset ConexionSqlite::Correr(Preparada& p, const std::vector<base::Valor
   std::vector<base::Valor>* destino = t.clase == Clase::Consulta ? &celdas : nullptr;
   if (t.pasos.size() == 1) {
     CorrerPaso(p, 0, literales, destino);
+    if (jetsql::ChangesRows(t.clase)) afectadas_ = sqlite3_changes64(base_.get());
   } else {
     Conjunto conjunto(base_.get(), en_transaccion_, t.clase == Clase::Consulta);
     for (std::size_t i = 0; i < t.pasos.size(); ++i) CorrerPaso(p, i, literales, destino);
+    if (jetsql::ChangesRows(t.clase)) afectadas_ = sqlite3_changes64(base_.get());
     conjunto.Confirmar();
   }
   if (t.cruzada) {
@@ -198,6 +212,7 @@ void ConexionSqlite::CorrerDefinicion(Preparada& p, const std::vector<base::Valo
   {
     Conjunto conjunto(base_.get(), en_transaccion_, false);
     for (std::size_t i = 0; i < p.traduccion.pasos.size(); ++i) CorrerPaso(p, i, literales, nullptr);
+    if (p.traduccion.fills) afectadas_ = sqlite3_changes64(base_.get());
     if (d.que == Que::CrearVista) catalogo_.CrearConsulta(d.nombre, d.texto_vista);
     if (d.que == Que::BorrarVista) catalogo_.BorrarConsulta(d.nombre);
     conjunto.Confirmar();
@@ -231,7 +246,6 @@ void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vecto
   }
   if ((rc & 0xFF) == SQLITE_INTERRUPT && !entorno_.sin_memoria) limit.ThrowIfInterrupted();
   if (rc != SQLITE_DONE || entorno_.sin_memoria) LanzarDePaso();
-  if (EsDeCambio(texto)) afectadas_ = sqlite3_changes64(base_.get());
 }
 
 void ConexionSqlite::LanzarDePaso() {

@@ -35,6 +35,7 @@ class ConexionSqlite final : public db::Connection {
   const Contadores& Cuentas() const { return contadores_; }
   sqlite3* Manejador() const { return base_.get(); }
   void OlvidarTodo();
+  void RunTranslation(jetsql::Traduccion translation);
 
  private:
   void AbrirArchivo(std::string_view ruta, const Opciones& opciones);
@@ -43,6 +44,7 @@ class ConexionSqlite final : public db::Connection {
   void FijarOrden();
   void VerificarUtil() const;
 
+  void BeginStatement();
   db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
   db::Recordset ResolverYCorrer(std::string_view sql, bool solo_consulta);
   // The statement to run and its literals (they last until the next statement).

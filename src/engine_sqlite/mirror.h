@@ -40,6 +40,10 @@ Espejo AbrirEspejo(FuenteDeTablas& fuente, const Opciones& opciones);
 // Forgets every translation, after the source has changed or dropped tables.
 void OlvidarTraducciones(db::Connection& espejo);
 
+// Runs a change or definition that the source's owner has translated, as Ejecutar would its text. It speaks
+// of no literals (see jetsql/parser.h). Throws db::Error.
+void RunTranslation(db::Connection& mirror, jetsql::Traduccion translation);
+
 // One statement of our own, prepared to be run many times; finalised with the pointer. Throws db::Error.
 struct FinalizarSentencia {
   void operator()(sqlite3_stmt* sentencia) const { sqlite3_finalize(sentencia); }

@@ -217,10 +217,20 @@ Espejo AbrirEspejo(FuenteDeTablas& fuente, const Opciones& opciones) {
   return {std::move(conexion), base};
 }
 
-void OlvidarTraducciones(db::Connection& espejo) {
-  auto* propia = dynamic_cast<ConexionSqlite*>(&espejo);
-  if (propia == nullptr) throw db::Error("La conexión no es un espejo.");
-  propia->OlvidarTodo();
+namespace {
+
+ConexionSqlite& Own(db::Connection& mirror) {
+  auto* own = dynamic_cast<ConexionSqlite*>(&mirror);
+  if (own == nullptr) throw db::Error("La conexión no es un espejo.");
+  return *own;
+}
+
+}  // namespace
+
+void OlvidarTraducciones(db::Connection& espejo) { Own(espejo).OlvidarTodo(); }
+
+void RunTranslation(db::Connection& mirror, jetsql::Traduccion translation) {
+  Own(mirror).RunTranslation(std::move(translation));
 }
 
 const Contadores* ContadoresDe(const db::Connection& conexion) {

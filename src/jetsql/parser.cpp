@@ -205,12 +205,8 @@ Sentencia Parser::LeerSentencia() {
     s = LeerActualizacion();
   else if (Come("DELETE"))
     s = LeerBorrado();
-  else if (Come("CREATE"))
-    s = LeerCrear();
-  else if (Come("DROP"))
-    s = LeerQuitar();
-  else if (Come("ALTER"))
-    s = LeerAlterar();
+  else if (Es("CREATE") || Es("DROP") || Es("ALTER"))
+    s = LeerDefinicion();
   else if (Come("TRANSFORM"))
     s = LeerCruce();
   else if (Actual().clase == ClaseToken::Fin)

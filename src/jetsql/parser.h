@@ -9,7 +9,8 @@
 
 namespace jetsql {
 
-enum class Literales { Numerados, EnTexto };  // EnTexto: no literal has an index (a stored query)
+// EnTexto: no literal has an index (a stored query). Those of CREATE, DROP and ALTER never have one.
+enum class Literales { Numerados, EnTexto };
 
 // One statement, with or without a ";" at its end. Throws ErrorSintaxis.
 Sentencia Analizar(std::string_view sql, Literales literales = Literales::Numerados);

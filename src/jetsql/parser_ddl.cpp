@@ -247,6 +247,15 @@ Sentencia Parser::LeerCrear() {
   Falla("TABLE, INDEX, UNIQUE INDEX o VIEW");
 }
 
+// A database keeps its definitions with their literals.
+Sentencia Parser::LeerDefinicion() {
+  modo_ = Literales::EnTexto;
+  if (Come("CREATE")) return LeerCrear();
+  if (Come("DROP")) return LeerQuitar();
+  Espera("ALTER");
+  return LeerAlterar();
+}
+
 Quitar Parser::LeerQuitar() {
   Quitar s;
   if (Come("INDEX")) {

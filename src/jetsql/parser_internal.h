@@ -94,6 +94,7 @@ class Parser {
   std::vector<std::string> LeerListaDeNombres();
 
   // Definitions (parser_ddl.cpp).
+  Sentencia LeerDefinicion();
   Sentencia LeerCrear();
   CrearTabla LeerCrearTabla();
   CrearIndice LeerCrearIndice(bool unico);

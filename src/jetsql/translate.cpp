@@ -11,12 +11,7 @@
 namespace jetsql {
 namespace {
 
-bool EsDefinicion(const Sentencia& s) {
-  return !std::holds_alternative<ConsultaPtr>(s) && !std::holds_alternative<Insercion>(s) &&
-         !std::holds_alternative<Actualizacion>(s) && !std::holds_alternative<Borrado>(s);
-}
-
-// Definition statements hold their literals in the text, where SQLite takes no parameters.
+// CREATE, DROP and ALTER hold their literals in the text, where SQLite takes no parameters.
 void FijarTodos(std::string_view sql, Traduccion& t) {
   Forma forma;
   SepararLiterales(sql, forma);
@@ -26,17 +21,21 @@ void FijarTodos(std::string_view sql, Traduccion& t) {
 class Traductor {
  public:
   // `cruzadas`: the columns of crosstabs, as far as they are known.
-  Traductor(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+  Traductor(const Catalogo& catalogo, const OpcionesTraduccion& opciones,
             const std::vector<ColumnasCruzadas>* cruzadas = nullptr)
-      : sql_(sql),
-        catalogo_(catalogo),
+      : catalogo_(catalogo),
         opciones_(opciones),
         cruzadas_(cruzadas),
         resolutor_(catalogo, opciones.locale, cruzadas) {}
 
-  Traduccion Hacer() {
-    Sentencia s = Analizar(sql_);
-    if (EsDefinicion(s)) s = Analizar(sql_, Literales::EnTexto);
+  Traduccion Hacer(std::string_view sql) {
+    Sentencia s = Analizar(sql);
+    if (KindOf(s) == Clase::Definicion && !std::holds_alternative<ConsultaPtr>(s)) FijarTodos(sql, t_);
+    return Hacer(s);
+  }
+
+  Traduccion Hacer(Sentencia& s) {
+    t_.clase = KindOf(s);
     std::visit([&](auto& x) { Una(x); }, s);
     t_.determinista = resolutor_.Determinista();
     for (const int i : resolutor_.Fijos()) t_.fijos.push_back(i);
@@ -52,7 +51,7 @@ class Traductor {
       t_.cruzada = propias == nullptr;
       propias == nullptr ? PedirValores(*c) : DarValores(*c, propias->valores);
     }
-    const bool lee = c->partes[0].destino.empty();
+    const bool lee = t_.clase == Clase::Consulta;
     try {
       resolutor_.Resolver(*c);
     } catch (const FaltanColumnas& f) {
@@ -60,8 +59,7 @@ class Traductor {
       PedirDe(f.Consulta());
       return;
     }
-    if (!c->partes[0].destino.empty()) {
-      t_.clase = Clase::Definicion;
+    if (!lee) {
       DefinirDeConsulta(*c, catalogo_, opciones_, t_);
       return;
     }
@@ -101,7 +99,6 @@ class Traductor {
     throw base::Error("La consulta '" + consulta + "' se contiene a sí misma");
   }
   void Una(Insercion& s) {
-    t_.clase = Clase::Insercion;
     resolutor_.Resolver(s);
     Escritor e(opciones_);
     e.Escribir(s);
@@ -109,7 +106,6 @@ class Traductor {
     t_.escribe.push_back(s.info->nombre);
   }
   void Una(Actualizacion& s) {
-    t_.clase = Clase::Actualizacion;
     resolutor_.Resolver(s);
     t_.pasos = Escritor::Pasos(s, opciones_);
     for (const Asignacion& a : s.cambios) {
@@ -119,7 +115,6 @@ class Traductor {
     }
   }
   void Una(Borrado& s) {
-    t_.clase = Clase::Borrado;
     resolutor_.Resolver(s);
     Escritor e(opciones_);
     e.Escribir(s);
@@ -128,12 +123,9 @@ class Traductor {
   }
   template <typename T>
   void Una(T& definicion) {
-    t_.clase = Clase::Definicion;
-    FijarTodos(sql_, t_);
     Definir(definicion, catalogo_, t_);
   }
 
-  std::string_view sql_;
   const Catalogo& catalogo_;
   OpcionesTraduccion opciones_;
   const std::vector<ColumnasCruzadas>* cruzadas_;
@@ -144,7 +136,11 @@ class Traductor {
 }  // namespace
 
 Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones) {
-  return Traductor(sql, catalogo, opciones).Hacer();
+  return Traductor(catalogo, opciones).Hacer(sql);
+}
+
+Traduccion Traducir(Sentencia& sentencia, const Catalogo& catalogo, const OpcionesTraduccion& opciones) {
+  return Traductor(catalogo, opciones).Hacer(sentencia);
 }
 
 std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
@@ -167,7 +163,7 @@ std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
 
 Traduccion TraducirCruzada(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
                            const std::vector<ColumnasCruzadas>& columnas) {
-  return Traductor(sql, catalogo, opciones, &columnas).Hacer();
+  return Traductor(catalogo, opciones, &columnas).Hacer(sql);
 }
 
 }  // namespace jetsql

@@ -13,7 +13,9 @@
 #include "base/error.h"
 #include "base/locale.h"
 #include "base/valor.h"
+#include "jetsql/ast.h"
 #include "jetsql/catalog.h"
+#include "jetsql/statement_kind.h"
 
 namespace jetsql {
 
@@ -41,8 +43,6 @@ struct Forma {
 // Cheap (one pass, no tree). False when the text has a malformed literal: then Traducir says what is wrong.
 bool SepararLiterales(std::string_view sql, Forma& forma);
 
-enum class Clase { Consulta, Insercion, Actualizacion, Borrado, Definicion };
-
 struct ColumnaResultado {
   std::string nombre;
   base::Tipo tipo = base::Tipo::Nulo;  // Nulo: each value's storage class decides
@@ -69,8 +69,9 @@ struct Definicion {  // what a definition statement does, for the engine's catal
 
 struct Traduccion {
   Clase clase = Clase::Consulta;
-  // Run in order, all or none; the affected rows are those of the last INSERT, UPDATE or DELETE of them.
+  // Run in order, all or none. The affected rows of a change are those of the last one.
   std::vector<std::string> pasos;
+  bool fills = false;  // SELECT … INTO: the last step fills the table that those before it make
   std::vector<ColumnaResultado> columnas;  // of a query
   std::vector<int> fijos;                  // indexes of literals that the translation depends on
   std::vector<std::string> escribe;        // tables whose rows an INSERT, UPDATE or DELETE changes
@@ -90,6 +91,14 @@ struct OpcionesTraduccion {
 
 // Throws ErrorSintaxis, or base::Error for an unknown table, column or function.
 Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
+
+// The same of a tree, whose literals must be in the text (see parser.h). What is found out is noted in the
+// tree, which is no longer one to be printed.
+Traduccion Traducir(Sentencia& sentencia, const Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
+
+// Gives the SELECT of a view the names that the view lists for its columns, as a translation does; its text
+// follows. Throws base::Error when they do not fit.
+void NameColumns(CrearVista& view);
 
 // SQLite text of a value that stands alone, the default of a column of type `destino` for one. Throws as
 // Traducir.

@@ -195,18 +195,22 @@ void Definir(const CrearIndice& s, const Catalogo& catalogo, Traduccion& t) {
   t.definicion = {Definicion::Que::CrearIndice, s.nombre, tabla.nombre, {}, {}};
 }
 
+void NameColumns(CrearVista& s) {
+  if (s.columnas.empty()) return;
+  auto& lista = s.consulta->partes[0].lista;
+  bool estrella = false;
+  for (const auto& item : lista) estrella = estrella || !item.expr;
+  if (estrella || lista.size() != s.columnas.size())
+    throw base::Error("La lista de columnas de la consulta '" + s.nombre + "' no coincide con su SELECT");
+  for (std::size_t i = 0; i < lista.size(); ++i) lista[i].alias = s.columnas[i];
+  s.columnas.clear();
+  s.texto = Imprimir(*s.consulta);
+}
+
 // A view is its text: it is read anew wherever it is used.
 void Definir(CrearVista& s, const Catalogo& catalogo, Traduccion& t) {
   NoDebeExistir(catalogo, s.nombre);
-  if (!s.columnas.empty()) {
-    auto& lista = s.consulta->partes[0].lista;
-    bool estrella = false;
-    for (const auto& item : lista) estrella = estrella || !item.expr;
-    if (estrella || lista.size() != s.columnas.size())
-      throw base::Error("La lista de columnas de la consulta '" + s.nombre + "' no coincide con su SELECT");
-    for (std::size_t i = 0; i < lista.size(); ++i) lista[i].alias = s.columnas[i];
-    s.texto = Imprimir(*s.consulta);
-  }
+  NameColumns(s);
   Resolutor resolutor(catalogo);
   resolutor.Resolver(*s.consulta);
   t.definicion = {Definicion::Que::CrearVista, s.nombre, {}, s.texto, {}};
@@ -300,6 +304,7 @@ void DefinirDeConsulta(const Consulta& c, const Catalogo& catalogo, const Opcion
   Escritor e(opciones);
   e.InsertarConsulta(nombre, columnas, c);
   t.pasos.push_back(std::move(e).Texto());
+  t.fills = true;
   t.definicion = {Definicion::Que::CrearTabla, nombre, {}, {}, std::move(columnas)};
 }
 
