@@ -55,7 +55,7 @@ void Columnas(const Expr& e, std::vector<const Expr*>& columnas) {
 
 class Descomposicion {
  public:
-  Descomposicion(std::string nombre, const jetsql::Catalogo& catalogo) : catalogo_(catalogo) {
+  Descomposicion(std::string nombre, jetsql::Catalogo& catalogo) : catalogo_(catalogo) {
     consulta_.nombre = std::move(nombre);
     Fila(kInicio).bandera = 0;
   }
@@ -200,14 +200,14 @@ class Descomposicion {
                        [&](const auto& c) { return base::IgualSinCaso(c.nombre, columna); });
   }
 
-  const jetsql::Catalogo& catalogo_;
+  jetsql::Catalogo& catalogo_;
   mdb::ConsultaGuardada consulta_;
 };
 
 }  // namespace
 
 mdb::ConsultaGuardada DescomponerConsulta(const std::string& nombre, const jetsql::Consulta& consulta,
-                                          const jetsql::Catalogo& catalogo) {
+                                          jetsql::Catalogo& catalogo) {
   return Descomposicion(nombre, catalogo).Hacer(consulta);
 }
 

@@ -11,6 +11,6 @@ namespace engine_mdb {
 // `consulta` as it was parsed with its literals in the text. The catalog finds the table of a column that a
 // join names without it. Throws base::Error for what a saved query cannot be.
 mdb::ConsultaGuardada DescomponerConsulta(const std::string& nombre, const jetsql::Consulta& consulta,
-                                          const jetsql::Catalogo& catalogo);
+                                          jetsql::Catalogo& catalogo);
 
 }  // namespace engine_mdb

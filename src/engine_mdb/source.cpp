@@ -103,7 +103,7 @@ void FuenteMdb::JudgeWriting(const mdb::Objeto& objeto, TablaEspejo& t) const {
   }
 }
 
-std::shared_ptr<TablaEspejo> FuenteMdb::Describir(const mdb::Objeto& objeto) const {
+std::shared_ptr<TablaEspejo> FuenteMdb::Describir(const mdb::Objeto& objeto) {
   auto t = std::make_shared<TablaEspejo>();
   if (objeto.tipo != mdb::Objeto::Tabla) t->linked = vinculos_.Abrir(objeto);
   t->base = t->linked != nullptr ? t->linked.get() : &base_;
@@ -129,7 +129,7 @@ std::shared_ptr<TablaEspejo> FuenteMdb::Describir(const mdb::Objeto& objeto) con
   return t;
 }
 
-const jetsql::TablaInfo* FuenteMdb::Tabla(std::string_view nombre) const {
+const jetsql::TablaInfo* FuenteMdb::Tabla(std::string_view nombre) {
   TablaEspejo* t = Buscar(nombre);
   if (t == nullptr) {
     const mdb::Objeto* objeto = base_.Indice().Buscar(nombre);
@@ -150,7 +150,7 @@ const jetsql::TablaInfo* FuenteMdb::Tabla(std::string_view nombre) const {
   return &t->info;
 }
 
-const std::string* FuenteMdb::Consulta(std::string_view nombre) const {
+const std::string* FuenteMdb::Consulta(std::string_view nombre) {
   std::string clave = base::Minusculas(nombre);
   if (const auto it = consultas_.find(clave); it != consultas_.end()) return &it->second;
   const mdb::Objeto* objeto = base_.Indice().Buscar(nombre);

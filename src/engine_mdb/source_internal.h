@@ -51,8 +51,8 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   // Drops every prepared statement, before the handle closes.
   void Soltar();
 
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) const override;
-  const std::string* Consulta(std::string_view nombre) const override;
+  const jetsql::TablaInfo* Tabla(std::string_view nombre) override;
+  const std::string* Consulta(std::string_view nombre) override;
   void AntesDeCorrer(const jetsql::Traduccion& sentencia) override;
 
   // Definitions may run in the mirror, to be taken back; otherwise one that came so far is refused, because
@@ -101,7 +101,7 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
 
   void RegistrarFunciones();
   TablaEspejo* Buscar(std::string_view nombre) const;
-  std::shared_ptr<TablaEspejo> Describir(const mdb::Objeto& objeto) const;
+  std::shared_ptr<TablaEspejo> Describir(const mdb::Objeto& objeto);
   void JudgeWriting(const mdb::Objeto& objeto, TablaEspejo& tabla) const;
   void Cargar(TablaEspejo& tabla);
   void Indexar(TablaEspejo& tabla);
@@ -127,7 +127,7 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   };
 
   mdb::Base& base_;
-  mutable Vinculos vinculos_;
+  Vinculos vinculos_;
   Contadores& contadores_;
   sqlite3* espejo_ = nullptr;
   std::function<void()> al_escribir_;
@@ -139,12 +139,12 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
     std::vector<std::vector<sqlite3_int64>> touched;  // by number
   };
 
-  mutable Tablas tablas_;  // by name in lower case
-  mutable std::vector<TablaEspejo*> por_numero_;
-  mutable std::unordered_map<std::string, std::string> consultas_;
-  mutable std::vector<TablaEspejo*> pedidas_;  // by the statement that is being translated
-  std::vector<TablaEspejo*> sin_indices_;      // large ones, read so far without
-  int sentencias_ = 0;                         // run since the last of those was read
+  Tablas tablas_;  // by name in lower case
+  std::vector<TablaEspejo*> por_numero_;
+  std::unordered_map<std::string, std::string> consultas_;
+  std::vector<TablaEspejo*> pedidas_;      // by the statement that is being translated
+  std::vector<TablaEspejo*> sin_indices_;  // large ones, read so far without
+  int sentencias_ = 0;                     // run since the last of those was read
   std::vector<Identidad> por_asentar_;
   std::optional<AtMark> tables_at_mark_;
   // Names of tables that were read, and written, since the mark that was gone back to.

@@ -18,7 +18,7 @@ void Comprobar(SQLRETURN rc, const Cursor& cursor) {
 
 }  // namespace
 
-const jetsql::TablaInfo* CatalogoOdbc::Tabla(std::string_view nombre) const {
+const jetsql::TablaInfo* CatalogoOdbc::Tabla(std::string_view nombre) {
   if (!leido_) LeerTablas();
   const auto hallada = tablas_.find(base::Minusculas(nombre));
   if (hallada == tablas_.end()) return nullptr;
@@ -31,7 +31,7 @@ void CatalogoOdbc::Olvidar() {
   tablas_.clear();
 }
 
-void CatalogoOdbc::LeerTablas() const {
+void CatalogoOdbc::LeerTablas() {
   const Cursor cursor = CrearCursor(enlace_);
   Comprobar(SQLTablesW(cursor.Crudo(), nullptr, 0, nullptr, 0, nullptr, 0, nullptr, 0), cursor);
   Lector lector(cursor.Crudo());
@@ -46,7 +46,7 @@ void CatalogoOdbc::LeerTablas() const {
   leido_ = true;
 }
 
-void CatalogoOdbc::LeerColumnas(Entrada& entrada) const {
+void CatalogoOdbc::LeerColumnas(Entrada& entrada) {
   const Cursor cursor = CrearCursor(enlace_);
   TextoAncho nombre(entrada.nombre);
   // The name is a pattern, in which "_" stands for any character: other tables may come too.

@@ -17,9 +17,9 @@ class CatalogoOdbc final : public jetsql::Catalogo {
   explicit CatalogoOdbc(const Enlace& enlace) : enlace_(enlace) {}
 
   // Tables, views and saved queries alike: to the driver all have columns. Throws db::Error.
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) const override;
+  const jetsql::TablaInfo* Tabla(std::string_view nombre) override;
   // A driver does not tell the text of a saved query.
-  const std::string* Consulta(std::string_view) const override { return nullptr; }
+  const std::string* Consulta(std::string_view) override { return nullptr; }
 
   void Olvidar();
 
@@ -28,12 +28,12 @@ class CatalogoOdbc final : public jetsql::Catalogo {
     std::string nombre;  // as it was created
     std::unique_ptr<const jetsql::TablaInfo> columnas;
   };
-  void LeerTablas() const;
-  void LeerColumnas(Entrada& entrada) const;
+  void LeerTablas();
+  void LeerColumnas(Entrada& entrada);
 
   const Enlace& enlace_;
-  mutable bool leido_ = false;
-  mutable std::unordered_map<std::string, Entrada> tablas_;  // by name in lower case
+  bool leido_ = false;
+  std::unordered_map<std::string, Entrada> tablas_;  // by name in lower case
 };
 
 }  // namespace engine_odbc

@@ -16,7 +16,7 @@ class Calificadores {
  public:
   // The catalog is asked only when a qualifier names no table in scope. A table that it does not list, or
   // cannot, counts as having every column.
-  explicit Calificadores(const jetsql::Catalogo& catalogo) : catalogo_(catalogo) {}
+  explicit Calificadores(jetsql::Catalogo& catalogo) : catalogo_(catalogo) {}
 
   // Puts every such qualifier of the statement right; false when there was none and the tree is unchanged.
   bool Resolver(jetsql::Sentencia& sentencia);
@@ -37,7 +37,7 @@ class Calificadores {
   static const std::string& AliasDe(jetsql::Fuente& f, int& sin_nombre);
   bool TieneColumna(const jetsql::Fuente& f, std::string_view nombre) const;
 
-  const jetsql::Catalogo& catalogo_;
+  jetsql::Catalogo& catalogo_;
   int sin_nombre_ = 0;  // derived tables that were given an alias
   bool cambiada_ = false;
 };

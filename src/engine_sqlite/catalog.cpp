@@ -23,7 +23,7 @@ void LigarTexto(const Sentencia& s, int indice, std::string_view texto) {
 
 }  // namespace
 
-void CatalogoSqlite::Leer() const {
+void CatalogoSqlite::Leer() {
   if (leido_) return;
   bool hay_consultas = false;
   const Sentencia s =
@@ -43,7 +43,7 @@ void CatalogoSqlite::Leer() const {
   leido_ = true;
 }
 
-void CatalogoSqlite::LeerConsultas() const {
+void CatalogoSqlite::LeerConsultas() {
   const Sentencia s = Preparar(base_, "SELECT Nombre, Texto FROM MSysConsultas");
   Recorrer(base_, s, [&](sqlite3_stmt* f) {
     std::string nombre = Texto(f, 0);
@@ -52,7 +52,7 @@ void CatalogoSqlite::LeerConsultas() const {
   });
 }
 
-const jetsql::TablaInfo* CatalogoSqlite::Tabla(std::string_view nombre) const {
+const jetsql::TablaInfo* CatalogoSqlite::Tabla(std::string_view nombre) {
   if (fuente_ != nullptr) return fuente_->Tabla(nombre);
   Leer();
   const auto it = tablas_.find(base::Minusculas(nombre));
@@ -71,7 +71,7 @@ const jetsql::TablaInfo* CatalogoSqlite::Tabla(std::string_view nombre) const {
   return entrada.columnas.get();
 }
 
-const std::string* CatalogoSqlite::Consulta(std::string_view nombre) const {
+const std::string* CatalogoSqlite::Consulta(std::string_view nombre) {
   if (fuente_ != nullptr) return fuente_->Consulta(nombre);
   Leer();
   const auto it = consultas_.find(base::Minusculas(nombre));
@@ -84,7 +84,7 @@ void CatalogoSqlite::Olvidar() {
   consultas_.clear();
 }
 
-void CatalogoSqlite::VerificarNombreLibre(const jetsql::Definicion& definicion) const {
+void CatalogoSqlite::VerificarNombreLibre(const jetsql::Definicion& definicion) {
   using Que = jetsql::Definicion::Que;
   const bool tabla = definicion.que == Que::CrearTabla, vista = definicion.que == Que::CrearVista;
   if (!tabla && !vista) return;

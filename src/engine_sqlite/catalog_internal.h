@@ -24,15 +24,15 @@ class CatalogoSqlite final : public jetsql::Catalogo {
  public:
   explicit CatalogoSqlite(sqlite3* base) : base_(base) {}
   // The catalog of a mirror: the source answers alone.
-  explicit CatalogoSqlite(const jetsql::Catalogo& fuente) : fuente_(&fuente) {}
+  explicit CatalogoSqlite(jetsql::Catalogo& fuente) : fuente_(&fuente) {}
 
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) const override;
-  const std::string* Consulta(std::string_view nombre) const override;
+  const jetsql::TablaInfo* Tabla(std::string_view nombre) override;
+  const std::string* Consulta(std::string_view nombre) override;
 
   void Olvidar();
 
   // Throws db::Error when the definition would take a name that is in use or ours.
-  void VerificarNombreLibre(const jetsql::Definicion& definicion) const;
+  void VerificarNombreLibre(const jetsql::Definicion& definicion);
   // Throws db::Error when there is none to delete.
   void CrearConsulta(std::string_view nombre, std::string_view texto);
   void BorrarConsulta(std::string_view nombre);
@@ -46,14 +46,14 @@ class CatalogoSqlite final : public jetsql::Catalogo {
     std::string nombre;  // as it was created
     std::string texto;
   };
-  void Leer() const;
-  void LeerConsultas() const;
+  void Leer();
+  void LeerConsultas();
 
   sqlite3* base_ = nullptr;
-  const jetsql::Catalogo* fuente_ = nullptr;
-  mutable bool leido_ = false;
-  mutable std::unordered_map<std::string, Entrada> tablas_;      // by name in lower case
-  mutable std::unordered_map<std::string, Guardada> consultas_;  // likewise
+  jetsql::Catalogo* fuente_ = nullptr;
+  bool leido_ = false;
+  std::unordered_map<std::string, Entrada> tablas_;      // by name in lower case
+  std::unordered_map<std::string, Guardada> consultas_;  // likewise
 };
 
 }  // namespace engine_sqlite

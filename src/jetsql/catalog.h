@@ -22,11 +22,11 @@ struct TablaInfo {
 class Catalogo {
  public:
   virtual ~Catalogo() = default;
-  // By name whatever its case; null when there is none. Pointers stay valid until the next definition
-  // statement.
-  virtual const TablaInfo* Tabla(std::string_view nombre) const = 0;
+  // By name whatever its case; null when there is none. Asking may read the database. Pointers stay valid
+  // until the next definition statement.
+  virtual const TablaInfo* Tabla(std::string_view nombre) = 0;
   // The dialect text of a saved query, or null.
-  virtual const std::string* Consulta(std::string_view nombre) const = 0;
+  virtual const std::string* Consulta(std::string_view nombre) = 0;
 };
 
 }  // namespace jetsql

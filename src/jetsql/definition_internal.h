@@ -7,13 +7,13 @@
 
 namespace jetsql {
 
-void Definir(const CrearTabla& s, const Catalogo& catalogo, Traduccion& t);
-void Definir(const CrearIndice& s, const Catalogo& catalogo, Traduccion& t);
-void Definir(CrearVista& s, const Catalogo& catalogo, Traduccion& t);
-void Definir(const Quitar& s, const Catalogo& catalogo, Traduccion& t);
-void Definir(const AlterarTabla& s, const Catalogo& catalogo, Traduccion& t);
+void Definir(const CrearTabla& s, Catalogo& catalogo, Traduccion& t);
+void Definir(const CrearIndice& s, Catalogo& catalogo, Traduccion& t);
+void Definir(CrearVista& s, Catalogo& catalogo, Traduccion& t);
+void Definir(const Quitar& s, Catalogo& catalogo, Traduccion& t);
+void Definir(const AlterarTabla& s, Catalogo& catalogo, Traduccion& t);
 // SELECT … INTO: `c` is resolved.
-void DefinirDeConsulta(const Consulta& c, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+void DefinirDeConsulta(const Consulta& c, Catalogo& catalogo, const OpcionesTraduccion& opciones,
                        Traduccion& t);
 
 }  // namespace jetsql

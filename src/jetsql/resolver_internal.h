@@ -22,7 +22,7 @@ struct Ambito {
 class Resolutor {
  public:
   // `cruzadas`: the columns of the crosstabs among the saved queries, as far as they are known.
-  explicit Resolutor(const Catalogo& catalogo, const base::Locale* locale = nullptr,
+  explicit Resolutor(Catalogo& catalogo, const base::Locale* locale = nullptr,
                      const std::vector<ColumnasCruzadas>* cruzadas = nullptr)
       : catalogo_(catalogo),
         locale_(locale != nullptr ? *locale : base::Locale::espanol()),
@@ -86,7 +86,7 @@ class Resolutor {
   bool PorAlias(ExprPtr& e, const Contexto& c);
   void ResolverSubconsulta(Expr& e, const Contexto& c, bool una_columna);
 
-  const Catalogo& catalogo_;
+  Catalogo& catalogo_;
   const base::Locale& locale_;
   const std::vector<ColumnasCruzadas>* cruzadas_;
   std::vector<std::string> abiertas_;   // saved queries being read

@@ -21,7 +21,7 @@ void FijarTodos(std::string_view sql, Traduccion& t) {
 class Traductor {
  public:
   // `cruzadas`: the columns of crosstabs, as far as they are known.
-  Traductor(const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+  Traductor(Catalogo& catalogo, const OpcionesTraduccion& opciones,
             const std::vector<ColumnasCruzadas>* cruzadas = nullptr)
       : catalogo_(catalogo),
         opciones_(opciones),
@@ -126,7 +126,7 @@ class Traductor {
     Definir(definicion, catalogo_, t_);
   }
 
-  const Catalogo& catalogo_;
+  Catalogo& catalogo_;
   OpcionesTraduccion opciones_;
   const std::vector<ColumnasCruzadas>* cruzadas_;
   Resolutor resolutor_;
@@ -135,25 +135,25 @@ class Traductor {
 
 }  // namespace
 
-Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones) {
+Traduccion Traducir(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones) {
   return Traductor(catalogo, opciones).Hacer(sql);
 }
 
-Traduccion Traducir(Sentencia& sentencia, const Catalogo& catalogo, const OpcionesTraduccion& opciones) {
+Traduccion Traducir(Sentencia& sentencia, Catalogo& catalogo, const OpcionesTraduccion& opciones) {
   return Traductor(catalogo, opciones).Hacer(sentencia);
 }
 
 std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
   class Vacio final : public Catalogo {
-    const TablaInfo* Tabla(std::string_view) const override { return nullptr; }
-    const std::string* Consulta(std::string_view) const override { return nullptr; }
+    const TablaInfo* Tabla(std::string_view) override { return nullptr; }
+    const std::string* Consulta(std::string_view) override { return nullptr; }
   };
   const Sentencia s = Analizar("SELECT " + std::string(expresion), Literales::EnTexto);
   const auto* consulta = std::get_if<ConsultaPtr>(&s);
   if (consulta == nullptr || (*consulta)->partes.size() != 1 || (*consulta)->partes[0].lista.size() != 1 ||
       !(*consulta)->partes[0].lista[0].expr || !(*consulta)->partes[0].de.empty())
     throw base::Error("'" + std::string(expresion) + "' no es un valor");
-  const Vacio vacio;
+  Vacio vacio;
   ExprPtr valor = (*consulta)->partes[0].lista[0].expr;
   Resolutor(vacio).ResolverSuelta(valor);
   Escritor e({});
@@ -161,7 +161,7 @@ std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
   return std::move(e).Texto();
 }
 
-Traduccion TraducirCruzada(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+Traduccion TraducirCruzada(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones,
                            const std::vector<ColumnasCruzadas>& columnas) {
   return Traductor(catalogo, opciones, &columnas).Hacer(sql);
 }

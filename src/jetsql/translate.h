@@ -90,11 +90,11 @@ struct OpcionesTraduccion {
 };
 
 // Throws ErrorSintaxis, or base::Error for an unknown table, column or function.
-Traduccion Traducir(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
+Traduccion Traducir(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
 
 // The same of a tree, whose literals must be in the text (see parser.h). What is found out is noted in the
 // tree, which is no longer one to be printed.
-Traduccion Traducir(Sentencia& sentencia, const Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
+Traduccion Traducir(Sentencia& sentencia, Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
 
 // Gives the SELECT of a view the names that the view lists for its columns, as a translation does; its text
 // follows. Throws base::Error when they do not fit.
@@ -110,7 +110,7 @@ struct ColumnasCruzadas {
   std::vector<base::Valor> valores;
 };
 // A statement with crosstabs of which these are known. It may turn out to need those of one more.
-Traduccion TraducirCruzada(std::string_view sql, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+Traduccion TraducirCruzada(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones,
                            const std::vector<ColumnasCruzadas>& columnas);
 
 }  // namespace jetsql

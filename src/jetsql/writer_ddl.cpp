@@ -36,7 +36,7 @@ std::string Rango(const std::string& columna, std::string_view desde, std::strin
          std::string(desde) + " AND " + std::string(hasta) + ")";
 }
 
-std::string Defecto(const DefColumna& c, const Catalogo& catalogo) {
+std::string Defecto(const DefColumna& c, Catalogo& catalogo) {
   if (!c.defecto) return c.clase == ClaseColumna::SiNo ? " DEFAULT 0" : "";
   ExprPtr valor = c.defecto;
   Resolutor(catalogo).ResolverSuelta(valor);
@@ -58,7 +58,7 @@ std::string Referir(const Referencia& r) {
   return sql;
 }
 
-std::string ColumnaSql(const DefColumna& c, bool no_nulo, const Catalogo& catalogo) {
+std::string ColumnaSql(const DefColumna& c, bool no_nulo, Catalogo& catalogo) {
   std::string sql = NombreSql(c.nombre) + " " + std::string(De(c.clase).sql);
   if (c.clase == ClaseColumna::Contador) return sql + " PRIMARY KEY AUTOINCREMENT";
   if (c.clase == ClaseColumna::Texto)
@@ -97,12 +97,12 @@ void RefusarNulos(const std::string& tabla, const std::string& indice,
   pasos.push_back("CREATE TRIGGER " + NombreSql(tabla + "." + indice + ".nulo2") + " BEFORE UPDATE" + cuerpo);
 }
 
-void NoDebeExistir(const Catalogo& catalogo, std::string_view nombre) {
+void NoDebeExistir(Catalogo& catalogo, std::string_view nombre) {
   if (catalogo.Tabla(nombre) != nullptr || catalogo.Consulta(nombre) != nullptr)
     throw base::Error("La tabla o consulta '" + std::string(nombre) + "' ya existe", 3010);
 }
 
-const TablaInfo& Existente(const Catalogo& catalogo, std::string_view nombre) {
+const TablaInfo& Existente(Catalogo& catalogo, std::string_view nombre) {
   return Resolutor(catalogo).TablaDe(nombre);
 }
 
@@ -132,7 +132,7 @@ std::string NombreDe(const Restriccion& r) {
 
 // Keys are indexes with a name of their own, so that DROP CONSTRAINT finds them; only a counter is SQLite's
 // own key, the number of the row.
-void Definir(const CrearTabla& s, const Catalogo& catalogo, Traduccion& t) {
+void Definir(const CrearTabla& s, Catalogo& catalogo, Traduccion& t) {
   NoDebeExistir(catalogo, s.nombre);
   TablaInfo info{s.nombre, {}};
   std::string contador;
@@ -179,7 +179,7 @@ void Definir(const CrearTabla& s, const Catalogo& catalogo, Traduccion& t) {
   t.definicion = {Definicion::Que::CrearTabla, s.nombre, {}, {}, std::move(info.columnas)};
 }
 
-void Definir(const CrearIndice& s, const Catalogo& catalogo, Traduccion& t) {
+void Definir(const CrearIndice& s, Catalogo& catalogo, Traduccion& t) {
   const TablaInfo& tabla = Existente(catalogo, s.tabla);
   const bool unico = s.unico || s.primario;
   std::string sql = std::string("CREATE ") + (unico ? "UNIQUE " : "") + "INDEX " +
@@ -208,7 +208,7 @@ void NameColumns(CrearVista& s) {
 }
 
 // A view is its text: it is read anew wherever it is used.
-void Definir(CrearVista& s, const Catalogo& catalogo, Traduccion& t) {
+void Definir(CrearVista& s, Catalogo& catalogo, Traduccion& t) {
   NoDebeExistir(catalogo, s.nombre);
   NameColumns(s);
   Resolutor resolutor(catalogo);
@@ -216,7 +216,7 @@ void Definir(CrearVista& s, const Catalogo& catalogo, Traduccion& t) {
   t.definicion = {Definicion::Que::CrearVista, s.nombre, {}, s.texto, {}};
 }
 
-void Definir(const Quitar& s, const Catalogo& catalogo, Traduccion& t) {
+void Definir(const Quitar& s, Catalogo& catalogo, Traduccion& t) {
   switch (s.que) {
     case Quitar::Que::Tabla: {
       const TablaInfo& tabla = Existente(catalogo, s.nombre);
@@ -241,7 +241,7 @@ void Definir(const Quitar& s, const Catalogo& catalogo, Traduccion& t) {
   }
 }
 
-void Definir(const AlterarTabla& s, const Catalogo& catalogo, Traduccion& t) {
+void Definir(const AlterarTabla& s, Catalogo& catalogo, Traduccion& t) {
   const TablaInfo& tabla = Existente(catalogo, s.tabla);
   const std::string alterar = "ALTER TABLE " + NombreSql(tabla.nombre);
   switch (s.que) {
@@ -283,7 +283,7 @@ void Definir(const AlterarTabla& s, const Catalogo& catalogo, Traduccion& t) {
   }
 }
 
-void DefinirDeConsulta(const Consulta& c, const Catalogo& catalogo, const OpcionesTraduccion& opciones,
+void DefinirDeConsulta(const Consulta& c, Catalogo& catalogo, const OpcionesTraduccion& opciones,
                        Traduccion& t) {
   const std::string& nombre = c.partes[0].destino;
   NoDebeExistir(catalogo, nombre);

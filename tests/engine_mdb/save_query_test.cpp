@@ -74,15 +74,16 @@ TEST_F(Guardadas, DanLasMismasFilas) {
 // The rows themselves, by the words of the format.
 TEST_F(Guardadas, LasFilasQueGuardaAccess) {
   class Nada final : public jetsql::Catalogo {
-    const jetsql::TablaInfo* Tabla(std::string_view) const override { return nullptr; }
-    const std::string* Consulta(std::string_view) const override { return nullptr; }
+    const jetsql::TablaInfo* Tabla(std::string_view) override { return nullptr; }
+    const std::string* Consulta(std::string_view) override { return nullptr; }
   };
   const auto s = jetsql::Analizar(
       "SELECT DISTINCT TOP 5 P.k AS uno, P.* FROM a AS P LEFT JOIN b ON P.k = b.k AND P.x = b.y WHERE P.k > "
       "1 ORDER BY "
       "P.k DESC",
       jetsql::Literales::EnTexto);
-  const auto c = engine_mdb::DescomponerConsulta("q", *std::get<jetsql::ConsultaPtr>(s), Nada());
+  Nada nothing;
+  const auto c = engine_mdb::DescomponerConsulta("q", *std::get<jetsql::ConsultaPtr>(s), nothing);
   std::string texto;
   for (const auto& f : c.filas)
     texto += std::to_string(f.atributo) + "." + std::to_string(f.orden) + " " + f.nombre1.value_or("-") +

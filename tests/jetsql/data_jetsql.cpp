@@ -18,12 +18,12 @@ namespace {
 
 class CatalogoDePrueba : public jetsql::Catalogo {
  public:
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) const override {
+  const jetsql::TablaInfo* Tabla(std::string_view nombre) override {
     for (const auto& t : tablas_)
       if (base::IgualSinCaso(t->nombre, nombre)) return t.get();
     return nullptr;
   }
-  const std::string* Consulta(std::string_view nombre) const override {
+  const std::string* Consulta(std::string_view nombre) override {
     for (const auto& c : consultas_)
       if (base::IgualSinCaso(c->first, nombre)) return &c->second;
     return nullptr;
@@ -81,7 +81,7 @@ std::string Definir(CatalogoDePrueba& catalogo, const support::Bloque& b) {
   return "";
 }
 
-std::string Traducida(const CatalogoDePrueba& catalogo, const support::Bloque& b) {
+std::string Traducida(CatalogoDePrueba& catalogo, const support::Bloque& b) {
   jetsql::OpcionesTraduccion opciones;
   opciones.comodines_dao = b.Tiene("dao");
   const jetsql::Traduccion t = jetsql::Traducir(b.entrada, catalogo, opciones);

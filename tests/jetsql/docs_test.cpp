@@ -15,11 +15,11 @@ namespace {
 
 class Catalogo : public jetsql::Catalogo {
  public:
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) const override {
+  const jetsql::TablaInfo* Tabla(std::string_view nombre) override {
     const auto it = tablas_.find(base::Mayusculas(nombre));
     return it == tablas_.end() ? nullptr : &it->second;
   }
-  const std::string* Consulta(std::string_view nombre) const override {
+  const std::string* Consulta(std::string_view nombre) override {
     const auto it = consultas_.find(base::Mayusculas(nombre));
     return it == consultas_.end() ? nullptr : &it->second;
   }

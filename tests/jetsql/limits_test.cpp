@@ -14,10 +14,10 @@ namespace {
 
 class UnaTabla : public jetsql::Catalogo {
  public:
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) const override {
+  const jetsql::TablaInfo* Tabla(std::string_view nombre) override {
     return base::IgualSinCaso(nombre, "t") ? &tabla_ : nullptr;
   }
-  const std::string* Consulta(std::string_view) const override { return nullptr; }
+  const std::string* Consulta(std::string_view) override { return nullptr; }
 
  private:
   jetsql::TablaInfo tabla_{"t",
@@ -30,7 +30,10 @@ std::string Repetido(std::string_view texto, int veces) {
   return s;
 }
 
-std::string Traducido(const std::string& sql) { return jetsql::Traducir(sql, UnaTabla()).pasos.at(0); }
+std::string Traducido(const std::string& sql) {
+  UnaTabla catalog;
+  return jetsql::Traducir(sql, catalog).pasos.at(0);
+}
 
 int HonduraDeParentesis(const std::string& sql) {
   int ahora = 0, mayor = 0;
@@ -187,7 +190,7 @@ TEST(Limits, EveryPrefixOfAStatementIsReadOrRefused) {
     jetsql::Forma forma;
     jetsql::SepararLiterales(trozo, forma);
     try {
-      jetsql::Traducir(trozo, UnaTabla());
+      Traducido(trozo);
       ++leidas;
     } catch (const base::Error& e) {
       EXPECT_NE(e.Descripcion(), "");
