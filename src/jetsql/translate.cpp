@@ -63,9 +63,7 @@ class Traductor {
       DefinirDeConsulta(*c, catalogo_, opciones_, t_);
       return;
     }
-    Escritor e(opciones_);
-    e.Escribir(*c);
-    t_.pasos.push_back(std::move(e).Texto());
+    t_.pasos.push_back(WriteQuery(*c, opciones_));
     for (const auto& col : c->salida) t_.columnas.push_back({col.nombre, col.tipo.tipo});
   }
   const ColumnasCruzadas* Propias() const {
@@ -87,10 +85,8 @@ class Traductor {
         consulta = f.Consulta();
         continue;
       }
-      Escritor e(opciones_);
-      e.Escribir(c);
       t_ = {};
-      t_.pasos.push_back(std::move(e).Texto());
+      t_.pasos.push_back(WriteQuery(c, opciones_));
       t_.columnas.push_back({c.salida[0].nombre, c.salida[0].tipo.tipo});
       t_.cruzada = true;
       t_.consulta_cruzada = std::move(consulta);
@@ -100,14 +96,12 @@ class Traductor {
   }
   void Una(Insercion& s) {
     resolutor_.Resolver(s);
-    Escritor e(opciones_);
-    e.Escribir(s);
-    t_.pasos.push_back(std::move(e).Texto());
+    t_.pasos.push_back(WriteInsert(s, opciones_));
     t_.escribe.push_back(s.info->nombre);
   }
   void Una(Actualizacion& s) {
     resolutor_.Resolver(s);
-    t_.pasos = Escritor::Pasos(s, opciones_);
+    t_.pasos = WriteUpdate(s, opciones_);
     for (const Asignacion& a : s.cambios) {
       const std::string& tabla = a.columna->fuente->tabla->nombre;
       if (std::find(t_.escribe.begin(), t_.escribe.end(), tabla) == t_.escribe.end())
@@ -116,9 +110,7 @@ class Traductor {
   }
   void Una(Borrado& s) {
     resolutor_.Resolver(s);
-    Escritor e(opciones_);
-    e.Escribir(s);
-    t_.pasos.push_back(std::move(e).Texto());
+    t_.pasos.push_back(WriteDelete(s, opciones_));
     t_.escribe.push_back(s.fuente->tabla->nombre);
   }
   template <typename T>
@@ -156,9 +148,7 @@ std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
   Vacio vacio;
   ExprPtr valor = (*consulta)->partes[0].lista[0].expr;
   Resolutor(vacio).ResolverSuelta(valor);
-  Escritor e({});
-  e.EscribirValor(*valor, destino);
-  return std::move(e).Texto();
+  return WriteValue(*valor, destino);
 }
 
 Traduccion TraducirCruzada(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones,

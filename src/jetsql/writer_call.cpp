@@ -2,7 +2,7 @@
 
 #include "jetsql/runtime.h"
 #include "jetsql/types_internal.h"
-#include "jetsql/writer_internal.h"
+#include "jetsql/writer_parts_internal.h"
 
 namespace jetsql {
 namespace {
@@ -59,21 +59,21 @@ std::string_view NombreDeTotal(Especial e) {
 
 }  // namespace
 
-void Escritor::ResultadoDeSi(const Expr& rama, const std::vector<const Expr*>& ramas) {
+void CallWriter::ResultadoDeSi(const Expr& rama, const std::vector<const Expr*>& ramas) {
   if (PasaATexto(rama, ramas))
-    Texto(rama);
+    d_.expr.Texto(rama);
   else
-    Valor(rama);
+    d_.expr.Valor(rama);
 }
 
 // CASE takes the ELSE on Null, as IIf takes its false part. An IIf in that part goes on in the same CASE.
-void Escritor::Si(const Expr& e) {
+void CallWriter::Si(const Expr& e) {
   t_ += "CASE";
   const Expr* si = &e;
   for (;;) {
     const auto ramas = Ramas(*si);
     t_ += " WHEN ";
-    Condicion(*si->hijos[0]);
+    d_.expr.Condicion(*si->hijos[0]);
     t_ += " THEN ";
     ResultadoDeSi(*si->hijos[1], ramas);
     if (si->hijos.size() < 3) break;
@@ -89,7 +89,7 @@ void Escritor::Si(const Expr& e) {
   t_ += " END";
 }
 
-void Escritor::Especiales(const Expr& e) {
+void CallWriter::Especiales(const Expr& e) {
   const auto ramas = Ramas(e);
   switch (e.especial) {
     case Especial::IIf:
@@ -99,7 +99,7 @@ void Escritor::Especiales(const Expr& e) {
       t_ += "CASE";
       for (std::size_t i = 0; i + 1 < e.hijos.size(); i += 2) {
         t_ += " WHEN ";
-        Condicion(*e.hijos[i]);
+        d_.expr.Condicion(*e.hijos[i]);
         t_ += " THEN ";
         ResultadoDeSi(*e.hijos[i + 1], ramas);
       }
@@ -107,7 +107,7 @@ void Escritor::Especiales(const Expr& e) {
       return;
     case Especial::Choose:
       t_ += "CASE jet_idiv(";
-      Valor(*e.hijos[0]);
+      d_.expr.Valor(*e.hijos[0]);
       t_ += ", 1)";
       for (std::size_t i = 1; i < e.hijos.size(); ++i) {
         t_.append(" WHEN ").append(std::to_string(i)).append(" THEN ");
@@ -121,10 +121,10 @@ void Escritor::Especiales(const Expr& e) {
 }
 
 // A crosstab's cell without rows is Null, of Count too.
-void Escritor::Agregado(const Expr& e) {
+void CallWriter::Agregado(const Expr& e) {
   const auto filtro = [&] {
     t_ += " FILTER (WHERE ";
-    Condicion(*e.filtro);
+    d_.expr.Condicion(*e.filtro);
     t_ += ')';
   };
   const bool casilla = e.filtro && e.especial == Especial::Count;
@@ -138,7 +138,7 @@ void Escritor::Agregado(const Expr& e) {
   if (casilla) t_ += " END";
 }
 
-void Escritor::Total(const Expr& e) {
+void CallWriter::Total(const Expr& e) {
   const Expr& x = *e.hijos[0];
   t_.append(NombreDeTotal(e.especial)).append(e.distinto ? "(DISTINCT " : "(");
   switch (e.especial) {
@@ -146,96 +146,36 @@ void Escritor::Total(const Expr& e) {
       if (x.nodo == Nodo::Estrella)
         t_ += '*';
       else if (e.distinto)
-        Cotejado(x, 0);
+        d_.compare.Cotejado(x, 0);
       else
-        Valor(x);
+        d_.expr.Valor(x);
       break;
     case Especial::Min:
     case Especial::Max:
-      Cotejado(x, 0);
+      d_.compare.Cotejado(x, 0);
       break;
     case Especial::First:
     case Especial::Last:
-      Valor(x);
+      d_.expr.Valor(x);
       break;
     default:
-      Numero(x, 0);
+      d_.expr.Numero(x, 0);
   }
   t_ += ')';
 }
 
-void Escritor::Llamada(const Expr& e) {
+void CallWriter::Llamada(const Expr& e) {
   if (e.especial != Especial::Ninguna) {
     Especiales(e);
     return;
   }
   t_.append("jet_").append(Minusculas(e.funcion->nombre)).append("(");
-  if (e.funcion->etiquetada) Etiquetas(e.hijos, 0, e.hijos.size());
+  if (e.funcion->etiquetada) d_.expr.Etiquetas(e.hijos, 0, e.hijos.size());
   for (std::size_t i = 0; i < e.hijos.size(); ++i) {
     if (i > 0 || e.funcion->etiquetada) t_ += ", ";
-    Valor(*e.hijos[i]);
+    d_.expr.Valor(*e.hijos[i]);
   }
   t_ += ')';
-}
-
-// A value on its way into a column: as Access converts it when it stores it.
-void Escritor::Asignado(const Expr& e, base::Tipo destino) {
-  const Tipo t = e.tipo.tipo;
-  const auto con = [&](std::string_view ayudante) {
-    t_.append(ayudante).append("(");
-    Valor(e);
-    t_ += ')';
-  };
-  if (e.tipo.nulo || destino == Tipo::Nulo || t == destino) {
-    // A computed single is a double until it is stored.
-    if (destino == Tipo::Simple && t == Tipo::Simple && e.nodo != Nodo::Columna)
-      con("jet_to_single");
-    else if (destino == Tipo::Moneda && t == Tipo::Moneda && e.nodo != Nodo::Columna)
-      con("jet_to_currency");
-    else
-      Valor(e);
-    return;
-  }
-  switch (destino) {
-    case Tipo::Booleano:
-      if (!EsCantidad(t)) {
-        con("jet_to_bool");
-      } else {
-        t_ += "-(";
-        Valor(e, fuerza::kIgual);
-        t_ += " <> 0)";
-      }
-      return;
-    case Tipo::Entero:
-      if (t == Tipo::Booleano)
-        Valor(e);
-      else
-        con("jet_to_int");
-      return;
-    case Tipo::Simple:
-      con("jet_to_single");
-      return;
-    case Tipo::Numero:
-      if (EsCantidad(t))
-        Valor(e);
-      else
-        con("jet_to_number");
-      return;
-    case Tipo::Moneda:
-      if (t == Tipo::Entero || t == Tipo::Booleano)
-        Valor(e);
-      else
-        con("jet_to_currency");
-      return;
-    case Tipo::Fecha:
-      if (EsCantidad(t))
-        Valor(e);
-      else
-        con("jet_to_date");
-      return;
-    default:
-      Texto(e);
-  }
 }
 
 }  // namespace jetsql

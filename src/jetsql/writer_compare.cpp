@@ -1,5 +1,5 @@
 #include "jetsql/types_internal.h"
-#include "jetsql/writer_internal.h"
+#include "jetsql/writer_parts_internal.h"
 
 namespace jetsql {
 namespace {
@@ -28,50 +28,50 @@ bool EsTexto(const Expr& e) { return e.tipo.tipo == Tipo::Texto; }
 }  // namespace
 
 // Whether SQLite compares it by JET without being told. Only columns carry a collation.
-bool Escritor::Cotejada(const Expr& e) {
+bool ComparisonWriter::Cotejada(const Expr& e) {
   return e.nodo == Nodo::Columna && e.fuente->columnas[static_cast<std::size_t>(e.columna)].cotejada;
 }
 
 // A value that is compared, grouped or ordered as it stands.
-void Escritor::Cotejado(const Expr& e, int minimo) {
+void ComparisonWriter::Cotejado(const Expr& e, int minimo) {
   if (!PuedeSerTexto(e.tipo) || Cotejada(e)) {
-    Valor(e, minimo);
+    d_.expr.Valor(e, minimo);
     return;
   }
-  Abre(fuerza::kCollate, minimo);
-  Valor(e, fuerza::kCollate);
+  d_.Abre(fuerza::kCollate, minimo);
+  d_.expr.Valor(e, fuerza::kCollate);
   t_ += " COLLATE JET";
-  Cierra(fuerza::kCollate, minimo);
+  d_.Cierra(fuerza::kCollate, minimo);
 }
 
 // One side of a comparison. A text beside a quantity is read as one; only a text column stays a text, so that
 // a code like '07' can be compared with any code.
-void Escritor::Lado(const Expr& e, const Expr& otro, bool cotejar, int minimo) {
+void ComparisonWriter::Lado(const Expr& e, const Expr& otro, bool cotejar, int minimo) {
   const bool columna = e.nodo == Nodo::Columna;
   if (EsTexto(e) && otro.tipo.tipo == Tipo::Fecha) {
     t_ += "jet_to_date(";
-    Valor(e);
+    d_.expr.Valor(e);
     t_ += ')';
   } else if (EsTexto(e) && EsNumerico(otro.tipo.tipo) && !columna) {
     t_ += "jet_num(";
-    Valor(e);
+    d_.expr.Valor(e);
     t_ += ')';
   } else if (EsNumerico(e.tipo.tipo) && EsTexto(otro) && otro.nodo == Nodo::Columna && !columna) {
-    Texto(e);
+    d_.expr.Texto(e);
   } else if (e.tipo.tipo == Tipo::Numero && otro.tipo.tipo == Tipo::Simple) {
     t_ += "jet_as_single(";  // a double beside a single has the precision of the single
-    Valor(e);
+    d_.expr.Valor(e);
     t_ += ')';
   } else if (cotejar) {
     Cotejado(e, minimo);
   } else {
-    Valor(e, minimo);
+    d_.expr.Valor(e, minimo);
   }
 }
 
-void Escritor::Comparar(Op op, const Expr& a, const Expr& b, int minimo) {
+void ComparisonWriter::Comparar(Op op, const Expr& a, const Expr& b, int minimo) {
   const int f = op == Op::Igual || op == Op::Distinto ? fuerza::kIgual : fuerza::kMenor;
-  Abre(f, minimo);
+  d_.Abre(f, minimo);
   // SQLite takes the collation of the left side, else of the right one; a column has one even when it is not
   // JET.
   const bool textos = PuedeSerTexto(a.tipo) && PuedeSerTexto(b.tipo);
@@ -79,13 +79,13 @@ void Escritor::Comparar(Op op, const Expr& a, const Expr& b, int minimo) {
   Lado(a, b, cotejar, f);
   t_ += TextoDeOp(op);
   Lado(b, a, false, f + 1);
-  Cierra(f, minimo);
+  d_.Cierra(f, minimo);
 }
 
 // Null in a list never matches and never makes the answer Null.
-void Escritor::EnLista(const Expr& e, int minimo) {
+void ComparisonWriter::EnLista(const Expr& e, int minimo) {
   const Expr& x = *e.hijos[0];
-  Abre(fuerza::kIgual, minimo);
+  d_.Abre(fuerza::kIgual, minimo);
   Cotejado(x, fuerza::kIgual);
   t_ += e.negado ? " NOT IN (" : " IN (";
   bool coma = false;
@@ -95,25 +95,25 @@ void Escritor::EnLista(const Expr& e, int minimo) {
     if (coma) t_ += ", ";
     coma = true;
     if (EsTexto(x) && EsNumerico(item.tipo.tipo))
-      Texto(item);
+      d_.expr.Texto(item);
     else
       Lado(item, x, false, 0);
   }
   t_ += ')';
-  Cierra(fuerza::kIgual, minimo);
+  d_.Cierra(fuerza::kIgual, minimo);
 }
 
-void Escritor::EnConsulta(const Expr& e, int minimo) {
-  Abre(fuerza::kIgual, minimo);
+void ComparisonWriter::EnConsulta(const Expr& e, int minimo) {
+  d_.Abre(fuerza::kIgual, minimo);
   Cotejado(*e.hijos[0], fuerza::kIgual);
   t_ += e.negado ? " NOT IN (" : " IN (";
-  EscribirConsulta(*e.consulta, {});
+  d_.query.EscribirConsulta(*e.consulta, {});
   t_ += ')';
-  Cierra(fuerza::kIgual, minimo);
+  d_.Cierra(fuerza::kIgual, minimo);
 }
 
 // The bounds may come in either order.
-void Escritor::Entre(const Expr& e, int minimo) {
+void ComparisonWriter::Entre(const Expr& e, int minimo) {
   const Expr &x = *e.hijos[0], &a = *e.hijos[1], &b = *e.hijos[2];
   const auto extremo = [&](std::string_view funcion) {
     t_ += funcion;
@@ -122,35 +122,35 @@ void Escritor::Entre(const Expr& e, int minimo) {
     Lado(b, x, false, 0);
     t_ += ')';
   };
-  Abre(fuerza::kIgual, minimo);
+  d_.Abre(fuerza::kIgual, minimo);
   Cotejado(x, fuerza::kIgual);
   t_ += e.negado ? " NOT BETWEEN " : " BETWEEN ";
   extremo("min(");
   t_ += " AND ";
   extremo("max(");
-  Cierra(fuerza::kIgual, minimo);
+  d_.Cierra(fuerza::kIgual, minimo);
 }
 
-void Escritor::Como(const Expr& e, int minimo) {
+void ComparisonWriter::Como(const Expr& e, int minimo) {
   const int f = e.negado ? fuerza::kNot : fuerza::kAtomo;
-  Abre(f, minimo);
+  d_.Abre(f, minimo);
   if (e.negado) t_ += "NOT ";
   t_ += "jet_like(";
   const auto lado = [&](const Expr& x) {
     if (EsCantidad(x.tipo.tipo))
-      Texto(x);
+      d_.expr.Texto(x);
     else
-      Valor(x);
+      d_.expr.Valor(x);
   };
   lado(*e.hijos[0]);
   t_ += ", ";
   lado(*e.hijos[1]);
-  t_ += opciones_.comodines_dao ? ", 1)" : ", 0)";
-  Cierra(f, minimo);
+  t_ += d_.options.comodines_dao ? ", 1)" : ", 0)";
+  d_.Cierra(f, minimo);
 }
 
 // ALL is the least of the answers and ANY the greatest, Null where a Null among them leaves it open.
-void Escritor::Cuantificada(const Expr& e) {
+void ComparisonWriter::Cuantificada(const Expr& e) {
   Fuente fuente;
   fuente.alias_sql = "jet_q";
   fuente.columnas = e.consulta->salida;
@@ -167,7 +167,7 @@ void Escritor::Cuantificada(const Expr& e) {
   t_ += e.todos ? ") < count(*) THEN NULL ELSE 1 END FROM (" : ") < count(*) THEN NULL ELSE 0 END FROM (";
   ModoLista modo;
   modo.nombres = modo.cotejar = true;
-  EscribirConsulta(*e.consulta, modo);
+  d_.query.EscribirConsulta(*e.consulta, modo);
   t_ += ") AS \"jet_q\")";
 }
 

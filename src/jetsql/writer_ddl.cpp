@@ -40,9 +40,7 @@ std::string Defecto(const DefColumna& c, Catalogo& catalogo) {
   if (!c.defecto) return c.clase == ClaseColumna::SiNo ? " DEFAULT 0" : "";
   ExprPtr valor = c.defecto;
   Resolutor(catalogo).ResolverSuelta(valor);
-  Escritor e({});
-  e.EscribirValor(*valor, De(c.clase).tipo);
-  return " DEFAULT (" + std::move(e).Texto() + ")";
+  return " DEFAULT (" + WriteValue(*valor, De(c.clase).tipo) + ")";
 }
 
 // Primary keys are indexes here, so that SQLite does not know which columns a bare REFERENCES means.
@@ -301,9 +299,7 @@ void DefinirDeConsulta(const Consulta& c, Catalogo& catalogo, const OpcionesTrad
     columnas.push_back({col.nombre_sql, tipo});
   }
   t.pasos.push_back(sql + ")");
-  Escritor e(opciones);
-  e.InsertarConsulta(nombre, columnas, c);
-  t.pasos.push_back(std::move(e).Texto());
+  t.pasos.push_back(WriteInsertOf(c, nombre, columnas, opciones));
   t.fills = true;
   t.definicion = {Definicion::Que::CrearTabla, nombre, {}, {}, std::move(columnas)};
 }

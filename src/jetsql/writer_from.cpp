@@ -1,13 +1,13 @@
 #include "base/error.h"
 #include "base/text.h"
-#include "jetsql/writer_internal.h"
+#include "jetsql/writer_parts_internal.h"
 
 namespace jetsql {
 
 // A tree of joins as one chain from left to right. The product of A with (B LEFT JOIN C) is (A, B) LEFT JOIN
 // C, so that only the right side of an outer join has to stay in brackets; the condition of an inner join
 // between two trees becomes a filter of the whole.
-void Escritor::Aplanar(const Rama& r, std::vector<Paso>& pasos, std::vector<const Expr*>& filtros) const {
+void FromWriter::Aplanar(const Rama& r, std::vector<Paso>& pasos, std::vector<const Expr*>& filtros) {
   if (r.hoja) {
     pasos.push_back({&r, false, nullptr});
     return;
@@ -27,23 +27,23 @@ void Escritor::Aplanar(const Rama& r, std::vector<Paso>& pasos, std::vector<cons
     filtros.push_back(r.condicion.get());
 }
 
-void Escritor::Hoja(const Fuente& f) {
+void FromWriter::Hoja(const Fuente& f) {
   if (f.tabla != nullptr) {
-    Nombre(f.tabla->nombre);
+    d_.Nombre(f.tabla->nombre);
     if (f.alias_sql == f.tabla->nombre) return;
   } else {
     ModoLista modo;
     modo.nombres = modo.cotejar = true;
     t_ += '(';
-    EscribirConsulta(*f.consulta, modo);
+    d_.query.EscribirConsulta(*f.consulta, modo);
     t_ += ')';
   }
   t_ += " AS ";
-  Nombre(f.alias_sql);
+  d_.Nombre(f.alias_sql);
 }
 
 // As it is written: inside the right side of an outer join.
-void Escritor::Anidada(const Rama& r) {
+void FromWriter::Anidada(const Rama& r) {
   if (r.hoja) {
     Hoja(*r.hoja);
     return;
@@ -57,10 +57,10 @@ void Escritor::Anidada(const Rama& r) {
   Anidada(b);
   if (!b.hoja) t_ += ')';
   t_ += " ON ";
-  Condicion(*r.condicion);
+  d_.expr.Condicion(*r.condicion);
 }
 
-void Escritor::DeYDonde(const std::vector<RamaPtr>& de, const ExprPtr& donde) {
+void FromWriter::DeYDonde(const std::vector<RamaPtr>& de, const ExprPtr& donde) {
   std::vector<Paso> pasos;
   std::vector<const Expr*> filtros;
   for (const auto& rama : de) Aplanar(*rama, pasos, filtros);
@@ -76,17 +76,17 @@ void Escritor::DeYDonde(const std::vector<RamaPtr>& de, const ExprPtr& donde) {
     }
     if (p.condicion == nullptr) continue;
     t_ += " ON ";
-    Condicion(*p.condicion);
+    d_.expr.Condicion(*p.condicion);
   }
   if (donde) filtros.push_back(donde.get());
   for (std::size_t i = 0; i < filtros.size(); ++i) {
     t_ += i == 0 ? " WHERE " : " AND ";
-    Condicion(*filtros[i], filtros.size() > 1 ? fuerza::kAnd : 0);
+    d_.expr.Condicion(*filtros[i], filtros.size() > 1 ? fuerza::kAnd : 0);
   }
 }
 
 // SQLite gives a row's number three names; a column may have taken one.
-void Escritor::FilaDe(const Fuente& f) {
+void FromWriter::FilaDe(const Fuente& f) {
   std::string_view fila = "rowid";
   for (const std::string_view otro : {"_rowid_", "oid"}) {
     bool tomado = false;
@@ -94,12 +94,12 @@ void Escritor::FilaDe(const Fuente& f) {
     if (!tomado) break;
     fila = otro;
   }
-  Nombre(f.alias_sql);
+  d_.Nombre(f.alias_sql);
   t_.append(".").append(fila);
 }
 
 // Whether the rows of a table can be named outside the FROM: not inside brackets.
-bool Escritor::Alcanzable(const std::vector<RamaPtr>& de, const Fuente& f) const {
+bool FromWriter::Alcanzable(const std::vector<RamaPtr>& de, const Fuente& f) {
   std::vector<Paso> pasos;
   std::vector<const Expr*> filtros;
   for (const auto& rama : de) Aplanar(*rama, pasos, filtros);

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "jetsql/types_internal.h"
-#include "jetsql/writer_internal.h"
+#include "jetsql/writer_parts_internal.h"
 
 namespace jetsql {
 namespace {
@@ -13,9 +13,7 @@ bool EsConstante(const Expr& e) {
 
 }  // namespace
 
-void Escritor::Escribir(const jetsql::Consulta& c) { EscribirConsulta(c, {}); }
-
-void Escritor::EscribirConsulta(const Consulta& c, ModoLista modo) {
+void QueryWriter::EscribirConsulta(const Consulta& c, ModoLista modo) {
   if (c.partes.size() == 1) {
     if (c.orden_por_fuera && !c.partes[0].tope)
       PorRango(c.partes[0], c.orden, modo);  // SQLite's ORDER BY does not see outer tables, its windows do
@@ -32,8 +30,8 @@ void Escritor::EscribirConsulta(const Consulta& c, ModoLista modo) {
   Orden(c.orden, true);
 }
 
-void Escritor::Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo,
-                     bool en_union) {
+void QueryWriter::Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo,
+                        bool en_union) {
   if (!s.tope) {
     Nucleo(s, modo);
     Orden(orden, s.distincion == Distincion::Distinct);
@@ -46,41 +44,40 @@ void Escritor::Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, co
   if (en_union) t_ += "SELECT * FROM (";
   Nucleo(s, modo);
   t_ += " LIMIT ";
-  Literal(*s.tope);
+  d_.Literal(*s.tope);
   if (en_union) t_ += ')';
 }
 
-void Escritor::NombresDeLista(const Seleccion& s) {
+void QueryWriter::NombresDeLista(const Seleccion& s) {
   for (std::size_t i = 0; i < s.lista.size(); ++i) {
     if (i > 0) t_ += ", ";
-    Nombre(s.lista[i].nombre_sql);
+    d_.Nombre(s.lista[i].nombre_sql);
   }
 }
 
 // The rank of a row by the order of the query, and for a percentage the number of rows.
-std::string Escritor::Ventana(const Seleccion& s, const std::vector<ItemOrden>& orden) {
-  Escritor e(opciones_);
-  e.nivel_ = nivel_;
+std::string QueryWriter::Ventana(const Seleccion& s, const std::vector<ItemOrden>& orden) {
+  SqlDraft e(d_.options, d_.depth);
   if (orden.empty()) {
-    e.t_ = ", row_number() OVER () AS \"jet_r\"";
+    e.text = ", row_number() OVER () AS \"jet_r\"";
   } else {
-    e.t_ = ", rank() OVER (";
+    e.text = ", rank() OVER (";
     for (std::size_t i = 0; i < orden.size(); ++i) {
-      e.t_ += i == 0 ? "ORDER BY " : ", ";
+      e.text += i == 0 ? "ORDER BY " : ", ";
       if (s.distincion == Distincion::Distinct)
         e.Nombre(s.lista[static_cast<std::size_t>(orden[i].posicion)].nombre_sql);
       else
-        e.Clave(*orden[i].expr);
-      if (orden[i].descendente) e.t_ += " DESC";
+        e.query.Clave(*orden[i].expr);
+      if (orden[i].descendente) e.text += " DESC";
     }
-    e.t_ += ") AS \"jet_r\"";
+    e.text += ") AS \"jet_r\"";
   }
-  if (s.tope_por_ciento) e.t_ += ", count(*) OVER () AS \"jet_n\"";
-  return std::move(e.t_);
+  if (s.tope_por_ciento) e.text += ", count(*) OVER () AS \"jet_n\"";
+  return std::move(e.text);
 }
 
 // The rows by their rank: TOP n keeps those that tie with the nth.
-void Escritor::PorRango(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo) {
+void QueryWriter::PorRango(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo) {
   ModoLista dentro = modo;
   dentro.nombres = dentro.cotejar = true;
   const std::string ventana = Ventana(s, orden);
@@ -101,60 +98,60 @@ void Escritor::PorRango(const Seleccion& s, const std::vector<ItemOrden>& orden,
   if (s.tope) {
     // The nth of 100 parts, rounded up: rank <= ceil(count * n / 100).
     t_ += s.tope_por_ciento ? " WHERE (\"jet_r\" - 1) * 100 < \"jet_n\" * " : " WHERE \"jet_r\" <= ";
-    Literal(*s.tope);
+    d_.Literal(*s.tope);
   }
   if (!orden.empty()) t_ += " ORDER BY \"jet_r\"";
 }
 
 // A key of a group or of an order. A constant parts nothing; SQLite would take a number for a place in the
 // list.
-void Escritor::Clave(const Expr& e) {
+void QueryWriter::Clave(const Expr& e) {
   if (EsConstante(e))
     t_ += "NULL";
   else
-    Cotejado(e, 0);
+    d_.compare.Cotejado(e, 0);
 }
 
-void Escritor::Lista(const Seleccion& s, const ModoLista& modo) {
+void QueryWriter::Lista(const Seleccion& s, const ModoLista& modo) {
   for (std::size_t i = 0; i < s.lista.size(); ++i) {
     if (i > 0) t_ += ", ";
     const Expr& e = *s.lista[i].expr;
     const TipoExpr salida = modo.salida != nullptr ? (*modo.salida)[i].tipo : e.tipo;
     const bool compara = (modo.cotejar || s.distincion == Distincion::Distinct) && PuedeSerTexto(salida) &&
-                         !e.tipo.nulo && !Cotejada(e);
+                         !e.tipo.nulo && !d_.compare.Cotejada(e);
     if (modo.destinos != nullptr)
-      Asignado(e, (*modo.destinos)[i]);
+      d_.change.Asignado(e, (*modo.destinos)[i]);
     else if (salida.tipo == base::Tipo::Texto && EsCantidad(e.tipo.tipo))
-      Texto(e);  // a date or boolean in a column of texts
+      d_.expr.Texto(e);  // a date or boolean in a column of texts
     else
-      Valor(e, compara ? fuerza::kCollate : 0);
+      d_.expr.Valor(e, compara ? fuerza::kCollate : 0);
     if (compara) t_ += " COLLATE JET";
     if (!modo.nombres) continue;
     t_ += " AS ";
-    Nombre(s.lista[i].nombre_sql);
+    d_.Nombre(s.lista[i].nombre_sql);
   }
 }
 
-void Escritor::Nucleo(const Seleccion& s, const ModoLista& modo) {
+void QueryWriter::Nucleo(const Seleccion& s, const ModoLista& modo) {
   t_ += s.distincion == Distincion::Distinct ? "SELECT DISTINCT " : "SELECT ";
   Lista(s, modo);
   t_ += modo.extra;
-  DeYDonde(s.de, s.donde);
+  d_.from.DeYDonde(s.de, s.donde);
   for (std::size_t i = 0; i < s.grupo.size(); ++i) {
     t_ += i == 0 ? " GROUP BY " : ", ";
     Clave(*s.grupo[i]);
   }
   for (std::size_t i = 0; i < s.distintas.size(); ++i) {
     t_ += i == 0 ? " GROUP BY " : ", ";
-    FilaDe(*s.distintas[i]);
+    d_.from.FilaDe(*s.distintas[i]);
   }
   if (s.teniendo) {
     t_ += " HAVING ";
-    Condicion(*s.teniendo);
+    d_.expr.Condicion(*s.teniendo);
   }
 }
 
-void Escritor::Orden(const std::vector<ItemOrden>& orden, bool por_posicion) {
+void QueryWriter::Orden(const std::vector<ItemOrden>& orden, bool por_posicion) {
   for (std::size_t i = 0; i < orden.size(); ++i) {
     t_ += i == 0 ? " ORDER BY " : ", ";
     if (por_posicion)
