@@ -195,7 +195,6 @@ Token Escaner::Cortar() {
     default:
       break;
   }
-  const char sig = i_ + 1 < n ? sql_[i_ + 1] : '\0';
   switch (c) {
     case '\'':
     case '"':
@@ -210,18 +209,27 @@ Token Escaner::Cortar() {
       return Hasta('`', ClaseToken::Corchetes, inicio);
     case '&':
       if (const Token hex = HexOctal(inicio); hex.clase != ClaseToken::Fin) return hex;
-      ++i_;
-      return {ClaseToken::Signo, inicio, i_};
+      break;
     case '.':
-      if (!tras_nombre && ClaseDe(sig) == kDigito) return Numero(inicio);
-      ++i_;
-      return {ClaseToken::Signo, inicio, i_};
+      if (!tras_nombre && i_ + 1 < n && ClaseDe(sql_[i_ + 1]) == kDigito) return Numero(inicio);
+      break;
+    default:
+      break;
+  }
+  return Sign(inicio);
+}
+
+Token Escaner::Sign(std::size_t inicio) {
+  const char sig = inicio + 1 < sql_.size() ? sql_[inicio + 1] : '\0';
+  switch (sql_[inicio]) {
     case '<':
       i_ += sig == '=' || sig == '>' ? 2 : 1;
       return {ClaseToken::Signo, inicio, i_};
     case '>':
       i_ += sig == '=' ? 2 : 1;
       return {ClaseToken::Signo, inicio, i_};
+    case '&':
+    case '.':
     case '(':
     case ')':
     case ',':

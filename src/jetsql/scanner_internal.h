@@ -44,6 +44,7 @@ class Escaner {
   Token Cadena(char comilla, std::size_t inicio);
   Token Numero(std::size_t inicio);
   Token HexOctal(std::size_t inicio);
+  Token Sign(std::size_t inicio);
   bool TrasOperando() const;
 
   std::string_view sql_;
