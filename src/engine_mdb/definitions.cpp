@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "engine_mdb/connection_internal.h"
 #include "engine_mdb/save_query.h"
+#include "jetsql/definition_rules.h"
 #include "ports/system_clock.h"
 
 namespace engine_mdb {
@@ -14,7 +15,6 @@ using jetsql::Restriccion;
 using mdb::TipoColumna;
 
 constexpr int kLargoDeTexto = 255;
-constexpr const char* kClavePrimaria = "PrimaryKey";
 
 TipoColumna TipoDe(ClaseColumna clase) {
   switch (clase) {
@@ -83,22 +83,9 @@ mdb::NuevoIndice Indice(const std::string& nombre, const std::vector<std::string
   return i;
 }
 
-std::string NombreDe(const Restriccion& r) {
-  if (!r.nombre.empty()) return r.nombre;
-  return r.que == Restriccion::Que::Clave ? kClavePrimaria : r.columnas[0];
-}
-
 std::optional<mdb::NuevoIndice> IndiceDe(const jetsql::DefColumna& c) {
   if (!c.clave && !c.unica) return std::nullopt;
-  std::string nombre = c.nombre_restriccion;
-  if (nombre.empty()) nombre = c.clave ? kClavePrimaria : c.nombre;
-  return Indice(nombre, {c.nombre}, c.clave);
-}
-
-bool EstaEn(const std::vector<std::string>& nombres, std::string_view nombre) {
-  for (const auto& n : nombres)
-    if (base::IgualSinCaso(n, nombre)) return true;
-  return false;
+  return Indice(jetsql::IndexName(c), {c.nombre}, c.clave);
 }
 
 ClaseColumna ClaseDe(base::Tipo tipo) {
@@ -221,16 +208,12 @@ void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::CrearTabla& s)
   mdb::NuevaTabla nueva;
   nueva.nombre = s.nombre;
   for (const auto& c : s.columnas) {
-    bool requerida = c.no_nulo || c.clave;
-    for (const auto& r : s.restricciones)
-      requerida = requerida || ((r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::NoNulo) &&
-                                EstaEn(r.columnas, c.nombre));
-    nueva.columnas.push_back(ColumnaDe(c, requerida));
+    nueva.columnas.push_back(ColumnaDe(c, jetsql::RefusesNull(s, c)));
     if (auto indice = IndiceDe(c)) nueva.indices.push_back(std::move(*indice));
   }
   for (const auto& r : s.restricciones)
     if (r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::Unica)
-      nueva.indices.push_back(Indice(NombreDe(r), r.columnas, r.que == Restriccion::Que::Clave));
+      nueva.indices.push_back(Indice(jetsql::IndexName(r), r.columnas, r.que == Restriccion::Que::Clave));
   Ensayar(whole);
   base_->CrearTabla(nueva, clock_.Ahora());
   fuente_->Descartar({s.nombre});
@@ -314,7 +297,7 @@ void ConexionMdb::AgregarColumna(const std::string& tabla, const jetsql::DefColu
 // A constraint that only refuses Null is an index that does.
 void ConexionMdb::AgregarRestriccion(const std::string& tabla, const Restriccion& r) {
   if (r.que == Restriccion::Que::Foranea) return Relacionar(tabla, r.nombre, r.columnas, r.referencia);
-  mdb::NuevoIndice indice = Indice(NombreDe(r), r.columnas, r.que == Restriccion::Que::Clave);
+  mdb::NuevoIndice indice = Indice(jetsql::IndexName(r), r.columnas, r.que == Restriccion::Que::Clave);
   if (r.que == Restriccion::Que::NoNulo) {
     indice.unico = false;
     indice.requerido = true;
@@ -329,7 +312,8 @@ void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::AlterarTabla& 
   TablaEspejo* t = fuente_->Mirar(s.tabla);
   if (t == nullptr) throw db::Error("No se encuentra la tabla o consulta '" + s.tabla + "'");
   const std::string tabla = t->info.nombre;
-  if (s.que == Que::AgregarRestriccion && !relaciona) IndiceLibre(t->definicion, NombreDe(s.restriccion));
+  if (s.que == Que::AgregarRestriccion && !relaciona)
+    IndiceLibre(t->definicion, jetsql::IndexName(s.restriccion));
   mdb::NuevaColumna nueva;
   if (s.que == Que::Agregar) nueva = ColumnaDe(s.columna, s.columna.no_nulo || s.columna.clave);
   if (s.que == Que::Agregar || (s.que == Que::AgregarRestriccion && !relaciona))

@@ -1,6 +1,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "jetsql/definition_internal.h"
+#include "jetsql/definition_rules.h"
 #include "jetsql/parser.h"
 #include "jetsql/resolver_internal.h"
 #include "jetsql/writer_internal.h"
@@ -110,22 +111,6 @@ const std::string& ColumnaDe(const TablaInfo& t, std::string_view nombre) {
   throw base::Error("La tabla '" + t.nombre + "' no tiene la columna '" + std::string(nombre) + "'");
 }
 
-std::string NombreDeClave(const DefColumna& c) {
-  if (!c.nombre_restriccion.empty()) return c.nombre_restriccion;
-  return c.clave ? "PrimaryKey" : c.nombre;
-}
-
-bool EstaEn(const std::vector<std::string>& nombres, std::string_view nombre) {
-  for (const auto& n : nombres)
-    if (base::IgualSinCaso(n, nombre)) return true;
-  return false;
-}
-
-std::string NombreDe(const Restriccion& r) {
-  if (!r.nombre.empty()) return r.nombre;
-  return r.que == Restriccion::Que::Clave ? "PrimaryKey" : r.columnas[0];
-}
-
 }  // namespace
 
 // Keys are indexes with a name of their own, so that DROP CONSTRAINT finds them; only a counter is SQLite's
@@ -147,17 +132,13 @@ void Definir(const CrearTabla& s, Catalogo& catalogo, Traduccion& t) {
   std::string sql = "CREATE TABLE " + NombreSql(s.nombre) + " (";
   for (std::size_t i = 0; i < s.columnas.size(); ++i) {
     const DefColumna& c = s.columnas[i];
-    bool no_nulo = c.no_nulo || c.clave;
-    for (const auto& r : s.restricciones)
-      no_nulo = no_nulo || ((r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::NoNulo) &&
-                            EstaEn(r.columnas, c.nombre));
     if (i > 0) sql += ", ";
-    sql += ColumnaSql(c, no_nulo, catalogo);
+    sql += ColumnaSql(c, RefusesNull(s, c), catalogo);
   }
   t.pasos.emplace_back();
   for (const auto& c : s.columnas)
     if ((c.clave || c.unica) && c.clase != ClaseColumna::Contador)
-      t.pasos.push_back(IndiceUnico(s.nombre, NombreDeClave(c), {c.nombre}));
+      t.pasos.push_back(IndiceUnico(s.nombre, IndexName(c), {c.nombre}));
   for (const auto& r : s.restricciones) {
     for (const auto& c : r.columnas) ColumnaDe(info, c);
     if (r.que == Restriccion::Que::Foranea) {
@@ -166,7 +147,7 @@ void Definir(const CrearTabla& s, Catalogo& catalogo, Traduccion& t) {
         sql += (i == 0 ? " (" : ", ") + NombreSql(r.columnas[i]);
       sql += ")" + Referir(r.referencia);
     } else if (r.que != Restriccion::Que::NoNulo) {
-      t.pasos.push_back(IndiceUnico(s.nombre, NombreDe(r), r.columnas));
+      t.pasos.push_back(IndiceUnico(s.nombre, IndexName(r), r.columnas));
     }
   }
   t.pasos[0] = sql + ")";
@@ -251,9 +232,9 @@ void Definir(const AlterarTabla& s, Catalogo& catalogo, Traduccion& t) {
         if (base::IgualSinCaso(otra.nombre, c.nombre))
           throw base::Error("La columna '" + c.nombre + "' ya existe");
       t.pasos.push_back(alterar + " ADD COLUMN " + ColumnaSql(c, false, catalogo));
-      if (c.clave || c.unica) t.pasos.push_back(IndiceUnico(tabla.nombre, NombreDeClave(c), {c.nombre}));
+      if (c.clave || c.unica) t.pasos.push_back(IndiceUnico(tabla.nombre, IndexName(c), {c.nombre}));
       if ((c.clave || c.no_nulo) && c.clase != ClaseColumna::SiNo)
-        RefusarNulos(tabla.nombre, NombreDeClave(c), {c.nombre}, t.pasos);
+        RefusarNulos(tabla.nombre, IndexName(c), {c.nombre}, t.pasos);
       t.definicion = {Definicion::Que::AgregarColumna, tabla.nombre, {}, {}, {{c.nombre, De(c.clase).tipo}}};
       break;
     }
@@ -270,9 +251,9 @@ void Definir(const AlterarTabla& s, Catalogo& catalogo, Traduccion& t) {
       std::vector<std::string> columnas;
       for (const auto& c : r.columnas) columnas.push_back(ColumnaDe(tabla, c));
       if (r.que != Restriccion::Que::NoNulo)
-        t.pasos.push_back(IndiceUnico(tabla.nombre, NombreDe(r), columnas));
-      if (r.que != Restriccion::Que::Unica) RefusarNulos(tabla.nombre, NombreDe(r), columnas, t.pasos);
-      t.definicion = {Definicion::Que::CrearIndice, NombreDe(r), tabla.nombre, {}, {}};
+        t.pasos.push_back(IndiceUnico(tabla.nombre, IndexName(r), columnas));
+      if (r.que != Restriccion::Que::Unica) RefusarNulos(tabla.nombre, IndexName(r), columnas, t.pasos);
+      t.definicion = {Definicion::Que::CrearIndice, IndexName(r), tabla.nombre, {}, {}};
       break;
     }
     case AlterarTabla::Que::QuitarRestriccion:
