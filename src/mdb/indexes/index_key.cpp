@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::uint8_t kNulo = 0x00, kValor = 0x7F, kSigue = 0x09;
 constexpr std::size_t kUnidades = 255;  // of a text, in an index entry
-constexpr std::uint8_t kCalculada = 0xC0;
 
 std::string Columnas(const Columna& c) { return "la columna «" + c.nombre + "»"; }
 
@@ -294,7 +293,7 @@ std::string MotivoSinClaves(const Cabecera& cabecera, const Definicion& definici
     const Columna* c = ColumnaDe(definicion, parte);
     if (c == nullptr)
       return "un índice nombra la columna número " + std::to_string(parte.columna) + ", que no existe";
-    if ((c->banderas_ext & kCalculada) != 0) return Columnas(*c) + " es calculada y está en un índice";
+    if (c->Calculada()) return Columnas(*c) + " es calculada y está en un índice";
     if (c->EsTexto() && cabecera.Jet3() && cabecera.pagina_de_codigos != 1252)
       return Columnas(*c) + " tiene la página de códigos " + std::to_string(cabecera.pagina_de_codigos) +
              ", cuyo orden no se conoce";

@@ -12,6 +12,7 @@ namespace {
 using internal::CambiosDeIndices;
 
 bool SeEscribe(const Columna& c) {
+  if ((c.banderas_ext & Columna::kCalculada) != 0) return false;  // one bit of the two: nobody knows what
   switch (c.tipo) {
     case TipoColumna::Booleano:
     case TipoColumna::Byte:
@@ -108,7 +109,7 @@ std::string MotivoNoEscribible(const Cabecera& cabecera, const Definicion& defin
   if (cabecera.version != Version::Jet4) return tabla + "los archivos .accdb no se escriben";
   if (definicion.propias.pagina == 0) return tabla + "no tiene mapa de páginas";
   for (const auto& c : definicion.columnas) {
-    if (c.banderas_ext & Columna::kCalculada) return tabla + "la columna \"" + c.nombre + "\" es calculada";
+    if (c.Calculada()) return tabla + "la columna \"" + c.nombre + "\" es calculada";
     if (!SeEscribe(c)) return tabla + "la columna \"" + c.nombre + "\" es de un tipo que no se escribe";
   }
   for (const auto& indice : definicion.reales)
