@@ -259,4 +259,22 @@ char32_t Plegar(char32_t c) {
   return c;
 }
 
+std::uint16_t LanguageOf(Orden order) {
+  switch (order) {
+    case Orden::General:
+      return 1033;
+    case Orden::EspanolTradicional:
+      return 1034;
+    case Orden::EspanolModerno:
+      break;
+  }
+  return 3082;
+}
+
+std::optional<Orden> OrderOfLanguage(std::int64_t language) {
+  for (const Orden order : {Orden::General, Orden::EspanolModerno, Orden::EspanolTradicional})
+    if (LanguageOf(order) == language) return order;
+  return std::nullopt;
+}
+
 }  // namespace base

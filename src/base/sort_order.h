@@ -9,12 +9,18 @@
 // well, but what Access itself would write into an index is not known: see TienePesos.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace base {
 
-enum class Orden { General, EspanolModerno, EspanolTradicional };  // 1033, 3082, 1034
+enum class Orden { General, EspanolModerno, EspanolTradicional };
+
+// The language number (LCID) that files name an order by: 1033, 3082 and 1034; nothing for another number.
+std::uint16_t LanguageOf(Orden order);
+std::optional<Orden> OrderOfLanguage(std::int64_t language);
 
 // The key of a text as an index entry holds it, without its start flag: inline bytes, then accents and
 // specials. Two texts are equal for the dialect exactly when their keys are. Trailing blanks are ignored.

@@ -9,11 +9,6 @@ namespace {
 
 constexpr const char* kUndone = "Un error anterior deshizo la transacción: nada de ella quedó guardado.";
 
-base::Orden OrdenDe(std::uint16_t lcid) {
-  if (lcid == 3082) return base::Orden::EspanolModerno;
-  return lcid == 1034 ? base::Orden::EspanolTradicional : base::Orden::General;
-}
-
 }  // namespace
 
 ConexionMdb::ConexionMdb(std::unique_ptr<mdb::Base> base, std::string_view ruta, const Opciones& opciones)
@@ -25,7 +20,7 @@ void ConexionMdb::Iniciar(std::unique_ptr<mdb::Base> base) {
   base_ = std::move(base);
   fuente_ = std::make_unique<FuenteMdb>(*base_, ruta_, contadores_);
   engine_sqlite::Opciones abajo;
-  abajo.orden = OrdenDe(base_->Cab().orden);
+  abajo.orden = base::OrderOfLanguage(base_->Cab().orden).value_or(base::Orden::General);
   abajo.reloj = &clock_;
   abajo.locale = opciones_.locale;
   abajo.comodines_dao = opciones_.comodines_dao;

@@ -24,18 +24,6 @@ bool EnUtf8(sqlite3* base) {
 // A statement that is of no consequence when it fails (a read-only file keeps its journal mode).
 void Procurar(sqlite3* base, const char* sql) { sqlite3_exec(base, sql, nullptr, nullptr, nullptr); }
 
-// The sort order is written into the file, because its indexes hold for no other one.
-struct OrdenDeArchivo {
-  base::Orden orden;
-  int numero;
-  const char* escribir;
-};
-constexpr OrdenDeArchivo kOrdenes[] = {
-    {base::Orden::General, 1033, "PRAGMA user_version=1033"},
-    {base::Orden::EspanolModerno, 3082, "PRAGMA user_version=3082"},
-    {base::Orden::EspanolTradicional, 1034, "PRAGMA user_version=1034"},
-};
-
 // A path that names another machine.
 bool EnRed(std::string_view ruta) { return ruta.substr(0, 2) == "\\\\" || ruta.substr(0, 2) == "//"; }
 
@@ -106,15 +94,15 @@ void ConexionSqlite::Configurar(std::string_view ruta, const Opciones& opciones)
   if (!en_memoria) version_ajena_ = Preparar(base, "PRAGMA data_version");
 }
 
+// The sort order is written into the file, because its indexes hold for no other one.
 void ConexionSqlite::FijarOrden() {
   sqlite3* base = base_.get();
   const std::int64_t escrito = Cifra(base, "PRAGMA user_version");
-  for (const OrdenDeArchivo& o : kOrdenes)
-    if (o.numero == escrito) entorno_.orden = o.orden;
+  if (const auto order = base::OrderOfLanguage(escrito)) entorno_.orden = *order;
   const bool nuevo = escrito == 0 && Cifra(base, "PRAGMA schema_version") == 0;
   if (!nuevo || sqlite3_db_readonly(base, "main") != 0) return;
-  for (const OrdenDeArchivo& o : kOrdenes)
-    if (o.orden == entorno_.orden) EjecutarPropio(base, o.escribir);
+  const std::string write = "PRAGMA user_version=" + std::to_string(base::LanguageOf(entorno_.orden));
+  EjecutarPropio(base, write.c_str());
 }
 
 void ConexionSqlite::Cerrar() {

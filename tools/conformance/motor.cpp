@@ -53,24 +53,12 @@ class Carpeta {
   int cuantas_ = 0;
 };
 
-// The sort order as Access files name it.
-std::uint16_t LcidDe(base::Orden orden) {
-  switch (orden) {
-    case base::Orden::General:
-      return 1033;
-    case base::Orden::EspanolTradicional:
-      return 1034;
-    default:
-      return 3082;
-  }
-}
-
 std::unique_ptr<db::Connection> CrearMdb(const std::string& ruta, const Ajustes& ajustes) {
   engine_mdb::Opciones opciones;
   opciones.reloj = ajustes.reloj;
   opciones.locale = ajustes.locale;
   opciones.comodines_dao = ajustes.comodines_dao;
-  return engine_mdb::Crear(ruta, opciones, LcidDe(ajustes.orden));
+  return engine_mdb::Crear(ruta, opciones, base::LanguageOf(ajustes.orden));
 }
 
 class MotorMdb final : public Motor {

@@ -77,19 +77,6 @@ void AgregarDecimal(const Cabecera& cabecera, const Columna& columna, bool desce
   if (!nuevo) clave[desde] = d.negativo ? 0x00 : 0xFF;
 }
 
-std::optional<base::Orden> OrdenDe(std::uint16_t lcid) {
-  switch (lcid) {
-    case 1033:
-      return base::Orden::General;
-    case 3082:
-      return base::Orden::EspanolModerno;
-    case 1034:
-      return base::Orden::EspanolTradicional;
-    default:
-      return std::nullopt;
-  }
-}
-
 // The part of the text that an index entry looks at. A character that stands half inside is taken along, so
 // that its lack of a weight is seen.
 std::string_view ParteDeIndice(std::string_view texto) {
@@ -113,7 +100,7 @@ std::string_view ParteDeIndice(std::string_view texto) {
 }
 
 void AgregarTexto(const Columna& columna, bool descendente, std::string_view texto, Bytes& clave) {
-  const auto orden = OrdenDe(columna.lcid);
+  const auto orden = base::OrderOfLanguage(columna.lcid);
   if (!orden || columna.version_orden != 0)
     throw base::Error("El orden de texto de " + Columnas(columna) + " (" + std::to_string(columna.lcid) +
                       ", versión " + std::to_string(columna.version_orden) + ") no se conoce");
@@ -297,7 +284,7 @@ std::string MotivoSinClaves(const Cabecera& cabecera, const Definicion& definici
     if (c->EsTexto() && cabecera.Jet3() && cabecera.pagina_de_codigos != 1252)
       return Columnas(*c) + " tiene la página de códigos " + std::to_string(cabecera.pagina_de_codigos) +
              ", cuyo orden no se conoce";
-    if (c->EsTexto() && !cabecera.Jet3() && (!OrdenDe(c->lcid) || c->version_orden != 0))
+    if (c->EsTexto() && !cabecera.Jet3() && (!base::OrderOfLanguage(c->lcid) || c->version_orden != 0))
       return Columnas(*c) + " está en un índice con el orden de texto " + std::to_string(c->lcid) +
              " versión " + std::to_string(c->version_orden) + ", que no se conoce";
     if (!TieneClaves(c->tipo)) return Columnas(*c) + " es de un tipo cuyas claves de índice no se conocen";

@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 
+#include "base/sort_order.h"
 #include "mdb/indexes/index_tree.h"
 #include "mdb/schema/schema_internal.h"
 #include "mdb/schema/system_definitions_internal.h"
@@ -126,7 +127,7 @@ Cambios PermisosDe(const Definicion& tabla) {
 }  // namespace
 
 Bytes NuevaBase(std::uint16_t orden, base::Fecha ahora) {
-  if (orden != 3082 && orden != 1034 && orden != 1033)
+  if (!base::OrderOfLanguage(orden))
     throw base::Error("No se crean bases con el orden de texto " + std::to_string(orden));
   Cabecera cabecera;
   cabecera.orden = orden;
