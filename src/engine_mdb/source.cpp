@@ -32,7 +32,7 @@ class Propio {
 
 std::string MotivoDeNoEscribir(const mdb::Base& base) {
   const std::string& motivo = base.MotivoSoloLectura();
-  if (motivo.empty() || base::EmpiezaCon(motivo, "No se puede escribir")) return motivo;
+  if (motivo.empty() || base.WhyReadOnly() == mdb::ReadOnlyCause::Denied) return motivo;
   return "La base se puede leer, no escribir. " + motivo + ".";
 }
 

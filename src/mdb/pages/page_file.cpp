@@ -26,7 +26,7 @@ void BorrarDiarioIncompleto(base::Disco& disco, const std::string& ruta) {
 
 PaginasDeArchivo::PaginasDeArchivo(Cabecera cabecera, NumPagina cantidad, Abierto abierto)
     : Paginas(std::move(cabecera), cantidad), a_(std::move(abierto)) {
-  PonerSoloLectura(a_.motivo);
+  PonerSoloLectura(a_.cause, a_.motivo);
 }
 
 Bytes PaginasDeArchivo::Traer(NumPagina numero) {
@@ -206,7 +206,7 @@ void PaginasDeArchivo::VolverAtras(const std::vector<Cambio>& cambios, NumPagina
     rota_ = "La base quedó a medio escribir. " + motivo +
             ". Tampoco se la pudo volver atrás: " + e.Descripcion() + ". No borre " +
             base::NombreDe(RutaDeDiario(a_.ruta)) + ": al abrir la base de nuevo se restablece con él";
-    PonerSoloLectura(rota_);
+    PonerSoloLectura(ReadOnlyCause::Broken, rota_);
     throw base::StorageFault(rota_);
   }
   // The same bytes with the same date: whoever reads them goes on. Where the date could not be set, not.

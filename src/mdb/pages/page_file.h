@@ -48,6 +48,7 @@ class PaginasDeArchivo final : public Paginas {
     std::shared_ptr<base::Disco> disco;
     std::string ruta;
     std::unique_ptr<base::ArchivoAbierto> archivo;
+    ReadOnlyCause cause = ReadOnlyCause::None;
     std::string motivo;        // empty: open for writing
     bool hay_bloqueos = true;  // the disk has locks
     std::optional<LectorDeDiario>

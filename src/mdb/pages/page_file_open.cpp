@@ -22,7 +22,7 @@ class Apertura {
       LeerPrimera();
       MirarFormato();
     }
-    if (solo_lectura) a_.motivo = "La base se abrió solo para leer";
+    if (solo_lectura) Refuse(ReadOnlyCause::Asked, "La base se abrió solo para leer");
     if (!a_.motivo.empty()) AbrirParaLeer();
     const std::uint64_t paginas = a_.capa ? a_.capa->Datos().antes : a_.largo / cabecera_.tamano_pagina;
     return std::unique_ptr<PaginasDeArchivo>(
@@ -30,34 +30,44 @@ class Apertura {
   }
 
  private:
+  static constexpr const char* kCannot = "No se puede escribir en la base: ";
+  static constexpr const char* kInUse = "Otro programa tiene abierta la base";
+
+  void Refuse(ReadOnlyCause cause, std::string text) {
+    a_.cause = cause;
+    a_.motivo = std::move(text);
+  }
+
   // Leaves the file open with the writer's lock, or closed with the reason why it cannot be had.
   void AbrirParaEscribir() {
     try {
       a_.archivo = a_.disco->Abrir(a_.ruta, base::ModoArchivo::Escritura);
-      if (!BloquearEscritor(*a_.disco, *a_.archivo)) a_.motivo = "Otro programa tiene abierta la base";
+      if (!BloquearEscritor(*a_.disco, *a_.archivo)) Refuse(ReadOnlyCause::InUse, kInUse);
     } catch (const base::ErrorDeDisco& e) {
-      a_.motivo = MotivoDe(e);
+      RefuseFor(e);
     }
     if (a_.motivo.empty() || en_uso_) {
       const std::string quien = QuienLaTieneAbierta(*a_.disco, a_.ruta);
-      if (!quien.empty()) a_.motivo = "No se puede escribir en la base: " + quien;
+      if (!quien.empty()) Refuse(ReadOnlyCause::Denied, kCannot + quien);
     }
     if (a_.motivo.empty() && !a_.disco->CarpetaAdmiteNuevos(a_.ruta))
-      a_.motivo = "No se puede escribir en la base: no hay permiso para crear archivos en su carpeta";
+      Refuse(ReadOnlyCause::Denied,
+             std::string(kCannot) + "no hay permiso para crear archivos en su carpeta");
     if (!a_.motivo.empty()) a_.archivo.reset();
   }
 
-  std::string MotivoDe(const base::ErrorDeDisco& e) {
+  void RefuseFor(const base::ErrorDeDisco& e) {
     switch (e.Falla()) {
       case base::FallaDisco::SinPermiso:
-        return "No se puede escribir en la base: su archivo es de solo lectura, o no hay permiso";
+        return Refuse(ReadOnlyCause::Denied,
+                      std::string(kCannot) + "su archivo es de solo lectura, o no hay permiso");
       case base::FallaDisco::SoloLectura:
-        return "No se puede escribir en la base: su disco es de solo lectura";
+        return Refuse(ReadOnlyCause::Denied, std::string(kCannot) + "su disco es de solo lectura");
       case base::FallaDisco::EnUso:
         en_uso_ = true;
-        return "Otro programa tiene abierta la base";
+        return Refuse(ReadOnlyCause::InUse, kInUse);
       case base::FallaDisco::NoAdmitido:
-        return "No se puede escribir en la base: su disco no permite bloquear archivos";
+        return Refuse(ReadOnlyCause::Denied, std::string(kCannot) + "su disco no permite bloquear archivos");
       default:
         throw;
     }
@@ -124,15 +134,16 @@ class Apertura {
     if (a_.largo < cabecera_.tamano_pagina)
       throw base::StorageFault("El archivo es demasiado corto para ser una base de Access");
     if (a_.largo % cabecera_.tamano_pagina != 0 && !a_.capa && a_.motivo.empty())
-      a_.motivo = "El archivo termina a mitad de una página: le falta una parte";
+      Refuse(ReadOnlyCause::Incomplete, "El archivo termina a mitad de una página: le falta una parte");
   }
 
   // What is only read, whoever asks.
   void MirarFormato() {
     if (!a_.motivo.empty()) return;
-    if (cabecera_.version == Version::Jet3) a_.motivo = "Las bases de Access 97 solo se leen";
+    if (cabecera_.version == Version::Jet3)
+      Refuse(ReadOnlyCause::Format, "Las bases de Access 97 solo se leen");
     if (cabecera_.version == Version::Ace)
-      a_.motivo = "Las bases .accdb (Access 2007 y posteriores) solo se leen";
+      Refuse(ReadOnlyCause::Format, "Las bases .accdb (Access 2007 y posteriores) solo se leen");
   }
 
   PaginasDeArchivo::Abierto a_;

@@ -71,12 +71,6 @@ void Paginas::Volver(Punto punto) {
   cantidad_ = punto.cantidad;
 }
 
-void Paginas::PonerCabecera(Cabecera cabecera, NumPagina cantidad) {
-  cabecera_ = std::move(cabecera);
-  guardadas_ = cantidad_ = cantidad;
-  limpias_.clear();
-}
-
 PaginasEnMemoria::PaginasEnMemoria(Cabecera cabecera, Bytes bytes)
     : Paginas(cabecera, static_cast<NumPagina>(bytes.size() / cabecera.tamano_pagina)),
       bytes_(std::move(bytes)) {}

@@ -4,6 +4,7 @@
 // handed out by Leer never changes: a page that is modified while somebody holds its image is copied first.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 
@@ -12,6 +13,17 @@
 namespace mdb {
 
 using Imagen = std::shared_ptr<const Bytes>;
+
+// Why nothing may be written into a file.
+enum class ReadOnlyCause : std::uint8_t {
+  None,
+  Asked,       // it was opened for reading
+  Format,      // of a kind that is only read
+  Incomplete,  // the end of the file is missing
+  InUse,       // by a program that does not say who it is
+  Denied,      // the system, or a program that says who it is, does not let us
+  Broken       // a commit failed half-way
+};
 
 class Paginas {
  public:
@@ -36,6 +48,7 @@ class Paginas {
 
   // Why nothing may be written; empty when it may.
   const std::string& MotivoSoloLectura() const { return motivo_; }
+  ReadOnlyCause WhyReadOnly() const { return cause_; }
   bool HayCambios() const { return !cambiadas_.empty(); }
   // Whether another program has committed into a file that is only read since it was opened, or has put
   // another file in its place: what was read from it is then of the past, and more may not be had.
@@ -60,12 +73,14 @@ class Paginas {
   // Writes the pages (plain bytes) and makes the file `cantidad` pages long, all or nothing; throws
   // base::Error. `antes` is the length in pages at the last commit.
   virtual void Volcar(const Cambiadas& cambiadas, NumPagina antes, NumPagina cantidad) = 0;
-  void PonerSoloLectura(std::string motivo) { motivo_ = std::move(motivo); }
-  void PonerCabecera(Cabecera cabecera, NumPagina cantidad);
-  void OlvidarImagenes() { limpias_.clear(); }
+  void PonerSoloLectura(ReadOnlyCause cause, std::string motivo) {
+    cause_ = cause;
+    motivo_ = std::move(motivo);
+  }
 
  private:
   Cabecera cabecera_;
+  ReadOnlyCause cause_ = ReadOnlyCause::None;
   std::string motivo_;
   Cambiadas cambiadas_;
   std::unordered_map<NumPagina, Imagen> limpias_;

@@ -60,6 +60,7 @@ class Base {
   const Cabecera& Cab() const { return paginas_->Cab(); }
   const Catalogo& Indice() const { return catalogo_; }
   const std::string& MotivoSoloLectura() const { return paginas_->MotivoSoloLectura(); }
+  ReadOnlyCause WhyReadOnly() const { return paginas_->WhyReadOnly(); }
 
   // Rows. The definition is read anew for each call, so that counters and maps are those of the pages.
   std::vector<IdFila> Aplicar(std::string_view tabla, const Cambios& cambios);
