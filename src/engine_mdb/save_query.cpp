@@ -15,23 +15,8 @@ using jetsql::Rama;
 using jetsql::Seleccion;
 using jetsql::TipoUnion;
 
-// Attributes of the rows, and the options of the row of that name.
-enum Atributo : std::uint8_t {
-  kInicio = 0,
-  kClase = 1,
-  kOpciones = 3,
-  kFuente = 5,
-  kColumna = 6,
-  kUnion = 7,
-  kDonde = 8,
-  kGrupo = 9,
-  kTeniendo = 10,
-  kOrden = 11,
-  kFin = 255
-};
-constexpr std::int16_t kTodos = 1, kDistintos = 2, kFilasDistintas = 8, kTope = 16, kPorCiento = 32;
-constexpr std::int16_t kDeSeleccion = 1, kDeUnion = 9;  // of the kind's row
-constexpr std::uint32_t kBanderaDeUnion = 0x80;         // of the object
+namespace codes = mdb::query_codes;
+
 // What Access calls a derived table that has no name, and the sides of a union.
 constexpr const char* kSinAlias = "%$##@_Alias";
 constexpr const char* kLadoUno = "X7YZ_____1";
@@ -57,7 +42,7 @@ class Descomposicion {
  public:
   Descomposicion(std::string nombre, jetsql::Catalogo& catalogo) : catalogo_(catalogo) {
     consulta_.nombre = std::move(nombre);
-    Fila(kInicio).bandera = 0;
+    Fila(codes::kStart).bandera = 0;
   }
 
   mdb::ConsultaGuardada Hacer(const jetsql::Consulta& c) {
@@ -67,10 +52,10 @@ class Descomposicion {
     else
       Seleccionar(c.partes[0]);
     for (const auto& o : c.orden) {
-      mdb::FilaDeConsulta& f = Fila(kOrden, jetsql::Imprimir(*o.expr));
+      mdb::FilaDeConsulta& f = Fila(codes::kOrder, jetsql::Imprimir(*o.expr));
       if (o.descendente) f.nombre1 = "D";
     }
-    Fila(kFin);
+    Fila(codes::kEnd);
     return std::move(consulta_);
   }
 
@@ -88,27 +73,27 @@ class Descomposicion {
 
   // The last SELECT, and before it all the others as one text.
   void Unir(const jetsql::Consulta& c) {
-    consulta_.banderas = kBanderaDeUnion;
-    Fila(kClase).bandera = kDeUnion;
-    Fila(kOpciones).bandera = c.todas.back() ? kTodos : kDistintos;
+    consulta_.banderas = mdb::ObjectFlagsOf(mdb::ClaseConsulta::Union);
+    Fila(codes::kKind).bandera = mdb::CodeOf(mdb::ClaseConsulta::Union);
+    Fila(codes::kOptions).bandera = c.todas.back() ? codes::kAll : codes::kDistinct;
     std::string antes;
     for (std::size_t i = 0; i + 1 < c.partes.size(); ++i) {
       if (i > 0) antes += c.todas[i - 1] ? " UNION ALL " : " UNION ";
       antes += jetsql::Imprimir(c.partes[i]);
     }
-    Fila(kFuente, antes).nombre2 = kLadoUno;
-    Fila(kFuente, jetsql::Imprimir(c.partes.back())).nombre2 = kLadoDos;
+    Fila(codes::kSource, antes).nombre2 = kLadoUno;
+    Fila(codes::kSource, jetsql::Imprimir(c.partes.back())).nombre2 = kLadoDos;
   }
 
   void Seleccionar(const Seleccion& s) {
-    Fila(kClase).bandera = kDeSeleccion;
+    Fila(codes::kKind).bandera = mdb::CodeOf(mdb::ClaseConsulta::Seleccion);
     Opciones(s);
     for (const auto& rama : s.de) Fuentes(*rama);
     for (const auto& item : s.lista) Columna(s, item);
     for (const auto& rama : s.de) Uniones(*rama);
-    if (s.donde) Fila(kDonde, jetsql::Imprimir(*s.donde));
-    for (const auto& g : s.grupo) Fila(kGrupo, jetsql::Imprimir(*g));
-    if (s.teniendo) Fila(kTeniendo, jetsql::Imprimir(*s.teniendo));
+    if (s.donde) Fila(codes::kWhere, jetsql::Imprimir(*s.donde));
+    for (const auto& g : s.grupo) Fila(codes::kGroup, jetsql::Imprimir(*g));
+    if (s.teniendo) Fila(codes::kHaving, jetsql::Imprimir(*s.teniendo));
   }
 
   static bool SoloTodos(const Seleccion& s) {
@@ -116,12 +101,12 @@ class Descomposicion {
   }
 
   void Opciones(const Seleccion& s) {
-    std::int16_t opciones = SoloTodos(s) ? kTodos : 0;
-    if (s.distincion == jetsql::Distincion::Distinct) opciones |= kDistintos;
-    if (s.distincion == jetsql::Distincion::DistinctRow) opciones |= kFilasDistintas;
-    if (s.tope) opciones |= kTope;
-    if (s.tope && s.tope_por_ciento) opciones |= kPorCiento;
-    mdb::FilaDeConsulta& f = Fila(kOpciones);
+    std::int16_t opciones = SoloTodos(s) ? codes::kAll : 0;
+    if (s.distincion == jetsql::Distincion::Distinct) opciones |= codes::kDistinct;
+    if (s.distincion == jetsql::Distincion::DistinctRow) opciones |= codes::kDistinctRows;
+    if (s.tope) opciones |= codes::kTop;
+    if (s.tope && s.tope_por_ciento) opciones |= codes::kPercent;
+    mdb::FilaDeConsulta& f = Fila(codes::kOptions);
     f.bandera = opciones;
     if (s.tope) f.nombre1 = jetsql::Imprimir(*s.tope);
   }
@@ -129,7 +114,7 @@ class Descomposicion {
   void Columna(const Seleccion& s, const jetsql::ItemLista& item) {
     if (SoloTodos(s)) return;
     if (item.expr) {
-      mdb::FilaDeConsulta& f = Fila(kColumna, jetsql::Imprimir(*item.expr));
+      mdb::FilaDeConsulta& f = Fila(codes::kColumn, jetsql::Imprimir(*item.expr));
       f.bandera = 0;
       if (!item.alias.empty()) f.nombre1 = item.alias;
       return;
@@ -140,14 +125,14 @@ class Descomposicion {
       e.nombre = item.calificador;
       todos = jetsql::Imprimir(e) + ".*";
     }
-    Fila(kColumna, todos).bandera = 0;
+    Fila(codes::kColumn, todos).bandera = 0;
   }
 
   void Fuentes(const Rama& rama) {
     std::vector<const jetsql::Fuente*> hojas;
     Hojas(rama, hojas);
     for (const jetsql::Fuente* h : hojas) {
-      mdb::FilaDeConsulta& f = Fila(kFuente);
+      mdb::FilaDeConsulta& f = Fila(codes::kSource);
       if (h->consulta) {
         f.expresion = jetsql::Imprimir(*h->consulta);
         f.nombre2 = h->alias.empty() ? kSinAlias : h->alias;
@@ -172,10 +157,12 @@ class Descomposicion {
     else
       partes.push_back(rama.condicion.get());
     for (auto parte = partes.rbegin(); parte != partes.rend(); ++parte) {
-      mdb::FilaDeConsulta& f = Fila(kUnion, jetsql::Imprimir(**parte));
+      mdb::FilaDeConsulta& f = Fila(codes::kJoin, jetsql::Imprimir(**parte));
       f.nombre1 = LadoDe(**parte, izquierda);
       f.nombre2 = LadoDe(**parte, derecha);
-      f.bandera = rama.tipo == TipoUnion::Interna ? 1 : rama.tipo == TipoUnion::Izquierda ? 2 : 3;
+      f.bandera = rama.tipo == TipoUnion::Interna     ? codes::kInner
+                  : rama.tipo == TipoUnion::Izquierda ? codes::kLeft
+                                                      : codes::kRight;
     }
   }
 

@@ -6,6 +6,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "engine_mdb/cells_internal.h"
+#include "engine_mdb/query_text.h"
 #include "jetsql/parser.h"
 
 namespace engine_mdb {
@@ -157,10 +158,10 @@ const std::string* FuenteMdb::Consulta(std::string_view nombre) {
   if (objeto == nullptr || objeto->tipo != mdb::Objeto::Consulta) return nullptr;
   const mdb::ConsultaGuardada consulta = base_.Indice().ConsultaDe(nombre);
   const mdb::ClaseConsulta clase = mdb::ClaseDe(consulta);
-  if (!mdb::DaFilas(clase) && clase != mdb::ClaseConsulta::Cruzada)
-    throw base::Error("La consulta '" + objeto->nombre + "' es " + mdb::NombreDeClase(clase) +
+  if (!GivesRows(clase) && clase != mdb::ClaseConsulta::Cruzada)
+    throw base::Error("La consulta '" + objeto->nombre + "' es " + KindName(clase) +
                       ": no da filas y no se puede usar como tabla");
-  std::string texto = mdb::TextoDeConsulta(consulta);
+  std::string texto = QueryText(consulta);
   try {
     jetsql::Analizar(texto);
   } catch (const base::Error& e) {

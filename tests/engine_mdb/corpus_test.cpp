@@ -1,5 +1,6 @@
 // The files of Access beside the checkout: every table has its rows, every query answers or says why not, and
 // no file changes by being read.
+#include "engine_mdb/query_text.h"
 #include "mdb/rows/table.h"
 #include "mesa.h"
 
@@ -45,7 +46,7 @@ void Comprobar(const std::string& ruta) {
         else if (clase == mdb::ClaseConsulta::Cruzada)
           EXPECT_EQ(falla, "") << objeto.nombre;
         else
-          EXPECT_EQ(falla, "La consulta '" + objeto.nombre + "' es " + mdb::NombreDeClase(clase) +
+          EXPECT_EQ(falla, "La consulta '" + objeto.nombre + "' es " + engine_mdb::KindName(clase) +
                                ": no da filas y no se puede usar como tabla");
       }
     }

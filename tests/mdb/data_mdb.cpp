@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "base/text.h"
+#include "engine_mdb/query_text.h"
 #include "mdb/catalog/catalog.h"
 #include "mdb/pages/text.h"
 #include "mdb/rows/table.h"
@@ -95,7 +96,7 @@ mdb::ConsultaGuardada Consulta(const Bloque& b) {
 std::string TextoDeClase(const Bloque& b) {
   return ConError([&] {
     const auto clase = mdb::ClaseDe(Consulta(b));
-    return std::string(mdb::NombreDeClase(clase)) + (mdb::DaFilas(clase) ? ", gives rows" : "");
+    return std::string(engine_mdb::KindName(clase)) + (engine_mdb::GivesRows(clase) ? ", gives rows" : "");
   });
 }
 
@@ -191,7 +192,7 @@ std::string Propiedades(const Bloque& b) {
 support::Verbos Preparar() {
   support::Verbos v;
   v["query"] = [](const Bloque& b) {
-    return ConError([&] { return support::Escapado(mdb::TextoDeConsulta(Consulta(b))); });
+    return ConError([&] { return support::Escapado(engine_mdb::QueryText(Consulta(b))); });
   };
   v["kind"] = TextoDeClase;
   v["decimal"] = [](const Bloque& b) {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <random>
 
+#include "engine_mdb/query_text.h"
 #include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/pages/page_map.h"
@@ -59,7 +60,7 @@ Cuenta LeerTodo(const mdb::Bytes& bytes) {
       Intentar(cuenta, [&] { mdb::LeerPropiedades(cabecera, o.propiedades); });
       if (o.tipo == mdb::Objeto::Tabla) Intentar(cuenta, [&] { LeerTabla(paginas, o, cuenta); });
       if (o.tipo == mdb::Objeto::Consulta)
-        Intentar(cuenta, [&] { mdb::TextoDeConsulta(catalogo.ConsultaDe(o.nombre)); });
+        Intentar(cuenta, [&] { engine_mdb::QueryText(catalogo.ConsultaDe(o.nombre)); });
     }
   });
   return cuenta;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "engine_mdb/query_text.h"
 #include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
 #include "mdb/exported.h"
@@ -107,7 +108,7 @@ TEST_P(EverySample, GivesPropertiesRelationshipsQueriesAndLinks) {
     EXPECT_EQ(r->banderas, put.flags);
   }
   for (const auto& [name, text] : Put().query_texts)
-    EXPECT_EQ(mdb::TextoDeConsulta(catalog_.ConsultaDe(name)), text) << name;
+    EXPECT_EQ(engine_mdb::QueryText(catalog_.ConsultaDe(name)), text) << name;
   for (const assembler::Link& put : Put().file.links) {
     const mdb::Objeto* o = catalog_.Buscar(put.name);
     ASSERT_NE(o, nullptr) << put.name;

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "base/text.h"
+#include "engine_mdb/query_text.h"
 #include "jetsql/parser.h"
 #include "mdb/catalog/catalog.h"
 #include "mdb/corpus.h"
@@ -74,7 +75,7 @@ TEST(ConsultaGuardada, EveryQueryOfTheCorpusHasItsText) {
   const auto cuantas = CadaConsulta([](const std::string&, const mdb::ConsultaGuardada& q) {
     const auto it = kTextos.find(q.nombre);
     ASSERT_NE(it, kTextos.end());
-    EXPECT_EQ(mdb::TextoDeConsulta(q), it->second);
+    EXPECT_EQ(engine_mdb::QueryText(q), it->second);
   });
   EXPECT_EQ(cuantas, 38U);
 }
@@ -86,7 +87,7 @@ TEST(ConsultaGuardada, WhatGivesRowsParses) {
     const auto clase = mdb::ClaseDe(q);
     // A pass-through is another program's language; a deletion that lists columns is not of our dialect.
     if (clase == mdb::ClaseConsulta::Directa || clase == mdb::ClaseConsulta::Eliminar) return;
-    EXPECT_NO_THROW(jetsql::Analizar(mdb::TextoDeConsulta(q), jetsql::Literales::EnTexto));
+    EXPECT_NO_THROW(jetsql::Analizar(engine_mdb::QueryText(q), jetsql::Literales::EnTexto));
     ++leidas;
   });
   EXPECT_GT(leidas, 20U);
@@ -101,7 +102,7 @@ TEST(ConsultaGuardada, ConditionsAreThoseOfMdbtools) {
   CadaConsulta([&](const std::string& ruta, const mdb::ConsultaGuardada& q) {
     std::string suyo = mdb_test::Salida("mdb-queries " + mdb_test::Entrecomillado(ruta) + " " +
                                         mdb_test::Entrecomillado(q.nombre) + " 2>/dev/null");
-    const std::string nuestro = mdb::TextoDeConsulta(q);
+    const std::string nuestro = engine_mdb::QueryText(q);
     const auto orden = suyo.rfind(" ORDER BY ");
     if (orden != std::string::npos) {
       EXPECT_TRUE(base::Contiene(nuestro, base::Trim(base::Reemplazar(suyo.substr(orden), "\n", ""))));
@@ -184,7 +185,7 @@ TEST(ConsultaGuardada, AnyTreeOfJoinsComesBack) {
     ArbolAlAzar arbol(semilla);
     arbol.consulta.filas.push_back({3, 1, {}, {}, {}, std::int16_t{1}, {}});
     std::shuffle(arbol.consulta.filas.begin(), arbol.consulta.filas.end(), std::mt19937(semilla));
-    const std::string texto = mdb::TextoDeConsulta(arbol.consulta);
+    const std::string texto = engine_mdb::QueryText(arbol.consulta);
     EXPECT_EQ(texto, "SELECT * FROM " + arbol.texto);
     EXPECT_NO_THROW(jetsql::Analizar(texto));
   }
@@ -196,18 +197,18 @@ TEST(ConsultaGuardada, TooManyJoinsAreRefused) {
   q.filas.push_back({5, 2, "B", {}, {}, {}, {}});
   q.filas.push_back({6, 1, {}, {}, "1", {}, {}});
   for (std::uint32_t i = 0; i < 2000; ++i) q.filas.push_back({7, i, "A", "B", "A.x = B.x", {}, {}});
-  EXPECT_NO_THROW(mdb::TextoDeConsulta(q));
+  EXPECT_NO_THROW(engine_mdb::QueryText(q));
   q.filas.push_back({7, 2000, "A", "B", "A.x = B.x", {}, {}});
-  EXPECT_THROW(mdb::TextoDeConsulta(q), base::Error);
+  EXPECT_THROW(engine_mdb::QueryText(q), base::Error);
 }
 
 TEST(ConsultaGuardada, TooManySourcesAreRefused) {
   mdb::ConsultaGuardada q{"Q", 0, {}};
   for (std::uint32_t i = 0; i < 256; ++i) q.filas.push_back({5, i, "T" + std::to_string(i), {}, {}, {}, {}});
   q.filas.push_back({6, 1, {}, {}, "1", {}, {}});
-  EXPECT_THROW(mdb::TextoDeConsulta(q), base::Error);
+  EXPECT_THROW(engine_mdb::QueryText(q), base::Error);
   q.filas.erase(q.filas.begin());
-  EXPECT_NO_THROW(mdb::TextoDeConsulta(q));
+  EXPECT_NO_THROW(engine_mdb::QueryText(q));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "engine_mdb/query_text.h"
 #include "mdb/exported.h"
 #include "mdb/queries/saved_query.h"
 #include "mdb/samples.h"
@@ -49,7 +50,7 @@ TEST(CrearConsulta, QueriesOfOthersComeBackAsTheyWere) {
       SCOPED_TRACE(nombre);
       const auto suya = original.Indice().ConsultaDe(nombre), nuestra = b->Indice().ConsultaDe(nombre);
       EXPECT_EQ(nuestra.banderas, suya.banderas);
-      EXPECT_EQ(mdb::TextoDeConsulta(nuestra), mdb::TextoDeConsulta(suya));
+      EXPECT_EQ(engine_mdb::QueryText(nuestra), engine_mdb::QueryText(suya));
       EXPECT_EQ(Mdbtools("mdb-queries", "", b.Guardado(), Entrecomillado(nombre)),
                 Mdbtools("mdb-queries", "", bytes, Entrecomillado(nombre)));
       ++cuantas;

@@ -1,315 +1,41 @@
 #include "mdb/queries/saved_query.h"
 
-#include <algorithm>
-#include <array>
-#include <tuple>
-
 #include "base/error.h"
-#include "mdb/queries/saved_query_internal.h"
 
 namespace mdb {
 namespace {
 
-using internal::Citar;
-using internal::SinCola;
-
-constexpr int kTodos = 1, kDistintos = 2, kDelDueno = 4, kFilasDistintas = 8, kTope = 16, kPorCiento = 32;
-constexpr std::int16_t kDeValores = -32768;
-constexpr std::int16_t kPivote = 1, kEncabezadoDeFila = 2;  // of a crosstab's columns and groups
-
-using Rango = std::span<const FilaDeConsulta>;
-
-const char* TipoDeParametro(std::int16_t tipo) {
-  static constexpr std::array<const char*, 16> kTipos = {
-      "Value",    "Bit",    "Byte", "Short",      "Long",  "Currency", "IEEESingle", "IEEEDouble",
-      "DateTime", "Binary", "Text", "LongBinary", nullptr, nullptr,    nullptr,      "Guid"};
-  const char* nombre = tipo >= 0 && tipo < 16 ? kTipos[static_cast<std::size_t>(tipo)] : nullptr;
-  if (nombre == nullptr) throw base::Error("La consulta tiene un parámetro de un tipo que no se conoce");
-  return nombre;
-}
-
-std::string DeOtraBase(const std::optional<std::string>& ruta, const std::optional<std::string>& tipo) {
-  std::string texto;
-  if (ruta && !ruta->empty()) texto += " IN '" + *ruta + "'";
-  if (tipo && !tipo->empty()) texto += (texto.empty() ? " IN '' [" : " [") + *tipo + "]";
-  return texto;
-}
-
-class Redactor {
- public:
-  explicit Redactor(const ConsultaGuardada& consulta) : filas_(consulta.filas) {
-    std::stable_sort(filas_.begin(), filas_.end(), [](const FilaDeConsulta& a, const FilaDeConsulta& b) {
-      return std::tie(a.atributo, a.orden) < std::tie(b.atributo, b.orden);
-    });
-    for (const auto& f : De(internal::kOpciones)) {
-      opciones_ |= f.bandera.value_or(0);
-      if (f.nombre1) tope_ = *f.nombre1;
-    }
-  }
-
-  std::string Texto(ClaseConsulta clase) const {
-    switch (clase) {
-      case ClaseConsulta::Definicion:
-      case ClaseConsulta::Directa:
-        return Expresion(internal::kClase, "La consulta no tiene texto");
-      case ClaseConsulta::Union:
-        return Parametros() + DeUnion() + Final();
-      case ClaseConsulta::Cruzada:
-        return Parametros() + Cruzada() + Final();
-      case ClaseConsulta::Actualizar:
-        return Parametros() + "UPDATE " + DistincionDeFilas() + Fuentes() + " SET " + Asignaciones() +
-               Donde() + Final();
-      case ClaseConsulta::Eliminar:
-        return Parametros() + "DELETE " + DistincionDeFilas() + Columnas(De(internal::kColumna), true) +
-               " FROM " + Fuentes() + Donde() + Final();
-      case ClaseConsulta::Agregar:
-        return Parametros() + Agregar() + Final();
-      case ClaseConsulta::CrearTabla:
-        return Parametros() + Seleccion(" INTO " + Destino()) + Final();
-      case ClaseConsulta::Seleccion:
-        break;
-    }
-    return Parametros() + Seleccion("") + Final();
-  }
-
- private:
-  Rango De(std::uint8_t atributo) const {
-    const auto primera =
-        std::find_if(filas_.begin(), filas_.end(), [=](const auto& f) { return f.atributo == atributo; });
-    const auto fin =
-        std::find_if(primera, filas_.end(), [=](const auto& f) { return f.atributo != atributo; });
-    return Rango(primera, fin);
-  }
-  bool Con(int opcion) const { return (opciones_ & opcion) != 0; }
-
-  // The expression of the only row of an attribute; with a reason, its absence is an error.
-  std::string Expresion(std::uint8_t atributo, const char* motivo = nullptr) const {
-    const Rango filas = De(atributo);
-    std::string texto;
-    if (!filas.empty()) texto = SinCola(filas.front().expresion.value_or(""));
-    if (texto.empty() && motivo != nullptr) throw base::Error(motivo);
-    return texto;
-  }
-
-  // "parte, parte, …" of the rows that `elige` takes.
-  template <typename Parte>
-  static std::string Lista(Rango filas, Parte&& parte) {
-    std::string texto;
-    for (const auto& f : filas) {
-      const std::string una = parte(f);
-      if (!una.empty()) texto += (texto.empty() ? "" : ", ") + una;
-    }
-    return texto;
-  }
-
-  static std::string TextoDeExpresion(const FilaDeConsulta& f) {
-    std::string texto(SinCola(f.expresion.value_or("")));
-    if (texto.empty()) throw base::Error("La consulta tiene una columna vacía");
-    return texto;
-  }
-  static std::string Columna(const FilaDeConsulta& f) {
-    std::string texto = TextoDeExpresion(f);
-    if (f.nombre1 && !f.nombre1->empty()) texto += " AS " + Citar(*f.nombre1);
-    return texto;
-  }
-
-  std::string Columnas(Rango filas, bool todas_si_no_hay = false) const {
-    std::string texto = Lista(filas, Columna);
-    if (Con(kTodos) || (texto.empty() && todas_si_no_hay)) texto += texto.empty() ? "*" : ", *";
-    if (texto.empty()) throw base::Error("La consulta no tiene columnas");
-    return texto;
-  }
-
-  std::string Parametros() const {
-    const std::string lista = Lista(De(internal::kParametro), [](const FilaDeConsulta& f) {
-      std::string uno = Citar(f.nombre1.value_or("")) + " " + TipoDeParametro(f.bandera.value_or(0));
-      if (f.extra.value_or(0) > 0) uno += " (" + std::to_string(*f.extra) + ")";
-      return uno;
-    });
-    return lista.empty() ? "" : "PARAMETERS " + lista + "; ";
-  }
-
-  std::string Fuentes() const {
-    std::string texto = internal::TextoDeFuentes(De(internal::kFuente), De(internal::kUnion));
-    if (const Rango externa = De(internal::kBaseExterna); !externa.empty())
-      texto += DeOtraBase(externa.front().nombre1, externa.front().expresion);
-    return texto;
-  }
-
-  std::string Clausula(const char* palabra, std::uint8_t atributo) const {
-    const std::string expresion = Expresion(atributo);
-    return expresion.empty() ? "" : palabra + expresion;
-  }
-  std::string Donde() const { return Clausula(" WHERE ", internal::kDonde); }
-
-  std::string Grupo(bool cruzada) const {
-    const std::string lista = Lista(De(internal::kGrupo), [&](const FilaDeConsulta& f) {
-      const bool fuera = cruzada && f.bandera.value_or(0) == kPivote;
-      return fuera ? std::string() : TextoDeExpresion(f);
-    });
-    return lista.empty() ? "" : " GROUP BY " + lista;
-  }
-
-  std::string Orden() const {
-    const std::string lista = Lista(De(internal::kOrden), [](const FilaDeConsulta& f) {
-      const bool descendente = f.nombre1 && (*f.nombre1 == "D" || *f.nombre1 == "d");
-      return TextoDeExpresion(f) + (descendente ? " DESC" : "");
-    });
-    return lista.empty() ? "" : " ORDER BY " + lista;
-  }
-
-  std::string Final() const { return Con(kDelDueno) ? " WITH OWNERACCESS OPTION" : ""; }
-  std::string DistincionDeFilas() const { return Con(kFilasDistintas) ? "DISTINCTROW " : ""; }
-
-  std::string Predicado() const {
-    std::string texto;
-    if (Con(kDistintos)) texto += "DISTINCT ";
-    texto += DistincionDeFilas();
-    if (Con(kTope)) {
-      if (tope_.empty()) throw base::Error("La consulta no dice cuántas filas da");
-      texto += "TOP " + tope_ + (Con(kPorCiento) ? " PERCENT " : " ");
-    }
-    return texto;
-  }
-
-  std::string CuerpoDesde(bool cruzada) const {
-    const std::string fuentes = Fuentes();
-    return (fuentes.empty() ? "" : " FROM " + fuentes) + Donde() + Grupo(cruzada) +
-           Clausula(" HAVING ", internal::kTeniendo) + Orden();
-  }
-
-  std::string Seleccion(const std::string& destino) const {
-    return "SELECT " + Predicado() + Columnas(De(internal::kColumna)) + destino + CuerpoDesde(false);
-  }
-
-  std::string Destino() const {
-    const Rango filas = De(internal::kClase);
-    if (filas.empty() || filas.front().nombre1.value_or("").empty())
-      throw base::Error("La consulta no dice en qué tabla escribe");
-    const auto& f = filas.front();
-    return Citar(*f.nombre1) + DeOtraBase(f.nombre2, f.expresion);
-  }
-
-  std::string Agregar() const {
-    const Rango columnas = De(internal::kColumna);
-    std::string texto = "INSERT INTO " + Destino();
-    const std::string nombres = Lista(columnas, [](const FilaDeConsulta& f) {
-      return f.nombre2 && !f.nombre2->empty() ? internal::CitarCompuesto(*f.nombre2) : std::string();
-    });
-    if (!nombres.empty()) texto += " (" + nombres + ")";
-    const bool de_valores = !columnas.empty() && std::all_of(columnas.begin(), columnas.end(), [](auto& f) {
-      return f.bandera.value_or(0) == kDeValores;
-    });
-    if (de_valores) return texto + " VALUES (" + Lista(columnas, TextoDeExpresion) + ")";
-    return texto + " " + Seleccion("");
-  }
-
-  std::string Asignaciones() const {
-    const std::string lista = Lista(De(internal::kColumna), [](const FilaDeConsulta& f) {
-      if (!f.nombre2 || f.nombre2->empty()) throw base::Error("La consulta no dice qué columna cambia");
-      return internal::CitarCompuesto(*f.nombre2) + " = " + TextoDeExpresion(f);
-    });
-    if (lista.empty()) throw base::Error("La consulta no cambia ninguna columna");
-    return lista;
-  }
-
-  std::string DeUnion() const {
-    std::string texto;
-    for (const auto& f : De(internal::kFuente)) {
-      if (!texto.empty()) texto += Con(kDistintos) ? " UNION " : " UNION ALL ";
-      texto += TextoDeExpresion(f);
-    }
-    if (texto.empty()) throw base::Error("La consulta de unión no tiene partes");
-    return texto + Orden();
-  }
-
-  std::string Cruzada() const {
-    std::string valor, pivote;
-    std::vector<FilaDeConsulta> encabezados;
-    for (const auto& f : De(internal::kColumna)) {
-      switch (f.bandera.value_or(0)) {
-        case kEncabezadoDeFila:
-          encabezados.push_back(f);
-          break;
-        case kPivote:
-          pivote = Columna(f);
-          break;
-        default:
-          valor = Columna(f);
-      }
-    }
-    if (valor.empty() || pivote.empty())
-      throw base::Error("La consulta de referencias cruzadas no está completa");
-    return "TRANSFORM " + valor + " SELECT " + Predicado() + Columnas(encabezados) + CuerpoDesde(true) +
-           " PIVOT " + pivote;
-  }
-
-  std::vector<FilaDeConsulta> filas_;
-  int opciones_ = 0;
-  std::string tope_;
+struct Kind {
+  ClaseConsulta kind;
+  std::int16_t code;
+  std::uint32_t flags;
 };
+constexpr Kind kKinds[] = {
+    {ClaseConsulta::Seleccion, 1, 0},     {ClaseConsulta::CrearTabla, 2, 0x50},
+    {ClaseConsulta::Agregar, 3, 0x40},    {ClaseConsulta::Actualizar, 4, 0x30},
+    {ClaseConsulta::Eliminar, 5, 0x20},   {ClaseConsulta::Cruzada, 6, 0x10},
+    {ClaseConsulta::Definicion, 7, 0x60}, {ClaseConsulta::Directa, 8, 0x70},
+    {ClaseConsulta::Union, 9, 0x80},
+};
+
+const Kind& Of(ClaseConsulta kind) { return kKinds[static_cast<std::size_t>(kind)]; }
 
 }  // namespace
 
+std::int16_t CodeOf(ClaseConsulta kind) { return Of(kind).code; }
+
+std::uint32_t ObjectFlagsOf(ClaseConsulta kind) { return Of(kind).flags; }
+
 ClaseConsulta ClaseDe(const ConsultaGuardada& consulta) {
   for (const auto& f : consulta.filas) {
-    if (f.atributo != internal::kClase || !f.bandera) continue;
-    if (*f.bandera < 1 || *f.bandera > 9)
-      throw base::Error("La consulta \"" + consulta.nombre + "\" es de una clase que no se conoce");
-    return static_cast<ClaseConsulta>(*f.bandera - 1);
+    if (f.atributo != query_codes::kKind || !f.bandera) continue;
+    for (const Kind& k : kKinds)
+      if (k.code == *f.bandera) return k.kind;
+    throw base::Error("La consulta \"" + consulta.nombre + "\" es de una clase que no se conoce");
   }
-  switch (consulta.banderas & 0xF0) {
-    case 0x10:
-      return ClaseConsulta::Cruzada;
-    case 0x20:
-      return ClaseConsulta::Eliminar;
-    case 0x30:
-      return ClaseConsulta::Actualizar;
-    case 0x40:
-      return ClaseConsulta::Agregar;
-    case 0x50:
-      return ClaseConsulta::CrearTabla;
-    case 0x60:
-      return ClaseConsulta::Definicion;
-    case 0x70:
-      return ClaseConsulta::Directa;
-    case 0x80:
-      return ClaseConsulta::Union;
-    default:
-      return ClaseConsulta::Seleccion;
-  }
-}
-
-const char* NombreDeClase(ClaseConsulta clase) {
-  switch (clase) {
-    case ClaseConsulta::Seleccion:
-      return "de selección";
-    case ClaseConsulta::CrearTabla:
-      return "de creación de tabla";
-    case ClaseConsulta::Agregar:
-      return "de datos anexados";
-    case ClaseConsulta::Actualizar:
-      return "de actualización";
-    case ClaseConsulta::Eliminar:
-      return "de eliminación";
-    case ClaseConsulta::Cruzada:
-      return "de referencias cruzadas";
-    case ClaseConsulta::Definicion:
-      return "de definición de datos";
-    case ClaseConsulta::Directa:
-      return "de paso a través";
-    case ClaseConsulta::Union:
-      return "de unión";
-  }
-  return "";
-}
-
-bool DaFilas(ClaseConsulta clase) {
-  return clase == ClaseConsulta::Seleccion || clase == ClaseConsulta::Union;
-}
-
-std::string TextoDeConsulta(const ConsultaGuardada& consulta) {
-  return Redactor(consulta).Texto(ClaseDe(consulta));
+  for (const Kind& k : kKinds)
+    if (k.flags == (consulta.banderas & kKindBits)) return k.kind;
+  return ClaseConsulta::Seleccion;
 }
 
 }  // namespace mdb

@@ -1,12 +1,11 @@
-// Saved queries: rows of MSysQueries, and the SQL text that they stand for.
+// Saved queries: their rows of MSysQueries, and what the codes in them mean. What makes them of words, and
+// words of them, stands above.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "mdb/pages/bytes.h"
 
 namespace mdb {
 
@@ -36,13 +35,42 @@ struct ConsultaGuardada {
   std::vector<FilaDeConsulta> filas;  // in any order
 };
 
+namespace query_codes {
+
+// What a row is, by its attribute.
+enum Attribute : std::uint8_t {
+  kStart = 0,
+  kKind = 1,
+  kParameter = 2,
+  kOptions = 3,
+  kOtherBase = 4,
+  kSource = 5,
+  kColumn = 6,
+  kJoin = 7,
+  kWhere = 8,
+  kGroup = 9,
+  kHaving = 10,
+  kOrder = 11,
+  kEnd = 255
+};
+
+// Flags, together, of the row of options. In a union kAll keeps rows that are alike.
+inline constexpr std::int16_t kAll = 1, kDistinct = 2, kOwnerAccess = 4, kDistinctRows = 8, kTop = 16,
+                              kPercent = 32;
+// The flag of a column: of a crosstab, or of INSERT … VALUES.
+inline constexpr std::int16_t kPivot = 1, kRowHeading = 2, kOfValues = -32768;
+// The flag of a join.
+inline constexpr std::int16_t kInner = 1, kLeft = 2, kRight = 3;
+
+}  // namespace query_codes
+
+// The flag of the row of the kind.
+std::int16_t CodeOf(ClaseConsulta kind);
+// The bits of the object's flags that say the kind; the others are not its business.
+inline constexpr std::uint32_t kKindBits = 0xF0;
+std::uint32_t ObjectFlagsOf(ClaseConsulta kind);
+
+// By the row of the kind, else by the object's flags. Throws base::Error for a code that is none.
 ClaseConsulta ClaseDe(const ConsultaGuardada& consulta);
-// In Spanish, for messages: "de selección", "de creación de tabla", …
-const char* NombreDeClase(ClaseConsulta clase);
-// Whether it gives rows and takes no parameter of a form: what may stand in a FROM.
-bool DaFilas(ClaseConsulta clase);
-// The text of the query in the dialect, as its author would read it. Throws base::Error when the rows do not
-// make one.
-std::string TextoDeConsulta(const ConsultaGuardada& consulta);
 
 }  // namespace mdb

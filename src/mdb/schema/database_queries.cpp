@@ -7,34 +7,6 @@
 namespace mdb {
 namespace {
 
-constexpr std::uint8_t kComienzo = 0, kFin = 255;
-constexpr std::uint32_t kBitsDeClase = 0xF0;
-
-// What the object's flags say of the kind.
-std::uint32_t BanderasDe(ClaseConsulta clase) {
-  switch (clase) {
-    case ClaseConsulta::Seleccion:
-      return 0;
-    case ClaseConsulta::Cruzada:
-      return 0x10;
-    case ClaseConsulta::Eliminar:
-      return 0x20;
-    case ClaseConsulta::Actualizar:
-      return 0x30;
-    case ClaseConsulta::Agregar:
-      return 0x40;
-    case ClaseConsulta::CrearTabla:
-      return 0x50;
-    case ClaseConsulta::Definicion:
-      return 0x60;
-    case ClaseConsulta::Directa:
-      return 0x70;
-    case ClaseConsulta::Union:
-      return 0x80;
-  }
-  return 0;
-}
-
 // A row each for the start and the end, and a counter of its own for each row within its attribute.
 std::vector<FilaDeConsulta> FilasCompletas(const ConsultaGuardada& consulta) {
   std::vector<FilaDeConsulta> filas = consulta.filas;
@@ -46,8 +18,8 @@ std::vector<FilaDeConsulta> FilasCompletas(const ConsultaGuardada& consulta) {
     f.bandera = bandera;
     filas.push_back(std::move(f));
   };
-  asegurar(kComienzo, std::int16_t{0});
-  asegurar(kFin, std::nullopt);
+  asegurar(query_codes::kStart, std::int16_t{0});
+  asegurar(query_codes::kEnd, std::nullopt);
   std::array<std::uint32_t, 256> ultimo{};
   for (const auto& f : filas) ultimo[f.atributo] = std::max(ultimo[f.atributo], f.orden);
   for (auto& f : filas)
@@ -95,7 +67,7 @@ void Base::CrearConsulta(const ConsultaGuardada& consulta, base::Fecha ahora) {
   objeto.padre = kContenedorTablas;
   objeto.nombre = consulta.nombre;
   objeto.tipo = Objeto::Consulta;
-  objeto.banderas = (consulta.banderas & ~kBitsDeClase) | BanderasDe(ClaseDe(consulta));
+  objeto.banderas = (consulta.banderas & ~kKindBits) | ObjectFlagsOf(ClaseDe(consulta));
   internal::AgregarObjeto(*paginas_, catalogo_, objeto, ahora);
   AgregarFilas(*paginas_, objeto.id, consulta);
   intento.Cumplir();

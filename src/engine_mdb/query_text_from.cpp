@@ -3,9 +3,10 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "mdb/queries/saved_query_internal.h"
+#include "engine_mdb/query_text_internal.h"
+#include "jetsql/statement_kind.h"
 
-namespace mdb::internal {
+namespace engine_mdb::internal {
 namespace {
 
 // Access takes 32 tables; the bounds keep a damaged file from building a tree of any height or a condition of
@@ -18,12 +19,6 @@ std::string SinCorchetes(std::string_view nombre) {
   return std::string(nombre);
 }
 
-bool EsConsulta(std::string_view texto) {
-  for (const std::string_view palabra : {"SELECT", "TRANSFORM", "PARAMETERS", "TABLE ", "("})
-    if (base::EmpiezaCon(texto, palabra, base::Comparar::SinCaso)) return true;
-  return false;
-}
-
 // The text of a derived table, without the marks of the old spelling: [SELECT …].
 std::string_view SinMarcas(std::string_view texto) {
   texto = base::TrimVista(SinCola(texto));
@@ -33,10 +28,10 @@ std::string_view SinMarcas(std::string_view texto) {
   return texto;
 }
 
-std::string TextoDeFuente(const FilaDeConsulta& f) {
+std::string TextoDeFuente(const mdb::FilaDeConsulta& f) {
   std::string texto;
   const std::string expresion = f.expresion.value_or("");
-  if (const auto dentro = SinMarcas(expresion); EsConsulta(dentro)) {
+  if (const auto dentro = SinMarcas(expresion); jetsql::BeginsQuery(dentro)) {
     texto = "(" + std::string(dentro) + ")";
   } else {
     if (!dentro.empty()) texto = "[" + std::string(dentro) + "].";
@@ -73,11 +68,11 @@ struct Nodo {
 
 const char* TipoDeUnion(std::int16_t bandera) {
   switch (bandera) {
-    case 1:
+    case mdb::query_codes::kInner:
       return " INNER JOIN ";
-    case 2:
+    case mdb::query_codes::kLeft:
       return " LEFT JOIN ";
-    case 3:
+    case mdb::query_codes::kRight:
       return " RIGHT JOIN ";
     default:
       throw base::Error("La consulta une sus tablas de un modo que no se conoce");
@@ -86,7 +81,7 @@ const char* TipoDeUnion(std::int16_t bandera) {
 
 class Arbol {
  public:
-  explicit Arbol(std::span<const FilaDeConsulta> fuentes) {
+  explicit Arbol(std::span<const mdb::FilaDeConsulta> fuentes) {
     if (fuentes.size() > kMasFuentes) throw base::Error("La consulta tiene demasiadas tablas");
     for (const auto& f : fuentes) {
       auto hoja = std::make_unique<Nodo>();
@@ -98,7 +93,7 @@ class Arbol {
     }
   }
 
-  void Unir(const FilaDeConsulta& u) {
+  void Unir(const mdb::FilaDeConsulta& u) {
     const std::size_t a = Fuente(u.nombre1), b = Fuente(u.nombre2);
     if (a == b) throw base::Error("La consulta une una tabla con ella misma");
     const std::size_t ga = Grupo(a), gb = Grupo(b);
@@ -109,7 +104,7 @@ class Arbol {
       return;
     }
     auto nodo = std::make_unique<Nodo>();
-    nodo->tipo = TipoDeUnion(u.bandera.value_or(1));
+    nodo->tipo = TipoDeUnion(u.bandera.value_or(mdb::query_codes::kInner));
     nodo->condiciones.push_back(condicion);
     nodo->fuentes = grupos_[ga]->fuentes;
     nodo->fuentes.insert(nodo->fuentes.end(), grupos_[gb]->fuentes.begin(), grupos_[gb]->fuentes.end());
@@ -160,11 +155,12 @@ class Arbol {
 
 }  // namespace
 
-std::string TextoDeFuentes(std::span<const FilaDeConsulta> fuentes, std::span<const FilaDeConsulta> uniones) {
+std::string TextoDeFuentes(std::span<const mdb::FilaDeConsulta> fuentes,
+                           std::span<const mdb::FilaDeConsulta> uniones) {
   if (uniones.size() > kMasUniones) throw base::Error("La consulta tiene demasiadas uniones");
   Arbol arbol(fuentes);
   for (const auto& u : uniones) arbol.Unir(u);
   return arbol.Texto();
 }
 
-}  // namespace mdb::internal
+}  // namespace engine_mdb::internal

@@ -2,9 +2,9 @@
 #include <iterator>
 
 #include "base/text.h"
-#include "mdb/queries/saved_query_internal.h"
+#include "engine_mdb/query_text_internal.h"
 
-namespace mdb::internal {
+namespace engine_mdb::internal {
 namespace {
 
 // Words that a statement would read as its own. Sorted.
@@ -54,4 +54,4 @@ std::string_view SinCola(std::string_view texto) {
   return fin == std::string_view::npos ? std::string_view() : texto.substr(0, fin + 1);
 }
 
-}  // namespace mdb::internal
+}  // namespace engine_mdb::internal

@@ -8,22 +8,7 @@
 
 #include "mdb/queries/saved_query.h"
 
-namespace mdb::internal {
-
-// What the rows of MSysQueries are, by their attribute.
-enum Atributo : std::uint8_t {
-  kClase = 1,
-  kParametro = 2,
-  kOpciones = 3,
-  kBaseExterna = 4,
-  kFuente = 5,
-  kColumna = 6,
-  kUnion = 7,
-  kDonde = 8,
-  kGrupo = 9,
-  kTeniendo = 10,
-  kOrden = 11
-};
+namespace engine_mdb::internal {
 
 // A name as it stands in a statement: in brackets where it would not read as one word.
 std::string Citar(std::string_view nombre);
@@ -34,6 +19,7 @@ std::string_view SinCola(std::string_view texto);
 
 // What follows FROM (or UPDATE): the sources joined pair by pair in the order of the join rows, the others in
 // a list. Throws base::Error for a join whose sides are not two of the sources.
-std::string TextoDeFuentes(std::span<const FilaDeConsulta> fuentes, std::span<const FilaDeConsulta> uniones);
+std::string TextoDeFuentes(std::span<const mdb::FilaDeConsulta> fuentes,
+                           std::span<const mdb::FilaDeConsulta> uniones);
 
-}  // namespace mdb::internal
+}  // namespace engine_mdb::internal
