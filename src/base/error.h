@@ -29,7 +29,6 @@ class Error : public std::exception {
   const std::string& Descripcion() const { return descripcion_; }
   const std::string& Fuente() const { return fuente_; }
   int Numero() const { return numero_; }
-  ErrorKind Kind() const { return kind_; }
   bool IsStorageFault() const { return kind_ == ErrorKind::Storage; }
 
  private:

@@ -17,18 +17,14 @@ class Consola final : public ports::Prompts, public ports::FilePicker {
   // Every message is printed: a night's log must not lack one. Lines of a message are joined with a blank.
   bool Mostrar(const ports::Aviso& aviso) override {
     err_ << base::Reemplazar(aviso.texto, base::kCrLf, " ") << '\n';
-    ++mensajes_;
     return false;
   }
   bool Confirmar(const std::string&) override { return true; }
   std::string AbrirArchivo(const std::string&, const std::string&, const std::string&) override { return {}; }
   std::int32_t ElegirColor(std::int32_t inicial) override { return inicial; }
 
-  std::size_t Mensajes() const { return mensajes_; }
-
  private:
   std::ostream& err_;
-  std::size_t mensajes_ = 0;
 };
 
 }  // namespace cli

@@ -12,8 +12,8 @@
 
 namespace db {
 
-// A statement that failed, or the storage under it (see Kind); the description is readable Spanish and says
-// what was asked when that helps.
+// A statement that failed, or the storage under it (see base::ErrorKind); the description is readable Spanish
+// and says what was asked when that helps.
 class Error : public base::Error {
  public:
   using base::Error::Error;

@@ -38,23 +38,14 @@ int Recordset::Posicion(std::string_view nombre) const {
 }
 
 const base::Valor& Recordset::Campo(std::size_t campo) const {
-  if (Eof()) throw Error("No hay ningún registro activo");
-  return En(campo, cursor_);
+  if (Vacio()) throw Error("No hay ningún registro activo");
+  return En(campo, 0);
 }
 
 const base::Valor& Recordset::Campo(std::string_view nombre) const {
   const int posicion = Posicion(nombre);
   if (posicion < 0) throw Error("No existe el campo \"" + std::string(nombre) + "\" en el resultado");
   return Campo(static_cast<std::size_t>(posicion));
-}
-
-std::vector<std::vector<base::Valor>> Recordset::GetRows() const {
-  std::vector<std::vector<base::Valor>> campos(ancho_);
-  for (std::size_t c = 0; c < ancho_; ++c) {
-    campos[c].reserve(filas_);
-    for (std::size_t f = 0; f < filas_; ++f) campos[c].push_back(En(c, f));
-  }
-  return campos;
 }
 
 }  // namespace db

@@ -1,4 +1,4 @@
-// All rows of a result, with a cursor. Rows are materialised when the statement runs; copying shares nothing.
+// All rows of a result. Rows are materialised when the statement runs; copying shares nothing.
 // A field or row that the result does not have is db::Error from every reader: an engine may answer with
 // fewer columns than it was asked for.
 #pragma once
@@ -38,15 +38,9 @@ class Recordset {
     return celdas_[fila * ancho_ + campo];
   }
 
-  // Cursor. At the end Campo throws db::Error.
-  bool Eof() const { return cursor_ >= filas_; }
-  void MoveFirst() { cursor_ = 0; }
-  void MoveNext() { ++cursor_; }
+  // Of the first row. Both throw db::Error when there is none, or no such column.
   const base::Valor& Campo(std::size_t campo) const;
-  const base::Valor& Campo(std::string_view nombre) const;  // throws db::Error when there is no such column
-
-  // All rows as (field, row): the first index is the field.
-  std::vector<std::vector<base::Valor>> GetRows() const;
+  const base::Valor& Campo(std::string_view nombre) const;
 
   // The SQL text it came from.
   const std::string& Fuente() const { return fuente_; }
@@ -59,7 +53,6 @@ class Recordset {
   std::string fuente_;
   std::size_t ancho_ = 0;
   std::size_t filas_ = 0;
-  std::size_t cursor_ = 0;
 };
 
 }  // namespace db

@@ -12,7 +12,6 @@ class BarraDeProgreso final : public QWidget {
   void Poner(float porcentaje);
   // The part inside the border that is filled.
   QRectF Lleno() const;
-  const std::array<QColor, 3>& Colores() const { return colores_; }
 
  protected:
   void paintEvent(QPaintEvent* evento) override;

@@ -28,22 +28,14 @@ TEST(Recordset, ColumnsAreFoundWhateverTheirCaseAndTheFirstOneWins) {
   EXPECT_EQ(r.Fuente(), "select");
 }
 
-TEST(Recordset, TheCursorWalksTheRows) {
-  Recordset r = DosFilas();
-  ASSERT_FALSE(r.Eof());
+TEST(Recordset, TheFirstRowIsReadByNameAndByPlace) {
+  const Recordset r = DosFilas();
   EXPECT_EQ(r.Campo("Id"), Valor(1));
   EXPECT_EQ(r.Campo("año"), Valor("uno"));
-  r.MoveNext();
-  EXPECT_EQ(r.Campo(0), Valor(2));
-  EXPECT_TRUE(r.Campo(1).EsNulo());
-  r.MoveNext();
-  EXPECT_TRUE(r.Eof());
-  EXPECT_THROW(r.Campo(0), db::Error);
-  EXPECT_THROW(r.Campo("Id"), db::Error);
-  r.MoveNext();  // beyond the end it stays at the end
-  EXPECT_TRUE(r.Eof());
-  r.MoveFirst();
-  EXPECT_EQ(r.Campo(0), Valor(1));
+  EXPECT_EQ(r.Campo(2), Valor("x"));
+  const Recordset none(Columnas(), {});
+  EXPECT_THROW(none.Campo(0), db::Error);
+  EXPECT_THROW(none.Campo("Id"), db::Error);
 }
 
 TEST(Recordset, AnUnknownColumnIsAnErrorThatNamesIt) {
@@ -57,25 +49,22 @@ TEST(Recordset, AnUnknownColumnIsAnErrorThatNamesIt) {
   }
 }
 
-TEST(Recordset, RowsAsFieldByRow) {
-  const auto filas = DosFilas().GetRows();
-  ASSERT_EQ(filas.size(), 3U);
-  ASSERT_EQ(filas[0].size(), 2U);
-  EXPECT_EQ(filas[0][1], Valor(2));
-  EXPECT_EQ(filas[2][0], Valor("x"));
+TEST(Recordset, CellsAreReadByFieldAndRow) {
+  const Recordset r = DosFilas();
+  ASSERT_EQ(r.Cantidad(), 2U);
+  EXPECT_EQ(r.En(0, 1), Valor(2));
+  EXPECT_TRUE(r.En(1, 1).EsNulo());
+  EXPECT_EQ(r.En(2, 0), Valor("x"));
 }
 
 TEST(Recordset, EmptyAndOfNoQuery) {
   const Recordset vacio(Columnas(), {});
   EXPECT_TRUE(vacio.Vacio());
-  EXPECT_TRUE(vacio.Eof());
-  EXPECT_EQ(vacio.GetRows().size(), 3U);
-  EXPECT_TRUE(vacio.GetRows()[0].empty());
+  EXPECT_EQ(vacio.Campos().size(), 3U);
   const Recordset nada;
   EXPECT_TRUE(nada.Vacio());
   EXPECT_TRUE(nada.Campos().empty());
   EXPECT_EQ(nada.Posicion("Id"), -1);
-  EXPECT_TRUE(nada.GetRows().empty());
   EXPECT_THROW(nada.Campo("Id"), db::Error);
 }
 
@@ -107,14 +96,6 @@ TEST(Recordset, CellsThatDoNotFillTheirRowsAreRefused) {
   EXPECT_EQ(Refused([] { Recordset(Columnas(), {1, "uno", "x", 2}); }), motivo + "4 valores para 3 campos");
   EXPECT_EQ(Refused([] { Recordset(nullptr, {1}); }), motivo + "1 valores para 0 campos");
   EXPECT_EQ(Recordset(nullptr, {}).Cantidad(), 0U);
-}
-
-TEST(Recordset, CopiesHaveTheirOwnCursor) {
-  Recordset r = DosFilas();
-  Recordset copia = r;
-  copia.MoveNext();
-  EXPECT_EQ(r.Campo(0), Valor(1));
-  EXPECT_EQ(copia.Campo(0), Valor(2));
 }
 
 }  // namespace

@@ -210,8 +210,10 @@ std::string Largo(std::uint32_t palabra, mdb::IdFila id, const std::vector<Ranur
                   std::uint32_t dueno = kLval) {
   Archivo a({PaginaDeDatos(dueno, piezas)});
   try {
-    const auto v = mdb::LeerValorLargo(a.paginas, Campo(palabra, id));
-    return {v.begin(), v.end()};
+    mdb::Columna column;
+    column.tipo = mdb::TipoColumna::Ole;
+    const auto value = std::get<mdb::Bytes>(mdb::Decodificar(a.paginas, column, Campo(palabra, id)));
+    return {value.begin(), value.end()};
   } catch (const mdb::Danio& d) {
     return d.Descripcion();
   }

@@ -156,10 +156,4 @@ Dato Decodificar(Paginas& paginas, const Columna& columna, Vista bytes) {
   return d;
 }
 
-Bytes LeerValorLargo(Paginas& paginas, Vista campo) {
-  Bytes valor;
-  ConValorLargo(paginas, campo, [&](Vista v) { valor.assign(v.begin(), v.end()); });
-  return valor;
-}
-
 }  // namespace mdb

@@ -33,7 +33,5 @@ std::optional<BytesDeFila> BuscarFila(Paginas& paginas, const Definicion& defini
 
 // From stored bytes to a value; long values are followed to their pages. Throws Danio.
 Dato Decodificar(Paginas& paginas, const Columna& columna, Vista bytes);
-// A long value's bytes from the 12 bytes (and what follows) that stand in the row.
-Bytes LeerValorLargo(Paginas& paginas, Vista campo);
 
 }  // namespace mdb
