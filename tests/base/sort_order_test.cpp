@@ -229,4 +229,14 @@ TEST(SiguientePunto, LeeUtf8YDejaPasarLosBytesSueltos) {
   EXPECT_EQ(todos("\xED\xA0\x80"), std::u32string({suelto(0xED), suelto(0xA0), suelto(0x80)}));  // surrogate
 }
 
+TEST(SortOrder, AnOrderIsNamedByItsLanguage) {
+  EXPECT_EQ(base::LanguageOf(Orden::General), 1033);
+  EXPECT_EQ(base::LanguageOf(Orden::EspanolModerno), 3082);
+  EXPECT_EQ(base::LanguageOf(Orden::EspanolTradicional), 1034);
+  for (const Orden order : {Orden::General, Orden::EspanolModerno, Orden::EspanolTradicional})
+    EXPECT_EQ(base::OrderOfLanguage(base::LanguageOf(order)), order);
+  EXPECT_EQ(base::OrderOfLanguage(0), std::nullopt);
+  EXPECT_EQ(base::OrderOfLanguage(1031), std::nullopt);
+}
+
 }  // namespace

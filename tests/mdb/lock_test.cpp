@@ -88,6 +88,7 @@ TEST(Bloqueo, ALiveLockFileOfAnotherProgramIsNamed) {
               "No se puede escribir en la base: está abierta en el equipo SUELDOS-2 (usuario Admin)");
     // Asked only to read, there is nothing to say about it.
     EXPECT_EQ(PaginasDeArchivo::Abrir(ruta, true)->MotivoSoloLectura(), "La base se abrió solo para leer");
+    EXPECT_EQ(PaginasDeArchivo::Abrir(ruta, true)->WhyReadOnly(), mdb::ReadOnlyCause::Asked);
   }
 }
 
@@ -217,6 +218,7 @@ TEST(Bloqueo, ADiskWithoutLocksIsOnlyRead) {
   disco->QuitarBloqueos();
   const auto p = PaginasDeArchivo::Abrir("a.mdb", false, disco);
   EXPECT_EQ(p->MotivoSoloLectura(), "No se puede escribir en la base: su disco no permite bloquear archivos");
+  EXPECT_EQ(p->WhyReadOnly(), mdb::ReadOnlyCause::Denied);
   EXPECT_EQ((*p->Leer(2))[0], 14);
 }
 

@@ -137,6 +137,7 @@ TEST(PaginasDeArchivo, OldAndNewFormatsAreOnlyRead) {
     const auto p = PaginasDeArchivo::Abrir(c.Escribir(nombre, OfSample(nombre)));
     EXPECT_THROW(p->Modificar(1), base::Error);
     EXPECT_EQ((*p->Leer(1))[0], 1);
+    EXPECT_EQ(p->WhyReadOnly(), mdb::ReadOnlyCause::Format);
     return p->MotivoSoloLectura();
   };
   EXPECT_EQ(motivo("queries97.mdb"), "Las bases de Access 97 solo se leen");
@@ -148,6 +149,7 @@ TEST(PaginasDeArchivo, AFileThatLostItsEndIsOnlyRead) {
   const std::string bytes(ComoTexto(BaseDeMuestra(4)));
   const auto p = PaginasDeArchivo::Abrir(c.Escribir("a.mdb", bytes.substr(0, 3 * 4096 + 100)));
   EXPECT_EQ(p->MotivoSoloLectura(), "El archivo termina a mitad de una página: le falta una parte");
+  EXPECT_EQ(p->WhyReadOnly(), mdb::ReadOnlyCause::Incomplete);
   EXPECT_EQ(p->Cantidad(), 3U);
   EXPECT_EQ((*p->Leer(2))[0], 14);
   EXPECT_THROW(p->Leer(3), mdb::Danio);
