@@ -5,6 +5,7 @@
 #include <limits>
 #include <type_traits>
 
+#include "base/currency.h"
 #include "base/error.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -76,10 +77,10 @@ mdb::Dato Simple(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
 }
 
 mdb::Dato Moneda(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
-  const double v = RealDe(columna, fila, indice) * 10000.0;
-  if (std::abs(v) >= 9.2233720368547748e18)
+  const double v = RealDe(columna, fila, indice);
+  if (std::abs(v) > 922337203685477.5807)
     throw base::Error("El número no cabe en el campo " + columna.nombre + ".", 6);
-  return base::Moneda{base::EnteroBancario(v)};
+  return base::CurrencyOf(v);
 }
 
 }  // namespace

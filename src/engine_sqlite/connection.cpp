@@ -1,6 +1,7 @@
 // From a text of the dialect to its rows.
 #include <cmath>
 
+#include "base/currency.h"
 #include "base/number.h"
 #include "engine_sqlite/connection_internal.h"
 #include "engine_sqlite/work_limit_internal.h"
@@ -86,7 +87,7 @@ base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
     case base::Tipo::Simple:
       return static_cast<float>(v);
     case base::Tipo::Moneda:
-      return base::Moneda{base::EnteroBancario(v * 10000.0)};
+      return base::CurrencyOf(v);
     case base::Tipo::Fecha:
       return base::Fecha{v};
     default:

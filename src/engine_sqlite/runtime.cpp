@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "base/currency.h"
 #include "base/dialect_number.h"
 #include "base/number.h"
 #include "engine_sqlite/runtime_internal.h"
@@ -277,7 +278,7 @@ base::Valor Llamada::Tipado(int i) const {
     case 'S':
       return static_cast<float>(sqlite3_value_double(v));
     case 'C':
-      return base::Moneda{base::EnteroBancario(sqlite3_value_double(v) * 10000.0)};
+      return base::CurrencyOf(sqlite3_value_double(v));
     default:
       break;
   }
