@@ -19,8 +19,6 @@
 
 namespace prueba {
 
-inline std::string Corpus() { return support::SharedDir() + "/mdb/corpus"; }
-
 class MesaMdb : public testing::Test {
  protected:
   MesaMdb() : ruta_(carpeta_.Ruta("Personal ñandú.mdb")) {}

@@ -3,7 +3,7 @@
 
 #include "base/text.h"
 #include "entorno.h"
-#include "support/source_dir.h"
+#include "mdb/samples.h"
 
 namespace {
 
@@ -179,84 +179,86 @@ class Archivos : public testing::Test {
  protected:
   void SetUp() override {
     if (std::string(IDM_ODBC_MDB).empty()) GTEST_SKIP() << "no mdbtools driver for ODBC (odbc-mdbtools)";
-    if (!std::filesystem::exists(kCarpeta)) GTEST_SKIP() << "no Access files in " << kCarpeta;
   }
-  static std::unique_ptr<db::Connection> Abrir(const std::string& archivo) {
-    return engine_odbc::Abrir("Driver=" IDM_ODBC_MDB ";DBQ=" + kCarpeta + archivo);
+  static std::unique_ptr<db::Connection> Open(const std::string& path) {
+    return engine_odbc::Abrir("Driver=" IDM_ODBC_MDB ";DBQ=" + path);
   }
-  inline static const std::string kCarpeta = support::SharedDir() + "/mdb/corpus/";
+  static std::unique_ptr<db::Connection> OpenSample(const std::string& name) {
+    return Open(mdb_test::SamplePath(name));
+  }
 };
 
-TEST_F(Archivos, UnaTablaConMonedaYFechas) {
-  const db::Recordset filas = Abrir("pivot.mdb")->Consultar("Select * From t_pivot");
-  // The driver gives a currency as a number.
-  EXPECT_EQ(support::Cabecera(filas), "c_cod:text|c_val:number|c_dt:date");
-  EXPECT_EQ(support::Filas(filas),
-            "paperino|4444|2013-05-30 13:18:14\npiero|33|2013-01-30 13:18:14\npippo|122|2013-05-30 "
-            "13:18:14\npluto|443|2013-01-30 13:18:14");
-}
-
+// The driver gives a currency as a number.
 TEST_F(Archivos, CadaTipo) {
-  const auto base = Abrir("testIndexCodes_7c04f9e8.mdb");
-  const auto columna = [&](const std::string& tabla) { return base->Ejecutar("Select data From " + tabla); };
-  EXPECT_EQ(columna("Table2").En(0, 2), Valor(309840983));
-  EXPECT_EQ(columna("Table4").En(0, 1), Valor(3245.0));
-  EXPECT_EQ(columna("Table5").En(0, 18), Valor(1.1));  // a single, as its shortest decimal
-  EXPECT_TRUE(columna("Table5").En(0, 5).EsNulo());
-  EXPECT_EQ(columna("Table9").En(0, 3), Valor(255));  // a byte has no sign
-  EXPECT_EQ(columna("Table10").En(0, 1), Valor(true));
-  EXPECT_EQ(columna("Table11").En(0, 3), Valor("AAíAA"));
-  EXPECT_TRUE(columna("Table11").En(0, 1).EsNulo());
-  // It holds serials that no calendar has; the driver gives them as the 0th of January.
-  EXPECT_THROW(columna("Table6"), db::Error);
+  const auto base = OpenSample("types.mdb");
+  const auto column = [&](const std::string& name) {
+    return base->Consultar("Select " + name + " From Tipos");
+  };
+  EXPECT_EQ(support::Cabecera(base->Consultar("Select Logico, Pequeno, Largo, Dinero, Texto From Tipos")),
+            "Logico:bool|Pequeno:int|Largo:int|Dinero:number|Texto:text");
+  EXPECT_EQ(support::Filas(base->Consultar("Select cuando From Cambiada Where id = 3")), "2009-07-09");
+  // Days before the first of 1900 come as the 0th of January.
+  EXPECT_THROW(column("Fecha"), db::Error);
+  EXPECT_EQ(column("Largo").En(0, 0), Valor(2147483647));
+  EXPECT_EQ(column("Doble").En(0, 3), Valor(8.25));
+  EXPECT_EQ(column("Simple").En(0, 0), Valor(3.25));
+  EXPECT_TRUE(column("Simple").En(0, 2).EsNulo());
+  EXPECT_EQ(column("Pequeno").En(0, 0), Valor(255));  // a byte has no sign
+  EXPECT_EQ(column("Logico").En(0, 0), Valor(true));
+  EXPECT_EQ(column("Texto").En(0, 3), Valor("Ñandú"));
+  EXPECT_TRUE(column("Texto").En(0, 2).EsNulo());
 }
 
-// The rows that mdb-export prints.
 TEST_F(Archivos, CadaTablaDaTodasSusFilas) {
-  struct Caso {
-    const char *archivo, *tabla;
-    std::size_t filas, columnas;
-  };
-  const Caso casos[] = {{"compIndexTestV2000.mdb", "Table1", 512, 3},
-                        {"compIndexTestV2003.mdb", "Table1", 512, 3},
-                        {"delColTestV2003.mdb", "Table1", 2, 4},
-                        {"delTestV2000.mdb", "Table", 2, 2},
-                        {"fixedNumericTestV2003.mdb", "test", 1, 7},
-                        {"indexTestV2000.mdb", "Table3", 4, 2},
-                        {"overflowTestV2003.mdb", "Table1", 7, 9},
-                        {"queryTestV1997.mdb", "Table1", 0, 3},
-                        {"queryTestV2010.accdb", "Table2", 0, 3},
-                        {"testIndexCodes_7c04f9e8.mdb", "Table1", 275, 2},
-                        {"testIndexCodes_7c04f9e8.mdb", "Table1_desc", 275, 2}};
-  for (const Caso& c : casos) {
-    const db::Recordset filas = Abrir(c.archivo)->Ejecutar(std::string("Select * From [") + c.tabla + "]");
-    EXPECT_EQ(filas.Cantidad(), c.filas) << c.archivo << ' ' << c.tabla;
-    EXPECT_EQ(filas.Campos().size(), c.columnas) << c.archivo << ' ' << c.tabla;
+  for (const char* name :
+       {"types97.mdb", "types.mdb", "types.accdb", "moved.mdb", "compound97.mdb", "compound.mdb",
+        "relations97.mdb", "relations.mdb", "queries97.mdb", "queries.accdb", "texts_3082.mdb"}) {
+    const auto base = OpenSample(name);
+    for (const assembler::Table& t : mdb_test::SampleNamed(name).file.tables) {
+      const std::size_t rows = mdb_test::RowsPutIn(t).size();
+      std::string first;
+      std::size_t columns = 0;
+      for (const assembler::Column& c : t.columns) {
+        if (c.gone) continue;
+        if (columns++ == 0) first = c.name;
+      }
+      const auto count = [&](const std::string& what) {
+        const db::Recordset found = base->Ejecutar("Select " + what + " From [" + t.name + "]");
+        return std::pair(found.Cantidad(), found.Campos().size());
+      };
+      SCOPED_TRACE(std::string(name) + ' ' + t.name);
+      EXPECT_EQ(count("[" + first + "]"), std::pair(rows, std::size_t{1}));
+      // It holds days that the driver has no date for (see CadaTipo).
+      if (t.name != "Tipos") {
+        EXPECT_EQ(count("*"), std::pair(rows, columns));
+      }
+    }
   }
 }
 
 TEST_F(Archivos, UnTextoYUnBinarioLargos) {
-  const db::Recordset filas =
-      Abrir("test2V2003.mdb")->Ejecutar("Select PROJ_PROP_AUTHOR, RESERVED_BINARY_DATA From MSP_PROJECTS");
-  ASSERT_EQ(filas.Cantidad(), 1U);
-  EXPECT_EQ(filas.En(0, 0).Texto().substr(0, 20), "Jon Iles this is a a");
-  EXPECT_EQ(filas.En(1, 0).Texto().size(), 22970U);
+  const db::Recordset rows = OpenSample("types.mdb")->Ejecutar("Select Nota, Cosa From Tipos");
+  const auto put = mdb_test::RowsPutIn(mdb_test::SampleNamed("types.mdb").file.tables.front());
+  EXPECT_EQ(rows.En(0, 3).Texto(), std::get<std::string>(put[3][10]));
+  const auto& bytes = std::get<mdb::Bytes>(put[3][11]);
+  EXPECT_EQ(rows.En(1, 3).Texto(), std::string(bytes.begin(), bytes.end()));
 }
 
 TEST_F(Archivos, UnaRutaConAcentos) {
   const support::CarpetaTemporal carpeta;
-  std::filesystem::copy(kCarpeta + "testIndexCodes_7c04f9e8.mdb", carpeta.Ruta("año.mdb"));
-  const auto base = engine_odbc::Abrir("Driver=" IDM_ODBC_MDB ";DBQ=" + carpeta.Ruta("año.mdb"));
-  EXPECT_EQ(base->Ejecutar("Select data From Table11").En(0, 3), Valor("AAíAA"));
+  std::filesystem::copy(mdb_test::SamplePath("types.mdb"), carpeta.Ruta("año.mdb"));
+  EXPECT_EQ(Open(carpeta.Ruta("año.mdb"))->Ejecutar("Select Texto From Tipos").En(0, 3), Valor("Ñandú"));
 }
 
 TEST_F(Archivos, SinTransacciones) {
-  const auto base = Abrir("pivot.mdb");
+  const auto base = OpenSample("queries.mdb");
   EXPECT_THROW(base->BeginTrans(), db::Error);
   EXPECT_FALSE(base->EnTransaccion());
-  EXPECT_EQ(support::Filas(base->Ejecutar("Select c_cod From t_pivot")), "paperino\npiero\npippo\npluto");
+  EXPECT_EQ(support::Filas(base->Ejecutar("Select Nombre From Personas")), "Ana\nBruno\nÑata");
 }
 
-TEST_F(Archivos, ElArchivoQueNoEsta) { EXPECT_THROW(Abrir("no_esta.mdb"), db::Error); }
+TEST_F(Archivos, ElArchivoQueNoEsta) {
+  EXPECT_THROW(Open(mdb_test::SamplePath("queries.mdb") + ".no"), db::Error);
+}
 
 }  // namespace

@@ -25,8 +25,6 @@ std::vector<std::string> ArchivosDeCorpus() {
   return rutas;
 }
 
-std::string RutaDeCorpus(const std::string& nombre) { return CarpetaDeCorpus() + "/" + nombre; }
-
 std::string HerramientaDeControl() {
   const std::string ruta = support::SharedDir() + "/tools/mdbcheck/jetcheck.py";
   return !support::SharedDir().empty() && fs::exists(ruta) ? ruta : std::string();

@@ -12,12 +12,8 @@ namespace mdb_test {
 
 std::string CarpetaDeCorpus();                // empty when it is not there
 std::vector<std::string> ArchivosDeCorpus();  // full paths, sorted; empty when it is not there
-std::string RutaDeCorpus(const std::string& nombre);
-std::string HerramientaDeControl();  // path of the independent checker; empty when it is not there
+std::string HerramientaDeControl();           // path of the independent checker; empty when it is not there
 // The file read into memory. Changes stay there.
 std::unique_ptr<mdb::PaginasEnMemoria> Cargar(const std::string& ruta);
-
-#define SALTAR_SIN_CORPUS() \
-  if (mdb_test::CarpetaDeCorpus().empty()) GTEST_SKIP() << "no folder of Access files beside the checkout"
 
 }  // namespace mdb_test

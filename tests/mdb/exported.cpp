@@ -80,7 +80,7 @@ TablaExportada Exportar(const std::string& ruta, const std::string& tabla) {
 //   a text or binary value ends at its first zero (they are C strings to it); an empty one prints as Null;
 //   a GUID counts as binary: its printed form, without the last dash, comes out in hexadecimal;
 //   fixed binary columns (of system tables) are not known to it: Null;
-//   a day before 30 December 1899 prints as day 0 of 1900.
+//   a day before 30 December 1899, or a million days later, prints as day 0 of 1900.
 std::string TextoExportado(const mdb::Columna& columna, const mdb::Dato& dato) {
   struct Visitante {
     const mdb::Columna& columna;
@@ -91,7 +91,7 @@ std::string TextoExportado(const mdb::Columna& columna, const mdb::Dato& dato) {
     std::string operator()(double v) const { return ConFormato("%.16g", v); }
     std::string operator()(base::Moneda v) const { return TextoDeMoneda(v); }
     std::string operator()(base::Fecha v) const {
-      return v.serie < 0 ? "1900-01-00 00:00:00" : FechaConHora(v);
+      return v.serie < 0 || v.serie > 1e6 ? "1900-01-00 00:00:00" : FechaConHora(v);
     }
     std::string operator()(const std::string& v) const {
       const std::string cortado = v.substr(0, v.find('\0'));

@@ -7,17 +7,35 @@
 #include "mdb/corpus.h"
 #include "mdb/exported.h"
 #include "mdb/outside.h"
+#include "mdb/samples.h"
 
 namespace {
 
 #define SALTAR_SIN_MDBTOOLS() \
   if (!mdb_test::HayMdbtools()) GTEST_SKIP() << "mdbtools is not installed"
 
+// It knows neither the types of new_types.accdb nor an order of display that is not that of the numbers.
+std::vector<std::string> FilesOfMdbtools() {
+  auto paths = mdb_test::EveryFile();
+  std::erase_if(paths, [](const std::string& path) { return path.ends_with("new_types.accdb"); });
+  return paths;
+}
+
+// Once a column of fixed length has been deleted, it looks for a Boolean that is newer than the row behind
+// the row's end, where the next row stands. samples_test.cpp says what those are.
+std::vector<std::size_t> UnknownToMdbtools(const mdb::Definicion& d) {
+  std::vector<std::size_t> cells;
+  const auto order = d.EnOrden();
+  for (std::size_t i = 0; i < order.size(); ++i)
+    if (d.columnas[order[i]].tipo == mdb::TipoColumna::Booleano && d.max_columnas > d.columnas.size())
+      cells.push_back(i);
+  return cells;
+}
+
 TEST(Mdbtools, EveryTableOfEveryFileIsReadAlike) {
-  SALTAR_SIN_CORPUS();
   SALTAR_SIN_MDBTOOLS();
   std::size_t tablas = 0, filas = 0, celdas = 0;
-  for (const auto& ruta : mdb_test::ArchivosDeCorpus()) {
+  for (const auto& ruta : FilesOfMdbtools()) {
     const auto paginas = mdb_test::Cargar(ruta);
     const mdb::Catalogo catalogo(*paginas);
     for (const auto& o : catalogo.Objetos()) {
@@ -27,6 +45,9 @@ TEST(Mdbtools, EveryTableOfEveryFileIsReadAlike) {
       ASSERT_TRUE(suya.hay);
       auto nuestra = mdb_test::Leida(*paginas, *catalogo.Tabla(o.nombre));
       EXPECT_EQ(nuestra.columnas, suya.columnas);
+      for (const std::size_t cell : UnknownToMdbtools(*catalogo.Tabla(o.nombre)))
+        for (auto* rows : {&nuestra.filas, &suya.filas})
+          for (auto& row : *rows) row.at(cell).clear();
       // A row that has moved comes out where it stands now.
       std::sort(nuestra.filas.begin(), nuestra.filas.end());
       std::sort(suya.filas.begin(), suya.filas.end());
@@ -111,10 +132,10 @@ std::string EsquemaSuyo(const std::string& ruta, const std::string& tabla) {
   return texto;
 }
 
-// Calls `ver(path, catalog, table, header)` for each table of the corpus, with a trace.
+// Calls `ver(path, catalog, table, header)` for each table of every file, with a trace.
 template <typename Ver>
 void PorCadaTabla(Ver&& ver) {
-  for (const auto& ruta : mdb_test::ArchivosDeCorpus()) {
+  for (const auto& ruta : FilesOfMdbtools()) {
     const auto paginas = mdb_test::Cargar(ruta);
     const mdb::Catalogo catalogo(*paginas);
     for (const auto& o : catalogo.Objetos()) {
@@ -126,7 +147,6 @@ void PorCadaTabla(Ver&& ver) {
 }
 
 TEST(Mdbtools, ColumnsAndTypesAreReadAlike) {
-  SALTAR_SIN_CORPUS();
   SALTAR_SIN_MDBTOOLS();
   std::size_t tablas = 0;
   PorCadaTabla([&](const std::string& ruta, const mdb::Catalogo& catalogo, const std::string& tabla,
@@ -139,7 +159,6 @@ TEST(Mdbtools, ColumnsAndTypesAreReadAlike) {
 
 // mdb-schema prints at most one relationship of a table, so that each of its own must be among ours.
 TEST(Mdbtools, RelationshipsAreReadAlike) {
-  SALTAR_SIN_CORPUS();
   SALTAR_SIN_MDBTOOLS();
   std::size_t relaciones = 0;
   PorCadaTabla([&](const std::string& ruta, const mdb::Catalogo& catalogo, const std::string& tabla,
@@ -161,13 +180,12 @@ TEST(Mdbtools, RelationshipsAreReadAlike) {
     EXPECT_TRUE(hay) << texto;
     ++relaciones;
   });
-  EXPECT_GT(relaciones, 3U);
+  EXPECT_GE(relaciones, mdb_test::CarpetaDeCorpus().empty() ? 2U : 6U);
 }
 
 TEST(Mdbtools, TablesShownToUsersAreTheSame) {
-  SALTAR_SIN_CORPUS();
   SALTAR_SIN_MDBTOOLS();
-  for (const auto& ruta : mdb_test::ArchivosDeCorpus()) {
+  for (const auto& ruta : FilesOfMdbtools()) {
     SCOPED_TRACE(ruta);
     const auto paginas = mdb_test::Cargar(ruta);
     const mdb::Catalogo catalogo(*paginas);
@@ -181,6 +199,8 @@ TEST(Mdbtools, TablesShownToUsersAreTheSame) {
     const auto suyos = [&](const std::string& orden) {
       auto nombres =
           base::Split(mdb_test::Salida(orden + mdb_test::Entrecomillado(ruta) + " 2>/dev/null"), "\n");
+      // It does not know those that Access keeps for itself.
+      std::erase_if(nombres, [](const auto& n) { return n.starts_with("~sq_"); });
       std::sort(nombres.begin(), nombres.end());
       nombres.erase(nombres.begin(),
                     std::find_if(nombres.begin(), nombres.end(), [](const auto& n) { return !n.empty(); }));
