@@ -66,8 +66,11 @@ TEST(PaginasDeArchivo, AProgramKilledAtAnyMomentLeavesAWholeCommit) {
   }
   const auto tres = std::chrono::steady_clock::now() - empezado;
   const auto us = static_cast<unsigned>(std::chrono::duration_cast<std::chrono::microseconds>(tres).count());
+  // With others at work on the machine it may take many times as long: then the wait grows, and there are
+  // more rounds.
+  unsigned longest = 2 * us + 2000, idle = 0;
   int con_diario = 0, avances = 0;
-  for (int vuelta = 0; vuelta < 60; ++vuelta) {
+  for (int vuelta = 0; vuelta < 60 || (vuelta < 300 && (avances <= 5 || con_diario <= 5)); ++vuelta) {
     const pid_t hijo = fork();
     ASSERT_GE(hijo, 0);
     if (hijo == 0) {
@@ -79,7 +82,7 @@ TEST(PaginasDeArchivo, AProgramKilledAtAnyMomentLeavesAWholeCommit) {
         _exit(3);
       }
     }
-    std::this_thread::sleep_for(std::chrono::microseconds(azar() % (2 * us + 2000)));
+    std::this_thread::sleep_for(std::chrono::microseconds(azar() % longest));
     kill(hijo, SIGKILL);
     int estado = 0;
     ASSERT_EQ(waitpid(hijo, &estado, 0), hijo);
@@ -92,6 +95,11 @@ TEST(PaginasDeArchivo, AProgramKilledAtAnyMomentLeavesAWholeCommit) {
     ASSERT_EQ(p->Cantidad(), kPaginas + ahora / 3);
     if (HasFailure()) return;
     if (ahora > ultimo) ++avances;
+    idle = ahora > ultimo ? 0 : idle + 1;
+    if (idle == 4 && longest < 500000) {
+      longest *= 2;
+      idle = 0;
+    }
     ultimo = ahora;
   }
   EXPECT_GT(avances, 5);
