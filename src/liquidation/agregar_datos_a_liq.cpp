@@ -82,9 +82,8 @@ std::string AgregarDatosALiq(Corrida& c, std::int32_t concepto, float& cantidad,
     EscribirTablaUsuario(c, concepto, contrato, cantidad, coeficiente);
     return {};
   }
-  const int clave = c.opciones->Configura;
-  const int columna = clave >= 0 && clave <= 4 ? clave : static_cast<int>(refdata::kPersona);
-  const Eleccion eleccion = ElegirEncabezado(c, contrato, c.personas->Texto(columna, fila_persona));
+  const Eleccion eleccion =
+      ElegirEncabezado(c, contrato, c.personas->Texto(c.opciones->Configura, fila_persona));
   if (!eleccion.motivo.empty()) return eleccion.motivo;
   const DatoALiquidar dato{concepto, contrato, eleccion.encabezado,
                            Agrupacion(*c.sesion, *c.opciones, *c.personas, fila_persona, fila, centro_costo)};
