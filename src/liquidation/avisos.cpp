@@ -101,7 +101,7 @@ class Avisador {
     const FilaRevisada revisada = RevisarFila(e_, fila);
     if (!revisada.linea) return;
     const LineaAImportar& linea = *revisada.linea;
-    Clave clave{0, linea.concepto, 0};
+    Clave clave{.concepto = linea.concepto};
     try {
       clave.contrato = Identificador32(e_.personas->Texto(refdata::kContrato, linea.persona));
       if (linea.concepto < 1000)
@@ -149,7 +149,7 @@ class Avisador {
   void VerMeses(const ImportRow& fila, const LineaAImportar& linea, std::int32_t contrato,
                 const std::string& persona) {
     if (!linea.mes_entero) return;
-    Caso& caso = meses_.De({contrato, 0, 0});
+    Caso& caso = meses_.De({.contrato = contrato});
     caso.nombre = persona;
     caso.Sumar(fila.linea);
   }
@@ -158,7 +158,7 @@ class Avisador {
     if (e_.conceptos == nullptr) return;
     const auto concepto = ConceptoDeRelacion(e_.relaciones->Campo(relations::kConcepto, linea.relacion));
     if (!concepto || listados_.contains(std::to_string(*concepto))) return;
-    Caso& caso = fuera_.De({static_cast<std::int32_t>(linea.relacion), *concepto, 0});
+    Caso& caso = fuera_.De({.concepto = static_cast<std::int32_t>(linea.relacion)});  // one a relation
     caso.nombre =
         e_.relaciones->Campo(relations::kCodigo, linea.relacion) + ", " + NombreDeConcepto(*concepto);
     caso.Sumar(fila.linea);
@@ -169,7 +169,7 @@ class Avisador {
                 std::string_view que, double numero) {
     const double guardado = base::DobleDeSimple(static_cast<float>(numero));
     if (guardado == numero) return;
-    Caso& caso = cifras_.De({static_cast<std::int32_t>(sin_cifras_++), 0, 0});
+    Caso& caso = cifras_.De({.contrato = sin_cifras_++});
     caso.nombre = "línea " + std::to_string(fila.linea) + " (" + persona + ", " +
                   NombreDeConcepto(linea.concepto) + "): " + std::string(que) + base::TextoDeNumero(numero) +
                   " se guarda como " + base::TextoDeNumero(guardado);
@@ -195,7 +195,7 @@ class Avisador {
   const EntradaImportacion& e_;
   std::unordered_set<std::string> listados_;
   Casos meses_, fuera_, cifras_, repetidas_;
-  std::size_t sin_cifras_ = 0;
+  std::int32_t sin_cifras_ = 0;  // the key of the next: each stands for itself
 };
 
 }  // namespace

@@ -5,12 +5,9 @@
 namespace liquidation {
 namespace {
 
-// After the first "-": "0 - Sueldos" gives SUELDOS.
-std::string TipoEnMayusculas(const std::string& texto) {
-  const std::size_t guion = texto.find('-');
-  const std::string_view resto =
-      guion == std::string::npos ? std::string_view(texto) : std::string_view(texto).substr(guion + 1);
-  return base::Trim(base::Mayusculas(resto));
+// After the first "-": "0 - Sueldos" gives SUELDOS; the whole text when it has none (npos + 1 is 0).
+std::string TipoEnMayusculas(std::string_view texto) {
+  return base::Trim(base::Mayusculas(texto.substr(texto.find('-') + 1)));
 }
 
 // The first entry whole, the others from their fourth character, whatever the length of their number.

@@ -3,13 +3,14 @@
 //
 //   world [agrup] [constr]      a fresh base of the demo's tables with the rows of kMundo
 //   exec                        statements, one a line
-//   import mes=2026-10 [liq=0] [cc=0] [rollback]
+//   import mes=2026-10 [liq=0] [cc=0] [rollback] [bar]
 //                               lines "@CLAVE=VALOR" are settings, "=relation" relations, "!N beginning"
 //                               makes the N-th statement that starts so fail ("!!N" as a fault of the
 //                               storage), the others are the file; prints line|key|quantity|result, totals,
-//                               the bulk updates that failed, then boxes and passed-over errors
+//                               the bulk updates that failed, then boxes and passed-over errors, and with
+//                               "bar" the steps of the progress bar ("!" without refresh)
 //   query [rowsort]             a statement; rows joined with |
-//   warn                        as import: what is told before, one a line; nothing is written
+//   warn [nocatalogue]          as import: what is told before, one a line; nothing is written
 //   confirm mes=… liq=… cc=…    the question before the import, with settings as in import
 #include <algorithm>
 #include <memory>
@@ -87,6 +88,16 @@ constexpr const char* kMundo[] = {
 
 using prueba::Cajas;
 
+class Bar final : public ports::Progress {
+ public:
+  void ActuBarra(float paso, bool sin_refresco) override {
+    steps += " " + base::SqlDeSimple(paso) + (sin_refresco ? "!" : "");
+  }
+  void DoEvents() override { steps += " ev"; }
+  bool Cancelado() const override { return false; }
+  std::string steps;
+};
+
 class Mesa {
  public:
   explicit Mesa(bool mdb) : mdb_(mdb) { sesion_.reloj = &reloj_; }
@@ -128,6 +139,7 @@ class Mesa {
     Preparar(b);
     importfile::Carga carga = Cargar();
     for (const Falla& f : fallas_) conexion_->Fallar(f.comienzo, f.vez, f.clase);
+    bar_.steps.clear();
     const liquidation::Importacion r = liquidation::Importar(Entrada(b), carga.filas);
     Reabrir();
     std::sort(carga.filas.begin(), carga.filas.end(),
@@ -144,6 +156,7 @@ class Mesa {
     for (const auto& texto : cajas_.textos)
       salida += "BOX " + base::Reemplazar(texto, base::kCrLf, " / ") + "\n";
     for (const auto& error : r.errores) salida += "ERR " + error.donde + ": " + error.descripcion + "\n";
+    if (b.Tiene("bar")) salida += "BAR" + bar_.steps + "\n";
     if (!salida.empty()) salida.pop_back();
     return salida;
   }
@@ -151,7 +164,9 @@ class Mesa {
   std::string Avisos(const support::Bloque& b) {
     Preparar(b);
     const importfile::Carga carga = Cargar();
-    return base::Join(liquidation::AvisosDeImportacion(Entrada(b), carga.filas), "\n");
+    liquidation::EntradaImportacion e = Entrada(b);
+    if (b.Tiene("nocatalogue")) e.conceptos = nullptr;
+    return base::Join(liquidation::AvisosDeImportacion(e, carga.filas), "\n");
   }
 
   std::string Confirmar(const support::Bloque& b) {
@@ -239,7 +254,7 @@ class Mesa {
     e.evaluador = &evaluador_;
     e.tablas = &tablas_;
     e.prompts = &cajas_;
-    e.progreso = &progreso_;
+    e.progreso = &bar_;
     e.mes = mes_;
     e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
                      tipos_.CalendarCondition};
@@ -266,7 +281,7 @@ class Mesa {
     e.relaciones = &relaciones_;
     e.evaluador = &evaluador_;
     e.prompts = &cajas_;
-    e.progreso = &progreso_;
+    e.progreso = &bar_;
     return importfile::CargarDatos(e);
   }
 
@@ -290,7 +305,7 @@ class Mesa {
   relations::CodeRelations relaciones_;
   formula::TablasUsuario tablas_;
   formula::Evaluador evaluador_;
-  ports::SinProgreso progreso_;
+  Bar bar_;
   Cajas cajas_;
   base::Fecha mes_;
   std::string archivo_;
