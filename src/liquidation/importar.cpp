@@ -78,9 +78,9 @@ void Sumar(Totales& totales, const LineaAImportar& linea, const std::string& nom
   t.cantidad += base::DobleDeSimple(linea.cantidad);
 }
 
-// A line that an error refused leaves nothing: not in the base, and not in what the run remembers of it.
-// Where the line cannot be undone alone, the run is.
-void DeshacerLinea(Corrida& c, const ContractTypeCache& cache, const base::Error& motivo) {
+// A line that an error refused leaves nothing: not in the base, and not in what the run remembers of it. The
+// type found for its contract was there before it. Where the line cannot be undone alone, the run is.
+void DeshacerLinea(Corrida& c, const base::Error& motivo) {
   if (c.marcada && c.escribio) {
     try {
       c.sesion->conexion->RollbackToSavepoint();
@@ -91,13 +91,11 @@ void DeshacerLinea(Corrida& c, const ContractTypeCache& cache, const base::Error
   }
   c.datos.Deshacer();
   c.encabezados.Deshacer();
-  c.cache = cache;
 }
 
 // "" or the reason why the line was not written.
 std::string EscribirLinea(const EntradaImportacion& e, Corrida& c, const ImportRow& fila,
                           LineaAImportar linea) {
-  const ContractTypeCache cache = c.cache;
   c.marcada = c.escribio = false;
   c.datos.Marcar();
   c.encabezados.Marcar();
@@ -106,7 +104,7 @@ std::string EscribirLinea(const EntradaImportacion& e, Corrida& c, const ImportR
                             linea.coeficiente);
   } catch (const base::Error& error) {
     if (error.IsStorageFault()) throw;
-    DeshacerLinea(c, cache, error);
+    DeshacerLinea(c, error);
     return error.Descripcion().empty() ? "Error" : error.Descripcion();
   }
 }

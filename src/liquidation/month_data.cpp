@@ -28,7 +28,7 @@ MonthDataTable::Clave MonthDataTable::ClaveDe(const DatoDelMes& dato) {
 }
 
 void MonthDataTable::Reiniciar() {
-  filas_.assign(1, DatoDelMes{-1, -1.0F, 0, 0, 0, 0.0F});
+  filas_.assign(1, DatoDelMes{.id_Concepto = -1, .valor = -1.0F});
   por_clave_.clear();
   Marcar();
 }

@@ -22,13 +22,17 @@ class ConexionConFallas final : public db::Connection {
     vez_ = vez;
     clase_ = clase;
   }
-  bool falla_begin = false, falla_commit = false, falla_rollback = false, falla_savepoint = false;
+  bool falla_begin = false, falla_commit = false, falla_rollback = false, falla_savepoint = false,
+       falla_cerrar = false;
   bool falla_memoria = false;                         // the statement chosen by Fallar finds no memory
   std::function<void(std::string_view)> al_ejecutar;  // before each statement that succeeds
   std::string quitar;                                 // a piece that no statement has any more
 
   bool Abierta() const override { return motor_->Abierta(); }
-  void Cerrar() override { motor_->Cerrar(); }
+  void Cerrar() override {
+    if (falla_cerrar) throw db::Error("no cierra", 0, {}, base::ErrorKind::Storage);
+    motor_->Cerrar();
+  }
   db::Recordset Ejecutar(std::string_view sql) override {
     Probar(sql);
     if (!quitar.empty()) return motor_->Ejecutar(base::Reemplazar(sql, quitar, ""));

@@ -66,6 +66,7 @@ class Fallas : public ::testing::Test {
     e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
                      tipos_.CalendarCondition};
     e.texto_liquidacion = "0 - Sueldos";
+    e.deshacer = deshacer_;
     importacion_ = liquidation::Importar(e, filas);
     std::vector<std::string> resultados;
     for (const auto& fila : filas) resultados.push_back(fila.resultado);
@@ -98,6 +99,7 @@ class Fallas : public ::testing::Test {
   ports::SinProgreso progreso_;
   Cajas cajas_;
   liquidation::Importacion importacion_;
+  bool deshacer_ = false;
 };
 
 TEST_F(Fallas, NothingFails) {
@@ -237,6 +239,17 @@ TEST_F(Fallas, ARunThatCannotBeUndoneClosesTheBase) {
   EXPECT_FALSE(conexion_->Abierta());
 }
 
+// One that cannot even be closed is the operator's to close.
+TEST_F(Fallas, ARunThatCanNeitherBeUndoneNorClosedSaysSo) {
+  conexion_->falla_rollback = conexion_->falla_cerrar = true;
+  conexion_->Fallar("insert into Datos_Liquidacion", 1, base::ErrorKind::Storage);
+  const std::string motivo =
+      "falla de prueba; además no se pudo deshacer lo hecho (no deshace): la base puede haber quedado con la "
+      "transacción abierta; cierre el programa y revise el mes antes de volver a importar";
+  EXPECT_EQ(Importar({{"1", "8"}}), motivo);
+  EXPECT_EQ(cajas_.textos, std::vector<std::string>{motivo});
+}
+
 // Where one line cannot be undone, the run is; both reasons are said.
 TEST_F(Fallas, ALineThatCannotBeUndoneEndsTheRun) {
   conexion_->falla_savepoint = true;
@@ -273,6 +286,29 @@ TEST_F(Fallas, TheUserTablesAreReadAgainAfterARun) {
   conexion_->falla_commit = true;
   EXPECT_EQ(Importar({{"9", "8"}}), "no termina");
   EXPECT_FALSE(tablas_.TieneValores(5, "117"));
+}
+
+TEST_F(Fallas, TheUserTablesAreReadAgainAfterARunThatIsUndone) {
+  deshacer_ = true;
+  EXPECT_EQ(Importar({{"9", "8"}}), "OK");
+  EXPECT_FALSE(tablas_.TieneValores(5, "117"));
+}
+
+// An error without a word is an error all the same: the line was not written.
+TEST_F(Fallas, AnErrorWithoutADescriptionIsNoOk) {
+  conexion_->al_ejecutar = [](std::string_view sql) {
+    if (base::EmpiezaCon(sql, "insert into Datos_Liquidacion")) throw db::Error("");
+  };
+  EXPECT_EQ(Importar({{"1", "8"}}), "Error");
+  EXPECT_EQ(importacion_.importadas, 0U);
+  EXPECT_EQ(Horas(), "");
+}
+
+TEST_F(Fallas, ATransactionUnderWayIsTheRuns) {
+  conexion_->BeginTrans();
+  EXPECT_EQ(Importar({{"1", "8"}}), "OK");
+  EXPECT_FALSE(conexion_->EnTransaccion());
+  EXPECT_EQ(Horas(), "8");
 }
 
 TEST_F(Fallas, ATransactionThatDoesNotBeginWritesNothing) {

@@ -30,6 +30,22 @@ TEST(MonthDataTable, MissingPartsAreZero) {
   EXPECT_EQ(dato.Coeficiente, 0.0F);
 }
 
+TEST(MonthDataTable, PartsThatAreNoNumberAreZeroAndFurtherOnesArePassedOver) {
+  MonthDataTable tabla;
+  const auto& dato = tabla.Agregar("7*x*10*-1*y*2*99*98");
+  EXPECT_EQ(dato.valor, 0.0F);
+  EXPECT_EQ(dato.id_Contrato, 10);
+  EXPECT_EQ(dato.idAgrupa, 0);
+  EXPECT_EQ(dato.Coeficiente, 2.0F);
+}
+
+// An identifier beyond all whole numbers is nobody's.
+TEST(MonthDataTable, AnIdentifierThatIsTooLargeIsZero) {
+  MonthDataTable tabla;
+  EXPECT_EQ(tabla.Agregar("7*1*10000000000000000000*-1*0*0").id_Contrato, 0);
+  EXPECT_EQ(tabla.Agregar("7*1*-10000000000000000000*-1*0*0").id_Contrato, 0);
+}
+
 TEST(MonthDataTable, TheFirstOfEqualRowsIsFound) {
   MonthDataTable tabla;
   tabla.Agregar({7, 1, 10, -1, 3, 0, 50});
@@ -80,9 +96,16 @@ TEST(MonthDataTable, LargeIdentifiersStayApart) {
 TEST(MonthDataTable, ResetForgetsEverything) {
   MonthDataTable tabla;
   tabla.Agregar("7*1*10*-1*3*0");
+  tabla.Marcar();
+  tabla.Cambiar(tabla.Agregar({7, 2, 10, -1, 3, 0, 50}), 5, 6);
   tabla.Reiniciar();
   EXPECT_EQ(tabla.Filas().size(), 1U);
   EXPECT_FALSE(tabla.Precargado(7, 10, 3));
+  EXPECT_EQ(tabla.Buscar(7, 10, 3, 50), nullptr);
+  tabla.Agregar({8, 2, 10, -1, 3, 0, 50});
+  tabla.Deshacer();
+  EXPECT_EQ(tabla.Filas().size(), 1U);
+  EXPECT_EQ(tabla.Filas()[0].valor, -1.0F);
 }
 
 // Of a row that was there, of one that was added twice, and of one that was added and changed.
