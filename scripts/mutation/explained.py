@@ -7,7 +7,7 @@ An entry names a file and the text of a line, then one or more changes of it, th
     change: operator: < -> <=
     why: equal ones change places unseen
 
-"*" as a change stands for every change of the line."""
+"*" as a change stands for every change of the line; several lines may share a reason."""
 import os
 
 
@@ -17,21 +17,25 @@ class Explained:
         if not os.path.isfile(path):
             return
         with open(path, encoding="utf-8") as f:
-            name, line, changes = "", "", []
+            name, lines = "", []  # those that wait for their reason: (line, changes)
             for n, raw in enumerate(f, 1):
                 text = raw.strip()
                 if not text or text.startswith("#"):
                     continue
                 if text.startswith("line: "):
-                    line, changes = text[6:], []
-                elif text.startswith("change: "):
-                    changes.append(text[8:])
+                    lines.append((text[6:], []))
+                elif text.startswith("change: ") and lines:
+                    lines[-1][1].append(text[8:])
                 elif text.startswith("why: "):
-                    if not (name and line and changes and text[5:]):
+                    if not (name and lines and all(line and changes for line, changes in lines) and text[5:]):
                         raise SystemExit(f"{path}:{n}: a reason without file, line or change")
-                    self.entries.setdefault((name, line), set()).update(changes)
+                    for line, changes in lines:
+                        self.entries.setdefault((name, line), set()).update(changes)
+                    lines = []
                 elif text.startswith("src/"):
-                    name, line, changes = text, "", []
+                    if lines:
+                        raise SystemExit(f"{path}:{n}: a line without a reason before it")
+                    name = text
                 else:
                     raise SystemExit(f"{path}:{n}: not understood: {text}")
 
