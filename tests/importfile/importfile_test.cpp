@@ -169,11 +169,22 @@ TEST(DevLineaAF, CutsByCharacters) {
   using Campos = std::vector<std::string>;
   EXPECT_EQ(cortes("\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBD\xF0\x90\x80\x80"),
             (Campos{"\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xEF\xBF\xBD", "\xF0\x90\x80\x80"}));
-  EXPECT_EQ(cortes("\x7F\xF4\x8F\xBF\xBF" "ab"), (Campos{"\x7F", "\xF4\x8F\xBF\xBF", "a", "b"}));
-  EXPECT_EQ(cortes("\xC1\xA1" "ab"), (Campos{"\xC1", "\xA1", "a", "b"}));
-  EXPECT_EQ(cortes("\xF5\x80\x80\x80" "a"), (Campos{"\xF5", "\x80", "\x80", "\x80", "a"}));
-  EXPECT_EQ(cortes("\xC3" "a\xE2\x82" "b"), (Campos{"\xC3", "a", "\xE2", "\x82", "b"}));
-  EXPECT_EQ(cortes("\xF0\x90\x80" "ab"), (Campos{"\xF0", "\x90", "\x80", "a", "b"}));
+  EXPECT_EQ(cortes("\x7F\xF4\x8F\xBF\xBF"
+                   "ab"),
+            (Campos{"\x7F", "\xF4\x8F\xBF\xBF", "a", "b"}));
+  EXPECT_EQ(cortes("\xC1\xA1"
+                   "ab"),
+            (Campos{"\xC1", "\xA1", "a", "b"}));
+  EXPECT_EQ(cortes("\xF5\x80\x80\x80"
+                   "a"),
+            (Campos{"\xF5", "\x80", "\x80", "\x80", "a"}));
+  EXPECT_EQ(cortes("\xC3"
+                   "a\xE2\x82"
+                   "b"),
+            (Campos{"\xC3", "a", "\xE2", "\x82", "b"}));
+  EXPECT_EQ(cortes("\xF0\x90\x80"
+                   "ab"),
+            (Campos{"\xF0", "\x90", "\x80", "a", "b"}));
   EXPECT_EQ(cortes("\xC3\xC0"), (Campos{"\xC3", "\xC0"}));
   EXPECT_EQ(cortes("ab\xE2\x82"), (Campos{"a", "b", "\xE2", "\x82"}));
 }
