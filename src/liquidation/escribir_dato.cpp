@@ -75,18 +75,22 @@ void Insertar(Escritura& e, float cantidad, float coeficiente) {
 }
 
 // The row of the header's datum, to be added to; null when the line replaces what stands. The preload does
-// not say in which header it found something: that datum is read when it is first met.
+// not say in which header it found something: that datum is read when it is first met. An answer without it
+// is an error of the line, which would otherwise replace what nobody could read.
 DatoDelMes* FilaDelDato(Escritura& e, std::int32_t id_Dato) {
   const DatoALiquidar& d = e.dato;
   DatoDelMes* fila = e.c.datos.Buscar(d.concepto, d.contrato, d.agrupa, d.encabezado);
   if (fila != nullptr || !e.c.datos.Precargado(d.concepto, d.contrato, d.agrupa)) return fila;
   const auto rs = e.c.sesion->conexion->Ejecutar(sql::LeerDato(e.c.sesion->idEmpresa, id_Dato));
-  if (rs.Vacio()) return nullptr;
   const auto cantidad = static_cast<float>(rs.En(0, 0).NumeroOCero());
   const auto coeficiente = static_cast<float>(rs.En(1, 0).NumeroOCero());
   const bool llena_cantidad = e.TipoDato == kTipoCantidad || e.TipoDato == kTipoCantidadYValor;
-  return &e.c.datos.Agregar(DatoDelMes{d.concepto, llena_cantidad ? cantidad : coeficiente, d.contrato, -1,
-                                       d.agrupa, coeficiente, d.encabezado});
+  return &e.c.datos.Agregar(DatoDelMes{.id_Concepto = d.concepto,
+                                       .valor = llena_cantidad ? cantidad : coeficiente,
+                                       .id_Contrato = d.contrato,
+                                       .idAgrupa = d.agrupa,
+                                       .Coeficiente = coeficiente,
+                                       .id_Encabezado = d.encabezado});
 }
 
 // The sum of what the header's datum holds and the line.
@@ -109,8 +113,12 @@ void Actualizar(Escritura& e, std::int32_t id_Dato, float& cantidad, float& coef
   if (fila != nullptr)
     e.c.datos.Cambiar(*fila, cantidad, coeficiente);
   else
-    e.c.datos.Agregar(DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, -1, e.dato.agrupa, coeficiente,
-                                 e.dato.encabezado});
+    e.c.datos.Agregar(DatoDelMes{.id_Concepto = e.dato.concepto,
+                                 .valor = cantidad,
+                                 .id_Contrato = e.dato.contrato,
+                                 .idAgrupa = e.dato.agrupa,
+                                 .Coeficiente = coeficiente,
+                                 .id_Encabezado = e.dato.encabezado});
   // Only data without instalments come here, so these two do not run; the guard is wanted as it stands.
   if (id_Pago != -1 && e.TipoCuota != 0) {
     sql::Cuota cuota;

@@ -16,7 +16,7 @@ base::Fecha FechaDeRegistro(const formula::Vector& serie, std::size_t registro, 
 bool DebeCerrarse(const formula::Vector& serie, base::Fecha mes, base::Fecha hoy) {
   const int vigente = formula::PosicionFecha(serie, mes, kCampoFecha, hoy);
   const auto siguiente = static_cast<std::size_t>(vigente + 1);
-  if (vigente < 0 || siguiente >= serie.Cantidad()) return true;
+  if (siguiente >= serie.Cantidad()) return true;
   return base::DateDiff("m", mes, FechaDeRegistro(serie, siguiente, hoy)) > 1;
 }
 
@@ -48,7 +48,11 @@ void EscribirTablaUsuario(Corrida& c, std::int32_t concepto, std::int32_t contra
   if (previo != nullptr)
     c.datos.Cambiar(*previo, cantidad, previo->Coeficiente);
   else
-    c.datos.Agregar(DatoDelMes{concepto, cantidad, contrato, -1, 0, coeficiente, kSinEncabezado});
+    c.datos.Agregar(DatoDelMes{.id_Concepto = concepto,
+                               .valor = cantidad,
+                               .id_Contrato = contrato,
+                               .Coeficiente = coeficiente,
+                               .id_Encabezado = kSinEncabezado});
   if (tenia_valores && DebeCerrarse(c.tablas->Serie(tabla, codigo), c.mes, hoy))
     formula::CerrarValorTablaUsuario(*c.sesion, tabla, codigo, mes_siguiente);
 }

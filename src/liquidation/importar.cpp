@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/number.h"
-#include "formula/vector_utils.h"
+#include "base/text.h"
 #include "liquidation/revisar_fila.h"
 
 namespace liquidation {
@@ -30,12 +30,11 @@ Corrida Preparar(const EntradaImportacion& e, base::SumideroErrores& errores) {
 // The concepts of all relations, joined with ","; a relation without a number would make the list unreadable,
 // and the sums of all the others would be lost with it.
 std::string ConceptosDeRelaciones(const relations::CodeRelations& relaciones) {
-  formula::Vector legibles;
-  legibles.dimensiones = 1;
+  std::vector<std::string> legibles;
   for (std::size_t i = 0; i < relaciones.Cantidad(); ++i)
     if (const auto concepto = ConceptoDeRelacion(relaciones.Campo(relations::kConcepto, i)))
-      legibles.registros.push_back({std::to_string(*concepto)});
-  return formula::UnirVector(legibles, 0, "", ",");
+      legibles.push_back(std::to_string(*concepto));
+  return base::Join(legibles, ",");
 }
 
 // What the month's open liquidations already hold, so that the lines are added to it.

@@ -123,6 +123,19 @@ TEST_F(Fallas, AnUpdateThatFailsIsNotAddedToLater) {
   EXPECT_EQ(Horas(), "9");
 }
 
+// Another program takes the datum away between finding and reading it: said to be OK, the hours would be
+// lost.
+TEST_F(Fallas, ADatumThatIsGoneIsNotAddedTo) {
+  opciones_.SumarAyaIng = true;
+  EXPECT_EQ(Importar({{"1", "8"}}), "OK");
+  conexion_->al_ejecutar = [this](std::string_view sql) {
+    if (base::EmpiezaCon(sql, "Select Cantidad,Coeficiente From"))
+      conexion_->Ejecutar("Delete From Datos_Liquidacion Where id_Concepto=7");
+  };
+  EXPECT_EQ(Importar({{"1", "2"}}), "No existe la fila 0 en el resultado, que tiene 0");
+  EXPECT_EQ(importacion_.importadas, 0U);
+}
+
 TEST_F(Fallas, AUserTableThatFailsIsNotAddedToLater) {
   conexion_->Fallar("Insert into DatosUsuTablas", 1);
   EXPECT_EQ(Importar({{"9", "8"}, {"9", "2"}, {"9", "1"}}), "falla de prueba|OK|OK");
@@ -143,6 +156,17 @@ TEST_F(Fallas, AHeaderThatIsNotReadBackIsNotMadeTwice) {
   EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}}), "falla de prueba|OK");
   EXPECT_EQ(Horas(), "2");
   EXPECT_EQ(Encabezados(), "1");
+}
+
+// Only what the line itself brought in goes with it: the header of the line before is still found by its key.
+TEST_F(Fallas, AHeaderOfTheLineBeforeStaysKnown) {
+  int asked = 0;
+  conexion_->al_ejecutar = [&](std::string_view sql) {
+    asked += base::EmpiezaCon(sql, "Select id_Encabezado From Encabezados Where") ? 1 : 0;
+  };
+  conexion_->Fallar("Update Datos_Liquidacion", 1);
+  EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}, {"1", "1"}}), "OK|falla de prueba|OK");
+  EXPECT_EQ(asked, 1);
 }
 
 TEST_F(Fallas, ATypeQueryThatFailsGivesNoType) {
