@@ -118,8 +118,8 @@ std::string ImportarFila(const EntradaImportacion& e, Corrida& c, const ImportRo
 }
 
 Totales ImportarFilas(const EntradaImportacion& e, Corrida& c, std::vector<ImportRow>& filas) {
+  if (filas.empty()) return {};
   Totales totales;
-  if (filas.empty()) return totales;
   e.progreso->ActuBarra(100.0F / static_cast<float>(filas.size()), true);
   for (ImportRow& fila : filas) {
     const std::string resultado = ImportarFila(e, c, fila, totales);
