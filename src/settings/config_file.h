@@ -58,10 +58,7 @@ std::span<const std::string_view> ClavesDeOpciones();
 // false and "". An empty value gives the option's default. SumarAyaIng going on sets TotalizarConc.
 bool AplicarValor(Settings& opciones, std::string_view clave, std::string_view valor);
 std::string ValorDeClave(const Settings& opciones, std::string_view clave);
-// Adding to what is already entered implies totalising: to be called after a run of AplicarValor in free
-// order.
-void AplicarImplicadas(Settings& opciones);
-// All options from a settings text, in the reading order of start-up, with the implied ones worked out.
+// All options from a settings text, in the reading order of start-up, with the implied one worked out.
 Settings LeerSettings(std::string_view texto);
 // The text with every option stored in it, in the writing order of shutdown; "Conceptos" only when given.
 std::string TextoConSettings(std::string_view texto, const Settings& opciones,

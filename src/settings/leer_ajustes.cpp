@@ -11,7 +11,7 @@
 namespace settings {
 namespace {
 
-// Read again by calls that say what fails.
+// By calls that say what fails.
 std::string LeerConMotivo(std::string_view ruta) {
   const auto archivo = base::DiscoDelSistema().Abrir(ruta, base::ModoArchivo::Lectura);
   std::string bytes;
@@ -43,13 +43,13 @@ std::string ConCrLf(std::string_view texto) {
 Ajustes LeerAjustes(std::string_view ruta) {
   Ajustes ajustes;
   try {
-    const auto bytes = base::LeerArchivo(ruta);
-    ajustes.texto = ConCrLf(base::DeCp1252(bytes ? *bytes : LeerConMotivo(ruta)));
+    ajustes.texto = ConCrLf(base::DeCp1252(LeerConMotivo(ruta)));
     ajustes.estado = EstadoAjustes::Leido;
   } catch (const base::ErrorDeDisco& e) {
-    if (e.Falla() == base::FallaDisco::NoExiste) return ajustes;
-    ajustes.estado = EstadoAjustes::Ilegible;
-    ajustes.motivo = e.Descripcion() + " (" + std::string(ruta) + ")";
+    if (e.Falla() != base::FallaDisco::NoExiste) {
+      ajustes.estado = EstadoAjustes::Ilegible;
+      ajustes.motivo = e.Descripcion() + " (" + std::string(ruta) + ")";
+    }
   }
   return ajustes;
 }

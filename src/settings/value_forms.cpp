@@ -53,9 +53,10 @@ void PonerTipoArchivo(Settings& s, std::string_view v) {
 }
 std::string TipoArchivo(const Settings& s) { return s.AnchoFijo ? "AF" : "1"; }
 
+// Adding to what is already entered implies totalising.
 void PonerSumarAyaIng(Settings& s, std::string_view v) {
   s.SumarAyaIng = VacioOSi(v);
-  AplicarImplicadas(s);
+  if (s.SumarAyaIng) s.TotalizarConc = true;
 }
 
 void PonerTextoTipoCuota(Settings& s, std::string_view v) {
@@ -80,7 +81,7 @@ struct Forma {
   std::string (*texto)(const Settings&);
 };
 
-// In the reading order of start-up.
+// In the reading order of start-up, in which what implies another option stands behind it.
 constexpr std::array<Forma, 17> kFormas{{
     {"SoloDatosDeRel", Prender<&Settings::SoloDatosDeRel, BlancoSiOUno>, SiNo<&Settings::SoloDatosDeRel>},
     {"TipoArchivo", PonerTipoArchivo, TipoArchivo},
@@ -149,14 +150,9 @@ std::string ValorDeClave(const Settings& opciones, std::string_view clave) {
   return forma == nullptr ? std::string() : forma->texto(opciones);
 }
 
-void AplicarImplicadas(Settings& opciones) {
-  if (opciones.SumarAyaIng) opciones.TotalizarConc = true;
-}
-
 Settings LeerSettings(std::string_view texto) {
   Settings opciones;
   for (const Forma& forma : kFormas) forma.poner(opciones, ValorDeTexto(texto, forma.clave));
-  AplicarImplicadas(opciones);
   return opciones;
 }
 

@@ -5,7 +5,7 @@
 //                                     (leer, grabar: with sin_carpeta the file has no folder to be in)
 //   opciones [ausente]                every option, as its key would be written
 //   forma clave=K                     each input line as the value of K: what the option becomes
-//   aplicar [implicadas]              lines K=V over the default options: the keys that are not as by default
+//   aplicar                           lines K=V over the default options: the keys that are not as by default
 //   cierre [conceptos=T]              the text after storing all options read from it
 //   layout                            the columns of a ConfDeAF text
 //   ruta                              the settings file of each folder
@@ -124,7 +124,6 @@ std::string Aplicar(const Bloque& b) {
     if (!settings::AplicarValor(s, clave, support::Desescapar(linea.substr(igual + 1))))
       linea_de("refused " + clave);
   }
-  if (b.Tiene("implicadas")) settings::AplicarImplicadas(s);
   const settings::Settings por_defecto;
   for (const auto clave : settings::ClavesDeOpciones()) {
     const std::string valor = settings::ValorDeClave(s, clave);

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #ifndef _WIN32
 #include <sys/resource.h>
@@ -11,6 +12,7 @@
 #include <csignal>
 #endif
 
+#include "base/text.h"
 #include "settings/config_file.h"
 #include "support/temp_folder.h"
 
@@ -34,7 +36,7 @@ class Archivo : public ::testing::Test {
     EXPECT_EQ(ajustes.estado, EstadoAjustes::Ilegible);
     EXPECT_EQ(ajustes.texto, "");
     EXPECT_NE(ajustes.motivo.find(porque), std::string::npos) << ajustes.motivo;
-    EXPECT_NE(ajustes.motivo.find(Ruta()), std::string::npos) << ajustes.motivo;
+    EXPECT_NE(ajustes.motivo.find(" (" + Ruta() + ")"), std::string::npos) << ajustes.motivo;
     EXPECT_EQ(settings::LeerConfig(Ruta(), "*"), "");
     EXPECT_FALSE(settings::GrabarConfig(Ruta(), "Configura", "3"));
     EXPECT_FALSE(settings::GuardarAjustes(Ruta(), "nuevo"));
@@ -63,6 +65,41 @@ TEST_F(Archivo, OneIsReadAsTextWithCrLf) {
   ASSERT_TRUE(settings::GuardarAjustes(Ruta(), "[K]\naño\n[/K]"));
   EXPECT_EQ(Bytes(), "[K]\r\na\xF1o\r\n[/K]");
   EXPECT_EQ(Cuantos(), 1);
+}
+
+TEST(ConCrLf, EveryLineEndIsCrLf) {
+  EXPECT_EQ(settings::ConCrLf(""), "");
+  EXPECT_EQ(settings::ConCrLf("\r"), "\r\n");
+  EXPECT_EQ(settings::ConCrLf("a\nb\r"), "a\r\nb\r\n");
+  EXPECT_EQ(settings::ConCrLf("\r\n\r\r\n\n"), "\r\n\r\n\r\n\r\n");
+}
+
+// Thousands of relations: more than is read at once.
+TEST_F(Archivo, ALongOneIsReadWhole) {
+  std::string bytes;
+  for (int i = 0; bytes.size() < 300'000; ++i) bytes.append("[K").append(std::to_string(i)).append("]\r\n");
+  Escribir(bytes);
+  EXPECT_EQ(settings::LeerAjustes(Ruta()).texto, bytes);
+}
+
+TEST(Claves, ATagOfAnyOfThemIsNamed) {
+  std::vector<std::string> claves{"Conceptos", "TomaConceptosDeBD"};
+  for (const auto clave : settings::ClavesDeOpciones()) claves.emplace_back(clave);
+  for (const std::string& clave : claves) {
+    EXPECT_TRUE(settings::NombraUnaClave("[" + clave + "]"));
+    EXPECT_TRUE(settings::NombraUnaClave("a [/" + base::Minusculas(clave) + "] b")) << clave;
+  }
+  for (const char* texto : {"", "Separador", "[Separador", "Separador]", "[Otra]", "[x]", "[]"})
+    EXPECT_FALSE(settings::NombraUnaClave(texto)) << texto;
+}
+
+// The two that are texts and no options.
+TEST(Claves, WhatIsNoOptionHasNoValue) {
+  for (const char* clave : {"Conceptos", "TomaConceptosDeBD", "Nada", ""}) {
+    settings::Settings opciones;
+    EXPECT_FALSE(settings::AplicarValor(opciones, clave, "SI")) << clave;
+    EXPECT_EQ(settings::ValorDeClave(opciones, clave), "") << clave;
+  }
 }
 
 TEST_F(Archivo, AFolderInItsPlaceIsNoEmptyFile) {
