@@ -129,7 +129,6 @@ void CargarCentrosDeCosto(const db::DbSession& sesion, const settings::Settings&
   // for every grouped company, construction or not: wanted
   tipos.lblAgrupaDef = kEnObra;
   tipos.CC_visible = opciones.CCDefEnArch;
-  tipos.CC_ancho = 825;
   ElegirPrimero(tipos.cmbAgrupaDef);
   ElegirPrimero(tipos.cmbAgrupa);
 }
