@@ -51,7 +51,6 @@ void CodeRelations::Indexar() const {
   vistos_.clear();
   std::vector<std::string_view> piezas;
   for (std::size_t i = 0; i < Cantidad(); ++i) {
-    piezas.clear();
     base::SplitVistas(Campo(kExternos, i), ",", piezas);
     for (std::size_t p = 1; p + 1 < piezas.size(); ++p)  // the outer pieces lack a comma on one side
       vistos_.emplace(piezas[p], static_cast<int>(i));

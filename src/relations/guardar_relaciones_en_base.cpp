@@ -5,10 +5,9 @@
 namespace relations {
 namespace {
 
-// The first and the last character go whatever they are; a shorter list has no codes.
+// The first and the last character go whatever they are; a list of fewer than two has no codes.
 std::string CodigosAGuardar(std::string_view externos) {
-  const auto largo = static_cast<std::ptrdiff_t>(base::Longitud(externos));
-  return largo < 2 ? std::string() : base::Mid(externos, 2, largo - 2);
+  return base::Mid(externos, 2, static_cast<std::ptrdiff_t>(base::Longitud(externos)) - 2);
 }
 
 void Guardar(db::Connection& conexion, const CodeRelations& relaciones) {

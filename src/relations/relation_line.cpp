@@ -63,7 +63,8 @@ std::string SinMarca(std::string_view campo) {
   return campo == kSinCambio ? std::string() : std::string(campo);
 }
 
-// code * colour * list * concept * name * cost centre, the first place for each that fits.
+// code * colour * list * concept * name * cost centre, the first place for each that fits. None for a line of
+// fewer fields or one that hides something, whose last piece is no number.
 std::optional<Relacion> CortarPorAnclas(const Piezas& piezas) {
   const std::size_t ultima = piezas.size() - 1;
   if (!piezas[ultima].empty() && !EsEntero(piezas[ultima])) return std::nullopt;
@@ -89,8 +90,7 @@ Relacion RelacionDeLinea(std::string_view linea) {
   Piezas piezas;
   base::SplitVistas(linea, "*", piezas);
   const bool con_ocultos = piezas.size() == kCamposRelacion + 1 && piezas.back() == kEstrella;
-  if (!con_ocultos && piezas.size() > kCamposRelacion)
-    if (auto relacion = CortarPorAnclas(piezas)) return *std::move(relacion);
+  if (auto relacion = CortarPorAnclas(piezas)) return *std::move(relacion);
   piezas.resize(kCamposRelacion);
   Relacion relacion;
   std::transform(piezas.begin(), piezas.end(), relacion.begin(), con_ocultos ? Mostrar : SinMarca);

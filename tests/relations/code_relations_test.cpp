@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <optional>
+
 #include "refdata/base_de_prueba.h"
 #include "relations/edit_relations.h"
+#include "settings/config_file.h"
 
 namespace {
 
@@ -23,6 +27,42 @@ TEST(CodeRelations, AColourThatIsNoneIsBlack) {
   EXPECT_EQ(relaciones.Color(0), 0);
   EXPECT_EQ(relaciones.Color(1), 0);
   EXPECT_EQ(relaciones.Color(2), 255);
+}
+
+TEST(CodeRelations, AListTakesThePlaceOfAllThatWas) {
+  CodeRelations relaciones;
+  relaciones.Reemplazar("A*1*,a,*1*uno*0");
+  relaciones.Reemplazar(std::vector<relations::Relacion>{{"B", "2", ",b,", "2", "dos", "0"}});
+  ASSERT_EQ(relaciones.Cantidad(), 1u);
+  EXPECT_EQ(relaciones.Grid().size(), 1u);
+  EXPECT_EQ(relaciones.PosEnVecConc("a"), -1);
+  EXPECT_EQ(relaciones.PosEnVecConc("b"), 0);
+}
+
+TEST(CodeRelations, AnIdentifierIsAWholeNumberOf32Bits) {
+  using Limites = std::numeric_limits<std::int32_t>;
+  EXPECT_EQ(relations::IdentificadorDe("7"), 7);
+  EXPECT_EQ(relations::IdentificadorDe(" 07,0 "), 7);
+  EXPECT_EQ(relations::IdentificadorDe("2147483647"), Limites::max());
+  EXPECT_EQ(relations::IdentificadorDe("-2147483648"), Limites::min());
+  for (const char* ninguno : {"2147483648", "-2147483649", "99999999999", "7,5", "abc", "", " "})
+    EXPECT_EQ(relations::IdentificadorDe(ninguno), std::nullopt) << ninguno;
+}
+
+// The type of the load before is not that of one that names no type.
+TEST(CodeRelations, ATypeThatIsNoneIsNotTheOneBefore) {
+  support::BaseDePrueba base;
+  CodeRelations relaciones;
+  const auto levantar = [&](const char* tipo) {
+    relations::LevantarRelaciones(base.sesion, base.opciones,
+                                  settings::TextoConValor("", "TomaConceptosDeBD", tipo), relaciones);
+  };
+  levantar("5");
+  EXPECT_FALSE(relaciones.carga_fallida);
+  EXPECT_EQ(relaciones.tipo_dato_externo, 5);
+  levantar("99999999999");
+  EXPECT_TRUE(relaciones.carga_fallida);
+  EXPECT_EQ(relaciones.tipo_dato_externo, 0);
 }
 
 // Two relations under external type 5, of which the second one's insert can be made to fail.
