@@ -1,13 +1,14 @@
 """The survivors that somebody looked at: tests/mutants/explained.txt.
 
-An entry names a file and the text of a line, then one or more changes of it, then why nobody can notice them:
+An entry names a file and the text of a line, then one or more changes of it (and of further lines), then why
+nobody can notice them:
 
     src/module/file.cpp
     line: if (a < b) swap(a, b);
     change: operator: < -> <=
     why: equal ones change places unseen
 
-"*" as a change stands for every change of the line; several lines may share a reason."""
+"*" as a change stands for every change of the line."""
 import os
 
 
@@ -17,25 +18,26 @@ class Explained:
         if not os.path.isfile(path):
             return
         with open(path, encoding="utf-8") as f:
-            name, lines = "", []  # those that wait for their reason: (line, changes)
+            name, line, pending = "", "", []  # the lines that wait for their reason, each with its changes
             for n, raw in enumerate(f, 1):
                 text = raw.strip()
                 if not text or text.startswith("#"):
                     continue
                 if text.startswith("line: "):
-                    lines.append((text[6:], []))
-                elif text.startswith("change: ") and lines:
-                    lines[-1][1].append(text[8:])
+                    pending.append((text[6:], []))
+                elif text.startswith("change: ") and (pending or line):
+                    pending = pending or [(line, [])]  # one more of the line that was explained last
+                    pending[-1][1].append(text[8:])
                 elif text.startswith("why: "):
-                    if not (name and lines and all(line and changes for line, changes in lines) and text[5:]):
+                    if not (name and pending and all(changes for _, changes in pending) and text[5:]):
                         raise SystemExit(f"{path}:{n}: a reason without file, line or change")
-                    for line, changes in lines:
+                    for line, changes in pending:
                         self.entries.setdefault((name, line), set()).update(changes)
-                    lines = []
+                    pending = []
                 elif text.startswith("src/"):
-                    if lines:
+                    if pending:
                         raise SystemExit(f"{path}:{n}: a line without a reason before it")
-                    name = text
+                    name, line = text, ""
                 else:
                     raise SystemExit(f"{path}:{n}: not understood: {text}")
 
