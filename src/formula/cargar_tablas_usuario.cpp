@@ -15,10 +15,7 @@ Clave ClaveDe(const ValorDeTabla& v) { return {v.id_Tabla, v.Codigo}; }
 
 }  // namespace
 
-void TablasUsuario::Vaciar() {
-  valores_.clear();
-  tablas_.clear();
-}
+void TablasUsuario::Vaciar() { valores_.clear(); }
 
 void TablasUsuario::CargarTablasUsuario(const db::DbSession& sesion, std::int32_t id_Tabla) {
   if (sesion.conexion == nullptr)
@@ -37,17 +34,12 @@ void TablasUsuario::CargarTablasUsuario(const db::DbSession& sesion, std::int32_
     v.Codigo = filas.En(2, i).Texto();
     v.Valor = filas.En(3, i).Texto();
     v.Fecha = FechaDeCelda(filas.En(4, i), hoy);
-    tablas_.push_back({v.id_Tabla, static_cast<int>(filas.En(6, i).NumeroOCero())});
+    v.Tipo = static_cast<int>(filas.En(6, i).NumeroOCero());
     valores_.push_back(std::move(v));
   }
   std::stable_sort(valores_.begin(), valores_.end(), [](const ValorDeTabla& a, const ValorDeTabla& b) {
     return std::tie(a.id_Tabla, a.Codigo, a.Fecha.serie) < std::tie(b.id_Tabla, b.Codigo, b.Fecha.serie);
   });
-  std::stable_sort(tablas_.begin(), tablas_.end(),
-                   [](const Tabla& a, const Tabla& b) { return a.id < b.id; });
-  tablas_.erase(std::unique(tablas_.begin(), tablas_.end(),
-                            [](const Tabla& a, const Tabla& b) { return a.id == b.id; }),
-                tablas_.end());
 }
 
 TablasUsuario::Rango TablasUsuario::Buscar(std::int32_t id_Tabla, std::string_view codigo) const {
@@ -76,9 +68,9 @@ bool TablasUsuario::TieneValores(std::int32_t id_Tabla, std::string_view codigo)
 }
 
 int TablasUsuario::Tipo(std::int32_t id_Tabla) const {
-  const auto t = std::lower_bound(tablas_.begin(), tablas_.end(), id_Tabla,
-                                  [](const Tabla& tabla, std::int32_t id) { return tabla.id < id; });
-  return t != tablas_.end() && t->id == id_Tabla ? t->tipo : 0;
+  const auto v = std::partition_point(valores_.begin(), valores_.end(),
+                                      [&](const auto& valor) { return valor.id_Tabla < id_Tabla; });
+  return v != valores_.end() && v->id_Tabla == id_Tabla ? v->Tipo : 0;
 }
 
 }  // namespace formula

@@ -3,7 +3,6 @@
 #include "base/dialect_number.h"
 #include "base/format.h"
 #include "base/number.h"
-#include "base/text.h"
 #include "db/next_id.h"
 #include "formula/sql.h"
 #include "formula/user_tables_internal.h"
@@ -13,21 +12,19 @@ namespace formula {
 namespace {
 
 enum Campo : std::size_t { kId, kTabla, kCodigo, kValor, kFecha };
-constexpr std::string_view kEstrella = "XR3";  // "*" inside a record that travels as one text
 constexpr double kSumado = 200;
+constexpr base::Fecha kSinHoy;  // the dates of a series tell their year
 
 std::string TextoDe(base::Fecha fecha) { return base::FormatFecha(fecha, "dd/MM/yyyy"); }
 
-base::Fecha FechaDe(const Vector& serie, std::size_t i, base::Fecha hoy) {
-  return base::FechaDeTexto(serie.Campo(kFecha, i), hoy).value_or(base::Fecha{});
+base::Fecha FechaDe(const Vector& serie, std::size_t i) {
+  return base::FechaDeTexto(serie.Campo(kFecha, i), kSinHoy).value_or(base::Fecha{});
 }
 
 Vector LeerSerie(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo) {
   const db::Recordset filas = sesion.conexion->Consultar(sql::Serie(sesion.idEmpresa, id_Tabla, codigo));
   const base::Fecha hoy = Hoy(sesion);
-  Vector serie;
-  if (filas.Vacio()) return serie;
-  serie.dimensiones = 2;
+  Vector serie{.dimensiones = 2, .registros = {}};
   for (std::size_t i = 0; i < filas.Cantidad(); ++i) {
     std::vector<std::string> registro;
     for (std::size_t campo = kId; campo <= kValor; ++campo) registro.push_back(filas.En(campo, i).Texto());
@@ -43,22 +40,18 @@ std::int32_t NuevoId(const db::DbSession& sesion) {
   return maximo + 1;
 }
 
+// Field by field: a "*" or a lone "^" in a code or a value is what it is.
 void Agregar(Vector& serie, std::int32_t id, std::int32_t id_Tabla, std::string_view codigo,
              std::string_view valor, base::Fecha fecha) {
-  AgregarRegistro(serie, std::to_string(id) + "*" + std::to_string(id_Tabla) + "*" +
-                             base::Reemplazar(codigo, "*", kEstrella) + "*" +
-                             base::Reemplazar(valor, "*", kEstrella) + "*" + TextoDe(fecha));
-  // Turned back by what went in: a text with "XR3" of its own, or a lone "^", comes out as it was.
-  serie.registros.back()[kCodigo] = codigo;
-  serie.registros.back()[kValor] = valor;
+  serie.registros.push_back({std::to_string(id), std::to_string(id_Tabla), std::string(codigo),
+                             std::string(valor), TextoDe(fecha)});
 }
 
 void InsertarSerie(const db::DbSession& sesion, const Vector& serie) {
-  const base::Fecha hoy = Hoy(sesion);
   for (std::size_t i = 0; i < serie.Cantidad(); ++i)
     sesion.conexion->Ejecutar(sql::InsertarValor(sesion.idEmpresa, serie.Campo(kId, i),
                                                  serie.Campo(kTabla, i), serie.Campo(kCodigo, i),
-                                                 serie.Campo(kValor, i), FechaDe(serie, i, hoy)));
+                                                 serie.Campo(kValor, i), FechaDe(serie, i)));
 }
 
 // The series is written whole: all of it is deleted first. When a record then cannot be written (a value too
@@ -79,29 +72,35 @@ void Reescribir(const db::DbSession& sesion, const Vector& anterior, const Vecto
   }
 }
 
+// Without its 200; a value that is no number would come out as hours that nobody worked.
+std::string SinLoSumado(std::string_view valor) {
+  constexpr int kTipoNoCoincide = 13;
+  const auto numero = base::DialectNumber(valor);
+  if (!numero) throw base::Error(base::DescripcionDeError(kTipoNoCoincide), kTipoNoCoincide);
+  return base::SqlDeSimple(static_cast<float>(*numero - kSumado));
+}
+
 }  // namespace
 
 void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
                               std::string_view valor, base::Fecha fecha, bool sumado, bool sin_borrado,
                               int* registros) {
   if (!sesion.Abierta()) throw db::Error("No se ha conectado con la base de datos");
-  const base::Fecha hoy = Hoy(sesion);
   if (valor.empty() && id_Tabla != -1 && !sin_borrado) {
     sesion.conexion->Ejecutar(sql::BorrarAnterior(sesion.idEmpresa, id_Tabla, codigo, fecha));
     if (registros != nullptr) *registros = static_cast<int>(LeerSerie(sesion, id_Tabla, codigo).Cantidad());
     return;
   }
   std::string guardado(valor);
-  if (sumado)
-    guardado = base::SqlDeSimple(static_cast<float>(base::DialectNumber(valor).value_or(0) - kSumado));
+  if (sumado) guardado = SinLoSumado(valor);
   Vector serie = LeerSerie(sesion, id_Tabla, codigo);
   const Vector anterior = serie;
-  const int posicion = PosicionFecha(serie, fecha, kFecha, hoy);
+  const int posicion = PosicionFecha(serie, fecha, kFecha, kSinHoy);
   if (posicion >= 0 && TextoDe(fecha) == serie.Campo(kFecha, static_cast<std::size_t>(posicion))) {
     serie.registros[static_cast<std::size_t>(posicion)][kValor] = guardado;
   } else {
     Agregar(serie, NuevoId(sesion), id_Tabla, codigo, guardado, fecha);
-    OrdenarVector(serie, kFecha, hoy);
+    OrdenarVector(serie, kFecha, kSinHoy);
   }
   Reescribir(sesion, anterior, serie, id_Tabla, codigo);
   if (registros != nullptr) *registros = static_cast<int>(serie.Cantidad());

@@ -24,11 +24,12 @@ base::Fecha FechaDeCelda(const base::Valor& celda, base::Fecha hoy) {
 
 int PosicionFecha(const Vector& serie, base::Fecha fecha, std::size_t campo_fecha, base::Fecha hoy) {
   if (serie.dimensiones != 2 || serie.Cantidad() == 0) return -1;
-  for (std::size_t i = serie.Cantidad(); i-- > 0;) {
-    const auto desde = base::FechaDeTexto(serie.Campo(campo_fecha, i), hoy);
-    if (desde.value_or(base::Fecha{}) <= fecha) return static_cast<int>(i);
-  }
-  return 0;  // all are later: the earliest answers for what came before it
+  const auto rige = [&](std::size_t i) {
+    return base::FechaDeTexto(serie.Campo(campo_fecha, i), hoy).value_or(base::Fecha{}) <= fecha;
+  };
+  std::size_t i = serie.Cantidad() - 1;
+  while (i > 0 && !rige(i)) --i;  // the earliest answers also for what came before it
+  return static_cast<int>(i);
 }
 
 }  // namespace formula

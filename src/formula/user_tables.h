@@ -19,6 +19,7 @@ struct ValorDeTabla {
   std::string Codigo;
   std::string Valor;
   base::Fecha Fecha;  // NULL is day 0
+  int Tipo = 0;       // of the table
 };
 
 // The values as the last load found them. Look-ups by table and code are indexed.
@@ -38,17 +39,12 @@ class TablasUsuario {
   void Vaciar();
 
  private:
-  struct Tabla {
-    std::int32_t id;
-    int tipo;
-  };
   struct Rango {
     std::vector<ValorDeTabla>::const_iterator primero, fin;
   };
   Rango Buscar(std::int32_t id_Tabla, std::string_view codigo) const;
 
   std::vector<ValorDeTabla> valores_;  // by table, code, date
-  std::vector<Tabla> tablas_;
 };
 
 // Index of the last record dated on or before `fecha`; 0 when all are later; -1 when there is no record.
@@ -56,8 +52,8 @@ int PosicionFecha(const Vector& serie, base::Fecha fecha, std::size_t campo_fech
 
 // Writes a value for a code, valid from `fecha`; a value of the same date is replaced. An empty value removes
 // the one in force just before the date, unless sin_borrado. With `sumado` the value is a number that comes
-// with 200 added: the value less 200 is stored. `registros`, when given, receives how many the series then
-// has. Throws db::Error when a statement fails.
+// with 200 added: the value less 200 is stored, and no other text is taken. `registros`, when given, receives
+// how many the series then has. Throws db::Error when a statement fails.
 void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
                               std::string_view valor, base::Fecha fecha, bool sumado = false,
                               bool sin_borrado = false, int* registros = nullptr);
