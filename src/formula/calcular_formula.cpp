@@ -13,7 +13,8 @@ constexpr std::size_t kCantidad = 3;
 float ASimple(double numero) {
   if (std::abs(numero) <= static_cast<double>(std::numeric_limits<float>::max()))
     return static_cast<float>(numero);
-  return std::copysign(std::numeric_limits<float>::infinity(), static_cast<float>(numero < 0 ? -1 : 1));
+  constexpr float kInfinito = std::numeric_limits<float>::infinity();
+  return std::signbit(numero) ? -kInfinito : kInfinito;
 }
 
 }  // namespace

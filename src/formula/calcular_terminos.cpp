@@ -19,7 +19,6 @@ std::string SinBlancosTrasElSigno(std::string_view termino) {
 // A piece that is not a number gives the leading number of its value: a value with a decimal comma loses its
 // decimals here, and formula authors know it.
 double ValorDePieza(Evaluador& ev, std::string_view pieza) {
-  pieza = base::TrimVista(pieza);
   if (const auto numero = Numero(ev, pieza)) return *numero;
   return base::Parse(CalcularTerminos(ev, pieza));
 }
@@ -53,23 +52,15 @@ double Plegar(Evaluador& ev, const std::vector<std::string>& piezas, char operad
 
 }  // namespace
 
-std::string CalcularTerminos(Evaluador& ev, std::string_view termino, char& operador) {
+std::string CalcularTerminos(Evaluador& ev, std::string_view termino) {
   const Nivel nivel(ev, termino.size());
   const std::string texto = SinBlancosTrasElSigno(termino);
-  if (texto.find_first_of(kOperadores) != std::string::npos) {
-    std::vector<std::string> piezas;
-    for (const char op : kOperadores) {
-      if (texto.find(op) == std::string::npos || !SepararPorOperador(texto, op, piezas)) continue;
-      operador = op;
-      return TextoDeNumero(ev, Plegar(ev, piezas, op));
-    }
+  std::vector<std::string> piezas;
+  for (const char op : kOperadores) {
+    if (texto.find(op) == std::string::npos || !SepararPorOperador(texto, op, piezas)) continue;
+    return TextoDeNumero(ev, Plegar(ev, piezas, op));
   }
-  return EsNumero(ev, texto) ? texto : EvaluarFuncion(ev, texto, {});
-}
-
-std::string CalcularTerminos(Evaluador& ev, std::string_view termino) {
-  char operador = 0;
-  return CalcularTerminos(ev, termino, operador);
+  return EvaluarFuncion(ev, texto, {});
 }
 
 }  // namespace formula

@@ -15,7 +15,6 @@ void ReemplazarParametros(Evaluador& ev, std::string& texto) {
   const Vector& tabla = ev.TablaParametros;
   for (std::size_t i = 0; i < tabla.Cantidad(); ++i) {
     const std::string& nombre = tabla.Campo(0, i);
-    if (!base::Contiene(texto, nombre, base::Comparar::SinCaso)) continue;
     Gastar(ev, 8 * texto.size());  // several searches without regard to case
     const std::string con_corchetes = "[" + nombre + "]";
     const bool entre = base::Contiene(texto, con_corchetes, base::Comparar::SinCaso);

@@ -51,12 +51,11 @@ std::string Aplicar(Evaluador& ev, std::string_view texto, std::string_view nomb
     const Llamada llamada = Partir(texto);
     return EvaluarFuncion(ev, llamada.argumento, llamada.nombre);
   }
-  if (nombre.empty() && !EsNumero(ev, texto)) return std::string(texto);
+  if (nombre.empty()) return std::string(texto);
   const std::string buscado = base::Mayusculas(base::TrimVista(nombre));
   const auto f = std::find_if(kFunciones.begin(), kFunciones.end(),
                               [&](const Funcion& candidata) { return candidata.nombre == buscado; });
   if (f != kFunciones.end()) return f->cuerpo(ev, texto);
-  if (EsNumero(ev, texto)) return std::string(texto);
   std::string literal(1, '#');
   literal.append(texto).append(1, '#');
   return Evaluar(ev, literal);

@@ -6,19 +6,13 @@ namespace formula {
 bool EvaluarLogica(Evaluador& ev, std::string_view condicion, std::string_view operador) {
   const Nivel nivel(ev, condicion.size());
   const std::string texto = base::Mayusculas(condicion);
-  const bool hay_or = base::Contiene(texto, "OR");
-  const bool hay_and = base::Contiene(texto, "AND");
   const bool decide = operador.empty();
-  if (decide && hay_or) {
-    operador = "OR";
-  } else if (decide && hay_and) {
-    operador = "AND";
-  }
+  if (decide) operador = "OR";  // over one piece, when there is none
   std::vector<std::string_view> piezas;
-  base::SplitVistas(texto, operador, piezas);  // without an operator, one piece
+  base::SplitVistas(texto, operador, piezas);
   // The pieces that hold "AND" are all decided before the first comparison, whatever it then gives.
   std::vector<char> decididas(piezas.size(), 2);
-  if (decide && operador == "OR") {
+  if (decide) {
     for (std::size_t i = 0; i < piezas.size(); ++i)
       if (base::Contiene(piezas[i], "AND")) decididas[i] = EvaluarLogica(ev, piezas[i], "AND") ? 1 : 0;
   }

@@ -69,8 +69,6 @@ Comparable EvaluarLado(Evaluador& ev, std::string_view texto);
 
 // --- levels
 
-// `operador` receives the operator that split the term; unchanged when none did.
-std::string CalcularTerminos(Evaluador& ev, std::string_view termino, char& operador);
 std::string CalcularTerminos(Evaluador& ev, std::string_view termino);
 
 // True when the text falls into more than one piece at the operator. Empty pieces go; a leading or doubled
@@ -82,7 +80,7 @@ std::vector<std::string_view> SepararFueraDeParentesis(std::string_view texto, c
 
 std::string EvaluarFuncion(Evaluador& ev, std::string_view argumento, std::string_view nombre);
 // "OR" and "AND" split inside words too; formula authors avoid such words in conditions.
-bool EvaluarLogica(Evaluador& ev, std::string_view condicion, std::string_view operador);
+bool EvaluarLogica(Evaluador& ev, std::string_view condicion, std::string_view operador = {});
 bool EvaluarComparacion(Evaluador& ev, std::string_view comparacion);
 
 // The value of a piece inside a formula, with the parameters as they are now.

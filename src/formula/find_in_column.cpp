@@ -8,17 +8,6 @@ std::ptrdiff_t FindInColumn(std::string_view valor, const Vector& vector, std::s
   return -1;
 }
 
-std::ptrdiff_t FindInColumn(const std::vector<std::string>& valores, const Vector& vector,
-                            const std::vector<std::size_t>& columnas) {
-  if (valores.empty() || valores.size() != columnas.size()) return -1;
-  for (std::size_t i = 0; i < vector.Cantidad(); ++i) {
-    std::size_t k = 0;
-    while (k < columnas.size() && vector.Campo(columnas[k], i) == valores[k]) ++k;
-    if (k == columnas.size()) return static_cast<std::ptrdiff_t>(i);
-  }
-  return -1;
-}
-
 std::ptrdiff_t FindInColumn(std::string_view valor, const std::vector<std::string>& lista) {
   for (std::size_t i = 0; i < lista.size(); ++i)
     if (lista[i] == valor) return static_cast<std::ptrdiff_t>(i);

@@ -33,6 +33,6 @@ std::string FuncionEntre(Evaluador& ev, std::string_view x) {
   return Comparar(bajo, valor) <= 0 && Comparar(valor, alto) <= 0 ? "1" : "0";
 }
 
-std::string FuncionEval(Evaluador& ev, std::string_view x) { return EvaluarLogica(ev, x, {}) ? "1" : "0"; }
+std::string FuncionEval(Evaluador& ev, std::string_view x) { return EvaluarLogica(ev, x) ? "1" : "0"; }
 
 }  // namespace formula

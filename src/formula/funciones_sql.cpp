@@ -30,7 +30,7 @@ std::string FuncionSql(Evaluador& ev, std::string_view x) {
   std::string valor = "0";
   base::ErrorIgnorado("SQL", nullptr, [&] {
     const db::Recordset filas = Consultar(ev, x);
-    if (filas.Vacio() || filas.Campos().empty()) return;
+    if (filas.Vacio()) return;
     valor = TextoDeNumero(ev, base::Redondear(filas.En(0, 0).Numero(ev.locale), 15));
   });
   return valor;

@@ -14,10 +14,6 @@ constexpr std::size_t kTrabajoDeLlamada = 64;
 constexpr const char* kDemasiadoLarga = "La fórmula es demasiado larga o compleja";
 constexpr const char* kDemasiadosNiveles = "La fórmula tiene demasiados niveles";
 
-void Comprobar(const Evaluador& ev) {
-  if (ev.agotado != nullptr) throw base::Error(ev.agotado);
-}
-
 }  // namespace
 
 void Abandonar(Evaluador& ev, const char* motivo) {
@@ -28,7 +24,7 @@ void Abandonar(Evaluador& ev, const char* motivo) {
 void Gastar(Evaluador& ev, std::size_t trabajo) {
   ev.esfuerzo += trabajo;
   if (ev.agotado == nullptr && ev.esfuerzo > kEsfuerzoMaximo) ev.agotado = kDemasiadoLarga;
-  Comprobar(ev);
+  if (ev.agotado != nullptr) throw base::Error(ev.agotado);
 }
 
 Nivel::Nivel(Evaluador& ev, std::size_t largo) : ev_(ev) {
@@ -39,8 +35,7 @@ Nivel::Nivel(Evaluador& ev, std::size_t largo) : ev_(ev) {
     ev.agotado_avisado = ev.sin_valor = false;
   }
   Gastar(ev, kTrabajoDeLlamada + largo);
-  if (ev.profundidad >= kProfundidadMaxima) ev.agotado = kDemasiadosNiveles;
-  Comprobar(ev);
+  if (ev.profundidad >= kProfundidadMaxima) Abandonar(ev, kDemasiadosNiveles);
   ++ev.profundidad;
 }
 

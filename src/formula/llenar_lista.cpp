@@ -32,7 +32,7 @@ std::size_t BuscarOrden(std::string_view sql) {
 std::string_view NombreDeCampo(std::string_view campo) {
   campo = campo.substr(campo.rfind('.') + 1);  // npos + 1 is 0
   campo = base::TrimVista(campo);
-  if (campo.size() >= 2 && campo.front() == '[' && campo.back() == ']')
+  if (!campo.empty() && campo.front() == '[' && campo.back() == ']')
     campo = campo.substr(1, campo.size() - 2);
   return campo;
 }

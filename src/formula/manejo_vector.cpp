@@ -23,7 +23,7 @@ void Insertar(Vector& vector, std::string_view valor, std::ptrdiff_t& posicion) 
   if (primero) vector.dimensiones = con_campos ? 2 : 1;
   const bool al_final = posicion == -1;
   const std::size_t donde = al_final || primero ? registros.size() : static_cast<std::size_t>(posicion);
-  if (!primero && (posicion < -1 || donde > registros.size())) return;
+  if (donde > registros.size()) return;
   Registro nuevo;
   if (vector.dimensiones == 2 && con_campos) {
     nuevo = PartirRegistro(valor, donde < registros.size() ? &registros[donde] : nullptr);

@@ -59,7 +59,6 @@ std::vector<std::size_t> OrdenDeColumna(const std::vector<std::string_view>& val
 
 void OrdenarVector(Vector& vector, int columna, base::Fecha hoy) {
   if (vector.dimensiones != 2) columna = 0;
-  if (columna < 0) return;
   std::vector<std::string_view> valores;
   valores.reserve(vector.Cantidad());
   for (std::size_t i = 0; i < vector.Cantidad(); ++i)

@@ -32,14 +32,11 @@ constexpr std::array<Comodin, 17> kComodines = {{{"tipo", 4, false},
 
 constexpr char Minuscula(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// Which letters a text has. Most formulas have none, and most steps find that the text lacks one of theirs:
-// neither then searches.
+// Which characters a text has, whatever their case; a few share a bit. Most steps find that the text lacks
+// one of theirs, and do not search.
 constexpr std::uint32_t Letras(std::string_view texto) {
   std::uint32_t letras = 0;
-  for (const char c : texto) {
-    const char m = Minuscula(c);
-    if (m >= 'a' && m <= 'z') letras |= std::uint32_t{1} << (m - 'a');
-  }
+  for (const char c : texto) letras |= std::uint32_t{1} << (static_cast<unsigned char>(c) & 31U);
   return letras;
 }
 
@@ -75,7 +72,6 @@ bool Reemplazar(std::string& texto, const Comodin& comodin, std::string_view val
 std::optional<std::string> SinComodines(std::string_view formula, const CamposDeLinea& linea) {
   std::string texto(formula);
   std::uint32_t letras = Letras(texto);
-  if (letras == 0) return texto;
   for (const Comodin& comodin : kComodines) {
     const std::uint32_t suyas = Letras(comodin.nombre);
     if ((letras & suyas) != suyas) continue;

@@ -17,7 +17,7 @@ std::size_t Campos(const Vector& vector) {
 std::string UnirVector(const Vector& vector, int campo, std::string_view sep_campo,
                        std::string_view sep_registro) {
   std::string texto;
-  const std::size_t campos = vector.dimensiones == 2 ? Campos(vector) : 1;
+  const std::size_t campos = Campos(vector);
   for (std::size_t i = 0; i < vector.Cantidad(); ++i) {
     if (i > 0) texto += sep_registro;
     if (vector.dimensiones == 2 && campo >= 0) {

@@ -54,11 +54,8 @@ char ClaseDeColumna(const std::vector<std::string_view>& valores, base::Fecha ho
 std::vector<std::size_t> OrdenDeColumna(const std::vector<std::string_view>& valores, base::Fecha hoy);
 void OrdenarVector(Vector& vector, int columna, base::Fecha hoy);
 
-// First record whose column equals the value as text, or -1; with lists, all must match; over items, the
-// position.
+// First record whose column equals the value as text, or -1; over items, the position.
 std::ptrdiff_t FindInColumn(std::string_view valor, const Vector& vector, std::size_t columna);
-std::ptrdiff_t FindInColumn(const std::vector<std::string>& valores, const Vector& vector,
-                            const std::vector<std::size_t>& columnas);
 std::ptrdiff_t FindInColumn(std::string_view valor, const std::vector<std::string>& lista);
 
 }  // namespace formula

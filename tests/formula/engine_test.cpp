@@ -186,6 +186,60 @@ TEST_F(EnMotor, Lists) {
   EXPECT_TRUE(combo.items.empty());
 }
 
+// The field that may hold anything is what stands between those before it and those after it.
+TEST(FormaDeRegistro, TheFreeFieldTakesTheStars) {
+  const auto partido = [](const char* valor, formula::FormaDeRegistro forma) {
+    formula::Vector tabla;
+    formula::AgregarRegistro(tabla, valor, forma);
+    EXPECT_EQ(tabla.dimensiones, 2);
+    return formula::UnirVector(tabla, -1, "|", ";");
+  };
+  const formula::FormaDeRegistro concepto{.campos = 5, .libre = 1};
+  EXPECT_EQ(partido("7*Horas*3*S*0", concepto), "7|Horas|3|S|0");
+  EXPECT_EQ(partido("7*Horas *50*3*S*0", concepto), "7|Horas *50|3|S|0");
+  EXPECT_EQ(partido("7*^**a**2*T*1", concepto), "7|^**a*|2|T|1");
+  EXPECT_EQ(partido("7*Horas", concepto), "7|Horas");
+  EXPECT_EQ(partido("a*b*c", {.campos = 2, .libre = 0}), "a*b|c");
+  EXPECT_EQ(partido("a*b*c", {.campos = 2, .libre = 1}), "a|b*c");
+}
+
+TEST_F(EnMotor, AListsRecordsMayHaveAFreeField) {
+  formula::ListControl combo;
+  formula::Vector tabla;
+  const formula::FormaDeRegistro forma{.campos = 2, .libre = 1};
+  formula::LlenarLista(combo, "Select '7*a*b' as Datos, 'x' as Codigo", "Datos,Codigo", "", " - ", &tabla,
+                       sesion, nullptr, &forma);
+  EXPECT_EQ(formula::UnirVector(tabla, -1, "|", ";"), "7|a*b");
+  // Without a vector there is nothing to cut.
+  formula::LlenarLista(combo, "Select '7*a*b' as Datos", "Datos", "", " - ", nullptr, sesion, nullptr,
+                       &forma);
+  ASSERT_EQ(combo.items.size(), 1U);
+  EXPECT_EQ(combo.items[0].texto, "7*a*b");
+}
+
+// Filled anew it has nothing chosen; what is added leaves the choice.
+TEST_F(EnMotor, AListFilledAnewHasNothingChosen) {
+  formula::ListControl combo;
+  combo.ListIndex = 1;
+  formula::LlenarLista(combo, "CentroCosto", "++idCC", "", " - ", nullptr, sesion);
+  EXPECT_EQ(combo.ListIndex, 1);
+  formula::LlenarLista(combo, "CentroCosto", "idCC", "", " - ", nullptr, sesion);
+  EXPECT_EQ(combo.ListIndex, -1);
+}
+
+TEST_F(EnMotor, WhyAListWasNotFilledIsNoted) {
+  formula::ListControl combo;
+  const auto motivo = [&](const char* tabla, const char* campos) {
+    base::SumideroErrores errores;
+    EXPECT_EQ(formula::LlenarLista(combo, tabla, campos, "", " - ", nullptr, sesion, &errores), -1);
+    return errores.size() == 1 ? errores.front().descripcion : "not noted once";
+  };
+  EXPECT_EQ(motivo("Select idCC From CentroCosto", "idCC,[NombreCC]"),
+            "La consulta no devolvió la columna NombreCC.");
+  sesion.conexion->Cerrar();
+  EXPECT_EQ(motivo("CentroCosto", "idCC"), "La Base no está Abierta");
+}
+
 TEST_F(EnMotor, UserTablesAreWrittenByDate) {
   EXPECT_EQ(Guardar("101", "8.5", base::FechaDe(2024, 6, 1)), 1);
   EXPECT_EQ(Guardar("101", "7", base::FechaDe(2024, 1, 1)), 2);
@@ -198,6 +252,26 @@ TEST_F(EnMotor, UserTablesAreWrittenByDate) {
   EXPECT_EQ(Guardar("101", "208.1", {}, true), 3);
   EXPECT_EQ(Valores(),
             "3|5|101|8.1|NULL; 2|5|101|7.5|2024-01-01; 1|5|101|8.5|2024-06-01; 4|5|102|a*b'c|2024-01-01");
+}
+
+TEST_F(EnMotor, AClosingZeroReplacesNothing) {
+  const auto cerrar = [&](base::Fecha fecha) {
+    return formula::CerrarValorTablaUsuario(sesion, 5, "101", fecha);
+  };
+  Guardar("101", "7", base::FechaDe(2024, 1, 1));
+  sesion.conexion->Ejecutar("Insert into DatosUsuTablas values (3,2,5,'101','8',#06/01/2024 12:00:00#)");
+  EXPECT_FALSE(cerrar(base::FechaDe(2024, 1, 1)));
+  EXPECT_FALSE(cerrar(base::FechaDe(2024, 6, 1)));
+  EXPECT_TRUE(cerrar(base::FechaDe(2024, 7, 1)));
+  EXPECT_FALSE(cerrar(base::FechaDe(2024, 7, 1)));
+  EXPECT_EQ(Valores(), "1|5|101|7|2024-01-01; 2|5|101|8|2024-06-01; 3|5|101|0|2024-07-01");
+  sesion.conexion->Cerrar();
+  try {
+    cerrar({});
+    FAIL() << "written";
+  } catch (const db::Error& e) {
+    EXPECT_EQ(e.Descripcion(), "No se ha conectado con la base de datos");
+  }
 }
 
 TEST_F(EnMotor, AnEmptyValueRemovesTheOneBefore) {

@@ -155,9 +155,10 @@ std::string Campos(Estado& e, const Bloque& b) {
   return "ok";
 }
 
+// calcular: the formula, and answers of the connection.
 std::string Calcular(Estado& e, const Bloque& b) {
   Recomenzar(e, b);
-  const float q = formula::CalcularFormula(e.ev, b.entrada, e.linea);
+  const float q = formula::CalcularFormula(e.ev, Preparar(e, b).at(0), e.linea);
   if (std::isinf(q)) return ConCajas(e, q < 0 ? "-infinity" : "infinity");
   return ConCajas(e, base::PlainSingle(q));
 }
@@ -206,13 +207,9 @@ std::string Clase(Estado& e, const Bloque& b) {
   return std::string(1, formula::ClaseDeColumna({lineas.begin(), lineas.end()}, e.reloj.Hoy()));
 }
 
-// buscar columna=n: the value of a column. buscar columnas=a,b: one value a line.
+// buscar columna=n: the value of a column.
 std::string Buscar(Estado& e, const Bloque& b) {
-  if (b.Opcion("columnas").empty())
-    return std::to_string(formula::FindInColumn(b.entrada, e.vector, std::stoul(b.Opcion("columna"))));
-  std::vector<std::size_t> columnas;
-  for (const auto& c : base::Split(b.Opcion("columnas"), ",")) columnas.push_back(std::stoul(c));
-  return std::to_string(formula::FindInColumn(Lineas(b.entrada), e.vector, columnas));
+  return std::to_string(formula::FindInColumn(b.entrada, e.vector, std::stoul(b.Opcion("columna"))));
 }
 
 // lista [con_vector] [cerrada]: lines tabla, campos, condicion, separador ("-" stands for " - ") and answers.

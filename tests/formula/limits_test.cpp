@@ -202,10 +202,30 @@ TEST_F(Parametros, BracketedNamesGoBeforeBareOnes) {
   EXPECT_TRUE(cajas.empty());
 }
 
+TEST_F(Limites, ParMakesOneParameterWithoutNameOrValue) {
+  EXPECT_EQ(formula::EvaluarTexto(ev, "PAR(2)"), "2");
+  ASSERT_EQ(ev.TablaParametros.Cantidad(), 1U);
+  EXPECT_EQ(ev.TablaParametros.dimensiones, 2);
+  EXPECT_EQ(ev.TablaParametros.registros[0], (std::vector<std::string>{"", ""}));
+}
+
 TEST_F(Parametros, AFormulaThatStartsWithParKeepsItsNamesThatTime) {
   EXPECT_EQ(ConTabla({{"A", "2"}}, "PAR(A)"), "A");
   EXPECT_EQ(ev.TablaParametros.Cantidad(), 1U);
   EXPECT_EQ(ev.TablaParametros.Campo(0, 0), "A");  // with the flag on, the table is not reset
+}
+
+TEST_F(Parametros, WithoutANameThereIsNothingToReplace) {
+  EXPECT_EQ(ConTabla({{"", "7"}}, "1+1"), "2");
+  EXPECT_TRUE(cajas.empty());
+}
+
+// Each is looked for in the whole text.
+TEST_F(Parametros, TooManyForTheText) {
+  std::vector<std::vector<std::string>> tabla;
+  for (int i = 0; i < 1000; ++i) tabla.push_back({"X" + std::to_string(i), "1"});
+  ConTabla(std::move(tabla), "1+1" + Repetir(" ", kMuchos) + "+1");
+  EsperarUnaCaja(kLarga);
 }
 
 TEST_F(Parametros, ValuesThatNameThemselves) {
@@ -250,8 +270,65 @@ TEST_F(Limites, WildcardsThatMultiply) {
   linea[14] = Repetir("9", 10'000);
   EXPECT_EQ(formula::ReemplazaComodines("Tipo", linea), "");
   EXPECT_EQ(formula::CalcularFormula(ev, "Tipo", linea), 0.0F);
+  EXPECT_STREQ(ev.agotado, "La fórmula es demasiado larga con los datos de la línea");
   linea[3] = "8";
   EXPECT_EQ(formula::ReemplazaComodines("Horas+Tipo", linea), "8+" + Repetir("8", 2000));
+}
+
+TEST_F(Limites, WildcardsUpToTheLimit) {
+  formula::CamposDeLinea linea;
+  linea[4] = Repetir("9", formula::kLargoMaximo);
+  EXPECT_EQ(formula::ReemplazaComodines("Tipo", linea).size(), formula::kLargoMaximo);
+  EXPECT_EQ(formula::ReemplazaComodines("Tipo1", linea), "");
+  linea[4] += "9";
+  EXPECT_EQ(formula::ReemplazaComodines("Tipo", linea), "");
+}
+
+// A query of many conditions is an ordinary one.
+TEST_F(Limites, LongQueriesRun) {
+  sesion.conexion = std::make_unique<SiempreLoMismo>("7");
+  ev.sesion = &sesion;
+  EXPECT_EQ(Evaluar("SQL(CAMPO A EN T SOLOSI B=1" + Repetir(" O B=1", 2000) + ")"), "7");
+  EXPECT_TRUE(cajas.empty());
+}
+
+// What one evaluation took is not held against the next.
+TEST_F(Limites, EachEvaluationStartsAfresh) {
+  const std::string texto = "1+" + Repetir(" ", 1'000'000) + "1";
+  for (int vez = 0; vez < 40; ++vez) ASSERT_EQ(formula::EvaluarTexto(ev, texto), "2") << vez;
+  EXPECT_TRUE(avisos.cajas.empty());
+}
+
+// Four million characters, with what a group puts in its place.
+TEST_F(Limites, AValueMayNotMakeTheTextTooLong) {
+  const std::string grupo = "[LISTA(CAMPO A EN T;,)]", valor = Repetir("9", 2'000'000);
+  constexpr std::size_t kMaximo = std::size_t{1} << 22;
+  sesion.conexion = std::make_unique<SiempreLoMismo>(valor);
+  ev.sesion = &sesion;
+  const std::string justo = Repetir("A", kMaximo - valor.size());
+  EXPECT_EQ(Evaluar(grupo + justo).size(), kMaximo);
+  EXPECT_TRUE(cajas.empty());
+  Evaluar(grupo + justo + "A");
+  EsperarUnaCaja(kLarga);
+}
+
+// Nor may a list be longer, but for its last row.
+TEST_F(Limites, AListEndsAtTheSameLength) {
+  constexpr std::size_t kMaximo = std::size_t{1} << 22;
+  const auto lista = [&](std::size_t primera) {
+    auto conexion = std::make_unique<prueba::ConexionFalsa>();
+    prueba::Respuesta filas;
+    filas.columnas = {"a"};
+    filas.celdas = {base::Valor(Repetir("9", primera)), base::Valor(std::string("8"))};
+    conexion->respuestas.push_back(std::move(filas));
+    sesion.conexion = std::move(conexion);
+    ev.sesion = &sesion;
+    return formula::EvaluarTexto(ev, "LISTA(CAMPO A EN T;,)");
+  };
+  EXPECT_EQ(lista(kMaximo - 1).size(), kMaximo + 1);
+  EXPECT_EQ(ev.agotado, nullptr);
+  lista(kMaximo);
+  EXPECT_NE(ev.agotado, nullptr);
 }
 
 TEST_F(Limites, AGivenUpFormulaImportsNothing) {
