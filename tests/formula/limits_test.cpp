@@ -24,7 +24,7 @@ std::string Repetir(std::string_view texto, std::size_t veces) {
 }
 
 // A connection whose every query gives one row of one text.
-class SiempreLoMismo final : public db::Connection {
+class SiempreLoMismo : public db::Connection {
  public:
   explicit SiempreLoMismo(std::string texto) : texto_(std::move(texto)) {}
   std::size_t consultas = 0;
@@ -48,6 +48,18 @@ class SiempreLoMismo final : public db::Connection {
 
  private:
   std::string texto_;
+};
+
+// One whose queries take more than they may.
+class NoTermina final : public SiempreLoMismo {
+ public:
+  explicit NoTermina(db::QueryInterrupted::By por) : SiempreLoMismo("7"), por_(por) {}
+  db::Recordset QueryBounded(std::string_view, db::QueryBudget&) override {
+    throw db::QueryInterrupted(por_);
+  }
+
+ private:
+  db::QueryInterrupted::By por_;
 };
 
 class Limites : public ::testing::Test {
@@ -282,6 +294,16 @@ TEST_F(Limites, WildcardsUpToTheLimit) {
   EXPECT_EQ(formula::ReemplazaComodines("Tipo1", linea), "");
   linea[4] += "9";
   EXPECT_EQ(formula::ReemplazaComodines("Tipo", linea), "");
+}
+
+TEST_F(Limites, AnInterruptedQuerySaysWhatWasTooMuch) {
+  ev.sesion = &sesion;
+  sesion.conexion = std::make_unique<NoTermina>(db::QueryInterrupted::By::Work);
+  Evaluar("1+SQL(CAMPO A EN T)");
+  EsperarUnaCaja("La consulta de la fórmula se interrumpió: da demasiado trabajo a la base");
+  sesion.conexion = std::make_unique<NoTermina>(db::QueryInterrupted::By::Size);
+  Evaluar("1+SQL(CAMPO A EN T)");
+  EsperarUnaCaja("La consulta de la fórmula se interrumpió: su resultado es demasiado grande");
 }
 
 // A query of many conditions is an ordinary one.

@@ -6,6 +6,7 @@
 #include "conexion_falsa.h"
 #include "formula/evaluator.h"
 #include "formula/line_formula.h"
+#include "formula/user_tables.h"
 
 namespace {
 
@@ -64,6 +65,24 @@ TEST_P(StorageFault, TravelsOutOfTheLineFormula) {
   EXPECT_THROW(formula::CalcularFormula(ev, std::string("+") + GetParam(), linea), base::Error);
   ExpectAsBefore();
   EXPECT_EQ(formula::CalcularFormula(ev, "+1", linea), 9.0F);
+}
+
+// The run is undone: nothing is put back on top of what could not be written.
+TEST(StorageFaultInASeries, EndsTheWriting) {
+  db::DbSession sesion;
+  auto falsa = std::make_unique<prueba::ConexionFalsa>();
+  prueba::ConexionFalsa* conexion = falsa.get();
+  sesion.conexion = std::move(falsa);
+  conexion->respuestas.resize(4);  // series, number, delete, insert
+  conexion->respuestas.back().error = "No se pudo escribir la página 7";
+  conexion->respuestas.back().kind = base::ErrorKind::Storage;
+  try {
+    formula::GuardarValorTablaUsuario(sesion, 5, "101", "9", base::FechaDe(2024, 6, 1));
+    FAIL() << "passed over";
+  } catch (const base::Error& e) {
+    EXPECT_TRUE(e.IsStorageFault());
+  }
+  EXPECT_EQ(conexion->textos.size(), 4U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Traps, StorageFault,
