@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,11 +37,12 @@ struct Estado {
   std::string motivo_base;  // why the base is not open; empty when it is
   // The base cannot be trusted, in Spanish; each is empty when there is nothing to say. See
   // MotivoParaNoImportar.
-  std::string fallo_de_base;   // a fault of the storage or of the memory since all of it was last read
-  std::string motivo_empresa;  // the company row could not be read
-  std::string motivo_tablas;   // the user tables could not
-  std::string solo_lectura;    // it is open for reading only, and why
-  std::string motivo_fin;      // why the program must end at once: its settings cannot be read
+  std::string fallo_de_base;     // a fault of the storage or of the memory since all of it was last read
+  std::string motivo_empresa;    // the company row could not be read
+  std::string motivo_tablas;     // the user tables could not
+  std::string solo_lectura;      // it is open for reading only, and why
+  std::string motivo_fin;        // why the program must end at once: its settings cannot be read
+  bool grilla_a_medias = false;  // the grid was loaded while something could not be read
   std::string LblEmpresa;
   base::Fecha mes;  // first day of the month of ObjSelMes
 
@@ -51,7 +53,13 @@ struct Estado {
   relations::CodeRelations relaciones;   // with the rows of GridRelaciones
   formula::TablasUsuario tablas;
 
+  // Of the relations as they were loaded: the option that decided where they came from (none: never loaded),
+  // and their text.
+  std::optional<bool> relaciones_automaticas;
+  std::string relaciones_leidas;
+
   // File and filter.
+  std::string titulo_dialogo;  // of ComDlg
   TextBox txtRuta, txtFiltro, txtFormulaSGN, txtSeparador, txtTextoTipoCuota, txtTipo;
   std::array<std::array<TextBox, 2>, 5> txtAE;  // txtA … txtE: start, length
   int OptFiltro = 1;                            // 0 "Por Texto", 1 "Por Relación"

@@ -52,21 +52,14 @@ bool ElegirDestino(app::Programa& programa, const OpcionesImportar& o, std::ostr
   if (o.liquidacion) {
     const int i = Elegir(programa.Ver().tipos.cmbLiquidaciones, *o.liquidacion, "--liquidacion", err);
     if (i < 0) return false;
-    programa.cmbLiquidaciones_Click(i);
+    programa.Archivo().cmbLiquidaciones_Click(i);
   }
   if (o.cc) {
     const int i = Elegir(programa.Ver().tipos.cmbAgrupa, *o.cc, "--cc", err);
     if (i < 0) return false;
-    programa.cmbAgrupa_Click(i);
+    programa.Archivo().cmbAgrupa_Click(i);
   }
   return true;
-}
-
-// What was read but not written stays as it was, the month parameter included.
-void Deshacer(app::Programa& programa) {
-  db::Connection* conexion = programa.Sesion().conexion.get();
-  if (conexion != nullptr && conexion->EnTransaccion())
-    base::AnyErrorNoted("deshacer", nullptr, [&] { conexion->RollbackTrans(); });
 }
 
 // `avisos`: something was told before that may not be meant.
@@ -107,9 +100,9 @@ bool FaltaLeer(const app::Programa& programa, std::ostream& err) {
 }
 
 int ImportarYMostrar(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
-  const std::vector<std::string> avisos = programa.Avisos();
+  const std::vector<std::string> avisos = programa.Importador().Avisos();
   for (const std::string& aviso : avisos) f.err << "Aviso: " << EnUnaLinea(aviso) << '\n';
-  if (!programa.Ver().filas.empty()) programa.Importar(o.solo_revisar);
+  if (!programa.Ver().filas.empty()) programa.Importador().Importar(o.solo_revisar);
   return Mostrar(o, programa, !avisos.empty(), f);
 }
 
@@ -118,7 +111,7 @@ int CargarEImportar(app::Programa& programa, const OpcionesImportar& o, Flujos f
   if (!ElegirDestino(programa, o, f.err)) return kUso;
   // One load: choosing the other filter brings its own.
   if (o.filtro_texto)
-    programa.OptFiltro_Click(0);
+    programa.Archivo().OptFiltro_Click(0);
   else
     programa.Activate();
   if (FaltaLeer(programa, f.err)) return kEntradaSalida;
@@ -150,7 +143,7 @@ int Importar(const OpcionesImportar& o, const std::string& carpeta, const ports:
     return kSinBase;
   }
   const int codigo = CargarEImportar(programa, o, f);
-  Deshacer(programa);
+  programa.Deshacer();
   for (const auto& error : programa.Errores())
     f.err << "Aviso: " << error.donde << ": " << error.descripcion << '\n';
   return codigo;

@@ -15,9 +15,9 @@ namespace formula {
 
 // What one evaluator keeps between calls and whom it may ask.
 struct Evaluador {
-  db::DbSession* sesion = nullptr;      // SQL and LISTA run here; null or closed: they fail
-  ports::Prompts* prompts = nullptr;    // the message boxes; null: none
-  const ports::Clock* reloj = nullptr;  // HOY and dates without a year; the session's when null
+  const db::DbSession* sesion = nullptr;  // SQL and LISTA run here; null or closed: they fail
+  ports::Prompts* prompts = nullptr;      // the message boxes; null: none
+  const ports::Clock* reloj = nullptr;    // HOY and dates without a year; the session's when null
   base::Locale locale = base::Locale::espanol();
   Vector TablaParametros;  // field 0 name, field 1 value
   bool ParametrosActivos = false;

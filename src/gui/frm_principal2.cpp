@@ -37,14 +37,14 @@ FrmPrincipal2::FrmPrincipal2(app::Programa& programa, const Tema& tema, Bomba* b
   ConectarRelaciones();
   ConectarGrillas();
   ConectarSesion();
-  programa_.al_cambiar = [this] { Sincronizar(); };
+  programa_.AlCambiar([this] { Sincronizar(); });
   programa_.BarraDeProgreso().al_pintar = [this] { PintarBarra(); };
   resize(1280, 720);
   Sincronizar();
 }
 
 FrmPrincipal2::~FrmPrincipal2() {
-  programa_.al_cambiar = nullptr;
+  programa_.AlCambiar(nullptr);
   programa_.BarraDeProgreso().al_pintar = nullptr;
 }
 
@@ -165,7 +165,7 @@ void FrmPrincipal2::keyPressEvent(QKeyEvent* evento) {
   if (evento->key() == Qt::Key_Escape) {
     for (const int i : {0, 1})
       if (programa_.Ver().AreConf_visible[static_cast<std::size_t>(i)])
-        return Hacer([i](app::Programa& p) { p.cbConfigurar_Click(i); });
+        return Hacer([i](app::Programa& p) { p.Opciones().cbConfigurar_Click(i); });
   }
   QWidget::keyPressEvent(evento);
 }
@@ -184,8 +184,8 @@ void FrmPrincipal2::dropEvent(QDropEvent* evento) {
   QTimer::singleShot(0, this, [this, ruta] {
     Hacer([&ruta](app::Programa& p) {
       if (!p.PuedeCerrar()) return;  // a load or an import runs: the file is ignored like a second load
-      p.txtRuta_Change(ruta);
-      p.CargarDatos();
+      p.Archivo().txtRuta_Change(ruta);
+      p.Lineas().CargarDatos();
     });
   });
 }

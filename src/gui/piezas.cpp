@@ -81,7 +81,7 @@ void Combo::wheelEvent(QWheelEvent* evento) { evento->ignore(); }
 
 void Combo::keyPressEvent(QKeyEvent* evento) {
   const bool enter = evento->key() == Qt::Key_Return || evento->key() == Qt::Key_Enter;
-  if (enter_es_tab && enter && app::Programa::EnterEsTab('\r')) {
+  if (enter_es_tab && enter && app::Archivo::EnterEsTab('\r')) {
     focusNextPrevChild(true);
     return;
   }

@@ -27,7 +27,7 @@ struct ContractTypeCache {
 
 // What one run of the import works on and keeps between its lines. Nothing is owned but the run's own tables.
 struct Corrida {
-  db::DbSession* sesion = nullptr;
+  const db::DbSession* sesion = nullptr;
   const settings::Settings* opciones = nullptr;
   const refdata::PersonsIndex* personas = nullptr;
   formula::Evaluador* evaluador = nullptr;

@@ -29,7 +29,7 @@ std::string TextoConfirmacion(const DatosConfirmacion& datos);
 std::string TypeFilterDe(const formula::ListControl& cmbLiquidaciones);
 
 struct EntradaImportacion {
-  db::DbSession* sesion = nullptr;
+  const db::DbSession* sesion = nullptr;
   const settings::Settings* opciones = nullptr;
   const refdata::PersonsIndex* personas = nullptr;
   const relations::CodeRelations* relaciones = nullptr;

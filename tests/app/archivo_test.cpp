@@ -11,14 +11,14 @@ class Archivo : public prueba::Banco {
     Demo();
     ASSERT_TRUE(Crear().Iniciar(demo_.referencia));
     Escribir("vacio.txt", "");
-    programa_->txtRuta_Change(Ruta("vacio.txt"));
-    programa_->OptFiltro_Click(0);  // by text, with none: every line stays
-    programa_->txtFiltro_Change("");
+    programa_->Archivo().txtRuta_Change(Ruta("vacio.txt"));
+    programa_->Archivo().OptFiltro_Click(0);  // by text, with none: every line stays
+    programa_->Archivo().txtFiltro_Change("");
   }
   void Cargar(const std::string& bytes) {
     Escribir("x.txt", bytes);
-    programa_->txtRuta_Change(Ruta("x.txt"));
-    programa_->txtRuta_KeyPress(13);
+    programa_->Archivo().txtRuta_Change(Ruta("x.txt"));
+    programa_->Archivo().txtRuta_KeyPress(13);
   }
 };
 
@@ -26,10 +26,10 @@ TEST_F(Archivo, OnlyEnterLoads) {
   Cargar("1;1;8");
   EXPECT_EQ(programa_->Ver().filas.size(), 1U);
   Escribir("x.txt", "1;1;8\r\n2;1;8");
-  programa_->txtRuta_KeyPress('a');
-  programa_->txtFiltro_KeyPress(9);
+  programa_->Archivo().txtRuta_KeyPress('a');
+  programa_->Archivo().txtFiltro_KeyPress(9);
   EXPECT_EQ(programa_->Ver().filas.size(), 1U);
-  programa_->txtFiltro_KeyPress(13);
+  programa_->Archivo().txtFiltro_KeyPress(13);
   EXPECT_EQ(programa_->Ver().filas.size(), 2U);
 }
 
@@ -41,8 +41,8 @@ TEST_F(Archivo, ALoadThatStopsEarlyLeavesRowsAndPreview) {
   EXPECT_EQ(programa_->Ver().filas.size(), 2U);
   EXPECT_EQ(programa_->Ver().filas_previa, previa);
   cajas_.esperadas = {"El Archivo '" + Ruta("no.txt") + "' no existe"};
-  programa_->txtRuta_Change(Ruta("no.txt"));
-  programa_->cbActualizar_Click();
+  programa_->Archivo().txtRuta_Change(Ruta("no.txt"));
+  programa_->Archivo().cbActualizar_Click();
   EXPECT_EQ(programa_->Ver().filas.size(), 2U);
   EXPECT_FALSE(programa_->BarraDeProgreso().Visible());
   EXPECT_FALSE(std::filesystem::exists(Ruta("no.txt")));
@@ -51,7 +51,7 @@ TEST_F(Archivo, ALoadThatStopsEarlyLeavesRowsAndPreview) {
 TEST_F(Archivo, SearchPutsThePathAndLoads) {
   Escribir("y.txt", "1;1;8");
   cajas_.archivo = Ruta("y.txt");
-  programa_->cbBuscar_Click();
+  programa_->Archivo().cbBuscar_Click();
   EXPECT_EQ(programa_->Ver().txtRuta.text, Ruta("y.txt"));
   EXPECT_EQ(programa_->Ver().filas.size(), 1U);
   EXPECT_EQ(cajas_.dialogos.back(), "Seleccionar archivo a importar||" + Ruta("vacio.txt"));
@@ -65,7 +65,7 @@ TEST_F(Archivo, TheValueColumnShowsWhenALineHasOne) {
 }
 
 TEST_F(Archivo, ThePreviewFollowsTheFormat) {
-  programa_->txtSeparador_Change(";");
+  programa_->Formato().txtSeparador_Change(";");
   cajas_.esperadas = {"Formato incorrecto en la linea 2"};
   Cargar("000123;HC;8,5\r\nx;y");
   using Filas = std::vector<std::vector<std::string>>;
@@ -73,41 +73,41 @@ TEST_F(Archivo, ThePreviewFollowsTheFormat) {
 }
 
 TEST_F(Archivo, SwitchingTheFormatEnablesItsBoxes) {
-  programa_->optTipoArch_Click(1);
+  programa_->Formato().optTipoArch_Click(1);
   EXPECT_TRUE(programa_->Ver().opciones.AnchoFijo);
   EXPECT_FALSE(programa_->Ver().txtSeparador.enabled);
   for (const auto& par : programa_->Ver().txtAE)
     for (const auto& caja : par) EXPECT_TRUE(caja.enabled);
-  programa_->optTipoArch_Click(0);
+  programa_->Formato().optTipoArch_Click(0);
   EXPECT_TRUE(programa_->Ver().txtSeparador.enabled);
   EXPECT_FALSE(programa_->Ver().txtAE[4][1].enabled);
 }
 
 TEST_F(Archivo, ALayoutBoxChangesItsColumnAndArmsTheTimer) {
-  programa_->optTipoArch_Click(1);
+  programa_->Formato().optTipoArch_Click(1);
   EXPECT_FALSE(programa_->Ver().Timer1_enabled);
-  programa_->txtAE_Change(1, 0, "");
+  programa_->Formato().txtAE_Change(1, 0, "");
   EXPECT_FALSE(programa_->Ver().Timer1_enabled);
-  programa_->txtAE_Change(1, 0, "9");
-  programa_->txtAE_Change(1, 1, "4x");
+  programa_->Formato().txtAE_Change(1, 0, "9");
+  programa_->Formato().txtAE_Change(1, 1, "4x");
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].inicio, 9);
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].largo, 4);
   EXPECT_TRUE(programa_->Ver().Timer1_enabled);
-  programa_->Timer1_Timer();
+  programa_->Formato().Timer1_Timer();
   EXPECT_FALSE(programa_->Ver().Timer1_enabled);
-  programa_->txtAE_Change(1, 0, "nada");
+  programa_->Formato().txtAE_Change(1, 0, "nada");
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].inicio, 0);
-  programa_->txtAE_Change(1, 0, "99999");
+  programa_->Formato().txtAE_Change(1, 0, "99999");
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].inicio, 32767);
 }
 
 TEST_F(Archivo, TheSeparatorArmsTheTimerOnce) {
-  programa_->txtSeparador_Change("");
+  programa_->Formato().txtSeparador_Change("");
   EXPECT_FALSE(programa_->Ver().Timer1_enabled);
-  programa_->txtSeparador_Change("|");
-  programa_->txtSeparador_Change("||");
+  programa_->Formato().txtSeparador_Change("|");
+  programa_->Formato().txtSeparador_Change("||");
   EXPECT_TRUE(programa_->Ver().Timer1_enabled);
-  programa_->Timer1_Timer();
+  programa_->Formato().Timer1_Timer();
   EXPECT_FALSE(programa_->Ver().Timer1_enabled);
 }
 
@@ -116,9 +116,9 @@ TEST_F(Archivo, TheSeparatorArmsTheTimerOnce) {
 TEST_F(Archivo, MovedPreviewColumnsBecomeTheLayout) {
   std::filesystem::remove(Ruta("ImportDeMarcas.ini"));
   ASSERT_TRUE(Crear().Iniciar(demo_.referencia));
-  programa_->GridPVConf_ColumnasMovidas({1, 0, 2, 3, 4});
+  programa_->Formato().GridPVConf_ColumnasMovidas({1, 0, 2, 3, 4});
   EXPECT_TRUE(programa_->Ver().Timer1_enabled);
-  programa_->Timer1_Timer();
+  programa_->Formato().Timer1_Timer();
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[0].campo, 2);
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[1].campo, 1);
   EXPECT_EQ(programa_->Ver().opciones.ConfDeAF[2].campo, 3);
@@ -133,8 +133,8 @@ TEST_F(Archivo, PreviewColumnsThatStayLeaveTheLayout) {
     auto lugares = programa_->Ver().posicion_previa;
     std::sort(lugares.begin(), lugares.end());
     EXPECT_EQ(lugares, (std::array<int, 5>{0, 1, 2, 3, 4})) << diseno;
-    programa_->txtAE_Change(0, 1, "5");
-    programa_->Timer1_Timer();
+    programa_->Formato().txtAE_Change(0, 1, "5");
+    programa_->Formato().Timer1_Timer();
     std::string campos;
     for (const auto& columna : programa_->Ver().opciones.ConfDeAF) campos += std::to_string(columna.campo);
     return campos;
@@ -161,22 +161,22 @@ TEST_F(Archivo, AHeaderClickSortsByItsColumn) {
     return s;
   };
   EXPECT_EQ(claves(), "1 2 3 ");
-  programa_->GridAImportar_HeadClick("Horas");
+  programa_->Lineas().GridAImportar_HeadClick("Horas");
   EXPECT_EQ(claves(), "1 3 2 ");  // 9, 10, 100: as numbers
-  programa_->cbActualizar_Click();
+  programa_->Archivo().cbActualizar_Click();
   EXPECT_EQ(claves(), "1 3 2 ");  // the column is kept
-  programa_->GridAImportar_HeadClick("Resultado");
+  programa_->Lineas().GridAImportar_HeadClick("Resultado");
   EXPECT_EQ(claves(), "1 3 2 ");
 }
 
 TEST_F(Archivo, ChangingTheMonthReloadsPersonsAndRows) {
-  programa_->ObjSelMes_Change(base::FechaDe(2026, 9, 17));
+  programa_->Archivo().ObjSelMes_Change(base::FechaDe(2026, 9, 17));
   EXPECT_EQ(programa_->Ver().mes, base::FechaDe(2026, 9, 1));
   EXPECT_EQ(Consulta("Select Valor From valores Where codigo='PARFECHA' And idEmpresa=" +
                      std::to_string(programa_->Sesion().idEmpresa)),
             "#09/01/2026#");
   const std::size_t septiembre = programa_->Ver().personas.Cantidad();
-  programa_->ObjSelMes_Change(base::FechaDe(2026, 10, 31));
+  programa_->Archivo().ObjSelMes_Change(base::FechaDe(2026, 10, 31));
   EXPECT_NE(programa_->Ver().personas.Cantidad(), septiembre);
 }
 
@@ -184,7 +184,7 @@ TEST_F(Archivo, ChangingTheMonthReloadsPersonsAndRows) {
 TEST_F(Archivo, ChangingTheMonthMatchesTheRowsAnew) {
   Cargar("007008;HC;8");
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "Ana");
-  programa_->ObjSelMes_Change(base::FechaDe(1990, 1, 31));
+  programa_->Archivo().ObjSelMes_Change(base::FechaDe(1990, 1, 31));
   EXPECT_EQ(programa_->Ver().personas.Cantidad(), 0U);
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "");
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kCC], "0");
@@ -194,21 +194,21 @@ TEST_F(Archivo, ChangingTheMonthMatchesTheRowsAnew) {
 TEST_F(Archivo, ChangingTheKeyKindMatchesTheRowsAnew) {
   Cargar("007008;HC;8");
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "Ana");
-  programa_->cbTipoClave_Click(0);
+  programa_->Opciones().cbTipoClave_Click(0);
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "");
-  programa_->cbTipoClave_Click(2);
+  programa_->Opciones().cbTipoClave_Click(2);
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "Ana");
 }
 
 TEST_F(Archivo, TheImportAsksAndNoChangesNothing) {
   Cargar("1;1;8");
-  programa_->cbImportar_Click(2);  // not the primary button
+  programa_->Importador().cbImportar_Click(2);  // not the primary button
   EXPECT_TRUE(cajas_.preguntas.empty());
   const std::string antes = Consulta("Select Count(*) From Datos_Liquidacion");
   cajas_.respuestas = {false};
-  programa_->cbImportar_Click(1);
+  programa_->Importador().cbImportar_Click(1);
   ASSERT_EQ(cajas_.preguntas.size(), 1U);
-  EXPECT_EQ(cajas_.preguntas[0], programa_->Confirmacion());
+  EXPECT_EQ(cajas_.preguntas[0], programa_->Importador().Confirmacion());
   EXPECT_EQ(Consulta("Select Count(*) From Datos_Liquidacion"), antes);
   EXPECT_EQ(programa_->Ver().filas[0].resultado, "");
   EXPECT_FALSE(app::Grid(programa_->Ver().GridAImportar).Columna("Resultado")->visible);
@@ -217,7 +217,7 @@ TEST_F(Archivo, TheImportAsksAndNoChangesNothing) {
 TEST_F(Archivo, TheImportAnsweredYesShowsTheResults) {
   Cargar("99999;1;8");
   cajas_.respuestas = {true};
-  programa_->cbImportar_Click(1);
+  programa_->Importador().cbImportar_Click(1);
   EXPECT_EQ(programa_->Ver().filas[0].resultado,
             "La Persona no existe o no tiene contrato activo en el mes seleccionado");
   EXPECT_TRUE(app::Grid(programa_->Ver().GridAImportar).Columna("Resultado")->visible);
@@ -230,16 +230,16 @@ TEST_F(Archivo, WithoutABaseNothingBreaks) {
   ASSERT_TRUE(Crear().Iniciar("nada*"));
   app::Programa& p = *programa_;
   cajas_.esperadas = {"La Base no está Abierta"};
-  p.chkSoloDReloj_Click(true);
-  p.chkImportarCuotas_Click(true);
-  p.chkConCC_Click(true);
-  p.chkVincAutConOrsa_Click(true);
+  p.Opciones().chkSoloDReloj_Click(true);
+  p.Opciones().chkImportarCuotas_Click(true);
+  p.Opciones().chkConCC_Click(true);
+  p.Opciones().chkVincAutConOrsa_Click(true);
   EXPECT_EQ(p.Ver().relaciones.Cantidad(), 0U);
   cajas_.esperadas = {"La Base no está Abierta", "El Archivo '" + Ruta("no.txt") + "' no existe"};
-  p.txtRuta_Change(Ruta("no.txt"));
-  p.ObjSelMes_Change(base::FechaDe(2026, 1, 5));
+  p.Archivo().txtRuta_Change(Ruta("no.txt"));
+  p.Archivo().ObjSelMes_Change(base::FechaDe(2026, 1, 5));
   cajas_.esperadas = {"La Base no está Abierta"};  // and no question
-  p.cbImportar_Click(1);
+  p.Importador().cbImportar_Click(1);
   EXPECT_TRUE(p.Unload());
 }
 

@@ -82,7 +82,7 @@ class Banco : public ::testing::Test {
     demo_ = app::CrearCarpetaDemo(carpeta_.string(), kMes, reloj_, motor);
   }
   app::Programa& Crear() {
-    programa_ = std::make_unique<app::Programa>(app::Puertos{cajas_, cajas_, reloj_, &eventos_},
+    programa_ = std::make_unique<app::Programa>(app::Puertos{cajas_, cajas_, reloj_, &eventos_, conectar_},
                                                 app::Arranque{carpeta_.string(), "1.0.0", {}, {}, false});
     return *programa_;
   }
@@ -107,6 +107,7 @@ class Banco : public ::testing::Test {
   Cajas cajas_;
   Eventos eventos_;
   app::CarpetaDemo demo_;
+  decltype(app::Puertos::conectar) conectar_ = app::AbrirReferencia;
   std::unique_ptr<app::Programa> programa_;
 };
 

@@ -8,9 +8,9 @@ TEST_F(Cierre, WritesEveryKeyInItsOrder) {
   app::Programa& p = Crear();
   cajas_.esperadas = {"Error al abrir la base ubicada en nada"};
   ASSERT_TRUE(p.Iniciar("nada*"));
-  p.txtSeparador_Change(";");
-  p.txtFiltro_Change("Tipo=7");
-  p.chkConCC_Click(true);
+  p.Formato().txtSeparador_Change(";");
+  p.Archivo().txtFiltro_Change("Tipo=7");
+  p.Opciones().chkConCC_Click(true);
   EXPECT_TRUE(p.Unload());
   EXPECT_EQ(Leer("ImportDeMarcas.ini"),
             "[TextoDeFiltro]\r\nTipo=7\r\n[/TextoDeFiltro]\r\n"
@@ -41,7 +41,7 @@ TEST_F(Cierre, TheSettingsFolderIsMadeWhenItIsMissing) {
   ASSERT_TRUE(p.Iniciar("nada*"));
   EXPECT_EQ(Leer("de/nadie/ImportDeMarcas.ini"), "");
   EXPECT_TRUE(std::filesystem::exists(Ruta("de/nadie/ImportDeMarcas.ini")));
-  p.txtFiltro_Change("Tipo=7");
+  p.Archivo().txtFiltro_Change("Tipo=7");
   EXPECT_TRUE(p.Unload());
   EXPECT_EQ(Leer("de/nadie/ImportDeMarcas.ini").substr(0, 23), "[TextoDeFiltro]\r\nTipo=7");
 }
@@ -63,15 +63,15 @@ TEST_F(Cierre, AnotherStartFindsWhatWasLeft) {
   {
     app::Programa& p = Crear();
     ASSERT_TRUE(p.Iniciar("nada*"));
-    p.optTipoArch_Click(1);
-    p.txtAE_Change(3, 0, "20");
-    p.txtAE_Change(3, 1, "5");
-    p.txtFormulaSGN_Change("ENTERO(ñ)");
-    p.chkSumarAyaIng_Click(false);
-    p.chkTotalizarConc_Click(false);
-    p.chkNoImpValEnCero_Click(true);
-    p.chkLiqHCaMensuales_Click(true);
-    p.cbTipoClave_Click(2);
+    p.Formato().optTipoArch_Click(1);
+    p.Formato().txtAE_Change(3, 0, "20");
+    p.Formato().txtAE_Change(3, 1, "5");
+    p.Formato().txtFormulaSGN_Change("ENTERO(ñ)");
+    p.Opciones().chkSumarAyaIng_Click(false);
+    p.Opciones().chkTotalizarConc_Click(false);
+    p.Opciones().chkNoImpValEnCero_Click(true);
+    p.Opciones().chkLiqHCaMensuales_Click(true);
+    p.Opciones().cbTipoClave_Click(2);
     p.Unload();
   }
   const app::Estado& e = (Crear().Iniciar("nada*"), programa_->Ver());
@@ -129,8 +129,8 @@ TEST_F(Cierre, AFailedLoadOfRelationsSavesNoneOverThem) {
     ASSERT_TRUE(p.Iniciar(demo_.referencia));
     p.Sesion().conexion->Ejecutar("Insert into DatExtDatos (idTDE,idLoc,idDE) Values(77,7,'09')");
     p.Sesion().conexion->Ejecutar("Drop Table Conceptos");
-    p.chkVincAutConOrsa_Click(true);
-    p.chkVincAutConOrsa_Click(false);
+    p.Opciones().chkVincAutConOrsa_Click(true);
+    p.Opciones().chkVincAutConOrsa_Click(false);
     EXPECT_EQ(p.Ver().relaciones.Cantidad(), 0U);
     EXPECT_TRUE(p.Unload());
     EXPECT_EQ(Consulta("Select Count(*) From DatExtDatos Where idTDE=77"), "1");

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "app/conector.h"
 #include "base/text.h"
 #include "db/connection.h"
 
@@ -24,6 +25,9 @@ class ConexionQueFalla final : public db::Connection {
  public:
   ConexionQueFalla(std::unique_ptr<db::Connection> abajo, std::shared_ptr<Desperfecto> desperfecto)
       : abajo_(std::move(abajo)), desperfecto_(std::move(desperfecto)) {}
+
+  // Answers from now on instead of what answered.
+  void Poner(std::unique_ptr<db::Connection> abajo) { abajo_ = std::move(abajo); }
 
   bool Abierta() const override { return abajo_->Abierta(); }
   void Cerrar() override { abajo_->Cerrar(); }
@@ -58,5 +62,14 @@ class ConexionQueFalla final : public db::Connection {
   std::unique_ptr<db::Connection> abajo_;
   std::shared_ptr<Desperfecto> desperfecto_;
 };
+
+// Opens a reference with such a connection over it.
+inline auto ConectarQueFalla(std::shared_ptr<Desperfecto> desperfecto) {
+  return [desperfecto](const std::string& referencia, const ports::Clock& reloj) {
+    app::Conexion c = app::AbrirReferencia(referencia, reloj);
+    if (c.conexion) c.conexion = std::make_unique<ConexionQueFalla>(std::move(c.conexion), desperfecto);
+    return c;
+  };
+}
 
 }  // namespace prueba

@@ -2,6 +2,7 @@
 // before or as after, and the program says which.
 #include <random>
 
+#include "app/conexion_que_falla.h"
 #include "banco.h"
 #include "base/file.h"
 #include "engine_mdb/connection_internal.h"
@@ -23,6 +24,7 @@ class ImportarConCortes : public prueba::Banco {
   void SetUp() override {
     Banco::SetUp();
     Demo();
+    conectar_ = prueba::ConectarQueFalla(std::make_shared<prueba::Desperfecto>());
     const std::string base = Leer("Personal.mdb");
     antes_.assign(base.begin(), base.end());
   }
@@ -39,8 +41,9 @@ class ImportarConCortes : public prueba::Banco {
     EXPECT_EQ(p.Ver().filas.size(), 3U);
     engine_mdb::Opciones opciones;
     opciones.reloj = &reloj_;
-    p.Sesion().conexion = std::make_unique<engine_mdb::ConexionMdb>(
-        std::make_unique<mdb::Base>(mdb::PaginasDeArchivo::Abrir(kRuta, false, disco)), kRuta, opciones);
+    dynamic_cast<prueba::ConexionQueFalla&>(*p.Sesion().conexion)
+        .Poner(std::make_unique<engine_mdb::ConexionMdb>(
+            std::make_unique<mdb::Base>(mdb::PaginasDeArchivo::Abrir(kRuta, false, disco)), kRuta, opciones));
     disco->ContarDeNuevo();
     return p;
   }
@@ -55,7 +58,7 @@ class ImportarConCortes : public prueba::Banco {
     Escribir("pocas.txt", "007001;HC;8\r\n007001;HE;2,5\r\n007003;HC;4");
     const Disco disco = DiscoConBase();
     app::Programa& p = Preparar(disco);
-    p.Importar(false);
+    p.Importador().Importar(false);
     EXPECT_EQ(p.Ver().importacion.error, "");
     EXPECT_EQ(p.Ver().importacion.importadas, 3U);
     llamadas_ = disco->Llamadas();
@@ -77,7 +80,7 @@ TEST_F(ImportarConCortes, ACutAtAnyCallLeavesAllOrNothing) {
     const Disco disco = DiscoConBase();
     app::Programa& p = Preparar(disco);
     disco->CortarEn(corte);
-    EXPECT_THROW(p.Importar(false), mdb_test::Corte) << corte;
+    EXPECT_THROW(p.Importador().Importar(false), mdb_test::Corte) << corte;
     for (const Perdida perdida : {Perdida::Nada, Perdida::Todo, Perdida::AlAzar}) {
       std::mt19937 azar(static_cast<unsigned>(corte));
       const Bytes queda = AlAbrir(disco->Despues(perdida, azar));
@@ -99,7 +102,7 @@ TEST_F(ImportarConCortes, ACallThatFailsLeavesWhatTheProgramSays) {
     disco->FallarEn(falla);
     cajas_.esperadas.clear();
     cajas_.aceptar_todo = true;
-    p.Importar(false);
+    p.Importador().Importar(false);
     cajas_.aceptar_todo = false;
     disco->Sanar();
     const app::Estado& e = p.Ver();
@@ -125,7 +128,7 @@ TEST_F(ImportarConCortes, ADiskWithoutRoomLeavesTheFileAsItWas) {
     app::Programa& p = Preparar(disco);
     disco->Llenar(disco->Ocupado() + lugar);
     cajas_.aceptar_todo = true;
-    p.Importar(false);
+    p.Importador().Importar(false);
     cajas_.aceptar_todo = false;
     EXPECT_NE(p.Ver().importacion.error, "") << lugar;
     p.Sesion().conexion->Cerrar();

@@ -17,19 +17,14 @@ class Fallos : public prueba::Banco, public ::testing::WithParamInterface<demo::
   void SetUp() override {
     Banco::SetUp();
     Demo(GetParam());
+    conectar_ = prueba::ConectarQueFalla(desperfecto_);
     Escribir("pocas.txt", "007001;HC;8\r\n007001;HE;2,5\r\n007003;HE;4");
-  }
-  // The program's connection from now on.
-  void Envolver(app::Programa& p) {
-    p.Sesion().conexion =
-        std::make_unique<prueba::ConexionQueFalla>(std::move(p.Sesion().conexion), desperfecto_);
   }
   app::Programa& Cargado() {
     app::Programa& p = Crear();
     EXPECT_TRUE(p.IniciarCon(demo_.referencia, Ruta("pocas.txt")));
     p.Activate();
     EXPECT_EQ(p.Ver().filas.size(), 3U);
-    Envolver(p);
     return p;
   }
   void Romper(Falla falla, const std::string& en = {}) { *desperfecto_ = {falla, en, 0}; }
@@ -39,7 +34,7 @@ class Fallos : public prueba::Banco, public ::testing::WithParamInterface<demo::
   void NadaSeImporta(app::Programa& p, const std::string& caja) {
     const std::string antes = Datos();
     cajas_.esperadas = {caja};
-    p.cbImportar_Click(1);
+    p.Importador().cbImportar_Click(1);
     EXPECT_TRUE(cajas_.esperadas.empty());
     EXPECT_TRUE(cajas_.preguntas.empty());
     EXPECT_EQ(Datos(), antes);
@@ -47,7 +42,7 @@ class Fallos : public prueba::Banco, public ::testing::WithParamInterface<demo::
   void SeImporta(app::Programa& p) {
     EXPECT_EQ(p.MotivoParaNoImportar(), "");
     cajas_.respuestas = {true};
-    p.cbImportar_Click(1);
+    p.Importador().cbImportar_Click(1);
     EXPECT_EQ(p.Ver().importacion.importadas, 3U);
   }
 
@@ -60,12 +55,11 @@ TEST_P(Fallos, AtTheStartTheWindowStaysWithoutData) {
     for (const char* en : {"DatosUsuTablas", "Update valores", "Con_Contrato", "TipoOperacion"}) {
       SCOPED_TRACE(en);
       app::Programa& p = Crear();
-      Romper(falla, en);
-      bool envuelta = false;
-      p.al_cambiar = [&] {  // as soon as the company's types were read
-        if (!envuelta && p.Sesion().Abierta() && !p.Ver().tipos.cmbLiquidaciones.items.empty()) Envolver(p);
-        envuelta = envuelta || p.Sesion().Abierta();
-      };
+      bool rota = false;
+      p.AlCambiar([&] {  // as soon as the company's types were read
+        if (!rota && p.Sesion().Abierta() && !p.Ver().tipos.cmbLiquidaciones.items.empty()) Romper(falla, en);
+        rota = rota || p.Sesion().Abierta();
+      });
       const std::string motivo = falla == Falla::Memoria ? "No hay memoria suficiente." : "no contesta";
       cajas_.esperadas = {"Falló la base: " + motivo +
                           "\r\nNo se importa nada hasta volver a leerla entera."};
@@ -81,35 +75,35 @@ TEST_P(Fallos, AtTheStartTheWindowStaysWithoutData) {
       // Still out of order: told again, and nothing else.
       cajas_.esperadas = {"Falló la base: " + motivo +
                           "\r\nNo se importa nada hasta volver a leerla entera."};
-      p.cbActualizar_Click();
+      p.Archivo().cbActualizar_Click();
       EXPECT_TRUE(cajas_.esperadas.empty());
       EXPECT_TRUE(p.Ver().filas.empty());
       Sanar();
-      p.cbActualizar_Click();
+      p.Archivo().cbActualizar_Click();
       EXPECT_EQ(p.Ver().filas.size(), 3U);
       EXPECT_EQ(p.MotivoParaNoImportar(), "");
-      p.al_cambiar = nullptr;
+      p.AlCambiar(nullptr);
     }
 }
 
 // In the hands of the operator: whatever the handler reads.
 TEST_P(Fallos, InAHandlerTheyAreToldOnceAndStopImports) {
   const std::pair<const char*, std::function<void(app::Programa&)>> manejadores[] = {
-      {"clock data", [](auto& p) { p.chkSoloDReloj_Click(false); }},
-      {"month", [this](auto& p) { p.ObjSelMes_Change(kMes); }},
-      {"instalments", [](auto& p) { p.chkImportarCuotas_Click(true); }},
-      {"cost centre", [](auto& p) { p.chkConCC_Click(true); }},
-      {"cost centre in the extra datum", [](auto& p) { p.chkCCDefEnDatExt_Click(true); }},
-      {"automatic link", [](auto& p) { p.chkVincAutConOrsa_Click(true); }},
+      {"clock data", [](auto& p) { p.Opciones().chkSoloDReloj_Click(false); }},
+      {"month", [this](auto& p) { p.Archivo().ObjSelMes_Change(kMes); }},
+      {"instalments", [](auto& p) { p.Opciones().chkImportarCuotas_Click(true); }},
+      {"cost centre", [](auto& p) { p.Opciones().chkConCC_Click(true); }},
+      {"cost centre in the extra datum", [](auto& p) { p.Opciones().chkCCDefEnDatExt_Click(true); }},
+      {"automatic link", [](auto& p) { p.Opciones().chkVincAutConOrsa_Click(true); }},
       {"formula", [](auto& p) {
-         p.txtFormulaSGN_Change("SQL(SELECCIONAR Cantidad DE Datos_Liquidacion)");
-         p.cbActualizar_Click();
+         p.Formato().txtFormulaSGN_Change("SQL(SELECCIONAR Cantidad DE Datos_Liquidacion)");
+         p.Archivo().cbActualizar_Click();
        }}};
   for (const auto& [nombre, manejador] : manejadores)
     for (const Falla falla : {Falla::Almacenamiento, Falla::Memoria}) {
       SCOPED_TRACE(nombre);
       app::Programa& p = Cargado();
-      p.Sesion().LiqAgrup = true;  // the two of the cost centre read only then
+      ASSERT_TRUE(p.Sesion().LiqAgrup);  // the two of the cost centre read only then
       Romper(falla);
       const std::string motivo = falla == Falla::Memoria ? "No hay memoria suficiente." : "no contesta";
       cajas_.esperadas = {"Falló la base: " + motivo +
@@ -120,15 +114,15 @@ TEST_P(Fallos, InAHandlerTheyAreToldOnceAndStopImports) {
       Sanar();
       NadaSeImporta(
           p, "Falló la base: " + motivo + "\r\nNo se importa nada hasta leerla de nuevo con Actualizar.");
-      p.txtFormulaSGN_Change("");
+      p.Formato().txtFormulaSGN_Change("");
       // Reading one thing well is not enough: the grid still stands on what was read before.
-      p.chkImportarCuotas_Click(false);
+      p.Opciones().chkImportarCuotas_Click(false);
       EXPECT_NE(p.MotivoParaNoImportar(), "");
-      p.chkVincAutConOrsa_Click(false);
-      p.chkConCC_Click(false);
-      p.chkCCDefEnDatExt_Click(false);
-      p.chkSoloDReloj_Click(true);
-      p.cbActualizar_Click();
+      p.Opciones().chkVincAutConOrsa_Click(false);
+      p.Opciones().chkConCC_Click(false);
+      p.Opciones().chkCCDefEnDatExt_Click(false);
+      p.Opciones().chkSoloDReloj_Click(true);
+      p.Archivo().cbActualizar_Click();
       EXPECT_EQ(p.MotivoParaNoImportar(), "");
     }
 }
@@ -139,28 +133,28 @@ TEST_P(Fallos, AnImportThatMeetsOneStandsOnNothingAfterwards) {
   Romper(Falla::Almacenamiento, "Insert into Datos_Liquidacion");
   cajas_.respuestas = {true};
   cajas_.esperadas = {"no contesta"};
-  p.cbImportar_Click(1);
+  p.Importador().cbImportar_Click(1);
   EXPECT_EQ(p.Ver().importacion.importadas, 0U);
   Sanar();
   EXPECT_EQ(Datos(), antes);
   cajas_.preguntas.clear();
   NadaSeImporta(p, kNoImporta);
-  p.cbActualizar_Click();
+  p.Archivo().cbActualizar_Click();
   SeImporta(p);
 }
 
 // Relations that were edited and read well are not read over.
 TEST_P(Fallos, ReadingAgainKeepsEditedRelations) {
   app::Programa& p = Cargado();
-  p.cmbConceptos_Click(0);
-  p.txtTipo_Change("ZZ");
-  p.cbAgrQuit_Click(0);
+  p.Relaciones().cmbConceptos_Click(0);
+  p.Relaciones().txtTipo_Change("ZZ");
+  p.Relaciones().cbAgrQuit_Click(0);
   const std::string editadas = p.Ver().relaciones.Texto();
   Romper(Falla::Almacenamiento);
   cajas_.esperadas = {kAviso};
-  p.ObjSelMes_Change(kMes);
+  p.Archivo().ObjSelMes_Change(kMes);
   Sanar();
-  p.cbActualizar_Click();
+  p.Archivo().cbActualizar_Click();
   EXPECT_EQ(p.MotivoParaNoImportar(), "");
   EXPECT_EQ(p.Ver().relaciones.Texto(), editadas);
 }
@@ -179,14 +173,14 @@ TEST_P(Fallos, WhatCouldNotBeReadIsNamed) {
     // One fault makes it read everything again.
     Romper(Falla::Almacenamiento);
     cajas_.esperadas = {kAviso};
-    p.ObjSelMes_Change(kMes);
+    p.Archivo().ObjSelMes_Change(kMes);
     Romper(Falla::Sentencia, en);
-    p.cbActualizar_Click();
+    p.Archivo().cbActualizar_Click();
     EXPECT_EQ(p.Ver().fallo_de_base, "");
     Sanar();
     NadaSeImporta(p, std::string("No se pudo leer ") + que +
                          ": no contesta\r\nNo se importa nada hasta leerla de nuevo con Actualizar.");
-    p.cbActualizar_Click();
+    p.Archivo().cbActualizar_Click();
     EXPECT_EQ(p.MotivoParaNoImportar(), "");
   }
 }
@@ -196,13 +190,13 @@ TEST_P(Fallos, WhatCouldNotBeReadIsNamed) {
 TEST_P(Fallos, AGridLoadedOnHalfOfTheDataIsNotImported) {
   app::Programa& p = Cargado();
   Romper(Falla::Sentencia, "Con_Contrato");
-  p.ObjSelMes_Change(kMes);
+  p.Archivo().ObjSelMes_Change(kMes);
   EXPECT_EQ(p.Ver().filas.size(), 3U);
   Sanar();
-  p.chkSoloDReloj_Click(true);  // reads the contracts, not the grid
+  p.Opciones().chkSoloDReloj_Click(true);  // reads the contracts, not the grid
   EXPECT_EQ(p.Ver().personas.motivo_fallo, "");
   EXPECT_NE(p.MotivoParaNoImportar(), "");
-  p.cbActualizar_Click();
+  p.Archivo().cbActualizar_Click();
   SeImporta(p);
 }
 
@@ -225,10 +219,9 @@ TEST_P(Fallos, AnEmptyGridTouchesNothing) {
   ASSERT_TRUE(p.IniciarCon(demo_.referencia, Ruta("nada.txt")));
   p.Activate();
   ASSERT_TRUE(p.Ver().filas.empty());
-  Envolver(p);
   Romper(Falla::Sentencia);
   cajas_.esperadas = {"No hay líneas para importar."};
-  p.cbImportar_Click(1);
+  p.Importador().cbImportar_Click(1);
   EXPECT_EQ(desperfecto_->veces, 0);
   EXPECT_TRUE(cajas_.preguntas.empty());
 }
@@ -238,7 +231,7 @@ TEST_P(Fallos, ABulkUpdateThatFailsIsTold) {
   Romper(Falla::Sentencia, "ACambiarMontos");
   cajas_.aceptar_todo = true;
   cajas_.respuestas = {true};
-  p.cbImportar_Click(1);
+  p.Importador().cbImportar_Click(1);
   cajas_.aceptar_todo = false;
   EXPECT_EQ(p.Ver().importacion.importadas, 3U);
   ASSERT_EQ(p.Ver().importacion.actualizaciones_fallidas.size(), 1U);
@@ -253,15 +246,15 @@ TEST_P(Fallos, WhatMayNotBeMeantIsToldBeforeTheQuestion) {
   app::Programa& p = Crear();
   Escribir("dos.txt", "007001;HE;8\r\n007001;HE;2,5");
   ASSERT_TRUE(p.IniciarCon(demo_.referencia, Ruta("dos.txt")));
-  p.chkSumarAyaIng_Click(false);
-  p.chkTotalizarConc_Click(false);
+  p.Opciones().chkSumarAyaIng_Click(false);
+  p.Opciones().chkTotalizarConc_Click(false);
   p.Activate();
-  const std::vector<std::string> avisos = p.Avisos();
+  const std::vector<std::string> avisos = p.Importador().Avisos();
   ASSERT_EQ(avisos.size(), 1U);
   cajas_.esperadas = {avisos[0]};
   cajas_.respuestas = {false};
   cajas_.al_preguntar = [&] { EXPECT_TRUE(cajas_.esperadas.empty()) << "the question came first"; };
-  p.cbImportar_Click(1);
+  p.Importador().cbImportar_Click(1);
   EXPECT_EQ(cajas_.preguntas.size(), 1U);
   cajas_.al_preguntar = nullptr;
 }

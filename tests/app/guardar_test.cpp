@@ -28,15 +28,15 @@ class Guardar : public prueba::Banco {
       hacer(*programa_);
       EXPECT_FALSE(programa_->Unload());
     };
-    programa_->CargarDatos();
+    programa_->Lineas().CargarDatos();
     eventos_.al_correr = nullptr;
     EXPECT_TRUE(hecho);
     EXPECT_TRUE(programa_->Unload());
   }
   void AgregarRelacion(const char* codigos) {
-    programa_->cmbConceptos_Click(0);
-    programa_->txtTipo_Change(codigos);
-    programa_->cbAgrQuit_Click(0);
+    programa_->Relaciones().cmbConceptos_Click(0);
+    programa_->Relaciones().txtTipo_Change(codigos);
+    programa_->Relaciones().cbAgrQuit_Click(0);
   }
   // The file that was written beside, "" when there is none.
   std::string Aparte() const {
@@ -53,7 +53,7 @@ TEST_F(Guardar, UntickedWhileALoadRunsTheAutomaticListIsNotStored) {
   Ajustes(true);
   Abrir();
   ASSERT_GT(programa_->Ver().relaciones.Cantidad(), 2U);
-  CerrarCargando([](app::Programa& p) { p.chkVincAutConOrsa_Click(false); });
+  CerrarCargando([](app::Programa& p) { p.Opciones().chkVincAutConOrsa_Click(false); });
   EXPECT_TRUE(SiguenLasGuardadas());
   EXPECT_NE(Leer("ImportDeMarcas.ini").find("[MismoCodigoDeOrsa]\r\nNO\r\n"), std::string::npos);
 }
@@ -64,7 +64,7 @@ TEST_F(Guardar, NorInTheBase) {
   Ajustes(true, "\r\n[TomaConceptosDeBD]\r\n77\r\n[/TomaConceptosDeBD]");
   Abrir();
   programa_->Sesion().conexion->Ejecutar("Insert into DatExtDatos (idTDE,idLoc,idDE) Values(77,7,'09')");
-  CerrarCargando([](app::Programa& p) { p.chkVincAutConOrsa_Click(false); });
+  CerrarCargando([](app::Programa& p) { p.Opciones().chkVincAutConOrsa_Click(false); });
   EXPECT_EQ(Consulta("Select idDE From DatExtDatos Where idTDE=77"), "09");
   EXPECT_TRUE(SiguenLasGuardadas());
 }
@@ -75,8 +75,8 @@ TEST_F(Guardar, TickedAndUntickedWhileALoadRunsTheEditedListIs) {
   Abrir();
   AgregarRelacion("ZZ");
   CerrarCargando([](app::Programa& p) {
-    p.chkVincAutConOrsa_Click(true);
-    p.chkVincAutConOrsa_Click(false);
+    p.Opciones().chkVincAutConOrsa_Click(true);
+    p.Opciones().chkVincAutConOrsa_Click(false);
   });
   const std::string texto = Leer("ImportDeMarcas.ini");
   EXPECT_NE(texto.find("[Conceptos]\r\nX*1*,9,*7*Nombre*0\r\n"), std::string::npos);
@@ -90,10 +90,10 @@ TEST_F(Guardar, UntickedWhileALoadRunsTheStoredListComesBackAfterIt) {
   Abrir();
   bool hecho = false;
   eventos_.al_correr = [&] {
-    if (!hecho) programa_->chkVincAutConOrsa_Click(false);
+    if (!hecho) programa_->Opciones().chkVincAutConOrsa_Click(false);
     hecho = true;
   };
-  programa_->CargarDatos();
+  programa_->Lineas().CargarDatos();
   eventos_.al_correr = nullptr;
   EXPECT_EQ(programa_->Ver().relaciones.Cantidad(), 1U);
   EXPECT_TRUE(programa_->Unload());
@@ -124,11 +124,11 @@ TEST_F(Guardar, SettingsThatBecomeUnreadableAreKeptBeside) {
   Demo();
   Ajustes(false);
   Abrir();
-  programa_->txtFiltro_Change("Tipo=7");
+  programa_->Archivo().txtFiltro_Change("Tipo=7");
   std::filesystem::rename(Ruta("ImportDeMarcas.ini"), Ruta("guardado.ini"));
   std::filesystem::create_directories(Ruta("ImportDeMarcas.ini"));
-  programa_->chkVincAutConOrsa_Click(true);
-  programa_->chkVincAutConOrsa_Click(false);
+  programa_->Opciones().chkVincAutConOrsa_Click(true);
+  programa_->Opciones().chkVincAutConOrsa_Click(false);
   EXPECT_EQ(programa_->Ver().relaciones.Cantidad(), 0U);
   EXPECT_NE(programa_->MotivoParaNoImportar().find("la lista de relaciones"), std::string::npos);
   EXPECT_TRUE(programa_->Unload());
@@ -180,7 +180,7 @@ TEST_F(Guardar, TheStateForgetsTheOtherProgramOnceItHasGone) {
   programa_->Activate();
   ASSERT_NE(programa_->Ver().solo_lectura, "");
   otro.reset();
-  programa_->Importar(false);
+  programa_->Importador().Importar(false);
   EXPECT_EQ(programa_->Ver().solo_lectura, "");
 }
 
@@ -190,7 +190,7 @@ TEST_F(Guardar, ASessionThatMayEndIsSavedInSilence) {
   Ajustes(false);
   Abrir();
   AgregarRelacion("ZZ");
-  programa_->txtFiltro_Change("Tipo=7");
+  programa_->Archivo().txtFiltro_Change("Tipo=7");
   const std::size_t cajas = cajas_.mostradas.size();
   programa_->Resguardar();
   EXPECT_EQ(cajas_.mostradas.size(), cajas);
@@ -204,7 +204,7 @@ TEST_F(Guardar, ASessionThatMayEndDuringAnImportLeavesItsTransactionAlone) {
   Demo();
   Ajustes(false, "\r\n[TomaConceptosDeBD]\r\n77\r\n[/TomaConceptosDeBD]");
   Abrir();
-  programa_->OptFiltro_Click(0);
+  programa_->Archivo().OptFiltro_Click(0);
   AgregarRelacion("ZZ");
   bool hecho = false;
   programa_->BarraDeProgreso().al_pintar = [&] {
@@ -213,7 +213,7 @@ TEST_F(Guardar, ASessionThatMayEndDuringAnImportLeavesItsTransactionAlone) {
     programa_->Resguardar();
     EXPECT_EQ(Consulta("Select Count(*) From DatExtDatos Where idTDE=77"), "0");
   };
-  programa_->Importar(true);  // undone: the relations would go with it
+  programa_->Importador().Importar(true);  // undone: the relations would go with it
   programa_->BarraDeProgreso().al_pintar = nullptr;
   ASSERT_TRUE(hecho);
   EXPECT_EQ(Consulta("Select Count(*) From DatExtDatos Where idTDE=77"), "1");
@@ -225,12 +225,12 @@ TEST_F(Guardar, ASessionThatMayEndDuringTheStartStoresNothing) {
   Ajustes(true);
   const std::string antes = Leer("ImportDeMarcas.ini");
   app::Programa& p = Crear();
-  p.al_cambiar = [&] {
+  p.AlCambiar([&] {
     if (p.Ver().cargando) p.Resguardar();
-  };
+  });
   ASSERT_TRUE(p.Iniciar(demo_.referencia));
   EXPECT_EQ(Leer("ImportDeMarcas.ini"), antes);
-  p.al_cambiar = nullptr;
+  p.AlCambiar(nullptr);
 }
 
 // While the start sets the controls their handlers reload nothing and take nothing over.
@@ -241,7 +241,7 @@ class Arrancando : public prueba::Banco {
     app::Programa& p = Crear();
     bool hecho = false;
     cajas_.esperadas = {"Error al abrir la base ubicada en nada"};
-    p.al_cambiar = [&] {
+    p.AlCambiar([&] {
       if (hecho || !p.Ver().cargando) return;
       hecho = true;
       const auto esperadas = std::exchange(cajas_.esperadas, {});  // a reload would show a box
@@ -251,46 +251,46 @@ class Arrancando : public prueba::Banco {
       EXPECT_EQ(p.Ver().tarea, app::Tarea::Ninguna);
       EXPECT_EQ(p.Ver().revision.relaciones, 0U);
       EXPECT_FALSE(p.Ver().Timer1_enabled);
-    };
+    });
     EXPECT_TRUE(p.Iniciar("nada*"));
     EXPECT_TRUE(hecho);
-    p.al_cambiar = nullptr;
+    p.AlCambiar(nullptr);
   }
 };
 
 TEST_F(Arrancando, ClockDataReloadNoPersons) {
   Al_arrancar([](app::Programa& p) {
-    p.chkSoloDReloj_Click(false);
+    p.Opciones().chkSoloDReloj_Click(false);
     EXPECT_TRUE(p.Ver().opciones.SoloDatosDeRel);
   });
 }
 TEST_F(Arrancando, TheAutomaticLinkReloadsNoRelations) {
   Al_arrancar([](app::Programa& p) {
-    p.chkVincAutConOrsa_Click(true);
+    p.Opciones().chkVincAutConOrsa_Click(true);
     EXPECT_FALSE(p.Ver().opciones.MismoCodigoDeOrsa);
   });
 }
 TEST_F(Arrancando, TheKindOfKeyLoadsNoFile) {
   Al_arrancar([](app::Programa& p) {
-    p.cbTipoClave_Click(2);
+    p.Opciones().cbTipoClave_Click(2);
     EXPECT_EQ(p.Ver().opciones.Configura, 5);
   });
 }
 TEST_F(Arrancando, TheMonthReloadsNothing) {
-  Al_arrancar([](app::Programa& p) { p.ObjSelMes_Change(base::FechaDe(2026, 3, 5)); });
+  Al_arrancar([](app::Programa& p) { p.Archivo().ObjSelMes_Change(base::FechaDe(2026, 3, 5)); });
 }
 TEST_F(Arrancando, TheSeparatorStartsNoTimer) {
-  Al_arrancar([](app::Programa& p) { p.txtSeparador_Change(";"); });
+  Al_arrancar([](app::Programa& p) { p.Formato().txtSeparador_Change(";"); });
 }
 TEST_F(Arrancando, TheLayoutBoxesChangeNoLayout) {
   Al_arrancar([](app::Programa& p) {
-    p.txtAE_Change(0, 0, "7");
+    p.Formato().txtAE_Change(0, 0, "7");
     EXPECT_EQ(p.Ver().opciones.ConfDeAF, settings::LayoutPorDefecto());
   });
 }
 TEST_F(Arrancando, ThePreviewsColumnsStay) {
   Al_arrancar([](app::Programa& p) {
-    p.GridPVConf_ColumnasMovidas({4, 3, 2, 1, 0});
+    p.Formato().GridPVConf_ColumnasMovidas({4, 3, 2, 1, 0});
     EXPECT_EQ(p.Ver().posicion_previa, (std::array<int, 5>{0, 1, 2, 3, 4}));
   });
 }

@@ -21,9 +21,9 @@ TEST_F(Inicio, BaseAndFileOnTheCommandLineLoadOnceOnActivation) {
   EXPECT_FALSE(p.Ver().cargando);
   EXPECT_TRUE(p.Ver().filas.empty());
   EXPECT_GT(p.Ver().personas.Cantidad(), 0U);
-  p.txtRuta_Change(Ruta("unica.txt"));
+  p.Archivo().txtRuta_Change(Ruta("unica.txt"));
   Escribir("unica.txt", "1;1;8\r\n1;1;9");
-  p.OptFiltro_Click(0);  // loads at once
+  p.Archivo().OptFiltro_Click(0);  // loads at once
   EXPECT_EQ(p.Ver().lineas, 2U);
   Escribir("unica.txt", "1;1;8");
   p.Activate();
@@ -81,7 +81,7 @@ TEST_F(Inicio, BlanksAskForTheBase) {
   EXPECT_TRUE(p.Sesion().Abierta());
   // The later search for a file has its own title, no filter, and starts from the path box.
   cajas_.archivo.clear();
-  p.cbBuscar_Click();
+  p.Archivo().cbBuscar_Click();
   EXPECT_EQ(cajas_.dialogos[1], "Seleccionar archivo a importar||");
 }
 

@@ -78,13 +78,13 @@ TEST_F(Opciones, ClockDataDecideTheGridsColumns) {
   app::Programa& p = Abrir();
   app::Grid grid = p.Ver().GridAImportar;
   EXPECT_FALSE(grid.Columna("Resultado")->visible);
-  p.chkSoloDReloj_Click(false);
+  p.Opciones().chkSoloDReloj_Click(false);
   grid = p.Ver().GridAImportar;
   EXPECT_EQ(grid.Columna("Horas")->caption, "Dato");
   EXPECT_FALSE(grid.Columna("A_Realizar")->visible);
   EXPECT_TRUE(grid.Columna("DatoExtra")->visible);
   const std::size_t todos = p.Ver().conceptos.tabla.Cantidad();
-  p.chkSoloDReloj_Click(true);
+  p.Opciones().chkSoloDReloj_Click(true);
   grid = p.Ver().GridAImportar;
   EXPECT_EQ(grid.Columna("Horas")->caption, "Horas");
   EXPECT_TRUE(grid.Columna("A_Realizar")->visible);
@@ -95,11 +95,11 @@ TEST_F(Opciones, ClockDataDecideTheGridsColumns) {
 
 TEST_F(Opciones, AddingImpliesTotalising) {
   app::Programa& p = Abrir();
-  p.chkSumarAyaIng_Click(false);
+  p.Opciones().chkSumarAyaIng_Click(false);
   EXPECT_TRUE(p.Ver().chkTotalizarConc.enabled);
-  p.chkTotalizarConc_Click(false);
+  p.Opciones().chkTotalizarConc_Click(false);
   EXPECT_FALSE(p.Ver().opciones.TotalizarConc);
-  p.chkSumarAyaIng_Click(true);
+  p.Opciones().chkSumarAyaIng_Click(true);
   EXPECT_FALSE(p.Ver().chkTotalizarConc.enabled);
   EXPECT_TRUE(p.Ver().chkTotalizarConc.checked);
   EXPECT_TRUE(p.Ver().opciones.TotalizarConc);
@@ -107,11 +107,11 @@ TEST_F(Opciones, AddingImpliesTotalising) {
 
 TEST_F(Opciones, InstalmentsBringTheirConcepts) {
   app::Programa& p = Abrir();
-  p.chkSoloDReloj_Click(false);
-  p.chkImportarCuotas_Click(false);
+  p.Opciones().chkSoloDReloj_Click(false);
+  p.Opciones().chkImportarCuotas_Click(false);
   const std::size_t sin = p.Ver().conceptos.cmbConceptos.items.size();
   EXPECT_FALSE(p.Ver().txtTextoTipoCuota.enabled);
-  p.chkImportarCuotas_Click(true);
+  p.Opciones().chkImportarCuotas_Click(true);
   EXPECT_TRUE(p.Ver().txtTextoTipoCuota.enabled);
   EXPECT_GT(p.Ver().conceptos.cmbConceptos.items.size(), sin);
 }
@@ -119,10 +119,10 @@ TEST_F(Opciones, InstalmentsBringTheirConcepts) {
 TEST_F(Opciones, CostCentreShowsItsColumnsInAGroupedCompany) {
   app::Programa& p = Abrir();
   ASSERT_TRUE(p.Sesion().LiqAgrup) << "the demo's first company liquidates by cost centre";
-  p.chkConCC_Click(false);
+  p.Opciones().chkConCC_Click(false);
   EXPECT_FALSE(app::Grid(p.Ver().GridAImportar).Columna("CC")->visible);
   EXPECT_FALSE(p.Ver().chkCCDefEnDatExt.enabled);
-  p.chkConCC_Click(true);
+  p.Opciones().chkConCC_Click(true);
   EXPECT_TRUE(app::Grid(p.Ver().GridAImportar).Columna("CC")->visible);
   EXPECT_TRUE(app::Grid(p.Ver().GridRelaciones).Columna("CC")->visible);
   EXPECT_EQ(app::Grid(p.Ver().GridAImportar).Columna("CC")->ancho, 825);
@@ -131,22 +131,22 @@ TEST_F(Opciones, CostCentreShowsItsColumnsInAGroupedCompany) {
 
 TEST_F(Opciones, NumericCodesReloadTheAutomaticRelations) {
   app::Programa& p = Abrir();
-  p.chkVincAutConOrsa_Click(true);
+  p.Opciones().chkVincAutConOrsa_Click(true);
   ASSERT_GT(p.Ver().relaciones.Cantidad(), 0U);
-  p.chkCodigoNumerico_Click(true);
+  p.Opciones().chkCodigoNumerico_Click(true);
   const std::string por_numero = p.Ver().relaciones.Campo(relations::kExternos, 0);
   EXPECT_EQ(por_numero, "," + p.Ver().relaciones.Campo(relations::kConcepto, 0) + ",");
-  p.chkCodigoNumerico_Click(false);
+  p.Opciones().chkCodigoNumerico_Click(false);
   EXPECT_EQ(p.Ver().relaciones.Campo(relations::kExternos, 0),
             "," + p.Ver().relaciones.Campo(relations::kCodigo, 0) + ",");
-  p.chkVincAutConOrsa_Click(false);
+  p.Opciones().chkVincAutConOrsa_Click(false);
   EXPECT_FALSE(p.Ver().opciones.MismoCodigoDeOrsa);
 }
 
 TEST_F(Opciones, AKeyKindThatIsNoneChangesNothing) {
   app::Programa& p = Abrir();
   const int clave = p.Ver().opciones.Configura;
-  p.cbTipoClave_Click(-1);
+  p.Opciones().cbTipoClave_Click(-1);
   EXPECT_EQ(p.Ver().opciones.Configura, clave);
 }
 
@@ -156,16 +156,16 @@ TEST_F(Opciones, AReloadAskedForDuringALoadRunsAfterIt) {
   std::string texto;
   for (int i = 0; i < 500; ++i) texto += "1;1;8\r\n";
   Escribir("largo.txt", texto + "1;1;8");
-  p.txtRuta_Change(Ruta("largo.txt"));
-  p.OptFiltro_Click(0);
+  p.Archivo().txtRuta_Change(Ruta("largo.txt"));
+  p.Archivo().OptFiltro_Click(0);
   int veces = 0;
   eventos_.al_correr = [&] {
     if (++veces != 50) return;
-    p.CargarDatos();  // ignored
-    p.cbTipoClave_Click(0);
+    p.Lineas().CargarDatos();  // ignored
+    p.Opciones().cbTipoClave_Click(0);
     EXPECT_EQ(p.Ver().opciones.Configura, 0);
   };
-  p.CargarDatos();
+  p.Lineas().CargarDatos();
   EXPECT_EQ(p.Ver().lineas, 501U);
   EXPECT_GT(veces, 900) << "the file was loaded twice: once asked for, once because of the key";
 }
@@ -175,17 +175,17 @@ TEST_F(Opciones, ClosingStopsALoad) {
   std::string texto;
   for (int i = 0; i < 500; ++i) texto += "1;1;8\r\n";
   Escribir("largo.txt", texto + "1;1;8");
-  p.txtRuta_Change(Ruta("corto.txt"));
+  p.Archivo().txtRuta_Change(Ruta("corto.txt"));
   Escribir("corto.txt", "1;1;8");
-  p.OptFiltro_Click(0);
-  p.txtRuta_Change(Ruta("largo.txt"));
+  p.Archivo().OptFiltro_Click(0);
+  p.Archivo().txtRuta_Change(Ruta("largo.txt"));
   int veces = 0;
   eventos_.al_correr = [&] {
     if (++veces == 10) {
       EXPECT_FALSE(p.Unload());
     }
   };
-  p.CargarDatos();
+  p.Lineas().CargarDatos();
   eventos_.al_correr = nullptr;
   EXPECT_LT(veces, 30);
   EXPECT_EQ(p.Ver().lineas, 1U) << "the rows of the load before stay";

@@ -15,7 +15,7 @@ class Relaciones : public prueba::Banco {
     const auto& items = programa_->Ver().conceptos.cmbConceptos.items;
     for (std::size_t i = 0; i < items.size(); ++i) {
       if ((items[i].dato > 1000) != tabla_de_usuario) continue;
-      programa_->cmbConceptos_Click(static_cast<int>(i));
+      programa_->Relaciones().cmbConceptos_Click(static_cast<int>(i));
       return static_cast<int>(i);
     }
     ADD_FAILURE() << "no such concept";
@@ -25,23 +25,23 @@ class Relaciones : public prueba::Banco {
 
 TEST_F(Relaciones, AddingNeedsAConcept) {
   cajas_.esperadas = {"Debe seleccionar un concepto"};
-  programa_->txtTipo_Change("07");
-  programa_->cbAgrQuit_Click(0);
+  programa_->Relaciones().txtTipo_Change("07");
+  programa_->Relaciones().cbAgrQuit_Click(0);
   EXPECT_EQ(programa_->Ver().relaciones.Cantidad(), 2U);
 }
 
 TEST_F(Relaciones, AddingNeedsCodes) {
   Elegir(false);
   cajas_.esperadas = {"Debe seleccionar la relación con los codigos del sistema de reloj"};
-  programa_->txtTipo_Change("   ");
-  programa_->cbAgrQuit_Click(0);
+  programa_->Relaciones().txtTipo_Change("   ");
+  programa_->Relaciones().cbAgrQuit_Click(0);
   EXPECT_EQ(programa_->Ver().relaciones.Cantidad(), 2U);
 }
 
 TEST_F(Relaciones, RemovingNeedsARow) {
   cajas_.esperadas = {"Debe seleccionar una relación para quitar"};
-  programa_->GridRelaciones_RowChange(-1);
-  programa_->cbAgrQuit_Click(1);
+  programa_->Relaciones().GridRelaciones_RowChange(-1);
+  programa_->Relaciones().cbAgrQuit_Click(1);
   EXPECT_EQ(programa_->Ver().relaciones.Cantidad(), 2U);
 }
 
@@ -49,9 +49,9 @@ TEST_F(Relaciones, AddsWhatTheControlsSay) {
   const auto i = static_cast<std::size_t>(Elegir(false));
   const auto& e = programa_->Ver();
   cajas_.color = 0x00FF00;
-  programa_->cbColor_Click();
-  programa_->txtTipo_Change("07,HX");
-  programa_->cbAgrQuit_Click(0);
+  programa_->Relaciones().cbColor_Click();
+  programa_->Relaciones().txtTipo_Change("07,HX");
+  programa_->Relaciones().cbAgrQuit_Click(0);
   ASSERT_EQ(e.relaciones.Cantidad(), 3U);
   const std::string texto = e.conceptos.cmbConceptos.items[i].texto;
   EXPECT_EQ(e.relaciones.Campo(relations::kCodigo, 2), texto.substr(0, texto.find(" - ")));
@@ -69,24 +69,24 @@ TEST_F(Relaciones, AddsWhatTheControlsSay) {
 TEST_F(Relaciones, TheCostCentreCountsOnlyWhenItIsInUse) {
   ASSERT_TRUE(programa_->Sesion().LiqAgrup);
   Elegir(false);
-  programa_->cmbAgrupaDef_Click(1);
-  programa_->txtTipo_Change("1");
-  programa_->cbAgrQuit_Click(0);
+  programa_->Relaciones().cmbAgrupaDef_Click(1);
+  programa_->Relaciones().txtTipo_Change("1");
+  programa_->Relaciones().cbAgrQuit_Click(0);
   EXPECT_EQ(programa_->Ver().relaciones.Campo(relations::kCC, 2), "0");
-  programa_->chkConCC_Click(true);
-  programa_->cmbAgrupaDef_Click(1);
-  programa_->txtTipo_Change("2");
-  programa_->cbAgrQuit_Click(0);
+  programa_->Opciones().chkConCC_Click(true);
+  programa_->Relaciones().cmbAgrupaDef_Click(1);
+  programa_->Relaciones().txtTipo_Change("2");
+  programa_->Relaciones().cbAgrQuit_Click(0);
   EXPECT_EQ(programa_->Ver().relaciones.Campo(relations::kCC, 3),
             std::to_string(programa_->Ver().tipos.cmbAgrupaDef.items[1].dato));
-  programa_->cmbAgrupaDef_Click(0);  // "[Por Defecto]"
-  programa_->txtTipo_Change("3");
-  programa_->cbAgrQuit_Click(0);
+  programa_->Relaciones().cmbAgrupaDef_Click(0);  // "[Por Defecto]"
+  programa_->Relaciones().txtTipo_Change("3");
+  programa_->Relaciones().cbAgrQuit_Click(0);
   EXPECT_EQ(programa_->Ver().relaciones.Campo(relations::kCC, 4), "0");
 }
 
 TEST_F(Relaciones, AUserTableIsMarkedAndTakesNoCostCentre) {
-  programa_->chkConCC_Click(true);
+  programa_->Opciones().chkConCC_Click(true);
   Elegir(true);
   const std::string nombre = programa_->Ver().lblConcepto;
   EXPECT_EQ(nombre.substr(nombre.size() - 8), "  (T.U.)");
@@ -98,28 +98,28 @@ TEST_F(Relaciones, AUserTableIsMarkedAndTakesNoCostCentre) {
 
 TEST_F(Relaciones, NoConceptEmptiesTheEditingRow) {
   Elegir(false);
-  programa_->txtTipo_Change("07");
-  programa_->cmbConceptos_Click(-1);
+  programa_->Relaciones().txtTipo_Change("07");
+  programa_->Relaciones().cmbConceptos_Click(-1);
   EXPECT_EQ(programa_->Ver().lblConcepto, "");
   EXPECT_EQ(programa_->Ver().txtTipo.text, "");
 }
 
 TEST_F(Relaciones, RemovingPutsTheRelationBackIntoTheControls) {
-  programa_->chkConCC_Click(true);
+  programa_->Opciones().chkConCC_Click(true);
   const int i = Elegir(false);
   cajas_.color = 0x123456;
-  programa_->cbColor_Click();
-  programa_->cmbAgrupaDef_Click(1);
-  programa_->txtTipo_Change("07,HX");
-  programa_->cbAgrQuit_Click(0);
+  programa_->Relaciones().cbColor_Click();
+  programa_->Relaciones().cmbAgrupaDef_Click(1);
+  programa_->Relaciones().txtTipo_Change("07,HX");
+  programa_->Relaciones().cbAgrQuit_Click(0);
   const std::string nombre = programa_->Ver().lblConcepto;
   // Another choice meanwhile.
   cajas_.color = 0;
-  programa_->cbColor_Click();
-  programa_->cmbConceptos_Click(-1);
-  programa_->cmbAgrupaDef_Click(0);
-  programa_->GridRelaciones_RowChange(2);
-  programa_->cbAgrQuit_Click(1);
+  programa_->Relaciones().cbColor_Click();
+  programa_->Relaciones().cmbConceptos_Click(-1);
+  programa_->Relaciones().cmbAgrupaDef_Click(0);
+  programa_->Relaciones().GridRelaciones_RowChange(2);
+  programa_->Relaciones().cbAgrQuit_Click(1);
   EXPECT_EQ(programa_->Ver().relaciones.Cantidad(), 2U);
   EXPECT_EQ(programa_->Ver().relaciones.Grid().size(), 2U);
   EXPECT_EQ(programa_->Ver().txtTipo.text, "07,HX");
@@ -131,8 +131,8 @@ TEST_F(Relaciones, RemovingPutsTheRelationBackIntoTheControls) {
 
 // A default relation has no codes: nothing to take commas from.
 TEST_F(Relaciones, RemovingARelationWithoutCodes) {
-  programa_->GridRelaciones_RowChange(0);
-  programa_->cbAgrQuit_Click(1);
+  programa_->Relaciones().GridRelaciones_RowChange(0);
+  programa_->Relaciones().cbAgrQuit_Click(1);
   EXPECT_EQ(programa_->Ver().txtTipo.text, "");
   EXPECT_EQ(programa_->Ver().cbColor, 65535);
   ASSERT_EQ(programa_->Ver().relaciones.Cantidad(), 1U);
@@ -141,24 +141,24 @@ TEST_F(Relaciones, RemovingARelationWithoutCodes) {
 
 TEST_F(Relaciones, ACancelledColourStays) {
   const auto antes = programa_->Ver().cbColor;
-  programa_->cbColor_Click();
+  programa_->Relaciones().cbColor_Click();
   EXPECT_EQ(programa_->Ver().cbColor, antes);
 }
 
 TEST_F(Relaciones, TheTwoPanelsNeverShowTogether) {
-  programa_->cbConfigurar_Click(0);
+  programa_->Opciones().cbConfigurar_Click(0);
   EXPECT_TRUE(programa_->Ver().AreConf_visible[0]);
-  programa_->cbConfigurar_Click(1);
+  programa_->Opciones().cbConfigurar_Click(1);
   EXPECT_FALSE(programa_->Ver().AreConf_visible[0]);
   EXPECT_TRUE(programa_->Ver().AreConf_visible[1]);
   EXPECT_EQ(programa_->Ver().AreConf_al_frente, 1);
-  programa_->cbConfigurar_Click(1);
+  programa_->Opciones().cbConfigurar_Click(1);
   EXPECT_FALSE(programa_->Ver().AreConf_visible[1]);
 }
 
 TEST(Enter, MovesOnAsTabDoes) {
-  EXPECT_TRUE(app::Programa::EnterEsTab(13));
-  EXPECT_FALSE(app::Programa::EnterEsTab(65));
+  EXPECT_TRUE(app::Archivo::EnterEsTab(13));
+  EXPECT_FALSE(app::Archivo::EnterEsTab(65));
 }
 
 }  // namespace

@@ -42,56 +42,60 @@ int Entrada(Operador& o, const formula::ListControl& lista) {
 
 std::vector<Accion> DeArchivo() {
   return {
-      [](auto& p, auto&) { p.cbBuscar_Click(); },
-      [](auto& p, auto&) { p.cbActualizar_Click(); },
-      [](auto& p, auto& o) { p.txtRuta_Change(o.rutas[o.azar() % o.rutas.size()]); },
-      [](auto& p, auto&) { p.txtRuta_KeyPress(13); },
-      [](auto& p, auto& o) { p.txtFiltro_Change(Texto(o)); },
-      [](auto& p, auto& o) { p.OptFiltro_Click(Moneda(o) ? 1 : 0); },
+      [](auto& p, auto&) { p.Archivo().cbBuscar_Click(); },
+      [](auto& p, auto&) { p.Archivo().cbActualizar_Click(); },
+      [](auto& p, auto& o) { p.Archivo().txtRuta_Change(o.rutas[o.azar() % o.rutas.size()]); },
+      [](auto& p, auto&) { p.Archivo().txtRuta_KeyPress(13); },
+      [](auto& p, auto& o) { p.Archivo().txtFiltro_Change(Texto(o)); },
+      [](auto& p, auto& o) { p.Archivo().OptFiltro_Click(Moneda(o) ? 1 : 0); },
       [](auto& p, auto& o) {
-        p.ObjSelMes_Change(base::FechaDe(2026, 1 + static_cast<int>(o.azar() % 12), 5));
+        p.Archivo().ObjSelMes_Change(base::FechaDe(2026, 1 + static_cast<int>(o.azar() % 12), 5));
       },
-      [](auto& p, auto& o) { p.cmbLiquidaciones_Click(Entrada(o, p.Ver().tipos.cmbLiquidaciones)); },
-      [](auto& p, auto& o) { p.cmbAgrupa_Click(Entrada(o, p.Ver().tipos.cmbAgrupa)); },
-      [](auto& p, auto& o) { p.GridAImportar_HeadClick(Moneda(o) ? "Horas" : "Resultado"); },
-      [](auto& p, auto& o) { p.optTipoArch_Click(Moneda(o) ? 1 : 0); },
-      [](auto& p, auto& o) { p.txtSeparador_Change(Texto(o)); },
-      [](auto& p, auto& o) { p.txtAE_Change(static_cast<int>(o.azar() % 5), Moneda(o) ? 1 : 0, Texto(o)); },
+      [](auto& p, auto& o) {
+        p.Archivo().cmbLiquidaciones_Click(Entrada(o, p.Ver().tipos.cmbLiquidaciones));
+      },
+      [](auto& p, auto& o) { p.Archivo().cmbAgrupa_Click(Entrada(o, p.Ver().tipos.cmbAgrupa)); },
+      [](auto& p, auto& o) { p.Lineas().GridAImportar_HeadClick(Moneda(o) ? "Horas" : "Resultado"); },
+      [](auto& p, auto& o) { p.Formato().optTipoArch_Click(Moneda(o) ? 1 : 0); },
+      [](auto& p, auto& o) { p.Formato().txtSeparador_Change(Texto(o)); },
+      [](auto& p, auto& o) {
+        p.Formato().txtAE_Change(static_cast<int>(o.azar() % 5), Moneda(o) ? 1 : 0, Texto(o));
+      },
       [](auto& p, auto& o) {
         std::array<int, 5> lugares{0, 1, 2, 3, 4};
         std::shuffle(lugares.begin(), lugares.end(), o.azar);
-        p.GridPVConf_ColumnasMovidas(lugares);
+        p.Formato().GridPVConf_ColumnasMovidas(lugares);
       },
-      [](auto& p, auto& o) { p.txtFormulaSGN_Change(Texto(o)); },
-      [](auto& p, auto&) { p.Timer1_Timer(); },
-      [](auto& p, auto&) { p.cbImportar_Click(1); },
+      [](auto& p, auto& o) { p.Formato().txtFormulaSGN_Change(Texto(o)); },
+      [](auto& p, auto&) { p.Formato().Timer1_Timer(); },
+      [](auto& p, auto&) { p.Importador().cbImportar_Click(1); },
       [](auto& p, auto&) { p.Activate(); },
   };
 }
 
 std::vector<Accion> DeOpciones() {
   return {
-      [](auto& p, auto& o) { p.chkSoloDReloj_Click(Moneda(o)); },
-      [](auto& p, auto& o) { p.chkLiqHCaMensuales_Click(Moneda(o)); },
-      [](auto& p, auto& o) { p.chkNoImpValEnCero_Click(Moneda(o)); },
-      [](auto& p, auto& o) { p.chkCodigoNumerico_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().chkSoloDReloj_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().chkLiqHCaMensuales_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().chkNoImpValEnCero_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().chkCodigoNumerico_Click(Moneda(o)); },
       [](auto& p, auto& o) {
-        if (p.Ver().chkTotalizarConc.enabled) p.chkTotalizarConc_Click(Moneda(o));
+        if (p.Ver().chkTotalizarConc.enabled) p.Opciones().chkTotalizarConc_Click(Moneda(o));
       },
-      [](auto& p, auto& o) { p.chkSumarAyaIng_Click(Moneda(o)); },
-      [](auto& p, auto& o) { p.chkImportarCuotas_Click(Moneda(o)); },
-      [](auto& p, auto& o) { p.txtTextoTipoCuota_Change(Texto(o)); },
-      [](auto& p, auto& o) { p.chkConCC_Click(Moneda(o)); },
-      [](auto& p, auto& o) { p.chkCCDefEnDatExt_Click(Moneda(o)); },
-      [](auto& p, auto& o) { p.chkVincAutConOrsa_Click(Moneda(o)); },
-      [](auto& p, auto& o) { p.cbTipoClave_Click(Entrada(o, p.Ver().cbTipoClave)); },
-      [](auto& p, auto& o) { p.cmbConceptos_Click(Entrada(o, p.Ver().conceptos.cmbConceptos)); },
-      [](auto& p, auto& o) { p.cmbAgrupaDef_Click(Entrada(o, p.Ver().tipos.cmbAgrupaDef)); },
-      [](auto& p, auto& o) { p.txtTipo_Change(Texto(o)); },
-      [](auto& p, auto& o) { p.GridRelaciones_RowChange(static_cast<int>(o.azar() % 12) - 1); },
-      [](auto& p, auto& o) { p.cbAgrQuit_Click(Moneda(o) ? 1 : 0); },
-      [](auto& p, auto&) { p.cbColor_Click(); },
-      [](auto& p, auto& o) { p.cbConfigurar_Click(Moneda(o) ? 1 : 0); },
+      [](auto& p, auto& o) { p.Opciones().chkSumarAyaIng_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().chkImportarCuotas_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().txtTextoTipoCuota_Change(Texto(o)); },
+      [](auto& p, auto& o) { p.Opciones().chkConCC_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().chkCCDefEnDatExt_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().chkVincAutConOrsa_Click(Moneda(o)); },
+      [](auto& p, auto& o) { p.Opciones().cbTipoClave_Click(Entrada(o, p.Ver().cbTipoClave)); },
+      [](auto& p, auto& o) { p.Relaciones().cmbConceptos_Click(Entrada(o, p.Ver().conceptos.cmbConceptos)); },
+      [](auto& p, auto& o) { p.Relaciones().cmbAgrupaDef_Click(Entrada(o, p.Ver().tipos.cmbAgrupaDef)); },
+      [](auto& p, auto& o) { p.Relaciones().txtTipo_Change(Texto(o)); },
+      [](auto& p, auto& o) { p.Relaciones().GridRelaciones_RowChange(static_cast<int>(o.azar() % 12) - 1); },
+      [](auto& p, auto& o) { p.Relaciones().cbAgrQuit_Click(Moneda(o) ? 1 : 0); },
+      [](auto& p, auto&) { p.Relaciones().cbColor_Click(); },
+      [](auto& p, auto& o) { p.Opciones().cbConfigurar_Click(Moneda(o) ? 1 : 0); },
   };
 }
 

@@ -108,57 +108,57 @@ class Revisiones : public prueba::Banco {
     Demo();
     ASSERT_TRUE(Crear().Iniciar(demo_.referencia));
     Escribir("x.txt", "1;1;8\r\n2;1;9");
-    programa_->txtRuta_Change(Ruta("x.txt"));
-    programa_->OptFiltro_Click(0);
-    programa_->CargarDatos();
+    programa_->Archivo().txtRuta_Change(Ruta("x.txt"));
+    programa_->Archivo().OptFiltro_Click(0);
+    programa_->Lineas().CargarDatos();
   }
   const app::Revisiones& R() const { return programa_->Ver().revision; }
 };
 
 TEST_F(Revisiones, RowsWhenTheyAreLoadedSortedOrImported) {
   unsigned antes = R().filas;
-  programa_->CargarDatos();
+  programa_->Lineas().CargarDatos();
   EXPECT_EQ(R().filas, antes + 1);
-  programa_->GridAImportar_HeadClick("Horas");
+  programa_->Lineas().GridAImportar_HeadClick("Horas");
   EXPECT_EQ(R().filas, antes + 2);
-  programa_->GridAImportar_HeadClick("Resultado");
+  programa_->Lineas().GridAImportar_HeadClick("Resultado");
   EXPECT_EQ(R().filas, antes + 2);
-  programa_->Importar(true);
+  programa_->Importador().Importar(true);
   EXPECT_EQ(R().filas, antes + 3);
   antes = R().filas;
   cajas_.esperadas = {"El Archivo 'no' no existe"};
-  programa_->txtRuta_Change("no");
-  programa_->CargarDatos();
+  programa_->Archivo().txtRuta_Change("no");
+  programa_->Lineas().CargarDatos();
   EXPECT_EQ(R().filas, antes) << "refused: the rows are the same";
 }
 
 TEST_F(Revisiones, ListsAndRelations) {
   app::Revisiones antes = R();
-  programa_->chkImportarCuotas_Click(false);
+  programa_->Opciones().chkImportarCuotas_Click(false);
   EXPECT_GT(R().conceptos, antes.conceptos);
   antes = R();
-  programa_->chkConCC_Click(true);
+  programa_->Opciones().chkConCC_Click(true);
   EXPECT_GT(R().tipos, antes.tipos);
   EXPECT_EQ(R().relaciones, antes.relaciones);
-  programa_->cbAgrQuit_Click(1);
+  programa_->Relaciones().cbAgrQuit_Click(1);
   EXPECT_EQ(R().relaciones, antes.relaciones + 1);
-  programa_->cbAgrQuit_Click(0);
+  programa_->Relaciones().cbAgrQuit_Click(0);
   EXPECT_EQ(R().relaciones, antes.relaciones + 2);
-  programa_->chkVincAutConOrsa_Click(true);
+  programa_->Opciones().chkVincAutConOrsa_Click(true);
   EXPECT_EQ(R().relaciones, antes.relaciones + 3);
   antes = R();
-  programa_->optTipoArch_Click(1);
+  programa_->Formato().optTipoArch_Click(1);
   EXPECT_EQ(R().previa, antes.previa + 1);
   EXPECT_EQ(R().filas, antes.filas);
 }
 
 TEST_F(Revisiones, TheTaskUnderWay) {
   std::vector<app::Tarea> vistas;
-  programa_->al_cambiar = [&] {
+  programa_->AlCambiar([&] {
     if (vistas.empty() || vistas.back() != programa_->Ver().tarea) vistas.push_back(programa_->Ver().tarea);
-  };
-  programa_->CargarDatos();
-  programa_->Importar(true);
+  });
+  programa_->Lineas().CargarDatos();
+  programa_->Importador().Importar(true);
   EXPECT_EQ(vistas, (std::vector{app::Tarea::Carga, app::Tarea::Ninguna, app::Tarea::Importacion,
                                  app::Tarea::Ninguna}));
 }

@@ -43,10 +43,9 @@ TEST_F(Avisos, ABaseThatAnotherProgramHasSaysSo) {
 }
 
 TEST_F(Avisos, ABaseThatFailedSaysWhatToDo) {
-  AbrirCargada();
   const auto desperfecto = std::make_shared<prueba::Desperfecto>();
-  programa_->Sesion().conexion =
-      std::make_unique<prueba::ConexionQueFalla>(std::move(programa_->Sesion().conexion), desperfecto);
+  conectar_ = prueba::ConectarQueFalla(desperfecto);
+  AbrirCargada();
   desperfecto->falla = prueba::Falla::Almacenamiento;
   cajas_.esperadas = {"Falló la base: no contesta\r\nNo se importa nada hasta volver a leerla entera."};
   Hallar<QDateEdit>("ObjSelMes")->setDate(QDate(2026, 9, 1));

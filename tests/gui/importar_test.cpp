@@ -78,7 +78,7 @@ TEST_F(Importar, WhileItRunsTheWindowSaysSo) {
     if (dentro) return;
     dentro = true;
     EXPECT_FALSE(Hallar<QPushButton>("cbImportar")->isEnabled());
-    programa_->cbImportar_Click(1);  // ignored: no question
+    programa_->Importador().cbImportar_Click(1);  // ignored: no question
   };
   Pulsar("cbImportar");
   ASSERT_GT(vistos.size(), 10U);

@@ -155,7 +155,7 @@ TEST_F(Muchas, LoadScrollSortAndCopy) {
   }
   const double desplazar = (Trabajo() - t) / 101;
   t = Trabajo();
-  programa_->GridAImportar_HeadClick("Horas");
+  programa_->Lineas().GridAImportar_HeadClick("Horas");
   g->viewport()->repaint();
   const double ordenar = Trabajo() - t;
   EXPECT_EQ(Celda(g, 0, "Horas"), "0.5");

@@ -97,11 +97,11 @@ class Escena {
     bomba_.al_correr = [&] {
       if (++veces == 2400) bien = ventana_->grab().save(archivo);
     };
-    programa_->txtRuta_Change("marcas_noviembre.txt");
-    programa_->CargarDatos();
+    programa_->Archivo().txtRuta_Change("marcas_noviembre.txt");
+    programa_->Lineas().CargarDatos();
     bomba_.al_correr = nullptr;
-    programa_->txtRuta_Change(antes);
-    programa_->CargarDatos();
+    programa_->Archivo().txtRuta_Change(antes);
+    programa_->Lineas().CargarDatos();
     return bien;
   }
   template <typename T>

@@ -1,0 +1,119 @@
+#include "app/base_de_datos.h"
+
+#include <new>
+#include <utility>
+
+#include "base/text.h"
+
+namespace app {
+
+BaseDeDatos::BaseDeDatos(Contexto& contexto) : c_(contexto), e_(contexto.estado) {
+  sesion_.reloj = &c_.puertos.reloj;
+  evaluador_.sesion = &sesion_;
+  evaluador_.prompts = &c_.puertos.prompts;
+  evaluador_.reloj = &c_.puertos.reloj;
+}
+
+bool BaseDeDatos::Conectar(const std::string& referencia) {
+  if (sesion_.Abierta()) sesion_.conexion->Cerrar();
+  Conexion nueva = c_.puertos.conectar(referencia, c_.puertos.reloj);
+  sesion_.conexion = std::move(nueva.conexion);
+  sesion_.id_Usuario = nueva.id_Usuario;
+  e_.motivo_base = std::move(nueva.motivo);
+  return sesion_.Abierta() && (!c_.arranque.una_transaccion || Comenzar());
+}
+
+// Without its transaction the start-up itself would be written for good: the base then counts as not opened.
+bool BaseDeDatos::Comenzar() {
+  try {
+    sesion_.conexion->BeginTrans();
+    return true;
+  } catch (const base::Error& e) {
+    e_.motivo_base = e.Descripcion();
+    sesion_.conexion.reset();
+    return false;
+  }
+}
+
+// Without the company every statement of an import would run on company 0, which is nobody's: an empty table
+// and a field that is no value of its kind are read no better than a missing table.
+void BaseDeDatos::LeerEmpresa() {
+  sesion_.TipoConstruccion = false;
+  sesion_.LiqAgrup = false;
+  e_.motivo_empresa.clear();
+  const auto paso = [&](const char* donde, const std::function<void()>& leer) {
+    return base::ErrorIgnorado(donde, &c_.errores, [&] {
+      try {
+        leer();
+      } catch (const base::Error& e) {
+        if (e_.motivo_empresa.empty()) e_.motivo_empresa = e.Descripcion();
+        throw;
+      }
+    });
+  };
+  db::Recordset rs;
+  const bool hay = paso("Conectar: empresa", [&] {
+    rs = sesion_.conexion->Ejecutar("Select TipoConstruccion, LiqAgrup, idEmpresa From Empresa");
+    if (rs.Vacio()) throw db::Error("La tabla Empresa no tiene ninguna fila.");
+  });
+  if (!hay) return;
+  // Several companies: always the first row of this unordered query. One field that cannot be read does not
+  // take the others along.
+  paso("Conectar: TipoConstruccion", [&] { sesion_.TipoConstruccion = rs.En(0, 0).Booleano(); });
+  paso("Conectar: LiqAgrup", [&] { sesion_.LiqAgrup = rs.En(1, 0).Booleano(); });
+  paso("Conectar: idEmpresa", [&] { sesion_.idEmpresa = rs.En(2, 0).Entero(); });
+}
+
+bool BaseDeDatos::ConLaBase(const std::function<void()>& paso) {
+  try {
+    paso();
+    return true;
+  } catch (const base::Error& e) {
+    FalloLaBase(e.Descripcion());
+  } catch (const std::bad_alloc&) {
+    FalloLaBase("No hay memoria suficiente.");
+  }
+  return false;
+}
+
+// One fault often brings others: the first is told.
+void BaseDeDatos::FalloLaBase(std::string motivo) {
+  e_.grilla_a_medias = true;
+  if (!e_.fallo_de_base.empty()) return;
+  e_.fallo_de_base = std::move(motivo);
+  std::string aviso = "Falló la base: " + e_.fallo_de_base;
+  aviso += base::kCrLf;
+  c_.Avisar(aviso += "No se importa nada hasta volver a leerla entera.");
+  c_.Cambio();
+}
+
+std::string BaseDeDatos::MotivoDeLectura() const {
+  if (!e_.fallo_de_base.empty()) return "Falló la base: " + e_.fallo_de_base;
+  const std::pair<const char*, const std::string&> lecturas[] = {
+      {"la fila de la empresa", e_.motivo_empresa},
+      {"la lista de tipos de liquidación", e_.tipos.motivo_fallo},
+      {"la lista de tablas de usuario", e_.motivo_tablas},
+      {"la lista de contratos del mes", e_.personas.motivo_fallo},
+      {"la lista de conceptos", e_.conceptos.motivo_fallo},
+      {"la lista de relaciones", e_.relaciones.motivo_fallo}};
+  for (const auto& [que, motivo] : lecturas)
+    if (!motivo.empty()) return std::string("No se pudo leer ") + que + ": " + motivo;
+  return {};
+}
+
+std::string BaseDeDatos::MotivoParaNoImportar() const {
+  if (!sesion_.Abierta()) return "La Base no está Abierta";
+  std::string motivo = MotivoDeLectura();
+  if (motivo.empty() && e_.grilla_a_medias)
+    motivo = "La grilla se cargó cuando la base no se podía leer entera, y hay que cargarla de nuevo.";
+  return motivo;
+}
+
+void BaseDeDatos::Deshacer() {
+  if (sesion_.conexion != nullptr && sesion_.conexion->EnTransaccion())
+    base::AnyErrorNoted("deshacer", nullptr, [&] { sesion_.conexion->RollbackTrans(); });
+}
+
+void BaseDeDatos::VerSoloLectura() { e_.solo_lectura = MotivoSoloLectura(sesion_.conexion.get()); }
+
+}  // namespace app

@@ -1,0 +1,47 @@
+// The one connection of the program with its company and its evaluator, and what stands in the way of
+// trusting it.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "app/contexto.h"
+#include "db/db_session.h"
+#include "formula/evaluator.h"
+
+namespace app {
+
+class BaseDeDatos {
+ public:
+  explicit BaseDeDatos(Contexto& contexto);
+
+  BaseDeDatos(const BaseDeDatos&) = delete;
+  BaseDeDatos& operator=(const BaseDeDatos&) = delete;
+
+  const db::DbSession& Sesion() const { return sesion_; }
+  formula::Evaluador& Evaluador() { return evaluador_; }
+  // Closes what was open and opens the reference. False: it is not open, and motivo_base says why.
+  bool Conectar(const std::string& referencia);
+  // The company that every statement names. What cannot be read leaves motivo_empresa.
+  void LeerEmpresa();
+  // Every step that touches the base runs in here: a fault of the storage or of the memory ends it, is told,
+  // and stops all imports until everything has been read again. False: it was ended.
+  bool ConLaBase(const std::function<void()>& paso);
+  void VerSoloLectura();
+  // What was begun and not committed stays as it was, the month parameter included.
+  void Deshacer();
+
+  std::string MotivoDeLectura() const;  // the first of the tables that could not be read
+  std::string MotivoParaNoImportar() const;
+
+ private:
+  bool Comenzar();
+  void FalloLaBase(std::string motivo);
+
+  Contexto& c_;
+  Estado& e_;
+  db::DbSession sesion_;
+  formula::Evaluador evaluador_;
+};
+
+}  // namespace app

@@ -1,0 +1,37 @@
+// The import of the loaded lines: what is told and asked before, the run, and what is told after.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/lineas.h"
+
+namespace app {
+
+class Importador {
+ public:
+  struct Partes {
+    BaseDeDatos& base;
+    Tareas& tareas;
+    Lineas& lineas;
+  };
+  Importador(Contexto& contexto, const Partes& partes);
+
+  // Only the primary button (1) imports; any other does nothing.
+  void cbImportar_Click(int boton);
+  // The same without its question; `deshacer` ends with a rollback, to see what would come of it.
+  void Importar(bool deshacer);
+  std::string Confirmacion() const;
+  // What would be written and may not be meant, one text a kind.
+  std::vector<std::string> Avisos();
+
+ private:
+  liquidation::EntradaImportacion EntradaDeImportacion();
+  void AnotarImportacion(bool deshacer);
+
+  Contexto& c_;
+  Estado& e_;
+  Partes p_;
+};
+
+}  // namespace app

@@ -1,0 +1,91 @@
+#include "app/lineas.h"
+
+#include <utility>
+
+#include "app/vista.h"
+#include "formula/vector_utils.h"
+
+namespace app {
+
+Lineas::Lineas(Contexto& contexto, const Partes& partes) : c_(contexto), e_(contexto.estado), p_(partes) {}
+
+void Lineas::Activate() {
+  if (!e_.carga_pendiente) return;
+  e_.carga_pendiente = false;
+  if (e_.fallo_de_base.empty()) CargarDatos();
+}
+
+void Lineas::CargarDatos() {
+  if (p_.tareas.EnCurso()) return;
+  if (!p_.base.Sesion().Abierta() || p_.base.MotivoDeLectura().empty()) return CargarGrilla();
+  unsigned recargas = kEmpresa | kTipos | kTablas | kPersonas | kConceptos | kGrilla;
+  if (e_.relaciones.carga_fallida) recargas |= kRelaciones;
+  Recargar(recargas);
+}
+
+void Lineas::Recargar(unsigned recargas) {
+  if (p_.lecturas.Releer(recargas) && (recargas & kGrilla)) CargarGrilla();
+}
+
+void Lineas::CargarGrilla() {
+  if (p_.tareas.EnCurso()) return;
+  p_.tareas.Empezar(Tarea::Carga);
+  c_.barra.Cancelar(false);
+  const settings::Settings opciones =
+      e_.opciones;  // a handler may change them while the events of the load run
+  importfile::EntradaCarga entrada;
+  entrada.txtRuta = e_.txtRuta.text;
+  entrada.opciones = &opciones;
+  entrada.filtro = e_.OptFiltro == 0 ? importfile::FiltroPor::Texto : importfile::FiltroPor::Relacion;
+  entrada.columna_orden = e_.columna_orden;
+  entrada.personas = &e_.personas;
+  entrada.conceptos = &e_.conceptos;
+  entrada.relaciones = &e_.relaciones;
+  entrada.evaluador = &p_.base.Evaluador();
+  entrada.prompts = &c_.puertos.prompts;
+  entrada.progreso = &c_.barra;
+  importfile::Carga carga;
+  const bool leida = p_.base.ConLaBase([&] { carga = importfile::CargarDatos(entrada); });
+  if (leida) e_.fin_de_carga = carga.fin;
+  if (leida && carga.fin == importfile::FinDeCarga::Completa) {
+    e_.grilla_a_medias = !p_.base.MotivoDeLectura().empty();
+    e_.filas = std::move(carga.filas);
+    e_.aparte = std::move(carga.aparte);
+    e_.previa = std::move(carga.previa);
+    e_.hay_valor = carga.hay_valor;
+    e_.lineas = carga.lineas;
+    ++e_.revision.filas;
+    p_.formato.CargarDatosPrevisual();
+    Actualizar();
+  }
+  c_.barra.ActuBarra(0);
+  p_.tareas.Terminado();
+}
+
+void Lineas::Actualizar() {
+  e_.GridAImportar.Columna("Valor")->visible = e_.hay_valor;
+  c_.Cambio();
+}
+
+void Lineas::OrdenarFilas() {
+  std::vector<std::string_view> valores;
+  valores.reserve(e_.filas.size());
+  for (const auto& fila : e_.filas)
+    valores.emplace_back(fila.campo[static_cast<std::size_t>(e_.columna_orden)]);
+  const auto orden = formula::OrdenDeColumna(valores, c_.puertos.reloj.Hoy());
+  std::vector<importfile::ImportRow> ordenadas;
+  ordenadas.reserve(e_.filas.size());
+  for (const std::size_t i : orden) ordenadas.push_back(std::move(e_.filas[i]));
+  e_.filas = std::move(ordenadas);
+  ++e_.revision.filas;
+}
+
+void Lineas::GridAImportar_HeadClick(std::string_view columna) {
+  const int campo = CampoDeColumna(columna);
+  if (p_.tareas.EnCurso() || campo < 0) return;
+  e_.columna_orden = campo;
+  OrdenarFilas();
+  c_.Cambio();
+}
+
+}  // namespace app

@@ -1,0 +1,41 @@
+// The lines of the file in GridAImportar: loaded and sorted.
+#pragma once
+
+#include <string_view>
+
+#include "app/base_de_datos.h"
+#include "app/formato.h"
+#include "app/lecturas.h"
+#include "app/tareas.h"
+
+namespace app {
+
+class Lineas {
+ public:
+  struct Partes {
+    BaseDeDatos& base;
+    Lecturas& lecturas;
+    Tareas& tareas;
+    Formato& formato;
+  };
+  Lineas(Contexto& contexto, const Partes& partes);
+
+  void GridAImportar_HeadClick(std::string_view columna);
+  // Reads the file into the grid; first what could not be read from the base, when there is any.
+  void CargarDatos();
+  // The tables that are asked for, and then the grid when it is among them.
+  void Recargar(unsigned recargas);
+  // The load of a file named on the command line.
+  void Activate();
+  void Actualizar();
+
+ private:
+  void CargarGrilla();
+  void OrdenarFilas();
+
+  Contexto& c_;
+  Estado& e_;
+  Partes p_;
+};
+
+}  // namespace app
