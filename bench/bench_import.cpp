@@ -110,16 +110,9 @@ importfile::Carga Cargar(Datos& d, const std::string& archivo, ports::Prompts& p
 
 liquidation::Importacion Importar(Datos& d, base::Fecha mes, std::vector<importfile::ImportRow>& filas,
                                   ports::Prompts& prompts, ports::Progress& progreso) {
-  liquidation::EntradaImportacion entrada;
-  entrada.sesion = &d.sesion;
-  entrada.opciones = &d.opciones;
-  entrada.personas = &d.personas;
-  entrada.relaciones = &d.relaciones;
-  entrada.evaluador = &d.evaluador;
-  entrada.tablas = &d.tablas;
-  entrada.prompts = &prompts;
-  entrada.progreso = &progreso;
-  entrada.mes = mes;
+  liquidation::EntradaImportacion entrada{d.sesion,    d.opciones,  d.personas, d.relaciones,
+                                          d.conceptos, d.evaluador, d.tablas,   prompts,
+                                          progreso,    mes,         {},         {}};
   entrada.condiciones = {"TiposLiquidacion.Salarial and (Not ParaEmp)", d.tipos.TypeCondition,
                          d.tipos.CalendarCondition};
   entrada.texto_liquidacion = "0 - Sueldos";

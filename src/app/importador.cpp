@@ -34,20 +34,20 @@ void Importador::cbImportar_Click(int boton) {
   Importar(false);
 }
 
-liquidation::EntradaImportacion Importador::EntradaDeImportacion() {
-  liquidation::EntradaImportacion entrada;
-  entrada.sesion = &p_.base.Sesion();
-  entrada.opciones = &e_.opciones;
-  entrada.personas = &e_.personas;
-  entrada.relaciones = &e_.relaciones;
-  entrada.conceptos = &e_.conceptos;
-  entrada.evaluador = &p_.base.Evaluador();
-  entrada.tablas = &e_.tablas;
-  entrada.prompts = &c_.puertos.prompts;
-  entrada.progreso = &c_.barra;
-  entrada.mes = e_.mes;
-  entrada.condiciones = {liquidation::TypeFilterDe(e_.tipos.cmbLiquidaciones), e_.tipos.TypeCondition,
-                         e_.tipos.CalendarCondition};
+liquidation::EntradaImportacion Importador::EntradaDeImportacion(const settings::Settings& opciones) {
+  liquidation::EntradaImportacion entrada{p_.base.Sesion(),
+                                          opciones,
+                                          e_.personas,
+                                          e_.relaciones,
+                                          e_.conceptos,
+                                          p_.base.Evaluador(),
+                                          e_.tablas,
+                                          c_.puertos.prompts,
+                                          c_.barra,
+                                          e_.mes,
+                                          {liquidation::TypeFilterDe(e_.tipos.cmbLiquidaciones),
+                                           e_.tipos.TypeCondition, e_.tipos.CalendarCondition},
+                                          {}};
   if (const formula::ItemLista* tipo = e_.tipos.cmbLiquidaciones.Elegido())
     entrada.texto_liquidacion = tipo->texto;
   if (const formula::ItemLista* centro = e_.tipos.cmbAgrupa.Elegido()) entrada.centro_costo = centro->dato;
@@ -55,15 +55,14 @@ liquidation::EntradaImportacion Importador::EntradaDeImportacion() {
 }
 
 std::vector<std::string> Importador::Avisos() {
-  return liquidation::AvisosDeImportacion(EntradaDeImportacion(), e_.filas);
+  return liquidation::AvisosDeImportacion(EntradaDeImportacion(e_.opciones), e_.filas);
 }
 
 void Importador::Importar(bool deshacer) {
   if (p_.tareas.EnCurso()) return;
   p_.tareas.Empezar(Tarea::Importacion);
   const settings::Settings opciones = e_.opciones;
-  liquidation::EntradaImportacion entrada = EntradaDeImportacion();
-  entrada.opciones = &opciones;
+  liquidation::EntradaImportacion entrada = EntradaDeImportacion(opciones);
   entrada.deshacer = deshacer;
   e_.importacion = {};
   p_.base.ConLaBase([&] { e_.importacion = liquidation::Importar(entrada, e_.filas); });

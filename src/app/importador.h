@@ -26,7 +26,7 @@ class Importador {
   std::vector<std::string> Avisos();
 
  private:
-  liquidation::EntradaImportacion EntradaDeImportacion();
+  liquidation::EntradaImportacion EntradaDeImportacion(const settings::Settings& opciones);
   void AnotarImportacion(bool deshacer);
 
   Contexto& c_;

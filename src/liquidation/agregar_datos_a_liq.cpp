@@ -13,10 +13,11 @@ namespace {
 // The type for the contract, remembered while the contract stays the same.
 std::int32_t TipoDeContrato(Corrida& c, std::int32_t contrato) {
   if (contrato == c.cache.contrato) return c.cache.tipo;
+  const EntradaImportacion& e = c.entrada;
   c.cache.tipo = -1;
-  base::ErrorIgnorado("AgregarDatosALiq: tipo de liquidación", c.errores, [&] {
-    if (!c.consulta_tipos) c.consulta_tipos.emplace(c.sesion->idEmpresa, c.mes, c.condiciones);
-    const auto rs = c.sesion->conexion->Ejecutar(c.consulta_tipos->De(contrato));
+  base::ErrorIgnorado("AgregarDatosALiq: tipo de liquidación", &c.errores, [&] {
+    if (!c.consulta_tipos) c.consulta_tipos.emplace(e.sesion.idEmpresa, e.mes, e.condiciones);
+    const auto rs = e.sesion.conexion->Ejecutar(c.consulta_tipos->De(contrato));
     if (!rs.Vacio()) c.cache.tipo = rs.En(0, 0).Entero();
   });
   c.cache.contrato = contrato;
@@ -25,9 +26,10 @@ std::int32_t TipoDeContrato(Corrida& c, std::int32_t contrato) {
 
 // An open header that the key search did not show (its person has no card, or a document stored in another
 // form). Not knowing would make a second one: the line is refused when this cannot be read.
-std::optional<std::int32_t> EncabezadoYaAbierto(Corrida& c, std::int32_t contrato, std::int32_t tipo) {
+std::optional<std::int32_t> EncabezadoYaAbierto(const EntradaImportacion& e, std::int32_t contrato,
+                                                std::int32_t tipo) {
   const auto rs =
-      c.sesion->conexion->Ejecutar(sql::EncabezadoDeContrato(c.sesion->idEmpresa, c.mes, contrato, tipo));
+      e.sesion.conexion->Ejecutar(sql::EncabezadoDeContrato(e.sesion.idEmpresa, e.mes, contrato, tipo));
   if (rs.Vacio()) return std::nullopt;
   return rs.En(0, 0).Entero();
 }
@@ -39,18 +41,18 @@ struct Eleccion {
 };
 
 Eleccion ElegirEncabezado(Corrida& c, std::int32_t contrato, std::string_view clave) {
+  const EntradaImportacion& e = c.entrada;
   const EncabezadoAbierto* hallado = c.encabezados.Find(clave, contrato);
   const std::int32_t tipo = TipoDeContrato(c, contrato);
   if (hallado != nullptr) {
     if (hallado->Terminado) return {0, "La Liquidación está terminada"};
     if (hallado->id_TipoLiq == tipo) return {hallado->id_Encabezado, {}};
   }
-  if (tipo == -1) return {0, "La Liquidaciones de tipo " + c.texto_liquidacion + " estan terminadas"};
-  if (const auto abierto = EncabezadoYaAbierto(c, contrato, tipo)) return {*abierto, {}};
+  if (tipo == -1) return {0, "La Liquidaciones de tipo " + e.texto_liquidacion + " estan terminadas"};
+  if (const auto abierto = EncabezadoYaAbierto(e, contrato, tipo)) return {*abierto, {}};
   const std::int32_t nuevo = IdentificadorNuevo(c, "Encabezados", "id_Encabezado");
-  Escribir(c,
-           sql::InsertarEncabezado(c.sesion->idEmpresa, nuevo, c.mes, contrato, tipo, c.sesion->id_Usuario));
-  c.encabezados.Reabrir(*c.sesion, nuevo);
+  Escribir(c, sql::InsertarEncabezado(e.sesion.idEmpresa, nuevo, e.mes, contrato, tipo, e.sesion.id_Usuario));
+  c.encabezados.Reabrir(e.sesion, nuevo);
   return {nuevo, {}};
 }
 
@@ -58,18 +60,18 @@ Eleccion ElegirEncabezado(Corrida& c, std::int32_t contrato, std::string_view cl
 
 void Marcar(Corrida& c) {
   if (c.marcada) return;
-  c.sesion->conexion->SetSavepoint();
+  c.entrada.sesion.conexion->SetSavepoint();
   c.marcada = true;
 }
 
 void Escribir(Corrida& c, const std::string& sql) {
   Marcar(c);
-  c.sesion->conexion->Ejecutar(sql);
+  c.entrada.sesion.conexion->Ejecutar(sql);
   c.escribio = true;
 }
 
 std::int32_t IdentificadorNuevo(const Corrida& corrida, std::string_view tabla, std::string_view campo) {
-  const std::int32_t mayor = db::NextId(*corrida.sesion->conexion, tabla, campo);
+  const std::int32_t mayor = db::NextId(*corrida.entrada.sesion.conexion, tabla, campo);
   if (mayor == std::numeric_limits<std::int32_t>::max()) throw base::Error(base::DescripcionDeError(6), 6);
   return mayor + 1;
 }
@@ -77,17 +79,24 @@ std::int32_t IdentificadorNuevo(const Corrida& corrida, std::string_view tabla, 
 std::string AgregarDatosALiq(Corrida& c, std::int32_t concepto, float& cantidad, std::size_t fila_persona,
                              const importfile::ImportRow& fila, std::int64_t centro_costo,
                              float& coeficiente) {
-  const std::int32_t contrato = Identificador32(c.personas->Texto(refdata::kContrato, fila_persona));
+  const refdata::PersonsIndex& personas = c.entrada.personas;
+  DatoALiquidar dato{concepto,
+                     Identificador32(personas.Texto(refdata::kContrato, fila_persona)),
+                     0,
+                     0,
+                     {cantidad, coeficiente}};
   if (concepto >= 1000) {
-    EscribirTablaUsuario(c, concepto, contrato, cantidad, coeficiente);
+    cantidad = EscribirTablaUsuario(c, dato);
     return {};
   }
   const Eleccion eleccion =
-      ElegirEncabezado(c, contrato, c.personas->Texto(c.opciones->Configura, fila_persona));
+      ElegirEncabezado(c, dato.contrato, personas.Texto(c.entrada.opciones.Configura, fila_persona));
   if (!eleccion.motivo.empty()) return eleccion.motivo;
-  const DatoALiquidar dato{concepto, contrato, eleccion.encabezado,
-                           Agrupacion(*c.sesion, *c.opciones, *c.personas, fila_persona, fila, centro_costo)};
-  EscribirDato(c, dato, cantidad, coeficiente, fila);
+  dato.encabezado = eleccion.encabezado;
+  dato.agrupa = Agrupacion(c.entrada.sesion, c.entrada.opciones, personas, fila_persona, fila, centro_costo);
+  const Cifras escritas = EscribirDato(c, dato, fila);
+  cantidad = escritas.cantidad;
+  coeficiente = escritas.coeficiente;
   return {};
 }
 

@@ -5,17 +5,12 @@
 #include <optional>
 #include <string>
 
-#include "base/date.h"
 #include "base/error.h"
-#include "db/db_session.h"
-#include "formula/evaluator.h"
-#include "formula/user_tables.h"
 #include "importfile/import_grid.h"
+#include "liquidation/entrada_importacion.h"
 #include "liquidation/month_data.h"
 #include "liquidation/open_headers.h"
 #include "liquidation/sql.h"
-#include "refdata/persons_index.h"
-#include "settings/settings.h"
 
 namespace liquidation {
 
@@ -25,17 +20,13 @@ struct ContractTypeCache {
   std::int32_t tipo = -1;
 };
 
-// What one run of the import works on and keeps between its lines. Nothing is owned but the run's own tables.
+// One run of the import: what it works on, and what it keeps between its lines.
 struct Corrida {
-  const db::DbSession* sesion = nullptr;
-  const settings::Settings* opciones = nullptr;
-  const refdata::PersonsIndex* personas = nullptr;
-  formula::Evaluador* evaluador = nullptr;
-  const formula::TablasUsuario* tablas = nullptr;  // as loaded before the run
-  base::Fecha mes;                                 // first day of the month
-  sql::CondicionesDeTipo condiciones;
-  std::string texto_liquidacion;  // what cmbLiquidaciones shows
-  base::SumideroErrores* errores = nullptr;
+  Corrida(const EntradaImportacion& entrada_, base::SumideroErrores& errores_)
+      : entrada(entrada_), errores(errores_) {}
+
+  const EntradaImportacion& entrada;
+  base::SumideroErrores& errores;
 
   MonthDataTable datos;
   OpenHeaders encabezados;

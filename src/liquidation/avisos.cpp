@@ -92,9 +92,8 @@ std::string NombreDeConcepto(std::int32_t concepto) {
 class Avisador {
  public:
   Avisador(const EntradaImportacion& entrada) : e_(entrada) {
-    if (e_.conceptos == nullptr) return;
-    for (std::size_t i = 0; i < e_.conceptos->tabla.Cantidad(); ++i)
-      listados_.insert(e_.conceptos->tabla.Campo(0, i));
+    for (std::size_t i = 0; i < e_.conceptos.tabla.Cantidad(); ++i)
+      listados_.insert(e_.conceptos.tabla.Campo(0, i));
   }
 
   void Ver(const ImportRow& fila) {
@@ -103,10 +102,9 @@ class Avisador {
     const LineaAImportar& linea = *revisada.linea;
     Clave clave{.concepto = linea.concepto};
     try {
-      clave.contrato = Identificador32(e_.personas->Texto(refdata::kContrato, linea.persona));
+      clave.contrato = Identificador32(e_.personas.Texto(refdata::kContrato, linea.persona));
       if (linea.concepto < 1000)
-        clave.agrupa =
-            Agrupacion(*e_.sesion, *e_.opciones, *e_.personas, linea.persona, fila, e_.centro_costo);
+        clave.agrupa = Agrupacion(e_.sesion, e_.opciones, e_.personas, linea.persona, fila, e_.centro_costo);
     } catch (const base::Error&) {
       return;  // the line will be refused
     }
@@ -155,12 +153,11 @@ class Avisador {
   }
 
   void VerCatalogo(const ImportRow& fila, const LineaAImportar& linea) {
-    if (e_.conceptos == nullptr) return;
-    const auto concepto = ConceptoDeRelacion(e_.relaciones->Campo(relations::kConcepto, linea.relacion));
+    const auto concepto = ConceptoDeRelacion(e_.relaciones.Campo(relations::kConcepto, linea.relacion));
     if (!concepto || listados_.contains(std::to_string(*concepto))) return;
     Caso& caso = fuera_.De({.concepto = static_cast<std::int32_t>(linea.relacion)});  // one a relation
     caso.nombre =
-        e_.relaciones->Campo(relations::kCodigo, linea.relacion) + ", " + NombreDeConcepto(*concepto);
+        e_.relaciones.Campo(relations::kCodigo, linea.relacion) + ", " + NombreDeConcepto(*concepto);
     caso.Sumar(fila.linea);
   }
 
@@ -185,7 +182,7 @@ class Avisador {
 
   // Quantities with a price are kept each for itself.
   void VerRepetida(const ImportRow& fila, const Clave& clave, const std::string& persona) {
-    if (e_.opciones->TotalizarConc) return;
+    if (e_.opciones.TotalizarConc) return;
     if (clave.concepto < 1000 && TipoDatoDe(fila) == kTipoCantidadYValor) return;
     Caso& caso = repetidas_.De(clave);
     if (caso.lineas == 0) caso.nombre = persona + ", " + NombreDeConcepto(clave.concepto);

@@ -17,7 +17,9 @@ struct Escritura {
   int TipoCuota;
   std::string nombre_cuota;
 
-  sql::ClaveDato Clave() const { return {c.sesion->idEmpresa, dato.encabezado, dato.concepto, dato.agrupa}; }
+  sql::ClaveDato Clave() const {
+    return {c.entrada.sesion.idEmpresa, dato.encabezado, dato.concepto, dato.agrupa};
+  }
 };
 
 // Whether evaluating the instalment name could do anything but give a text: only a "(" or an unpaired bracket
@@ -36,22 +38,29 @@ bool EvaluacionVisible(std::string_view plantilla, const formula::CamposDeLinea&
 }
 
 std::string NombreDeCuota(Corrida& c, int TipoCuota, const formula::CamposDeLinea& campos) {
-  const std::string& plantilla = c.opciones->TextoTipoCuota;
+  const std::string& plantilla = c.entrada.opciones.TextoTipoCuota;
   if (TipoCuota == 0 && !EvaluacionVisible(plantilla, campos)) return {};
   std::string nombre =
-      formula::EvaluarTexto(*c.evaluador, "#" + formula::ReemplazaComodines(plantilla, campos) + "#");
-  if (TipoCuota != 0 && c.evaluador->agotado != nullptr) throw base::Error(c.evaluador->agotado);
+      formula::EvaluarTexto(c.entrada.evaluador, "#" + formula::ReemplazaComodines(plantilla, campos) + "#");
+  if (TipoCuota != 0 && c.entrada.evaluador.agotado != nullptr)
+    throw base::Error(c.entrada.evaluador.agotado);
   return nombre;
 }
 
 void InsertarCuota(Escritura& e, std::int32_t id_Pago, std::int32_t id_Dato, const std::string& cantidad) {
-  const sql::Cuota cuota{e.c.sesion->idEmpresa, id_Pago, e.dato.contrato, e.dato.concepto, id_Dato, cantidad,
+  const sql::Cuota cuota{e.c.entrada.sesion.idEmpresa,
+                         id_Pago,
+                         e.dato.contrato,
+                         e.dato.concepto,
+                         id_Dato,
+                         cantidad,
                          e.nombre_cuota};
-  Escribir(e.c, sql::InsertarPago(cuota, e.c.mes));
-  Escribir(e.c, sql::InsertarPagoDeta(cuota, e.c.mes));
+  Escribir(e.c, sql::InsertarPago(cuota, e.c.entrada.mes));
+  Escribir(e.c, sql::InsertarPagoDeta(cuota, e.c.entrada.mes));
 }
 
-void Insertar(Escritura& e, float cantidad, float coeficiente) {
+void Insertar(Escritura& e) {
+  const auto [cantidad, coeficiente] = e.dato.cifras;
   const std::string q = base::SqlDeSimple(cantidad), k = base::SqlDeSimple(coeficiente);
   const std::int32_t id_Dato = IdentificadorNuevo(e.c, "Datos_Liquidacion", "id_Dato");
   std::string par;
@@ -69,7 +78,7 @@ void Insertar(Escritura& e, float cantidad, float coeficiente) {
     id_Pago = IdentificadorNuevo(e.c, "PagosEnSueldo", "id_Pago");
     InsertarCuota(e, id_Pago, id_Dato, q);
   }
-  if (e.c.opciones->TotalizarConc)
+  if (e.c.entrada.opciones.TotalizarConc)
     e.c.datos.Agregar(DatoDelMes{e.dato.concepto, cantidad, e.dato.contrato, id_Pago, e.dato.agrupa,
                                  coeficiente, e.dato.encabezado});
 }
@@ -81,7 +90,7 @@ DatoDelMes* FilaDelDato(Escritura& e, std::int32_t id_Dato) {
   const DatoALiquidar& d = e.dato;
   DatoDelMes* fila = e.c.datos.Buscar(d.concepto, d.contrato, d.agrupa, d.encabezado);
   if (fila != nullptr || !e.c.datos.Precargado(d.concepto, d.contrato, d.agrupa)) return fila;
-  const auto rs = e.c.sesion->conexion->Ejecutar(sql::LeerDato(e.c.sesion->idEmpresa, id_Dato));
+  const auto rs = e.c.entrada.sesion.conexion->Ejecutar(sql::LeerDato(e.c.entrada.sesion.idEmpresa, id_Dato));
   const auto cantidad = static_cast<float>(rs.En(0, 0).NumeroOCero());
   const auto coeficiente = static_cast<float>(rs.En(1, 0).NumeroOCero());
   const bool llena_cantidad = e.TipoDato == kTipoCantidad || e.TipoDato == kTipoCantidadYValor;
@@ -94,8 +103,9 @@ DatoDelMes* FilaDelDato(Escritura& e, std::int32_t id_Dato) {
 }
 
 // The sum of what the header's datum holds and the line.
-void Actualizar(Escritura& e, std::int32_t id_Dato, float& cantidad, float& coeficiente) {
-  const std::int32_t empresa = e.c.sesion->idEmpresa;
+Cifras Actualizar(Escritura& e, std::int32_t id_Dato) {
+  auto [cantidad, coeficiente] = e.dato.cifras;
+  const std::int32_t empresa = e.c.entrada.sesion.idEmpresa;
   std::int64_t id_Pago = -1;
   DatoDelMes* fila = FilaDelDato(e, id_Dato);
   if (fila != nullptr) {
@@ -128,25 +138,24 @@ void Actualizar(Escritura& e, std::int32_t id_Dato, float& cantidad, float& coef
     Escribir(e.c, sql::ActualizarPago(cuota));
     Escribir(e.c, sql::ActualizarPagoDeta(cuota));
   }
+  return {cantidad, coeficiente};
 }
 
 }  // namespace
 
-void EscribirDato(Corrida& c, const DatoALiquidar& dato, float& cantidad, float& coeficiente,
-                  const importfile::ImportRow& fila) {
+Cifras EscribirDato(Corrida& c, const DatoALiquidar& dato, const importfile::ImportRow& fila) {
   Escritura e{c, dato, TipoDatoDe(fila), TipoCuotaDe(fila), {}};
   std::optional<std::int32_t> id_Dato;
-  if (c.opciones->TotalizarConc) {
-    const auto rs = c.sesion->conexion->Ejecutar(sql::BuscarDato(e.Clave()));
+  if (c.entrada.opciones.TotalizarConc) {
+    const auto rs = c.entrada.sesion.conexion->Ejecutar(sql::BuscarDato(e.Clave()));
     if (!rs.Vacio()) id_Dato = rs.En(0, 0).Entero();
   } else if (e.TipoDato != kTipoCantidadYValor) {
     Escribir(c, sql::BorrarDato(e.Clave()));
   }
   e.nombre_cuota = NombreDeCuota(c, e.TipoCuota, fila.campo);
-  if (!id_Dato || e.TipoCuota != 0)
-    Insertar(e, cantidad, coeficiente);
-  else
-    Actualizar(e, *id_Dato, cantidad, coeficiente);
+  if (id_Dato && e.TipoCuota == 0) return Actualizar(e, *id_Dato);
+  Insertar(e);
+  return dato.cifras;
 }
 
 }  // namespace liquidation

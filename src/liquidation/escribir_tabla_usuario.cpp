@@ -22,39 +22,41 @@ bool DebeCerrarse(const formula::Vector& serie, base::Fecha mes, base::Fecha hoy
 
 }  // namespace
 
-void EscribirTablaUsuario(Corrida& c, std::int32_t concepto, std::int32_t contrato, float& cantidad,
-                          float coeficiente) {
-  const std::int32_t tabla = concepto - 1000;
-  const std::string codigo = std::to_string(contrato);
-  const base::Fecha hoy = c.sesion->reloj->Hoy();
-  const base::Fecha mes_siguiente = base::DateAdd("m", 1, c.mes);
-  const bool tenia_valores = c.tablas->TieneValores(tabla, codigo);
+float EscribirTablaUsuario(Corrida& c, const DatoALiquidar& dato) {
+  const EntradaImportacion& e = c.entrada;
+  const std::int32_t tabla = dato.concepto - 1000;
+  const std::string codigo = std::to_string(dato.contrato);
+  float cantidad = dato.cifras.cantidad;
+  const base::Fecha hoy = e.sesion.reloj->Hoy();
+  const base::Fecha mes_siguiente = base::DateAdd("m", 1, e.mes);
+  const bool tenia_valores = e.tablas.TieneValores(tabla, codigo);
   Marcar(c);
   c.escribio = true;  // a value takes several statements
 
-  if (!c.opciones->TotalizarConc) {
+  if (!e.opciones.TotalizarConc) {
     // The 0 at the month is replaced by the quantity: it stands for clearing what the month had. Tables of
     // every kind are dated at the month.
-    if (tenia_valores) formula::GuardarValorTablaUsuario(*c.sesion, tabla, codigo, "0", c.mes);
-    formula::GuardarValorTablaUsuario(*c.sesion, tabla, codigo, base::SqlDeSimple(cantidad), c.mes);
-    if (tenia_valores) formula::CerrarValorTablaUsuario(*c.sesion, tabla, codigo, mes_siguiente);
-    return;
+    if (tenia_valores) formula::GuardarValorTablaUsuario(e.sesion, tabla, codigo, "0", e.mes);
+    formula::GuardarValorTablaUsuario(e.sesion, tabla, codigo, base::SqlDeSimple(cantidad), e.mes);
+    if (tenia_valores) formula::CerrarValorTablaUsuario(e.sesion, tabla, codigo, mes_siguiente);
+    return cantidad;
   }
 
-  DatoDelMes* previo = c.datos.BuscarDeTabla(concepto, contrato);
+  DatoDelMes* previo = c.datos.BuscarDeTabla(dato.concepto, dato.contrato);
   if (previo != nullptr) cantidad = previo->valor + cantidad;
-  formula::GuardarValorTablaUsuario(*c.sesion, tabla, codigo,
-                                    base::SqlDeNumero(base::DobleDeSimple(cantidad) + 200.0), c.mes, true);
+  formula::GuardarValorTablaUsuario(e.sesion, tabla, codigo,
+                                    base::SqlDeNumero(base::DobleDeSimple(cantidad) + 200.0), e.mes, true);
   if (previo != nullptr)
     c.datos.Cambiar(*previo, cantidad, previo->Coeficiente);
   else
-    c.datos.Agregar(DatoDelMes{.id_Concepto = concepto,
+    c.datos.Agregar(DatoDelMes{.id_Concepto = dato.concepto,
                                .valor = cantidad,
-                               .id_Contrato = contrato,
-                               .Coeficiente = coeficiente,
+                               .id_Contrato = dato.contrato,
+                               .Coeficiente = dato.cifras.coeficiente,
                                .id_Encabezado = kSinEncabezado});
-  if (tenia_valores && DebeCerrarse(c.tablas->Serie(tabla, codigo), c.mes, hoy))
-    formula::CerrarValorTablaUsuario(*c.sesion, tabla, codigo, mes_siguiente);
+  if (tenia_valores && DebeCerrarse(e.tablas.Serie(tabla, codigo), e.mes, hoy))
+    formula::CerrarValorTablaUsuario(e.sesion, tabla, codigo, mes_siguiente);
+  return cantidad;
 }
 
 }  // namespace liquidation

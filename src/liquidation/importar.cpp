@@ -6,26 +6,13 @@
 
 #include "base/number.h"
 #include "base/text.h"
+#include "liquidation/agregar_datos_a_liq.h"
 #include "liquidation/revisar_fila.h"
 
 namespace liquidation {
 namespace {
 
 using importfile::ImportRow;
-
-Corrida Preparar(const EntradaImportacion& e, base::SumideroErrores& errores) {
-  Corrida c;
-  c.sesion = e.sesion;
-  c.opciones = e.opciones;
-  c.personas = e.personas;
-  c.evaluador = e.evaluador;
-  c.tablas = e.tablas;
-  c.mes = e.mes;
-  c.condiciones = e.condiciones;
-  c.texto_liquidacion = e.texto_liquidacion;
-  c.errores = &errores;
-  return c;
-}
 
 // The concepts of all relations, joined with ","; a relation without a number would make the list unreadable,
 // and the sums of all the others would be lost with it.
@@ -38,11 +25,12 @@ std::string ConceptosDeRelaciones(const relations::CodeRelations& relaciones) {
 }
 
 // What the month's open liquidations already hold, so that the lines are added to it.
-void Precargar(const EntradaImportacion& e, Corrida& c) {
-  if (!e.opciones->SumarAyaIng) return;
-  const std::string conceptos = ConceptosDeRelaciones(*e.relaciones);
+void Precargar(Corrida& c) {
+  const EntradaImportacion& e = c.entrada;
+  if (!e.opciones.SumarAyaIng) return;
+  const std::string conceptos = ConceptosDeRelaciones(e.relaciones);
   if (conceptos.empty()) return;
-  const auto rs = e.sesion->conexion->Ejecutar(sql::Precarga(e.sesion->idEmpresa, e.mes, conceptos));
+  const auto rs = e.sesion.conexion->Ejecutar(sql::Precarga(e.sesion.idEmpresa, e.mes, conceptos));
   for (std::size_t i = 0; i < rs.Cantidad(); ++i) c.datos.Agregar(rs.En(0, i).Texto());
 }
 
@@ -58,12 +46,12 @@ void LeerAntes(std::string_view que, Paso&& paso) {
 }
 
 // Everything that the lines are judged and added up by. Half of it would make other quantities.
-void LeerLoNecesario(const EntradaImportacion& e, Corrida& c) {
-  LeerAntes("no se pudieron leer las tablas de usuario",
-            [&] { e.tablas->CargarTablasUsuario(*e.sesion, -1); });
-  LeerAntes("no se pudo leer lo ya ingresado en el mes", [&] { Precargar(e, c); });
+void LeerLoNecesario(Corrida& c) {
+  const EntradaImportacion& e = c.entrada;
+  LeerAntes("no se pudieron leer las tablas de usuario", [&] { e.tablas.CargarTablasUsuario(e.sesion, -1); });
+  LeerAntes("no se pudo leer lo ya ingresado en el mes", [&] { Precargar(c); });
   LeerAntes("no se pudieron leer las liquidaciones abiertas del mes",
-            [&] { c.encabezados.Abrir(*e.sesion, e.mes, e.condiciones.TypeFilter, e.opciones->Configura); });
+            [&] { c.encabezados.Abrir(e.sesion, e.mes, e.condiciones.TypeFilter, e.opciones.Configura); });
 }
 
 // Sums by concept of the lines that were written.
@@ -82,7 +70,7 @@ void Sumar(Totales& totales, const LineaAImportar& linea, const std::string& nom
 void DeshacerLinea(Corrida& c, const base::Error& motivo) {
   if (c.marcada && c.escribio) {
     try {
-      c.sesion->conexion->RollbackToSavepoint();
+      c.entrada.sesion.conexion->RollbackToSavepoint();
     } catch (const base::Error& e) {
       throw base::Error(motivo.Descripcion() + "; y no se pudo deshacer la línea sola: " + e.Descripcion(),
                         e.Numero(), e.Fuente(), base::ErrorKind::Storage);
@@ -93,13 +81,12 @@ void DeshacerLinea(Corrida& c, const base::Error& motivo) {
 }
 
 // "" or the reason why the line was not written.
-std::string EscribirLinea(const EntradaImportacion& e, Corrida& c, const ImportRow& fila,
-                          LineaAImportar linea) {
+std::string EscribirLinea(Corrida& c, const ImportRow& fila, LineaAImportar linea) {
   c.marcada = c.escribio = false;
   c.datos.Marcar();
   c.encabezados.Marcar();
   try {
-    return AgregarDatosALiq(c, linea.concepto, linea.cantidad, linea.persona, fila, e.centro_costo,
+    return AgregarDatosALiq(c, linea.concepto, linea.cantidad, linea.persona, fila, c.entrada.centro_costo,
                             linea.coeficiente);
   } catch (const base::Error& error) {
     if (error.IsStorageFault()) throw;
@@ -108,49 +95,50 @@ std::string EscribirLinea(const EntradaImportacion& e, Corrida& c, const ImportR
   }
 }
 
-std::string ImportarFila(const EntradaImportacion& e, Corrida& c, const ImportRow& fila, Totales& totales) {
-  const FilaRevisada revisada = RevisarFila(e, fila);
+std::string ImportarFila(Corrida& c, const ImportRow& fila, Totales& totales) {
+  const FilaRevisada revisada = RevisarFila(c.entrada, fila);
   if (!revisada.linea) return revisada.motivo;
-  std::string motivo = EscribirLinea(e, c, fila, *revisada.linea);
+  std::string motivo = EscribirLinea(c, fila, *revisada.linea);
   if (motivo.empty())
-    Sumar(totales, *revisada.linea, e.relaciones->Campo(relations::kNombre, revisada.linea->relacion));
+    Sumar(totales, *revisada.linea, c.entrada.relaciones.Campo(relations::kNombre, revisada.linea->relacion));
   return motivo;
 }
 
-Totales ImportarFilas(const EntradaImportacion& e, Corrida& c, std::vector<ImportRow>& filas) {
+Totales ImportarFilas(Corrida& c, std::vector<ImportRow>& filas) {
   if (filas.empty()) return {};
   Totales totales;
-  e.progreso->ActuBarra(100.0F / static_cast<float>(filas.size()), true);
+  ports::Progress& progreso = c.entrada.progreso;
+  progreso.ActuBarra(100.0F / static_cast<float>(filas.size()), true);
   for (ImportRow& fila : filas) {
-    const std::string resultado = ImportarFila(e, c, fila, totales);
+    const std::string resultado = ImportarFila(c, fila, totales);
     fila.resultado = resultado.empty() ? "OK" : resultado;
-    e.progreso->ActuBarra(-1, true);
+    progreso.ActuBarra(-1, true);
   }
-  e.progreso->ActuBarra(0, true);
+  progreso.ActuBarra(0, true);
   return totales;
 }
 
 void ActualizarEnBloque(const EntradaImportacion& e, Importacion& r) {
   const auto ejecutar = [&](const char* donde, const char* falla, const std::string& texto) {
-    if (!base::ErrorIgnorado(donde, &r.errores, [&] { e.sesion->conexion->Ejecutar(texto); }))
+    if (!base::ErrorIgnorado(donde, &r.errores, [&] { e.sesion.conexion->Ejecutar(texto); }))
       r.actualizaciones_fallidas.push_back(std::string(falla) + ": " + r.errores.back().descripcion);
   };
   ejecutar("Importar: días trabajados", "No se actualizaron los días trabajados",
-           sql::ActualizarDias(e.sesion->idEmpresa, e.mes));
+           sql::ActualizarDias(e.sesion.idEmpresa, e.mes));
   ejecutar("Importar: montos", "No se actualizaron los montos",
-           sql::ActualizarMontos(e.sesion->idEmpresa, e.mes));
+           sql::ActualizarMontos(e.sesion.idEmpresa, e.mes));
   ejecutar("Importar: detalle", "No se actualizó el detalle", sql::ActualizarDetalle(e.mes));
 }
 
 // From the first statement to the commit. Throws base::Error when nothing may stay written.
 void Correr(const EntradaImportacion& e, std::vector<ImportRow>& filas, Importacion& r) {
-  db::Connection& conexion = *e.sesion->conexion;
+  db::Connection& conexion = *e.sesion.conexion;
   if (!conexion.EnTransaccion()) conexion.BeginTrans();
-  Corrida corrida = Preparar(e, r.errores);
-  LeerLoNecesario(e, corrida);
-  for (const auto& [concepto, total] : ImportarFilas(e, corrida, filas)) r.totales.push_back(total);
+  Corrida corrida(e, r.errores);
+  LeerLoNecesario(corrida);
+  for (const auto& [concepto, total] : ImportarFilas(corrida, filas)) r.totales.push_back(total);
   base::ErrorIgnorado("Importar: tablas de usuario", &r.errores,
-                      [&] { e.tablas->CargarTablasUsuario(*e.sesion, -1); });
+                      [&] { e.tablas.CargarTablasUsuario(e.sesion, -1); });
   ActualizarEnBloque(e, r);
   if (e.deshacer)
     conexion.RollbackTrans();
@@ -162,7 +150,7 @@ void Correr(const EntradaImportacion& e, std::vector<ImportRow>& filas, Importac
 // Undoes the run. Returns what to add to its reason when that fails too. A transaction that stayed open would
 // be committed by the next import: the base is closed instead.
 std::string DeshacerTodo(const EntradaImportacion& e, Importacion& r) {
-  db::Connection& conexion = *e.sesion->conexion;
+  db::Connection& conexion = *e.sesion.conexion;
   if (!conexion.EnTransaccion()) return {};  // a commit that fails may have undone it
   if (base::AnyErrorNoted("Importar: deshacer", &r.errores, [&] { conexion.RollbackTrans(); })) return {};
   const std::string motivo = "; además no se pudo deshacer lo hecho (" + r.errores.back().descripcion + ")";
@@ -181,8 +169,8 @@ void NadaEscrito(const EntradaImportacion& e, const std::string& motivo, std::ve
   r.totales.clear();
   r.actualizaciones_fallidas.clear();
   for (ImportRow& fila : filas) fila.resultado = motivo;
-  e.progreso->ActuBarra(0, true);
-  e.prompts->Mostrar({motivo, ports::Icono::Exclamacion, false});
+  e.progreso.ActuBarra(0, true);
+  e.prompts.Mostrar({motivo, ports::Icono::Exclamacion, false});
 }
 
 void Abandonar(const EntradaImportacion& e, const base::Error& error, std::vector<ImportRow>& filas,
@@ -195,7 +183,7 @@ void Abandonar(const EntradaImportacion& e, const base::Error& error, std::vecto
 
 Importacion Importar(const EntradaImportacion& e, std::vector<ImportRow>& filas) {
   Importacion r;
-  if (!e.sesion->Abierta()) {
+  if (!e.sesion.Abierta()) {
     NadaEscrito(e, "La Base no está Abierta", filas, r);
     return r;
   }
@@ -211,7 +199,7 @@ Importacion Importar(const EntradaImportacion& e, std::vector<ImportRow>& filas)
   }
   if (e.deshacer || !r.confirmada)  // what the tables held was undone
     base::AnyErrorNoted("Importar: tablas de usuario", &r.errores,
-                        [&] { e.tablas->CargarTablasUsuario(*e.sesion, -1); });
+                        [&] { e.tablas.CargarTablasUsuario(e.sesion, -1); });
   for (const ImportRow& fila : filas) r.importadas += fila.resultado == "OK" ? 1 : 0;
   return r;
 }

@@ -5,14 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "base/error.h"
 #include "formula/list_control.h"
-#include "formula/user_tables.h"
 #include "importfile/import_grid.h"
-#include "liquidation/agregar_datos_a_liq.h"
-#include "ports/progress.h"
-#include "ports/prompts.h"
-#include "refdata/concepts_catalogue.h"
-#include "relations/code_relations.h"
+#include "liquidation/entrada_importacion.h"
 
 namespace liquidation {
 
@@ -27,23 +23,6 @@ std::string TextoConfirmacion(const DatosConfirmacion& datos);
 
 // Which headers a run may use, by the chosen entry of cmbLiquidaciones.
 std::string TypeFilterDe(const formula::ListControl& cmbLiquidaciones);
-
-struct EntradaImportacion {
-  const db::DbSession* sesion = nullptr;
-  const settings::Settings* opciones = nullptr;
-  const refdata::PersonsIndex* personas = nullptr;
-  const relations::CodeRelations* relaciones = nullptr;
-  const refdata::ConceptsCatalogue* conceptos = nullptr;  // of the current options; the warnings ask it
-  formula::Evaluador* evaluador = nullptr;
-  formula::TablasUsuario* tablas = nullptr;  // reloaded before the first row and after the last
-  ports::Prompts* prompts = nullptr;
-  ports::Progress* progreso = nullptr;
-  base::Fecha mes;
-  sql::CondicionesDeTipo condiciones;
-  std::string texto_liquidacion;
-  std::int64_t centro_costo = 0;  // of cmbAgrupa; 0 when none is chosen
-  bool deshacer = false;          // ends with a rollback: what would be written, without writing it
-};
 
 // What the lines with "OK" brought to one concept (user tables: their number plus 1000), before any adding
 // up.

@@ -19,7 +19,7 @@ int Numero(const std::string& texto) {
 }
 
 bool MesEntero(const EntradaImportacion& e, std::size_t relacion, const ImportRow& fila) {
-  return !e.opciones->LiqHCaMensuales && e.relaciones->Campo(relations::kCodigo, relacion) == "HC" &&
+  return !e.opciones.LiqHCaMensuales && e.relaciones.Campo(relations::kCodigo, relacion) == "HC" &&
          base::ValorNumerico(fila.campo[importfile::kTipoRem]) == 1;
 }
 
@@ -58,14 +58,14 @@ std::optional<std::int32_t> ConceptoDeRelacion(std::string_view texto) {
 std::int32_t Identificador32(std::string_view texto) { return base::Entero32(base::ValorNumerico(texto)); }
 
 FilaRevisada RevisarFila(const EntradaImportacion& e, const ImportRow& fila) {
-  const int persona = e.personas->Buscar(fila.campo[importfile::kClave], e.opciones->Configura);
+  const int persona = e.personas.Buscar(fila.campo[importfile::kClave], e.opciones.Configura);
   if (persona < 0)
     return {std::nullopt, "La Persona no existe o no tiene contrato activo en el mes seleccionado"};
-  const int relacion = e.relaciones->PosEnVecConc(fila.campo[importfile::kTipo]);
+  const int relacion = e.relaciones.PosEnVecConc(fila.campo[importfile::kTipo]);
   const auto concepto =
       relacion < 0
           ? std::nullopt
-          : ConceptoDeRelacion(e.relaciones->Campo(relations::kConcepto, static_cast<std::size_t>(relacion)));
+          : ConceptoDeRelacion(e.relaciones.Campo(relations::kConcepto, static_cast<std::size_t>(relacion)));
   if (!concepto) return {std::nullopt, "Tipo No asosciado con concepto de Orsa"};
   if (!fila.rechazo.empty()) return {std::nullopt, fila.rechazo};
   LineaAImportar linea;
@@ -78,7 +78,7 @@ FilaRevisada RevisarFila(const EntradaImportacion& e, const ImportRow& fila) {
   } catch (const base::Error& error) {
     return {std::nullopt, error.Descripcion()};
   }
-  if (linea.cantidad == 0 && e.opciones->NoImpCantEn0)
+  if (linea.cantidad == 0 && e.opciones.NoImpCantEn0)
     return {std::nullopt, "Cantidad En 0 (Conf. No importar)"};
   return {linea, {}};
 }

@@ -9,7 +9,7 @@
 
 #include "db/db_session.h"
 #include "importfile/import_grid.h"
-#include "liquidation/importar.h"
+#include "liquidation/entrada_importacion.h"
 #include "refdata/persons_index.h"
 #include "relations/code_relations.h"
 #include "settings/settings.h"

@@ -53,16 +53,8 @@ class Fallas : public ::testing::Test {
       fila.campo[importfile::kTipoDato] = "3";
       fila.campo[importfile::kTipoCuota] = "0";
     }
-    liquidation::EntradaImportacion e;
-    e.sesion = &sesion_;
-    e.opciones = &opciones_;
-    e.personas = &personas_;
-    e.relaciones = &relaciones_;
-    e.evaluador = &evaluador_;
-    e.tablas = &tablas_;
-    e.prompts = &cajas_;
-    e.progreso = &progreso_;
-    e.mes = kMes;
+    liquidation::EntradaImportacion e{sesion_, opciones_, personas_, relaciones_, conceptos_, evaluador_,
+                                      tablas_, cajas_,    progreso_, kMes,        {},         {}};
     e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
                      tipos_.CalendarCondition};
     e.texto_liquidacion = "0 - Sueldos";
@@ -92,6 +84,7 @@ class Fallas : public ::testing::Test {
   ConexionConFallas* conexion_ = nullptr;
   settings::Settings opciones_;
   refdata::PersonsIndex personas_;
+  const refdata::ConceptsCatalogue conceptos_;
   refdata::LiquidationTypes tipos_;
   relations::CodeRelations relaciones_;
   formula::TablasUsuario tablas_;

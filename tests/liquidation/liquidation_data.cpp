@@ -245,17 +245,8 @@ class Mesa {
   }
 
   liquidation::EntradaImportacion Entrada(const support::Bloque& b) {
-    liquidation::EntradaImportacion e;
-    e.sesion = &sesion_;
-    e.opciones = &opciones_;
-    e.personas = &personas_;
-    e.relaciones = &relaciones_;
-    e.conceptos = &conceptos_;
-    e.evaluador = &evaluador_;
-    e.tablas = &tablas_;
-    e.prompts = &cajas_;
-    e.progreso = &bar_;
-    e.mes = mes_;
+    liquidation::EntradaImportacion e{sesion_, opciones_, personas_, relaciones_, conceptos_, evaluador_,
+                                      tablas_, cajas_,    bar_,      mes_,        {},         {}};
     e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
                      tipos_.CalendarCondition};
     e.texto_liquidacion = tipos_.cmbLiquidaciones.Elegido() ? tipos_.cmbLiquidaciones.Elegido()->texto : "";

@@ -129,16 +129,8 @@ Outcome WholeRun(Answer answer, int which, bool narrow = true) {
   c.progreso = &progreso;
   importfile::Carga carga = importfile::CargarDatos(c);
 
-  liquidation::EntradaImportacion e;
-  e.sesion = &sesion;
-  e.opciones = &opciones;
-  e.personas = &personas;
-  e.relaciones = &relaciones;
-  e.evaluador = &evaluador;
-  e.tablas = &tablas;
-  e.prompts = &cajas;
-  e.progreso = &progreso;
-  e.mes = kMonth;
+  liquidation::EntradaImportacion e{sesion, opciones, personas, relaciones, conceptos, evaluador,
+                                    tablas, cajas,    progreso, kMonth,     {},        {}};
   e.condiciones = {liquidation::TypeFilterDe(tipos.cmbLiquidaciones), tipos.TypeCondition,
                    tipos.CalendarCondition};
   e.texto_liquidacion = "0 - Sueldos";
