@@ -70,7 +70,7 @@ struct Medida {
 };
 
 struct Datos {
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   settings::Settings opciones;
   refdata::PersonsIndex personas;
   refdata::ConceptsCatalogue conceptos;

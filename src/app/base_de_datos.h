@@ -6,8 +6,8 @@
 #include <string>
 
 #include "app/contexto.h"
-#include "db/db_session.h"
 #include "formula/evaluator.h"
+#include "sesion/db_session.h"
 
 namespace app {
 
@@ -18,7 +18,7 @@ class BaseDeDatos {
   BaseDeDatos(const BaseDeDatos&) = delete;
   BaseDeDatos& operator=(const BaseDeDatos&) = delete;
 
-  const db::DbSession& Sesion() const { return sesion_; }
+  const sesion::DbSession& Sesion() const { return sesion_; }
   formula::Evaluador& Evaluador() { return evaluador_; }
   // Closes what was open and opens the reference. False: it is not open, and motivo_base says why.
   bool Conectar(const std::string& referencia);
@@ -40,7 +40,7 @@ class BaseDeDatos {
 
   Contexto& c_;
   Estado& e_;
-  db::DbSession sesion_;
+  sesion::DbSession sesion_;
   formula::Evaluador evaluador_;
 };
 

@@ -23,7 +23,7 @@ class Programa {
   Programa& operator=(const Programa&) = delete;
 
   const Estado& Ver() const { return c_.estado; }
-  const db::DbSession& Sesion() const { return base_.Sesion(); }
+  const sesion::DbSession& Sesion() const { return base_.Sesion(); }
   const base::SumideroErrores& Errores() const { return c_.errores; }
   Barra& BarraDeProgreso() { return c_.barra; }
   // Called when anything that a window draws may have changed.

@@ -6,11 +6,12 @@
 #include "cli/salida.h"
 #include "cli/verbos.h"
 #include "formula/evaluator.h"
+#include "sesion/db_session.h"
 
 namespace cli {
 
 int Formula(const OpcionesFormula& o, const ports::Clock& reloj, Flujos f) {
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   sesion.reloj = &reloj;
   if (!o.base.empty()) {
     app::Conexion c = app::AbrirReferencia(o.base, reloj);

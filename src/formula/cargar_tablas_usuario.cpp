@@ -17,7 +17,7 @@ Clave ClaveDe(const ValorDeTabla& v) { return {v.id_Tabla, v.Codigo}; }
 
 void TablasUsuario::Vaciar() { valores_.clear(); }
 
-void TablasUsuario::CargarTablasUsuario(const db::DbSession& sesion, std::int32_t id_Tabla) {
+void TablasUsuario::CargarTablasUsuario(const sesion::DbSession& sesion, std::int32_t id_Tabla) {
   if (sesion.conexion == nullptr)
     throw base::Error("No se ha conectado con la base de datos", 0,
                       "Error al cargar Valores de Tablas de Usuarios");

@@ -6,18 +6,18 @@
 #include <string_view>
 
 #include "base/locale.h"
-#include "db/db_session.h"
 #include "formula/vector.h"
 #include "ports/clock.h"
 #include "ports/prompts.h"
+#include "sesion/db_session.h"
 
 namespace formula {
 
 // What one evaluator keeps between calls and whom it may ask.
 struct Evaluador {
-  const db::DbSession* sesion = nullptr;  // SQL and LISTA run here; null or closed: they fail
-  ports::Prompts* prompts = nullptr;      // the message boxes; null: none
-  const ports::Clock* reloj = nullptr;    // HOY and dates without a year; the session's when null
+  const sesion::DbSession* sesion = nullptr;  // SQL and LISTA run here; null or closed: they fail
+  ports::Prompts* prompts = nullptr;          // the message boxes; null: none
+  const ports::Clock* reloj = nullptr;        // HOY and dates without a year; the session's when null
   base::Locale locale = base::Locale::espanol();
   Vector TablaParametros;  // field 0 name, field 1 value
   bool ParametrosActivos = false;

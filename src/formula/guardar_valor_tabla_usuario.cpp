@@ -21,7 +21,7 @@ base::Fecha FechaDe(const Vector& serie, std::size_t i) {
   return base::FechaDeTexto(serie.Campo(kFecha, i), kSinHoy).value_or(base::Fecha{});
 }
 
-Vector LeerSerie(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo) {
+Vector LeerSerie(const sesion::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo) {
   const db::Recordset filas = sesion.conexion->Consultar(sql::Serie(sesion.idEmpresa, id_Tabla, codigo));
   const base::Fecha hoy = Hoy(sesion);
   Vector serie{.dimensiones = 2, .registros = {}};
@@ -34,7 +34,7 @@ Vector LeerSerie(const db::DbSession& sesion, std::int32_t id_Tabla, std::string
   return serie;
 }
 
-std::int32_t NuevoId(const db::DbSession& sesion) {
+std::int32_t NuevoId(const sesion::DbSession& sesion) {
   const std::int32_t maximo = db::NextId(*sesion.conexion, "DatosUsuTablas", "ID");
   if (maximo == std::numeric_limits<std::int32_t>::max()) throw base::Error(base::DescripcionDeError(6), 6);
   return maximo + 1;
@@ -47,7 +47,7 @@ void Agregar(Vector& serie, std::int32_t id, std::int32_t id_Tabla, std::string_
                              std::string(valor), TextoDe(fecha)});
 }
 
-void InsertarSerie(const db::DbSession& sesion, const Vector& serie) {
+void InsertarSerie(const sesion::DbSession& sesion, const Vector& serie) {
   for (std::size_t i = 0; i < serie.Cantidad(); ++i)
     sesion.conexion->Ejecutar(sql::InsertarValor(sesion.idEmpresa, serie.Campo(kId, i),
                                                  serie.Campo(kTabla, i), serie.Campo(kCodigo, i),
@@ -56,7 +56,7 @@ void InsertarSerie(const db::DbSession& sesion, const Vector& serie) {
 
 // The series is written whole: all of it is deleted first. When a record then cannot be written (a value too
 // long for its column) what stood before is put back, and the failure goes on to the caller.
-void Reescribir(const db::DbSession& sesion, const Vector& anterior, const Vector& serie,
+void Reescribir(const sesion::DbSession& sesion, const Vector& anterior, const Vector& serie,
                 std::int32_t id_Tabla, std::string_view codigo) {
   const std::string borrar = sql::BorrarSerie(sesion.idEmpresa, id_Tabla, codigo);
   sesion.conexion->Ejecutar(borrar);
@@ -82,7 +82,7 @@ std::string SinLoSumado(std::string_view valor) {
 
 }  // namespace
 
-void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
+void GuardarValorTablaUsuario(const sesion::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
                               std::string_view valor, base::Fecha fecha, bool sumado, bool sin_borrado,
                               int* registros) {
   if (!sesion.Abierta()) throw db::Error("No se ha conectado con la base de datos");
@@ -106,7 +106,7 @@ void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla
   if (registros != nullptr) *registros = static_cast<int>(serie.Cantidad());
 }
 
-bool CerrarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
+bool CerrarValorTablaUsuario(const sesion::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
                              base::Fecha fecha) {
   if (!sesion.Abierta()) throw db::Error("No se ha conectado con la base de datos");
   const Vector serie = LeerSerie(sesion, id_Tabla, codigo);

@@ -98,7 +98,8 @@ std::string SentenciaDeLista(std::string_view tabla, std::string_view campos, st
 
 int LlenarLista(ListControl& control, std::string_view tabla, std::string_view campos,
                 std::string_view condicion, std::string_view separador, Vector* vector,
-                const db::DbSession& sesion, base::SumideroErrores* errores, const FormaDeRegistro* forma) {
+                const sesion::DbSession& sesion, base::SumideroErrores* errores,
+                const FormaDeRegistro* forma) {
   if (!base::EmpiezaCon(campos, kAgregar)) {
     control.items.clear();
     control.ListIndex = -1;

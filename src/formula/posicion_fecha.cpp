@@ -2,7 +2,7 @@
 
 namespace formula {
 
-base::Fecha Hoy(const db::DbSession& sesion) {
+base::Fecha Hoy(const sesion::DbSession& sesion) {
   return sesion.reloj != nullptr ? sesion.reloj->Hoy() : base::Fecha{};
 }
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "base/date.h"
-#include "db/db_session.h"
 #include "formula/vector.h"
+#include "sesion/db_session.h"
 
 namespace formula {
 
@@ -28,7 +28,7 @@ class TablasUsuario {
   // id_Tabla -1: all tables of the company; another: the values of that table are then all there is. Throws
   // base::Error with the source and description of a missing or closed connection; a failing statement leaves
   // the cache empty and throws db::Error.
-  void CargarTablasUsuario(const db::DbSession& sesion, std::int32_t id_Tabla);
+  void CargarTablasUsuario(const sesion::DbSession& sesion, std::int32_t id_Tabla);
   // The values of one code, by date; fields id, id_Tabla, Codigo, Valor, Fecha (as dd/MM/yyyy). Not an array
   // when none.
   Vector Serie(std::int32_t id_Tabla, std::string_view codigo) const;
@@ -54,13 +54,13 @@ int PosicionFecha(const Vector& serie, base::Fecha fecha, std::size_t campo_fech
 // the one in force just before the date, unless sin_borrado. With `sumado` the value is a number that comes
 // with 200 added: the value less 200 is stored, and no other text is taken. `registros`, when given, receives
 // how many the series then has. Throws db::Error when a statement fails.
-void GuardarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
+void GuardarValorTablaUsuario(const sesion::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
                               std::string_view valor, base::Fecha fecha, bool sumado = false,
                               bool sin_borrado = false, int* registros = nullptr);
 
 // Writes 0 for a code, valid from `fecha`, unless some value is dated on that day, whatever its hour: a value
 // that somebody entered is never lost to the end of another. Returns whether it wrote. Throws db::Error.
-bool CerrarValorTablaUsuario(const db::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
+bool CerrarValorTablaUsuario(const sesion::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
                              base::Fecha fecha);
 
 }  // namespace formula

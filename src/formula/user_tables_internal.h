@@ -5,7 +5,7 @@
 
 namespace formula {
 
-base::Fecha Hoy(const db::DbSession& sesion);
+base::Fecha Hoy(const sesion::DbSession& sesion);
 
 // The date of a cell: a date, its serial number, or a text that reads as one; Null is day 0. Throws db::Error
 // for anything else, because a series is written back whole and would lose the date.

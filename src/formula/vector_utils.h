@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "base/error.h"
-#include "db/db_session.h"
 #include "formula/list_control.h"
 #include "formula/vector.h"
+#include "sesion/db_session.h"
 
 namespace formula {
 
@@ -38,7 +38,7 @@ void QuitarRegistro(Vector& vector, std::ptrdiff_t posicion);
 // Why it failed is noted in `errores`; a fault of the storage travels on, with nothing added.
 int LlenarLista(ListControl& control, std::string_view tabla, std::string_view campos,
                 std::string_view condicion, std::string_view separador, Vector* vector,
-                const db::DbSession& sesion, base::SumideroErrores* errores = nullptr,
+                const sesion::DbSession& sesion, base::SumideroErrores* errores = nullptr,
                 const FormaDeRegistro* forma = nullptr);
 // The statement that LlenarLista runs.
 std::string SentenciaDeLista(std::string_view tabla, std::string_view campos, std::string_view condicion);

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "base/error.h"
-#include "db/db_session.h"
 #include "formula/evaluator.h"
 #include "formula/line_formula.h"
 #include "ports/progress.h"

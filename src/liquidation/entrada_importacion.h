@@ -5,7 +5,6 @@
 #include <string>
 
 #include "base/date.h"
-#include "db/db_session.h"
 #include "formula/evaluator.h"
 #include "formula/user_tables.h"
 #include "liquidation/sql.h"
@@ -14,12 +13,13 @@
 #include "refdata/concepts_catalogue.h"
 #include "refdata/persons_index.h"
 #include "relations/code_relations.h"
+#include "sesion/db_session.h"
 #include "settings/settings.h"
 
 namespace liquidation {
 
 struct EntradaImportacion {
-  const db::DbSession& sesion;
+  const sesion::DbSession& sesion;
   const settings::Settings& opciones;
   const refdata::PersonsIndex& personas;
   const relations::CodeRelations& relaciones;

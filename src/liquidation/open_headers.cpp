@@ -37,7 +37,8 @@ std::string OpenHeaders::Normalizada(std::string_view valor) const {
   return numero ? base::SqlDeNumero(*numero) : std::string();
 }
 
-void OpenHeaders::Abrir(const db::DbSession& sesion, base::Fecha mes, std::string filtro_tipo, int clave) {
+void OpenHeaders::Abrir(const sesion::DbSession& sesion, base::Fecha mes, std::string filtro_tipo,
+                        int clave) {
   mes_ = mes;
   filtro_tipo_ = std::move(filtro_tipo);
   clave_ = clave;
@@ -46,11 +47,11 @@ void OpenHeaders::Abrir(const db::DbSession& sesion, base::Fecha mes, std::strin
   Incorporar(sesion, std::nullopt);
 }
 
-void OpenHeaders::Reabrir(const db::DbSession& sesion, std::int32_t id_Encabezado) {
+void OpenHeaders::Reabrir(const sesion::DbSession& sesion, std::int32_t id_Encabezado) {
   Incorporar(sesion, id_Encabezado);
 }
 
-void OpenHeaders::Incorporar(const db::DbSession& sesion, std::optional<std::int32_t> uno) {
+void OpenHeaders::Incorporar(const sesion::DbSession& sesion, std::optional<std::int32_t> uno) {
   const db::Recordset rs =
       sesion.conexion->Ejecutar(sql::EncabezadosAbiertos(sesion.idEmpresa, mes_, filtro_tipo_, uno));
   const auto columna = [&rs](std::string_view nombre) {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/date.h"
-#include "db/db_session.h"
+#include "sesion/db_session.h"
 
 namespace liquidation {
 
@@ -31,21 +31,21 @@ class OpenHeaders {
  public:
   // Runs the headers' query and keeps its rows by person key, in its order (contract, type). Throws
   // db::Error; the table is then empty.
-  void Abrir(const db::DbSession& sesion, base::Fecha mes, std::string filtro_tipo, int clave);
+  void Abrir(const sesion::DbSession& sesion, base::Fecha mes, std::string filtro_tipo, int clave);
   // The first record whose key field equals the value: as a criterion "field=value" finds it. Null when there
   // is none, and when that record is another contract's: two may share a card, or belong to one person. A
   // value that is no number finds nothing under a numeric kind. The pointer lives until the next Reabrir.
   const EncabezadoAbierto* Find(std::string_view valor, std::int32_t contrato) const;
   // Brings in a header that the run has just inserted, as opening the whole query again would, reading that
   // header alone. Throws db::Error.
-  void Reabrir(const db::DbSession& sesion, std::int32_t id_Encabezado);
+  void Reabrir(const sesion::DbSession& sesion, std::int32_t id_Encabezado);
 
   // What was brought in since the last Marcar goes back.
   void Marcar() { nuevos_.clear(); }
   void Deshacer();
 
  private:
-  void Incorporar(const db::DbSession& sesion, std::optional<std::int32_t> uno);  // or all
+  void Incorporar(const sesion::DbSession& sesion, std::optional<std::int32_t> uno);  // or all
   std::string Normalizada(std::string_view valor) const;  // "" when it can match nothing
 
   base::Fecha mes_;

@@ -83,7 +83,7 @@ FilaRevisada RevisarFila(const EntradaImportacion& e, const ImportRow& fila) {
   return {linea, {}};
 }
 
-std::int32_t Agrupacion(const db::DbSession& sesion, const settings::Settings& opciones,
+std::int32_t Agrupacion(const sesion::DbSession& sesion, const settings::Settings& opciones,
                         const refdata::PersonsIndex& personas, std::size_t persona, const ImportRow& fila,
                         std::int64_t centro_costo) {
   if (!sesion.LiqAgrup) return 0;

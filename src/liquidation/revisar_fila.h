@@ -7,11 +7,11 @@
 #include <string>
 #include <string_view>
 
-#include "db/db_session.h"
 #include "importfile/import_grid.h"
 #include "liquidation/entrada_importacion.h"
 #include "refdata/persons_index.h"
 #include "relations/code_relations.h"
+#include "sesion/db_session.h"
 #include "settings/settings.h"
 
 namespace liquidation {
@@ -49,7 +49,7 @@ std::optional<std::int32_t> ConceptoDeRelacion(std::string_view texto);
 std::int32_t Identificador32(std::string_view texto);
 
 // The cost centre that the datum stands under. Throws base::Error 6 past 32 bits.
-std::int32_t Agrupacion(const db::DbSession& sesion, const settings::Settings& opciones,
+std::int32_t Agrupacion(const sesion::DbSession& sesion, const settings::Settings& opciones,
                         const refdata::PersonsIndex& personas, std::size_t persona,
                         const importfile::ImportRow& fila, std::int64_t centro_costo);
 

@@ -24,7 +24,7 @@ int ConceptsCatalogue::Buscar(std::string_view id) const {
   return id == kNingunConcepto ? -1 : static_cast<int>(formula::FindInColumn(id, tabla, 0));
 }
 
-void ActuLSTdeConceptos(const db::DbSession& sesion, const settings::Settings& opciones,
+void ActuLSTdeConceptos(const sesion::DbSession& sesion, const settings::Settings& opciones,
                         ConceptsCatalogue& catalogo, base::SumideroErrores* errores) {
   if (!sesion.Abierta()) {
     catalogo.motivo_fallo = kBaseCerrada;

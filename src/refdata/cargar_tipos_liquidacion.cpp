@@ -111,7 +111,7 @@ void MostrarAgrupacion(LiquidationTypes& tipos, bool visible) {
   tipos.lblAgrupaDef_visible = visible;
 }
 
-void CargarCentrosDeCosto(const db::DbSession& sesion, const settings::Settings& opciones,
+void CargarCentrosDeCosto(const sesion::DbSession& sesion, const settings::Settings& opciones,
                           LiquidationTypes& tipos, base::SumideroErrores* errores) {
   DejarPorDefecto(tipos.cmbAgrupa);
   DejarPorDefecto(tipos.cmbAgrupaDef);
@@ -135,7 +135,7 @@ void CargarCentrosDeCosto(const db::DbSession& sesion, const settings::Settings&
 
 }  // namespace
 
-bool CargarTiposLiquidacion(const db::DbSession& sesion, const settings::Settings& opciones,
+bool CargarTiposLiquidacion(const sesion::DbSession& sesion, const settings::Settings& opciones,
                             LiquidationTypes& tipos, base::SumideroErrores* errores) {
   tipos.TypeCondition.clear();
   tipos.CalendarCondition.clear();

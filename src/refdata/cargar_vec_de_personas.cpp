@@ -20,7 +20,7 @@ std::vector<PersonsIndex::Fila> LeerFilas(const db::Recordset& rs) {
 
 }  // namespace
 
-bool CargarVecDePersonas(const db::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
+bool CargarVecDePersonas(const sesion::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
                          ports::Prompts& prompts, base::SumideroErrores* errores) {
   if (!sesion.Abierta()) {
     indice.motivo_fallo = kBaseCerrada;

@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "base/error.h"
-#include "db/db_session.h"
 #include "formula/list_control.h"
 #include "formula/vector.h"
+#include "sesion/db_session.h"
 #include "settings/settings.h"
 
 namespace refdata {
@@ -30,7 +30,7 @@ struct ConceptsCatalogue {
 
 // With the connection closed it only sets the reason. A failing query leaves the single "-1" entry and an
 // empty combo, and so does a fault of the storage, which travels on.
-void ActuLSTdeConceptos(const db::DbSession& sesion, const settings::Settings& opciones,
+void ActuLSTdeConceptos(const sesion::DbSession& sesion, const settings::Settings& opciones,
                         ConceptsCatalogue& catalogo, base::SumideroErrores* errores = nullptr);
 
 // Last item of that datum, or -1.

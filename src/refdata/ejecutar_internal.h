@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "db/db_session.h"
+#include "db/connection.h"
+#include "sesion/db_session.h"
 
 namespace refdata {
 
@@ -12,7 +13,7 @@ inline constexpr std::string_view kBaseCerrada = "La Base no está Abierta";
 
 // Throws db::Error, for a closed or missing connection too: to the loaders that pass over failing statements
 // it is one more of them.
-inline db::Recordset Ejecutar(const db::DbSession& sesion, std::string_view sql) {
+inline db::Recordset Ejecutar(const sesion::DbSession& sesion, std::string_view sql) {
   if (!sesion.Abierta()) throw db::Error(std::string(kBaseCerrada));
   return sesion.conexion->Ejecutar(sql);
 }

@@ -4,7 +4,7 @@
 
 namespace refdata {
 
-ConceptoElegido ElegirConcepto(const db::DbSession& sesion, const settings::Settings& opciones,
+ConceptoElegido ElegirConcepto(const sesion::DbSession& sesion, const settings::Settings& opciones,
                                const ConceptsCatalogue& catalogo, LiquidationTypes& tipos) {
   const int elegido = catalogo.cmbConceptos.ListIndex;
   if (elegido < 0 || static_cast<std::size_t>(elegido) >= catalogo.tabla.Cantidad())

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "db/db_session.h"
 #include "refdata/concepts_catalogue.h"
 #include "refdata/liquidation_types.h"
+#include "sesion/db_session.h"
 #include "settings/settings.h"
 
 namespace refdata {
@@ -18,7 +18,7 @@ struct ConceptoElegido {
 // The click of cmbConceptos, for its selected item. When the company groups and the cost centre comes by
 // line, cmbAgrupaDef is enabled for concepts alone: user tables take no cost centre. An id of exactly 1000
 // has neither the mark nor the cost centre. lblAgrupaDef is seen when cmbAgrupaDef is.
-ConceptoElegido ElegirConcepto(const db::DbSession& sesion, const settings::Settings& opciones,
+ConceptoElegido ElegirConcepto(const sesion::DbSession& sesion, const settings::Settings& opciones,
                                const ConceptsCatalogue& catalogo, LiquidationTypes& tipos);
 
 }  // namespace refdata

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "base/error.h"
-#include "db/db_session.h"
 #include "formula/list_control.h"
+#include "sesion/db_session.h"
 #include "settings/settings.h"
 
 namespace refdata {
@@ -33,7 +33,7 @@ struct LiquidationTypes {
 // come. A failing list of cost centres is no reason not to import. A fault of the storage becomes the reason
 // and travels on. Whether the window's layout is to be run again is the result (true for a company that
 // liquidates grouped).
-bool CargarTiposLiquidacion(const db::DbSession& sesion, const settings::Settings& opciones,
+bool CargarTiposLiquidacion(const sesion::DbSession& sesion, const settings::Settings& opciones,
                             LiquidationTypes& tipos, base::SumideroErrores* errores = nullptr);
 
 }  // namespace refdata

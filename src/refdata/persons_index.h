@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "base/error.h"
-#include "db/db_session.h"
 #include "ports/prompts.h"
+#include "sesion/db_session.h"
 
 namespace refdata {
 
@@ -69,7 +69,7 @@ class PersonsIndex {
 // `errores`: that of PARFECHA is passed over, that of the contracts leaves the index empty with its reason.
 // A fault of the storage leaves it so too and travels on. The caller then reloads the concepts catalogue,
 // whatever statement failed.
-bool CargarVecDePersonas(const db::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
+bool CargarVecDePersonas(const sesion::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
                          ports::Prompts& prompts, base::SumideroErrores* errores = nullptr);
 
 }  // namespace refdata

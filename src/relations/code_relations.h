@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "base/error.h"
-#include "db/db_session.h"
 #include "formula/vector.h"
+#include "sesion/db_session.h"
 #include "settings/settings.h"
 
 namespace relations {
@@ -90,7 +90,7 @@ std::string SinComasExternas(std::string_view externos);
 // type of TomaConceptosDeBD, else the value "Conceptos" or the two default relations. `ajustes` is the text
 // of the settings file. A failing query is noted and leaves the table empty with its reason; so does a fault
 // of the storage, which travels on.
-void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& opciones,
+void LevantarRelaciones(const sesion::DbSession& sesion, const settings::Settings& opciones,
                         std::string_view ajustes, CodeRelations& relaciones,
                         base::SumideroErrores* errores = nullptr);
 
@@ -113,7 +113,7 @@ std::optional<std::int32_t> IdentificadorDe(std::string_view texto);
 // All or nothing: the first statement that fails undoes what ran before it (a transaction of its own, or back
 // to a savepoint of the caller's) and is noted. Returns why the relations are not stored, "" when they are or
 // when there was nothing to store. A fault of the storage travels on, undone as far as the engine could.
-std::string GuardarRelacionesEnBase(const db::DbSession& sesion, const CodeRelations& relaciones,
+std::string GuardarRelacionesEnBase(const sesion::DbSession& sesion, const CodeRelations& relaciones,
                                     base::SumideroErrores* errores = nullptr);
 
 }  // namespace relations

@@ -29,7 +29,7 @@ std::string RechazoAlQuitar(std::string_view codigo) {
   return base::TrimVista(codigo).empty() ? "Debe seleccionar una relación para quitar" : "";
 }
 
-std::int64_t CentroDeRelacion(const db::DbSession& sesion, const settings::Settings& opciones,
+std::int64_t CentroDeRelacion(const sesion::DbSession& sesion, const settings::Settings& opciones,
                               const formula::ListControl& cmbAgrupaDef) {
   const formula::ItemLista* elegido = cmbAgrupaDef.Elegido();
   const bool por_linea = sesion.LiqAgrup && opciones.CCDefEnArch;

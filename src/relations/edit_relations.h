@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "db/db_session.h"
 #include "formula/list_control.h"
 #include "refdata/concepts_catalogue.h"
 #include "relations/code_relations.h"
+#include "sesion/db_session.h"
 #include "settings/settings.h"
 
 namespace relations {
@@ -20,7 +20,7 @@ std::string RechazoAlQuitar(std::string_view codigo);
 
 // The cost centre of a new relation: the chosen one when it stands after "[Por Defecto]", the company groups
 // and the cost centre comes by line; otherwise 0.
-std::int64_t CentroDeRelacion(const db::DbSession& sesion, const settings::Settings& opciones,
+std::int64_t CentroDeRelacion(const sesion::DbSession& sesion, const settings::Settings& opciones,
                               const formula::ListControl& cmbAgrupaDef);
 
 // What removing a relation puts back into the controls, so that it can be changed and added again.

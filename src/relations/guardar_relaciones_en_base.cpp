@@ -41,7 +41,7 @@ void TodoONada(db::Connection& conexion, Paso&& paso) {
 
 }  // namespace
 
-std::string GuardarRelacionesEnBase(const db::DbSession& sesion, const CodeRelations& relaciones,
+std::string GuardarRelacionesEnBase(const sesion::DbSession& sesion, const CodeRelations& relaciones,
                                     base::SumideroErrores* errores) {
   if (relaciones.tipo_dato_externo == 0 || relaciones.carga_fallida) return {};
   std::string motivo;

@@ -23,7 +23,8 @@ std::int32_t TipoDeDatoExterno(std::string_view valor) {
 }
 
 // The rows of the query, each its only column: a name may hold line ends as well as stars.
-std::vector<Relacion> RelacionesDeLaBase(const db::DbSession& sesion, const std::string& sql, Lista lista) {
+std::vector<Relacion> RelacionesDeLaBase(const sesion::DbSession& sesion, const std::string& sql,
+                                         Lista lista) {
   if (!sesion.Abierta()) throw db::Error("La Base no está Abierta");
   const db::Recordset filas = sesion.conexion->Ejecutar(sql);
   if (filas.Campos().empty()) throw db::Error("La consulta de las relaciones no devolvió su columna.");
@@ -40,7 +41,7 @@ std::string TextoDeAjuste(std::string_view ajustes) {
 
 }  // namespace
 
-void LevantarRelaciones(const db::DbSession& sesion, const settings::Settings& opciones,
+void LevantarRelaciones(const sesion::DbSession& sesion, const settings::Settings& opciones,
                         std::string_view ajustes, CodeRelations& relaciones, base::SumideroErrores* errores) {
   relaciones.tipo_dato_externo = 0;
   relaciones.Reemplazar("");

@@ -63,7 +63,7 @@ class EnMotor : public ::testing::Test {
 
   ports::RelojFijo reloj{base::FechaDe(2024, 8, 15)};
   prueba::AvisosDePrueba avisos;
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   formula::Evaluador ev;
 };
 

@@ -22,7 +22,7 @@ using support::Bloque;
 
 struct Estado {
   ports::RelojFijo reloj{base::Fecha{base::FechaDe(2024, 8, 15).serie + base::HoraDe(10, 30, 0).serie}};
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   prueba::ConexionFalsa* conexion = nullptr;
   prueba::AvisosDePrueba avisos;
   formula::Evaluador ev;

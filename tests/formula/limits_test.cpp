@@ -85,7 +85,7 @@ class Limites : public ::testing::Test {
   }
 
   prueba::AvisosDePrueba avisos;
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   formula::Evaluador ev;
   std::vector<std::string> cajas;
 };

@@ -33,7 +33,7 @@ class StorageFault : public testing::TestWithParam<const char*> {
 
   prueba::AvisosDePrueba avisos;
   prueba::ConexionFalsa* conexion = nullptr;
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   formula::Evaluador ev;
 };
 
@@ -69,7 +69,7 @@ TEST_P(StorageFault, TravelsOutOfTheLineFormula) {
 
 // The run is undone: nothing is put back on top of what could not be written.
 TEST(StorageFaultInASeries, EndsTheWriting) {
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   auto falsa = std::make_unique<prueba::ConexionFalsa>();
   prueba::ConexionFalsa* conexion = falsa.get();
   sesion.conexion = std::move(falsa);

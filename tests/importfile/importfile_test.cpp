@@ -216,7 +216,7 @@ class DamagedBase final : public db::Connection {
 // A load that went on would bring quantities that the formula never had.
 TEST(CargarDatos, AFaultOfTheStorageEndsIt) {
   Tablas tablas;
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   auto danada = std::make_unique<DamagedBase>();
   DamagedBase& base = *danada;
   sesion.conexion = std::move(danada);

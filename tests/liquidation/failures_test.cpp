@@ -80,7 +80,7 @@ class Fallas : public ::testing::Test {
 
   static inline const base::Fecha kMes = base::FechaDe(2026, 10, 1);
   ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
-  db::DbSession sesion_;
+  sesion::DbSession sesion_;
   ConexionConFallas* conexion_ = nullptr;
   settings::Settings opciones_;
   refdata::PersonsIndex personas_;

@@ -286,7 +286,7 @@ class Mesa {
   const support::CarpetaTemporal carpeta_;
   int bases_ = 0;
   ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
-  db::DbSession sesion_;
+  sesion::DbSession sesion_;
   prueba::ConexionConFallas* conexion_ = nullptr;  // the session's
   std::vector<Falla> fallas_;
   settings::Settings opciones_;

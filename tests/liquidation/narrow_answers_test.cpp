@@ -85,7 +85,7 @@ Outcome WholeRun(Answer answer, int which, bool narrow = true) {
   auto own = std::make_unique<NarrowConnection>(reloj);
   NarrowConnection& base = *own;
   demo::LlenarBase(base, kMonth);
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   sesion.conexion = std::move(own);
   sesion.reloj = &reloj;
   sesion.idEmpresa = 1;

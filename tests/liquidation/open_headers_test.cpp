@@ -65,7 +65,7 @@ struct Headers : ::testing::Test {
   }
 
   Canned* base = nullptr;
-  db::DbSession session;
+  sesion::DbSession session;
   OpenHeaders headers;
 };
 

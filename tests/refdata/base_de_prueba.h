@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "base/error.h"
-#include "db/db_session.h"
 #include "ports/clock.h"
 #include "ports/prompts.h"
+#include "sesion/db_session.h"
 #include "settings/settings.h"
 #include "support/data_test.h"
 #include "support/temp_folder.h"
@@ -89,7 +89,7 @@ struct BaseDePrueba {
   CarpetaTemporal carpeta;  // of the file, while it is open
   RelojMovible reloj;
   ConexionTestigo* conexion = nullptr;  // owned by the session
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   settings::Settings opciones;
   PromptsAnotados prompts;
   base::SumideroErrores errores;

@@ -48,7 +48,7 @@ CodeRelations TablaDificil(std::mt19937& azar) {
 }
 
 void EsperarIgual(const CodeRelations& tabla, std::string_view ajustes) {
-  const db::DbSession sin_base;
+  const sesion::DbSession sin_base;
   CodeRelations leida;
   const settings::Settings opciones = settings::LeerSettings(ajustes);
   relations::LevantarRelaciones(sin_base, opciones, ajustes, leida);

@@ -34,7 +34,7 @@ class ConexionDeUnaRespuesta final : public db::Connection {
 };
 
 CodeRelations Levantadas(std::vector<base::Valor> filas) {
-  db::DbSession sesion;
+  sesion::DbSession sesion;
   sesion.conexion = std::make_unique<ConexionDeUnaRespuesta>(std::move(filas));
   CodeRelations relaciones;
   relations::LevantarRelaciones(sesion, settings::Settings(),

@@ -7,10 +7,10 @@
 #include "db/connection.h"
 #include "ports/clock.h"
 
-namespace db {
+namespace sesion {
 
 struct DbSession {
-  std::unique_ptr<Connection> conexion;  // null until Conectar
+  std::unique_ptr<db::Connection> conexion;  // null until Conectar
   std::int32_t idEmpresa = 0;
   bool TipoConstruccion = false;        // a construction company
   bool LiqAgrup = false;                // the company liquidates grouped by cost centre
@@ -20,4 +20,4 @@ struct DbSession {
   bool Abierta() const { return conexion != nullptr && conexion->Abierta(); }
 };
 
-}  // namespace db
+}  // namespace sesion
