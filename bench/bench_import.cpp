@@ -22,7 +22,7 @@
 #include "engine_mdb/mdb_connection.h"
 #include "engine_sqlite/sqlite_connection.h"
 #include "floor.h"
-#include "formula/user_tables.h"
+#include "formula/tablas_usuario/user_tables.h"
 #include "importfile/import_grid.h"
 #include "liquidation/importar.h"
 #include "measured_connection.h"

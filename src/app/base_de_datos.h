@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/contexto.h"
-#include "formula/evaluator.h"
+#include "formula/evaluador/evaluator.h"
 #include "sesion/db_session.h"
 
 namespace app {

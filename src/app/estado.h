@@ -10,7 +10,7 @@
 
 #include "app/controles.h"
 #include "base/date.h"
-#include "formula/list_control.h"
+#include "formula/vectores/list_control.h"
 #include "importfile/import_grid.h"
 #include "liquidation/importar.h"
 #include "refdata/concepts_catalogue.h"

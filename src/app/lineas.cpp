@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "app/vista.h"
-#include "formula/vector_utils.h"
+#include "formula/vectores/vector_utils.h"
 
 namespace app {
 

@@ -5,7 +5,7 @@
 #include "cli/consola.h"
 #include "cli/salida.h"
 #include "cli/verbos.h"
-#include "formula/evaluator.h"
+#include "formula/evaluador/evaluator.h"
 #include "sesion/db_session.h"
 
 namespace cli {

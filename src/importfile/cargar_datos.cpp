@@ -7,7 +7,7 @@
 #include "base/file.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "formula/vector_utils.h"
+#include "formula/vectores/vector_utils.h"
 #include "importfile/importfile_internal.h"
 
 namespace importfile {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "base/error.h"
-#include "formula/evaluator.h"
-#include "formula/line_formula.h"
+#include "formula/evaluador/evaluator.h"
+#include "formula/evaluador/line_formula.h"
 #include "ports/progress.h"
 #include "ports/prompts.h"
 #include "refdata/concepts_catalogue.h"

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "base/date.h"
-#include "formula/evaluator.h"
-#include "formula/user_tables.h"
+#include "formula/evaluador/evaluator.h"
+#include "formula/tablas_usuario/user_tables.h"
 #include "liquidation/sql.h"
 #include "ports/progress.h"
 #include "ports/prompts.h"

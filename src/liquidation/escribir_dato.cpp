@@ -2,7 +2,7 @@
 
 #include "base/number.h"
 #include "base/text.h"
-#include "formula/line_formula.h"
+#include "formula/evaluador/line_formula.h"
 #include "liquidation/liquidation_internal.h"
 #include "liquidation/revisar_fila.h"
 

@@ -1,5 +1,5 @@
 #include "base/number.h"
-#include "formula/user_tables.h"
+#include "formula/tablas_usuario/user_tables.h"
 #include "liquidation/liquidation_internal.h"
 
 namespace liquidation {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/error.h"
-#include "formula/list_control.h"
+#include "formula/vectores/list_control.h"
 #include "importfile/import_grid.h"
 #include "liquidation/entrada_importacion.h"
 

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include "formula/vector_utils.h"
+#include "formula/vectores/vector_utils.h"
 #include "refdata/concepts_catalogue.h"
 #include "refdata/ejecutar_internal.h"
 #include "refdata/sql.h"

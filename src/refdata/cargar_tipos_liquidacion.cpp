@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/date.h"
-#include "formula/vector_utils.h"
+#include "formula/vectores/vector_utils.h"
 #include "refdata/ejecutar_internal.h"
 #include "refdata/liquidation_types.h"
 #include "refdata/sql.h"

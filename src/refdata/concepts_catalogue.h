@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "base/error.h"
-#include "formula/list_control.h"
-#include "formula/vector.h"
+#include "formula/vectores/list_control.h"
+#include "formula/vectores/vector.h"
 #include "sesion/db_session.h"
 #include "settings/settings.h"
 

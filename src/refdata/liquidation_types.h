@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/error.h"
-#include "formula/list_control.h"
+#include "formula/vectores/list_control.h"
 #include "sesion/db_session.h"
 #include "settings/settings.h"
 

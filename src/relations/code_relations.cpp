@@ -3,7 +3,7 @@
 #include "base/error.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "formula/vector_utils.h"
+#include "formula/vectores/vector_utils.h"
 #include "relations/relation_line_internal.h"
 #include "settings/config_file.h"
 

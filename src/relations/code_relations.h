@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/error.h"
-#include "formula/vector.h"
+#include "formula/vectores/vector.h"
 #include "sesion/db_session.h"
 #include "settings/settings.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "formula/list_control.h"
+#include "formula/vectores/list_control.h"
 #include "refdata/concepts_catalogue.h"
 #include "relations/code_relations.h"
 #include "sesion/db_session.h"

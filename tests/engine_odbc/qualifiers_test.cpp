@@ -1,7 +1,7 @@
 // What reaches the driver: the text as it stands, except a qualifier that names the base table under a
 // derived table or an alias.
 #include "entorno.h"
-#include "formula/sql.h"
+#include "formula/tablas_usuario/sql.h"
 #include "liquidation/sql.h"
 #include "refdata/sql.h"
 #include "relations/sql.h"

@@ -8,7 +8,7 @@
 #include "avisos_de_prueba.h"
 #include "base/date.h"
 #include "base/text.h"
-#include "formula/evaluator.h"
+#include "formula/evaluador/evaluator.h"
 #include "support/source_dir.h"
 
 namespace {

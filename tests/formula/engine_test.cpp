@@ -3,10 +3,10 @@
 
 #include "avisos_de_prueba.h"
 #include "engine_sqlite/sqlite_connection.h"
-#include "formula/evaluator.h"
-#include "formula/sql.h"
-#include "formula/user_tables.h"
-#include "formula/vector_utils.h"
+#include "formula/evaluador/evaluator.h"
+#include "formula/tablas_usuario/sql.h"
+#include "formula/tablas_usuario/user_tables.h"
+#include "formula/vectores/vector_utils.h"
 
 namespace {
 

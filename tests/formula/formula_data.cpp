@@ -10,10 +10,10 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "conexion_falsa.h"
-#include "formula/line_formula.h"
-#include "formula/sql.h"
-#include "formula/user_tables.h"
-#include "formula/vector_utils.h"
+#include "formula/evaluador/line_formula.h"
+#include "formula/evaluador/sql.h"
+#include "formula/tablas_usuario/user_tables.h"
+#include "formula/vectores/vector_utils.h"
 #include "support/data_test.h"
 
 namespace {

@@ -8,7 +8,7 @@
 
 #include "avisos_de_prueba.h"
 #include "conexion_falsa.h"
-#include "formula/line_formula.h"
+#include "formula/evaluador/line_formula.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include "avisos_de_prueba.h"
 #include "conexion_falsa.h"
-#include "formula/evaluator.h"
-#include "formula/line_formula.h"
-#include "formula/user_tables.h"
+#include "formula/evaluador/evaluator.h"
+#include "formula/evaluador/line_formula.h"
+#include "formula/tablas_usuario/user_tables.h"
 
 namespace {
 
