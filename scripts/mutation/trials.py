@@ -10,18 +10,21 @@ WIDER = ("formula", "settings", "refdata", "relations", "importfile", "liquidati
 
 
 def depends(tree):
-    """module -> those it stands on, near and far."""
-    direct = {}
-    for lists in glob.glob(os.path.join(tree, "src", "*", "CMakeLists.txt")):
+    """folder of src/ -> those it stands on, near and far; the modules inside a folder are one here."""
+    direct, folder_of = {}, {}
+    for lists in glob.glob(os.path.join(tree, "src", "*", "**", "CMakeLists.txt"), recursive=True):
+        folder = os.path.relpath(lists, os.path.join(tree, "src")).split(os.sep)[0]
         with open(lists, encoding="utf-8") as f:
             for m in re.finditer(r"add_module\(([^)]*)\)", f.read()):
                 words, on = m.group(1).split(), False
-                direct[words[0]] = set()
+                folder_of[words[0]] = folder
+                named = direct.setdefault(folder, set())
                 for w in words[1:]:
                     if w in ("SOURCES", "DEPENDS", "LIBS"):
                         on = w == "DEPENDS"
                     elif on:
-                        direct[words[0]].add(w)
+                        named.add(w)
+    direct = {m: {folder_of[d] for d in named} - {m} for m, named in direct.items()}
 
     def reach(m, seen):
         for d in direct.get(m, ()):
