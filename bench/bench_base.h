@@ -9,13 +9,13 @@
 
 namespace bench {
 
-inline constexpr std::size_t kLineasPorContrato = 5;
+inline constexpr std::size_t kLinesPerContract = 5;
 
-// The demo base with `contratos` more contracts in force, of which every second one has its liquidation of
+// The demo base with `contracts` more contracts in force, of which every second one has its liquidation of
 // the month open, and every tenth one overtime entered in it.
-void LlenarBase(db::Connection& conexion, base::Fecha mes, std::size_t contratos);
+void FillDatabase(db::Connection& connection, base::Date month, std::size_t contracts);
 
 // Five lines a contract (HC, HE, HN, HF, VI) by card, the contracts in no order, lines ended by CR LF.
-std::string ArchivoDeHoras(std::size_t contratos);
+std::string HoursFile(std::size_t contracts);
 
 }  // namespace bench

@@ -32,190 +32,189 @@
 
 namespace {
 
-class SinAvisos final : public ports::Prompts {
+class SilentPrompts final : public ports::Prompts {
  public:
   // The one that comes is of the empty line after the last line end.
-  bool Mostrar(const ports::Aviso&) override { return true; }
-  bool Confirmar(const std::string&) override { return true; }
+  bool Show(const ports::Notice&) override { return true; }
+  bool Confirm(const std::string&) override { return true; }
 };
 
 // A folder that goes when the run ends.
-class Carpeta {
+class Folder {
  public:
-  Carpeta() {
+  Folder() {
     for (int n = 0;; ++n) {
-      ruta_ = std::filesystem::temp_directory_path() / ("bench_import_" + std::to_string(n));
-      if (std::filesystem::create_directory(ruta_)) break;
+      path_ = std::filesystem::temp_directory_path() / ("bench_import_" + std::to_string(n));
+      if (std::filesystem::create_directory(path_)) break;
     }
   }
-  Carpeta(const Carpeta&) = delete;
-  Carpeta& operator=(const Carpeta&) = delete;
-  ~Carpeta() {
-    std::error_code ignorado;
-    std::filesystem::remove_all(ruta_, ignorado);
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
   }
-  std::string Archivo(const char* nombre) const { return (ruta_ / nombre).string(); }
+  std::string File(const char* name) const { return (path_ / name).string(); }
 
  private:
-  std::filesystem::path ruta_;
+  std::filesystem::path path_;
 };
 
-struct Medida {
-  double abrir = 0, personas = 0, carga = 0, importar = 0, finales = 0, commit = 0;
-  std::size_t lineas = 0, importadas = 0;
-  bench::Suelo suelo;
-  std::map<std::string, bench::Costo, std::less<>> costos;
+struct Measurement {
+  double open = 0, persons = 0, load = 0, importing = 0, final_updates = 0, commit = 0;
+  std::size_t lines = 0, imported = 0;
+  bench::Floor floor;
+  std::map<std::string, bench::Cost, std::less<>> costs;
 
-  double Total() const { return abrir + personas + carga + importar + finales + commit; }
+  double Total() const { return open + persons + load + importing + final_updates + commit; }
 };
 
-struct Datos {
-  sesion::DbSession sesion;
-  settings::Settings opciones;
-  refdata::PersonsIndex personas;
-  refdata::ConceptsCatalogue conceptos;
-  refdata::LiquidationTypes tipos;
-  relations::CodeRelations relaciones;
-  formula::TablasUsuario tablas;
-  formula::Evaluador evaluador;
+struct Data {
+  sesion::DbSession session;
+  settings::Settings options;
+  refdata::PersonsIndex persons;
+  refdata::ConceptsCatalogue concepts;
+  refdata::LiquidationTypes types;
+  relations::CodeRelations relationships;
+  formula::TablasUsuario tables;
+  formula::Evaluador evaluator;
 };
 
-void CargarReferencias(Datos& d, base::Fecha mes, const std::string& ajustes, ports::Prompts& prompts) {
-  d.opciones = settings::LeerSettings(ajustes);
-  d.sesion.idEmpresa = 1;
-  d.sesion.LiqAgrup = true;
-  refdata::CargarTiposLiquidacion(d.sesion, d.opciones, d.tipos);
-  d.tablas.CargarTablasUsuario(d.sesion, -1);
-  refdata::CargarVecDePersonas(d.sesion, mes, d.personas, prompts);
-  refdata::ActuLSTdeConceptos(d.sesion, d.opciones, d.conceptos);
-  relations::LevantarRelaciones(d.sesion, d.opciones, ajustes, d.relaciones);
-  d.evaluador.sesion = &d.sesion;
-  d.evaluador.prompts = &prompts;
-  d.evaluador.reloj = d.sesion.reloj;
+void LoadReferences(Data& d, base::Date month, const std::string& settings_text, ports::Prompts& prompts) {
+  d.options = settings::LeerSettings(settings_text);
+  d.session.idEmpresa = 1;
+  d.session.LiqAgrup = true;
+  refdata::CargarTiposLiquidacion(d.session, d.options, d.types);
+  d.tables.CargarTablasUsuario(d.session, -1);
+  refdata::CargarVecDePersonas(d.session, month, d.persons, prompts);
+  refdata::ActuLSTdeConceptos(d.session, d.options, d.concepts);
+  relations::LevantarRelaciones(d.session, d.options, settings_text, d.relationships);
+  d.evaluator.sesion = &d.session;
+  d.evaluator.prompts = &prompts;
+  d.evaluator.reloj = d.session.reloj;
 }
 
-importfile::Carga Cargar(Datos& d, const std::string& archivo, ports::Prompts& prompts,
-                         ports::Progress& progreso) {
-  importfile::EntradaCarga entrada;
-  entrada.txtRuta = archivo;
-  entrada.opciones = &d.opciones;
-  entrada.personas = &d.personas;
-  entrada.conceptos = &d.conceptos;
-  entrada.relaciones = &d.relaciones;
-  entrada.evaluador = &d.evaluador;
-  entrada.prompts = &prompts;
-  entrada.progreso = &progreso;
-  return importfile::CargarDatos(entrada);
+importfile::Carga Load(Data& d, const std::string& file, ports::Prompts& prompts, ports::Progress& progress) {
+  importfile::EntradaCarga entry;
+  entry.txtRuta = file;
+  entry.opciones = &d.options;
+  entry.personas = &d.persons;
+  entry.conceptos = &d.concepts;
+  entry.relaciones = &d.relationships;
+  entry.evaluador = &d.evaluator;
+  entry.prompts = &prompts;
+  entry.progreso = &progress;
+  return importfile::CargarDatos(entry);
 }
 
-liquidation::Importacion Importar(Datos& d, base::Fecha mes, std::vector<importfile::ImportRow>& filas,
-                                  ports::Prompts& prompts, ports::Progress& progreso) {
-  liquidation::EntradaImportacion entrada{d.sesion,    d.opciones,  d.personas, d.relaciones,
-                                          d.conceptos, d.evaluador, d.tablas,   prompts,
-                                          progreso,    mes,         {},         {}};
-  entrada.condiciones = {"TiposLiquidacion.Salarial and (Not ParaEmp)", d.tipos.TypeCondition,
-                         d.tipos.CalendarCondition};
-  entrada.texto_liquidacion = "0 - Sueldos";
-  return liquidation::Importar(entrada, filas);
+liquidation::Importacion Import(Data& d, base::Date month, std::vector<importfile::ImportRow>& rows,
+                                ports::Prompts& prompts, ports::Progress& progress) {
+  liquidation::EntradaImportacion entry{d.session,  d.options,   d.persons, d.relationships,
+                                        d.concepts, d.evaluator, d.tables,  prompts,
+                                        progress,   month,       {},        {}};
+  entry.condiciones = {"TiposLiquidacion.Salarial and (Not ParaEmp)", d.types.TypeCondition,
+                       d.types.CalendarCondition};
+  entry.texto_liquidacion = "0 - Sueldos";
+  return liquidation::Importar(entry, rows);
 }
 
-void Repartir(const bench::MeasuredConnection& conexion, double importar, Medida& m) {
-  m.costos = conexion.Costos();
-  for (const auto& [nombre, costo] : m.costos) {
-    if (bench::EsActualizacionFinal(nombre)) m.finales += costo.proceso;
-    if (nombre == "commit") m.commit += costo.proceso;
+void Distribute(const bench::MeasuredConnection& connection, double importing, Measurement& m) {
+  m.costs = connection.Costs();
+  for (const auto& [name, cost] : m.costs) {
+    if (bench::IsFinalUpdate(name)) m.final_updates += cost.cpu_seconds;
+    if (name == "commit") m.commit += cost.cpu_seconds;
   }
-  m.importar = importar - m.finales - m.commit;
+  m.importing = importing - m.final_updates - m.commit;
 }
 
-Medida Medir(std::size_t contratos, bool mdb) {
-  const Carpeta carpeta;
-  const base::Fecha mes = base::FechaDe(2024, 6, 1);
-  const ports::RelojFijo hoy(base::FechaDe(2024, 6, 18));
-  const std::string base = carpeta.Archivo("Personal.sqlite"), archivo = carpeta.Archivo("horas.txt");
-  engine_sqlite::Opciones opciones;
-  opciones.crear = true;
-  opciones.reloj = &hoy;
-  bench::LlenarBase(*engine_sqlite::Abrir(base, opciones), mes, contratos);
-  const std::string access = carpeta.Archivo("Personal.mdb");
-  engine_mdb::Opciones de_access;
-  de_access.reloj = &hoy;
-  if (mdb) bench::LlenarBase(*engine_mdb::Crear(access, de_access), mes, contratos);
-  base::EscribirArchivo(archivo, bench::ArchivoDeHoras(contratos));
+Measurement Measure(std::size_t contracts, bool mdb) {
+  const Folder folder;
+  const base::Date month = base::MakeDate(2024, 6, 1);
+  const ports::FixedClock today(base::MakeDate(2024, 6, 18));
+  const std::string base = folder.File("Personal.sqlite"), file = folder.File("horas.txt");
+  engine_sqlite::Options options;
+  options.create = true;
+  options.clock = &today;
+  bench::FillDatabase(*engine_sqlite::Open(base, options), month, contracts);
+  const std::string access = folder.File("Personal.mdb");
+  engine_mdb::Options de_access;
+  de_access.clock = &today;
+  if (mdb) bench::FillDatabase(*engine_mdb::Create(access, de_access), month, contracts);
+  base::WriteWholeFile(file, bench::HoursFile(contracts));
 
-  Medida m;
-  SinAvisos prompts;
-  ports::SinProgreso progreso;
+  Measurement m;
+  SilentPrompts prompts;
+  ports::NoProgress progress;
   {
-    Datos d;
-    d.sesion.reloj = &hoy;
-    const bench::Reloj abrir;
-    auto propia = std::make_unique<bench::MeasuredConnection>(mdb ? engine_mdb::Abrir(access, de_access)
-                                                                  : engine_sqlite::Abrir(base, opciones));
-    bench::MeasuredConnection& conexion = *propia;
-    d.sesion.conexion = std::move(propia);
-    m.abrir = abrir.Segundos();
+    Data d;
+    d.session.reloj = &today;
+    const bench::CpuTimer open;
+    auto own = std::make_unique<bench::MeasuredConnection>(mdb ? engine_mdb::Open(access, de_access)
+                                                               : engine_sqlite::Open(base, options));
+    bench::MeasuredConnection& connection = *own;
+    d.session.conexion = std::move(own);
+    m.open = open.Seconds();
 
-    const bench::Reloj personas;
-    CargarReferencias(d, mes, base::DeCp1252(demo::AjustesDemo(mes, false)), prompts);
-    m.personas = personas.Segundos();
+    const bench::CpuTimer persons;
+    LoadReferences(d, month, base::FromCp1252(demo::AjustesDemo(month, false)), prompts);
+    m.persons = persons.Seconds();
 
-    const bench::Reloj cargar;
-    importfile::Carga carga = Cargar(d, archivo, prompts, progreso);
-    m.carga = cargar.Segundos();
-    m.lineas = carga.lineas;
+    const bench::CpuTimer loading;
+    importfile::Carga load = Load(d, file, prompts, progress);
+    m.load = loading.Seconds();
+    m.lines = load.lineas;
 
-    conexion.Olvidar();
-    const bench::Reloj importar;
-    const liquidation::Importacion importacion = Importar(d, mes, carga.filas, prompts, progreso);
-    Repartir(conexion, importar.Segundos(), m);
-    m.importadas = importacion.importadas;
-    for (const base::ErrorAnotado& e : importacion.errores)
-      std::printf("  passed over: %s: %s\n", e.donde.c_str(), e.descripcion.c_str());
-    for (const importfile::ImportRow& fila : carga.filas)
-      if (fila.resultado != "OK") {
-        std::printf("  line %zu: %s\n", fila.linea, fila.resultado.c_str());
+    connection.Forget();
+    const bench::CpuTimer importing;
+    const liquidation::Importacion import_result = Import(d, month, load.filas, prompts, progress);
+    Distribute(connection, importing.Seconds(), m);
+    m.imported = import_result.importadas;
+    for (const base::NotedError& e : import_result.errores)
+      std::printf("  passed over: %s: %s\n", e.where.c_str(), e.description.c_str());
+    for (const importfile::ImportRow& row : load.filas)
+      if (row.resultado != "OK") {
+        std::printf("  line %zu: %s\n", row.linea, row.resultado.c_str());
         break;
       }
   }
-  if (!mdb) m.suelo = bench::MedirSuelo(base, archivo, mes.serie);
+  if (!mdb) m.floor = bench::MeasureFloor(base, file, month.serial);
   return m;
 }
 
-Medida LaMejor(std::size_t contratos, int veces, bool mdb) {
-  Medida mejor = Medir(contratos, mdb);
-  for (int i = 1; i < veces; ++i) {
-    Medida m = Medir(contratos, mdb);
-    if (mejor.suelo.Total() < m.suelo.Total()) m.suelo = mejor.suelo;
-    if (m.Total() < mejor.Total())
-      mejor = m;
+Measurement Best(std::size_t contracts, int times, bool mdb) {
+  Measurement best = Measure(contracts, mdb);
+  for (int i = 1; i < times; ++i) {
+    Measurement m = Measure(contracts, mdb);
+    if (best.floor.Total() < m.floor.Total()) m.floor = best.floor;
+    if (m.Total() < best.Total())
+      best = m;
     else
-      mejor.suelo = m.suelo;
+      best.floor = m.floor;
   }
-  return mejor;
+  return best;
 }
 
-void Imprimir(const Medida& m) {
-  std::printf("%zu lines, %zu imported, %zu rows in the month; seconds of the processor\n\n", m.lineas,
-              m.importadas, m.suelo.insertadas);
+void Print(const Measurement& m) {
+  std::printf("%zu lines, %zu imported, %zu rows in the month; seconds of the processor\n\n", m.lines,
+              m.imported, m.floor.inserted);
   std::printf("  %-14s %9s %9s %7s\n", "phase", "program", "floor", "ratio");
-  const auto fila = [](const char* nombre, double programa, double suelo) {
-    if (suelo > 0)
-      std::printf("  %-14s %9.3f %9.3f %7.2f\n", nombre, programa, suelo, programa / suelo);
+  const auto row = [](const char* name, double program, double floor) {
+    if (floor > 0)
+      std::printf("  %-14s %9.3f %9.3f %7.2f\n", name, program, floor, program / floor);
     else
-      std::printf("  %-14s %9.3f\n", nombre, programa);
+      std::printf("  %-14s %9.3f\n", name, program);
   };
-  fila("open", m.abrir, 0);
-  fila("persons", m.personas, m.suelo.personas);
-  fila("load", m.carga, m.suelo.carga);
-  fila("import", m.importar, m.suelo.filas);
-  fila("bulk updates", m.finales, 0);
-  fila("commit", m.commit, m.suelo.commit);
-  fila("total", m.Total(), m.suelo.Total());
+  row("open", m.open, 0);
+  row("persons", m.persons, m.floor.persons);
+  row("load", m.load, m.floor.load);
+  row("import", m.importing, m.floor.rows);
+  row("bulk updates", m.final_updates, 0);
+  row("commit", m.commit, m.floor.commit);
+  row("total", m.Total(), m.floor.Total());
   std::printf("\n  %-20s %9s %9s %9s\n", "statements", "times", "elapsed", "us each");
-  for (const auto& [nombre, costo] : m.costos)
-    std::printf("  %-20s %9zu %9.3f %9.2f\n", nombre.c_str(), costo.veces, costo.segundos,
-                costo.segundos / static_cast<double>(costo.veces) * 1e6);
+  for (const auto& [name, cost] : m.costs)
+    std::printf("  %-20s %9zu %9.3f %9.2f\n", name.c_str(), cost.times, cost.seconds,
+                cost.seconds / static_cast<double>(cost.times) * 1e6);
   std::printf("\n");
 }
 
@@ -224,23 +223,23 @@ void Imprimir(const Medida& m) {
 int main(int argc, char** argv) {
   try {
     base::OpenStandardStreams();
-    const long pedidos = argc > 1 ? std::atol(argv[1]) : 20000;
-    const std::size_t contratos = pedidos < 10 ? 10 : static_cast<std::size_t>(pedidos);
-    const int veces_medido = argc > 2 ? std::max(1, std::atoi(argv[2])) : 3;
+    const long requested = argc > 1 ? std::atol(argv[1]) : 20000;
+    const std::size_t contracts = requested < 10 ? 10 : static_cast<std::size_t>(requested);
+    const int repetitions = argc > 2 ? std::max(1, std::atoi(argv[2])) : 3;
     const bool mdb = argc > 3 && std::string(argv[3]) == "mdb";
-    const Medida chica = LaMejor(contratos / 10, veces_medido, mdb);
-    Imprimir(chica);
-    const Medida grande = LaMejor(contratos, veces_medido, mdb);
-    Imprimir(grande);
-    const double crece = grande.Total() / chica.Total();
+    const Measurement little = Best(contracts / 10, repetitions, mdb);
+    Print(little);
+    const Measurement large = Best(contracts, repetitions, mdb);
+    Print(large);
+    const double growth = large.Total() / little.Total();
     if (mdb)
       std::printf("total over the embedded engine's: %.2f (goal: at most 5)\n",
-                  grande.Total() / LaMejor(contratos, veces_medido, false).Total());
+                  large.Total() / Best(contracts, repetitions, false).Total());
     else
-      std::printf("total over floor: %.2f (goal: at most 3)\n", grande.Total() / grande.suelo.Total());
+      std::printf("total over floor: %.2f (goal: at most 3)\n", large.Total() / large.floor.Total());
     std::printf("growth for %.1f times the lines: %.2f (goal: at most 11 for 10)\n",
-                static_cast<double>(grande.lineas) / static_cast<double>(chica.lineas), crece);
-    return grande.importadas == grande.lineas ? 0 : 1;
+                static_cast<double>(large.lines) / static_cast<double>(little.lines), growth);
+    return large.imported == large.lines ? 0 : 1;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "bench_import: %s\n", e.what());
     return 2;

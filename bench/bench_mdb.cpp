@@ -15,155 +15,155 @@
 namespace {
 
 namespace fs = std::filesystem;
-using mdb::TipoColumna;
+using mdb::ColumnType;
 
 // Seconds of the processor: other programs on the machine do not change them.
-double Ahora() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+double Now() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 
-mdb::NuevaColumna Columna(const char* nombre, TipoColumna tipo, std::uint16_t largo = 0) {
-  mdb::NuevaColumna c;
-  c.nombre = nombre;
-  c.tipo = tipo;
-  c.largo = largo;
+mdb::NewColumn Column(const char* name, ColumnType type, std::uint16_t length = 0) {
+  mdb::NewColumn c;
+  c.name = name;
+  c.type = type;
+  c.length = length;
   return c;
 }
 
 // Of the shape of the data of a liquidation: three indexes, some 60 bytes a row.
-mdb::NuevaTabla Datos() {
-  mdb::NuevaTabla t{"Datos", {}, {}};
-  t.columnas = {Columna("Id", TipoColumna::Largo),          Columna("Encabezado", TipoColumna::Largo),
-                Columna("Codigo", TipoColumna::Texto, 20),  Columna("Cantidad", TipoColumna::Doble),
-                Columna("Importe", TipoColumna::Moneda),    Columna("Fecha", TipoColumna::Fecha),
-                Columna("Detalle", TipoColumna::Texto, 100)};
-  t.indices.push_back({"PrimaryKey", {{"Id", false}}, true, true, false, true});
-  t.indices.push_back({"PorEncabezado", {{"Encabezado", false}}, false, false, false, false});
-  t.indices.push_back({"PorCodigo", {{"Codigo", false}, {"Encabezado", true}}, false, false, false, false});
+mdb::NewTable Data() {
+  mdb::NewTable t{"Datos", {}, {}};
+  t.columns = {Column("Id", ColumnType::Long),          Column("Encabezado", ColumnType::Long),
+               Column("Codigo", ColumnType::Text, 20),  Column("Cantidad", ColumnType::Double),
+               Column("Importe", ColumnType::Currency), Column("Fecha", ColumnType::Date),
+               Column("Detalle", ColumnType::Text, 100)};
+  t.indexes.push_back({"PrimaryKey", {{"Id", false}}, true, true, false, true});
+  t.indexes.push_back({"PorEncabezado", {{"Encabezado", false}}, false, false, false, false});
+  t.indexes.push_back({"PorCodigo", {{"Codigo", false}, {"Encabezado", true}}, false, false, false, false});
   return t;
 }
 // One row a page, for a big file.
-mdb::NuevaTabla Relleno() {
-  mdb::NuevaTabla t{"Relleno", {}, {}};
-  t.columnas = {Columna("Id", TipoColumna::Largo), Columna("Nota", TipoColumna::Ole)};
-  t.indices.push_back({"PrimaryKey", {{"Id", false}}, true, true, false, true});
+mdb::NewTable Filler() {
+  mdb::NewTable t{"Relleno", {}, {}};
+  t.columns = {Column("Id", ColumnType::Long), Column("Nota", ColumnType::Ole)};
+  t.indexes.push_back({"PrimaryKey", {{"Id", false}}, true, true, false, true});
   return t;
 }
 
-mdb::Fila UnaFila(std::mt19937& azar, std::int64_t id) {
+mdb::Row MakeRow(std::mt19937& random, std::int64_t id) {
   return {id,
-          static_cast<std::int64_t>(azar() % 5000),
-          "HC" + std::to_string(azar() % 300),
-          static_cast<double>(azar() % 1000) / 8,
-          base::Moneda{static_cast<std::int64_t>(azar() % 10000000)},
-          base::Fecha{46000.0 + static_cast<double>(azar() % 400)},
-          "8,5 x " + std::to_string(azar() % 100000)};
+          static_cast<std::int64_t>(random() % 5000),
+          "HC" + std::to_string(random() % 300),
+          static_cast<double>(random() % 1000) / 8,
+          base::Currency{static_cast<std::int64_t>(random() % 10000000)},
+          base::Date{46000.0 + static_cast<double>(random() % 400)},
+          "8,5 x " + std::to_string(random() % 100000)};
 }
 
-struct Paso {
-  const char* nombre;
-  double segundos = 0;
-  std::size_t filas = 0;
+struct Step {
+  const char* name;
+  double seconds = 0;
+  std::size_t rows = 0;
 };
 
-class Banco {
+class TestBench {
  public:
-  explicit Banco(std::string ruta) : ruta_(std::move(ruta)), azar_(20261121) {}
+  explicit TestBench(std::string path) : path_(std::move(path)), random_(20261121) {}
 
-  std::vector<Paso> Correr(std::size_t filas, std::size_t paginas_de_relleno) {
-    fs::remove(ruta_);
-    auto base = mdb::Base::Crear(ruta_, 3082, base::Fecha{46347});
-    base->CrearTabla(Datos(), base::Fecha{46347});
-    Rellenar(*base, paginas_de_relleno);
-    base->Confirmar();
-    std::vector<Paso> pasos;
+  std::vector<Step> Run(std::size_t rows, std::size_t filler_pages) {
+    fs::remove(path_);
+    auto base = mdb::Database::Create(path_, 3082, base::Date{46347});
+    base->CreateTable(Data(), base::Date{46347});
+    Fill(*base, filler_pages);
+    base->Commit();
+    std::vector<Step> steps;
     ids_.clear();
-    pasos.push_back(Medir("insert, one batch", filas, [&] { Insertar(*base, 0, filas, filas); }));
-    pasos.push_back(Medir("insert, a row a batch", filas, [&] { Insertar(*base, filas, 2 * filas, 1); }));
-    pasos.push_back(Medir("update, one batch", 2 * filas, [&] { Cambiar(*base, ids_.size()); }));
-    pasos.push_back(Medir("update, a row a batch", filas, [&] {
-      ids_.resize(filas);
-      Cambiar(*base, 1);
+    steps.push_back(Measure("insert, one batch", rows, [&] { Insert(*base, 0, rows, rows); }));
+    steps.push_back(Measure("insert, a row a batch", rows, [&] { Insert(*base, rows, 2 * rows, 1); }));
+    steps.push_back(Measure("update, one batch", 2 * rows, [&] { Change(*base, ids_.size()); }));
+    steps.push_back(Measure("update, a row a batch", rows, [&] {
+      ids_.resize(rows);
+      Change(*base, 1);
     }));
     base.reset();
-    pasos.push_back(Medir("open and read", 2 * filas, [&] { Leer(); }));
-    base = mdb::Base::Abrir(ruta_);
-    pasos.push_back(Medir("delete, one batch", filas, [&] {
-      mdb::Cambios c;
-      c.borradas = ids_;
-      base->Aplicar("Datos", c);
-      base->Confirmar();
+    steps.push_back(Measure("open and read", 2 * rows, [&] { Read(); }));
+    base = mdb::Database::Open(path_);
+    steps.push_back(Measure("delete, one batch", rows, [&] {
+      mdb::Changes c;
+      c.deleted = ids_;
+      base->Apply("Datos", c);
+      base->Commit();
     }));
-    return pasos;
+    return steps;
   }
 
  private:
-  std::string ruta_;
-  std::mt19937 azar_;
-  std::vector<mdb::IdFila> ids_;
+  std::string path_;
+  std::mt19937 random_;
+  std::vector<mdb::RowId> ids_;
 
-  template <typename Hecho>
-  static Paso Medir(const char* nombre, std::size_t filas, Hecho&& hecho) {
-    const double antes = Ahora();
-    hecho();
-    return {nombre, Ahora() - antes, filas};
+  template <typename Action>
+  static Step Measure(const char* name, std::size_t rows, Action&& done) {
+    const double before = Now();
+    done();
+    return {name, Now() - before, rows};
   }
 
-  static void Rellenar(mdb::Base& base, std::size_t paginas) {
-    base.CrearTabla(Relleno(), base::Fecha{46347});
-    for (std::size_t i = 0; i < paginas; i += 500) {
-      mdb::Cambios c;
-      for (std::size_t k = i; k < std::min(paginas, i + 500); ++k)
-        c.nuevas.push_back({static_cast<std::int64_t>(k), mdb::Bytes(4000, 1)});
-      base.Aplicar("Relleno", c);
-      base.Confirmar();
+  static void Fill(mdb::Database& base, std::size_t pages) {
+    base.CreateTable(Filler(), base::Date{46347});
+    for (std::size_t i = 0; i < pages; i += 500) {
+      mdb::Changes c;
+      for (std::size_t k = i; k < std::min(pages, i + 500); ++k)
+        c.inserted.push_back({static_cast<std::int64_t>(k), mdb::Bytes(4000, 1)});
+      base.Apply("Relleno", c);
+      base.Commit();
     }
   }
 
-  void Insertar(mdb::Base& base, std::size_t desde, std::size_t hasta, std::size_t lote) {
-    mdb::Definicion d = *base.Indice().Tabla("Datos");
-    d = mdb::LeerDefinicion(base.Hojas(), d.Pagina());
-    for (std::size_t i = desde; i < hasta; i += lote) {
-      mdb::Cambios c;
-      for (std::size_t k = i; k < i + lote; ++k)
-        c.nuevas.push_back(UnaFila(azar_, static_cast<std::int64_t>(k)));
-      for (const auto id : mdb::Aplicar(base.Hojas(), d, c)) ids_.push_back(id);
+  void Insert(mdb::Database& base, std::size_t from, std::size_t to, std::size_t batch) {
+    mdb::Definition d = *base.Catalog().Table("Datos");
+    d = mdb::ReadDefinition(base.Pages(), d.Page());
+    for (std::size_t i = from; i < to; i += batch) {
+      mdb::Changes c;
+      for (std::size_t k = i; k < i + batch; ++k)
+        c.inserted.push_back(MakeRow(random_, static_cast<std::int64_t>(k)));
+      for (const auto id : mdb::Apply(base.Pages(), d, c)) ids_.push_back(id);
     }
-    base.Confirmar();
+    base.Commit();
   }
 
   // The amounts change, and each fourth row's header: one index of three.
-  void Cambiar(mdb::Base& base, std::size_t lote) {
-    mdb::Definicion d = *base.Indice().Tabla("Datos");
-    d = mdb::LeerDefinicion(base.Hojas(), d.Pagina());
-    for (std::size_t i = 0; i < ids_.size(); i += lote) {
-      mdb::Cambios c;
-      for (std::size_t k = i; k < i + lote; ++k) {
-        mdb::CambioDeFila cambio{ids_[k], {{3, static_cast<double>(azar_() % 1000)}}};
-        if (azar_() % 4 == 0) cambio.valores.push_back({1, static_cast<std::int64_t>(azar_() % 5000)});
-        c.cambiadas.push_back(std::move(cambio));
+  void Change(mdb::Database& base, std::size_t batch) {
+    mdb::Definition d = *base.Catalog().Table("Datos");
+    d = mdb::ReadDefinition(base.Pages(), d.Page());
+    for (std::size_t i = 0; i < ids_.size(); i += batch) {
+      mdb::Changes c;
+      for (std::size_t k = i; k < i + batch; ++k) {
+        mdb::RowChange change{ids_[k], {{3, static_cast<double>(random_() % 1000)}}};
+        if (random_() % 4 == 0) change.values.push_back({1, static_cast<std::int64_t>(random_() % 5000)});
+        c.changed.push_back(std::move(change));
       }
-      mdb::Aplicar(base.Hojas(), d, c);
+      mdb::Apply(base.Pages(), d, c);
     }
-    base.Confirmar();
+    base.Commit();
   }
 
-  void Leer() const {
-    const auto base = mdb::Base::Abrir(ruta_, {true, {}});
-    std::size_t filas = 0;
-    mdb::RecorrerFilas(base->Hojas(), *base->Indice().Tabla("Datos"), [&](mdb::IdFila, const mdb::Fila& f) {
-      filas += f.size() / 7;
+  void Read() const {
+    const auto base = mdb::Database::Open(path_, {true, {}});
+    std::size_t rows = 0;
+    mdb::WalkRows(base->Pages(), *base->Catalog().Table("Datos"), [&](mdb::RowId, const mdb::Row& f) {
+      rows += f.size() / 7;
       return true;
     });
-    if (filas == 0) throw base::Error("nothing was read");
+    if (rows == 0) throw base::Error("nothing was read");
   }
 };
 
-void Imprimir(const char* titulo, const std::vector<Paso>& pocas, const std::vector<Paso>& muchas) {
-  std::printf("\n%s\n%-24s %10s %12s %12s %8s\n", titulo, "", "rows", "s", "rows/s", "growth");
-  for (std::size_t i = 0; i < muchas.size(); ++i) {
-    const auto& m = muchas[i];
-    std::printf("%-24s %10zu %12.3f %12.0f", m.nombre, m.filas, m.segundos,
-                static_cast<double>(m.filas) / m.segundos);
-    if (i < pocas.size()) std::printf(" %8.1f", m.segundos / pocas[i].segundos);
+void Print(const char* title, const std::vector<Step>& few, const std::vector<Step>& many) {
+  std::printf("\n%s\n%-24s %10s %12s %12s %8s\n", title, "", "rows", "s", "rows/s", "growth");
+  for (std::size_t i = 0; i < many.size(); ++i) {
+    const auto& m = many[i];
+    std::printf("%-24s %10zu %12.3f %12.0f", m.name, m.rows, m.seconds,
+                static_cast<double>(m.rows) / m.seconds);
+    if (i < few.size()) std::printf(" %8.1f", m.seconds / few[i].seconds);
     std::printf("\n");
   }
 }
@@ -172,25 +172,24 @@ void Imprimir(const char* titulo, const std::vector<Paso>& pocas, const std::vec
 
 int main(int argc, char** argv) {
   base::OpenStandardStreams();
-  const std::size_t filas = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 20000;
-  if (filas < 10) {
+  const std::size_t rows = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 20000;
+  if (rows < 10) {
     std::fprintf(stderr, "usage: bench_mdb [ROWS]\n");
     return 2;
   }
-  const fs::path carpeta =
-      fs::temp_directory_path() / ("bench_mdb_" + std::to_string(std::random_device{}()));
-  fs::create_directories(carpeta);
+  const fs::path folder = fs::temp_directory_path() / ("bench_mdb_" + std::to_string(std::random_device{}()));
+  fs::create_directories(folder);
   try {
-    Banco banco((carpeta / "banco.mdb").string());
-    const auto pocas = banco.Correr(filas / 10, 0), muchas = banco.Correr(filas, 0);
-    Imprimir("A file of its own; growth: times what a tenth of the rows take", pocas, muchas);
-    const auto grande = banco.Correr(filas, 25000);
-    Imprimir("Beside a table of 100 MB; growth: times the above", muchas, grande);
+    TestBench bench((folder / "banco.mdb").string());
+    const auto few = bench.Run(rows / 10, 0), many = bench.Run(rows, 0);
+    Print("A file of its own; growth: times what a tenth of the rows take", few, many);
+    const auto large = bench.Run(rows, 25000);
+    Print("Beside a table of 100 MB; growth: times the above", many, large);
   } catch (const base::Error& e) {
     std::fprintf(stderr, "%s\n", e.what());
-    fs::remove_all(carpeta);
+    fs::remove_all(folder);
     return 1;
   }
-  fs::remove_all(carpeta);
+  fs::remove_all(folder);
   return 0;
 }

@@ -7,17 +7,17 @@
 
 namespace bench {
 
-struct Suelo {
-  double personas = 0;  // seconds: the contracts read and hashed
-  double carga = 0;     // the file read, split and matched
-  double filas = 0;     // the final rows inserted
+struct Floor {
+  double persons = 0;  // seconds: the contracts read and hashed
+  double load = 0;     // the file read, split and matched
+  double rows = 0;     // the final rows inserted
   double commit = 0;
-  double Total() const { return personas + carga + filas + commit; }
-  std::size_t lineas = 0, halladas = 0, insertadas = 0;
+  double Total() const { return persons + load + rows + commit; }
+  std::size_t lines = 0, found = 0, inserted = 0;
 };
 
-// `base_final`: the base after the import. It is changed: the month's rows are taken out, which is not timed,
+// `final_base`: the base after the import. It is changed: the month's rows are taken out, which is not timed,
 // and put back, which is.
-Suelo MedirSuelo(const std::string& base_final, const std::string& archivo, double mes);
+Floor MeasureFloor(const std::string& final_base, const std::string& file, double month);
 
 }  // namespace bench

@@ -8,12 +8,12 @@
 namespace bench {
 namespace {
 
-struct Clase {
-  std::string_view comienzo, contiene, nombre;
+struct Kind {
+  std::string_view start, contains, name;
 };
 
 // The first that fits names the statement; those of each line come first.
-constexpr std::array<Clase, 15> kClases = {{
+constexpr std::array<Kind, 15> kKinds = {{
     {"Select id_Dato", "", "find datum"},
     {"insert into Datos_Liquidacion", "", "insert datum"},
     {"select max(", "id_Dato", "max id_Dato"},
@@ -31,55 +31,55 @@ constexpr std::array<Clase, 15> kClases = {{
     {"", "", "other"},
 }};
 
-std::string_view NombreDe(std::string_view sql) {
-  for (const Clase& clase : kClases) {
-    if (!base::EmpiezaCon(sql, clase.comienzo)) continue;
-    if (clase.contiene.empty() || sql.find(clase.contiene) != sql.npos) return clase.nombre;
+std::string_view NameOf(std::string_view sql) {
+  for (const Kind& kind : kKinds) {
+    if (!base::StartsWith(sql, kind.start)) continue;
+    if (kind.contains.empty() || sql.find(kind.contains) != sql.npos) return kind.name;
   }
   return "other";
 }
 
 }  // namespace
 
-template <typename Paso>
-auto MeasuredConnection::Medir(std::string_view sql, Paso&& paso) {
-  const std::string_view nombre = NombreDe(sql);
-  auto it = costos_.find(nombre);
-  if (it == costos_.end()) it = costos_.emplace(nombre, Costo{}).first;
-  Costo& costo = it->second;
-  const RelojDePared reloj;
-  if (!EsActualizacionFinal(nombre)) {
-    auto resultado = paso();
-    costo.segundos += reloj.Segundos();
-    ++costo.veces;
-    return resultado;
+template <typename Step>
+auto MeasuredConnection::Measure(std::string_view sql, Step&& step) {
+  const std::string_view name = NameOf(sql);
+  auto it = costs_.find(name);
+  if (it == costs_.end()) it = costs_.emplace(name, Cost{}).first;
+  Cost& cost = it->second;
+  const WallTimer clock;
+  if (!IsFinalUpdate(name)) {
+    auto result = step();
+    cost.seconds += clock.Seconds();
+    ++cost.times;
+    return result;
   }
-  const Reloj proceso;
-  auto resultado = paso();
-  costo.proceso += proceso.Segundos();
-  costo.segundos += reloj.Segundos();
-  ++costo.veces;
-  return resultado;
+  const CpuTimer cpu_seconds;
+  auto result = step();
+  cost.cpu_seconds += cpu_seconds.Seconds();
+  cost.seconds += clock.Seconds();
+  ++cost.times;
+  return result;
 }
 
-db::Recordset MeasuredConnection::Ejecutar(std::string_view sql) {
-  return Medir(sql, [&] { return otra_->Ejecutar(sql); });
+db::Recordset MeasuredConnection::Execute(std::string_view sql) {
+  return Measure(sql, [&] { return other_->Execute(sql); });
 }
 
-db::Recordset MeasuredConnection::Consultar(std::string_view sql) {
-  return Medir(sql, [&] { return otra_->Consultar(sql); });
+db::Recordset MeasuredConnection::Query(std::string_view sql) {
+  return Measure(sql, [&] { return other_->Query(sql); });
 }
 
 void MeasuredConnection::CommitTrans() {
-  const RelojDePared reloj;
-  const Reloj proceso;
-  otra_->CommitTrans();
-  Costo& costo = costos_["commit"];
-  costo.proceso += proceso.Segundos();
-  costo.segundos += reloj.Segundos();
-  ++costo.veces;
+  const WallTimer clock;
+  const CpuTimer cpu_seconds;
+  other_->CommitTrans();
+  Cost& cost = costs_["commit"];
+  cost.cpu_seconds += cpu_seconds.Seconds();
+  cost.seconds += clock.Seconds();
+  ++cost.times;
 }
 
-bool EsActualizacionFinal(std::string_view nombre) { return base::EmpiezaCon(nombre, "final: "); }
+bool IsFinalUpdate(std::string_view name) { return base::StartsWith(name, "final: "); }
 
 }  // namespace bench

@@ -13,61 +13,61 @@
 namespace bench {
 
 // Processor time, which other programs on the machine do not change.
-class Reloj {
+class CpuTimer {
  public:
-  double Segundos() const { return static_cast<double>(std::clock() - desde_) / CLOCKS_PER_SEC; }
+  double Seconds() const { return static_cast<double>(std::clock() - start_) / CLOCKS_PER_SEC; }
 
  private:
-  std::clock_t desde_ = std::clock();
+  std::clock_t start_ = std::clock();
 };
 
 // Time of day; cheap enough for every statement.
-class RelojDePared {
+class WallTimer {
  public:
-  double Segundos() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - desde_).count();
+  double Seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
   }
 
  private:
-  std::chrono::steady_clock::time_point desde_ = std::chrono::steady_clock::now();
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-struct Costo {
-  std::size_t veces = 0;
-  double segundos = 0;  // of day
-  double proceso = 0;   // of the processor; only of what runs once
+struct Cost {
+  std::size_t times = 0;
+  double seconds = 0;      // of day
+  double cpu_seconds = 0;  // of the processor; only of what runs once
 };
 
 class MeasuredConnection final : public db::Connection {
  public:
-  explicit MeasuredConnection(std::unique_ptr<db::Connection> otra) : otra_(std::move(otra)) {}
+  explicit MeasuredConnection(std::unique_ptr<db::Connection> other) : other_(std::move(other)) {}
 
-  bool Abierta() const override { return otra_->Abierta(); }
-  void Cerrar() override { otra_->Cerrar(); }
-  db::Recordset Ejecutar(std::string_view sql) override;
-  db::Recordset Consultar(std::string_view sql) override;
-  std::int64_t FilasAfectadas() const override { return otra_->FilasAfectadas(); }
-  void BeginTrans() override { otra_->BeginTrans(); }
+  bool IsOpen() const override { return other_->IsOpen(); }
+  void Close() override { other_->Close(); }
+  db::Recordset Execute(std::string_view sql) override;
+  db::Recordset Query(std::string_view sql) override;
+  std::int64_t AffectedRows() const override { return other_->AffectedRows(); }
+  void BeginTrans() override { other_->BeginTrans(); }
   void CommitTrans() override;
-  void RollbackTrans() override { otra_->RollbackTrans(); }
-  bool EnTransaccion() const override { return otra_->EnTransaccion(); }
-  void SetSavepoint() override { otra_->SetSavepoint(); }
-  void RollbackToSavepoint() override { otra_->RollbackToSavepoint(); }
-  void ReleaseSavepoint() override { otra_->ReleaseSavepoint(); }
+  void RollbackTrans() override { other_->RollbackTrans(); }
+  bool InTransaction() const override { return other_->InTransaction(); }
+  void SetSavepoint() override { other_->SetSavepoint(); }
+  void RollbackToSavepoint() override { other_->RollbackToSavepoint(); }
+  void ReleaseSavepoint() override { other_->ReleaseSavepoint(); }
 
   // By what the statement does; "commit" is one of them.
-  const std::map<std::string, Costo, std::less<>>& Costos() const { return costos_; }
-  void Olvidar() { costos_.clear(); }
+  const std::map<std::string, Cost, std::less<>>& Costs() const { return costs_; }
+  void Forget() { costs_.clear(); }
 
  private:
-  template <typename Paso>
-  auto Medir(std::string_view sql, Paso&& paso);
+  template <typename Step>
+  auto Measure(std::string_view sql, Step&& step);
 
-  std::unique_ptr<db::Connection> otra_;
-  std::map<std::string, Costo, std::less<>> costos_;
+  std::unique_ptr<db::Connection> other_;
+  std::map<std::string, Cost, std::less<>> costs_;
 };
 
 // Whether the statement of that name is one of the bulk updates that end an import.
-bool EsActualizacionFinal(std::string_view nombre);
+bool IsFinalUpdate(std::string_view name);
 
 }  // namespace bench

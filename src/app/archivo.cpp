@@ -13,7 +13,7 @@ Archivo::Archivo(Contexto& contexto, Tareas& tareas, Lineas& lineas)
     : c_(contexto), e_(contexto.estado), tareas_(tareas), lineas_(lineas) {}
 
 void Archivo::cbBuscar_Click() {
-  const std::string ruta = c_.puertos.picker.AbrirArchivo(e_.titulo_dialogo, "", e_.txtRuta.text);
+  const std::string ruta = c_.puertos.picker.PickFile(e_.titulo_dialogo, "", e_.txtRuta.text);
   if (ruta.empty()) return;
   e_.txtRuta.text = ruta;
   lineas_.CargarDatos();
@@ -41,8 +41,8 @@ void Archivo::OptFiltro_Click(int indice) {
   tareas_.Pedir(kGrilla);
 }
 
-void Archivo::ObjSelMes_Change(base::Fecha fecha) {
-  e_.mes = base::PrimerDiaDelMes(fecha);
+void Archivo::ObjSelMes_Change(base::Date fecha) {
+  e_.mes = base::FirstDayOfMonth(fecha);
   if (!e_.cargando) tareas_.Pedir(kPersonas | kGrilla);
   c_.Cambio();
 }

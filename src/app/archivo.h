@@ -19,7 +19,7 @@ class Archivo {
   void txtFiltro_Change(std::string texto);
   void txtFiltro_KeyPress(int tecla);
   void OptFiltro_Click(int indice);
-  void ObjSelMes_Change(base::Fecha fecha);  // any day: the picker yields the first of its month
+  void ObjSelMes_Change(base::Date fecha);  // any day: the picker yields the first of its month
   void cmbLiquidaciones_Click(int indice);
   void cmbAgrupa_Click(int indice);
   // Sends Tab instead of Enter: true when the key is to be swallowed.

@@ -13,7 +13,7 @@ class Barra final : public ports::Progress {
 
   void ActuBarra(float paso, bool sin_refresco = false) override;
   void DoEvents() override;
-  bool Cancelado() const override { return cancelado_; }
+  bool IsCancelled() const override { return cancelado_; }
 
   void Cancelar(bool si) { cancelado_ = si; }
   float Porcentaje() const { return porcentaje_; }

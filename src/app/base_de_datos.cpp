@@ -15,7 +15,7 @@ BaseDeDatos::BaseDeDatos(Contexto& contexto) : c_(contexto), e_(contexto.estado)
 }
 
 bool BaseDeDatos::Conectar(const std::string& referencia) {
-  if (sesion_.Abierta()) sesion_.conexion->Cerrar();
+  if (sesion_.Abierta()) sesion_.conexion->Close();
   Conexion nueva = c_.puertos.conectar(referencia, c_.puertos.reloj);
   sesion_.conexion = std::move(nueva.conexion);
   sesion_.id_Usuario = nueva.id_Usuario;
@@ -29,7 +29,7 @@ bool BaseDeDatos::Comenzar() {
     sesion_.conexion->BeginTrans();
     return true;
   } catch (const base::Error& e) {
-    e_.motivo_base = e.Descripcion();
+    e_.motivo_base = e.Description();
     sesion_.conexion.reset();
     return false;
   }
@@ -42,26 +42,26 @@ void BaseDeDatos::LeerEmpresa() {
   sesion_.LiqAgrup = false;
   e_.motivo_empresa.clear();
   const auto paso = [&](const char* donde, const std::function<void()>& leer) {
-    return base::ErrorIgnorado(donde, &c_.errores, [&] {
+    return base::PassOverError(donde, &c_.errores, [&] {
       try {
         leer();
       } catch (const base::Error& e) {
-        if (e_.motivo_empresa.empty()) e_.motivo_empresa = e.Descripcion();
+        if (e_.motivo_empresa.empty()) e_.motivo_empresa = e.Description();
         throw;
       }
     });
   };
   db::Recordset rs;
   const bool hay = paso("Conectar: empresa", [&] {
-    rs = sesion_.conexion->Ejecutar("Select TipoConstruccion, LiqAgrup, idEmpresa From Empresa");
-    if (rs.Vacio()) throw db::Error("La tabla Empresa no tiene ninguna fila.");
+    rs = sesion_.conexion->Execute("Select TipoConstruccion, LiqAgrup, idEmpresa From Empresa");
+    if (rs.IsEmpty()) throw db::Error("La tabla Empresa no tiene ninguna fila.");
   });
   if (!hay) return;
   // Several companies: always the first row of this unordered query. One field that cannot be read does not
   // take the others along.
-  paso("Conectar: TipoConstruccion", [&] { sesion_.TipoConstruccion = rs.En(0, 0).Booleano(); });
-  paso("Conectar: LiqAgrup", [&] { sesion_.LiqAgrup = rs.En(1, 0).Booleano(); });
-  paso("Conectar: idEmpresa", [&] { sesion_.idEmpresa = rs.En(2, 0).Entero(); });
+  paso("Conectar: TipoConstruccion", [&] { sesion_.TipoConstruccion = rs.At(0, 0).Boolean(); });
+  paso("Conectar: LiqAgrup", [&] { sesion_.LiqAgrup = rs.At(1, 0).Boolean(); });
+  paso("Conectar: idEmpresa", [&] { sesion_.idEmpresa = rs.At(2, 0).Integer(); });
 }
 
 bool BaseDeDatos::ConLaBase(const std::function<void()>& paso) {
@@ -69,7 +69,7 @@ bool BaseDeDatos::ConLaBase(const std::function<void()>& paso) {
     paso();
     return true;
   } catch (const base::Error& e) {
-    FalloLaBase(e.Descripcion());
+    FalloLaBase(e.Description());
   } catch (const std::bad_alloc&) {
     FalloLaBase("No hay memoria suficiente.");
   }
@@ -110,7 +110,7 @@ std::string BaseDeDatos::MotivoParaNoImportar() const {
 }
 
 void BaseDeDatos::Deshacer() {
-  if (sesion_.conexion != nullptr && sesion_.conexion->EnTransaccion())
+  if (sesion_.conexion != nullptr && sesion_.conexion->InTransaction())
     base::AnyErrorNoted("deshacer", nullptr, [&] { sesion_.conexion->RollbackTrans(); });
 }
 

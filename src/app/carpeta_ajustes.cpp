@@ -5,10 +5,10 @@
 namespace app {
 
 std::string CarpetaDeAjustes() {
-  const std::string propia = base::VariableEntorno("IMPORTDEMARCAS_CARPETA");
+  const std::string propia = base::EnvironmentValue("IMPORTDEMARCAS_CARPETA");
   if (!propia.empty()) return propia;
-  const std::string programa = base::CarpetaDelPrograma();
-  return base::CarpetaEscribible(programa) ? programa : base::CarpetaConfiguracionUsuario();
+  const std::string programa = base::ProgramFolder();
+  return base::IsWritableFolder(programa) ? programa : base::UserConfigFolder();
 }
 
 }  // namespace app

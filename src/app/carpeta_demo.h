@@ -17,7 +17,7 @@ struct CarpetaDemo {
 
 // Makes the folder (if missing), the base and its files for the month. Throws base::Error when the folder
 // already holds a base, which is never overwritten, or when something cannot be written.
-CarpetaDemo CrearCarpetaDemo(const std::string& carpeta, base::Fecha mes, const ports::Clock& reloj,
+CarpetaDemo CrearCarpetaDemo(const std::string& carpeta, base::Date mes, const ports::Clock& reloj,
                              demo::Motor motor = demo::Motor::Mdb);
 
 }  // namespace app

@@ -72,7 +72,7 @@ std::string Cierre::GuardarRelaciones() {
     try {
       motivo = relations::GuardarRelacionesEnBase(base_.Sesion(), e_.relaciones, &c_.errores);
     } catch (const base::Error& e) {
-      motivo = e.Descripcion();
+      motivo = e.Description();
     } catch (const std::bad_alloc&) {
       motivo = "No hay memoria suficiente.";
     }
@@ -87,14 +87,14 @@ std::string Cierre::EscribirAparte() const {
   std::optional<std::string> conceptos = ConceptosAGuardar();
   if (!conceptos && RelacionesEditadas()) conceptos = e_.relaciones.Texto();
   const std::string texto = settings::TextoConSettings(c_.LeerAjustes().texto, e_.opciones, conceptos);
-  const base::Fecha ahora = c_.puertos.reloj.Ahora();
+  const base::Date ahora = c_.puertos.reloj.Now();
   const std::string nombre =
-      "ImportDeMarcas sin guardar " + base::Reemplazar(base::FechaIso(ahora), ":", "") + ".ini";
-  const std::string de_usuario = base::CarpetaConfiguracionUsuario();
+      "ImportDeMarcas sin guardar " + base::Replace(base::IsoDate(ahora), ":", "") + ".ini";
+  const std::string de_usuario = base::UserConfigFolder();
   for (const std::string& carpeta :
-       {c_.arranque.carpeta, de_usuario, base::CarpetaDe(e_.referencia), base::TemporaryFolder()}) {
-    if (carpeta.empty() || (carpeta == de_usuario && !base::CrearCarpeta(carpeta))) continue;
-    const std::string ruta = base::UnirRuta(carpeta, nombre);
+       {c_.arranque.carpeta, de_usuario, base::FolderOf(e_.referencia), base::TemporaryFolder()}) {
+    if (carpeta.empty() || (carpeta == de_usuario && !base::CreateFolder(carpeta))) continue;
+    const std::string ruta = base::JoinPath(carpeta, nombre);
     if (settings::GuardarAjustes(ruta, texto)) return ruta;
   }
   return {};

@@ -20,17 +20,17 @@ constexpr std::string_view kMarcaJet{"Standard Jet DB"}, kMarcaAce{"Standard ACE
 bool EsAccess(std::string_view bytes) {
   if (bytes.size() < 20) return false;
   bytes.remove_prefix(4);
-  return base::EmpiezaCon(bytes, kMarcaJet) || base::EmpiezaCon(bytes, kMarcaAce);
+  return base::StartsWith(bytes, kMarcaJet) || base::StartsWith(bytes, kMarcaAce);
 }
 
 Conexion AbrirSqlite(const std::string& ruta, const ports::Clock& reloj) {
   Conexion c;
   try {
-    engine_sqlite::Opciones opciones;
-    opciones.reloj = &reloj;
-    c.conexion = engine_sqlite::Abrir(ruta, opciones);
+    engine_sqlite::Options opciones;
+    opciones.clock = &reloj;
+    c.conexion = engine_sqlite::Open(ruta, opciones);
   } catch (const base::Error& e) {
-    c.motivo = e.Descripcion();
+    c.motivo = e.Description();
   }
   return c;
 }
@@ -40,12 +40,12 @@ Conexion AbrirSqlite(const std::string& ruta, const ports::Clock& reloj) {
 Conexion AbrirMdb(const std::string& ruta, const std::string& contrasena, const ports::Clock& reloj) {
   Conexion c;
   try {
-    engine_mdb::Opciones opciones;
-    opciones.reloj = &reloj;
-    opciones.contrasena = contrasena;
-    c.conexion = engine_mdb::Abrir(ruta, opciones);
+    engine_mdb::Options opciones;
+    opciones.clock = &reloj;
+    opciones.password = contrasena;
+    c.conexion = engine_mdb::Open(ruta, opciones);
   } catch (const base::Error& e) {
-    c.motivo = e.Descripcion();
+    c.motivo = e.Description();
   }
   return c;
 }
@@ -53,21 +53,21 @@ Conexion AbrirMdb(const std::string& ruta, const std::string& contrasena, const 
 // `motor`: what ConfBase.cfg asks for, or empty.
 Conexion AbrirArchivo(const std::string& ruta, const std::string& motor, const std::string& contrasena,
                       const ports::Clock& reloj) {
-  if (!base::ExisteArchivo(ruta)) return Fallo("El archivo '" + ruta + "' no existe");
-  const auto cabecera = base::LeerPrincipio(ruta, 64);
+  if (!base::FileExists(ruta)) return Fallo("El archivo '" + ruta + "' no existe");
+  const auto cabecera = base::ReadBeginning(ruta, 64);
   if (!cabecera) return Fallo("No se puede leer el archivo '" + ruta + "'");
-  const bool access = EsAccess(*cabecera), propia = base::EmpiezaCon(*cabecera, kMarcaSqlite);
+  const bool access = EsAccess(*cabecera), propia = base::StartsWith(*cabecera, kMarcaSqlite);
   if (!access && !propia) return Fallo("'" + ruta + "' no es una base de datos conocida");
   if (access && motor == "sqlite") return Fallo("'" + ruta + "' es una base de Access: pide el motor mdb");
   if (propia && motor == "mdb") return Fallo("'" + ruta + "' no es una base de Access: pide el motor sqlite");
   if (propia) return AbrirSqlite(ruta, reloj);
   // Other programs may have the file open: where there is a driver that shares it with them, it is used.
-  if (motor.empty() && engine_odbc::HayDriverDeAccess()) return AbrirOdbc({ruta, ruta, contrasena, {}});
+  if (motor.empty() && engine_odbc::HasAccessDriver()) return AbrirOdbc({ruta, ruta, contrasena, {}});
   return AbrirMdb(ruta, contrasena, reloj);
 }
 
 bool EsRelativa(std::string_view ruta) {
-  return !(base::EmpiezaCon(ruta, "/") || base::EmpiezaCon(ruta, "\\") ||
+  return !(base::StartsWith(ruta, "/") || base::StartsWith(ruta, "\\") ||
            (ruta.size() > 1 && ruta[1] == ':'));
 }
 
@@ -78,14 +78,14 @@ std::string Contrasena(const std::string& texto) {
 }
 
 Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
-  const auto bytes = base::LeerArchivo(ruta);
+  const auto bytes = base::ReadWholeFile(ruta);
   if (!bytes) return Fallo("No se puede leer el archivo '" + ruta + "'");
-  std::string texto = base::DecodificarArchivo(*bytes);
-  if (!base::Contiene(texto, base::kCrLf)) texto = base::Reemplazar(texto, "\n", base::kCrLf);
+  std::string texto = base::DecodeFile(*bytes);
+  if (!base::Contains(texto, base::kCrLf)) texto = base::Replace(texto, "\n", base::kCrLf);
   const auto valor = [&](const char* clave) { return base::Trim(settings::ValorDeTexto(texto, clave)); };
-  const std::string motor = base::Minusculas(valor("Motor")), nombre = valor("Base");
+  const std::string motor = base::LowerCase(valor("Motor")), nombre = valor("Base");
   if (nombre.empty()) return Fallo("'" + ruta + "' no dice qué base abrir (falta la clave Base)");
-  const std::string en_disco = EsRelativa(nombre) ? base::UnirRuta(base::CarpetaDe(ruta), nombre) : nombre;
+  const std::string en_disco = EsRelativa(nombre) ? base::JoinPath(base::FolderOf(ruta), nombre) : nombre;
   Conexion c;
   if (motor == "odbc")
     c = AbrirOdbc({nombre, en_disco, Contrasena(texto), valor("Driver")});
@@ -100,15 +100,15 @@ Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
 }  // namespace
 
 std::string MotivoSoloLectura(const db::Connection* conexion) {
-  return conexion == nullptr || !conexion->Abierta() ? std::string() : engine_mdb::ReadOnlyReason(*conexion);
+  return conexion == nullptr || !conexion->IsOpen() ? std::string() : engine_mdb::ReadOnlyReason(*conexion);
 }
 
 Conexion Fallo(std::string motivo) { return {nullptr, 0, std::move(motivo)}; }
 
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj) {
-  if (!base::IgualSinCaso(base::NombreDe(referencia), "ConfBase.cfg"))
+  if (!base::EqualIgnoringCase(base::NameOf(referencia), "ConfBase.cfg"))
     return AbrirArchivo(referencia, {}, {}, reloj);
-  if (!base::ExisteArchivo(referencia)) return Fallo("El archivo '" + referencia + "' no existe");
+  if (!base::FileExists(referencia)) return Fallo("El archivo '" + referencia + "' no existe");
   return AbrirConfBase(referencia, reloj);
 }
 

@@ -7,12 +7,12 @@ namespace app {
 Conexion AbrirOdbc(const OrigenOdbc& origen) {
   Conexion c;
   try {
-    const bool es_archivo = base::ExisteArchivo(origen.en_disco);
-    c.conexion = engine_odbc::Abrir(
-        es_archivo ? engine_odbc::CadenaParaArchivo(origen.en_disco, origen.contrasena, origen.driver)
-                   : engine_odbc::CadenaDe(origen.base, origen.contrasena));
+    const bool es_archivo = base::FileExists(origen.en_disco);
+    c.conexion = engine_odbc::Open(
+        es_archivo ? engine_odbc::ConnectionStringForFile(origen.en_disco, origen.contrasena, origen.driver)
+                   : engine_odbc::ConnectionStringOf(origen.base, origen.contrasena));
   } catch (const base::Error& e) {
-    c.motivo = e.Descripcion();
+    c.motivo = e.Description();
   }
   return c;
 }

@@ -8,7 +8,7 @@ Contexto::Contexto(const Puertos& puertos_, Arranque arranque_)
     : puertos(puertos_), arranque(std::move(arranque_)), barra(puertos_.eventos) {}
 
 void Contexto::Avisar(std::string texto) {
-  puertos.prompts.Mostrar({std::move(texto), ports::Icono::Exclamacion, false});
+  puertos.prompts.Show({std::move(texto), ports::Icon::Exclamation, false});
 }
 
 void Contexto::Cambio() {

@@ -31,7 +31,7 @@ struct Arranque {
   std::string carpeta;  // of ImportDeMarcas.ini; made when it is missing
   std::string version = "1.0.0";
   std::optional<std::string> ajustes;  // the settings text itself: then the file is neither read nor written
-  std::optional<base::Fecha> mes;      // instead of the current month
+  std::optional<base::Date> mes;       // instead of the current month
   // Begin a transaction as soon as the base is open, before anything is written; a base that refuses it is
   // not opened.
   bool una_transaccion = false;
@@ -46,7 +46,7 @@ struct Contexto {
   Arranque arranque;
   Estado estado;
   Barra barra;
-  base::SumideroErrores errores;
+  base::ErrorSink errores;
   std::function<void()> al_cambiar;
 
   void Avisar(std::string texto);

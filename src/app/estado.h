@@ -44,7 +44,7 @@ struct Estado {
   std::string motivo_fin;        // why the program must end at once: its settings cannot be read
   bool grilla_a_medias = false;  // the grid was loaded while something could not be read
   std::string LblEmpresa;
-  base::Fecha mes;  // first day of the month of ObjSelMes
+  base::Date mes;  // first day of the month of ObjSelMes
 
   settings::Settings opciones;
   refdata::PersonsIndex personas;

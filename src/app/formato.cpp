@@ -13,7 +13,7 @@ namespace {
 // The leading number of a box, rounded, within 16 bits.
 std::int16_t EnteroDeCaja(std::string_view texto) {
   const double n = std::clamp(base::Parse(texto), -32768.0, 32767.0);
-  return static_cast<std::int16_t>(base::EnteroBancario(n));
+  return static_cast<std::int16_t>(base::BankersInteger(n));
 }
 
 // Where the preview shows the column of each field: at the layout column that fills it, those in use first;
@@ -111,7 +111,7 @@ void Formato::Timer1_Timer() {
 void Formato::CargarDatosPrevisual() {
   // A layout that cannot be cut leaves the preview empty; the load says why.
   e_.filas_previa.clear();
-  base::ErrorIgnorado("CargarDatosPrevisual", &c_.errores,
+  base::PassOverError("CargarDatosPrevisual", &c_.errores,
                       [&] { e_.filas_previa = importfile::CargarDatosPrevisual(e_.previa, e_.opciones); });
   ++e_.revision.previa;
   c_.Cambio();

@@ -30,7 +30,7 @@ void Importador::cbImportar_Click(int boton) {
   if (e_.filas.empty()) return c_.Avisar("No hay líneas para importar.");
   const std::vector<std::string> avisos = Avisos();
   if (!avisos.empty()) c_.Avisar(base::Join(avisos, "\r\n\r\n"));
-  if (!c_.puertos.prompts.Confirmar(Confirmacion())) return;
+  if (!c_.puertos.prompts.Confirm(Confirmacion())) return;
   Importar(false);
 }
 

@@ -68,12 +68,12 @@ bool Inicio::IniciarCon(std::string referencia, std::string archivo) {
 
 bool Inicio::PrepararVentana() {
   e_.cargando = true;
-  e_.mes = base::PrimerDiaDelMes(c_.arranque.mes ? *c_.arranque.mes : c_.puertos.reloj.Hoy());
+  e_.mes = base::FirstDayOfMonth(c_.arranque.mes ? *c_.arranque.mes : c_.puertos.reloj.Today());
   e_.OptFiltro = 1;
   e_.caption += " " + c_.arranque.version;
   e_.GridAImportar.Columna("Resultado")->visible = false;
   // The user's configuration folder is not there before the first run of an installed program.
-  if (!c_.arranque.ajustes) base::CrearCarpeta(c_.arranque.carpeta);
+  if (!c_.arranque.ajustes) base::CreateFolder(c_.arranque.carpeta);
   const settings::Ajustes ajustes = c_.LeerAjustes();
   if (ajustes.estado == settings::EstadoAjustes::Ilegible) {
     // The defaults in their place would write other quantities, and be stored over them at the end.
@@ -83,7 +83,7 @@ bool Inicio::PrepararVentana() {
     return false;
   }
   if (ajustes.estado == settings::EstadoAjustes::Falta)
-    base::CrearSiFalta(settings::RutaDeAjustes(c_.arranque.carpeta));
+    base::CreateIfMissing(settings::RutaDeAjustes(c_.arranque.carpeta));
   LeerOpciones(ajustes.texto);
   return true;
 }
@@ -132,23 +132,23 @@ void Inicio::LeerOpciones(std::string_view ajustes) {
 
 // The rules of the command line. False: the program ends at once.
 bool Inicio::ElegirBase(std::string_view linea) {
-  if (base::TrimVista(linea).empty()) {
-    const std::string ruta = c_.puertos.picker.AbrirArchivo("Seleccionar la base a ingresar las Horas",
-                                                            "Bases de Access (*.mdb)|*.mdb", "");
-    if (base::TrimVista(ruta).empty()) return false;
+  if (base::TrimView(linea).empty()) {
+    const std::string ruta = c_.puertos.picker.PickFile("Seleccionar la base a ingresar las Horas",
+                                                        "Bases de Access (*.mdb)|*.mdb", "");
+    if (base::TrimView(ruta).empty()) return false;
     p_.lecturas.AbrirBase(ruta);
     e_.titulo_dialogo = "Seleccionar archivo a importar";
     return true;
   }
   e_.titulo_dialogo = "Seleccionar archivo a importar";
-  const std::string texto = base::Reemplazar(linea, "\"", "");
-  if (base::Contiene(texto, "*")) {
+  const std::string texto = base::Replace(linea, "\"", "");
+  if (base::Contains(texto, "*")) {
     const auto partes = base::Split(texto, "*");
     p_.lecturas.AbrirBase(partes[0]);
     e_.txtRuta.text = partes[1];
     return true;
   }
-  if (base::ExisteArchivo(texto))
+  if (base::FileExists(texto))
     p_.lecturas.AbrirBase(texto);
   else
     c_.Avisar("Ruta de Base de Datos Inexistente");

@@ -11,7 +11,7 @@ namespace {
 // Only a base of the payroll system has the company row.
 bool NombraBaseDeLaEmpresa(std::string_view referencia) {
   for (const char* nombre : {"Personal.mdb", "Proyec.mdb", "ConfBase.cfg"})
-    if (base::Contiene(referencia, nombre, base::Comparar::SinCaso)) return true;
+    if (base::Contains(referencia, nombre, base::Compare::IgnoringCase)) return true;
   return false;
 }
 
@@ -99,11 +99,11 @@ void Lecturas::CargarTiposLiquidacion() {
 
 void Lecturas::LeerTablasUsuario() {
   e_.motivo_tablas.clear();
-  base::ErrorIgnorado("Conectar: tablas de usuario", &c_.errores, [&] {
+  base::PassOverError("Conectar: tablas de usuario", &c_.errores, [&] {
     try {
       e_.tablas.CargarTablasUsuario(base_.Sesion(), -1);
     } catch (const base::Error& e) {
-      e_.motivo_tablas = e.Descripcion();
+      e_.motivo_tablas = e.Description();
       throw;
     }
   });

@@ -72,7 +72,7 @@ void Lineas::OrdenarFilas() {
   valores.reserve(e_.filas.size());
   for (const auto& fila : e_.filas)
     valores.emplace_back(fila.campo[static_cast<std::size_t>(e_.columna_orden)]);
-  const auto orden = formula::OrdenDeColumna(valores, c_.puertos.reloj.Hoy());
+  const auto orden = formula::OrdenDeColumna(valores, c_.puertos.reloj.Today());
   std::vector<importfile::ImportRow> ordenadas;
   ordenadas.reserve(e_.filas.size());
   for (const std::size_t i : orden) ordenadas.push_back(std::move(e_.filas[i]));

@@ -24,7 +24,7 @@ class Programa {
 
   const Estado& Ver() const { return c_.estado; }
   const sesion::DbSession& Sesion() const { return base_.Sesion(); }
-  const base::SumideroErrores& Errores() const { return c_.errores; }
+  const base::ErrorSink& Errores() const { return c_.errores; }
   Barra& BarraDeProgreso() { return c_.barra; }
   // Called when anything that a window draws may have changed.
   void AlCambiar(std::function<void()> llamar) { c_.al_cambiar = std::move(llamar); }

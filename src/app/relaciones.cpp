@@ -80,7 +80,7 @@ void Relaciones::QuitarRelacion() {
 }
 
 void Relaciones::cbColor_Click() {
-  e_.cbColor = c_.puertos.picker.ElegirColor(e_.cbColor);
+  e_.cbColor = c_.puertos.picker.PickColor(e_.cbColor);
   c_.Cambio();
 }
 

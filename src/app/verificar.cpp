@@ -7,15 +7,15 @@ namespace app {
 
 Verificacion VerificarArchivo(const std::string& ruta) {
   Verificacion v;
-  if (!base::ExisteArchivo(ruta)) return {Acceso::NoExiste, "El archivo '" + ruta + "' no existe", {}};
+  if (!base::FileExists(ruta)) return {Acceso::NoExiste, "El archivo '" + ruta + "' no existe", {}};
   try {
-    const auto paginas = mdb::PaginasDeArchivo::Abrir(ruta, true);
-    if (paginas->Cab().cifrado_ajeno)
+    const auto paginas = mdb::DiskPages::Open(ruta, true);
+    if (paginas->Header().foreign_encryption)
       return {Acceso::NoSeLee, "La base está cifrada con una contraseña de Access 2007 o posterior", {}};
-    v.informe = mdb::Verificar(*paginas);
+    v.informe = mdb::Verify(*paginas);
   } catch (const base::Error& e) {
     v.acceso = Acceso::NoSeLee;
-    v.motivo = e.Descripcion();
+    v.motivo = e.Description();
   }
   return v;
 }

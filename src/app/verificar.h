@@ -12,7 +12,7 @@ enum class Acceso { Bien, NoExiste, NoSeLee };
 struct Verificacion {
   Acceso acceso = Acceso::Bien;
   std::string motivo;  // why it could not be read, in Spanish
-  mdb::Informe informe;
+  mdb::Report informe;
 };
 
 // Opens the file for reading and checks all of it; its password does not matter. Never throws for what a file

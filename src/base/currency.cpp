@@ -6,12 +6,12 @@
 
 namespace base {
 
-Moneda CurrencyOf(double units) {
+Currency CurrencyOf(double units) {
   constexpr double kLast = 922337203685477.5807;
   using Limits = std::numeric_limits<std::int64_t>;
   if (units == kLast) return {Limits::max()};
   if (units == -kLast) return {Limits::min()};
-  return {EnteroBancario(units * 10000.0)};
+  return {BankersInteger(units * 10000.0)};
 }
 
 }  // namespace base

@@ -1,12 +1,12 @@
 // Numbers to currencies.
 #pragma once
 
-#include "base/valor.h"
+#include "base/value.h"
 
 namespace base {
 
 // The currency nearest to a number of units, halves of a ten-thousandth to even. As doubles the ends of the
 // range lie a little outside of it: they give the first and the last currency. Throws Error 6 beyond them.
-Moneda CurrencyOf(double units);
+Currency CurrencyOf(double units);
 
 }  // namespace base

@@ -5,22 +5,22 @@
 
 namespace base::internal {
 
-constexpr long long kDiaMinimo = -657434;  // 0100-01-01
-constexpr long long kDiaMaximo = 2958465;  // 9999-12-31
-constexpr long long kSegundosDia = 86400;
+constexpr long long kMinDay = -657434;  // 0100-01-01
+constexpr long long kMaxDay = 2958465;  // 9999-12-31
+constexpr long long kSecondsPerDay = 86400;
 
 // A serial taken apart: the calendar day (0 = 1899-12-30) and the second of the day.
-struct DiaSegundo {
-  long long dia = 0;
-  long long segundo = 0;
+struct DaySecond {
+  long long day = 0;
+  long long second = 0;
 };
-DiaSegundo Separar(Fecha fecha);
+DaySecond SplitDate(Date date);
 // Throws Error 5 out of range.
-Fecha Unir(long long dia, double fraccion);
+Date JoinDate(long long day, double fraction);
 
-bool EsBisiesto(long long anio);
-int DiasDelMes(long long anio, int mes);
-long long DiaDe(long long anio, int mes, int dia);  // of an existing date
-int AnioCompleto(int anio);                         // 0-29 are 20xx, 30-99 are 19xx
+bool IsLeapYear(long long year);
+int DaysInMonth(long long year, int month);
+long long DayOf(long long year, int month, int day);  // of an existing date
+int FullYear(int year);                               // 0-29 are 20xx, 30-99 are 19xx
 
 }  // namespace base::internal

@@ -12,190 +12,190 @@
 namespace base {
 namespace {
 
-using internal::DiaSegundo;
-using internal::kSegundosDia;
+using internal::DaySecond;
+using internal::kSecondsPerDay;
 
-enum class Intervalo { Anio, Trimestre, Mes, DiaDelAnio, Dia, DiaSemana, Semana, Hora, Minuto, Segundo };
+enum class Interval { Year, Quarter, Month, DayOfYear, Day, Weekday, Week, Hour, Minute, Second };
 
-Intervalo LeerIntervalo(std::string_view texto) {
-  struct Nombre {
-    std::string_view texto;
-    Intervalo intervalo;
+Interval ReadInterval(std::string_view text) {
+  struct Name {
+    std::string_view text;
+    Interval interval;
   };
-  constexpr std::array<Nombre, 10> kNombres = {{{"yyyy", Intervalo::Anio},
-                                                {"q", Intervalo::Trimestre},
-                                                {"m", Intervalo::Mes},
-                                                {"y", Intervalo::DiaDelAnio},
-                                                {"d", Intervalo::Dia},
-                                                {"w", Intervalo::DiaSemana},
-                                                {"ww", Intervalo::Semana},
-                                                {"h", Intervalo::Hora},
-                                                {"n", Intervalo::Minuto},
-                                                {"s", Intervalo::Segundo}}};
-  for (const auto& n : kNombres)
-    if (n.texto.size() == texto.size() && IgualSinCaso(n.texto, texto)) return n.intervalo;
-  throw Error(DescripcionDeError(5), 5);
+  constexpr std::array<Name, 10> kNames = {{{"yyyy", Interval::Year},
+                                            {"q", Interval::Quarter},
+                                            {"m", Interval::Month},
+                                            {"y", Interval::DayOfYear},
+                                            {"d", Interval::Day},
+                                            {"w", Interval::Weekday},
+                                            {"ww", Interval::Week},
+                                            {"h", Interval::Hour},
+                                            {"n", Interval::Minute},
+                                            {"s", Interval::Second}}};
+  for (const auto& n : kNames)
+    if (n.text.size() == text.size() && EqualIgnoringCase(n.text, text)) return n.interval;
+  throw Error(ErrorDescription(5), 5);
 }
 
 // Bounds that keep the sums of days and seconds inside 64 bits.
-constexpr long long kCantidadMaxima = 400000000000LL;
+constexpr long long kMaxCount = 400000000000LL;
 
 // To the same day of another month, or to its last one.
-Fecha SumarMeses(Fecha fecha, long long meses) {
-  const PartesFecha p = Partes(fecha);
-  const long long total = p.anio * 12LL + p.mes - 1 + meses;
-  if (total < 100 * 12 || total >= 10000 * 12) throw Error(DescripcionDeError(5), 5);
-  const long long anio = total / 12;
-  const int mes = static_cast<int>(total % 12) + 1;
-  const int ultimo = internal::DiasDelMes(anio, mes);
-  const double fraccion = std::abs(fecha.serie - std::trunc(fecha.serie));
-  const bool casi_medianoche =
-      fraccion != 0 && internal::Separar(fecha).dia != static_cast<long long>(fecha.serie);
-  return internal::Unir(internal::DiaDe(anio, mes, p.dia < ultimo ? p.dia : ultimo),
-                        casi_medianoche ? 0 : fraccion);
+Date AddMonths(Date date, long long months) {
+  const DateParts p = PartsOf(date);
+  const long long total = p.year * 12LL + p.month - 1 + months;
+  if (total < 100 * 12 || total >= 10000 * 12) throw Error(ErrorDescription(5), 5);
+  const long long year = total / 12;
+  const int month = static_cast<int>(total % 12) + 1;
+  const int last = internal::DaysInMonth(year, month);
+  const double fraction = std::abs(date.serial - std::trunc(date.serial));
+  const bool near_midnight =
+      fraction != 0 && internal::SplitDate(date).day != static_cast<long long>(date.serial);
+  return internal::JoinDate(internal::DayOf(year, month, p.day < last ? p.day : last),
+                            near_midnight ? 0 : fraction);
 }
 
-Fecha SumarDias(Fecha fecha, long long dias) {
-  const double entero = std::trunc(fecha.serie);
-  return internal::Unir(static_cast<long long>(entero) + dias, std::abs(fecha.serie - entero));
+Date AddDays(Date date, long long days) {
+  const double integer = std::trunc(date.serial);
+  return internal::JoinDate(static_cast<long long>(integer) + days, std::abs(date.serial - integer));
 }
 
-Fecha SumarSegundos(Fecha fecha, long long segundos) {
-  const DiaSegundo ds = internal::Separar(fecha);
-  const long long total = ds.dia * kSegundosDia + ds.segundo + segundos;
-  long long dia = total / kSegundosDia;
-  if (total % kSegundosDia < 0) --dia;
-  return internal::Unir(dia,
-                        static_cast<double>(total - dia * kSegundosDia) / static_cast<double>(kSegundosDia));
+Date AddSeconds(Date date, long long seconds) {
+  const DaySecond ds = internal::SplitDate(date);
+  const long long total = ds.day * kSecondsPerDay + ds.second + seconds;
+  long long day = total / kSecondsPerDay;
+  if (total % kSecondsPerDay < 0) --day;
+  return internal::JoinDate(
+      day, static_cast<double>(total - day * kSecondsPerDay) / static_cast<double>(kSecondsPerDay));
 }
 
-// The day on which the week of `dia` began; `primer_dia` 0 is the system's, Monday.
-long long InicioSemana(long long dia, int primer_dia) {
-  const int primero = primer_dia == 0 ? 2 : primer_dia;
-  if (primero < 1 || primero > 7) throw Error(DescripcionDeError(5), 5);
-  const long long pasados = (DiaSemana({static_cast<double>(dia)}) - primero + 7) % 7;
-  return dia - pasados;
+// The day on which the week of `day` began; `first_day` 0 is the system's, Monday.
+long long WeekStart(long long day, int first_day) {
+  const int first = first_day == 0 ? 2 : first_day;
+  if (first < 1 || first > 7) throw Error(ErrorDescription(5), 5);
+  const long long elapsed = (Weekday({static_cast<double>(day)}) - first + 7) % 7;
+  return day - elapsed;
 }
 
 // First day of week 1 of a year: the week of 1 January (1, and 0 the system's), the first one with four days
 // of the year (2), the first whole one (3).
-long long InicioPrimeraSemana(long long anio, int primer_dia, int primera_semana) {
-  const long long enero1 = internal::DiaDe(anio, 1, 1);
-  const long long inicio = InicioSemana(enero1, primer_dia);
-  const long long fuera = enero1 - inicio;  // days of that week that belong to the year before
-  switch (primera_semana) {
+long long FirstWeekStart(long long year, int first_day, int first_week) {
+  const long long january1 = internal::DayOf(year, 1, 1);
+  const long long start = WeekStart(january1, first_day);
+  const long long outside = january1 - start;  // days of that week that belong to the year before
+  switch (first_week) {
     case 0:
     case 1:
-      return inicio;
+      return start;
     case 2:
-      return fuera > 3 ? inicio + 7 : inicio;
+      return outside > 3 ? start + 7 : start;
     case 3:
-      return fuera > 0 ? inicio + 7 : inicio;
+      return outside > 0 ? start + 7 : start;
     default:
-      throw Error(DescripcionDeError(5), 5);
+      throw Error(ErrorDescription(5), 5);
   }
 }
 
-int Semana(long long dia, int anio, int primer_dia, int primera_semana) {
-  long long inicio = InicioPrimeraSemana(anio, primer_dia, primera_semana);
-  if (dia < inicio) inicio = InicioPrimeraSemana(anio - 1, primer_dia, primera_semana);
+int Week(long long day, int year, int first_day, int first_week) {
+  long long start = FirstWeekStart(year, first_day, first_week);
+  if (day < start) start = FirstWeekStart(year - 1, first_day, first_week);
   // The last days of December belong to week 1 of the next year only when weeks are not cut at the year.
-  if (primera_semana > 1) {
-    const long long siguiente = InicioPrimeraSemana(anio + 1, primer_dia, primera_semana);
-    if (dia >= siguiente) inicio = siguiente;
+  if (first_week > 1) {
+    const long long next = FirstWeekStart(year + 1, first_day, first_week);
+    if (day >= next) start = next;
   }
-  return static_cast<int>((dia - inicio) / 7) + 1;
+  return static_cast<int>((day - start) / 7) + 1;
 }
 
 }  // namespace
 
-Fecha DateAdd(std::string_view intervalo, double cantidad, Fecha fecha) {
-  const Intervalo que = LeerIntervalo(intervalo);
-  const long long n = EnteroBancario(cantidad);
-  if (n > kCantidadMaxima || n < -kCantidadMaxima) throw Error(DescripcionDeError(5), 5);
-  switch (que) {
-    case Intervalo::Anio:
-      return SumarMeses(fecha, n * 12);
-    case Intervalo::Trimestre:
-      return SumarMeses(fecha, n * 3);
-    case Intervalo::Mes:
-      return SumarMeses(fecha, n);
-    case Intervalo::DiaDelAnio:
-    case Intervalo::Dia:
-    case Intervalo::DiaSemana:
-      return SumarDias(fecha, n);
-    case Intervalo::Semana:
-      return SumarDias(fecha, n * 7);
-    case Intervalo::Hora:
-      return SumarSegundos(fecha, n * 3600);
-    case Intervalo::Minuto:
-      return SumarSegundos(fecha, n * 60);
-    case Intervalo::Segundo:
+Date DateAdd(std::string_view interval, double count, Date date) {
+  const Interval what = ReadInterval(interval);
+  const long long n = BankersInteger(count);
+  if (n > kMaxCount || n < -kMaxCount) throw Error(ErrorDescription(5), 5);
+  switch (what) {
+    case Interval::Year:
+      return AddMonths(date, n * 12);
+    case Interval::Quarter:
+      return AddMonths(date, n * 3);
+    case Interval::Month:
+      return AddMonths(date, n);
+    case Interval::DayOfYear:
+    case Interval::Day:
+    case Interval::Weekday:
+      return AddDays(date, n);
+    case Interval::Week:
+      return AddDays(date, n * 7);
+    case Interval::Hour:
+      return AddSeconds(date, n * 3600);
+    case Interval::Minute:
+      return AddSeconds(date, n * 60);
+    case Interval::Second:
       break;
   }
-  return SumarSegundos(fecha, n);
+  return AddSeconds(date, n);
 }
 
-long long DateDiff(std::string_view intervalo, Fecha desde, Fecha hasta, int primer_dia, int) {
-  const Intervalo que = LeerIntervalo(intervalo);
-  const PartesFecha a = Partes(desde), b = Partes(hasta);
-  const DiaSegundo da = internal::Separar(desde), db = internal::Separar(hasta);
-  const long long dias = db.dia - da.dia;
-  const auto cruces = [&](long long segundos) {
-    return (dias * kSegundosDia + db.segundo - db.segundo % segundos - (da.segundo - da.segundo % segundos)) /
-           segundos;
+long long DateDiff(std::string_view interval, Date from, Date to, int first_day, int) {
+  const Interval what = ReadInterval(interval);
+  const DateParts a = PartsOf(from), b = PartsOf(to);
+  const DaySecond da = internal::SplitDate(from), db = internal::SplitDate(to);
+  const long long days = db.day - da.day;
+  const auto crossings = [&](long long seconds) {
+    return (days * kSecondsPerDay + db.second - db.second % seconds - (da.second - da.second % seconds)) /
+           seconds;
   };
-  switch (que) {
-    case Intervalo::Anio:
-      return b.anio - a.anio;
-    case Intervalo::Trimestre:
-      return (b.anio - a.anio) * 4LL + (b.mes - 1) / 3 - (a.mes - 1) / 3;
-    case Intervalo::Mes:
-      return (b.anio - a.anio) * 12LL + b.mes - a.mes;
-    case Intervalo::DiaDelAnio:
-    case Intervalo::Dia:
-      return dias;
-    case Intervalo::DiaSemana:
-      return dias / 7;
-    case Intervalo::Semana:
-      return (InicioSemana(db.dia, primer_dia) - InicioSemana(da.dia, primer_dia)) / 7;
-    case Intervalo::Hora:
-      return cruces(3600);
-    case Intervalo::Minuto:
-      return cruces(60);
-    case Intervalo::Segundo:
+  switch (what) {
+    case Interval::Year:
+      return b.year - a.year;
+    case Interval::Quarter:
+      return (b.year - a.year) * 4LL + (b.month - 1) / 3 - (a.month - 1) / 3;
+    case Interval::Month:
+      return (b.year - a.year) * 12LL + b.month - a.month;
+    case Interval::DayOfYear:
+    case Interval::Day:
+      return days;
+    case Interval::Weekday:
+      return days / 7;
+    case Interval::Week:
+      return (WeekStart(db.day, first_day) - WeekStart(da.day, first_day)) / 7;
+    case Interval::Hour:
+      return crossings(3600);
+    case Interval::Minute:
+      return crossings(60);
+    case Interval::Second:
       break;
   }
-  return cruces(1);
+  return crossings(1);
 }
 
-int DatePart(std::string_view intervalo, Fecha fecha, int primer_dia, int primera_semana) {
-  const Intervalo que = LeerIntervalo(intervalo);
-  const PartesFecha p = Partes(fecha);
-  const long long dia = internal::Separar(fecha).dia;
-  switch (que) {
-    case Intervalo::Anio:
-      return p.anio;
-    case Intervalo::Trimestre:
-      return (p.mes - 1) / 3 + 1;
-    case Intervalo::Mes:
-      return p.mes;
-    case Intervalo::DiaDelAnio:
-      return static_cast<int>(dia - internal::DiaDe(p.anio, 1, 1)) + 1;
-    case Intervalo::Dia:
-      return p.dia;
-    case Intervalo::DiaSemana:
-      return static_cast<int>(dia - InicioSemana(dia, primer_dia)) + 1;
-    case Intervalo::Semana:
-      return Semana(dia, p.anio, primer_dia, primera_semana);
-    case Intervalo::Hora:
-      return p.hora;
-    case Intervalo::Minuto:
-      return p.minuto;
-    case Intervalo::Segundo:
+int DatePart(std::string_view interval, Date date, int first_day, int first_week) {
+  const Interval what = ReadInterval(interval);
+  const DateParts p = PartsOf(date);
+  const long long day = internal::SplitDate(date).day;
+  switch (what) {
+    case Interval::Year:
+      return p.year;
+    case Interval::Quarter:
+      return (p.month - 1) / 3 + 1;
+    case Interval::Month:
+      return p.month;
+    case Interval::DayOfYear:
+      return static_cast<int>(day - internal::DayOf(p.year, 1, 1)) + 1;
+    case Interval::Day:
+      return p.day;
+    case Interval::Weekday:
+      return static_cast<int>(day - WeekStart(day, first_day)) + 1;
+    case Interval::Week:
+      return Week(day, p.year, first_day, first_week);
+    case Interval::Hour:
+      return p.hour;
+    case Interval::Minute:
+      return p.minute;
+    case Interval::Second:
       break;
   }
-  return p.segundo;
+  return p.second;
 }
 
 }  // namespace base

@@ -11,237 +11,239 @@
 namespace base {
 namespace {
 
-using internal::EsDigito;
+using internal::IsDigit;
 
-struct Numero {
-  int valor = 0;
-  int cifras = 0;
+struct Number {
+  int value = 0;
+  int digits = 0;
 };
 
-struct Piezas {
-  std::vector<Numero> numeros;  // of the date, in their order
-  int mes = 0;                  // by its name
-  bool hay_hora = false;
-  long long segundo = 0;
+struct Pieces {
+  std::vector<Number> numbers;  // of the date, in their order
+  int month = 0;                // by its name
+  bool has_time = false;
+  long long second = 0;
 };
 
-enum class Franja { Ninguna, Am, Pm };
+enum class DayHalf { None, Am, Pm };
 
 // The languages a month may be written in.
-struct Palabras {
+struct Words {
   const Locale* principal;
-  const Locale* otro;  // may be null
+  const Locale* other;  // may be null
 };
 
-class Lector {
+class Reader {
  public:
-  Lector(std::string_view texto, Palabras palabras) : resto_(texto), palabras_(palabras) {}
+  Reader(std::string_view text, Words words) : rest_(text), words_(words) {}
 
-  bool Leer(Piezas& piezas) {
-    SaltarBlancos();
-    if (resto_.empty()) return false;
-    while (!resto_.empty()) {
-      const bool habia_hora = piezas.hay_hora;
-      const bool leido = EsDigito(resto_[0]) ? LeerNumeroUHora(piezas) : LeerPalabra(piezas);
-      if (!leido) return false;
-      const bool es_hora = piezas.hay_hora != habia_hora;
-      if (!es_hora && fecha_cerrada_) return false;
-      const char antes = separador_;
-      separador_ = LeerSeparador();
+  bool Read(Pieces& pieces) {
+    SkipBlanks();
+    if (rest_.empty()) return false;
+    while (!rest_.empty()) {
+      const bool had_time = pieces.has_time;
+      const bool read = IsDigit(rest_[0]) ? ReadNumberOrTime(pieces) : ReadWord(pieces);
+      if (!read) return false;
+      const bool is_time = pieces.has_time != had_time;
+      if (!is_time && date_closed_) return false;
+      const char before = separator_;
+      separator_ = ReadSeparator();
       // Only a blank or a comma parts a time from a date.
-      if (es_hora && (EsSignoDeFecha(antes) || EsSignoDeFecha(separador_))) return false;
+      if (is_time && (IsDateSign(before) || IsDateSign(separator_))) return false;
     }
-    return separador_ == ' ';
+    return separator_ == ' ';
   }
 
  private:
-  void SaltarBlancos() {
-    while (!resto_.empty() && (resto_[0] == ' ' || (resto_[0] >= '\t' && resto_[0] <= '\r')))
-      resto_.remove_prefix(1);
+  void SkipBlanks() {
+    while (!rest_.empty() && (rest_[0] == ' ' || (rest_[0] >= '\t' && rest_[0] <= '\r')))
+      rest_.remove_prefix(1);
   }
 
-  static bool EsSignoDeFecha(char c) { return c == '/' || c == '-'; }
+  static bool IsDateSign(char c) { return c == '/' || c == '-'; }
 
   // Blanks and at most one sign among them: that sign, or ' '.
-  char LeerSeparador() {
-    SaltarBlancos();
-    if (resto_.empty() || (!EsSignoDeFecha(resto_[0]) && resto_[0] != ',')) return ' ';
-    const char signo = resto_[0];
-    resto_.remove_prefix(1);
-    SaltarBlancos();
-    return signo;
+  char ReadSeparator() {
+    SkipBlanks();
+    if (rest_.empty() || (!IsDateSign(rest_[0]) && rest_[0] != ',')) return ' ';
+    const char sign = rest_[0];
+    rest_.remove_prefix(1);
+    SkipBlanks();
+    return sign;
   }
 
-  bool LeerNumero(Numero& n) {
+  bool ReadNumber(Number& n) {
     n = {};
-    for (; !resto_.empty() && EsDigito(resto_[0]); resto_.remove_prefix(1)) {
-      if (++n.cifras > 5) return false;
-      n.valor = n.valor * 10 + (resto_[0] - '0');
+    for (; !rest_.empty() && IsDigit(rest_[0]); rest_.remove_prefix(1)) {
+      if (++n.digits > 5) return false;
+      n.value = n.value * 10 + (rest_[0] - '0');
     }
-    return n.cifras > 0;
+    return n.digits > 0;
   }
 
-  bool ConsumirFranja(Franja& franja) {
+  bool ConsumeDayHalf(DayHalf& day_half) {
     const struct {
-      std::string_view texto;
-      Franja franja;
-    } kFormas[] = {{"a. m.", Franja::Am}, {"p. m.", Franja::Pm}, {"a.m.", Franja::Am}, {"p.m.", Franja::Pm},
-                   {"am", Franja::Am},    {"pm", Franja::Pm},    {"a", Franja::Am},    {"p", Franja::Pm}};
-    for (const auto& f : kFormas) {
-      if (!EmpiezaCon(resto_, f.texto, Comparar::SinCaso)) continue;
-      const std::string_view detras = resto_.substr(f.texto.size());
-      if (!detras.empty() && EsLetra(detras[0])) continue;
-      resto_ = detras;
-      franja = f.franja;
+      std::string_view text;
+      DayHalf day_half;
+    } kForms[] = {{"a. m.", DayHalf::Am}, {"p. m.", DayHalf::Pm}, {"a.m.", DayHalf::Am},
+                  {"p.m.", DayHalf::Pm},  {"am", DayHalf::Am},    {"pm", DayHalf::Pm},
+                  {"a", DayHalf::Am},     {"p", DayHalf::Pm}};
+    for (const auto& f : kForms) {
+      if (!StartsWith(rest_, f.text, Compare::IgnoringCase)) continue;
+      const std::string_view behind = rest_.substr(f.text.size());
+      if (!behind.empty() && IsLetter(behind[0])) continue;
+      rest_ = behind;
+      day_half = f.day_half;
       return true;
     }
     return false;
   }
 
-  static bool EsLetra(char c) {
-    const char m = internal::MinAscii(c);
+  static bool IsLetter(char c) {
+    const char m = internal::LowerAscii(c);
     return (m >= 'a' && m <= 'z') || static_cast<unsigned char>(c) >= 0x80;
   }
 
   // am/pm right after a time or a single number; it says nothing once the hour is above 12.
-  static int HoraConFranja(int hora, Franja franja) {
-    if (franja == Franja::Pm && hora < 12) return hora + 12;
-    return franja == Franja::Am && hora == 12 ? 0 : hora;
+  static int HourWithDayHalf(int hour, DayHalf day_half) {
+    if (day_half == DayHalf::Pm && hour < 12) return hour + 12;
+    return day_half == DayHalf::Am && hour == 12 ? 0 : hour;
   }
 
-  bool LeerNumeroUHora(Piezas& piezas) {
-    Numero n;
-    if (!LeerNumero(n)) return false;
-    Numero partes[3] = {n, {}, {}};
-    int cuantas = 1;
-    for (; !resto_.empty() && (resto_[0] == ':' || resto_[0] == '.'); ++cuantas) {
-      resto_.remove_prefix(1);
-      if (cuantas == 3 || !LeerNumero(partes[cuantas])) return false;
+  bool ReadNumberOrTime(Pieces& pieces) {
+    Number n;
+    if (!ReadNumber(n)) return false;
+    Number parts[3] = {n, {}, {}};
+    int count = 1;
+    for (; !rest_.empty() && (rest_[0] == ':' || rest_[0] == '.'); ++count) {
+      rest_.remove_prefix(1);
+      if (count == 3 || !ReadNumber(parts[count])) return false;
     }
-    const std::string_view antes = resto_;
-    SaltarBlancos();
-    Franja franja = Franja::Ninguna;
-    if (!ConsumirFranja(franja)) resto_ = antes;
-    if (cuantas == 1 && franja == Franja::Ninguna) {
-      piezas.numeros.push_back(n);
+    const std::string_view before = rest_;
+    SkipBlanks();
+    DayHalf day_half = DayHalf::None;
+    if (!ConsumeDayHalf(day_half)) rest_ = before;
+    if (count == 1 && day_half == DayHalf::None) {
+      pieces.numbers.push_back(n);
       return true;
     }
-    const int hora = HoraConFranja(n.valor, franja);
-    if (piezas.hay_hora || n.valor > 23 || partes[1].valor > 59 || partes[2].valor > 59) return false;
+    const int hour = HourWithDayHalf(n.value, day_half);
+    if (pieces.has_time || n.value > 23 || parts[1].value > 59 || parts[2].value > 59) return false;
     // A time stands before or behind the date, never inside it.
-    fecha_cerrada_ = !piezas.numeros.empty() || piezas.mes != 0;
-    piezas.hay_hora = true;
-    piezas.segundo = hora * 3600LL + partes[1].valor * 60LL + partes[2].valor;
+    date_closed_ = !pieces.numbers.empty() || pieces.month != 0;
+    pieces.has_time = true;
+    pieces.second = hour * 3600LL + parts[1].value * 60LL + parts[2].value;
     return true;
   }
 
-  bool LeerPalabra(Piezas& piezas) {
-    std::size_t largo = 0;
-    while (largo < resto_.size() && EsLetra(resto_[largo])) ++largo;
-    if (largo == 0 || piezas.mes != 0) return false;
-    const std::string_view palabra = resto_.substr(0, largo);
-    piezas.mes = MesDe(palabra, *palabras_.principal);
-    if (piezas.mes == 0 && palabras_.otro != nullptr) piezas.mes = MesDe(palabra, *palabras_.otro);
-    resto_.remove_prefix(largo);
-    return piezas.mes != 0;
+  bool ReadWord(Pieces& pieces) {
+    std::size_t length = 0;
+    while (length < rest_.size() && IsLetter(rest_[length])) ++length;
+    if (length == 0 || pieces.month != 0) return false;
+    const std::string_view word = rest_.substr(0, length);
+    pieces.month = MonthOf(word, *words_.principal);
+    if (pieces.month == 0 && words_.other != nullptr) pieces.month = MonthOf(word, *words_.other);
+    rest_.remove_prefix(length);
+    return pieces.month != 0;
   }
 
-  static int MesDe(std::string_view palabra, const Locale& locale) {
+  static int MonthOf(std::string_view word, const Locale& locale) {
     for (std::size_t m = 0; m < 12; ++m)
-      if (IgualSinCaso(palabra, locale.meses[m]) || IgualSinCaso(palabra, locale.meses_cortos[m]))
+      if (EqualIgnoringCase(word, locale.months[m]) || EqualIgnoringCase(word, locale.short_months[m]))
         return static_cast<int>(m) + 1;
-    return IgualSinCaso(palabra, "sept") ? 9 : 0;
+    return EqualIgnoringCase(word, "sept") ? 9 : 0;
   }
 
-  std::string_view resto_;
-  Palabras palabras_;
-  char separador_ = ' ';        // what was read last between two pieces
-  bool fecha_cerrada_ = false;  // a time followed the date: no more of the date may come
+  std::string_view rest_;
+  Words words_;
+  char separator_ = ' ';      // what was read last between two pieces
+  bool date_closed_ = false;  // a time followed the date: no more of the date may come
 };
 
 // A number above 31 or written with four digits can only be a year.
-bool SoloAnio(const Numero& n) { return n.valor > 31 || n.cifras > 3; }
+bool YearOnly(const Number& n) { return n.value > 31 || n.digits > 3; }
 
-std::optional<long long> Dia(int anio, const Numero& mes, const Numero& dia) {
-  if (SoloAnio(mes) || SoloAnio(dia) || mes.valor < 1 || mes.valor > 12) return std::nullopt;
-  if (anio < 100 || anio > 9999) return std::nullopt;
-  if (dia.valor < 1 || dia.valor > internal::DiasDelMes(anio, mes.valor)) return std::nullopt;
-  return internal::DiaDe(anio, mes.valor, dia.valor);
+std::optional<long long> Day(int year, const Number& month, const Number& day) {
+  if (YearOnly(month) || YearOnly(day) || month.value < 1 || month.value > 12) return std::nullopt;
+  if (year < 100 || year > 9999) return std::nullopt;
+  if (day.value < 1 || day.value > internal::DaysInMonth(year, month.value)) return std::nullopt;
+  return internal::DayOf(year, month.value, day.value);
 }
 
-std::optional<long long> Dia(const Numero& anio, const Numero& mes, const Numero& dia) {
-  return Dia(internal::AnioCompleto(anio.valor), mes, dia);
+std::optional<long long> Day(const Number& year, const Number& month, const Number& day) {
+  return Day(internal::FullYear(year.value), month, day);
 }
 
-constexpr Numero kPrimero{1, 1};
+constexpr Number kFirst{1, 1};
 
-std::optional<long long> DeDosNumeros(const Numero& a, const Numero& b, int anio_actual, OrdenFecha orden) {
-  const bool dia_primero = orden == OrdenFecha::DiaMesAnio;
-  if (const auto d = dia_primero ? Dia(anio_actual, b, a) : Dia(anio_actual, a, b)) return d;
-  if (const auto d = dia_primero ? Dia(anio_actual, a, b) : Dia(anio_actual, b, a)) return d;
+std::optional<long long> FromTwoNumbers(const Number& a, const Number& b, int current_year, DateOrder order) {
+  const bool day_first = order == DateOrder::DayMonthYear;
+  if (const auto d = day_first ? Day(current_year, b, a) : Day(current_year, a, b)) return d;
+  if (const auto d = day_first ? Day(current_year, a, b) : Day(current_year, b, a)) return d;
   // Month and year, whichever of the two can be the month.
-  if (const auto d = Dia(b, a, kPrimero)) return d;
-  return Dia(a, b, kPrimero);
+  if (const auto d = Day(b, a, kFirst)) return d;
+  return Day(a, b, kFirst);
 }
 
-std::optional<long long> DeTresNumeros(const Numero& a, const Numero& b, const Numero& c, OrdenFecha orden) {
-  const auto dma = [&] { return Dia(c, b, a); };
-  const auto mda = [&] { return Dia(c, a, b); };
-  const bool dia_primero = orden == OrdenFecha::DiaMesAnio;
-  if (const auto d = dia_primero ? dma() : mda()) return d;
-  if (const auto d = Dia(a, b, c)) return d;  // year, month, day
-  if (const auto d = Dia(a, c, b)) return d;  // year, day, month
-  if (const auto d = dia_primero ? mda() : dma()) return d;
-  return Dia(b, a, c);  // month, year, day
+std::optional<long long> FromThreeNumbers(const Number& a, const Number& b, const Number& c,
+                                          DateOrder order) {
+  const auto dmy = [&] { return Day(c, b, a); };
+  const auto mdy = [&] { return Day(c, a, b); };
+  const bool day_first = order == DateOrder::DayMonthYear;
+  if (const auto d = day_first ? dmy() : mdy()) return d;
+  if (const auto d = Day(a, b, c)) return d;  // year, month, day
+  if (const auto d = Day(a, c, b)) return d;  // year, day, month
+  if (const auto d = day_first ? mdy() : dmy()) return d;
+  return Day(b, a, c);  // month, year, day
 }
 
-std::optional<long long> DiaDePiezas(const Piezas& p, int anio_actual, OrdenFecha orden) {
-  const auto& n = p.numeros;
-  if (p.mes != 0) {
-    const Numero mes{p.mes, 1};
+std::optional<long long> DayFromPieces(const Pieces& p, int current_year, DateOrder order) {
+  const auto& n = p.numbers;
+  if (p.month != 0) {
+    const Number month{p.month, 1};
     if (n.size() == 1) {
-      if (const auto d = Dia(anio_actual, mes, n[0])) return d;
-      return Dia(n[0], mes, kPrimero);
+      if (const auto d = Day(current_year, month, n[0])) return d;
+      return Day(n[0], month, kFirst);
     }
     if (n.size() != 2) return std::nullopt;
-    if (const auto d = Dia(n[1], mes, n[0])) return d;
-    return Dia(n[0], mes, n[1]);
+    if (const auto d = Day(n[1], month, n[0])) return d;
+    return Day(n[0], month, n[1]);
   }
-  if (n.size() == 2) return DeDosNumeros(n[0], n[1], anio_actual, orden);
-  if (n.size() == 3) return DeTresNumeros(n[0], n[1], n[2], orden);
+  if (n.size() == 2) return FromTwoNumbers(n[0], n[1], current_year, order);
+  if (n.size() == 3) return FromThreeNumbers(n[0], n[1], n[2], order);
   return std::nullopt;
 }
 
-std::optional<Fecha> Leer(std::string_view texto, Fecha hoy, OrdenFecha orden, Palabras palabras) {
-  Piezas piezas;
-  if (!Lector(texto, palabras).Leer(piezas)) return std::nullopt;
-  long long dia = 0;
-  if (!piezas.numeros.empty() || piezas.mes != 0) {
-    const auto leido = DiaDePiezas(piezas, Partes(hoy).anio, orden);
-    if (!leido) return std::nullopt;
-    dia = *leido;
+std::optional<Date> Read(std::string_view text, Date today, DateOrder order, Words words) {
+  Pieces pieces;
+  if (!Reader(text, words).Read(pieces)) return std::nullopt;
+  long long day = 0;
+  if (!pieces.numbers.empty() || pieces.month != 0) {
+    const auto read = DayFromPieces(pieces, PartsOf(today).year, order);
+    if (!read) return std::nullopt;
+    day = *read;
   }
-  return internal::Unir(dia,
-                        static_cast<double>(piezas.segundo) / static_cast<double>(internal::kSegundosDia));
+  return internal::JoinDate(
+      day, static_cast<double>(pieces.second) / static_cast<double>(internal::kSecondsPerDay));
 }
 
 }  // namespace
 
-std::optional<Fecha> FechaDeTexto(std::string_view texto, Fecha hoy, const Locale& locale) {
-  if (const auto fecha = Leer(texto, hoy, locale.orden, {&locale, nullptr})) return fecha;
-  const auto serie = DialectNumber(texto, locale);
-  if (!serie || *serie <= static_cast<double>(internal::kDiaMinimo) - 1 ||
-      *serie >= static_cast<double>(internal::kDiaMaximo) + 1)
+std::optional<Date> DateFromText(std::string_view text, Date today, const Locale& locale) {
+  if (const auto date = Read(text, today, locale.order, {&locale, nullptr})) return date;
+  const auto serial = DialectNumber(text, locale);
+  if (!serial || *serial <= static_cast<double>(internal::kMinDay) - 1 ||
+      *serial >= static_cast<double>(internal::kMaxDay) + 1)
     return std::nullopt;
-  return Fecha{*serie};
+  return Date{*serial};
 }
 
-bool EsFecha(std::string_view texto, Fecha hoy, const Locale& locale) {
-  return Leer(texto, hoy, locale.orden, {&locale, nullptr}).has_value();
+bool IsDate(std::string_view text, Date today, const Locale& locale) {
+  return Read(text, today, locale.order, {&locale, nullptr}).has_value();
 }
 
-std::optional<Fecha> FechaDeLiteral(std::string_view texto, Fecha hoy) {
-  return Leer(texto, hoy, OrdenFecha::MesDiaAnio, {&Locale::ingles(), &Locale::espanol()});
+std::optional<Date> DateFromLiteral(std::string_view text, Date today) {
+  return Read(text, today, DateOrder::MonthDayYear, {&Locale::english(), &Locale::spanish()});
 }
 
 }  // namespace base

@@ -13,321 +13,321 @@
 namespace base {
 namespace {
 
-using internal::EsDigito;
-using internal::Lectura;
-using internal::SaltarBlancos;
+using internal::IsDigit;
+using internal::Reading;
+using internal::SkipBlanks;
 
-constexpr int kExponenteMaximo = 100000;  // beyond it nothing changes any more
+constexpr int kMaxExponent = 100000;  // beyond it nothing changes any more
 
-int ValorDigito(char c) {
-  if (EsDigito(c)) return c - '0';
-  const char m = internal::MinAscii(c);
+int DigitValue(char c) {
+  if (IsDigit(c)) return c - '0';
+  const char m = internal::LowerAscii(c);
   return m >= 'a' && m <= 'f' ? m - 'a' + 10 : 99;
 }
 
-int BaseDe(char c) {
-  const char m = internal::MinAscii(c);
+int BaseOf(char c) {
+  const char m = internal::LowerAscii(c);
   return m == 'h' ? 16 : m == 'o' ? 8 : 0;
 }
 
-bool Consumir(std::string_view& t, std::string_view que) {
-  if (que.empty() || t.substr(0, que.size()) != que) return false;
-  t.remove_prefix(que.size());
+bool Consume(std::string_view& t, std::string_view what) {
+  if (what.empty() || t.substr(0, what.size()) != what) return false;
+  t.remove_prefix(what.size());
   return true;
 }
 
-// "&H…" or "&O…" with nothing but white space around. None when the text is no such thing; `desborda` past 64
-// bits.
-std::optional<std::uint64_t> LeerHexOctal(std::string_view t, bool& desborda) {
-  SaltarBlancos(t);
+// "&H…" or "&O…" with nothing but white space around. None when the text is no such thing; `overflows` past
+// 64 bits.
+std::optional<std::uint64_t> ReadHexOctal(std::string_view t, bool& overflows) {
+  SkipBlanks(t);
   if (t.size() < 3 || t[0] != '&') return std::nullopt;
-  const int base = BaseDe(t[1]);
+  const int base = BaseOf(t[1]);
   if (base == 0) return std::nullopt;
   t.remove_prefix(2);
-  std::uint64_t valor = 0;
+  std::uint64_t value = 0;
   std::size_t n = 0;
-  for (; n < t.size() && ValorDigito(t[n]) < base; ++n) {
-    if (valor > std::numeric_limits<std::uint64_t>::max() / static_cast<unsigned>(base)) desborda = true;
-    valor = valor * static_cast<unsigned>(base) + static_cast<unsigned>(ValorDigito(t[n]));
+  for (; n < t.size() && DigitValue(t[n]) < base; ++n) {
+    if (value > std::numeric_limits<std::uint64_t>::max() / static_cast<unsigned>(base)) overflows = true;
+    value = value * static_cast<unsigned>(base) + static_cast<unsigned>(DigitValue(t[n]));
   }
   t.remove_prefix(n);
-  SaltarBlancos(t);
+  SkipBlanks(t);
   if (n == 0 || !t.empty()) return std::nullopt;
-  return valor;
+  return value;
 }
 
 // Signs, currency and parentheses in front of or behind the digits, each as often as it may stand there.
-struct Adornos {
-  bool signo = false, negativo = false, moneda = false, parentesis = false, cerrado = false;
+struct Adornments {
+  bool sign = false, negative = false, currency = false, parenthesis = false, closed = false;
 
-  void Delante(std::string_view& t, const Locale& locale) {
+  void TakeLeading(std::string_view& t, const Locale& locale) {
     for (;;) {
-      SaltarBlancos(t);
-      if (!signo && (Consumir(t, "-") ? (negativo = true) : Consumir(t, "+"))) {
-        signo = true;
-      } else if (!moneda && Consumir(t, locale.moneda)) {
-        moneda = true;
-      } else if (!parentesis && Consumir(t, "(")) {
-        parentesis = true;
+      SkipBlanks(t);
+      if (!sign && (Consume(t, "-") ? (negative = true) : Consume(t, "+"))) {
+        sign = true;
+      } else if (!currency && Consume(t, locale.currency)) {
+        currency = true;
+      } else if (!parenthesis && Consume(t, "(")) {
+        parenthesis = true;
       } else {
         return;
       }
     }
   }
 
-  void Detras(std::string_view& t, const Locale& locale) {
+  void TakeTrailing(std::string_view& t, const Locale& locale) {
     for (;;) {
-      SaltarBlancos(t);
-      if (!signo && (Consumir(t, "-") ? (negativo = true) : Consumir(t, "+"))) {
-        signo = true;
-      } else if (parentesis && !cerrado && Consumir(t, ")")) {
-        cerrado = true;
-      } else if (!Consumir(t, locale.moneda)) {
+      SkipBlanks(t);
+      if (!sign && (Consume(t, "-") ? (negative = true) : Consume(t, "+"))) {
+        sign = true;
+      } else if (parenthesis && !closed && Consume(t, ")")) {
+        closed = true;
+      } else if (!Consume(t, locale.currency)) {
         return;
       }
     }
   }
 
-  bool Validos() const { return parentesis == cerrado && !(parentesis && signo); }
+  bool AreValid() const { return parenthesis == closed && !(parenthesis && sign); }
 };
 
 // The digits with their separators, cut from the front of `t`.
-struct Cuerpo {
-  std::string enteros, fraccion;
-  int exponente = 0;
+struct Body {
+  std::string whole_digits, fraction;
+  int exponent = 0;
 };
 
-bool LeerExponente(std::string_view& t, int& exponente) {
-  if (t.empty() || internal::MinAscii(t[0]) != 'e') return true;
+bool ReadExponent(std::string_view& t, int& exponent) {
+  if (t.empty() || internal::LowerAscii(t[0]) != 'e') return true;
   t.remove_prefix(1);
-  const bool negativo = Consumir(t, "-");
-  if (!negativo) Consumir(t, "+");
-  if (t.empty() || !EsDigito(t[0])) return false;
-  for (; !t.empty() && EsDigito(t[0]); t.remove_prefix(1))
-    if (exponente < kExponenteMaximo) exponente = exponente * 10 + (t[0] - '0');
-  if (negativo) exponente = -exponente;
+  const bool negative = Consume(t, "-");
+  if (!negative) Consume(t, "+");
+  if (t.empty() || !IsDigit(t[0])) return false;
+  for (; !t.empty() && IsDigit(t[0]); t.remove_prefix(1))
+    if (exponent < kMaxExponent) exponent = exponent * 10 + (t[0] - '0');
+  if (negative) exponent = -exponent;
   return true;
 }
 
 // Thousands signs are passed over anywhere after the first digit and before the decimal sign.
-bool LeerCuerpoClasico(std::string_view& t, std::string_view decimal, std::string_view miles, Cuerpo& c) {
-  bool en_fraccion = false;
+bool ReadClassicBody(std::string_view& t, std::string_view decimal, std::string_view thousands, Body& c) {
+  bool in_fraction = false;
   for (;;) {
-    if (!t.empty() && EsDigito(t[0])) {
-      (en_fraccion ? c.fraccion : c.enteros) += t[0];
+    if (!t.empty() && IsDigit(t[0])) {
+      (in_fraction ? c.fraction : c.whole_digits) += t[0];
       t.remove_prefix(1);
-    } else if (!en_fraccion && Consumir(t, decimal)) {
-      en_fraccion = true;
-    } else if (en_fraccion || c.enteros.empty() || !Consumir(t, miles)) {
+    } else if (!in_fraction && Consume(t, decimal)) {
+      in_fraction = true;
+    } else if (in_fraction || c.whole_digits.empty() || !Consume(t, thousands)) {
       break;
     }
   }
-  return !c.enteros.empty() || !c.fraccion.empty();
+  return !c.whole_digits.empty() || !c.fraction.empty();
 }
 
 // Several "." and no ",": one to three digits, then groups of three.
-bool GruposDeTres(std::string_view cuerpo) {
-  std::size_t punto = cuerpo.find('.');
-  if (punto == 0 || punto > 3) return false;
-  while (punto != std::string_view::npos) {
-    const std::size_t otro = cuerpo.find('.', punto + 1);
-    const std::size_t fin = otro == std::string_view::npos ? cuerpo.size() : otro;
-    if (fin - punto != 4) return false;
-    punto = otro;
+bool AreGroupsOfThree(std::string_view body) {
+  std::size_t point = body.find('.');
+  if (point == 0 || point > 3) return false;
+  while (point != std::string_view::npos) {
+    const std::size_t other = body.find('.', point + 1);
+    const std::size_t end = other == std::string_view::npos ? body.size() : other;
+    if (end - point != 4) return false;
+    point = other;
   }
   return true;
 }
 
 // The operator's rule: what "." means depends on whether there is a "," and on how many "." there are.
-bool LeerCuerpoOperador(std::string_view& t, Cuerpo& c) {
-  std::size_t fin = 0, puntos = 0;
-  bool coma = false;
-  for (; fin < t.size() && (EsDigito(t[fin]) || t[fin] == '.' || t[fin] == ','); ++fin) {
-    puntos += t[fin] == '.' ? 1 : 0;
-    coma = coma || t[fin] == ',';
+bool ReadOperatorBody(std::string_view& t, Body& c) {
+  std::size_t end = 0, points = 0;
+  bool comma = false;
+  for (; end < t.size() && (IsDigit(t[end]) || t[end] == '.' || t[end] == ','); ++end) {
+    points += t[end] == '.' ? 1 : 0;
+    comma = comma || t[end] == ',';
   }
-  const std::string_view cuerpo = t.substr(0, fin);
-  std::string_view resto = cuerpo;
-  if (!coma && puntos > 1 && !GruposDeTres(cuerpo)) return false;
-  const bool punto_decimal = !coma && puntos == 1;
-  if (!LeerCuerpoClasico(resto, punto_decimal ? "." : ",", punto_decimal ? "" : ".", c)) return false;
-  if (!resto.empty()) return false;
-  t.remove_prefix(fin);
+  const std::string_view body = t.substr(0, end);
+  std::string_view rest = body;
+  if (!comma && points > 1 && !AreGroupsOfThree(body)) return false;
+  const bool decimal_point = !comma && points == 1;
+  if (!ReadClassicBody(rest, decimal_point ? "." : ",", decimal_point ? "" : ".", c)) return false;
+  if (!rest.empty()) return false;
+  t.remove_prefix(end);
   return true;
 }
 
-Lectura LeerTexto(std::string_view t, const Locale& locale, double& numero) {
-  Adornos adornos;
-  adornos.Delante(t, locale);
-  Cuerpo cuerpo;
-  const bool leido = internal::EsDelOperador(locale)
-                         ? LeerCuerpoOperador(t, cuerpo)
-                         : LeerCuerpoClasico(t, locale.decimal, locale.miles, cuerpo);
-  if (!leido || !LeerExponente(t, cuerpo.exponente)) return Lectura::NoEsNumero;
-  adornos.Detras(t, locale);
-  if (!t.empty() || !adornos.Validos()) return Lectura::NoEsNumero;
-  const Lectura lectura = internal::Componer(cuerpo.enteros, cuerpo.fraccion, cuerpo.exponente, numero);
-  if ((adornos.negativo || adornos.parentesis) && numero != 0) numero = -numero;
-  return lectura;
+Reading ReadText(std::string_view t, const Locale& locale, double& number) {
+  Adornments trimmings;
+  trimmings.TakeLeading(t, locale);
+  Body body;
+  const bool read = internal::IsOperatorLocale(locale)
+                        ? ReadOperatorBody(t, body)
+                        : ReadClassicBody(t, locale.decimal, locale.thousands, body);
+  if (!read || !ReadExponent(t, body.exponent)) return Reading::NotANumber;
+  trimmings.TakeTrailing(t, locale);
+  if (!t.empty() || !trimmings.AreValid()) return Reading::NotANumber;
+  const Reading reading = internal::Compose(body.whole_digits, body.fraction, body.exponent, number);
+  if ((trimmings.negative || trimmings.parenthesis) && number != 0) number = -number;
+  return reading;
 }
 
-Lectura Leer(std::string_view texto, const Locale& locale, double& numero) {
-  if (internal::EsDelOperador(locale) && internal::LeerLlano(texto, numero)) return Lectura::Bien;
-  if (texto.find('&') == std::string_view::npos) return LeerTexto(texto, locale, numero);
-  bool desborda = false;
-  const auto hex = LeerHexOctal(texto, desborda);
-  if (!hex) return Lectura::NoEsNumero;
-  numero = static_cast<double>(*hex);
-  return desborda ? Lectura::Desborda : Lectura::Bien;
+Reading Read(std::string_view text, const Locale& locale, double& number) {
+  if (internal::IsOperatorLocale(locale) && internal::ReadPlain(text, number)) return Reading::Ok;
+  if (text.find('&') == std::string_view::npos) return ReadText(text, locale, number);
+  bool overflows = false;
+  const auto hex = ReadHexOctal(text, overflows);
+  if (!hex) return Reading::NotANumber;
+  number = static_cast<double>(*hex);
+  return overflows ? Reading::Overflow : Reading::Ok;
 }
 
 // --- Val ---
 
 // A text without the blanks that Val passes over wherever they stand, read one character at a time.
-class LectorVal {
+class ValReader {
  public:
-  explicit LectorVal(std::string_view texto) : resto_(texto) { Saltar(); }
-  char Ver() const { return resto_.empty() ? '\0' : resto_[0]; }
+  explicit ValReader(std::string_view text) : rest_(text) { Skip(); }
+  char Peek() const { return rest_.empty() ? '\0' : rest_[0]; }
   // The character right after, blanks included.
-  char VerPegado() const { return resto_.size() < 2 ? '\0' : resto_[1]; }
-  void Tomar() {
-    resto_.remove_prefix(1);
-    Saltar();
+  char PeekNext() const { return rest_.size() < 2 ? '\0' : rest_[1]; }
+  void Take() {
+    rest_.remove_prefix(1);
+    Skip();
   }
 
  private:
-  void Saltar() {
+  void Skip() {
     for (;;) {
-      if (!resto_.empty() &&
-          (resto_[0] == ' ' || resto_[0] == '\t' || resto_[0] == '\n' || resto_[0] == '\r')) {
-        resto_.remove_prefix(1);
-      } else if (!Consumir(resto_, "\xE3\x80\x80")) {  // the ideographic space
+      if (!rest_.empty() && (rest_[0] == ' ' || rest_[0] == '\t' || rest_[0] == '\n' || rest_[0] == '\r')) {
+        rest_.remove_prefix(1);
+      } else if (!Consume(rest_, "\xE3\x80\x80")) {  // the ideographic space
         return;
       }
     }
   }
-  std::string_view resto_;
+  std::string_view rest_;
 };
 
-struct ResultadoVal {
-  double numero = 0;
+struct ValResult {
+  double number = 0;
   int error = 0;
 };
 
-bool Cabe(double numero, double limite) { return numero >= -limite - 1 && numero <= limite; }
+bool Fits(double number, double limit) { return number >= -limit - 1 && number <= limit; }
 
-// A type sign ends the number: "%" 16 bits, "&" 32, "@" currency, "!" single. `con_punto`: a fraction was
+// A type sign ends the number: "%" 16 bits, "&" 32, "@" currency, "!" single. `with_point`: a fraction was
 // read.
-ResultadoVal AplicarTipo(char signo, double numero, bool con_punto) {
-  switch (signo) {
+ValResult ApplyType(char sign, double number, bool with_point) {
+  switch (sign) {
     case '%':
     case '&':
-      if (con_punto) return {0, 13};
-      if (!Cabe(std::nearbyint(numero), signo == '%' ? 32767.0 : 2147483647.0)) return {0, 6};
-      return {std::nearbyint(numero), 0};
+      if (with_point) return {0, 13};
+      if (!Fits(std::nearbyint(number), sign == '%' ? 32767.0 : 2147483647.0)) return {0, 6};
+      return {std::nearbyint(number), 0};
     case '@':
-      if (!(std::abs(numero) < 922337203685477.6)) return {0, 6};
-      return {numero, 0};
+      if (!(std::abs(number) < 922337203685477.6)) return {0, 6};
+      return {number, 0};
     case '!': {
-      if (std::abs(numero) > static_cast<double>(std::numeric_limits<float>::max())) return {0, 6};
-      return {static_cast<double>(static_cast<float>(numero)), 0};
+      if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())) return {0, 6};
+      return {static_cast<double>(static_cast<float>(number)), 0};
     }
     default:
-      return {numero, 0};
+      return {number, 0};
   }
 }
 
 // Up to 16 bits it is a 16-bit signed value, up to 32 a 32-bit one; "&" behind keeps 32 bits, "%" asks
 // for 16.
-ResultadoVal ValHexOctal(LectorVal& lector, int base) {
-  std::uint64_t valor = 0;
-  for (; ValorDigito(lector.Ver()) < base; lector.Tomar()) {
-    if (valor > std::numeric_limits<std::uint64_t>::max() / static_cast<unsigned>(base)) return {0, 6};
-    valor = valor * static_cast<unsigned>(base) + static_cast<unsigned>(ValorDigito(lector.Ver()));
+ValResult ValHexOctal(ValReader& reader, int base) {
+  std::uint64_t value = 0;
+  for (; DigitValue(reader.Peek()) < base; reader.Take()) {
+    if (value > std::numeric_limits<std::uint64_t>::max() / static_cast<unsigned>(base)) return {0, 6};
+    value = value * static_cast<unsigned>(base) + static_cast<unsigned>(DigitValue(reader.Peek()));
   }
-  const char signo = lector.Ver();
-  if ((signo == '%' && valor > 0xFFFF) || (signo == '&' && valor > 0xFFFFFFFFU)) return {0, 6};
-  if (valor <= 0xFFFF && signo != '&') return {static_cast<double>(static_cast<std::int16_t>(valor)), 0};
-  if (valor <= 0xFFFFFFFFU) return {static_cast<double>(static_cast<std::int32_t>(valor)), 0};
-  return {static_cast<double>(static_cast<std::int64_t>(valor)), 0};
+  const char sign = reader.Peek();
+  if ((sign == '%' && value > 0xFFFF) || (sign == '&' && value > 0xFFFFFFFFU)) return {0, 6};
+  if (value <= 0xFFFF && sign != '&') return {static_cast<double>(static_cast<std::int16_t>(value)), 0};
+  if (value <= 0xFFFFFFFFU) return {static_cast<double>(static_cast<std::int32_t>(value)), 0};
+  return {static_cast<double>(static_cast<std::int64_t>(value)), 0};
 }
 
-int ExponenteVal(LectorVal lector) {  // by value: an incomplete exponent is not consumed
-  const char e = internal::MinAscii(lector.Ver());
+int ValExponent(ValReader reader) {  // by value: an incomplete exponent is not consumed
+  const char e = internal::LowerAscii(reader.Peek());
   if (e != 'e' && e != 'd') return 0;
-  lector.Tomar();
-  const bool negativo = lector.Ver() == '-';
-  if (negativo || lector.Ver() == '+') lector.Tomar();
-  int exponente = 0;
-  for (; EsDigito(lector.Ver()); lector.Tomar())
-    if (exponente < kExponenteMaximo) exponente = exponente * 10 + (lector.Ver() - '0');
-  return negativo ? -exponente : exponente;
+  reader.Take();
+  const bool negative = reader.Peek() == '-';
+  if (negative || reader.Peek() == '+') reader.Take();
+  int exponent = 0;
+  for (; IsDigit(reader.Peek()); reader.Take())
+    if (exponent < kMaxExponent) exponent = exponent * 10 + (reader.Peek() - '0');
+  return negative ? -exponent : exponent;
 }
 
-ResultadoVal ValCrudo(std::string_view texto) {
-  LectorVal lector(texto);
-  if (lector.Ver() == '&') {
-    const int base = BaseDe(lector.VerPegado());
+ValResult RawVal(std::string_view text) {
+  ValReader reader(text);
+  if (reader.Peek() == '&') {
+    const int base = BaseOf(reader.PeekNext());
     if (base == 0) return {};
-    lector.Tomar();
-    lector.Tomar();
-    return ValHexOctal(lector, base);
+    reader.Take();
+    reader.Take();
+    return ValHexOctal(reader, base);
   }
-  const bool negativo = lector.Ver() == '-';
-  if (negativo || lector.Ver() == '+') lector.Tomar();
-  std::string enteros, fraccion;
-  for (; EsDigito(lector.Ver()); lector.Tomar()) enteros += lector.Ver();
-  const bool con_punto = lector.Ver() == '.';
-  if (con_punto) {
-    lector.Tomar();
-    for (; EsDigito(lector.Ver()); lector.Tomar()) fraccion += lector.Ver();
+  const bool negative = reader.Peek() == '-';
+  if (negative || reader.Peek() == '+') reader.Take();
+  std::string whole_digits, fraction;
+  for (; IsDigit(reader.Peek()); reader.Take()) whole_digits += reader.Peek();
+  const bool with_point = reader.Peek() == '.';
+  if (with_point) {
+    reader.Take();
+    for (; IsDigit(reader.Peek()); reader.Take()) fraction += reader.Peek();
   }
-  if (enteros.empty() && fraccion.empty()) return {};
-  double numero = 0;
-  if (internal::Componer(enteros, fraccion, ExponenteVal(lector), numero) == Lectura::Desborda) return {0, 6};
-  if (negativo && numero != 0) numero = -numero;
-  return AplicarTipo(lector.Ver(), numero, con_punto);
+  if (whole_digits.empty() && fraction.empty()) return {};
+  double number = 0;
+  if (internal::Compose(whole_digits, fraction, ValExponent(reader), number) == Reading::Overflow)
+    return {0, 6};
+  if (negative && number != 0) number = -number;
+  return ApplyType(reader.Peek(), number, with_point);
 }
 
 }  // namespace
 
-std::optional<double> DialectNumber(std::string_view texto, const Locale& locale) {
-  double numero = 0;
-  if (Leer(texto, locale, numero) != Lectura::Bien) return std::nullopt;
-  return numero;
+std::optional<double> DialectNumber(std::string_view text, const Locale& locale) {
+  double number = 0;
+  if (Read(text, locale, number) != Reading::Ok) return std::nullopt;
+  return number;
 }
 
-bool IsNumeric(std::string_view texto, const Locale& locale) {
-  return DialectNumber(texto, locale).has_value();
+bool IsNumeric(std::string_view text, const Locale& locale) {
+  return DialectNumber(text, locale).has_value();
 }
 
-double CDbl(std::string_view texto, const Locale& locale) {
-  double numero = 0;
-  switch (Leer(texto, locale, numero)) {
-    case Lectura::Bien:
-      return numero;
-    case Lectura::Desborda:
-      throw Error(DescripcionDeError(6), 6);
-    case Lectura::NoEsNumero:
+double CDbl(std::string_view text, const Locale& locale) {
+  double number = 0;
+  switch (Read(text, locale, number)) {
+    case Reading::Ok:
+      return number;
+    case Reading::Overflow:
+      throw Error(ErrorDescription(6), 6);
+    case Reading::NotANumber:
       break;
   }
-  throw Error(DescripcionDeError(13), 13);
+  throw Error(ErrorDescription(13), 13);
 }
 
-std::optional<std::int64_t> EnteroHexOctal(std::string_view texto, int bits) {
-  if (texto.find('&') == std::string_view::npos) return std::nullopt;
-  bool desborda = false;
-  const auto valor = LeerHexOctal(texto, desborda);
-  if (!valor) return std::nullopt;
-  if (desborda || (bits < 64 && *valor >> bits != 0)) throw Error(DescripcionDeError(6), 6);
-  const int corrimiento = 64 - bits;
-  return static_cast<std::int64_t>(*valor << corrimiento) >> corrimiento;
+std::optional<std::int64_t> HexOctalInteger(std::string_view text, int bits) {
+  if (text.find('&') == std::string_view::npos) return std::nullopt;
+  bool overflows = false;
+  const auto value = ReadHexOctal(text, overflows);
+  if (!value) return std::nullopt;
+  if (overflows || (bits < 64 && *value >> bits != 0)) throw Error(ErrorDescription(6), 6);
+  const int shift = 64 - bits;
+  return static_cast<std::int64_t>(*value << shift) >> shift;
 }
 
-double Val(std::string_view texto) {
-  const ResultadoVal r = ValCrudo(texto);
-  if (r.error != 0) throw Error(DescripcionDeError(r.error), r.error);
-  return r.numero;
+double Val(std::string_view text) {
+  const ValResult r = RawVal(text);
+  if (r.error != 0) throw Error(ErrorDescription(r.error), r.error);
+  return r.number;
 }
 
 }  // namespace base

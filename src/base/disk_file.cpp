@@ -8,39 +8,38 @@
 namespace base {
 namespace {
 
-std::string Texto(std::string_view accion, std::string_view ruta, FallaDisco falla, std::string_view motivo) {
-  std::string texto = std::string(accion) + " " + NombreDe(ruta) + ": ";
-  switch (falla) {
-    case FallaDisco::NoExiste:
-      return texto + "no existe";
-    case FallaDisco::YaExiste:
-      return texto + "ya existe";
-    case FallaDisco::SinPermiso:
-      return texto + "no hay permiso";
-    case FallaDisco::SoloLectura:
-      return texto + "el disco es de solo lectura";
-    case FallaDisco::EnUso:
-      return texto + "otro programa lo tiene en uso";
-    case FallaDisco::DiscoLleno:
-      return texto + "el disco está lleno";
-    case FallaDisco::NoAdmitido:
-      return texto + "el disco no lo admite";
-    case FallaDisco::Otra:
+std::string Text(std::string_view action, std::string_view path, DiskFault fault, std::string_view reason) {
+  std::string text = std::string(action) + " " + NameOf(path) + ": ";
+  switch (fault) {
+    case DiskFault::NotFound:
+      return text + "no existe";
+    case DiskFault::AlreadyExists:
+      return text + "ya existe";
+    case DiskFault::NoPermission:
+      return text + "no hay permiso";
+    case DiskFault::ReadOnly:
+      return text + "el disco es de solo lectura";
+    case DiskFault::InUse:
+      return text + "otro programa lo tiene en uso";
+    case DiskFault::DiskFull:
+      return text + "el disco está lleno";
+    case DiskFault::NotSupported:
+      return text + "el disco no lo admite";
+    case DiskFault::Other:
       break;
   }
-  return texto + "falló el disco (" + std::string(motivo) + ")";
+  return text + "falló el disco (" + std::string(reason) + ")";
 }
 
 }  // namespace
 
-ErrorDeDisco::ErrorDeDisco(std::string_view accion, std::string_view ruta, FallaDisco falla,
-                           std::string_view motivo)
-    : StorageFault(Texto(accion, ruta, falla, motivo)), falla_(falla) {}
+DiskError::DiskError(std::string_view action, std::string_view path, DiskFault fault, std::string_view reason)
+    : StorageFault(Text(action, path, fault, reason)), fault_(fault) {}
 
-bool DiscoDelSistema::Existe(std::string_view ruta) { return ExisteArchivo(ruta); }
+bool SystemDisk::Exists(std::string_view path) { return FileExists(path); }
 
-void DiscoDelSistema::Esperar(int milisegundos) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(milisegundos));
+void SystemDisk::Wait(int milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
 }  // namespace base

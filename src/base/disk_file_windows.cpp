@@ -18,52 +18,52 @@
 namespace base {
 namespace {
 
-std::wstring Ancho(std::string_view texto) {
-  const std::u16string u = AUtf16(texto);
+std::wstring WideString(std::string_view text) {
+  const std::u16string u = ToUtf16(text);
   return {u.begin(), u.end()};
 }
 
 constexpr DWORD kErrorCuota = 1295;  // ERROR_DISK_QUOTA_EXCEEDED, which not all headers have
 
-FallaDisco Clase(DWORD error) {
+DiskFault Kind(DWORD error) {
   switch (error) {
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND:
     case ERROR_BAD_NETPATH:
     case ERROR_BAD_NET_NAME:
     case ERROR_INVALID_NAME:
-      return FallaDisco::NoExiste;
+      return DiskFault::NotFound;
     case ERROR_FILE_EXISTS:
     case ERROR_ALREADY_EXISTS:
-      return FallaDisco::YaExiste;
+      return DiskFault::AlreadyExists;
     case ERROR_ACCESS_DENIED:
     case ERROR_PRIVILEGE_NOT_HELD:
     case ERROR_NETWORK_ACCESS_DENIED:
-      return FallaDisco::SinPermiso;
+      return DiskFault::NoPermission;
     case ERROR_WRITE_PROTECT:
-      return FallaDisco::SoloLectura;
+      return DiskFault::ReadOnly;
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
     case ERROR_DELETE_PENDING:
-      return FallaDisco::EnUso;
+      return DiskFault::InUse;
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
     case kErrorCuota:
     case ERROR_FILE_TOO_LARGE:
-      return FallaDisco::DiscoLleno;
+      return DiskFault::DiskFull;
     case ERROR_NOT_SUPPORTED:
     case ERROR_INVALID_FUNCTION:
-      return FallaDisco::NoAdmitido;
+      return DiskFault::NotSupported;
     default:
-      return FallaDisco::Otra;
+      return DiskFault::Other;
   }
 }
 
-[[noreturn]] void Lanzar(std::string_view accion, std::string_view ruta, DWORD error) {
-  throw ErrorDeDisco(accion, ruta, Clase(error), "error " + std::to_string(error) + " de Windows");
+[[noreturn]] void Throw(std::string_view action, std::string_view path, DWORD error) {
+  throw DiskError(action, path, Kind(error), "error " + std::to_string(error) + " de Windows");
 }
 
-OVERLAPPED Lugar(std::uint64_t pos) {
+OVERLAPPED Place(std::uint64_t pos) {
   OVERLAPPED o{};
   o.Offset = static_cast<DWORD>(pos & 0xFFFFFFFFU);
   o.OffsetHigh = static_cast<DWORD>(pos >> 32);
@@ -74,155 +74,156 @@ std::int64_t Cien(const FILETIME& t) {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(t.dwHighDateTime) << 32 | t.dwLowDateTime);
 }
 
-constexpr std::size_t kTramo = std::size_t{1} << 26;  // of one call, whose count is 32 bits wide
+constexpr std::size_t kRun = std::size_t{1} << 26;  // of one call, whose count is 32 bits wide
 
-class ArchivoWindows final : public ArchivoAbierto {
+class ArchivoWindows final : public OpenFile {
  public:
-  ArchivoWindows(HANDLE h, std::string_view ruta) : h_(h), ruta_(ruta) {}
+  ArchivoWindows(HANDLE h, std::string_view path) : h_(h), path_(path) {}
   ~ArchivoWindows() override { CloseHandle(h_); }
   ArchivoWindows(const ArchivoWindows&) = delete;
   ArchivoWindows& operator=(const ArchivoWindows&) = delete;
 
-  std::size_t Leer(std::uint64_t pos, std::span<std::uint8_t> destino) override {
-    std::size_t hechos = 0;
-    while (hechos < destino.size()) {
-      OVERLAPPED o = Lugar(pos + hechos);
+  std::size_t Read(std::uint64_t pos, std::span<std::uint8_t> target) override {
+    std::size_t done = 0;
+    while (done < target.size()) {
+      OVERLAPPED o = Place(pos + done);
       DWORD n = 0;
-      const auto pedidos = static_cast<DWORD>(std::min(kTramo, destino.size() - hechos));
-      if (ReadFile(h_, destino.data() + hechos, pedidos, &n, &o) == 0) {
+      const auto requested = static_cast<DWORD>(std::min(kRun, target.size() - done));
+      if (ReadFile(h_, target.data() + done, requested, &n, &o) == 0) {
         if (GetLastError() == ERROR_HANDLE_EOF) break;
-        Lanzar("No se puede leer", ruta_, GetLastError());
+        Throw("No se puede leer", path_, GetLastError());
       }
       if (n == 0) break;
-      hechos += n;
+      done += n;
     }
-    return hechos;
+    return done;
   }
 
-  void Escribir(std::uint64_t pos, std::span<const std::uint8_t> bytes) override {
-    std::size_t hechos = 0;
-    while (hechos < bytes.size()) {
-      OVERLAPPED o = Lugar(pos + hechos);
+  void Write(std::uint64_t pos, std::span<const std::uint8_t> bytes) override {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+      OVERLAPPED o = Place(pos + done);
       DWORD n = 0;
-      const auto pedidos = static_cast<DWORD>(std::min(kTramo, bytes.size() - hechos));
-      if (WriteFile(h_, bytes.data() + hechos, pedidos, &n, &o) == 0)
-        Lanzar("No se puede escribir", ruta_, GetLastError());
-      if (n == 0) Lanzar("No se puede escribir", ruta_, ERROR_DISK_FULL);
-      hechos += n;
+      const auto requested = static_cast<DWORD>(std::min(kRun, bytes.size() - done));
+      if (WriteFile(h_, bytes.data() + done, requested, &n, &o) == 0)
+        Throw("No se puede escribir", path_, GetLastError());
+      if (n == 0) Throw("No se puede escribir", path_, ERROR_DISK_FULL);
+      done += n;
     }
   }
 
-  std::uint64_t Largo() override {
-    LARGE_INTEGER largo{};
-    if (GetFileSizeEx(h_, &largo) == 0) Lanzar("No se puede consultar", ruta_, GetLastError());
-    return static_cast<std::uint64_t>(largo.QuadPart);
+  std::uint64_t Length() override {
+    LARGE_INTEGER length{};
+    if (GetFileSizeEx(h_, &length) == 0) Throw("No se puede consultar", path_, GetLastError());
+    return static_cast<std::uint64_t>(length.QuadPart);
   }
 
-  void CambiarLargo(std::uint64_t largo) override {
-    LARGE_INTEGER donde{};
-    donde.QuadPart = static_cast<LONGLONG>(largo);
-    if (SetFilePointerEx(h_, donde, nullptr, FILE_BEGIN) == 0 || SetEndOfFile(h_) == 0)
-      Lanzar("No se puede cambiar el largo de", ruta_, GetLastError());
+  void Resize(std::uint64_t length) override {
+    LARGE_INTEGER where{};
+    where.QuadPart = static_cast<LONGLONG>(length);
+    if (SetFilePointerEx(h_, where, nullptr, FILE_BEGIN) == 0 || SetEndOfFile(h_) == 0)
+      Throw("No se puede cambiar el largo de", path_, GetLastError());
   }
 
-  void Sincronizar() override {
-    if (FlushFileBuffers(h_) == 0) Lanzar("No se puede llevar al disco", ruta_, GetLastError());
+  void Sync() override {
+    if (FlushFileBuffers(h_) == 0) Throw("No se puede llevar al disco", path_, GetLastError());
   }
 
-  std::int64_t Fecha() override {
+  std::int64_t Date() override {
     FILETIME t{};
-    if (GetFileTime(h_, nullptr, nullptr, &t) == 0) Lanzar("No se puede consultar", ruta_, GetLastError());
+    if (GetFileTime(h_, nullptr, nullptr, &t) == 0) Throw("No se puede consultar", path_, GetLastError());
     return Cien(t);
   }
 
-  void PonerFecha(std::int64_t fecha) override {
+  void SetDate(std::int64_t date) override {
     FILETIME t{};
-    t.dwLowDateTime = static_cast<DWORD>(static_cast<std::uint64_t>(fecha) & 0xFFFFFFFFU);
-    t.dwHighDateTime = static_cast<DWORD>(static_cast<std::uint64_t>(fecha) >> 32);
-    if (SetFileTime(h_, nullptr, nullptr, &t) == 0) Lanzar("No se puede fechar", ruta_, GetLastError());
+    t.dwLowDateTime = static_cast<DWORD>(static_cast<std::uint64_t>(date) & 0xFFFFFFFFU);
+    t.dwHighDateTime = static_cast<DWORD>(static_cast<std::uint64_t>(date) >> 32);
+    if (SetFileTime(h_, nullptr, nullptr, &t) == 0) Throw("No se puede fechar", path_, GetLastError());
   }
 
-  bool SigueEnSuLugar() override { return true; }  // an open file is not replaced: we do not share that
+  bool IsStillInPlace() override { return true; }  // an open file is not replaced: we do not share that
 
-  bool Bloquear(std::uint64_t desde, std::uint64_t cantidad, bool exclusivo) override {
-    OVERLAPPED o = Lugar(desde);
-    const DWORD clase = LOCKFILE_FAIL_IMMEDIATELY | (exclusivo ? LOCKFILE_EXCLUSIVE_LOCK : 0);
-    if (LockFileEx(h_, clase, 0, static_cast<DWORD>(cantidad & 0xFFFFFFFFU),
-                   static_cast<DWORD>(cantidad >> 32), &o) != 0)
+  bool Lock(std::uint64_t from, std::uint64_t count, bool exclusive) override {
+    OVERLAPPED o = Place(from);
+    const DWORD kind = LOCKFILE_FAIL_IMMEDIATELY | (exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0);
+    if (LockFileEx(h_, kind, 0, static_cast<DWORD>(count & 0xFFFFFFFFU), static_cast<DWORD>(count >> 32),
+                   &o) != 0)
       return true;
     const DWORD error = GetLastError();
     if (error == ERROR_LOCK_VIOLATION || error == ERROR_IO_PENDING) return false;
-    Lanzar("No se puede bloquear", ruta_, error);
+    Throw("No se puede bloquear", path_, error);
   }
 
-  void Desbloquear(std::uint64_t desde, std::uint64_t cantidad) override {
-    OVERLAPPED o = Lugar(desde);
-    if (UnlockFileEx(h_, 0, static_cast<DWORD>(cantidad & 0xFFFFFFFFU), static_cast<DWORD>(cantidad >> 32),
-                     &o) == 0)
-      Lanzar("No se puede desbloquear", ruta_, GetLastError());
+  void Unlock(std::uint64_t from, std::uint64_t count) override {
+    OVERLAPPED o = Place(from);
+    if (UnlockFileEx(h_, 0, static_cast<DWORD>(count & 0xFFFFFFFFU), static_cast<DWORD>(count >> 32), &o) ==
+        0)
+      Throw("No se puede desbloquear", path_, GetLastError());
   }
 
   // There is no question about a lock but trying to take it.
-  std::optional<std::uint64_t> PrimerBloqueado(std::uint64_t desde, std::uint64_t cantidad) override {
-    for (std::uint64_t i = 0; i < cantidad; ++i) {
-      if (!Bloquear(desde + i, 1, true)) return desde + i;
-      Desbloquear(desde + i, 1);
+  std::optional<std::uint64_t> FirstLocked(std::uint64_t from, std::uint64_t count) override {
+    for (std::uint64_t i = 0; i < count; ++i) {
+      if (!Lock(from + i, 1, true)) return from + i;
+      Unlock(from + i, 1);
     }
     return std::nullopt;
   }
 
  private:
   HANDLE h_;
-  std::string ruta_;
+  std::string path_;
 };
 
 }  // namespace
 
-std::unique_ptr<ArchivoAbierto> DiscoDelSistema::Abrir(std::string_view ruta, ModoArchivo modo) {
-  const DWORD acceso = GENERIC_READ | (modo == ModoArchivo::Lectura ? 0 : GENERIC_WRITE);
+std::unique_ptr<OpenFile> SystemDisk::Open(std::string_view path, FileMode mode) {
+  const DWORD acceso = GENERIC_READ | (mode == FileMode::Reading ? 0 : GENERIC_WRITE);
   // A reader lets others do all; who writes a base lets others only read it; our own new files may be removed
   // while somebody reads them.
   DWORD comparte = FILE_SHARE_READ;
-  if (modo == ModoArchivo::Lectura) comparte |= FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  if (modo == ModoArchivo::Nuevo) comparte |= FILE_SHARE_DELETE;
+  if (mode == FileMode::Reading) comparte |= FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  if (mode == FileMode::New) comparte |= FILE_SHARE_DELETE;
   const HANDLE h =
-      CreateFileW(Ancho(ruta).c_str(), acceso, comparte, nullptr,
-                  modo == ModoArchivo::Nuevo ? CREATE_NEW : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+      CreateFileW(WideString(path).c_str(), acceso, comparte, nullptr,
+                  mode == FileMode::New ? CREATE_NEW : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (h == INVALID_HANDLE_VALUE)
-    Lanzar(modo == ModoArchivo::Nuevo ? "No se puede crear" : "No se puede abrir", ruta, GetLastError());
-  return std::make_unique<ArchivoWindows>(h, ruta);
+    Throw(mode == FileMode::New ? "No se puede crear" : "No se puede abrir", path, GetLastError());
+  return std::make_unique<ArchivoWindows>(h, path);
 }
 
-void DiscoDelSistema::Borrar(std::string_view ruta) {
-  if (DeleteFileW(Ancho(ruta).c_str()) == 0) Lanzar("No se puede borrar", ruta, GetLastError());
+void SystemDisk::Delete(std::string_view path) {
+  if (DeleteFileW(WideString(path).c_str()) == 0) Throw("No se puede borrar", path, GetLastError());
 }
 
-void DiscoDelSistema::Mover(std::string_view de, std::string_view a) {
-  if (MoveFileExW(Ancho(de).c_str(), Ancho(a).c_str(), MOVEFILE_WRITE_THROUGH) == 0)
-    Lanzar("No se puede crear", a, GetLastError());
+void SystemDisk::Move(std::string_view from, std::string_view a) {
+  if (MoveFileExW(WideString(from).c_str(), WideString(a).c_str(), MOVEFILE_WRITE_THROUGH) == 0)
+    Throw("No se puede crear", a, GetLastError());
 }
 
-void DiscoDelSistema::SincronizarCarpetaDe(std::string_view) {}  // the file system keeps a log of names
+void SystemDisk::SyncFolderOf(std::string_view) {}  // the file system keeps a log of names
 
-bool DiscoDelSistema::CarpetaAdmiteNuevos(std::string_view) { return true; }
+bool SystemDisk::FolderAllowsNewFiles(std::string_view) { return true; }
 
-std::string DiscoDelSistema::RutaReal(std::string_view ruta) {
+std::string SystemDisk::RealPath(std::string_view path) {
   std::error_code error;
-  const std::filesystem::path real = std::filesystem::canonical(std::filesystem::path(Ancho(ruta)), error);
-  if (error) return std::string(ruta);
-  const std::wstring ancha = real.wstring();
-  return DeUtf16(std::u16string(ancha.begin(), ancha.end()));
+  const std::filesystem::path real =
+      std::filesystem::canonical(std::filesystem::path(WideString(path)), error);
+  if (error) return std::string(path);
+  const std::wstring wide = real.wstring();
+  return FromUtf16(std::u16string(wide.begin(), wide.end()));
 }
 
-bool DiscoDelSistema::BloqueosObligan() { return true; }
+bool SystemDisk::LocksAreMandatory() { return true; }
 
-std::int64_t DiscoDelSistema::Ahora() {
+std::int64_t SystemDisk::Now() {
   FILETIME t{};
   GetSystemTimeAsFileTime(&t);
   return Cien(t);
 }
 
-std::int64_t DiscoDelSistema::Microsegundo() { return 10; }
+std::int64_t SystemDisk::Microsecond() { return 10; }
 
 // The runtime keeps its three descriptors to itself even when they are closed. The handles are only numbers
 // that the parent wrote down: one that was not inherited could become that of the next file opened.

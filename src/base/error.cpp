@@ -2,8 +2,8 @@
 
 namespace base {
 
-std::string DescripcionDeError(int numero) {
-  switch (numero) {
+std::string ErrorDescription(int number) {
+  switch (number) {
     case 5:
       return "Argumento o llamada a procedimiento no válidos";
     case 6:
@@ -23,7 +23,7 @@ std::string DescripcionDeError(int numero) {
     case 94:
       return "Uso no válido de Null";
     default:
-      return "Error " + std::to_string(numero);
+      return "Error " + std::to_string(number);
   }
 }
 

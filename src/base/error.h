@@ -21,20 +21,20 @@ enum class ErrorKind { Statement, Storage };
 // description in Spanish that an operator can read. All texts UTF-8.
 class Error : public std::exception {
  public:
-  explicit Error(std::string descripcion, int numero = 0, std::string fuente = {},
+  explicit Error(std::string description, int number = 0, std::string source = {},
                  ErrorKind kind = ErrorKind::Statement)
-      : descripcion_(std::move(descripcion)), fuente_(std::move(fuente)), numero_(numero), kind_(kind) {}
+      : description_(std::move(description)), source_(std::move(source)), number_(number), kind_(kind) {}
 
-  const char* what() const noexcept override { return descripcion_.c_str(); }
-  const std::string& Descripcion() const { return descripcion_; }
-  const std::string& Fuente() const { return fuente_; }
-  int Numero() const { return numero_; }
+  const char* what() const noexcept override { return description_.c_str(); }
+  const std::string& Description() const { return description_; }
+  const std::string& Source() const { return source_; }
+  int Number() const { return number_; }
   bool IsStorageFault() const { return kind_ == ErrorKind::Storage; }
 
  private:
-  std::string descripcion_;
-  std::string fuente_;
-  int numero_;
+  std::string description_;
+  std::string source_;
+  int number_;
   ErrorKind kind_;
 };
 
@@ -58,24 +58,24 @@ decltype(auto) MemoryAsFault(Step&& step) {
 }
 
 // A failure that a routine passed over on purpose.
-struct ErrorAnotado {
-  std::string donde;        // the routine and its step
-  std::string descripcion;  // what the error said
+struct NotedError {
+  std::string where;        // the routine and its step
+  std::string description;  // what the error said
 };
 
 // Where passed-over failures are noted; tests look at it. A null sink forgets them.
-using SumideroErrores = std::vector<ErrorAnotado>;
+using ErrorSink = std::vector<NotedError>;
 
 // Runs one step whose failure is to be skipped. True when the step ended well. Catches base::Error alone: a
 // defect of the program is not an error of the data, and travels on. So does a fault of the storage, which is
 // noted on its way.
-template <typename Paso>
-bool ErrorIgnorado(std::string_view donde, SumideroErrores* sumidero, Paso&& paso) {
+template <typename Step>
+bool PassOverError(std::string_view where, ErrorSink* sink, Step&& step) {
   try {
-    std::forward<Paso>(paso)();
+    std::forward<Step>(step)();
     return true;
   } catch (const Error& e) {
-    if (sumidero != nullptr) sumidero->push_back({std::string(donde), e.Descripcion()});
+    if (sink != nullptr) sink->push_back({std::string(where), e.Description()});
     if (e.IsStorageFault()) throw;
     return false;
   }
@@ -84,15 +84,15 @@ bool ErrorIgnorado(std::string_view donde, SumideroErrores* sumidero, Paso&& pas
 // The same for a step after which nothing more is read or written for the run: undoing, closing, tidying up.
 // Faults of the storage are passed over too.
 template <typename Step>
-bool AnyErrorNoted(std::string_view where, SumideroErrores* sink, Step&& step) {
+bool AnyErrorNoted(std::string_view where, ErrorSink* sink, Step&& step) {
   try {
-    return ErrorIgnorado(where, sink, std::forward<Step>(step));
+    return PassOverError(where, sink, std::forward<Step>(step));
   } catch (const Error&) {
     return false;
   }
 }
 
 // The texts of the runtime's errors by number, in Spanish; an unknown number gives "Error " + number.
-std::string DescripcionDeError(int numero);
+std::string ErrorDescription(int number);
 
 }  // namespace base

@@ -27,59 +27,60 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kNombrePrograma = "ImportDeMarcas";
+constexpr const char* kProgramName = "ImportDeMarcas";
 
 #ifdef _WIN32
 
-fs::path APath(std::string_view ruta) {
-  const std::u16string ancho = AUtf16(ruta);
-  return fs::path(std::wstring(ancho.begin(), ancho.end()));
+fs::path ToPath(std::string_view path) {
+  const std::u16string width = ToUtf16(path);
+  return fs::path(std::wstring(width.begin(), width.end()));
 }
 
-std::string DePath(const fs::path& ruta) {
-  const std::wstring ancho = ruta.wstring();
-  return DeUtf16(std::u16string(ancho.begin(), ancho.end()));
+std::string FromPath(const fs::path& path) {
+  const std::wstring width = path.wstring();
+  return FromUtf16(std::u16string(width.begin(), width.end()));
 }
 
-std::FILE* Abrir(const fs::path& ruta, const wchar_t* modo) { return _wfopen(ruta.c_str(), modo); }
-#define IDM_MODO(texto) L##texto
+std::FILE* Open(const fs::path& path, const wchar_t* mode) { return _wfopen(path.c_str(), mode); }
+#define IDM_MODE(text) L##text
 
-bool VaciarAlDisco(std::FILE* archivo) { return std::fflush(archivo) == 0 && _commit(_fileno(archivo)) == 0; }
+bool FlushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
 
-bool Sustituir(const fs::path& nuevo, const fs::path& viejo) {
+bool Substitute(const fs::path& new_path, const fs::path& old_path) {
   // ReplaceFile keeps the attributes of the file that is there; it fails when there is none.
-  if (ReplaceFileW(viejo.c_str(), nuevo.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
+  if (ReplaceFileW(old_path.c_str(), new_path.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
                    nullptr) != 0)
     return true;
-  return MoveFileExW(nuevo.c_str(), viejo.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+  return MoveFileExW(new_path.c_str(), old_path.c_str(),
+                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
 }
 
-bool CrearNuevo(const fs::path& ruta) {
-  const HANDLE archivo =
-      CreateFileW(ruta.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-  return archivo != INVALID_HANDLE_VALUE && CloseHandle(archivo) != 0;
+bool CreateNew(const fs::path& path) {
+  const HANDLE file =
+      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  return file != INVALID_HANDLE_VALUE && CloseHandle(file) != 0;
 }
 
-unsigned long IdProceso() { return GetCurrentProcessId(); }
+unsigned long ProcessId() { return GetCurrentProcessId(); }
 
 #else
 
-fs::path APath(std::string_view ruta) { return fs::path(std::string(ruta)); }
-std::string DePath(const fs::path& ruta) { return ruta.string(); }
+fs::path ToPath(std::string_view path) { return fs::path(std::string(path)); }
+std::string FromPath(const fs::path& path) { return path.string(); }
 
-std::FILE* Abrir(const fs::path& ruta, const char* modo) { return std::fopen(ruta.c_str(), modo); }
-#define IDM_MODO(texto) texto
+std::FILE* Open(const fs::path& path, const char* mode) { return std::fopen(path.c_str(), mode); }
+#define IDM_MODE(text) text
 
-bool VaciarAlDisco(std::FILE* archivo) { return std::fflush(archivo) == 0 && fsync(fileno(archivo)) == 0; }
+bool FlushToDisk(std::FILE* file) { return std::fflush(file) == 0 && fsync(fileno(file)) == 0; }
 
-bool Sustituir(const fs::path& nuevo, const fs::path& viejo) {
+bool Substitute(const fs::path& new_path, const fs::path& old_path) {
   std::error_code error;
-  const fs::file_status estado = fs::status(viejo, error);
-  if (!error && fs::exists(estado)) fs::permissions(nuevo, estado.permissions(), error);
-  if (std::rename(nuevo.c_str(), viejo.c_str()) != 0) return false;
+  const fs::file_status status = fs::status(old_path, error);
+  if (!error && fs::exists(status)) fs::permissions(new_path, status.permissions(), error);
+  if (std::rename(new_path.c_str(), old_path.c_str()) != 0) return false;
   // The name is safe only once its folder is; a folder that cannot be flushed is no failure of the write.
-  const fs::path carpeta = viejo.parent_path();
-  const int fd = open(carpeta.empty() ? "." : carpeta.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const fs::path folder = old_path.parent_path();
+  const int fd = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (fd >= 0) {
     fsync(fd);
     close(fd);
@@ -87,165 +88,165 @@ bool Sustituir(const fs::path& nuevo, const fs::path& viejo) {
   return true;
 }
 
-bool CrearNuevo(const fs::path& ruta) {
-  const int fd = open(ruta.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+bool CreateNew(const fs::path& path) {
+  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   return fd >= 0 && close(fd) == 0;
 }
 
-unsigned long IdProceso() { return static_cast<unsigned long>(getpid()); }
+unsigned long ProcessId() { return static_cast<unsigned long>(getpid()); }
 
 #endif
 
-struct Cerrar {
+struct Closer {
   void operator()(std::FILE* f) const { std::fclose(f); }
 };
-using Archivo = std::unique_ptr<std::FILE, Cerrar>;
+using File = std::unique_ptr<std::FILE, Closer>;
 
-bool EscribirTodo(const fs::path& ruta, std::string_view bytes) {
-  Archivo archivo(Abrir(ruta, IDM_MODO("wb")));
-  if (archivo == nullptr) return false;
-  if (std::fwrite(bytes.data(), 1, bytes.size(), archivo.get()) != bytes.size()) return false;
-  if (!VaciarAlDisco(archivo.get())) return false;
-  return std::fclose(archivo.release()) == 0;
+bool WriteAll(const fs::path& path, std::string_view bytes) {
+  File file(Open(path, IDM_MODE("wb")));
+  if (file == nullptr) return false;
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) return false;
+  if (!FlushToDisk(file.get())) return false;
+  return std::fclose(file.release()) == 0;
 }
 
 // The file that a link stands for, so that writing replaces it and not the link.
-fs::path Destino(const fs::path& ruta) {
+fs::path Target(const fs::path& path) {
   std::error_code error;
-  if (!fs::is_symlink(ruta, error)) return ruta;
-  const fs::path real = fs::canonical(ruta, error);
-  return error ? ruta : real;
+  if (!fs::is_symlink(path, error)) return path;
+  const fs::path real = fs::canonical(path, error);
+  return error ? path : real;
 }
 
-fs::path Temporal(const fs::path& ruta) {
-  fs::path temporal = ruta;
-  temporal += ".";
-  temporal += std::to_string(IdProceso());
-  temporal += ".tmp";
-  return temporal;
+fs::path TemporaryPath(const fs::path& path) {
+  fs::path temporary = path;
+  temporary += ".";
+  temporary += std::to_string(ProcessId());
+  temporary += ".tmp";
+  return temporary;
 }
 
 }  // namespace
 
-bool ExisteArchivo(std::string_view ruta) {
+bool FileExists(std::string_view path) {
   std::error_code error;
-  const fs::file_status estado = fs::status(APath(ruta), error);
-  return !error && fs::exists(estado) && !fs::is_directory(estado);
+  const fs::file_status status = fs::status(ToPath(path), error);
+  return !error && fs::exists(status) && !fs::is_directory(status);
 }
 
-std::optional<std::string> LeerArchivo(std::string_view ruta) {
-  if (!ExisteArchivo(ruta)) return std::nullopt;  // a folder opens on some systems
-  Archivo archivo(Abrir(APath(ruta), IDM_MODO("rb")));
-  if (archivo == nullptr) return std::nullopt;
+std::optional<std::string> ReadWholeFile(std::string_view path) {
+  if (!FileExists(path)) return std::nullopt;  // a folder opens on some systems
+  File file(Open(ToPath(path), IDM_MODE("rb")));
+  if (file == nullptr) return std::nullopt;
   std::error_code error;
-  const auto largo = fs::file_size(APath(ruta), error);
+  const auto length = fs::file_size(ToPath(path), error);
   std::string bytes;
-  if (!error) bytes.reserve(static_cast<std::size_t>(largo));
-  std::string tramo(std::size_t{1} << 16, '\0');
-  while (const std::size_t leidos = std::fread(tramo.data(), 1, tramo.size(), archivo.get()))
-    bytes.append(tramo, 0, leidos);
-  if (std::ferror(archivo.get()) != 0) return std::nullopt;
+  if (!error) bytes.reserve(static_cast<std::size_t>(length));
+  std::string chunk(std::size_t{1} << 16, '\0');
+  while (const std::size_t read_count = std::fread(chunk.data(), 1, chunk.size(), file.get()))
+    bytes.append(chunk, 0, read_count);
+  if (std::ferror(file.get()) != 0) return std::nullopt;
   return bytes;
 }
 
-std::optional<std::string> LeerPrincipio(std::string_view ruta, std::size_t cantidad) {
-  if (!ExisteArchivo(ruta)) return std::nullopt;
-  Archivo archivo(Abrir(APath(ruta), IDM_MODO("rb")));
-  if (archivo == nullptr) return std::nullopt;
-  std::string bytes(cantidad, '\0');
-  bytes.resize(std::fread(bytes.data(), 1, cantidad, archivo.get()));
-  if (std::ferror(archivo.get()) != 0) return std::nullopt;
+std::optional<std::string> ReadBeginning(std::string_view path, std::size_t count) {
+  if (!FileExists(path)) return std::nullopt;
+  File file(Open(ToPath(path), IDM_MODE("rb")));
+  if (file == nullptr) return std::nullopt;
+  std::string bytes(count, '\0');
+  bytes.resize(std::fread(bytes.data(), 1, count, file.get()));
+  if (std::ferror(file.get()) != 0) return std::nullopt;
   return bytes;
 }
 
-bool EscribirArchivo(std::string_view ruta, std::string_view bytes) {
-  const fs::path destino = Destino(APath(ruta));
-  const fs::path temporal = Temporal(destino);
-  if (EscribirTodo(temporal, bytes) && Sustituir(temporal, destino)) return true;
+bool WriteWholeFile(std::string_view path, std::string_view bytes) {
+  const fs::path target = Target(ToPath(path));
+  const fs::path temporary = TemporaryPath(target);
+  if (WriteAll(temporary, bytes) && Substitute(temporary, target)) return true;
   std::error_code error;
-  fs::remove(temporal, error);
+  fs::remove(temporary, error);
   return false;
 }
 
-bool CrearSiFalta(std::string_view ruta) {
-  if (ExisteArchivo(ruta)) return true;
+bool CreateIfMissing(std::string_view path) {
+  if (FileExists(path)) return true;
   // Another program may create it meanwhile: that one is kept.
-  return CrearNuevo(APath(ruta)) || ExisteArchivo(ruta);
+  return CreateNew(ToPath(path)) || FileExists(path);
 }
 
-bool CrearCarpeta(std::string_view ruta) {
+bool CreateFolder(std::string_view path) {
   std::error_code error;
-  const fs::path carpeta = APath(ruta);
-  fs::create_directories(carpeta, error);
-  return fs::is_directory(carpeta, error);
+  const fs::path folder = ToPath(path);
+  fs::create_directories(folder, error);
+  return fs::is_directory(folder, error);
 }
 
-bool CarpetaEscribible(std::string_view ruta) {
+bool IsWritableFolder(std::string_view path) {
   std::error_code error;
-  const fs::path carpeta = APath(ruta);
-  if (!fs::is_directory(carpeta, error)) return false;
+  const fs::path folder = ToPath(path);
+  if (!fs::is_directory(folder, error)) return false;
   // Asking the system for rights misses read-only media and server policies: try.
-  const fs::path prueba = Temporal(carpeta / (std::string(kNombrePrograma) + ".prueba"));
-  const bool bien = Archivo(Abrir(prueba, IDM_MODO("wb"))) != nullptr;
-  if (bien) fs::remove(prueba, error);
-  return bien;
+  const fs::path probe = TemporaryPath(folder / (std::string(kProgramName) + ".prueba"));
+  const bool ok = File(Open(probe, IDM_MODE("wb"))) != nullptr;
+  if (ok) fs::remove(probe, error);
+  return ok;
 }
 
-std::string UnirRuta(std::string_view carpeta, std::string_view nombre) {
-  return carpeta.empty() ? std::string(nombre) : DePath(APath(carpeta) / APath(nombre));
+std::string JoinPath(std::string_view folder, std::string_view name) {
+  return folder.empty() ? std::string(name) : FromPath(ToPath(folder) / ToPath(name));
 }
 
-std::string CarpetaDe(std::string_view ruta) { return DePath(APath(ruta).parent_path()); }
-std::string NombreDe(std::string_view ruta) { return DePath(APath(ruta).filename()); }
+std::string FolderOf(std::string_view path) { return FromPath(ToPath(path).parent_path()); }
+std::string NameOf(std::string_view path) { return FromPath(ToPath(path).filename()); }
 
-std::string CarpetaDelPrograma() {
+std::string ProgramFolder() {
 #ifdef _WIN32
-  std::wstring ruta(MAX_PATH, L'\0');
+  std::wstring path(MAX_PATH, L'\0');
   for (;;) {
-    const DWORD n = GetModuleFileNameW(nullptr, ruta.data(), static_cast<DWORD>(ruta.size()));
+    const DWORD n = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     if (n == 0) return {};
-    if (n < ruta.size()) {
-      ruta.resize(n);
-      return DePath(fs::path(ruta).parent_path());
+    if (n < path.size()) {
+      path.resize(n);
+      return FromPath(fs::path(path).parent_path());
     }
-    ruta.resize(ruta.size() * 2);
+    path.resize(path.size() * 2);
   }
 #else
   std::error_code error;
-  const fs::path ruta = fs::read_symlink("/proc/self/exe", error);
-  return error ? std::string() : DePath(ruta.parent_path());
+  const fs::path path = fs::read_symlink("/proc/self/exe", error);
+  return error ? std::string() : FromPath(path.parent_path());
 #endif
 }
 
-std::string CarpetaConfiguracionUsuario() {
+std::string UserConfigFolder() {
 #ifdef _WIN32
-  const std::string carpeta = VariableEntorno("APPDATA");
+  const std::string folder = EnvironmentValue("APPDATA");
 #else
-  std::string carpeta = VariableEntorno("XDG_CONFIG_HOME");
-  if (carpeta.empty()) {
-    const std::string casa = VariableEntorno("HOME");
-    if (!casa.empty()) carpeta = UnirRuta(casa, ".config");
+  std::string folder = EnvironmentValue("XDG_CONFIG_HOME");
+  if (folder.empty()) {
+    const std::string home = EnvironmentValue("HOME");
+    if (!home.empty()) folder = JoinPath(home, ".config");
   }
 #endif
-  return carpeta.empty() ? std::string() : UnirRuta(carpeta, kNombrePrograma);
+  return folder.empty() ? std::string() : JoinPath(folder, kProgramName);
 }
 
 std::string TemporaryFolder() {
   std::error_code error;
   const fs::path folder = fs::temp_directory_path(error);
-  return error ? std::string() : DePath(folder);
+  return error ? std::string() : FromPath(folder);
 }
 
-std::string VariableEntorno(const char* nombre) {
+std::string EnvironmentValue(const char* name) {
 #ifdef _WIN32
-  const std::u16string ancho = AUtf16(nombre);
-  const wchar_t* valor = _wgetenv(std::wstring(ancho.begin(), ancho.end()).c_str());
-  if (valor == nullptr) return {};
-  const std::wstring texto = valor;
-  return DeUtf16(std::u16string(texto.begin(), texto.end()));
+  const std::u16string width = ToUtf16(name);
+  const wchar_t* value = _wgetenv(std::wstring(width.begin(), width.end()).c_str());
+  if (value == nullptr) return {};
+  const std::wstring text = value;
+  return FromUtf16(std::u16string(text.begin(), text.end()));
 #else
-  const char* valor = std::getenv(nombre);
-  return valor == nullptr ? std::string() : std::string(valor);
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
 #endif
 }
 

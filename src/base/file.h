@@ -7,25 +7,25 @@
 
 namespace base {
 
-bool ExisteArchivo(std::string_view ruta);  // a file of that path (not a folder)
+bool FileExists(std::string_view path);  // a file of that path (not a folder)
 // The bytes, or none when it cannot be read.
-std::optional<std::string> LeerArchivo(std::string_view ruta);
-// The same for at most the first `cantidad` bytes.
-std::optional<std::string> LeerPrincipio(std::string_view ruta, std::size_t cantidad);
+std::optional<std::string> ReadWholeFile(std::string_view path);
+// The same for at most the first `count` bytes.
+std::optional<std::string> ReadBeginning(std::string_view path, std::size_t count);
 // Replaces the file atomically: written beside it, flushed, renamed over it. False when any step failed; the
 // old file is then as it was.
-bool EscribirArchivo(std::string_view ruta, std::string_view bytes);
+bool WriteWholeFile(std::string_view path, std::string_view bytes);
 // Creates an empty file when there is none; never touches one that exists.
-bool CrearSiFalta(std::string_view ruta);
-bool CrearCarpeta(std::string_view ruta);
-bool CarpetaEscribible(std::string_view ruta);
+bool CreateIfMissing(std::string_view path);
+bool CreateFolder(std::string_view path);
+bool IsWritableFolder(std::string_view path);
 
-std::string UnirRuta(std::string_view carpeta, std::string_view nombre);
-std::string CarpetaDe(std::string_view ruta);
-std::string NombreDe(std::string_view ruta);
-std::string CarpetaDelPrograma();           // where the executable is
-std::string CarpetaConfiguracionUsuario();  // the user's configuration folder for this program
-std::string TemporaryFolder();              // the system's; "" when it cannot be told
-std::string VariableEntorno(const char* nombre);
+std::string JoinPath(std::string_view folder, std::string_view name);
+std::string FolderOf(std::string_view path);
+std::string NameOf(std::string_view path);
+std::string ProgramFolder();     // where the executable is
+std::string UserConfigFolder();  // the user's configuration folder for this program
+std::string TemporaryFolder();   // the system's; "" when it cannot be told
+std::string EnvironmentValue(const char* name);
 
 }  // namespace base

@@ -12,39 +12,39 @@
 namespace base {
 namespace internal {
 
-std::string_view MascaraDeNombre(std::string_view mascara, const Locale& locale) {
-  struct Nombre {
-    std::string_view nombre, mascara;
+std::string_view MaskOfName(std::string_view mask, const Locale& locale) {
+  struct Name {
+    std::string_view name, mask;
   };
-  const std::array<Nombre, 11> kNombres = {{{"General Date", "c"},
-                                            {"Long Date", locale.fecha_larga},
-                                            {"Medium Date", "dd-mmm-yy"},
-                                            {"Short Date", locale.fecha_corta},
-                                            {"Long Time", locale.hora},
-                                            {"Medium Time", "hh:nn AM/PM"},
-                                            {"Short Time", "hh:nn"},
-                                            {"Fixed", "0.00"},
-                                            {"Standard", "#,##0.00"},
-                                            {"Percent", "0.00%"},
-                                            {"Scientific", "0.00E+00"}}};
+  const std::array<Name, 11> kNames = {{{"General Date", "c"},
+                                        {"Long Date", locale.long_date},
+                                        {"Medium Date", "dd-mmm-yy"},
+                                        {"Short Date", locale.short_date},
+                                        {"Long Time", locale.time},
+                                        {"Medium Time", "hh:nn AM/PM"},
+                                        {"Short Time", "hh:nn"},
+                                        {"Fixed", "0.00"},
+                                        {"Standard", "#,##0.00"},
+                                        {"Percent", "0.00%"},
+                                        {"Scientific", "0.00E+00"}}};
   // Every name is longer than the short masks that the program itself uses.
-  if (mascara.size() < 5 || mascara.size() > 12) return mascara;
-  for (const auto& n : kNombres)
-    if (IgualSinCaso(n.nombre, mascara)) return n.mascara;
-  return mascara;
+  if (mask.size() < 5 || mask.size() > 12) return mask;
+  for (const auto& n : kNames)
+    if (EqualIgnoringCase(n.name, mask)) return n.mask;
+  return mask;
 }
 
-ClaseMascara ClaseDe(std::string_view mascara) {
-  std::string ignorado;
-  for (std::size_t i = 0; i < mascara.size();) {
-    if (TomarLiteral(mascara, i, ignorado)) continue;
-    switch (MinAscii(mascara[i])) {
+MaskKind KindOf(std::string_view mask) {
+  std::string ignored;
+  for (std::size_t i = 0; i < mask.size();) {
+    if (TakeLiteral(mask, i, ignored)) continue;
+    switch (LowerAscii(mask[i])) {
       case '@':
       case '&':
       case '!':
       case '<':
       case '>':
-        return ClaseMascara::Texto;
+        return MaskKind::Text;
       case 'd':
       case 'm':
       case 'y':
@@ -56,12 +56,12 @@ ClaseMascara ClaseDe(std::string_view mascara) {
       case 'c':
       case '/':
       case ':':
-        return ClaseMascara::Fecha;
+        return MaskKind::Date;
       case 'a':
-        if (LargoFranja(mascara, i) > 0) return ClaseMascara::Fecha;
+        if (DayHalfLength(mask, i) > 0) return MaskKind::Date;
         break;
       case 't':
-        if (IgualSinCaso(mascara.substr(i, 5), "ttttt")) return ClaseMascara::Fecha;
+        if (EqualIgnoringCase(mask.substr(i, 5), "ttttt")) return MaskKind::Date;
         break;
       case '0':
       case '#':
@@ -69,155 +69,155 @@ ClaseMascara ClaseDe(std::string_view mascara) {
       case '.':
       case ',':
       case ';':
-        return ClaseMascara::Numero;
+        return MaskKind::Number;
       default:
         break;
     }
     ++i;
   }
-  return ClaseMascara::Numero;
+  return MaskKind::Number;
 }
 
-bool TomarLiteral(std::string_view mascara, std::size_t& i, std::string& salida) {
-  if (mascara[i] == '\\') {
-    if (++i >= mascara.size()) return true;
-    const std::size_t largo = LargoCaracter(mascara, i);
-    salida.append(mascara, i, largo);
-    i += largo;
+bool TakeLiteral(std::string_view mask, std::size_t& i, std::string& output) {
+  if (mask[i] == '\\') {
+    if (++i >= mask.size()) return true;
+    const std::size_t length = CharacterLength(mask, i);
+    output.append(mask, i, length);
+    i += length;
     return true;
   }
-  if (mascara[i] != '"') return false;
-  const std::size_t fin = mascara.find('"', i + 1);
-  salida.append(mascara.substr(i + 1, fin == std::string_view::npos ? fin : fin - i - 1));
-  i = fin == std::string_view::npos ? mascara.size() : fin + 1;
+  if (mask[i] != '"') return false;
+  const std::size_t end = mask.find('"', i + 1);
+  output.append(mask.substr(i + 1, end == std::string_view::npos ? end : end - i - 1));
+  i = end == std::string_view::npos ? mask.size() : end + 1;
   return true;
 }
 
-std::vector<std::string_view> Secciones(std::string_view mascara) {
-  std::vector<std::string_view> secciones;
-  std::string ignorado;
-  std::size_t inicio = 0;
-  for (std::size_t i = 0; i < mascara.size();) {
-    if (TomarLiteral(mascara, i, ignorado)) continue;
-    if (mascara[i] == ';') {
-      secciones.push_back(mascara.substr(inicio, i - inicio));
-      inicio = i + 1;
+std::vector<std::string_view> Sections(std::string_view mask) {
+  std::vector<std::string_view> sections;
+  std::string ignored;
+  std::size_t start = 0;
+  for (std::size_t i = 0; i < mask.size();) {
+    if (TakeLiteral(mask, i, ignored)) continue;
+    if (mask[i] == ';') {
+      sections.push_back(mask.substr(start, i - start));
+      start = i + 1;
     }
     ++i;
   }
-  secciones.push_back(mascara.substr(inicio));
-  return secciones;
+  sections.push_back(mask.substr(start));
+  return sections;
 }
 
-std::string FormatearTexto(std::string_view texto, std::string_view mascara) {
-  const auto secciones = Secciones(mascara);
-  if (texto.empty() && secciones.size() == 1) return {};
-  mascara = texto.empty() ? secciones[1] : secciones[0];
-  bool desde_izquierda = false;
-  std::string (*caso)(std::string_view) = nullptr;
-  std::size_t lugares = 0;
-  std::string ignorado;
-  for (std::size_t i = 0; i < mascara.size();) {
-    if (TomarLiteral(mascara, i, ignorado)) continue;
-    const char c = mascara[i++];
-    if (c == '!') desde_izquierda = true;
-    if (c == '<') caso = Minusculas;
-    if (c == '>') caso = Mayusculas;
-    if (c == '@' || c == '&') ++lugares;
+std::string ApplyTextMask(std::string_view text, std::string_view mask) {
+  const auto sections = Sections(mask);
+  if (text.empty() && sections.size() == 1) return {};
+  mask = text.empty() ? sections[1] : sections[0];
+  bool from_left = false;
+  std::string (*convert)(std::string_view) = nullptr;
+  std::size_t places = 0;
+  std::string ignored;
+  for (std::size_t i = 0; i < mask.size();) {
+    if (TakeLiteral(mask, i, ignored)) continue;
+    const char c = mask[i++];
+    if (c == '!') from_left = true;
+    if (c == '<') convert = LowerCase;
+    if (c == '>') convert = UpperCase;
+    if (c == '@' || c == '&') ++places;
   }
-  const std::string cambiado = caso == nullptr ? std::string(texto) : caso(texto);
-  std::u32string letras = APuntos(cambiado);
+  const std::string changed = convert == nullptr ? std::string(text) : convert(text);
+  std::u32string letters = ToPoints(changed);
   // Filled from the right, missing characters are missed in front; filled from the left, behind, and a text
   // that is too long loses its first ones.
-  std::size_t vacios = !desde_izquierda && letras.size() < lugares ? lugares - letras.size() : 0;
-  if (desde_izquierda && lugares > 0 && letras.size() > lugares) letras.erase(0, letras.size() - lugares);
-  std::string salida;
+  std::size_t empty_places = !from_left && letters.size() < places ? places - letters.size() : 0;
+  if (from_left && places > 0 && letters.size() > places) letters.erase(0, letters.size() - places);
+  std::string output;
   std::size_t k = 0;
-  for (std::size_t i = 0; i < mascara.size();) {
-    if (TomarLiteral(mascara, i, salida)) continue;
-    const char c = mascara[i++];
+  for (std::size_t i = 0; i < mask.size();) {
+    if (TakeLiteral(mask, i, output)) continue;
+    const char c = mask[i++];
     if (c == '!' || c == '<' || c == '>') continue;
     if (c != '@' && c != '&') {
-      salida += c;
-    } else if (vacios > 0 || k >= letras.size()) {
-      if (vacios > 0) --vacios;
-      if (c == '@') salida += ' ';
+      output += c;
+    } else if (empty_places > 0 || k >= letters.size()) {
+      if (empty_places > 0) --empty_places;
+      if (c == '@') output += ' ';
     } else {
-      salida += DePuntos({&letras[k++], 1});
+      output += FromPoints({&letters[k++], 1});
     }
   }
-  return salida += DePuntos(std::u32string_view(letras).substr(k));
+  return output += FromPoints(std::u32string_view(letters).substr(k));
 }
 
 }  // namespace internal
 
 namespace {
 
-using internal::ClaseMascara;
+using internal::MaskKind;
 
 // The words of a mask that is no mask: what it prints for a number, none for every other mask.
-std::optional<std::string> Palabra(double numero, std::string_view mascara, const Locale& locale) {
-  const bool cierto = numero != 0;
-  if (IgualSinCaso(mascara, "General Number")) return TextoDeNumero(numero, locale);
-  if (IgualSinCaso(mascara, "Yes/No")) return cierto ? locale.si : locale.no;
-  if (IgualSinCaso(mascara, "True/False")) return cierto ? locale.verdadero : locale.falso;
-  if (IgualSinCaso(mascara, "On/Off")) return cierto ? locale.encendido : locale.apagado;
-  if (!IgualSinCaso(mascara, "Currency")) return std::nullopt;
-  const std::string cifras = FormatNumero(numero < 0 ? -numero : numero, "#,##0.00", locale);
-  if (locale.moneda_detras) return (numero < 0 ? "-" : "") + cifras + " " + locale.moneda;
-  return numero < 0 ? "(" + locale.moneda + cifras + ")" : locale.moneda + cifras;
+std::optional<std::string> FormatAsWord(double number, std::string_view mask, const Locale& locale) {
+  const bool truth = number != 0;
+  if (EqualIgnoringCase(mask, "General Number")) return NumberText(number, locale);
+  if (EqualIgnoringCase(mask, "Yes/No")) return truth ? locale.yes : locale.no;
+  if (EqualIgnoringCase(mask, "True/False")) return truth ? locale.true_word : locale.false_word;
+  if (EqualIgnoringCase(mask, "On/Off")) return truth ? locale.on : locale.off;
+  if (!EqualIgnoringCase(mask, "Currency")) return std::nullopt;
+  const std::string digits = FormatNumber(number < 0 ? -number : number, "#,##0.00", locale);
+  if (locale.currency_behind) return (number < 0 ? "-" : "") + digits + " " + locale.currency;
+  return number < 0 ? "(" + locale.currency + digits + ")" : locale.currency + digits;
 }
 
-bool EsPalabra(std::string_view mascara) {
-  for (const std::string_view nombre : {"General Number", "Yes/No", "True/False", "On/Off", "Currency"})
-    if (IgualSinCaso(mascara, nombre)) return true;
+bool IsWord(std::string_view mask) {
+  for (const std::string_view name : {"General Number", "Yes/No", "True/False", "On/Off", "Currency"})
+    if (EqualIgnoringCase(mask, name)) return true;
   return false;
 }
 
-std::string FormatDeTexto(const std::string& texto, std::string_view mascara, bool de_fecha, Fecha hoy,
-                          const Locale& locale, int primer_dia, int primera_semana) {
-  if (de_fecha) {
-    const auto fecha = FechaDeTexto(texto, hoy, locale);
-    return fecha ? internal::FormatearFecha(*fecha, mascara, locale, primer_dia, primera_semana) : texto;
+std::string FormatOfText(const std::string& text, std::string_view mask, bool for_date, Date today,
+                         const Locale& locale, int first_day, int first_week) {
+  if (for_date) {
+    const auto date = DateFromText(text, today, locale);
+    return date ? internal::ApplyDateMask(*date, mask, locale, first_day, first_week) : text;
   }
-  if (const auto numero = DialectNumber(texto, locale)) return FormatNumero(*numero, mascara, locale);
-  const auto fecha = FechaDeTexto(texto, hoy, locale);
-  return fecha ? FormatNumero(fecha->serie, mascara, locale) : texto;
+  if (const auto number = DialectNumber(text, locale)) return FormatNumber(*number, mask, locale);
+  const auto date = DateFromText(text, today, locale);
+  return date ? FormatNumber(date->serial, mask, locale) : text;
 }
 
 }  // namespace
 
-std::string Format(const Valor& valor, std::string_view mascara, Fecha hoy, const Locale& locale,
-                   int primer_dia, int primera_semana) {
-  mascara = internal::MascaraDeNombre(mascara, locale);
-  if (mascara.empty()) return valor.Texto(locale);
-  const ClaseMascara clase = EsPalabra(mascara) ? ClaseMascara::Numero : internal::ClaseDe(mascara);
-  if (clase == ClaseMascara::Texto) return internal::FormatearTexto(valor.Texto(locale), mascara);
-  if (valor.EsNulo()) {
-    const auto secciones = internal::Secciones(mascara);
-    if (clase != ClaseMascara::Numero || secciones.size() < 4) return {};
-    return FormatNumero(0, secciones[3], locale);
+std::string Format(const Value& value, std::string_view mask, Date today, const Locale& locale, int first_day,
+                   int first_week) {
+  mask = internal::MaskOfName(mask, locale);
+  if (mask.empty()) return value.Text(locale);
+  const MaskKind kind = IsWord(mask) ? MaskKind::Number : internal::KindOf(mask);
+  if (kind == MaskKind::Text) return internal::ApplyTextMask(value.Text(locale), mask);
+  if (value.IsNull()) {
+    const auto sections = internal::Sections(mask);
+    if (kind != MaskKind::Number || sections.size() < 4) return {};
+    return FormatNumber(0, sections[3], locale);
   }
-  const bool de_fecha = clase == ClaseMascara::Fecha;
-  if (const auto* texto = valor.Si<std::string>())
-    return FormatDeTexto(*texto, mascara, de_fecha, hoy, locale, primer_dia, primera_semana);
-  const double numero =
-      valor.tipo() == Tipo::Simple ? DobleDeSimple(*valor.Si<float>()) : valor.Numero(locale);
-  if (de_fecha) return internal::FormatearFecha({numero}, mascara, locale, primer_dia, primera_semana);
-  return FormatNumero(numero, mascara, locale);
+  const bool for_date = kind == MaskKind::Date;
+  if (const auto* text = value.GetIf<std::string>())
+    return FormatOfText(*text, mask, for_date, today, locale, first_day, first_week);
+  const double number =
+      value.type() == Type::Single ? DoubleOfSingle(*value.GetIf<float>()) : value.Number(locale);
+  if (for_date) return internal::ApplyDateMask({number}, mask, locale, first_day, first_week);
+  return FormatNumber(number, mask, locale);
 }
 
-std::string FormatFecha(Fecha fecha, std::string_view mascara, const Locale& locale) {
-  mascara = internal::MascaraDeNombre(mascara, locale);
-  if (mascara.empty()) return TextoDeFecha(fecha, locale);
-  return internal::FormatearFecha(fecha, mascara, locale, 1, 1);
+std::string FormatDate(Date date, std::string_view mask, const Locale& locale) {
+  mask = internal::MaskOfName(mask, locale);
+  if (mask.empty()) return DateText(date, locale);
+  return internal::ApplyDateMask(date, mask, locale, 1, 1);
 }
 
-std::string FormatNumero(double numero, std::string_view mascara, const Locale& locale) {
-  if (const auto palabra = Palabra(numero, mascara, locale)) return *palabra;
-  mascara = internal::MascaraDeNombre(mascara, locale);
-  if (mascara.empty()) return TextoDeNumero(numero, locale);
-  return internal::FormatearNumero(numero, mascara, locale);
+std::string FormatNumber(double number, std::string_view mask, const Locale& locale) {
+  if (const auto word = FormatAsWord(number, mask, locale)) return *word;
+  mask = internal::MaskOfName(mask, locale);
+  if (mask.empty()) return NumberText(number, locale);
+  return internal::ApplyNumberMask(number, mask, locale);
 }
 
 }  // namespace base

@@ -5,60 +5,60 @@
 
 namespace base::internal {
 
-std::size_t LargoFranja(std::string_view mascara, std::size_t i) {
-  for (const std::string_view forma : {"AM/PM", "AMPM", "A/P"})
-    if (EmpiezaCon(mascara.substr(i), forma, Comparar::SinCaso)) return forma.size();
+std::size_t DayHalfLength(std::string_view mask, std::size_t i) {
+  for (const std::string_view form : {"AM/PM", "AMPM", "A/P"})
+    if (StartsWith(mask.substr(i), form, Compare::IgnoringCase)) return form.size();
   return 0;
 }
 
 namespace {
 
-bool TieneFranja(std::string_view mascara) {
-  std::string ignorado;
-  for (std::size_t i = 0; i < mascara.size();) {
-    if (TomarLiteral(mascara, i, ignorado)) continue;
-    if (LargoFranja(mascara, i) > 0) return true;
+bool HasDayHalf(std::string_view mask) {
+  std::string ignored;
+  for (std::size_t i = 0; i < mask.size();) {
+    if (TakeLiteral(mask, i, ignored)) continue;
+    if (DayHalfLength(mask, i) > 0) return true;
     ++i;
   }
   return false;
 }
 
-class Escritor {
+class Writer {
  public:
-  Escritor(Fecha fecha, const Locale& locale, int primer_dia, int primera_semana, bool doce)
-      : fecha_(fecha),
-        p_(Partes(fecha)),
+  Writer(Date date, const Locale& locale, int first_day, int first_week, bool twelve_hours)
+      : date_(date),
+        p_(PartsOf(date)),
         locale_(locale),
-        primer_dia_(primer_dia),
-        primera_semana_(primera_semana),
-        doce_(doce) {}
+        first_day_(first_day),
+        first_week_(first_week),
+        twelve_hours_(twelve_hours) {}
 
-  std::string Escribir(std::string_view mascara) {
-    for (std::size_t i = 0; i < mascara.size();) {
-      if (TomarLiteral(mascara, i, salida_)) continue;
-      if (const std::size_t largo = LargoFranja(mascara, i)) {
-        Franja(mascara.substr(i, largo));
-        i += largo;
+  std::string Write(std::string_view mask) {
+    for (std::size_t i = 0; i < mask.size();) {
+      if (TakeLiteral(mask, i, output_)) continue;
+      if (const std::size_t length = DayHalfLength(mask, i)) {
+        WriteDayHalf(mask.substr(i, length));
+        i += length;
         continue;
       }
-      const char letra = MinAscii(mascara[i]);
+      const char letter = LowerAscii(mask[i]);
       std::size_t n = 1;
-      while (n < Maximo(letra) && i + n < mascara.size() && MinAscii(mascara[i + n]) == letra) ++n;
-      if (letra == 't' && n < 5) n = 1;
-      if (!Componente(letra, n)) {
-        salida_ += mascara[i];
+      while (n < LongestRun(letter) && i + n < mask.size() && LowerAscii(mask[i + n]) == letter) ++n;
+      if (letter == 't' && n < 5) n = 1;
+      if (!WriteComponent(letter, n)) {
+        output_ += mask[i];
         n = 1;
-      } else if (letra != '/' && letra != ':') {
-        tras_hora_ = letra == 'h';
+      } else if (letter != '/' && letter != ':') {
+        after_hour_ = letter == 'h';
       }
       i += n;
     }
-    return salida_;
+    return output_;
   }
 
  private:
-  static std::size_t Maximo(char letra) {
-    switch (letra) {
+  static std::size_t LongestRun(char letter) {
+    switch (letter) {
       case 'd':
         return 6;
       case 'm':
@@ -76,115 +76,115 @@ class Escritor {
     }
   }
 
-  void Numero(int numero, std::size_t cifras) {
-    if (cifras == 2 && numero < 10) salida_ += '0';
-    salida_ += std::to_string(numero);
+  void WriteNumber(int number, std::size_t digits) {
+    if (digits == 2 && number < 10) output_ += '0';
+    output_ += std::to_string(number);
   }
 
-  void Franja(std::string_view forma) {
-    const bool tarde = p_.hora >= 12;
-    if (forma.size() == 4) {
-      salida_ += tarde ? locale_.pm : locale_.am;
-    } else if (forma.size() == 3) {
-      salida_ += forma[tarde ? 2 : 0];
+  void WriteDayHalf(std::string_view form) {
+    const bool afternoon = p_.hour >= 12;
+    if (form.size() == 4) {
+      output_ += afternoon ? locale_.pm : locale_.am;
+    } else if (form.size() == 3) {
+      output_ += form[afternoon ? 2 : 0];
     } else {
-      salida_ += forma.substr(tarde ? 3 : 0, 2);
+      output_ += form.substr(afternoon ? 3 : 0, 2);
     }
-    tras_hora_ = false;
+    after_hour_ = false;
   }
 
   // False when the letter is no component: it prints as it is.
-  bool Componente(char letra, std::size_t n) {
-    switch (letra) {
+  bool WriteComponent(char letter, std::size_t n) {
+    switch (letter) {
       case 'd':
-        Dia(n);
+        WriteDay(n);
         return true;
       case 'm':
-        Mes(n);
+        WriteMonth(n);
         return true;
       case 'y':
-        Anio(n);
+        WriteYear(n);
         return true;
       case 'h':
-        Numero(doce_ ? (p_.hora + 11) % 12 + 1 : p_.hora, n);
+        WriteNumber(twelve_hours_ ? (p_.hour + 11) % 12 + 1 : p_.hour, n);
         return true;
       case 'n':
-        Numero(p_.minuto, n);
+        WriteNumber(p_.minute, n);
         return true;
       case 's':
-        Numero(p_.segundo, n);
+        WriteNumber(p_.second, n);
         return true;
       case 'q':
-        Numero((p_.mes - 1) / 3 + 1, 1);
+        WriteNumber((p_.month - 1) / 3 + 1, 1);
         return true;
       case 'w':
-        Numero(DatePart(n == 1 ? "w" : "ww", fecha_, primer_dia_, primera_semana_), 1);
+        WriteNumber(DatePart(n == 1 ? "w" : "ww", date_, first_day_, first_week_), 1);
         return true;
       case 'c':
-        salida_ += TextoDeFecha(fecha_, locale_);
+        output_ += DateText(date_, locale_);
         return true;
       case 't':
         if (n < 5) return false;
-        salida_ += FormatearFecha(fecha_, locale_.hora, locale_, primer_dia_, primera_semana_);
+        output_ += ApplyDateMask(date_, locale_.time, locale_, first_day_, first_week_);
         return true;
       case '/':
-        salida_ += locale_.separador_fecha;
+        output_ += locale_.date_separator;
         return true;
       case ':':
-        salida_ += locale_.separador_hora;
+        output_ += locale_.time_separator;
         return true;
       default:
         return false;
     }
   }
 
-  void Dia(std::size_t n) {
-    const auto semana = static_cast<std::size_t>(DiaSemana(fecha_) - 1);
+  void WriteDay(std::size_t n) {
+    const auto weekday = static_cast<std::size_t>(Weekday(date_) - 1);
     if (n <= 2) {
-      Numero(p_.dia, n);
+      WriteNumber(p_.day, n);
     } else if (n == 3) {
-      salida_ += locale_.dias_cortos[semana];
+      output_ += locale_.short_days[weekday];
     } else if (n == 4) {
-      salida_ += locale_.dias[semana];
+      output_ += locale_.days[weekday];
     } else {
-      salida_ += FormatearFecha(fecha_, n == 5 ? locale_.fecha_corta : locale_.fecha_larga, locale_,
-                                primer_dia_, primera_semana_);
+      output_ += ApplyDateMask(date_, n == 5 ? locale_.short_date : locale_.long_date, locale_, first_day_,
+                               first_week_);
     }
   }
 
   // Right behind the hour it is the minute.
-  void Mes(std::size_t n) {
-    const auto mes = static_cast<std::size_t>(p_.mes - 1);
+  void WriteMonth(std::size_t n) {
+    const auto month = static_cast<std::size_t>(p_.month - 1);
     if (n <= 2) {
-      Numero(tras_hora_ ? p_.minuto : p_.mes, n);
+      WriteNumber(after_hour_ ? p_.minute : p_.month, n);
     } else {
-      salida_ += n == 3 ? locale_.meses_cortos[mes] : locale_.meses[mes];
+      output_ += n == 3 ? locale_.short_months[month] : locale_.months[month];
     }
   }
 
-  void Anio(std::size_t n) {
+  void WriteYear(std::size_t n) {
     if (n == 4) {
-      Numero(p_.anio, 1);
+      WriteNumber(p_.year, 1);
       return;
     }
-    if (n >= 2) Numero(p_.anio % 100, 2);
-    if (n != 2) Numero(DatePart("y", fecha_), 1);  // day of the year
+    if (n >= 2) WriteNumber(p_.year % 100, 2);
+    if (n != 2) WriteNumber(DatePart("y", date_), 1);  // day of the year
   }
 
-  Fecha fecha_;
-  PartesFecha p_;
+  Date date_;
+  DateParts p_;
   const Locale& locale_;
-  int primer_dia_, primera_semana_;
-  bool doce_;
-  bool tras_hora_ = false;
-  std::string salida_;
+  int first_day_, first_week_;
+  bool twelve_hours_;
+  bool after_hour_ = false;
+  std::string output_;
 };
 
 }  // namespace
 
-std::string FormatearFecha(Fecha fecha, std::string_view mascara, const Locale& locale, int primer_dia,
-                           int primera_semana) {
-  return Escritor(fecha, locale, primer_dia, primera_semana, TieneFranja(mascara)).Escribir(mascara);
+std::string ApplyDateMask(Date date, std::string_view mask, const Locale& locale, int first_day,
+                          int first_week) {
+  return Writer(date, locale, first_day, first_week, HasDayHalf(mask)).Write(mask);
 }
 
 }  // namespace base::internal

@@ -10,224 +10,224 @@
 namespace base::internal {
 namespace {
 
-enum class Clase { Literal, Cero, Numeral, Punto, Porcentaje, Exponente };
+enum class Kind { Literal, Zero, Numeral, Point, Percent, Exponent };
 
-struct Ficha {
-  Clase clase;
+struct Token {
+  Kind kind;
   std::string literal;
 };
 
 // One section of a mask, with what its signs say together.
-struct Seccion {
-  std::vector<Ficha> fichas;
-  int enteros = 0;          // places before the decimal sign
-  int fijos = 0;            // of them, from the first "0" on
-  int decimales = 0;        // places behind it
-  int decimales_fijos = 0;  // of them, up to the last "0"
-  int escala = 0;           // power of ten that the number is multiplied by
-  bool miles = false;
-  bool con_exponente = false;
-  bool signo_exponente = false;  // "E+": a plus is printed too
-  char letra_exponente = 'E';
-  int cifras_exponente = 0;
+struct Section {
+  std::vector<Token> tokens;
+  int whole_digits = 0;    // places before the decimal sign
+  int fixed = 0;           // of them, from the first "0" on
+  int decimals = 0;        // places behind it
+  int fixed_decimals = 0;  // of them, up to the last "0"
+  int scale = 0;           // power of ten that the number is multiplied by
+  bool thousands = false;
+  bool has_exponent = false;
+  bool exponent_sign = false;  // "E+": a plus is printed too
+  char exponent_letter = 'E';
+  int exponent_digits = 0;
 };
 
-class Analizador {
+class Parser {
  public:
-  explicit Analizador(std::string_view mascara) : mascara_(mascara) {}
+  explicit Parser(std::string_view mask) : mask_(mask) {}
 
-  Seccion Analizar() {
-    for (std::size_t i = 0; i < mascara_.size();) {
+  Section Parse() {
+    for (std::size_t i = 0; i < mask_.size();) {
       std::string literal;
-      if (TomarLiteral(mascara_, i, literal)) {
-        Agregar(Clase::Literal, std::move(literal));
-      } else if (!Exponente(i)) {
-        Signo(i);
+      if (TakeLiteral(mask_, i, literal)) {
+        Add(Kind::Literal, std::move(literal));
+      } else if (!Exponent(i)) {
+        Sign(i);
       }
     }
-    if (!en_fraccion_) s_.escala -= 3 * comas_;
+    if (!in_fraction_) s_.scale -= 3 * commas_;
     return std::move(s_);
   }
 
  private:
-  void Agregar(Clase clase, std::string literal = {}) { s_.fichas.push_back({clase, std::move(literal)}); }
+  void Add(Kind kind, std::string literal = {}) { s_.tokens.push_back({kind, std::move(literal)}); }
 
   // "E+00", "e-0" …: once, behind a digit place.
-  bool Exponente(std::size_t& i) {
-    if (s_.con_exponente || s_.enteros + s_.decimales == 0 || MinAscii(mascara_[i]) != 'e') return false;
-    if (i + 1 >= mascara_.size() || (mascara_[i + 1] != '+' && mascara_[i + 1] != '-')) return false;
-    s_.con_exponente = true;
-    s_.letra_exponente = mascara_[i];
-    s_.signo_exponente = mascara_[i + 1] == '+';
-    for (i += 2; i < mascara_.size() && (mascara_[i] == '0' || mascara_[i] == '#'); ++i)
-      if (mascara_[i] == '0') ++s_.cifras_exponente;
-    Agregar(Clase::Exponente);
+  bool Exponent(std::size_t& i) {
+    if (s_.has_exponent || s_.whole_digits + s_.decimals == 0 || LowerAscii(mask_[i]) != 'e') return false;
+    if (i + 1 >= mask_.size() || (mask_[i + 1] != '+' && mask_[i + 1] != '-')) return false;
+    s_.has_exponent = true;
+    s_.exponent_letter = mask_[i];
+    s_.exponent_sign = mask_[i + 1] == '+';
+    for (i += 2; i < mask_.size() && (mask_[i] == '0' || mask_[i] == '#'); ++i)
+      if (mask_[i] == '0') ++s_.exponent_digits;
+    Add(Kind::Exponent);
     return true;
   }
 
-  void Lugar(bool cero) {
-    Agregar(cero ? Clase::Cero : Clase::Numeral);
-    if (en_fraccion_) {
-      ++s_.decimales;
-      if (cero) s_.decimales_fijos = s_.decimales;
+  void Place(bool zero) {
+    Add(zero ? Kind::Zero : Kind::Numeral);
+    if (in_fraction_) {
+      ++s_.decimals;
+      if (zero) s_.fixed_decimals = s_.decimals;
       return;
     }
-    if (comas_ > 0) s_.miles = true;
-    comas_ = 0;
-    ++s_.enteros;
-    if (cero || s_.fijos > 0) ++s_.fijos;
+    if (commas_ > 0) s_.thousands = true;
+    commas_ = 0;
+    ++s_.whole_digits;
+    if (zero || s_.fixed > 0) ++s_.fixed;
   }
 
-  void Signo(std::size_t& i) {
-    const char c = mascara_[i];
+  void Sign(std::size_t& i) {
+    const char c = mask_[i];
     if (c == '0' || c == '#') {
-      Lugar(c == '0');
-    } else if (c == '.' && !en_fraccion_) {
-      s_.escala -= 3 * comas_;  // thousands signs right before it scale by 1000 each
-      en_fraccion_ = true;
-      Agregar(Clase::Punto);
+      Place(c == '0');
+    } else if (c == '.' && !in_fraction_) {
+      s_.scale -= 3 * commas_;  // thousands signs right before it scale by 1000 each
+      in_fraction_ = true;
+      Add(Kind::Point);
     } else if (c == ',') {
-      if (!en_fraccion_ && s_.enteros > 0) ++comas_;
+      if (!in_fraction_ && s_.whole_digits > 0) ++commas_;
     } else if (c == '%') {
-      s_.escala += 2;
-      Agregar(Clase::Porcentaje);
+      s_.scale += 2;
+      Add(Kind::Percent);
     } else {
-      const std::size_t largo = LargoCaracter(mascara_, i);
-      Agregar(Clase::Literal, std::string(mascara_.substr(i, largo)));
-      i += largo;
+      const std::size_t length = CharacterLength(mask_, i);
+      Add(Kind::Literal, std::string(mask_.substr(i, length)));
+      i += length;
       return;
     }
     ++i;
   }
 
-  std::string_view mascara_;
-  Seccion s_;
-  bool en_fraccion_ = false;
-  int comas_ = 0;  // since the last place: thousands when a place follows, a scale otherwise
+  std::string_view mask_;
+  Section s_;
+  bool in_fraction_ = false;
+  int commas_ = 0;  // since the last place: thousands when a place follows, a scale otherwise
 };
 
 // The digits that a section prints.
-struct Cifras {
-  std::string enteros, fraccion;
-  int exponente = 0;
+struct Digits {
+  std::string whole_digits, fraction;
+  int exponent = 0;
 };
 
-Cifras Repartir(Decimal& d, const Seccion& s) {
-  Cifras c;
-  d.exponente += d.EsCero() ? 0 : s.escala;
-  if (s.con_exponente && !d.EsCero()) {
-    c.exponente = d.exponente - s.enteros;
-    d.exponente = s.enteros;
-    RedondearDecimal(d, s.decimales, Medio::Afuera);
-    if (d.exponente > s.enteros) {  // 9.99 became 10.0
-      ++c.exponente;
-      --d.exponente;
+Digits Distribute(Decimal& d, const Section& s) {
+  Digits c;
+  d.exponent += d.IsZero() ? 0 : s.scale;
+  if (s.has_exponent && !d.IsZero()) {
+    c.exponent = d.exponent - s.whole_digits;
+    d.exponent = s.whole_digits;
+    RoundDecimal(d, s.decimals, Half::AwayFromZero);
+    if (d.exponent > s.whole_digits) {  // 9.99 became 10.0
+      ++c.exponent;
+      --d.exponent;
     }
   } else {
-    RedondearDecimal(d, s.decimales, Medio::Afuera);
+    RoundDecimal(d, s.decimals, Half::AwayFromZero);
   }
-  const auto n = static_cast<int>(d.digitos.size());
-  const int enteros = std::max(d.exponente, 0);
-  c.enteros = d.digitos.substr(0, static_cast<std::size_t>(std::min(enteros, n)));
-  c.enteros.append(static_cast<std::size_t>(enteros) - c.enteros.size(), '0');
-  if (d.exponente < 0) c.fraccion.assign(static_cast<std::size_t>(-d.exponente), '0');
-  if (n > enteros) c.fraccion += d.digitos.substr(static_cast<std::size_t>(enteros));
-  if (static_cast<int>(c.enteros.size()) < s.fijos)
-    c.enteros.insert(0, static_cast<std::size_t>(s.fijos) - c.enteros.size(), '0');
-  if (static_cast<int>(c.fraccion.size()) < s.decimales_fijos)
-    c.fraccion.append(static_cast<std::size_t>(s.decimales_fijos) - c.fraccion.size(), '0');
+  const auto n = static_cast<int>(d.digits.size());
+  const int whole_digits = std::max(d.exponent, 0);
+  c.whole_digits = d.digits.substr(0, static_cast<std::size_t>(std::min(whole_digits, n)));
+  c.whole_digits.append(static_cast<std::size_t>(whole_digits) - c.whole_digits.size(), '0');
+  if (d.exponent < 0) c.fraction.assign(static_cast<std::size_t>(-d.exponent), '0');
+  if (n > whole_digits) c.fraction += d.digits.substr(static_cast<std::size_t>(whole_digits));
+  if (static_cast<int>(c.whole_digits.size()) < s.fixed)
+    c.whole_digits.insert(0, static_cast<std::size_t>(s.fixed) - c.whole_digits.size(), '0');
+  if (static_cast<int>(c.fraction.size()) < s.fixed_decimals)
+    c.fraction.append(static_cast<std::size_t>(s.fixed_decimals) - c.fraction.size(), '0');
   return c;
 }
 
-class EscritorNumero {
+class NumberWriter {
  public:
-  EscritorNumero(const Seccion& seccion, const Cifras& cifras, const Locale& locale)
-      : s_(seccion), c_(cifras), locale_(locale), faltan_(seccion.enteros) {}
+  NumberWriter(const Section& section, const Digits& digits, const Locale& locale)
+      : s_(section), c_(digits), locale_(locale), remaining_(section.whole_digits) {}
 
-  std::string Escribir() {
-    for (const auto& ficha : s_.fichas) {
-      switch (ficha.clase) {
-        case Clase::Literal:
-          salida_ += ficha.literal;
+  std::string Write() {
+    for (const auto& token : s_.tokens) {
+      switch (token.kind) {
+        case Kind::Literal:
+          output_ += token.literal;
           break;
-        case Clase::Cero:
-        case Clase::Numeral:
-          Lugar();
+        case Kind::Zero:
+        case Kind::Numeral:
+          Place();
           break;
-        case Clase::Punto:
-          Enteros(c_.enteros.size());  // a mask without places in front drops nothing
-          salida_ += locale_.decimal;
-          en_fraccion_ = true;
+        case Kind::Point:
+          WriteWholeDigits(c_.whole_digits.size());  // a mask without places in front drops nothing
+          output_ += locale_.decimal;
+          in_fraction_ = true;
           break;
-        case Clase::Porcentaje:
-          salida_ += '%';
+        case Kind::Percent:
+          output_ += '%';
           break;
-        case Clase::Exponente:
-          Exponente();
+        case Kind::Exponent:
+          Exponent();
           break;
       }
     }
-    return std::move(salida_);
+    return std::move(output_);
   }
 
  private:
-  void Lugar() {
-    if (en_fraccion_) {
-      if (k_ < c_.fraccion.size()) salida_ += c_.fraccion[k_++];
+  void Place() {
+    if (in_fraction_) {
+      if (k_ < c_.fraction.size()) output_ += c_.fraction[k_++];
       return;
     }
     // Digits in excess of the places all stand at the first one.
-    --faltan_;
-    const auto quedan = static_cast<std::size_t>(faltan_);
-    if (c_.enteros.size() > quedan) Enteros(c_.enteros.size() - quedan);
+    --remaining_;
+    const auto remaining = static_cast<std::size_t>(remaining_);
+    if (c_.whole_digits.size() > remaining) WriteWholeDigits(c_.whole_digits.size() - remaining);
   }
 
-  // Prints integer digits up to the `hasta`-th.
-  void Enteros(std::size_t hasta) {
-    for (; i_ < hasta; ++i_) {
-      salida_ += c_.enteros[i_];
-      const std::size_t detras = c_.enteros.size() - i_ - 1;
-      if (s_.miles && detras > 0 && detras % 3 == 0) salida_ += locale_.miles;
+  // Prints integer digits up to the `to`-th.
+  void WriteWholeDigits(std::size_t to) {
+    for (; i_ < to; ++i_) {
+      output_ += c_.whole_digits[i_];
+      const std::size_t behind = c_.whole_digits.size() - i_ - 1;
+      if (s_.thousands && behind > 0 && behind % 3 == 0) output_ += locale_.thousands;
     }
   }
 
-  void Exponente() {
-    salida_ += s_.letra_exponente;
-    if (c_.exponente < 0) {
-      salida_ += '-';
-    } else if (s_.signo_exponente) {
-      salida_ += '+';
+  void Exponent() {
+    output_ += s_.exponent_letter;
+    if (c_.exponent < 0) {
+      output_ += '-';
+    } else if (s_.exponent_sign) {
+      output_ += '+';
     }
-    const std::string cifras = std::to_string(std::abs(c_.exponente));
-    const auto minimo = static_cast<std::size_t>(s_.cifras_exponente);
-    if (cifras.size() < minimo) salida_.append(minimo - cifras.size(), '0');
-    salida_ += cifras;
+    const std::string digits = std::to_string(std::abs(c_.exponent));
+    const auto minimum = static_cast<std::size_t>(s_.exponent_digits);
+    if (digits.size() < minimum) output_.append(minimum - digits.size(), '0');
+    output_ += digits;
   }
 
-  const Seccion& s_;
-  const Cifras& c_;
+  const Section& s_;
+  const Digits& c_;
   const Locale& locale_;
-  std::string salida_;
-  int faltan_;
+  std::string output_;
+  int remaining_;
   std::size_t i_ = 0, k_ = 0;
-  bool en_fraccion_ = false;
+  bool in_fraction_ = false;
 };
 
 }  // namespace
 
-std::string FormatearNumero(double numero, std::string_view mascara, const Locale& locale) {
-  if (!std::isfinite(numero)) return TextoDeNumero(numero, locale);
-  const auto secciones = Secciones(mascara);
+std::string ApplyNumberMask(double number, std::string_view mask, const Locale& locale) {
+  if (!std::isfinite(number)) return NumberText(number, locale);
+  const auto sections = Sections(mask);
   // An empty section prints as the first one does.
-  const bool negativa = numero < 0 && secciones.size() > 1 && !secciones[1].empty();
-  const bool cero = numero == 0 && secciones.size() > 2 && !secciones[2].empty();
-  const Seccion seccion = Analizador(negativa ? secciones[1] : cero ? secciones[2] : secciones[0]).Analizar();
-  Decimal d = DeDoble(numero);
-  const bool signo = d.negativo && !negativa;
-  const Cifras cifras = Repartir(d, seccion);
+  const bool use_negative = number < 0 && sections.size() > 1 && !sections[1].empty();
+  const bool zero = number == 0 && sections.size() > 2 && !sections[2].empty();
+  const Section section = Parser(use_negative ? sections[1] : zero ? sections[2] : sections[0]).Parse();
+  Decimal d = FromDouble(number);
+  const bool sign = d.negative && !use_negative;
+  const Digits digits = Distribute(d, section);
   // What rounds to zero loses its sign.
-  std::string texto(signo && !d.EsCero() ? 1 : 0, '-');
-  return texto += EscritorNumero(seccion, cifras, locale).Escribir();
+  std::string text(sign && !d.IsZero() ? 1 : 0, '-');
+  return text += NumberWriter(section, digits, locale).Write();
 }
 
 }  // namespace base::internal

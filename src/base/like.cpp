@@ -8,142 +8,142 @@
 namespace base {
 namespace {
 
-[[noreturn]] void PatronIncorrecto() {
-  constexpr int kPatronIncorrecto = 93;
-  throw Error(DescripcionDeError(kPatronIncorrecto), kPatronIncorrecto);
+[[noreturn]] void ThrowBadPattern() {
+  constexpr int kBadPattern = 93;
+  throw Error(ErrorDescription(kBadPattern), kBadPattern);
 }
 
-bool EntreExtremos(char32_t c, char32_t desde, char32_t hasta, Igualdad igualdad, Orden orden) {
-  if (igualdad == Igualdad::Exacta) {
-    if (desde > hasta) PatronIncorrecto();
-    return desde <= c && c <= hasta;
+bool InRange(char32_t c, char32_t from, char32_t to, Equality equality, SortOrder order) {
+  if (equality == Equality::Exact) {
+    if (from > to) ThrowBadPattern();
+    return from <= c && c <= to;
   }
-  const auto texto = [](char32_t p) { return DePuntos(std::u32string_view(&p, 1)); };
-  const std::string medio = texto(c), bajo = texto(desde), alto = texto(hasta);
-  if (CompararTexto(bajo, alto, orden) > 0) PatronIncorrecto();
-  return CompararTexto(bajo, medio, orden) <= 0 && CompararTexto(medio, alto, orden) <= 0;
+  const auto text = [](char32_t p) { return FromPoints(std::u32string_view(&p, 1)); };
+  const std::string middle = text(c), low = text(from), high = text(to);
+  if (CompareText(low, high, order) > 0) ThrowBadPattern();
+  return CompareText(low, middle, order) <= 0 && CompareText(middle, high, order) <= 0;
 }
 
 // One step of a pattern: what a single character of the text must be, or any run of them.
-struct Paso {
-  enum class Que { Fin, Serie, Uno, Cifra, Literal, Lista } que = Que::Fin;
-  char32_t literal = 0;         // folded
-  std::string_view lista = {};  // inside the brackets, without the negation
-  bool negada = false;
+struct Step {
+  enum class What { End, Run, One, Digit, Literal, List } what = What::End;
+  char32_t literal = 0;        // folded
+  std::string_view list = {};  // inside the brackets, without the negation
+  bool negated = false;
 };
 
-class Patron {
+class Pattern {
  public:
-  Patron(std::string_view texto, Comodines comodines, Igualdad igualdad, Orden orden)
-      : texto_(texto), dao_(comodines == Comodines::Dao), igualdad_(igualdad), orden_(orden) {}
+  Pattern(std::string_view text, Wildcards wildcards, Equality equality, SortOrder order)
+      : text_(text), dao_(wildcards == Wildcards::Dao), equality_(equality), order_(order) {}
 
   // The step at byte `i`, which moves past it.
-  Paso Leer(std::size_t& i) const {
-    Paso paso;
-    while (texto_.substr(i, 2) == "[]") i += 2;  // stands for no character at all
-    if (i >= texto_.size()) return paso;
-    const char c = texto_[i];
+  Step Read(std::size_t& i) const {
+    Step step;
+    while (text_.substr(i, 2) == "[]") i += 2;  // stands for no character at all
+    if (i >= text_.size()) return step;
+    const char c = text_[i];
     if (c == (dao_ ? '*' : '%')) {
       ++i;
-      paso.que = Paso::Que::Serie;
+      step.what = Step::What::Run;
     } else if (c == (dao_ ? '?' : '_')) {
       ++i;
-      paso.que = Paso::Que::Uno;
+      step.what = Step::What::One;
     } else if (dao_ && c == '#') {
       ++i;
-      paso.que = Paso::Que::Cifra;
+      step.what = Step::What::Digit;
     } else if (c == '[') {
-      LeerLista(i, paso);
+      ReadList(i, step);
     } else {
-      paso.que = Paso::Que::Literal;
-      paso.literal = Plegado(SiguientePunto(texto_, i));
+      step.what = Step::What::Literal;
+      step.literal = Folded(NextPoint(text_, i));
     }
-    return paso;
+    return step;
   }
 
-  bool Acepta(const Paso& paso, char32_t c) const {
-    switch (paso.que) {
-      case Paso::Que::Uno:
+  bool Accepts(const Step& step, char32_t c) const {
+    switch (step.what) {
+      case Step::What::One:
         return true;
-      case Paso::Que::Cifra:
+      case Step::What::Digit:
         return c >= '0' && c <= '9';
-      case Paso::Que::Literal:
-        return Plegado(c) == paso.literal;
-      case Paso::Que::Lista:
-        return EnLista(paso.lista, c) != paso.negada;
+      case Step::What::Literal:
+        return Folded(c) == step.literal;
+      case Step::What::List:
+        return InList(step.list, c) != step.negated;
       default:
         return false;
     }
   }
 
  private:
-  void LeerLista(std::size_t& i, Paso& paso) const {
-    const std::size_t cierre = texto_.find(']', i + 1);
-    if (cierre == std::string_view::npos) PatronIncorrecto();
-    std::string_view dentro = texto_.substr(i + 1, cierre - i - 1);
-    i = cierre + 1;
-    if (dentro.size() > 1 && (dentro[0] == '!' || (!dao_ && dentro[0] == '^'))) {
-      paso.negada = true;
-      dentro.remove_prefix(1);
+  void ReadList(std::size_t& i, Step& step) const {
+    const std::size_t closing = text_.find(']', i + 1);
+    if (closing == std::string_view::npos) ThrowBadPattern();
+    std::string_view inside = text_.substr(i + 1, closing - i - 1);
+    i = closing + 1;
+    if (inside.size() > 1 && (inside[0] == '!' || (!dao_ && inside[0] == '^'))) {
+      step.negated = true;
+      inside.remove_prefix(1);
     }
-    paso.que = Paso::Que::Lista;
-    paso.lista = dentro;
+    step.what = Step::What::List;
+    step.list = inside;
   }
 
-  bool EnLista(std::string_view lista, char32_t c) const {
-    bool hallado = false;
-    for (std::size_t k = 0; k < lista.size();) {
-      const char32_t desde = SiguientePunto(lista, k);
-      if (k + 1 < lista.size() && lista[k] == '-') {
+  bool InList(std::string_view list, char32_t c) const {
+    bool found = false;
+    for (std::size_t k = 0; k < list.size();) {
+      const char32_t from = NextPoint(list, k);
+      if (k + 1 < list.size() && list[k] == '-') {
         ++k;
-        const char32_t hasta = SiguientePunto(lista, k);
-        hallado = EntreExtremos(c, desde, hasta, igualdad_, orden_) || hallado;
+        const char32_t to = NextPoint(list, k);
+        found = InRange(c, from, to, equality_, order_) || found;
       } else {
-        hallado = hallado || Plegado(desde) == Plegado(c);
+        found = found || Folded(from) == Folded(c);
       }
     }
-    return hallado;
+    return found;
   }
 
-  char32_t Plegado(char32_t c) const { return igualdad_ == Igualdad::Pesos ? Plegar(c) : c; }
+  char32_t Folded(char32_t c) const { return equality_ == Equality::Weights ? Fold(c) : c; }
 
-  std::string_view texto_;
+  std::string_view text_;
   bool dao_;
-  Igualdad igualdad_;
-  Orden orden_;
+  Equality equality_;
+  SortOrder order_;
 };
 
 }  // namespace
 
 // Without recursion: on a mismatch only the last run of any characters is tried one longer.
-bool Parecido(std::string_view texto, std::string_view patron, Comodines comodines, Igualdad igualdad,
-              Orden orden) {
-  const Patron p(patron, comodines, igualdad, orden);
+bool Like(std::string_view text, std::string_view pattern, Wildcards wildcards, Equality equality,
+          SortOrder order) {
+  const Pattern p(pattern, wildcards, equality, order);
   std::size_t i = 0, j = 0;
-  bool hay_serie = false;
-  std::size_t serie_texto = 0, serie_patron = 0;
+  bool has_run = false;
+  std::size_t run_text = 0, run_pattern = 0;
   for (;;) {
-    std::size_t sigue = j;
-    const Paso paso = p.Leer(sigue);
-    if (paso.que == Paso::Que::Serie) {
-      hay_serie = true;
-      serie_texto = i;
-      serie_patron = j = sigue;
+    std::size_t next = j;
+    const Step step = p.Read(next);
+    if (step.what == Step::What::Run) {
+      has_run = true;
+      run_text = i;
+      run_pattern = j = next;
       continue;
     }
-    if (i >= texto.size() && paso.que == Paso::Que::Fin) return true;
-    if (i < texto.size() && paso.que != Paso::Que::Fin) {
-      std::size_t avance = i;
-      if (p.Acepta(paso, SiguientePunto(texto, avance))) {
-        i = avance;
-        j = sigue;
+    if (i >= text.size() && step.what == Step::What::End) return true;
+    if (i < text.size() && step.what != Step::What::End) {
+      std::size_t ahead = i;
+      if (p.Accepts(step, NextPoint(text, ahead))) {
+        i = ahead;
+        j = next;
         continue;
       }
     }
-    if (!hay_serie || serie_texto >= texto.size()) return false;
-    SiguientePunto(texto, serie_texto);
-    i = serie_texto;
-    j = serie_patron;
+    if (!has_run || run_text >= text.size()) return false;
+    NextPoint(text, run_text);
+    i = run_text;
+    j = run_pattern;
   }
 }
 

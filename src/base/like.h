@@ -7,17 +7,17 @@
 
 namespace base {
 
-enum class Comodines {
+enum class Wildcards {
   Ado,  // % any run, _ one character, [a-z] [^a] [!a]
   Dao   // * any run, ? one character, # one digit, [a-z] [!a]
 };
 
 // How characters are told apart: by their weights (case is nothing, accents count) or by their code points.
-enum class Igualdad { Pesos, Exacta };
+enum class Equality { Weights, Exact };
 
 // Whether the whole text fits the pattern. "[]" stands for no character. Throws Error 93 for a "[" without
 // "]" and for a range that goes down.
-bool Parecido(std::string_view texto, std::string_view patron, Comodines comodines,
-              Igualdad igualdad = Igualdad::Pesos, Orden orden = Orden::General);
+bool Like(std::string_view text, std::string_view pattern, Wildcards wildcards,
+          Equality equality = Equality::Weights, SortOrder order = SortOrder::General);
 
 }  // namespace base

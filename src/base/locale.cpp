@@ -2,13 +2,13 @@
 
 namespace base {
 
-const Locale& Locale::espanol() {
+const Locale& Locale::spanish() {
   static const Locale locale = {
       ",",
       ".",
       "€",
       true,
-      OrdenFecha::DiaMesAnio,
+      DateOrder::DayMonthYear,
       "dd/MM/yyyy",
       "dddd, d \"de\" mmmm \"de\" yyyy",
       "H:mm:ss",
@@ -30,13 +30,13 @@ const Locale& Locale::espanol() {
   return locale;
 }
 
-const Locale& Locale::ingles() {
+const Locale& Locale::english() {
   static const Locale locale = {
       ".",
       ",",
       "$",
       false,
-      OrdenFecha::MesDiaAnio,
+      DateOrder::MonthDayYear,
       "M/d/yyyy",
       "dddd, mmmm dd, yyyy",
       "h:mm:ss AM/PM",

@@ -6,26 +6,26 @@
 
 namespace base {
 
-enum class OrdenFecha { DiaMesAnio, MesDiaAnio };
+enum class DateOrder { DayMonthYear, MonthDayYear };
 
 struct Locale {
-  std::string decimal;  // "," in Spanish
-  std::string miles;    // "." in Spanish
-  std::string moneda;   // "€"
-  bool moneda_detras;   // the sign follows the number
-  OrdenFecha orden;
-  std::string fecha_corta;  // as a date format: "dd/MM/yyyy"
-  std::string fecha_larga;
-  std::string hora;  // "H:mm:ss"
-  std::string separador_fecha;
-  std::string separador_hora;
+  std::string decimal;    // "," in Spanish
+  std::string thousands;  // "." in Spanish
+  std::string currency;   // "€"
+  bool currency_behind;   // the sign follows the number
+  DateOrder order;
+  std::string short_date;  // as a date format: "dd/MM/yyyy"
+  std::string long_date;
+  std::string time;  // "H:mm:ss"
+  std::string date_separator;
+  std::string time_separator;
   std::string am, pm;
-  std::array<std::string, 12> meses, meses_cortos;
-  std::array<std::string, 7> dias, dias_cortos;  // from Sunday
-  std::string verdadero, falso, si, no, encendido, apagado;
+  std::array<std::string, 12> months, short_months;
+  std::array<std::string, 7> days, short_days;  // from Sunday
+  std::string true_word, false_word, yes, no, on, off;
 
-  static const Locale& espanol();
-  static const Locale& ingles();
+  static const Locale& spanish();
+  static const Locale& english();
 };
 
 }  // namespace base

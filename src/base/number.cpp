@@ -15,112 +15,112 @@ namespace internal {
 namespace {
 
 // "d.ddde±xx" as to_chars writes it.
-Decimal DeTextoCientifico(std::string_view texto) {
+Decimal FromScientificText(std::string_view text) {
   Decimal d;
-  if (texto.front() == '-') {
-    d.negativo = true;
-    texto.remove_prefix(1);
+  if (text.front() == '-') {
+    d.negative = true;
+    text.remove_prefix(1);
   }
-  const std::size_t e = texto.find('e');
-  for (const char c : texto.substr(0, e))
-    if (c != '.') d.digitos += c;
-  std::string_view exponente = texto.substr(e + 1);
-  if (exponente.front() == '+') exponente.remove_prefix(1);
-  std::from_chars(exponente.data(), exponente.data() + exponente.size(), d.exponente);
-  ++d.exponente;
-  while (!d.digitos.empty() && d.digitos.back() == '0') d.digitos.pop_back();
-  if (d.digitos.empty()) d = Decimal{};
+  const std::size_t e = text.find('e');
+  for (const char c : text.substr(0, e))
+    if (c != '.') d.digits += c;
+  std::string_view exponent = text.substr(e + 1);
+  if (exponent.front() == '+') exponent.remove_prefix(1);
+  std::from_chars(exponent.data(), exponent.data() + exponent.size(), d.exponent);
+  ++d.exponent;
+  while (!d.digits.empty() && d.digits.back() == '0') d.digits.pop_back();
+  if (d.digits.empty()) d = Decimal{};
   return d;
 }
 
 // Enough digits after the cut to tell a tie from what lies beside it.
-constexpr int kDigitosExactos = 40;
+constexpr int kExactDigits = 40;
 
-template <typename Flotante>
-Decimal DeFlotante(Flotante numero, int maximo) {
-  std::array<char, 64> espacio;
-  char* const principio = espacio.data();
-  char* const limite = principio + espacio.size();
-  auto fin = std::to_chars(principio, limite, numero, std::chars_format::scientific).ptr;
-  Decimal d = DeTextoCientifico({principio, static_cast<std::size_t>(fin - principio)});
-  if (static_cast<int>(d.digitos.size()) <= maximo) return d;
-  fin = std::to_chars(principio, limite, static_cast<double>(numero), std::chars_format::scientific,
-                      kDigitosExactos)
+template <typename Floating>
+Decimal FromFloating(Floating number, int maximum) {
+  std::array<char, 64> buffer;
+  char* const beginning = buffer.data();
+  char* const limit = beginning + buffer.size();
+  auto end = std::to_chars(beginning, limit, number, std::chars_format::scientific).ptr;
+  Decimal d = FromScientificText({beginning, static_cast<std::size_t>(end - beginning)});
+  if (static_cast<int>(d.digits.size()) <= maximum) return d;
+  end = std::to_chars(beginning, limit, static_cast<double>(number), std::chars_format::scientific,
+                      kExactDigits)
             .ptr;
-  d = DeTextoCientifico({principio, static_cast<std::size_t>(fin - principio)});
-  RedondearDecimal(d, maximo - d.exponente, Medio::Afuera);
+  d = FromScientificText({beginning, static_cast<std::size_t>(end - beginning)});
+  RoundDecimal(d, maximum - d.exponent, Half::AwayFromZero);
   return d;
 }
 
-bool SubeAlRedondear(const Decimal& d, std::size_t quedan, Medio medio) {
-  const char siguiente = d.digitos[quedan];
-  if (siguiente != '5') return siguiente > '5';
-  const bool justo = quedan + 1 == d.digitos.size();  // no trailing zeros are kept
-  if (!justo || medio == Medio::Afuera) return true;
-  return quedan > 0 && ((d.digitos[quedan - 1] - '0') & 1) != 0;
+bool RoundsUp(const Decimal& d, std::size_t remaining, Half half) {
+  const char next = d.digits[remaining];
+  if (next != '5') return next > '5';
+  const bool exact = remaining + 1 == d.digits.size();  // no trailing zeros are kept
+  if (!exact || half == Half::AwayFromZero) return true;
+  return remaining > 0 && ((d.digits[remaining - 1] - '0') & 1) != 0;
 }
 
 }  // namespace
 
-Decimal DeDoble(double numero, int maximo) { return DeFlotante(numero, maximo); }
-Decimal DeSimple(float numero) { return DeFlotante(numero, 7); }
+Decimal FromDouble(double number, int maximum) { return FromFloating(number, maximum); }
+Decimal FromSingle(float number) { return FromFloating(number, 7); }
 
-void RedondearDecimal(Decimal& d, int decimales, Medio medio) {
-  const long quedan = static_cast<long>(d.exponente) + decimales;
-  if (d.EsCero() || quedan >= static_cast<long>(d.digitos.size())) return;
-  if (quedan < 0) {
+void RoundDecimal(Decimal& d, int decimals, Half half) {
+  const long remaining = static_cast<long>(d.exponent) + decimals;
+  if (d.IsZero() || remaining >= static_cast<long>(d.digits.size())) return;
+  if (remaining < 0) {
     d = Decimal{};
     return;
   }
-  const auto n = static_cast<std::size_t>(quedan);
-  const bool sube = SubeAlRedondear(d, n, medio);
-  d.digitos.resize(n);
-  if (sube) {
+  const auto n = static_cast<std::size_t>(remaining);
+  const bool rounds_up = RoundsUp(d, n, half);
+  d.digits.resize(n);
+  if (rounds_up) {
     std::size_t i = n;
-    while (i > 0 && d.digitos[i - 1] == '9') --i;
-    d.digitos.resize(i);
+    while (i > 0 && d.digits[i - 1] == '9') --i;
+    d.digits.resize(i);
     if (i > 0) {
-      ++d.digitos[i - 1];
+      ++d.digits[i - 1];
     } else {
-      d.digitos.assign(1, '1');
-      ++d.exponente;
+      d.digits.assign(1, '1');
+      ++d.exponent;
     }
   }
-  while (!d.digitos.empty() && d.digitos.back() == '0') d.digitos.pop_back();
-  if (d.digitos.empty()) d = Decimal{};
+  while (!d.digits.empty() && d.digits.back() == '0') d.digits.pop_back();
+  if (d.digits.empty()) d = Decimal{};
 }
 
-double ADoble(const Decimal& d) {
-  if (d.EsCero()) return 0;
-  const std::string texto = (d.negativo ? "-0." : "0.") + d.digitos + 'e' + std::to_string(d.exponente);
-  double numero = 0;
-  std::from_chars(texto.data(), texto.data() + texto.size(), numero);
-  return numero;
+double ToDouble(const Decimal& d) {
+  if (d.IsZero()) return 0;
+  const std::string text = (d.negative ? "-0." : "0.") + d.digits + 'e' + std::to_string(d.exponent);
+  double number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
 }
 
-std::string TextoPlano(const Decimal& d, std::string_view punto) {
-  if (d.EsCero()) return "0";
-  std::string texto = d.negativo ? "-" : "";
-  const auto n = static_cast<int>(d.digitos.size());
-  if (d.exponente <= 0) {
-    texto.append("0").append(punto).append(static_cast<std::size_t>(-d.exponente), '0').append(d.digitos);
-  } else if (d.exponente >= n) {
-    texto.append(d.digitos).append(static_cast<std::size_t>(d.exponente - n), '0');
+std::string PlainText(const Decimal& d, std::string_view point) {
+  if (d.IsZero()) return "0";
+  std::string text = d.negative ? "-" : "";
+  const auto n = static_cast<int>(d.digits.size());
+  if (d.exponent <= 0) {
+    text.append("0").append(point).append(static_cast<std::size_t>(-d.exponent), '0').append(d.digits);
+  } else if (d.exponent >= n) {
+    text.append(d.digits).append(static_cast<std::size_t>(d.exponent - n), '0');
   } else {
-    const auto enteros = static_cast<std::size_t>(d.exponente);
-    texto.append(d.digitos, 0, enteros).append(punto).append(d.digitos, enteros);
+    const auto whole_digits = static_cast<std::size_t>(d.exponent);
+    text.append(d.digits, 0, whole_digits).append(point).append(d.digits, whole_digits);
   }
-  return texto;
+  return text;
 }
 
-std::string TextoExponente(const Decimal& d, std::string_view punto) {
-  std::string texto = d.negativo ? "-" : "";
-  texto += d.EsCero() ? '0' : d.digitos[0];
-  if (d.digitos.size() > 1) texto.append(punto).append(d.digitos, 1);
-  const int exponente = d.EsCero() ? 0 : d.exponente - 1;
-  texto += exponente < 0 ? "E-" : "E+";
-  if (std::abs(exponente) < 10) texto += '0';
-  return texto += std::to_string(std::abs(exponente));
+std::string ExponentText(const Decimal& d, std::string_view point) {
+  std::string text = d.negative ? "-" : "";
+  text += d.IsZero() ? '0' : d.digits[0];
+  if (d.digits.size() > 1) text.append(point).append(d.digits, 1);
+  const int exponent = d.IsZero() ? 0 : d.exponent - 1;
+  text += exponent < 0 ? "E-" : "E+";
+  if (std::abs(exponent) < 10) text += '0';
+  return text += std::to_string(std::abs(exponent));
 }
 
 }  // namespace internal
@@ -128,177 +128,177 @@ std::string TextoExponente(const Decimal& d, std::string_view punto) {
 namespace {
 
 // What the classic runtime prints for what is no finite number.
-std::string TextoNoFinito(double numero, const std::string& punto) {
-  if (std::isnan(numero)) return "-1" + punto + "#IND";
-  return (numero < 0 ? "-1" : "1") + punto + "#INF";
+std::string NonFiniteText(double number, const std::string& point) {
+  if (std::isnan(number)) return "-1" + point + "#IND";
+  return (number < 0 ? "-1" : "1") + point + "#INF";
 }
 
-std::string TextoGeneral(const internal::Decimal& d, int maximo, std::string_view punto) {
-  const int decimales = static_cast<int>(d.digitos.size()) - d.exponente;
-  if (d.exponente > maximo || decimales > maximo) return internal::TextoExponente(d, punto);
-  return internal::TextoPlano(d, punto);
+std::string GeneralText(const internal::Decimal& d, int maximum, std::string_view point) {
+  const int decimals = static_cast<int>(d.digits.size()) - d.exponent;
+  if (d.exponent > maximum || decimals > maximum) return internal::ExponentText(d, point);
+  return internal::PlainText(d, point);
 }
 
 // SQL reads both forms; plain digits are kept wherever they are short.
-std::string TextoSql(const internal::Decimal& d) {
-  const int decimales = static_cast<int>(d.digitos.size()) - d.exponente;
-  if (d.exponente > 15 || decimales > 30) return internal::TextoExponente(d, ".");
-  return internal::TextoPlano(d, ".");
+std::string SqlText(const internal::Decimal& d) {
+  const int decimals = static_cast<int>(d.digits.size()) - d.exponent;
+  if (d.exponent > 15 || decimals > 30) return internal::ExponentText(d, ".");
+  return internal::PlainText(d, ".");
 }
 
-constexpr double kLimitePlano = 1e15;
+constexpr double kPlainLimit = 1e15;
 
-bool EsEnteroCorto(double numero) { return std::abs(numero) < kLimitePlano && numero == std::trunc(numero); }
+bool IsPlainInteger(double number) { return std::abs(number) < kPlainLimit && number == std::trunc(number); }
 
-// A number of few decimals, which most are, as a whole number of parts: parts / 10^decimales reads back as
+// A number of few decimals, which most are, as a whole number of parts: parts / 10^decimals reads back as
 // the number, and no other decimal that short does, so that the general way would find the same digits.
-struct Partida {
-  bool hay = false;
-  long long partes = 0;
+struct Parts {
+  bool found = false;
+  long long parts = 0;
 };
 
-constexpr int kDecimalesCortos = 5;
-constexpr double kEscalaCorta = 1e5;
+constexpr int kShortDecimals = 5;
+constexpr double kShortScale = 1e5;
 
 // At most 15 digits, 5 of them decimals.
-Partida Partir(double numero) {
-  const double escalado = numero * kEscalaCorta;
-  if (!(std::abs(escalado) < kLimitePlano)) return {};
-  const long long partes = std::llround(escalado);
-  return {static_cast<double>(partes) / kEscalaCorta == numero, partes};
+Parts ToParts(double number) {
+  const double scaled = number * kShortScale;
+  if (!(std::abs(scaled) < kPlainLimit)) return {};
+  const long long parts = std::llround(scaled);
+  return {static_cast<double>(parts) / kShortScale == number, parts};
 }
 
 // The same of a single: two decimals and at most 6 digits, which no two singles share.
-constexpr double kEscalaSimple = 100;
-Partida PartirSimple(float numero) {
-  const double escalado = static_cast<double>(numero) * kEscalaSimple;
-  if (!(std::abs(escalado) < 999999)) return {};
-  const long long partes = std::llround(escalado);
-  return {static_cast<float>(static_cast<double>(partes) / kEscalaSimple) == numero, partes};
+constexpr double kSingleScale = 100;
+Parts SingleToParts(float number) {
+  const double scaled = static_cast<double>(number) * kSingleScale;
+  if (!(std::abs(scaled) < 999999)) return {};
+  const long long parts = std::llround(scaled);
+  return {static_cast<float>(static_cast<double>(parts) / kSingleScale) == number, parts};
 }
 
-std::string TextoDePartes(long long partes, int decimales, std::string_view punto) {
-  std::array<char, 40> espacio;
-  char* const limite = espacio.data() + espacio.size();
-  char* p = limite;
-  unsigned long long resto =
-      partes < 0 ? 0ULL - static_cast<unsigned long long>(partes) : static_cast<unsigned long long>(partes);
-  while (decimales > 0 && resto % 10 == 0) {
-    resto /= 10;
-    --decimales;
+std::string PartsText(long long parts, int decimals, std::string_view point) {
+  std::array<char, 40> buffer;
+  char* const limit = buffer.data() + buffer.size();
+  char* p = limit;
+  unsigned long long rest =
+      parts < 0 ? 0ULL - static_cast<unsigned long long>(parts) : static_cast<unsigned long long>(parts);
+  while (decimals > 0 && rest % 10 == 0) {
+    rest /= 10;
+    --decimals;
   }
-  const bool con_punto = decimales > 0;
-  for (; decimales > 0; --decimales, resto /= 10) *--p = static_cast<char>('0' + resto % 10);
-  if (con_punto) {
-    p -= punto.size();
-    punto.copy(p, punto.size());
+  const bool with_point = decimals > 0;
+  for (; decimals > 0; --decimals, rest /= 10) *--p = static_cast<char>('0' + rest % 10);
+  if (with_point) {
+    p -= point.size();
+    point.copy(p, point.size());
   }
   do {
-    *--p = static_cast<char>('0' + resto % 10);
-    resto /= 10;
-  } while (resto != 0);
-  if (partes < 0) *--p = '-';
-  return {p, static_cast<std::size_t>(limite - p)};
+    *--p = static_cast<char>('0' + rest % 10);
+    rest /= 10;
+  } while (rest != 0);
+  if (parts < 0) *--p = '-';
+  return {p, static_cast<std::size_t>(limit - p)};
 }
 
 // Half to even, of whole parts.
-double RedondearPartes(double numero, long long partes, int decimales) {
-  if (decimales >= kDecimalesCortos) return numero;
-  constexpr long long kPotencias[] = {1, 10, 100, 1000, 10000, 100000};
-  const long long sobra = kPotencias[kDecimalesCortos - decimales];
-  long long cociente = partes / sobra;
-  const long long doble_resto = 2 * std::abs(partes % sobra);
-  if (doble_resto > sobra || (doble_resto == sobra && cociente % 2 != 0)) cociente += partes < 0 ? -1 : 1;
-  return static_cast<double>(cociente) / static_cast<double>(kPotencias[decimales]);
+double RoundParts(double number, long long parts, int decimals) {
+  if (decimals >= kShortDecimals) return number;
+  constexpr long long kPowers[] = {1, 10, 100, 1000, 10000, 100000};
+  const long long excess = kPowers[kShortDecimals - decimals];
+  long long quotient = parts / excess;
+  const long long twice_rest = 2 * std::abs(parts % excess);
+  if (twice_rest > excess || (twice_rest == excess && quotient % 2 != 0)) quotient += parts < 0 ? -1 : 1;
+  return static_cast<double>(quotient) / static_cast<double>(kPowers[decimals]);
 }
 
-constexpr std::size_t kPuntoMasLargo = 8;  // bytes of a decimal sign that TextoDePartes has room for
+constexpr std::size_t kLongestPoint = 8;  // bytes of a decimal sign that PartsText has room for
 
 }  // namespace
 
-std::string TextoDeNumero(double numero, const Locale& locale) {
-  if (!std::isfinite(numero)) return TextoNoFinito(numero, locale.decimal);
-  if (EsEnteroCorto(numero)) return std::to_string(static_cast<long long>(numero));
-  if (const Partida p = Partir(numero); p.hay && locale.decimal.size() <= kPuntoMasLargo)
-    return TextoDePartes(p.partes, kDecimalesCortos, locale.decimal);
-  return TextoGeneral(internal::DeDoble(numero), 15, locale.decimal);
+std::string NumberText(double number, const Locale& locale) {
+  if (!std::isfinite(number)) return NonFiniteText(number, locale.decimal);
+  if (IsPlainInteger(number)) return std::to_string(static_cast<long long>(number));
+  if (const Parts p = ToParts(number); p.found && locale.decimal.size() <= kLongestPoint)
+    return PartsText(p.parts, kShortDecimals, locale.decimal);
+  return GeneralText(internal::FromDouble(number), 15, locale.decimal);
 }
 
-std::string TextoDeSimple(float numero, const Locale& locale) {
-  if (!std::isfinite(numero)) return TextoNoFinito(static_cast<double>(numero), locale.decimal);
-  return TextoGeneral(internal::DeSimple(numero), 7, locale.decimal);
+std::string SingleText(float number, const Locale& locale) {
+  if (!std::isfinite(number)) return NonFiniteText(static_cast<double>(number), locale.decimal);
+  return GeneralText(internal::FromSingle(number), 7, locale.decimal);
 }
 
 std::string PlainNumber(double number, std::string_view decimal_sign) {
-  if (!std::isfinite(number)) throw Error(DescripcionDeError(6), 6);
-  if (EsEnteroCorto(number)) return std::to_string(static_cast<long long>(number));
-  if (const Partida p = Partir(number); p.hay && decimal_sign.size() <= kPuntoMasLargo)
-    return TextoDePartes(p.partes, kDecimalesCortos, decimal_sign);
-  return internal::TextoPlano(internal::DeDoble(number), decimal_sign);
+  if (!std::isfinite(number)) throw Error(ErrorDescription(6), 6);
+  if (IsPlainInteger(number)) return std::to_string(static_cast<long long>(number));
+  if (const Parts p = ToParts(number); p.found && decimal_sign.size() <= kLongestPoint)
+    return PartsText(p.parts, kShortDecimals, decimal_sign);
+  return internal::PlainText(internal::FromDouble(number), decimal_sign);
 }
 
 std::string PlainSingle(float number, std::string_view decimal_sign) {
-  if (!std::isfinite(number)) throw Error(DescripcionDeError(6), 6);
-  if (const Partida p = PartirSimple(number); p.hay && decimal_sign.size() <= kPuntoMasLargo)
-    return TextoDePartes(p.partes, 2, decimal_sign);
-  return internal::TextoPlano(internal::DeSimple(number), decimal_sign);
+  if (!std::isfinite(number)) throw Error(ErrorDescription(6), 6);
+  if (const Parts p = SingleToParts(number); p.found && decimal_sign.size() <= kLongestPoint)
+    return PartsText(p.parts, 2, decimal_sign);
+  return internal::PlainText(internal::FromSingle(number), decimal_sign);
 }
 
-std::string SqlDeNumero(double numero) {
-  if (!std::isfinite(numero)) throw Error(DescripcionDeError(6), 6);
-  if (EsEnteroCorto(numero)) return std::to_string(static_cast<long long>(numero));
-  if (const Partida p = Partir(numero); p.hay) return TextoDePartes(p.partes, kDecimalesCortos, ".");
-  return TextoSql(internal::DeDoble(numero));
+std::string SqlNumber(double number) {
+  if (!std::isfinite(number)) throw Error(ErrorDescription(6), 6);
+  if (IsPlainInteger(number)) return std::to_string(static_cast<long long>(number));
+  if (const Parts p = ToParts(number); p.found) return PartsText(p.parts, kShortDecimals, ".");
+  return SqlText(internal::FromDouble(number));
 }
 
-std::string SqlDeSimple(float numero) {
-  if (!std::isfinite(numero)) throw Error(DescripcionDeError(6), 6);
-  if (const Partida p = PartirSimple(numero); p.hay) return TextoDePartes(p.partes, 2, ".");
-  return TextoSql(internal::DeSimple(numero));
+std::string SqlSingle(float number) {
+  if (!std::isfinite(number)) throw Error(ErrorDescription(6), 6);
+  if (const Parts p = SingleToParts(number); p.found) return PartsText(p.parts, 2, ".");
+  return SqlText(internal::FromSingle(number));
 }
 
-double DobleDeSimple(float numero) {
-  if (!std::isfinite(numero)) return static_cast<double>(numero);
-  if (const Partida p = PartirSimple(numero); p.hay) return static_cast<double>(p.partes) / kEscalaSimple;
-  return internal::ADoble(internal::DeSimple(numero));
+double DoubleOfSingle(float number) {
+  if (!std::isfinite(number)) return static_cast<double>(number);
+  if (const Parts p = SingleToParts(number); p.found) return static_cast<double>(p.parts) / kSingleScale;
+  return internal::ToDouble(internal::FromSingle(number));
 }
 
-double Redondear(double numero, int decimales) {
-  if (decimales < 0 || decimales > 22) throw Error(DescripcionDeError(5), 5);
-  if (!std::isfinite(numero)) return numero;
-  if (std::abs(numero) >= kLimitePlano) return numero;
-  if (EsEnteroCorto(numero)) return numero == 0 ? 0 : numero;
-  if (const Partida p = Partir(numero); p.hay) return RedondearPartes(numero, p.partes, decimales);
-  internal::Decimal d = internal::DeDoble(numero);
+double Round(double number, int decimals) {
+  if (decimals < 0 || decimals > 22) throw Error(ErrorDescription(5), 5);
+  if (!std::isfinite(number)) return number;
+  if (std::abs(number) >= kPlainLimit) return number;
+  if (IsPlainInteger(number)) return number == 0 ? 0 : number;
+  if (const Parts p = ToParts(number); p.found) return RoundParts(number, p.parts, decimals);
+  internal::Decimal d = internal::FromDouble(number);
   // Nothing to cut: the number keeps the bits beyond its fifteenth digit.
-  if (d.exponente + decimales >= static_cast<int>(d.digitos.size())) return numero;
-  internal::RedondearDecimal(d, decimales, internal::Medio::AlPar);
-  return internal::ADoble(d);
+  if (d.exponent + decimals >= static_cast<int>(d.digits.size())) return number;
+  internal::RoundDecimal(d, decimals, internal::Half::ToEven);
+  return internal::ToDouble(d);
 }
 
-long long EnteroBancario(double numero) {
-  const double abajo = std::floor(numero);
-  const double resto = numero - abajo;
-  double entero = resto < 0.5 ? abajo : abajo + 1;
-  if (resto == 0.5 && std::fmod(abajo, 2.0) == 0) entero = abajo;
-  constexpr double kLimite = 9223372036854775808.0;  // 2^63
-  if (!(entero >= -kLimite && entero < kLimite)) throw Error(DescripcionDeError(6), 6);
-  return static_cast<long long>(entero);
+long long BankersInteger(double number) {
+  const double below = std::floor(number);
+  const double rest = number - below;
+  double integer = rest < 0.5 ? below : below + 1;
+  if (rest == 0.5 && std::fmod(below, 2.0) == 0) integer = below;
+  constexpr double kLimit = 9223372036854775808.0;  // 2^63
+  if (!(integer >= -kLimit && integer < kLimit)) throw Error(ErrorDescription(6), 6);
+  return static_cast<long long>(integer);
 }
 
 namespace {
 
-template <typename Entero>
-Entero Estrechar(double numero) {
-  const long long entero = EnteroBancario(numero);
-  if (entero < std::numeric_limits<Entero>::min() || entero > std::numeric_limits<Entero>::max())
-    throw Error(DescripcionDeError(6), 6);
-  return static_cast<Entero>(entero);
+template <typename Integer>
+Integer Narrow(double number) {
+  const long long integer = BankersInteger(number);
+  if (integer < std::numeric_limits<Integer>::min() || integer > std::numeric_limits<Integer>::max())
+    throw Error(ErrorDescription(6), 6);
+  return static_cast<Integer>(integer);
 }
 
 }  // namespace
 
-int Entero32(double numero) { return Estrechar<int>(numero); }
-short Entero16(double numero) { return Estrechar<short>(numero); }
+int Integer32(double number) { return Narrow<int>(number); }
+short Integer16(double number) { return Narrow<short>(number); }
 
 }  // namespace base

@@ -9,39 +9,39 @@
 
 namespace base::internal {
 
-// 0.d1d2d3… x 10^exponente. No leading zero digit; zero has no digits at all.
+// 0.d1d2d3… x 10^exponent. No leading zero digit; zero has no digits at all.
 struct Decimal {
-  bool negativo = false;
-  std::string digitos;
-  int exponente = 0;
+  bool negative = false;
+  std::string digits;
+  int exponent = 0;
 
-  bool EsCero() const { return digitos.empty(); }
+  bool IsZero() const { return digits.empty(); }
 };
 
-// At most `maximo` significant digits (15 of a double): the shortest text that reads back when that is short
+// At most `maximum` significant digits (15 of a double): the shortest text that reads back when that is short
 // enough, else the exact value with its last digit rounded half away. Not for infinities.
-Decimal DeDoble(double numero, int maximo = 15);
-Decimal DeSimple(float numero);  // 7 digits
+Decimal FromDouble(double number, int maximum = 15);
+Decimal FromSingle(float number);  // 7 digits
 
-enum class Medio { AlPar, Afuera };
-// Rounds to `decimales` digits after the point (negative ones before it).
-void RedondearDecimal(Decimal& decimal, int decimales, Medio medio);
+enum class Half { ToEven, AwayFromZero };
+// Rounds to `decimals` digits after the point (negative ones before it).
+void RoundDecimal(Decimal& decimal, int decimals, Half half);
 
-double ADoble(const Decimal& decimal);
-// Plain digits with `punto` as decimal sign, or the exponent form.
-std::string TextoPlano(const Decimal& decimal, std::string_view punto);
-std::string TextoExponente(const Decimal& decimal, std::string_view punto);
+double ToDouble(const Decimal& decimal);
+// Plain digits with `point` as decimal sign, or the exponent form.
+std::string PlainText(const Decimal& decimal, std::string_view point);
+std::string ExponentText(const Decimal& decimal, std::string_view point);
 
-enum class Lectura { Bien, NoEsNumero, Desborda };
-// digits + digits of the fraction x 10^exponente, both parts without signs. Too small is 0.
-Lectura Componer(std::string_view digitos, std::string_view fraccion, int exponente, double& numero);
+enum class Reading { Ok, NotANumber, Overflow };
+// digits + digits of the fraction x 10^exponent, both parts without signs. Too small is 0.
+Reading Compose(std::string_view digits, std::string_view fraction, int exponent, double& number);
 
 // White space at the start, the no-break space among it, taken off.
-void SaltarBlancos(std::string_view& texto);
+void SkipBlanks(std::string_view& text);
 // "," for the decimals and "." for the thousands: texts that an operator of this program writes.
-bool EsDelOperador(const Locale& locale);
+bool IsOperatorLocale(const Locale& locale);
 // Digits with at most one decimal sign among them, as nearly every number is written: the operator's rule and
 // the dialect read both signs alike. False leaves it to the general way.
-bool LeerLlano(std::string_view texto, double& numero);
+bool ReadPlain(std::string_view text, double& number);
 
 }  // namespace base::internal

@@ -7,30 +7,30 @@
 namespace base {
 namespace internal {
 
-std::size_t LargoCaracter(std::string_view texto, std::size_t i) {
+std::size_t CharacterLength(std::string_view text, std::size_t i) {
   const auto byte = [&](std::size_t k) -> unsigned {
-    return i + k < texto.size() ? static_cast<unsigned char>(texto[i + k]) : 0U;
+    return i + k < text.size() ? static_cast<unsigned char>(text[i + k]) : 0U;
   };
-  const auto sigue = [&](std::size_t k) { return (byte(k) & 0xC0U) == 0x80U; };
+  const auto continues = [&](std::size_t k) { return (byte(k) & 0xC0U) == 0x80U; };
   const unsigned b = byte(0);
   if (b < 0xC2) return 1;
-  if (b < 0xE0) return sigue(1) ? 2 : 1;
+  if (b < 0xE0) return continues(1) ? 2 : 1;
   if (b < 0xF0) {
-    if (!sigue(1) || !sigue(2)) return 1;
+    if (!continues(1) || !continues(2)) return 1;
     if (b == 0xE0 && byte(1) < 0xA0) return 1;   // overlong
     if (b == 0xED && byte(1) >= 0xA0) return 1;  // surrogate
     return 3;
   }
-  if (b > 0xF4 || !sigue(1) || !sigue(2) || !sigue(3)) return 1;
+  if (b > 0xF4 || !continues(1) || !continues(2) || !continues(3)) return 1;
   if ((b == 0xF0 && byte(1) < 0x90) || (b == 0xF4 && byte(1) >= 0x90)) return 1;
   return 4;
 }
 
-char32_t PuntoEn(std::string_view texto, std::size_t i, std::size_t largo) {
+char32_t PointAt(std::string_view text, std::size_t i, std::size_t length) {
   const auto b = [&](std::size_t k) {
-    return static_cast<char32_t>(static_cast<unsigned char>(texto[i + k]));
+    return static_cast<char32_t>(static_cast<unsigned char>(text[i + k]));
   };
-  switch (largo) {
+  switch (length) {
     case 2:
       return (b(0) & 0x1F) << 6 | (b(1) & 0x3F);
     case 3:
@@ -46,106 +46,106 @@ char32_t PuntoEn(std::string_view texto, std::size_t i, std::size_t largo) {
 
 namespace {
 
-// Byte offset of the character after `cantidad` characters counted from byte `desde`, at most the end.
-std::size_t Avanzar(std::string_view texto, std::size_t desde, std::size_t cantidad) {
-  std::size_t i = desde;
-  for (; cantidad > 0 && i < texto.size(); --cantidad)
-    i += static_cast<unsigned char>(texto[i]) < 0x80 ? 1 : internal::LargoCaracter(texto, i);
+// Byte offset of the character after `count` characters counted from byte `from`, at most the end.
+std::size_t Advance(std::string_view text, std::size_t from, std::size_t count) {
+  std::size_t i = from;
+  for (; count > 0 && i < text.size(); --count)
+    i += static_cast<unsigned char>(text[i]) < 0x80 ? 1 : internal::CharacterLength(text, i);
   return i;
 }
 
-bool IgualAsciiSinCaso(const char* a, const char* b, std::size_t largo) {
-  for (std::size_t i = 0; i < largo; ++i)
-    if (internal::MinAscii(a[i]) != internal::MinAscii(b[i])) return false;
+bool EqualAsciiIgnoringCase(const char* a, const char* b, std::size_t length) {
+  for (std::size_t i = 0; i < length; ++i)
+    if (internal::LowerAscii(a[i]) != internal::LowerAscii(b[i])) return false;
   return true;
 }
 
 }  // namespace
 
-std::string_view TrimVista(std::string_view texto) {
-  while (!texto.empty() && texto.front() == ' ') texto.remove_prefix(1);
-  while (!texto.empty() && texto.back() == ' ') texto.remove_suffix(1);
-  return texto;
+std::string_view TrimView(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
 }
 
-std::string Trim(std::string_view texto) { return std::string(TrimVista(texto)); }
+std::string Trim(std::string_view text) { return std::string(TrimView(text)); }
 
-std::size_t Longitud(std::string_view texto) {
-  if (internal::EsAscii(texto)) return texto.size();
+std::size_t Length(std::string_view text) {
+  if (internal::IsAscii(text)) return text.size();
   std::size_t n = 0;
-  for (std::size_t i = 0; i < texto.size(); ++n) i += internal::LargoCaracter(texto, i);
+  for (std::size_t i = 0; i < text.size(); ++n) i += internal::CharacterLength(text, i);
   return n;
 }
 
-std::string Mid(std::string_view texto, std::ptrdiff_t desde, std::ptrdiff_t cantidad) {
-  const std::size_t inicio = desde <= 1 ? 0 : Avanzar(texto, 0, static_cast<std::size_t>(desde - 1));
-  if (cantidad < 0) return std::string(texto.substr(inicio));
-  const std::size_t fin = Avanzar(texto, inicio, static_cast<std::size_t>(cantidad));
-  return std::string(texto.substr(inicio, fin - inicio));
+std::string Mid(std::string_view text, std::ptrdiff_t from, std::ptrdiff_t count) {
+  const std::size_t start = from <= 1 ? 0 : Advance(text, 0, static_cast<std::size_t>(from - 1));
+  if (count < 0) return std::string(text.substr(start));
+  const std::size_t end = Advance(text, start, static_cast<std::size_t>(count));
+  return std::string(text.substr(start, end - start));
 }
 
-std::string Left(std::string_view texto, std::ptrdiff_t cantidad) {
-  return cantidad <= 0 ? std::string() : Mid(texto, 1, cantidad);
+std::string Left(std::string_view text, std::ptrdiff_t count) {
+  return count <= 0 ? std::string() : Mid(text, 1, count);
 }
 
-std::string Right(std::string_view texto, std::ptrdiff_t cantidad) {
-  if (cantidad <= 0) return {};
-  const auto largo = static_cast<std::ptrdiff_t>(Longitud(texto));
-  return cantidad >= largo ? std::string(texto) : Mid(texto, largo - cantidad + 1);
+std::string Right(std::string_view text, std::ptrdiff_t count) {
+  if (count <= 0) return {};
+  const auto length = static_cast<std::ptrdiff_t>(Length(text));
+  return count >= length ? std::string(text) : Mid(text, length - count + 1);
 }
 
-std::size_t Buscar(std::string_view texto, std::string_view aguja, std::size_t desde, Comparar modo) {
-  if (modo == Comparar::Exacto) return texto.find(aguja, desde);
-  if (desde > texto.size()) return std::string_view::npos;
-  if (aguja.empty()) return desde;
-  if (!internal::EsAscii(aguja)) {
-    const std::size_t hallado = Minusculas(texto.substr(desde)).find(Minusculas(aguja));
-    return hallado == std::string::npos ? hallado : hallado + desde;
+std::size_t Find(std::string_view text, std::string_view needle, std::size_t from, Compare mode) {
+  if (mode == Compare::Exact) return text.find(needle, from);
+  if (from > text.size()) return std::string_view::npos;
+  if (needle.empty()) return from;
+  if (!internal::IsAscii(needle)) {
+    const std::size_t found = LowerCase(text.substr(from)).find(LowerCase(needle));
+    return found == std::string::npos ? found : found + from;
   }
-  const char primera = internal::MinAscii(aguja[0]);
-  for (std::size_t i = desde; i + aguja.size() <= texto.size(); ++i)
-    if (internal::MinAscii(texto[i]) == primera &&
-        IgualAsciiSinCaso(texto.data() + i, aguja.data(), aguja.size()))
+  const char first = internal::LowerAscii(needle[0]);
+  for (std::size_t i = from; i + needle.size() <= text.size(); ++i)
+    if (internal::LowerAscii(text[i]) == first &&
+        EqualAsciiIgnoringCase(text.data() + i, needle.data(), needle.size()))
       return i;
   return std::string_view::npos;
 }
 
-bool Contiene(std::string_view texto, std::string_view aguja, Comparar modo) {
-  return Buscar(texto, aguja, 0, modo) != std::string_view::npos;
+bool Contains(std::string_view text, std::string_view needle, Compare mode) {
+  return Find(text, needle, 0, mode) != std::string_view::npos;
 }
 
-std::string Reemplazar(std::string_view texto, std::string_view de, std::string_view por, Comparar modo) {
-  if (de.empty()) return std::string(texto);
+std::string Replace(std::string_view text, std::string_view from, std::string_view with, Compare mode) {
+  if (from.empty()) return std::string(text);
   // Case folding keeps byte lengths, so that the offsets found in the folded text hold in the text.
-  std::string plegado, de_plegado;
-  std::string_view donde = texto, que = de;
-  if (modo == Comparar::SinCaso && !internal::EsAscii(de)) {
-    plegado = Minusculas(texto);
-    de_plegado = Minusculas(de);
-    donde = plegado;
-    que = de_plegado;
-    modo = Comparar::Exacto;
+  std::string folded, folded_from;
+  std::string_view where = text, what = from;
+  if (mode == Compare::IgnoringCase && !internal::IsAscii(from)) {
+    folded = LowerCase(text);
+    folded_from = LowerCase(from);
+    where = folded;
+    what = folded_from;
+    mode = Compare::Exact;
   }
-  std::string salida;
+  std::string output;
   std::size_t i = 0;
-  for (std::size_t h; (h = Buscar(donde, que, i, modo)) != std::string_view::npos; i = h + de.size())
-    salida.append(texto, i, h - i).append(por);
-  return salida.append(texto.substr(i));
+  for (std::size_t h; (h = Find(where, what, i, mode)) != std::string_view::npos; i = h + from.size())
+    output.append(text, i, h - i).append(with);
+  return output.append(text.substr(i));
 }
 
-void SplitVistas(std::string_view texto, std::string_view separador, std::vector<std::string_view>& piezas) {
-  piezas.clear();
+void SplitViews(std::string_view text, std::string_view separator, std::vector<std::string_view>& pieces) {
+  pieces.clear();
   std::size_t i = 0;
-  if (!separador.empty())
-    for (std::size_t h; (h = texto.find(separador, i)) != std::string_view::npos; i = h + separador.size())
-      piezas.push_back(texto.substr(i, h - i));
-  piezas.push_back(texto.substr(i));
+  if (!separator.empty())
+    for (std::size_t h; (h = text.find(separator, i)) != std::string_view::npos; i = h + separator.size())
+      pieces.push_back(text.substr(i, h - i));
+  pieces.push_back(text.substr(i));
 }
 
-std::vector<std::string> Split(std::string_view texto, std::string_view separador) {
-  std::vector<std::string_view> vistas;
-  SplitVistas(texto, separador, vistas);
-  return {vistas.begin(), vistas.end()};
+std::vector<std::string> Split(std::string_view text, std::string_view separator) {
+  std::vector<std::string_view> views;
+  SplitViews(text, separator, views);
+  return {views.begin(), views.end()};
 }
 
 std::vector<std::string_view> SplitLines(std::string_view text) {
@@ -165,58 +165,58 @@ std::vector<std::string_view> SplitLines(std::string_view text) {
   return lines;
 }
 
-std::vector<std::string> Partir(std::string_view texto, std::string_view separador, int limite,
-                                Comparar modo) {
-  std::vector<std::string> piezas;
-  if (texto.empty() || limite == 0) return piezas;
+std::vector<std::string> SplitClassic(std::string_view text, std::string_view separator, int limit,
+                                      Compare mode) {
+  std::vector<std::string> pieces;
+  if (text.empty() || limit == 0) return pieces;
   std::size_t i = 0;
-  while (!separador.empty() && (limite < 0 || piezas.size() + 1 < static_cast<std::size_t>(limite))) {
-    const std::size_t h = Buscar(texto, separador, i, modo);
+  while (!separator.empty() && (limit < 0 || pieces.size() + 1 < static_cast<std::size_t>(limit))) {
+    const std::size_t h = Find(text, separator, i, mode);
     if (h == std::string_view::npos) break;
-    piezas.emplace_back(texto.substr(i, h - i));
-    i = h + separador.size();
+    pieces.emplace_back(text.substr(i, h - i));
+    i = h + separator.size();
   }
-  piezas.emplace_back(texto.substr(i));
-  return piezas;
+  pieces.emplace_back(text.substr(i));
+  return pieces;
 }
 
-std::string Join(const std::vector<std::string>& piezas, std::string_view separador) {
-  std::string salida;
-  for (std::size_t i = 0; i < piezas.size(); ++i) {
-    if (i > 0) salida += separador;
-    salida += piezas[i];
+std::string Join(const std::vector<std::string>& pieces, std::string_view separator) {
+  std::string output;
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    if (i > 0) output += separator;
+    output += pieces[i];
   }
-  return salida;
+  return output;
 }
 
-bool EmpiezaCon(std::string_view texto, std::string_view prefijo, Comparar modo) {
-  if (texto.size() < prefijo.size()) return false;
-  const std::string_view inicio = texto.substr(0, prefijo.size());
-  return modo == Comparar::Exacto ? inicio == prefijo : IgualSinCaso(inicio, prefijo);
+bool StartsWith(std::string_view text, std::string_view prefix, Compare mode) {
+  if (text.size() < prefix.size()) return false;
+  const std::string_view start = text.substr(0, prefix.size());
+  return mode == Compare::Exact ? start == prefix : EqualIgnoringCase(start, prefix);
 }
 
-bool TerminaCon(std::string_view texto, std::string_view sufijo) {
-  return texto.size() >= sufijo.size() && texto.substr(texto.size() - sufijo.size()) == sufijo;
+bool EndsWith(std::string_view text, std::string_view suffix) {
+  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
 }
 
-std::string DoblarComillas(std::string_view texto) { return Reemplazar(texto, "'", "''"); }
+std::string EscapeQuotes(std::string_view text) { return Replace(text, "'", "''"); }
 
-std::u32string APuntos(std::string_view texto) {
-  std::u32string puntos;
-  puntos.reserve(texto.size());
-  for (std::size_t i = 0; i < texto.size();) {
-    const std::size_t largo = internal::LargoCaracter(texto, i);
-    puntos += internal::PuntoEn(texto, i, largo);
-    i += largo;
+std::u32string ToPoints(std::string_view text) {
+  std::u32string points;
+  points.reserve(text.size());
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t length = internal::CharacterLength(text, i);
+    points += internal::PointAt(text, i, length);
+    i += length;
   }
-  return puntos;
+  return points;
 }
 
-std::string DePuntos(std::u32string_view puntos) {
-  std::string texto;
-  texto.reserve(puntos.size());
-  const auto byte = [&](char32_t b) { texto += static_cast<char>(static_cast<unsigned char>(b)); };
-  for (const char32_t p : puntos) {
+std::string FromPoints(std::u32string_view points) {
+  std::string text;
+  text.reserve(points.size());
+  const auto byte = [&](char32_t b) { text += static_cast<char>(static_cast<unsigned char>(b)); };
+  for (const char32_t p : points) {
     if (p < 0x80) {
       byte(p);
     } else if (p < 0x800) {
@@ -225,7 +225,7 @@ std::string DePuntos(std::u32string_view puntos) {
     } else if (p >= 0xDC80 && p <= 0xDCFF) {
       byte(p - 0xDC00);
     } else if ((p >= 0xD800 && p <= 0xDFFF) || p > 0x10FFFF) {
-      texto += "\xEF\xBF\xBD";
+      text += "\xEF\xBF\xBD";
     } else if (p < 0x10000) {
       byte(0xE0 | p >> 12);
       byte(0x80 | (p >> 6 & 0x3F));
@@ -237,7 +237,7 @@ std::string DePuntos(std::u32string_view puntos) {
       byte(0x80 | (p & 0x3F));
     }
   }
-  return texto;
+  return text;
 }
 
 }  // namespace base

@@ -15,13 +15,13 @@ class Consola final : public ports::Prompts, public ports::FilePicker {
   explicit Consola(std::ostream& err) : err_(err) {}
 
   // Every message is printed: a night's log must not lack one. Lines of a message are joined with a blank.
-  bool Mostrar(const ports::Aviso& aviso) override {
-    err_ << base::Reemplazar(aviso.texto, base::kCrLf, " ") << '\n';
+  bool Show(const ports::Notice& aviso) override {
+    err_ << base::Replace(aviso.text, base::kCrLf, " ") << '\n';
     return false;
   }
-  bool Confirmar(const std::string&) override { return true; }
-  std::string AbrirArchivo(const std::string&, const std::string&, const std::string&) override { return {}; }
-  std::int32_t ElegirColor(std::int32_t inicial) override { return inicial; }
+  bool Confirm(const std::string&) override { return true; }
+  std::string PickFile(const std::string&, const std::string&, const std::string&) override { return {}; }
+  std::int32_t PickColor(std::int32_t inicial) override { return inicial; }
 
  private:
   std::ostream& err_;

@@ -35,15 +35,15 @@ bool SoloDigitos(std::string_view t) {
 }
 
 // AAAA-MM or AAAA-MM-DD, nothing else; the date must exist.
-std::optional<base::Fecha> LeerFecha(const std::string& texto, bool con_dia) {
+std::optional<base::Date> LeerFecha(const std::string& texto, bool con_dia) {
   const auto partes = base::Split(texto, "-");
   if (partes.size() != (con_dia ? 3U : 2U)) return std::nullopt;
   for (std::size_t i = 0; i < partes.size(); ++i)
     if (!SoloDigitos(partes[i]) || partes[i].size() != (i == 0 ? 4U : 2U)) return std::nullopt;
   const int anio = std::stoi(partes[0]), mes = std::stoi(partes[1]), dia = con_dia ? std::stoi(partes[2]) : 1;
   if (anio < 100 || mes < 1 || mes > 12 || dia < 1) return std::nullopt;
-  const base::Fecha fecha = base::FechaDe(anio, mes, dia);
-  if (base::Partes(fecha).dia != dia) return std::nullopt;
+  const base::Date fecha = base::MakeDate(anio, mes, dia);
+  if (base::PartsOf(fecha).day != dia) return std::nullopt;
   return fecha;
 }
 
@@ -58,7 +58,7 @@ CLI::Validator Fecha(bool con_dia) {
 
 bool EsClaveDeAjustes(const std::string& clave) {
   settings::Settings prueba;
-  return base::IgualSinCaso(clave, "Conceptos") || base::IgualSinCaso(clave, "TomaConceptosDeBD") ||
+  return base::EqualIgnoringCase(clave, "Conceptos") || base::EqualIgnoringCase(clave, "TomaConceptosDeBD") ||
          settings::AplicarValor(prueba, clave, "");
 }
 
@@ -70,7 +70,7 @@ CLI::Validator ClaveYValor() {
         const std::string clave = texto.substr(0, igual);
         if (!EsClaveDeAjustes(clave)) return "'" + clave + "' no es una clave del archivo de ajustes";
         const std::string cierre = "[/" + clave + "]";
-        if (base::Contiene(texto.substr(igual + 1), cierre, base::Comparar::SinCaso))
+        if (base::Contains(texto.substr(igual + 1), cierre, base::Compare::IgnoringCase))
           return "el valor de '" + clave + "' no puede contener " + cierre;
         return std::string();
       },
@@ -126,7 +126,7 @@ OpcionesImportar Completar(OpcionesImportar o, const Textos& t, bool solo_revisa
   for (const std::string& texto : t.opciones) {
     const std::size_t igual = texto.find('=');
     o.opciones.emplace_back(texto.substr(0, igual),
-                            base::Reemplazar(texto.substr(igual + 1), "\\r\\n", base::kCrLf));
+                            base::Replace(texto.substr(igual + 1), "\\r\\n", base::kCrLf));
   }
   return o;
 }
@@ -142,15 +142,15 @@ std::string Detalle(const std::string& texto) {
 std::string EnEspanol(const CLI::ParseError& e) {
   const std::string texto = e.what();
   if (dynamic_cast<const CLI::RequiredError*>(&e) != nullptr) {
-    if (base::Contiene(texto, "subcommand"))
+    if (base::Contains(texto, "subcommand"))
       return "Falta el verbo: importar, revisar, formula, consulta, verificar o demo";
-    return "Falta un argumento: " + base::Reemplazar(texto, " is required", "");
+    return "Falta un argumento: " + base::Replace(texto, " is required", "");
   }
   if (dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr) return "Argumento de más: " + Detalle(texto);
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&e) != nullptr) {
     const std::string opcion = texto.substr(0, texto.find_first_of(": "));
-    if (base::Contiene(texto, "override")) return opcion + ": no lleva valor";
-    return opcion + (base::Contiene(texto, "missing") ? ": falta su valor" : ": va una sola vez");
+    if (base::Contains(texto, "override")) return opcion + ": no lleva valor";
+    return opcion + (base::Contains(texto, "missing") ? ": falta su valor" : ": va una sola vez");
   }
   if (dynamic_cast<const CLI::ConversionError*>(&e) != nullptr) return "No es un número: " + Detalle(texto);
   return texto;
@@ -166,7 +166,7 @@ std::vector<std::string> ConExpresionAlFinal(std::vector<std::string> args) {
       continue;
     }
     if (a == "--") return args;  // said so already
-    if (a == "-h" || a == "--help" || base::EmpiezaCon(a, "--base=") || base::EmpiezaCon(a, "--hoy="))
+    if (a == "-h" || a == "--help" || base::StartsWith(a, "--base=") || base::StartsWith(a, "--hoy="))
       continue;
     if (a.size() < 2 || a.front() != '-') continue;
     const std::string expresion = a;
@@ -258,7 +258,7 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   if (t.hoy.empty())
     reloj = std::make_unique<ports::SystemClock>();
   else
-    reloj = std::make_unique<ports::RelojFijo>(*LeerFecha(t.hoy, true));
+    reloj = std::make_unique<ports::FixedClock>(*LeerFecha(t.hoy, true));
   if (v_importar->parsed() || v_revisar->parsed())
     return Importar(Completar(importar, t, v_revisar->parsed()), carpeta, *reloj, f);
   if (v_formula->parsed()) return Formula(formula, *reloj, f);
@@ -266,7 +266,7 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   if (v_verificar->parsed()) return Verificar(verificar, f);
   demo.programa = programa;
   demo.sqlite = t.motor == "sqlite";
-  demo.mes = t.mes.empty() ? base::PrimerDiaDelMes(reloj->Hoy()) : *LeerFecha(t.mes, false);
+  demo.mes = t.mes.empty() ? base::FirstDayOfMonth(reloj->Today()) : *LeerFecha(t.mes, false);
   return Demo(demo, *reloj, f);
 }
 

@@ -27,7 +27,7 @@ std::vector<std::string> Argumentos(int argc, char** argv) {
   wchar_t** textos = CommandLineToArgvW(GetCommandLineW(), &n);
   std::vector<std::string> args;
   for (int i = 0; textos != nullptr && i < n; ++i)
-    args.push_back(base::DeUtf16(reinterpret_cast<const char16_t*>(textos[i])));
+    args.push_back(base::FromUtf16(reinterpret_cast<const char16_t*>(textos[i])));
   LocalFree(textos);
   (void)argc, (void)argv;
   return args;

@@ -25,7 +25,7 @@ std::string EnUnaLinea(std::string_view texto) {
 std::string CeldaCsv(std::string_view texto, char separador) {
   if (texto.find_first_of(std::string("\"\r\n") + separador) == std::string_view::npos)
     return std::string(texto);
-  return "\"" + base::Reemplazar(texto, "\"", "\"\"") + "\"";
+  return "\"" + base::Replace(texto, "\"", "\"\"") + "\"";
 }
 
 std::vector<LineaSalida> LineasDe(const app::Estado& estado) {
@@ -82,11 +82,11 @@ void EscribirTabla(std::ostream& out, const std::vector<LineaSalida>& lineas) {
   }
   std::array<std::size_t, 9> ancho{};
   for (const Fila& fila : filas)
-    for (std::size_t i = 0; i < fila.size(); ++i) ancho[i] = std::max(ancho[i], base::Longitud(fila[i]));
+    for (std::size_t i = 0; i < fila.size(); ++i) ancho[i] = std::max(ancho[i], base::Length(fila[i]));
   for (const Fila& fila : filas) {
     std::string texto;
     for (std::size_t i = 0; i < fila.size(); ++i) {
-      const std::string relleno(ancho[i] - base::Longitud(fila[i]), ' ');
+      const std::string relleno(ancho[i] - base::Length(fila[i]), ' ');
       const bool a_la_derecha = i == 0 || i == 4;  // numbers
       texto += (a_la_derecha ? relleno + fila[i] : fila[i] + relleno) + "  ";
     }
@@ -102,7 +102,7 @@ void EscribirTotales(std::ostream& out, const Cuentas& c, const app::Estado& est
   out << "Cantidades por concepto:\n";
   for (const auto& t : estado.importacion.totales)
     out << "  " << t.concepto << " " << app::NombreDeTotal(estado, t) << ": "
-        << base::TextoDeNumero(base::Redondear(t.cantidad, 6)) << " (" << t.lineas
+        << base::NumberText(base::Round(t.cantidad, 6)) << " (" << t.lineas
         << (t.lineas == 1 ? " línea" : " líneas") << ")\n";
 }
 

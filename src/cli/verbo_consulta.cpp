@@ -11,15 +11,14 @@ namespace {
 constexpr char kSeparador = ',';
 
 void EscribirFilas(std::ostream& out, const db::Recordset& rs) {
-  const std::size_t ancho = rs.Campos().size();
+  const std::size_t ancho = rs.Fields().size();
   for (std::size_t i = 0; i < ancho; ++i)
-    out << (i > 0 ? std::string(1, kSeparador) : std::string())
-        << CeldaCsv(rs.Campos()[i].nombre, kSeparador);
+    out << (i > 0 ? std::string(1, kSeparador) : std::string()) << CeldaCsv(rs.Fields()[i].name, kSeparador);
   if (ancho > 0) out << '\n';
-  for (std::size_t fila = 0; fila < rs.Cantidad(); ++fila) {
+  for (std::size_t fila = 0; fila < rs.Count(); ++fila) {
     for (std::size_t i = 0; i < ancho; ++i) {
       if (i > 0) out << kSeparador;
-      out << CeldaCsv(rs.En(i, fila).TextoCsv(), kSeparador);
+      out << CeldaCsv(rs.At(i, fila).CsvText(), kSeparador);
     }
     out << '\n';
   }
@@ -27,14 +26,14 @@ void EscribirFilas(std::ostream& out, const db::Recordset& rs) {
 
 bool Correr(db::Connection& conexion, const std::string& sql, bool escribir, Flujos f) {
   try {
-    const db::Recordset rs = escribir ? conexion.Ejecutar(sql) : conexion.Consultar(sql);
-    if (rs.Campos().empty())
-      f.err << "Filas afectadas: " << conexion.FilasAfectadas() << '\n';
+    const db::Recordset rs = escribir ? conexion.Execute(sql) : conexion.Query(sql);
+    if (rs.Fields().empty())
+      f.err << "Filas afectadas: " << conexion.AffectedRows() << '\n';
     else
       EscribirFilas(f.out, rs);
     return true;
   } catch (const base::Error& e) {
-    f.err << e.Descripcion() << '\n';
+    f.err << e.Description() << '\n';
     return false;
   }
 }
@@ -54,7 +53,7 @@ int Consulta(const OpcionesConsulta& o, const ports::Clock& reloj, Flujos f) {
     bool primera = true;
     for (std::string linea; std::getline(f.in, linea);) {
       if (!linea.empty() && linea.back() == '\r') linea.pop_back();
-      if (base::TrimVista(linea).empty()) continue;
+      if (base::TrimView(linea).empty()) continue;
       if (!primera) f.out << '\n';  // results are parted by an empty line
       primera = false;
       bien = Correr(*c.conexion, linea, o.escribir, f) && bien;

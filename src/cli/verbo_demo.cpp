@@ -17,7 +17,7 @@ std::string Entrecomillada(const std::string& texto) {
 #ifdef _WIN32
   return "\"" + texto + "\"";
 #else
-  return "'" + base::Reemplazar(texto, "'", "'\\''") + "'";
+  return "'" + base::Replace(texto, "'", "'\\''") + "'";
 #endif
 }
 
@@ -28,13 +28,13 @@ int Demo(const OpcionesDemo& o, const ports::Clock& reloj, Flujos f) {
   try {
     demo = app::CrearCarpetaDemo(o.carpeta, o.mes, reloj, o.sqlite ? demo::Motor::Sqlite : demo::Motor::Mdb);
   } catch (const base::Error& e) {
-    f.err << e.Descripcion() << '\n';
+    f.err << e.Description() << '\n';
     return kEntradaSalida;
   }
   f.out << "Base, archivos y ajustes de muestra en '" << o.carpeta
         << "'. Para importar el archivo delimitado:\n"
         << Entrecomillada(o.programa) << " importar --base " << Entrecomillada(demo.referencia)
-        << " --archivo " << Entrecomillada(demo.archivo) << " --mes " << base::FechaIso(o.mes).substr(0, 7)
+        << " --archivo " << Entrecomillada(demo.archivo) << " --mes " << base::IsoDate(o.mes).substr(0, 7)
         << " --ajustes " << Entrecomillada(demo.ajustes) << '\n';
   return Terminar(f, kTodo);
 }

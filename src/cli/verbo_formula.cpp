@@ -31,8 +31,8 @@ int Formula(const OpcionesFormula& o, const ports::Clock& reloj, Flujos f) {
   } else {
     for (std::string linea; std::getline(f.in, linea);) {
       if (!linea.empty() && linea.back() == '\r') linea.pop_back();
-      const std::string resultado = formula::EvaluarTexto(ev, base::Reemplazar(linea, "\\r\\n", base::kCrLf));
-      f.out << base::Reemplazar(base::Reemplazar(resultado, base::kCrLf, "\\r\\n"), "\n", "\\n") << '\n';
+      const std::string resultado = formula::EvaluarTexto(ev, base::Replace(linea, "\\r\\n", base::kCrLf));
+      f.out << base::Replace(base::Replace(resultado, base::kCrLf, "\\r\\n"), "\n", "\\n") << '\n';
     }
   }
   return Terminar(f, kTodo);

@@ -117,7 +117,7 @@ int CargarEImportar(app::Programa& programa, const OpcionesImportar& o, Flujos f
   if (FaltaLeer(programa, f.err)) return kEntradaSalida;
   switch (programa.Ver().fin_de_carga) {
     case importfile::FinDeCarga::SinArchivo:  // or one that cannot be read
-      return base::ExisteArchivo(o.archivo) ? kEntradaSalida : kSinArchivo;
+      return base::FileExists(o.archivo) ? kEntradaSalida : kSinArchivo;
     case importfile::FinDeCarga::Completa:
       return ImportarYMostrar(programa, o, f);
     default:
@@ -145,7 +145,7 @@ int Importar(const OpcionesImportar& o, const std::string& carpeta, const ports:
   const int codigo = CargarEImportar(programa, o, f);
   programa.Deshacer();
   for (const auto& error : programa.Errores())
-    f.err << "Aviso: " << error.donde << ": " << error.descripcion << '\n';
+    f.err << "Aviso: " << error.where << ": " << error.description << '\n';
   return codigo;
 }
 

@@ -7,12 +7,12 @@
 namespace cli {
 namespace {
 
-bool EsError(const mdb::Hallazgo& h) { return h.grado == mdb::Hallazgo::Grado::Error; }
+bool EsError(const mdb::Finding& h) { return h.severity == mdb::Finding::Severity::Error; }
 
-void Escribir(const mdb::Hallazgo& h, std::ostream& out) {
+void Escribir(const mdb::Finding& h, std::ostream& out) {
   out << (EsError(h) ? "Error" : "Nota");
-  if (h.pagina != 0) out << " (página " << h.pagina << ")";
-  out << ": " << h.texto << '\n';
+  if (h.page != 0) out << " (página " << h.page << ")";
+  out << ": " << h.text << '\n';
 }
 
 }  // namespace
@@ -23,18 +23,18 @@ int Verificar(const OpcionesVerificar& o, Flujos f) {
     f.err << v.motivo << '\n';
     return v.acceso == app::Acceso::NoExiste ? kSinArchivo : kArchivoMalo;
   }
-  const mdb::Informe& i = v.informe;
-  for (const mdb::Hallazgo& h : i.hallazgos) Escribir(h, f.out);
-  f.out << "Páginas: " << i.paginas << " (" << i.libres << " libres). Tablas: " << i.tablas
-        << ". Filas: " << i.filas << ". Índices: " << i.indices << " (" << i.entradas
-        << " entradas). Valores largos: " << i.valores_largos << ".\n";
-  const auto errores = std::count_if(i.hallazgos.begin(), i.hallazgos.end(), EsError);
+  const mdb::Report& i = v.informe;
+  for (const mdb::Finding& h : i.findings) Escribir(h, f.out);
+  f.out << "Páginas: " << i.pages << " (" << i.free_pages << " libres). Tablas: " << i.tables
+        << ". Filas: " << i.rows << ". Índices: " << i.indexes << " (" << i.entries
+        << " entradas). Valores largos: " << i.long_values << ".\n";
+  const auto errores = std::count_if(i.findings.begin(), i.findings.end(), EsError);
   if (errores == 0)
     f.out << "Sin errores.\n";
   else
     f.out << "Errores: " << errores
           << ". Haga una copia de la base y repárela con Access (Compactar y reparar).\n";
-  return Terminar(f, i.Sano() ? kTodo : kAlgunaNo);
+  return Terminar(f, i.IsSound() ? kTodo : kAlgunaNo);
 }
 
 }  // namespace cli

@@ -17,7 +17,7 @@ enum class Formato { Tabla, Csv };
 
 struct OpcionesImportar {
   std::string base, archivo;
-  base::Fecha mes;
+  base::Date mes;
   std::optional<long long> liquidacion;                       // value of the entry of cmbLiquidaciones
   std::optional<long long> cc;                                // value of the entry of cmbAgrupa
   std::optional<std::string> ajustes;                         // path; without it the program folder's file
@@ -43,7 +43,7 @@ int Consulta(const OpcionesConsulta& opciones, const ports::Clock& reloj, Flujos
 
 struct OpcionesDemo {
   std::string carpeta, programa;
-  base::Fecha mes;
+  base::Date mes;
   bool sqlite = false;  // the embedded engine instead of an Access file
 };
 int Demo(const OpcionesDemo& opciones, const ports::Clock& reloj, Flujos flujos);

@@ -51,29 +51,29 @@ class Connection {
  public:
   virtual ~Connection() = default;
 
-  virtual bool Abierta() const = 0;
-  virtual void Cerrar() = 0;
+  virtual bool IsOpen() const = 0;
+  virtual void Close() = 0;
 
   // Runs one statement of the dialect and returns all its rows (none for a statement that is no query).
   // Throws db::Error; a failing statement changes nothing.
-  virtual Recordset Ejecutar(std::string_view sql) = 0;
+  virtual Recordset Execute(std::string_view sql) = 0;
   // The same for statements that may only read: anything that is not a query throws before it runs.
-  virtual Recordset Consultar(std::string_view sql) = 0;
+  virtual Recordset Query(std::string_view sql) = 0;
   // The same for a text that nobody has looked at. Throws QueryInterrupted when it takes more than the budget
   // has; an open transaction keeps what it holds. Reading tables in does not count. An engine without means
   // of its own runs it to the end.
   virtual Recordset QueryBounded(std::string_view sql, QueryBudget& budget) {
     static_cast<void>(budget);
-    return Consultar(sql);
+    return Query(sql);
   }
-  // Rows inserted, changed or deleted by the last Ejecutar.
-  virtual std::int64_t FilasAfectadas() const = 0;
+  // Rows inserted, changed or deleted by the last Execute.
+  virtual std::int64_t AffectedRows() const = 0;
 
   // One level; a second BeginTrans inside one throws db::Error.
   virtual void BeginTrans() = 0;
   virtual void CommitTrans() = 0;
   virtual void RollbackTrans() = 0;
-  virtual bool EnTransaccion() const = 0;
+  virtual bool InTransaction() const = 0;
 
   // One mark inside the transaction; a second SetSavepoint moves it. RollbackToSavepoint undoes what ran
   // after it and leaves the transaction and the mark as they were; ReleaseSavepoint forgets the mark and

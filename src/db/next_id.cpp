@@ -4,12 +4,13 @@
 
 namespace db {
 
-std::int32_t NextId(Connection& conexion, std::string_view tabla, std::string_view campo) {
+std::int32_t NextId(Connection& connection, std::string_view table, std::string_view field) {
   std::string sql = "select max(";
-  sql.append(campo).append(")as maxcod from ").append(tabla);
-  std::int32_t mayor = 0;
-  base::ErrorIgnorado("NextId", nullptr, [&] { mayor = conexion.Ejecutar(sql).Campo("maxcod").Entero(); });
-  return mayor;
+  sql.append(field).append(")as maxcod from ").append(table);
+  std::int32_t largest = 0;
+  base::PassOverError("NextId", nullptr,
+                      [&] { largest = connection.Execute(sql).Field("maxcod").Integer(); });
+  return largest;
 }
 
 }  // namespace db

@@ -8,8 +8,8 @@
 
 namespace db {
 
-// The largest `campo` of `tabla` ("select max(" + campo + ")as maxcod from " + tabla); the caller adds 1. Any
+// The largest `field` of `table` ("select max(" + field + ")as maxcod from " + table); the caller adds 1. Any
 // error, an empty table among them, gives 0; only a fault of the storage travels on, since 1 may be taken.
-std::int32_t NextId(Connection& conexion, std::string_view tabla, std::string_view campo);
+std::int32_t NextId(Connection& connection, std::string_view table, std::string_view field);
 
 }  // namespace db

@@ -9,50 +9,49 @@
 #include <string_view>
 #include <vector>
 
-#include "base/valor.h"
+#include "base/value.h"
 
 namespace db {
 
-struct Columna {
-  std::string nombre;
-  base::Tipo tipo = base::Tipo::Nulo;  // Nulo: not known before the rows; each value has its own type
+struct Column {
+  std::string name;
+  base::Type type = base::Type::Null;  // Null: not known before the rows; each value has its own type
 };
-using Columnas = std::vector<Columna>;
+using Columns = std::vector<Column>;
 
 class Recordset {
  public:
   Recordset() = default;
-  // `celdas` row by row; throws db::Error when they do not fill whole rows. The column list is shared with
+  // `cells` row by row; throws db::Error when they do not fill whole rows. The column list is shared with
   // the engine's statement cache.
-  Recordset(std::shared_ptr<const Columnas> columnas, std::vector<base::Valor> celdas,
-            std::string fuente = {});
+  Recordset(std::shared_ptr<const Columns> columns, std::vector<base::Value> cells, std::string source = {});
 
-  const Columnas& Campos() const;
+  const Columns& Fields() const;
   // Index of the column whatever its case, -1 when there is none.
-  int Posicion(std::string_view nombre) const;
-  std::size_t Cantidad() const { return filas_; }
-  bool Vacio() const { return filas_ == 0; }
-  const base::Valor& En(std::size_t campo, std::size_t fila) const {
-    if (static_cast<unsigned>(campo >= ancho_) | static_cast<unsigned>(fila >= filas_))
-      ThrowOutside(campo, fila);  // one branch: 100,000 rows are read by place
-    return celdas_[fila * ancho_ + campo];
+  int PositionOf(std::string_view name) const;
+  std::size_t Count() const { return rows_; }
+  bool IsEmpty() const { return rows_ == 0; }
+  const base::Value& At(std::size_t field, std::size_t row) const {
+    if (static_cast<unsigned>(field >= width_) | static_cast<unsigned>(row >= rows_))
+      ThrowOutside(field, row);  // one branch: 100,000 rows are read by place
+    return cells_[row * width_ + field];
   }
 
   // Of the first row. Both throw db::Error when there is none, or no such column.
-  const base::Valor& Campo(std::size_t campo) const;
-  const base::Valor& Campo(std::string_view nombre) const;
+  const base::Value& Field(std::size_t field) const;
+  const base::Value& Field(std::string_view name) const;
 
   // The SQL text it came from.
-  const std::string& Fuente() const { return fuente_; }
+  const std::string& Source() const { return source_; }
 
  private:
-  [[noreturn]] void ThrowOutside(std::size_t campo, std::size_t fila) const;
+  [[noreturn]] void ThrowOutside(std::size_t field, std::size_t row) const;
 
-  std::shared_ptr<const Columnas> columnas_;
-  std::vector<base::Valor> celdas_;
-  std::string fuente_;
-  std::size_t ancho_ = 0;
-  std::size_t filas_ = 0;
+  std::shared_ptr<const Columns> columns_;
+  std::vector<base::Value> cells_;
+  std::string source_;
+  std::size_t width_ = 0;
+  std::size_t rows_ = 0;
 };
 
 }  // namespace db

@@ -19,7 +19,7 @@ class Transaccion {
   Transaccion(const Transaccion&) = delete;
   Transaccion& operator=(const Transaccion&) = delete;
   ~Transaccion() {
-    if (!confirmada_) base::ErrorIgnorado("demo: rollback", nullptr, [this] { conexion_.RollbackTrans(); });
+    if (!confirmada_) base::PassOverError("demo: rollback", nullptr, [this] { conexion_.RollbackTrans(); });
   }
   void Confirmar() {
     conexion_.CommitTrans();
@@ -43,13 +43,13 @@ std::string TextoEmbebido(std::string_view nombre) {
 
 void CrearTablas(db::Connection& conexion) {
   for (const std::string& sentencia : SepararSentencias(TextoEmbebido("esquema.sql")))
-    conexion.Ejecutar(sentencia);
+    conexion.Execute(sentencia);
 }
 
-std::string BytesDe(std::string_view nombre, base::Fecha mes) {
+std::string BytesDe(std::string_view nombre, base::Date mes) {
   std::string texto = ExpandirPlantilla(TextoEmbebido(nombre), mes);
   if (!texto.empty() && texto.back() == '\n') texto.pop_back();
-  return base::ACp1252(base::Reemplazar(texto, "\n", base::kCrLf));
+  return base::ToCp1252(base::Replace(texto, "\n", base::kCrLf));
 }
 
 }  // namespace
@@ -60,18 +60,18 @@ void CrearEsquema(db::Connection& conexion) {
   transaccion.Confirmar();
 }
 
-void LlenarBase(db::Connection& conexion, base::Fecha mes) {
+void LlenarBase(db::Connection& conexion, base::Date mes) {
   Transaccion transaccion(conexion);
   CrearTablas(conexion);
   // Statement by statement, so that the comments may speak of placeholders.
   for (const std::string& sentencia : SepararSentencias(TextoEmbebido("datos.sql")))
-    conexion.Ejecutar(ExpandirPlantilla(sentencia, mes));
+    conexion.Execute(ExpandirPlantilla(sentencia, mes));
   transaccion.Confirmar();
 }
 
 const char* NombreDeBase(Motor motor) { return motor == Motor::Mdb ? "Personal.mdb" : "Personal.sqlite"; }
 
-std::vector<ArchivoDemo> ArchivosDemo(base::Fecha mes, Motor motor) {
+std::vector<ArchivoDemo> ArchivosDemo(base::Date mes, Motor motor) {
   std::vector<ArchivoDemo> archivos;
   for (const char* nombre : {"ConfBase.cfg", "ImportDeMarcas.ini", "horas.txt", "horas_ancho_fijo.txt"})
     archivos.push_back({nombre, BytesDe(nombre, mes)});
@@ -81,9 +81,9 @@ std::vector<ArchivoDemo> ArchivosDemo(base::Fecha mes, Motor motor) {
   return archivos;
 }
 
-std::string AjustesDemo(base::Fecha mes, bool ancho_fijo) {
-  const std::string delimitado = base::DeCp1252(BytesDe("ImportDeMarcas.ini", mes));
-  return base::ACp1252(settings::TextoConValor(delimitado, "TipoArchivo", ancho_fijo ? "AF" : "1"));
+std::string AjustesDemo(base::Date mes, bool ancho_fijo) {
+  const std::string delimitado = base::FromCp1252(BytesDe("ImportDeMarcas.ini", mes));
+  return base::ToCp1252(settings::TextoConValor(delimitado, "TipoArchivo", ancho_fijo ? "AF" : "1"));
 }
 
 }  // namespace demo

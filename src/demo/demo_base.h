@@ -27,13 +27,13 @@ void CrearEsquema(db::Connection& conexion);
 
 // The schema and the rows, placed around the month of `mes`, in one transaction: on failure the base is left
 // as it was. Throws db::Error.
-void LlenarBase(db::Connection& conexion, base::Fecha mes);
+void LlenarBase(db::Connection& conexion, base::Date mes);
 
 // The files of a demo folder beside its base: ConfBase.cfg (the reference to open), ImportDeMarcas.ini
 // (settings with relations), horas.txt (delimited) and horas_ancho_fijo.txt (the same hours in fixed width).
-std::vector<ArchivoDemo> ArchivosDemo(base::Fecha mes, Motor motor = Motor::Mdb);
+std::vector<ArchivoDemo> ArchivosDemo(base::Date mes, Motor motor = Motor::Mdb);
 
 // The settings of ArchivosDemo for the other file: fixed width when `ancho_fijo`, delimited otherwise.
-std::string AjustesDemo(base::Fecha mes, bool ancho_fijo);
+std::string AjustesDemo(base::Date mes, bool ancho_fijo);
 
 }  // namespace demo

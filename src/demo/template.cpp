@@ -23,30 +23,31 @@ int Desplazamiento(std::string_view texto, std::string_view marca) {
   return texto[0] == '-' ? -n : n;
 }
 
-base::Fecha DiaDe(base::Fecha primero, std::string_view dia, std::string_view marca) {
+base::Date DiaDe(base::Date primero, std::string_view dia, std::string_view marca) {
   if (dia == "FIN") return base::LastDayOfMonth(primero);
   const bool dos_cifras = dia.size() == 2 && dia[0] >= '0' && dia[0] <= '9' && dia[1] >= '0' && dia[1] <= '9';
   const int n = dos_cifras ? (dia[0] - '0') * 10 + (dia[1] - '0') : 0;
   if (n < 1 || n > 28) MarcaDesconocida(marca);
-  return base::Fecha{primero.serie + n - 1};
+  return base::Date{primero.serial + n - 1};
 }
 
-std::string ValorDeMarca(std::string_view marca, base::Fecha mes) {
-  const base::PartesFecha partes = base::Partes(mes);
-  if (marca == "MES_NOMBRE") return base::Locale::espanol().meses[static_cast<std::size_t>(partes.mes - 1)];
-  if (base::EmpiezaCon(marca, "ANIO"))
-    return std::to_string(partes.anio + Desplazamiento(marca.substr(4), marca));
-  if (!base::EmpiezaCon(marca, "MES")) MarcaDesconocida(marca);
+std::string ValorDeMarca(std::string_view marca, base::Date mes) {
+  const base::DateParts partes = base::PartsOf(mes);
+  if (marca == "MES_NOMBRE")
+    return base::Locale::spanish().months[static_cast<std::size_t>(partes.month - 1)];
+  if (base::StartsWith(marca, "ANIO"))
+    return std::to_string(partes.year + Desplazamiento(marca.substr(4), marca));
+  if (!base::StartsWith(marca, "MES")) MarcaDesconocida(marca);
   const std::size_t dos_puntos = marca.find(':');
   const std::string_view meses = marca.substr(3, dos_puntos == marca.npos ? marca.npos : dos_puntos - 3);
-  base::Fecha dia = base::FechaDe(partes.anio, partes.mes + Desplazamiento(meses, marca), 1);
+  base::Date dia = base::MakeDate(partes.year, partes.month + Desplazamiento(meses, marca), 1);
   if (dos_puntos != marca.npos) dia = DiaDe(dia, marca.substr(dos_puntos + 1), marca);
-  return std::string(1, '#').append(base::FechaMMddyyyy(dia)).append(1, '#');
+  return std::string(1, '#').append(base::DateMMddyyyy(dia)).append(1, '#');
 }
 
 }  // namespace
 
-std::string ExpandirPlantilla(std::string_view plantilla, base::Fecha mes) {
+std::string ExpandirPlantilla(std::string_view plantilla, base::Date mes) {
   std::string salida;
   salida.reserve(plantilla.size() + plantilla.size() / 8);
   std::size_t desde = 0;
@@ -69,9 +70,9 @@ std::vector<std::string> SepararSentencias(std::string_view sql) {
   std::vector<std::string> sentencias;
   std::string actual;
   std::vector<std::string_view> lineas;
-  base::SplitVistas(sql, "\n", lineas);
+  base::SplitViews(sql, "\n", lineas);
   for (const std::string_view linea : lineas) {
-    if (base::EmpiezaCon(linea, "--") || (actual.empty() && base::TrimVista(linea).empty())) continue;
+    if (base::StartsWith(linea, "--") || (actual.empty() && base::TrimView(linea).empty())) continue;
     if (!actual.empty()) actual += '\n';
     actual += linea;
     if (actual.back() != ';') continue;

@@ -15,7 +15,7 @@ namespace demo {
 //   {ANIO} {ANIO+n} {ANIO-n}  the year
 //   {MES_NOMBRE}              the month's Spanish name
 // Anything else between braces throws base::Error.
-std::string ExpandirPlantilla(std::string_view plantilla, base::Fecha mes);
+std::string ExpandirPlantilla(std::string_view plantilla, base::Date mes);
 
 // The statements of a text: each ends with ";" at the end of a line, which is dropped; lines that start with
 // "--" are comments. A last statement without ";" throws base::Error.

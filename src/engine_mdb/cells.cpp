@@ -13,226 +13,225 @@
 namespace engine_mdb {
 namespace {
 
-using mdb::TipoColumna;
+using mdb::ColumnType;
 
 // A cell that got no memory looks like an empty one.
 void NeedMemory(int rc) {
   if (rc == SQLITE_NOMEM) throw base::StorageFault(base::kOutOfMemory);
 }
 
-std::string_view TextoDe(sqlite3_stmt* fila, int columna) {
-  const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(fila, columna));
+std::string_view TextOf(sqlite3_stmt* row, int column) {
+  const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
   if (p == nullptr) {
-    NeedMemory(sqlite3_errcode(sqlite3_db_handle(fila)));
+    NeedMemory(sqlite3_errcode(sqlite3_db_handle(row)));
     return {};
   }
-  return {p, static_cast<std::size_t>(sqlite3_column_bytes(fila, columna))};
+  return {p, static_cast<std::size_t>(sqlite3_column_bytes(row, column))};
 }
 
-mdb::Vista BytesDe(sqlite3_stmt* fila, int columna) {
-  const auto* p = static_cast<const std::uint8_t*>(sqlite3_column_blob(fila, columna));
+mdb::View BytesOf(sqlite3_stmt* row, int column) {
+  const auto* p = static_cast<const std::uint8_t*>(sqlite3_column_blob(row, column));
   if (p == nullptr) return {};
-  return {p, static_cast<std::size_t>(sqlite3_column_bytes(fila, columna))};
+  return {p, static_cast<std::size_t>(sqlite3_column_bytes(row, column))};
 }
 
-double NumeroDe(const mdb::Dato& dato) {
-  if (const auto* f = std::get_if<float>(&dato)) return base::DobleDeSimple(*f);
-  if (const auto* d = std::get_if<double>(&dato)) return *d;
-  if (const auto* m = std::get_if<base::Moneda>(&dato))
-    return static_cast<double>(m->diezmilesimas) / 10000.0;
-  if (const auto* f = std::get_if<base::Fecha>(&dato)) return f->serie;
-  return std::get<mdb::Decimal>(dato).Numero();
+double NumberOf(const mdb::Datum& datum) {
+  if (const auto* f = std::get_if<float>(&datum)) return base::DoubleOfSingle(*f);
+  if (const auto* d = std::get_if<double>(&datum)) return *d;
+  if (const auto* m = std::get_if<base::Currency>(&datum))
+    return static_cast<double>(m->ten_thousandths) / 10000.0;
+  if (const auto* f = std::get_if<base::Date>(&datum)) return f->serial;
+  return std::get<mdb::Decimal>(datum).Number();
 }
 
-std::int64_t EnteroDe(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
-  if (sqlite3_column_type(fila, indice) == SQLITE_INTEGER) return sqlite3_column_int64(fila, indice);
-  if (sqlite3_column_type(fila, indice) == SQLITE_FLOAT)
-    return base::EnteroBancario(sqlite3_column_double(fila, indice));
-  throw base::Error("El tipo del valor no es el del campo " + columna.nombre + ".", 13);
+std::int64_t IntegerOf(const mdb::Column& column, sqlite3_stmt* row, int index) {
+  if (sqlite3_column_type(row, index) == SQLITE_INTEGER) return sqlite3_column_int64(row, index);
+  if (sqlite3_column_type(row, index) == SQLITE_FLOAT)
+    return base::BankersInteger(sqlite3_column_double(row, index));
+  throw base::Error("El tipo del valor no es el del campo " + column.name + ".", 13);
 }
 
-mdb::Dato EnRango(const mdb::Columna& columna, std::int64_t v, std::int64_t desde, std::int64_t hasta) {
-  if (v < desde || v > hasta) throw base::Error("El número no cabe en el campo " + columna.nombre + ".", 6);
+mdb::Datum InRange(const mdb::Column& column, std::int64_t v, std::int64_t from, std::int64_t to) {
+  if (v < from || v > to) throw base::Error("El número no cabe en el campo " + column.name + ".", 6);
   return v;
 }
 
-double RealDe(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
-  const int tipo = sqlite3_column_type(fila, indice);
-  if (tipo != SQLITE_INTEGER && tipo != SQLITE_FLOAT)
-    throw base::Error("El tipo del valor no es el del campo " + columna.nombre + ".", 13);
-  return sqlite3_column_double(fila, indice);
+double RealOf(const mdb::Column& column, sqlite3_stmt* row, int index) {
+  const int type = sqlite3_column_type(row, index);
+  if (type != SQLITE_INTEGER && type != SQLITE_FLOAT)
+    throw base::Error("El tipo del valor no es el del campo " + column.name + ".", 13);
+  return sqlite3_column_double(row, index);
 }
 
-mdb::Dato Binario(sqlite3_stmt* fila, int indice) {
-  if (sqlite3_column_type(fila, indice) != SQLITE_BLOB) return EnUtf16(TextoDe(fila, indice));
-  const mdb::Vista v = BytesDe(fila, indice);
+mdb::Datum Binary(sqlite3_stmt* row, int index) {
+  if (sqlite3_column_type(row, index) != SQLITE_BLOB) return AsUtf16(TextOf(row, index));
+  const mdb::View v = BytesOf(row, index);
   return mdb::Bytes(v.begin(), v.end());
 }
 
-mdb::Dato Simple(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
-  const double v = RealDe(columna, fila, indice);
+mdb::Datum Single(const mdb::Column& column, sqlite3_stmt* row, int index) {
+  const double v = RealOf(column, row, index);
   if (std::abs(v) > static_cast<double>(std::numeric_limits<float>::max()))
-    throw base::Error("El número no cabe en el campo " + columna.nombre + ".", 6);
+    throw base::Error("El número no cabe en el campo " + column.name + ".", 6);
   return static_cast<float>(v);
 }
 
-mdb::Dato Moneda(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
-  const double v = RealDe(columna, fila, indice);
+mdb::Datum Currency(const mdb::Column& column, sqlite3_stmt* row, int index) {
+  const double v = RealOf(column, row, index);
   if (std::abs(v) > 922337203685477.5807)
-    throw base::Error("El número no cabe en el campo " + columna.nombre + ".", 6);
+    throw base::Error("El número no cabe en el campo " + column.name + ".", 6);
   return base::CurrencyOf(v);
 }
 
 }  // namespace
 
-mdb::Bytes EnUtf16(std::string_view texto) {
+mdb::Bytes AsUtf16(std::string_view text) {
   mdb::Bytes bytes;
-  for (const char32_t c : base::APuntos(texto)) {
+  for (const char32_t c : base::ToPoints(text)) {
     if (c < 0x10000) {
-      mdb::Agregar16(bytes, static_cast<std::uint16_t>(c));
+      mdb::Append16(bytes, static_cast<std::uint16_t>(c));
     } else {
-      mdb::Agregar16(bytes, static_cast<std::uint16_t>(0xD800 + ((c - 0x10000) >> 10)));
-      mdb::Agregar16(bytes, static_cast<std::uint16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
+      mdb::Append16(bytes, static_cast<std::uint16_t>(0xD800 + ((c - 0x10000) >> 10)));
+      mdb::Append16(bytes, static_cast<std::uint16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
     }
   }
   return bytes;
 }
 
-base::Tipo TipoDe(TipoColumna tipo) {
-  switch (tipo) {
-    case TipoColumna::Booleano:
-      return base::Tipo::Booleano;
-    case TipoColumna::Byte:
-    case TipoColumna::Entero:
-    case TipoColumna::Largo:
-    case TipoColumna::Complejo:
-    case TipoColumna::EnteroGrande:
-      return base::Tipo::Entero;
-    case TipoColumna::Moneda:
-      return base::Tipo::Moneda;
-    case TipoColumna::Simple:
-      return base::Tipo::Simple;
-    case TipoColumna::Doble:
-    case TipoColumna::Decimal:
-      return base::Tipo::Numero;
-    case TipoColumna::Fecha:
-      return base::Tipo::Fecha;
-    case TipoColumna::Texto:
-    case TipoColumna::Memo:
-    case TipoColumna::Guid:
-    case TipoColumna::FechaExtendida:
-      return base::Tipo::Texto;
-    case TipoColumna::Binario:
-    case TipoColumna::Ole:
-    case TipoColumna::BinarioFijo:
+base::Type TypeOf(ColumnType type) {
+  switch (type) {
+    case ColumnType::Boolean:
+      return base::Type::Boolean;
+    case ColumnType::Byte:
+    case ColumnType::Integer:
+    case ColumnType::Long:
+    case ColumnType::Complex:
+    case ColumnType::BigInteger:
+      return base::Type::Integer;
+    case ColumnType::Currency:
+      return base::Type::Currency;
+    case ColumnType::Single:
+      return base::Type::Single;
+    case ColumnType::Double:
+    case ColumnType::Decimal:
+      return base::Type::Number;
+    case ColumnType::Date:
+      return base::Type::Date;
+    case ColumnType::Text:
+    case ColumnType::Memo:
+    case ColumnType::Guid:
+    case ColumnType::ExtendedDate:
+      return base::Type::Text;
+    case ColumnType::Binary:
+    case ColumnType::Ole:
+    case ColumnType::FixedBinary:
       break;
   }
-  return base::Tipo::Nulo;
+  return base::Type::Null;
 }
 
-void Ligar(sqlite3_stmt* sentencia, int indice, const mdb::Dato& dato) {
+void Bind(sqlite3_stmt* statement, int index, const mdb::Datum& datum) {
   int rc = SQLITE_OK;
   std::visit(
       [&](const auto& v) {
         using T = std::decay_t<decltype(v)>;
-        if constexpr (std::is_same_v<T, base::Nulo>) {
-          rc = sqlite3_bind_null(sentencia, indice);
+        if constexpr (std::is_same_v<T, base::Null>) {
+          rc = sqlite3_bind_null(statement, index);
         } else if constexpr (std::is_same_v<T, bool>) {
-          rc = sqlite3_bind_int(sentencia, indice, v ? -1 : 0);
+          rc = sqlite3_bind_int(statement, index, v ? -1 : 0);
         } else if constexpr (std::is_same_v<T, std::int64_t>) {
-          rc = sqlite3_bind_int64(sentencia, indice, v);
+          rc = sqlite3_bind_int64(statement, index, v);
         } else if constexpr (std::is_same_v<T, std::string>) {
-          rc = sqlite3_bind_text64(sentencia, indice, v.data(), v.size(), SQLITE_STATIC, SQLITE_UTF8);
+          rc = sqlite3_bind_text64(statement, index, v.data(), v.size(), SQLITE_STATIC, SQLITE_UTF8);
         } else if constexpr (std::is_same_v<T, mdb::Bytes>) {
           // A null pointer would bind Null.
           if (v.empty())
-            rc = sqlite3_bind_zeroblob(sentencia, indice, 0);
+            rc = sqlite3_bind_zeroblob(statement, index, 0);
           else
-            rc = sqlite3_bind_blob64(sentencia, indice, v.data(), v.size(), SQLITE_STATIC);
+            rc = sqlite3_bind_blob64(statement, index, v.data(), v.size(), SQLITE_STATIC);
         } else if constexpr (std::is_same_v<T, mdb::Guid>) {
-          const std::string texto = v.Texto();
-          rc = sqlite3_bind_text64(sentencia, indice, texto.data(), texto.size(), SQLITE_TRANSIENT,
-                                   SQLITE_UTF8);
+          const std::string text = v.Text();
+          rc = sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
         } else {
-          rc = sqlite3_bind_double(sentencia, indice, NumeroDe(dato));
+          rc = sqlite3_bind_double(statement, index, NumberOf(datum));
         }
       },
-      dato);
+      datum);
   NeedMemory(rc);
 }
 
-bool MismoValor(const mdb::Dato& dato, sqlite3_stmt* fila, int columna) {
-  const int tipo = sqlite3_column_type(fila, columna);
+bool SameValue(const mdb::Datum& datum, sqlite3_stmt* row, int column) {
+  const int type = sqlite3_column_type(row, column);
   return std::visit(
       [&](const auto& v) -> bool {
         using T = std::decay_t<decltype(v)>;
-        if constexpr (std::is_same_v<T, base::Nulo>) {
-          return tipo == SQLITE_NULL;
+        if constexpr (std::is_same_v<T, base::Null>) {
+          return type == SQLITE_NULL;
         } else if constexpr (std::is_same_v<T, bool>) {
-          return tipo == SQLITE_INTEGER && sqlite3_column_int64(fila, columna) == (v ? -1 : 0);
+          return type == SQLITE_INTEGER && sqlite3_column_int64(row, column) == (v ? -1 : 0);
         } else if constexpr (std::is_same_v<T, std::int64_t>) {
-          return tipo == SQLITE_INTEGER && sqlite3_column_int64(fila, columna) == v;
+          return type == SQLITE_INTEGER && sqlite3_column_int64(row, column) == v;
         } else if constexpr (std::is_same_v<T, std::string>) {
-          return tipo == SQLITE_TEXT && TextoDe(fila, columna) == v;
+          return type == SQLITE_TEXT && TextOf(row, column) == v;
         } else if constexpr (std::is_same_v<T, mdb::Bytes>) {
-          const mdb::Vista b = BytesDe(fila, columna);
-          return tipo == SQLITE_BLOB && b.size() == v.size() &&
+          const mdb::View b = BytesOf(row, column);
+          return type == SQLITE_BLOB && b.size() == v.size() &&
                  (v.empty() || std::memcmp(b.data(), v.data(), v.size()) == 0);
         } else if constexpr (std::is_same_v<T, mdb::Guid>) {
-          return tipo == SQLITE_TEXT && TextoDe(fila, columna) == v.Texto();
+          return type == SQLITE_TEXT && TextOf(row, column) == v.Text();
         } else {
-          const double numero = NumeroDe(dato);
-          if (std::isnan(numero)) return tipo == SQLITE_NULL;  // SQLite has no other place for it
-          return (tipo == SQLITE_FLOAT || tipo == SQLITE_INTEGER) &&
-                 sqlite3_column_double(fila, columna) == numero;
+          const double number = NumberOf(datum);
+          if (std::isnan(number)) return type == SQLITE_NULL;  // SQLite has no other place for it
+          return (type == SQLITE_FLOAT || type == SQLITE_INTEGER) &&
+                 sqlite3_column_double(row, column) == number;
         }
       },
-      dato);
+      datum);
 }
 
-mdb::Dato DatoDeCelda(const mdb::Columna& columna, sqlite3_stmt* fila, int indice) {
+mdb::Datum CellDatum(const mdb::Column& column, sqlite3_stmt* row, int index) {
   constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
-  if (sqlite3_column_type(fila, indice) == SQLITE_NULL) {
-    if (columna.tipo == TipoColumna::Booleano) return false;
-    return base::Nulo{};
+  if (sqlite3_column_type(row, index) == SQLITE_NULL) {
+    if (column.type == ColumnType::Boolean) return false;
+    return base::Null{};
   }
-  const auto entero = [&](std::int64_t desde, std::int64_t hasta) {
-    return EnRango(columna, EnteroDe(columna, fila, indice), desde, hasta);
+  const auto integer = [&](std::int64_t from, std::int64_t to) {
+    return InRange(column, IntegerOf(column, row, index), from, to);
   };
-  switch (columna.tipo) {
-    case TipoColumna::Booleano:
-      return EnteroDe(columna, fila, indice) != 0;
-    case TipoColumna::Byte:
-      return entero(0, 255);
-    case TipoColumna::Entero:
-      return entero(-32768, 32767);
-    case TipoColumna::Largo:
-    case TipoColumna::Complejo:
-      return entero(-2147483648LL, 2147483647LL);
-    case TipoColumna::EnteroGrande:
-      return entero(-kMax - 1, kMax);
-    case TipoColumna::Moneda:
-      return Moneda(columna, fila, indice);
-    case TipoColumna::Simple:
-      return Simple(columna, fila, indice);
-    case TipoColumna::Doble:
-      return RealDe(columna, fila, indice);
-    case TipoColumna::Fecha:
-      return base::Fecha{RealDe(columna, fila, indice)};
-    case TipoColumna::Decimal:
-      return mdb::DecimalDeTexto(base::SqlDeNumero(RealDe(columna, fila, indice)), columna.escala);
-    case TipoColumna::Guid:
-      return mdb::GuidDeTexto(TextoDe(fila, indice));
-    case TipoColumna::Texto:
-    case TipoColumna::Memo:
-    case TipoColumna::FechaExtendida:
-      return std::string(TextoDe(fila, indice));
-    case TipoColumna::Binario:
-    case TipoColumna::Ole:
-    case TipoColumna::BinarioFijo:
-      return Binario(fila, indice);
+  switch (column.type) {
+    case ColumnType::Boolean:
+      return IntegerOf(column, row, index) != 0;
+    case ColumnType::Byte:
+      return integer(0, 255);
+    case ColumnType::Integer:
+      return integer(-32768, 32767);
+    case ColumnType::Long:
+    case ColumnType::Complex:
+      return integer(-2147483648LL, 2147483647LL);
+    case ColumnType::BigInteger:
+      return integer(-kMax - 1, kMax);
+    case ColumnType::Currency:
+      return Currency(column, row, index);
+    case ColumnType::Single:
+      return Single(column, row, index);
+    case ColumnType::Double:
+      return RealOf(column, row, index);
+    case ColumnType::Date:
+      return base::Date{RealOf(column, row, index)};
+    case ColumnType::Decimal:
+      return mdb::DecimalFromText(base::SqlNumber(RealOf(column, row, index)), column.scale);
+    case ColumnType::Guid:
+      return mdb::GuidFromText(TextOf(row, index));
+    case ColumnType::Text:
+    case ColumnType::Memo:
+    case ColumnType::ExtendedDate:
+      return std::string(TextOf(row, index));
+    case ColumnType::Binary:
+    case ColumnType::Ole:
+    case ColumnType::FixedBinary:
+      return Binary(row, index);
   }
-  throw base::Error("El campo " + columna.nombre + " es de un tipo que no se escribe.");
+  throw base::Error("El campo " + column.name + " es de un tipo que no se escribe.");
 }
 
 }  // namespace engine_mdb

@@ -11,241 +11,241 @@ constexpr const char* kUndone = "Un error anterior deshizo la transacción: nada
 
 }  // namespace
 
-ConexionMdb::ConexionMdb(std::unique_ptr<mdb::Base> base, std::string_view ruta, const Opciones& opciones)
-    : ruta_(ruta), opciones_(opciones), clock_(opciones.reloj != nullptr ? *opciones.reloj : system_clock_) {
-  Iniciar(std::move(base));
+MdbConnection::MdbConnection(std::unique_ptr<mdb::Database> base, std::string_view path,
+                             const Options& options)
+    : path_(path), options_(options), clock_(options.clock != nullptr ? *options.clock : system_clock_) {
+  Start(std::move(base));
 }
 
-void ConexionMdb::Iniciar(std::unique_ptr<mdb::Base> base) {
+void MdbConnection::Start(std::unique_ptr<mdb::Database> base) {
   base_ = std::move(base);
-  fuente_ = std::make_unique<FuenteMdb>(*base_, ruta_, contadores_);
-  engine_sqlite::Opciones abajo;
-  abajo.orden = base::OrderOfLanguage(base_->Cab().orden).value_or(base::Orden::General);
-  abajo.reloj = &clock_;
-  abajo.locale = opciones_.locale;
-  abajo.comodines_dao = opciones_.comodines_dao;
-  espejo_ = engine_sqlite::AbrirEspejo(*fuente_, abajo);
-  fuente_->Unir(espejo_.base, [this] {
-    if (!abierta_abajo_) Comenzar();
+  source_ = std::make_unique<MdbSource>(*base_, path_, counters_);
+  engine_sqlite::Options below;
+  below.order = base::OrderOfLanguage(base_->Header().order).value_or(base::SortOrder::General);
+  below.clock = &clock_;
+  below.locale = options_.locale;
+  below.dao_wildcards = options_.dao_wildcards;
+  mirror_ = engine_sqlite::OpenMirror(*source_, below);
+  source_->Attach(mirror_.base, [this] {
+    if (!open_below_) Begin();
   });
 }
 
-void ConexionMdb::VerCambiosAjenos() {
-  if (abierta_abajo_) return;
+void MdbConnection::CheckOutsideChanges() {
+  if (open_below_) return;
   db::AsConnectionErrors([&] {
-    if (!base_->Hojas().CambioAfuera()) return;
-    auto nueva = mdb::Base::Abrir(ruta_, {opciones_.solo_lectura, opciones_.contrasena});
-    Cerrar();
-    Iniciar(std::move(nueva));
+    if (!base_->Pages().ChangedOutside()) return;
+    auto fresh = mdb::Database::Open(path_, {options_.read_only, options_.password});
+    Close();
+    Start(std::move(fresh));
   });
 }
 
-bool ConexionMdb::ConseguirEscritura() {
-  if (abierta_abajo_ || opciones_.solo_lectura || base_->MotivoSoloLectura().empty()) return false;
+bool MdbConnection::ObtainWriteAccess() {
+  if (open_below_ || options_.read_only || base_->ReadOnlyReason().empty()) return false;
   return db::AsConnectionErrors([&] {
-    auto nueva = mdb::Base::Abrir(ruta_, {false, opciones_.contrasena});
-    if (!nueva->MotivoSoloLectura().empty()) return false;
-    Cerrar();
-    Iniciar(std::move(nueva));
+    auto fresh = mdb::Database::Open(path_, {false, options_.password});
+    if (!fresh->ReadOnlyReason().empty()) return false;
+    Close();
+    Start(std::move(fresh));
     return true;
   });
 }
 
-void ConexionMdb::Cerrar() {
-  if (fuente_ != nullptr) fuente_->Soltar();
-  if (espejo_.conexion != nullptr) espejo_.conexion->Cerrar();
-  espejo_ = {};
-  fuente_.reset();
+void MdbConnection::Close() {
+  if (source_ != nullptr) source_->Release();
+  if (mirror_.connection != nullptr) mirror_.connection->Close();
+  mirror_ = {};
+  source_.reset();
   base_.reset();
   ForgetMark();
-  en_transaccion_ = abierta_abajo_ = definio_ = false;
+  in_transaction_ = open_below_ = defined_ = false;
 }
 
-void ConexionMdb::VerificarAbierta() const {
+void MdbConnection::VerifyOpen() const {
   if (base_ == nullptr) throw db::Error(base::StorageFault("La base no está abierta."));
-  if (abierta_abajo_ && sqlite3_get_autocommit(espejo_.base) != 0)
-    throw db::Error(base::StorageFault(kUndone));
+  if (open_below_ && sqlite3_get_autocommit(mirror_.base) != 0) throw db::Error(base::StorageFault(kUndone));
 }
 
-void ConexionMdb::Comenzar() {
-  if (const std::string motivo = MotivoDeNoEscribir(*base_); !motivo.empty()) throw BaseNotWritable(motivo);
-  fuente_->GuardarEstado();
-  espejo_.conexion->BeginTrans();
-  abierta_abajo_ = true;
-  definio_ = false;
+void MdbConnection::Begin() {
+  if (const std::string reason = WhyNotWritable(*base_); !reason.empty()) throw BaseNotWritable(reason);
+  source_->SaveState();
+  mirror_.connection->BeginTrans();
+  open_below_ = true;
+  defined_ = false;
 }
 
 // The file first: what it refuses is undone in the mirrors, while they can hardly refuse what it has taken.
-void ConexionMdb::Confirmar() {
-  bool habia = false, escribiendo = false;
+void MdbConnection::Commit() {
+  bool had_changes = false, writing = false;
   try {
     db::AsConnectionErrors([&] {
-      fuente_->EscribirCambios();
-      habia = base_->Hojas().HayCambios();
-      escribiendo = true;
-      base_->Confirmar();
+      source_->WriteChanges();
+      had_changes = base_->Pages().HasChanges();
+      writing = true;
+      base_->Commit();
     });
   } catch (const db::Error&) {
-    definio_ = definio_ || escribiendo;  // what the disk holds is read again
-    Deshacer();
+    defined_ = defined_ || writing;  // what the disk holds is read again
+    Rollback();
     throw;
   }
-  espejo_.conexion->CommitTrans();
-  abierta_abajo_ = definio_ = false;
+  mirror_.connection->CommitTrans();
+  open_below_ = defined_ = false;
   ForgetMark();
-  fuente_->Asentar(true);
-  if (habia) ++contadores_.confirmaciones;
+  source_->Settle(true);
+  if (had_changes) ++counters_.commits;
 }
 
-void ConexionMdb::Deshacer() {
-  abierta_abajo_ = false;
+void MdbConnection::Rollback() {
+  open_below_ = false;
   ForgetMark();
-  base_->Deshacer();
-  espejo_.conexion->RollbackTrans();
-  fuente_->VolverAlEstado();
-  if (definio_) fuente_->DescartarTodo();
-  definio_ = false;
-  engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
+  base_->Rollback();
+  mirror_.connection->RollbackTrans();
+  source_->RestoreState();
+  if (defined_) source_->DiscardAll();
+  defined_ = false;
+  engine_sqlite::ForgetTranslations(*mirror_.connection);
 }
 
-void ConexionMdb::BeginTrans() {
-  VerificarAbierta();
-  if (en_transaccion_) throw db::Error("Ya hay una transacción abierta.");
-  VerCambiosAjenos();
-  ConseguirEscritura();
-  Comenzar();
-  en_transaccion_ = true;
+void MdbConnection::BeginTrans() {
+  VerifyOpen();
+  if (in_transaction_) throw db::Error("Ya hay una transacción abierta.");
+  CheckOutsideChanges();
+  ObtainWriteAccess();
+  Begin();
+  in_transaction_ = true;
 }
 
-void ConexionMdb::CommitTrans() {
-  if (base_ == nullptr || !en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
-  en_transaccion_ = false;
-  if (sqlite3_get_autocommit(espejo_.base) != 0) {
-    Deshacer();
+void MdbConnection::CommitTrans() {
+  if (base_ == nullptr || !in_transaction_) throw db::Error("No hay ninguna transacción abierta.");
+  in_transaction_ = false;
+  if (sqlite3_get_autocommit(mirror_.base) != 0) {
+    Rollback();
     throw db::Error(base::StorageFault(kUndone));
   }
-  Confirmar();
+  Commit();
 }
 
-void ConexionMdb::RollbackTrans() {
-  if (base_ == nullptr || !en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
-  en_transaccion_ = false;
-  Deshacer();
+void MdbConnection::RollbackTrans() {
+  if (base_ == nullptr || !in_transaction_) throw db::Error("No hay ninguna transacción abierta.");
+  in_transaction_ = false;
+  Rollback();
 }
 
-void ConexionMdb::SetSavepoint() {
-  VerificarAbierta();
-  if (!en_transaccion_) throw db::Error("No hay ninguna transacción abierta.");
+void MdbConnection::SetSavepoint() {
+  VerifyOpen();
+  if (!in_transaction_) throw db::Error("No hay ninguna transacción abierta.");
   db::AsConnectionErrors([&] {
-    espejo_.conexion->SetSavepoint();
-    fuente_->SetMark();
+    mirror_.connection->SetSavepoint();
+    source_->SetMark();
   });
   pages_at_mark_.reset();
-  defined_at_mark_ = definio_;
+  defined_at_mark_ = defined_;
   marked_ = true;
 }
 
-void ConexionMdb::RollbackToSavepoint() {
-  VerificarAbierta();
+void MdbConnection::RollbackToSavepoint() {
+  VerifyOpen();
   if (!marked_) throw db::Error("No hay ninguna marca en la transacción.");
   try {
     db::AsConnectionErrors([&] { ReturnToMark(); });
   } catch (const db::Error& e) {
     if (e.IsStorageFault()) throw;
-    throw db::Error(base::StorageFault("No se pudo deshacer la sentencia. " + e.Descripcion()));
+    throw db::Error(base::StorageFault("No se pudo deshacer la sentencia. " + e.Description()));
   }
 }
 
-void ConexionMdb::ReturnToMark() {
-  espejo_.conexion->RollbackToSavepoint();
+void MdbConnection::ReturnToMark() {
+  mirror_.connection->RollbackToSavepoint();
   if (pages_at_mark_) {
-    base_->Volver(std::move(*pages_at_mark_));
+    base_->RollbackTo(std::move(*pages_at_mark_));
     pages_at_mark_.reset();
-    engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
+    engine_sqlite::ForgetTranslations(*mirror_.connection);
   }
-  fuente_->ReturnToMark();
-  definio_ = defined_at_mark_;
-  if (!fuente_->AnythingToRenew()) return;
-  espejo_.conexion->ReleaseSavepoint();
-  fuente_->Renew();
-  espejo_.conexion->SetSavepoint();
-  fuente_->SetMark();
+  source_->ReturnToMark();
+  defined_ = defined_at_mark_;
+  if (!source_->AnythingToRenew()) return;
+  mirror_.connection->ReleaseSavepoint();
+  source_->Renew();
+  mirror_.connection->SetSavepoint();
+  source_->SetMark();
 }
 
-void ConexionMdb::ReleaseSavepoint() {
-  VerificarAbierta();
+void MdbConnection::ReleaseSavepoint() {
+  VerifyOpen();
   if (!marked_) throw db::Error("No hay ninguna marca en la transacción.");
-  espejo_.conexion->ReleaseSavepoint();
+  mirror_.connection->ReleaseSavepoint();
   ForgetMark();
 }
 
-void ConexionMdb::ForgetMark() {
+void MdbConnection::ForgetMark() {
   marked_ = false;
   pages_at_mark_.reset();
-  if (fuente_ != nullptr) fuente_->ForgetMark();
+  if (source_ != nullptr) source_->ForgetMark();
 }
 
-db::Recordset ConexionMdb::EjecutarComo(std::string_view sql, bool solo_consulta) {
-  VerificarAbierta();
-  VerCambiosAjenos();
+db::Recordset MdbConnection::ExecuteAs(std::string_view sql, bool query_only) {
+  VerifyOpen();
+  CheckOutsideChanges();
   try {
-    return Correr(sql, solo_consulta);
+    return Run(sql, query_only);
   } catch (const BaseNotWritable&) {
-    if (!ConseguirEscritura()) throw;
+    if (!ObtainWriteAccess()) throw;
   }
-  return Correr(sql, solo_consulta);
+  return Run(sql, query_only);
 }
 
-db::Recordset ConexionMdb::Correr(std::string_view sql, bool solo_consulta) {
-  afectadas_ = 0;
-  fuente_->Empezar();
+db::Recordset MdbConnection::Run(std::string_view sql, bool query_only) {
+  affected_ = 0;
+  source_->Begin();
   return db::AsConnectionErrors([&] {
-    if (!solo_consulta && jetsql::KindOfText(sql) == jetsql::Clase::Definicion) {
-      jetsql::Sentencia sentencia = jetsql::Analizar(sql, jetsql::Literales::EnTexto);
-      CorrerDefinicion(sentencia);
-      return db::Recordset(std::make_shared<const db::Columnas>(), {}, std::string(sql));
+    if (!query_only && jetsql::KindOfText(sql) == jetsql::Kind::Definition) {
+      jetsql::Statement statement = jetsql::Parse(sql, jetsql::Literals::InText);
+      RunDefinition(statement);
+      return db::Recordset(std::make_shared<const db::Columns>(), {}, std::string(sql));
     }
-    return CorrerFilas(sql, solo_consulta);
+    return RunRows(sql, query_only);
   });
 }
 
-db::Recordset ConexionMdb::CorrerFilas(std::string_view sql, bool solo_consulta) {
-  db::Recordset filas;
+db::Recordset MdbConnection::RunRows(std::string_view sql, bool query_only) {
+  db::Recordset rows;
   try {
-    filas = budget_ != nullptr ? espejo_.conexion->QueryBounded(sql, *budget_)
-            : solo_consulta    ? espejo_.conexion->Consultar(sql)
-                               : espejo_.conexion->Ejecutar(sql);
-    fuente_->CheckNoted();
+    rows = budget_ != nullptr ? mirror_.connection->QueryBounded(sql, *budget_)
+           : query_only       ? mirror_.connection->Query(sql)
+                              : mirror_.connection->Execute(sql);
+    source_->CheckNoted();
   } catch (const base::Error&) {
-    if (abierta_abajo_ && !en_transaccion_) Deshacer();
+    if (open_below_ && !in_transaction_) Rollback();
     throw;
   }
-  afectadas_ = espejo_.conexion->FilasAfectadas();
-  if (!abierta_abajo_ || en_transaccion_) return filas;
+  affected_ = mirror_.connection->AffectedRows();
+  if (!open_below_ || in_transaction_) return rows;
   try {
-    Confirmar();
+    Commit();
   } catch (const db::Error&) {
-    afectadas_ = 0;
+    affected_ = 0;
     throw;
   }
-  return filas;
+  return rows;
 }
 
-std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones) {
+std::unique_ptr<db::Connection> Open(std::string_view path, const Options& options) {
   return db::AsConnectionErrors([&]() -> std::unique_ptr<db::Connection> {
-    return std::make_unique<ConexionMdb>(mdb::Base::Abrir(ruta, {opciones.solo_lectura, opciones.contrasena}),
-                                         ruta, opciones);
+    return std::make_unique<MdbConnection>(mdb::Database::Open(path, {options.read_only, options.password}),
+                                           path, options);
   });
 }
 
 std::string ReadOnlyReason(const db::Connection& connection) {
-  const auto* own = dynamic_cast<const ConexionMdb*>(&connection);
+  const auto* own = dynamic_cast<const MdbConnection*>(&connection);
   return own == nullptr ? std::string() : own->ReadOnlyReason();
 }
 
-const Contadores* ContadoresDe(const db::Connection& conexion) {
-  const auto* propia = dynamic_cast<const ConexionMdb*>(&conexion);
-  return propia == nullptr ? nullptr : &propia->Cuentas();
+const Counters* CountersOf(const db::Connection& connection) {
+  const auto* own = dynamic_cast<const MdbConnection*>(&connection);
+  return own == nullptr ? nullptr : &own->Counts();
 }
 
 }  // namespace engine_mdb

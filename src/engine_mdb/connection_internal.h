@@ -11,96 +11,96 @@
 
 namespace engine_mdb {
 
-class ConexionMdb final : public db::Connection {
+class MdbConnection final : public db::Connection {
  public:
-  ConexionMdb(std::unique_ptr<mdb::Base> base, std::string_view ruta, const Opciones& opciones);
-  ~ConexionMdb() override { Cerrar(); }
-  ConexionMdb(const ConexionMdb&) = delete;
-  ConexionMdb& operator=(const ConexionMdb&) = delete;
+  MdbConnection(std::unique_ptr<mdb::Database> base, std::string_view path, const Options& options);
+  ~MdbConnection() override { Close(); }
+  MdbConnection(const MdbConnection&) = delete;
+  MdbConnection& operator=(const MdbConnection&) = delete;
 
-  bool Abierta() const override { return base_ != nullptr; }
-  void Cerrar() override;
-  db::Recordset Ejecutar(std::string_view sql) override { return EjecutarComo(sql, false); }
-  db::Recordset Consultar(std::string_view sql) override { return EjecutarComo(sql, true); }
+  bool IsOpen() const override { return base_ != nullptr; }
+  void Close() override;
+  db::Recordset Execute(std::string_view sql) override { return ExecuteAs(sql, false); }
+  db::Recordset Query(std::string_view sql) override { return ExecuteAs(sql, true); }
   db::Recordset QueryBounded(std::string_view sql, db::QueryBudget& budget) override {
     const db::BudgetInUse lent(budget_, budget);
-    return EjecutarComo(sql, true);
+    return ExecuteAs(sql, true);
   }
-  std::int64_t FilasAfectadas() const override { return afectadas_; }
+  std::int64_t AffectedRows() const override { return affected_; }
   void BeginTrans() override;
   void CommitTrans() override;
   void RollbackTrans() override;
-  bool EnTransaccion() const override { return en_transaccion_; }
+  bool InTransaction() const override { return in_transaction_; }
   void SetSavepoint() override;
   void RollbackToSavepoint() override;
   void ReleaseSavepoint() override;
 
-  const Contadores& Cuentas() const { return contadores_; }
-  std::string ReadOnlyReason() const { return base_ == nullptr ? std::string() : MotivoDeNoEscribir(*base_); }
+  const Counters& Counts() const { return counters_; }
+  std::string ReadOnlyReason() const { return base_ == nullptr ? std::string() : WhyNotWritable(*base_); }
 
  private:
-  void Iniciar(std::unique_ptr<mdb::Base> base);
-  void VerificarAbierta() const;
+  void Start(std::unique_ptr<mdb::Database> base);
+  void VerifyOpen() const;
   // Opens the file anew when another program has written it: only between transactions, and only a file that
   // is open for reading, since nobody else writes one that is ours.
-  void VerCambiosAjenos();
+  void CheckOutsideChanges();
   // A file that could only be read because another program had it: opens it for writing if that is over.
-  bool ConseguirEscritura();
-  db::Recordset EjecutarComo(std::string_view sql, bool solo_consulta);
-  db::Recordset Correr(std::string_view sql, bool solo_consulta);
-  db::Recordset CorrerFilas(std::string_view sql, bool solo_consulta);
+  bool ObtainWriteAccess();
+  db::Recordset ExecuteAs(std::string_view sql, bool query_only);
+  db::Recordset Run(std::string_view sql, bool query_only);
+  db::Recordset RunRows(std::string_view sql, bool query_only);
 
   // The transaction below: that of BeginTrans, or of one statement that writes.
-  void Comenzar();
-  void Confirmar();
-  void Deshacer();
+  void Begin();
+  void Commit();
+  void Rollback();
   void ReturnToMark();
   void ForgetMark();
 
   // Definition statements (definitions.cpp).
-  void CorrerDefinicion(jetsql::Sentencia& sentencia);
+  void RunDefinition(jetsql::Statement& statement);
   // `whole` is the statement that the definition is of.
-  void Aplicar(jetsql::Sentencia& whole, const jetsql::CrearTabla& s);
-  void Aplicar(jetsql::Sentencia& whole, const jetsql::CrearIndice& s);
-  void Aplicar(jetsql::Sentencia& whole, jetsql::CrearVista& s);
-  void Aplicar(jetsql::Sentencia& whole, const jetsql::Quitar& s);
-  void Aplicar(jetsql::Sentencia& whole, const jetsql::AlterarTabla& s);
-  void Aplicar(jetsql::Sentencia& whole, const jetsql::ConsultaPtr& s);
+  void Apply(jetsql::Statement& whole, const jetsql::CreateTable& s);
+  void Apply(jetsql::Statement& whole, const jetsql::CreateIndex& s);
+  void Apply(jetsql::Statement& whole, jetsql::CreateView& s);
+  void Apply(jetsql::Statement& whole, const jetsql::Drop& s);
+  void Apply(jetsql::Statement& whole, const jetsql::AlterTable& s);
+  void Apply(jetsql::Statement& whole, const jetsql::QueryPtr& s);
   template <typename T>
-  void Aplicar(jetsql::Sentencia&, const T&) {}
-  jetsql::Traduccion Translate(jetsql::Sentencia& statement) const;
-  void AgregarColumna(const std::string& tabla, const jetsql::DefColumna& columna,
-                      const mdb::NuevaColumna& nueva);
-  void AgregarRestriccion(const std::string& tabla, const jetsql::Restriccion& restriccion);
-  void QuitarIndice(const std::string& tabla, const std::string& nombre);
-  void QuitarRestriccion(const std::string& tabla, const std::string& nombre);
-  void Relacionar(const std::string& tabla, const std::string& nombre,
-                  const std::vector<std::string>& columnas, const jetsql::Referencia& referencia);
-  void Ensayar(jetsql::Sentencia& statement);
+  void Apply(jetsql::Statement&, const T&) {}
+  jetsql::Translation Translate(jetsql::Statement& statement) const;
+  void AddColumn(const std::string& table, const jetsql::ColumnDefinition& column,
+                 const mdb::NewColumn& fresh);
+  void AddConstraint(const std::string& table, const jetsql::Constraint& constraint);
+  void DropIndex(const std::string& table, const std::string& name);
+  void DropConstraint(const std::string& table, const std::string& name);
+  void Relate(const std::string& table, const std::string& name, const std::vector<std::string>& columns,
+              const jetsql::Reference& reference);
+  void Rehearse(jetsql::Statement& statement);
   // The pages and the catalog go back to where they are when the step throws.
-  template <typename Paso>
-  void VolverSiFalla(Paso&& paso);
-  void IndiceLibre(const mdb::Definicion& tabla, const std::string& nombre) const;
+  template <typename Step>
+  void RestoreOnFailure(Step&& step);
+  void VerifyIndexIsFree(const mdb::Definition& table, const std::string& name) const;
 
-  std::string ruta_;
-  Opciones opciones_;
+  std::string path_;
+  Options options_;
   ports::SystemClock system_clock_;
   const ports::Clock& clock_;
-  Contadores contadores_;
-  std::unique_ptr<mdb::Base> base_;
-  std::unique_ptr<FuenteMdb> fuente_;
-  engine_sqlite::Espejo espejo_;
-  std::int64_t afectadas_ = 0;
+  Counters counters_;
+  std::unique_ptr<mdb::Database> base_;
+  std::unique_ptr<MdbSource> source_;
+  engine_sqlite::Mirror mirror_;
+  std::int64_t affected_ = 0;
   db::QueryBudget* budget_ = nullptr;  // of the bounded query that is running
-  bool en_transaccion_ = false;        // of BeginTrans
-  bool abierta_abajo_ = false;         // a transaction of SQLite is open, ours or BeginTrans's
-  bool definio_ = false;               // a definition ran in it
+  bool in_transaction_ = false;        // of BeginTrans
+  bool open_below_ = false;            // a transaction of SQLite is open, ours or BeginTrans's
+  bool defined_ = false;               // a definition ran in it
 
   // The mark inside the transaction. The pages change in definitions alone: those of the mark are kept when
   // the first one after it runs.
   bool marked_ = false;
   bool defined_at_mark_ = false;
-  std::optional<mdb::Paginas::Punto> pages_at_mark_;
+  std::optional<mdb::PageFile::Savepoint> pages_at_mark_;
 };
 
 }  // namespace engine_mdb

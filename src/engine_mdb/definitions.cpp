@@ -10,359 +10,358 @@
 namespace engine_mdb {
 namespace {
 
-using jetsql::ClaseColumna;
-using jetsql::Restriccion;
-using mdb::TipoColumna;
+using jetsql::ColumnKind;
+using jetsql::Constraint;
+using mdb::ColumnType;
 
-constexpr int kLargoDeTexto = 255;
+constexpr int kTextLength = 255;
 
-TipoColumna TipoDe(ClaseColumna clase) {
-  switch (clase) {
-    case ClaseColumna::SiNo:
-      return TipoColumna::Booleano;
-    case ClaseColumna::Byte:
-      return TipoColumna::Byte;
-    case ClaseColumna::Corto:
-      return TipoColumna::Entero;
-    case ClaseColumna::Largo:
-    case ClaseColumna::Contador:
-      return TipoColumna::Largo;
-    case ClaseColumna::Simple:
-      return TipoColumna::Simple;
-    case ClaseColumna::Doble:
-      return TipoColumna::Doble;
-    case ClaseColumna::Moneda:
-      return TipoColumna::Moneda;
-    case ClaseColumna::Decimal:
-      return TipoColumna::Decimal;
-    case ClaseColumna::Fecha:
-      return TipoColumna::Fecha;
-    case ClaseColumna::Texto:
-      return TipoColumna::Texto;
-    case ClaseColumna::Memo:
-      return TipoColumna::Memo;
-    case ClaseColumna::Binario:
-      return TipoColumna::Binario;
-    case ClaseColumna::Guid:
-      return TipoColumna::Guid;
-    case ClaseColumna::Ole:
+ColumnType TypeOf(ColumnKind kind) {
+  switch (kind) {
+    case ColumnKind::YesNo:
+      return ColumnType::Boolean;
+    case ColumnKind::Byte:
+      return ColumnType::Byte;
+    case ColumnKind::Short:
+      return ColumnType::Integer;
+    case ColumnKind::Long:
+    case ColumnKind::Counter:
+      return ColumnType::Long;
+    case ColumnKind::Single:
+      return ColumnType::Single;
+    case ColumnKind::Double:
+      return ColumnType::Double;
+    case ColumnKind::Currency:
+      return ColumnType::Currency;
+    case ColumnKind::Decimal:
+      return ColumnType::Decimal;
+    case ColumnKind::Date:
+      return ColumnType::Date;
+    case ColumnKind::Text:
+      return ColumnType::Text;
+    case ColumnKind::Memo:
+      return ColumnType::Memo;
+    case ColumnKind::Binary:
+      return ColumnType::Binary;
+    case ColumnKind::Guid:
+      return ColumnType::Guid;
+    case ColumnKind::Ole:
       break;
   }
-  return TipoColumna::Ole;
+  return ColumnType::Ole;
 }
 
-mdb::NuevaColumna ColumnaDe(const jetsql::DefColumna& c, bool requerida) {
-  mdb::NuevaColumna n;
-  n.nombre = c.nombre;
-  n.tipo = TipoDe(c.clase);
-  if (c.clase == ClaseColumna::Texto || c.clase == ClaseColumna::Binario) {
-    if (c.largo > kLargoDeTexto * (c.clase == ClaseColumna::Binario ? 2 : 1))
-      throw db::Error("El campo " + c.nombre + " es demasiado largo: un texto tiene hasta 255 caracteres.");
-    n.largo = static_cast<std::uint16_t>(c.largo > 0 ? c.largo : kLargoDeTexto);
+mdb::NewColumn ColumnOf(const jetsql::ColumnDefinition& c, bool required) {
+  mdb::NewColumn n;
+  n.name = c.name;
+  n.type = TypeOf(c.kind);
+  if (c.kind == ColumnKind::Text || c.kind == ColumnKind::Binary) {
+    if (c.length > kTextLength * (c.kind == ColumnKind::Binary ? 2 : 1))
+      throw db::Error("El campo " + c.name + " es demasiado largo: un texto tiene hasta 255 caracteres.");
+    n.length = static_cast<std::uint16_t>(c.length > 0 ? c.length : kTextLength);
   }
-  if (c.clase == ClaseColumna::Decimal) {
-    if (c.precision < 1 || c.precision > 28 || c.escala < 0 || c.escala > c.precision)
-      throw db::Error("El campo " + c.nombre + " tiene una precisión o una escala que no existe.");
+  if (c.kind == ColumnKind::Decimal) {
+    if (c.precision < 1 || c.precision > 28 || c.scale < 0 || c.scale > c.precision)
+      throw db::Error("El campo " + c.name + " tiene una precisión o una escala que no existe.");
     n.precision = static_cast<std::uint8_t>(c.precision);
-    n.escala = static_cast<std::uint8_t>(c.escala);
+    n.scale = static_cast<std::uint8_t>(c.scale);
   }
-  n.autonumerica = c.clase == ClaseColumna::Contador;
-  n.semilla = c.semilla;
-  n.incremento = c.incremento;
-  n.requerida = requerida && c.clase != ClaseColumna::SiNo && !n.autonumerica;
-  if (c.defecto) n.defecto = jetsql::Imprimir(*c.defecto);
+  n.auto_number = c.kind == ColumnKind::Counter;
+  n.seed = c.seed;
+  n.increment = c.increment;
+  n.required = required && c.kind != ColumnKind::YesNo && !n.auto_number;
+  if (c.default_value) n.default_value = jetsql::Print(*c.default_value);
   return n;
 }
 
-mdb::NuevoIndice Indice(const std::string& nombre, const std::vector<std::string>& columnas, bool primario) {
-  mdb::NuevoIndice i;
-  i.nombre = nombre;
-  for (const auto& c : columnas) i.partes.push_back({c, false});
-  i.unico = true;
-  i.primario = i.requerido = primario;
+mdb::NewIndex Index(const std::string& name, const std::vector<std::string>& columns, bool primary) {
+  mdb::NewIndex i;
+  i.name = name;
+  for (const auto& c : columns) i.parts.push_back({c, false});
+  i.unique = true;
+  i.primary = i.required = primary;
   return i;
 }
 
-std::optional<mdb::NuevoIndice> IndiceDe(const jetsql::DefColumna& c) {
-  if (!c.clave && !c.unica) return std::nullopt;
-  return Indice(jetsql::IndexName(c), {c.nombre}, c.clave);
+std::optional<mdb::NewIndex> IndexOf(const jetsql::ColumnDefinition& c) {
+  if (!c.key && !c.unique) return std::nullopt;
+  return Index(jetsql::IndexName(c), {c.name}, c.key);
 }
 
-ClaseColumna ClaseDe(base::Tipo tipo) {
-  switch (tipo) {
-    case base::Tipo::Booleano:
-      return ClaseColumna::SiNo;
-    case base::Tipo::Entero:
-      return ClaseColumna::Largo;
-    case base::Tipo::Simple:
-      return ClaseColumna::Simple;
-    case base::Tipo::Numero:
-      return ClaseColumna::Doble;
-    case base::Tipo::Moneda:
-      return ClaseColumna::Moneda;
-    case base::Tipo::Fecha:
-      return ClaseColumna::Fecha;
-    case base::Tipo::Texto:
-    case base::Tipo::Nulo:
+ColumnKind KindOf(base::Type type) {
+  switch (type) {
+    case base::Type::Boolean:
+      return ColumnKind::YesNo;
+    case base::Type::Integer:
+      return ColumnKind::Long;
+    case base::Type::Single:
+      return ColumnKind::Single;
+    case base::Type::Number:
+      return ColumnKind::Double;
+    case base::Type::Currency:
+      return ColumnKind::Currency;
+    case base::Type::Date:
+      return ColumnKind::Date;
+    case base::Type::Text:
+    case base::Type::Null:
       break;
   }
-  return ClaseColumna::Memo;
+  return ColumnKind::Memo;
 }
 
-const mdb::RelacionDeTablas* BuscarRelacion(const mdb::Catalogo& catalogo, std::string_view nombre) {
-  for (const auto& r : catalogo.Relaciones())
-    if (base::IgualSinCaso(r.nombre, nombre)) return &r;
+const mdb::TableRelationship* FindRelationship(const mdb::SystemCatalog& catalog, std::string_view name) {
+  for (const auto& r : catalog.Relationships())
+    if (base::EqualIgnoringCase(r.name, name)) return &r;
   return nullptr;
 }
 
 // A definition runs in SQLite, and is taken back at the end whatever it said.
-class Ensayo {
+class Rehearsal {
  public:
-  Ensayo(sqlite3* espejo, FuenteMdb& fuente) : espejo_(espejo), fuente_(fuente) {
-    engine_sqlite::EjecutarPropio(espejo_, "SAVEPOINT idm_ensayo");
-    fuente_.Ensayar(true);
+  Rehearsal(sqlite3* mirror, MdbSource& source) : mirror_(mirror), source_(source) {
+    engine_sqlite::ExecuteOwn(mirror_, "SAVEPOINT idm_ensayo");
+    source_.SetRehearsing(true);
   }
-  Ensayo(const Ensayo&) = delete;
-  Ensayo& operator=(const Ensayo&) = delete;
-  ~Ensayo() {
-    fuente_.Ensayar(false);
-    sqlite3_exec(espejo_, "ROLLBACK TO idm_ensayo; RELEASE idm_ensayo", nullptr, nullptr, nullptr);
+  Rehearsal(const Rehearsal&) = delete;
+  Rehearsal& operator=(const Rehearsal&) = delete;
+  ~Rehearsal() {
+    source_.SetRehearsing(false);
+    sqlite3_exec(mirror_, "ROLLBACK TO idm_ensayo; RELEASE idm_ensayo", nullptr, nullptr, nullptr);
   }
 
  private:
-  sqlite3* espejo_;
-  FuenteMdb& fuente_;
+  sqlite3* mirror_;
+  MdbSource& source_;
 };
 
 }  // namespace
 
-template <typename Paso>
-void ConexionMdb::VolverSiFalla(Paso&& paso) {
-  mdb::Paginas::Punto punto = base_->Hojas().Guardar();
+template <typename Step>
+void MdbConnection::RestoreOnFailure(Step&& step) {
+  mdb::PageFile::Savepoint point = base_->Pages().Save();
   try {
-    paso();
+    step();
   } catch (const base::Error&) {
-    base_->Volver(std::move(punto));
+    base_->RollbackTo(std::move(point));
     throw;
   }
 }
 
-jetsql::Traduccion ConexionMdb::Translate(jetsql::Sentencia& statement) const {
-  return jetsql::Traducir(statement, *fuente_, {opciones_.comodines_dao, opciones_.locale});
+jetsql::Translation MdbConnection::Translate(jetsql::Statement& statement) const {
+  return jetsql::Translate(statement, *source_, {options_.dao_wildcards, options_.locale});
 }
 
 // What SQLite would say of the statement, without keeping what it did.
-void ConexionMdb::Ensayar(jetsql::Sentencia& statement) {
-  const Ensayo ensayo(espejo_.base, *fuente_);
-  engine_sqlite::RunTranslation(*espejo_.conexion, Translate(statement));
+void MdbConnection::Rehearse(jetsql::Statement& statement) {
+  const Rehearsal rehearsal(mirror_.base, *source_);
+  engine_sqlite::RunTranslation(*mirror_.connection, Translate(statement));
 }
 
 // The rows changed so far go into the pages first, so that the new definition finds them; a failure goes back
 // to here, and out of a transaction the whole statement is one.
-void ConexionMdb::CorrerDefinicion(jetsql::Sentencia& sentencia) {
-  if (!abierta_abajo_) Comenzar();
+void MdbConnection::RunDefinition(jetsql::Statement& statement) {
+  if (!open_below_) Begin();
   if (marked_ && !pages_at_mark_) {
-    fuente_->KeepForMark();
-    pages_at_mark_ = base_->Hojas().Guardar();
+    source_->KeepForMark();
+    pages_at_mark_ = base_->Pages().Save();
   }
   try {
     // A table that is refused must not leave those before it in the pages: they would be written again.
-    VolverSiFalla([&] { fuente_->EscribirCambios(); });
-    fuente_->Asentar(false);
-    definio_ = true;
+    RestoreOnFailure([&] { source_->WriteChanges(); });
+    source_->Settle(false);
+    defined_ = true;
     try {
-      VolverSiFalla([&] { std::visit([&](auto& s) { Aplicar(sentencia, s); }, sentencia); });
+      RestoreOnFailure([&] { std::visit([&](auto& s) { Apply(statement, s); }, statement); });
     } catch (const base::Error&) {
-      fuente_->DescartarTodo();
-      engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
+      source_->DiscardAll();
+      engine_sqlite::ForgetTranslations(*mirror_.connection);
       throw;
     }
-    engine_sqlite::OlvidarTraducciones(*espejo_.conexion);
+    engine_sqlite::ForgetTranslations(*mirror_.connection);
   } catch (const base::Error&) {
-    if (!en_transaccion_) Deshacer();
+    if (!in_transaction_) Rollback();
     throw;
   }
-  if (!en_transaccion_) Confirmar();
+  if (!in_transaction_) Commit();
 }
 
-void ConexionMdb::Relacionar(const std::string& tabla, const std::string& nombre,
-                             const std::vector<std::string>& columnas, const jetsql::Referencia& referencia) {
-  using mdb::RelacionDeTablas;
-  RelacionDeTablas r;
-  r.nombre = nombre.empty() ? referencia.tabla + tabla : nombre;
-  for (int n = 1; nombre.empty() && BuscarRelacion(base_->Indice(), r.nombre) != nullptr; ++n)
-    r.nombre = referencia.tabla + tabla + std::to_string(n);
-  r.tabla = tabla;
-  r.columnas = columnas;
-  r.tabla_referida = referencia.tabla;
-  r.columnas_referidas = referencia.columnas;
-  if (referencia.actualiza_en_cascada) r.banderas |= RelacionDeTablas::kActualizaEnCascada;
-  if (referencia.borra_en_cascada) r.banderas |= RelacionDeTablas::kBorraEnCascada;
-  base_->CrearRelacion(r, clock_.Ahora());
-  fuente_->Descartar({tabla, referencia.tabla});
+void MdbConnection::Relate(const std::string& table, const std::string& name,
+                           const std::vector<std::string>& columns, const jetsql::Reference& reference) {
+  using mdb::TableRelationship;
+  TableRelationship r;
+  r.name = name.empty() ? reference.table + table : name;
+  for (int n = 1; name.empty() && FindRelationship(base_->Catalog(), r.name) != nullptr; ++n)
+    r.name = reference.table + table + std::to_string(n);
+  r.table = table;
+  r.columns = columns;
+  r.referenced_table = reference.table;
+  r.referenced_columns = reference.columns;
+  if (reference.cascades_updates) r.flags |= TableRelationship::kCascadesUpdates;
+  if (reference.cascades_deletes) r.flags |= TableRelationship::kCascadesDeletes;
+  base_->CreateRelationship(r, clock_.Now());
+  source_->Discard({table, reference.table});
 }
 
 // What goes into the file is made of the tree before it is translated: a translation notes in it what it
 // found out.
-void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::CrearTabla& s) {
-  mdb::NuevaTabla nueva;
-  nueva.nombre = s.nombre;
-  for (const auto& c : s.columnas) {
-    nueva.columnas.push_back(ColumnaDe(c, jetsql::RefusesNull(s, c)));
-    if (auto indice = IndiceDe(c)) nueva.indices.push_back(std::move(*indice));
+void MdbConnection::Apply(jetsql::Statement& whole, const jetsql::CreateTable& s) {
+  mdb::NewTable fresh;
+  fresh.name = s.name;
+  for (const auto& c : s.columns) {
+    fresh.columns.push_back(ColumnOf(c, jetsql::RefusesNull(s, c)));
+    if (auto index = IndexOf(c)) fresh.indexes.push_back(std::move(*index));
   }
-  for (const auto& r : s.restricciones)
-    if (r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::Unica)
-      nueva.indices.push_back(Indice(jetsql::IndexName(r), r.columnas, r.que == Restriccion::Que::Clave));
-  Ensayar(whole);
-  base_->CrearTabla(nueva, clock_.Ahora());
-  fuente_->Descartar({s.nombre});
-  for (const auto& c : s.columnas)
-    if (c.referencia) Relacionar(s.nombre, c.nombre_restriccion, {c.nombre}, *c.referencia);
-  for (const auto& r : s.restricciones)
-    if (r.que == Restriccion::Que::Foranea) Relacionar(s.nombre, r.nombre, r.columnas, r.referencia);
+  for (const auto& r : s.constraints)
+    if (r.what == Constraint::What::Key || r.what == Constraint::What::Unique)
+      fresh.indexes.push_back(Index(jetsql::IndexName(r), r.columns, r.what == Constraint::What::Key));
+  Rehearse(whole);
+  base_->CreateTable(fresh, clock_.Now());
+  source_->Discard({s.name});
+  for (const auto& c : s.columns)
+    if (c.reference) Relate(s.name, c.constraint_name, {c.name}, *c.reference);
+  for (const auto& r : s.constraints)
+    if (r.what == Constraint::What::Foreign) Relate(s.name, r.name, r.columns, r.reference);
 }
 
-void ConexionMdb::IndiceLibre(const mdb::Definicion& tabla, const std::string& nombre) const {
-  for (const auto& i : tabla.logicos)
-    if (base::IgualSinCaso(i.nombre, nombre)) throw db::Error("El índice " + nombre + " ya existe.");
+void MdbConnection::VerifyIndexIsFree(const mdb::Definition& table, const std::string& name) const {
+  for (const auto& i : table.logicals)
+    if (base::EqualIgnoringCase(i.name, name)) throw db::Error("El índice " + name + " ya existe.");
 }
 
-void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::CrearIndice& s) {
-  if (TablaEspejo* t = fuente_->Mirar(s.tabla)) IndiceLibre(t->definicion, s.nombre);
-  Ensayar(whole);
-  mdb::NuevoIndice indice;
-  indice.nombre = s.nombre;
-  for (const auto& c : s.columnas) indice.partes.push_back({c.nombre, c.descendente});
-  indice.unico = s.unico || s.primario;
-  indice.primario = s.primario;
-  indice.ignora_nulos = s.ignora_nulos;
-  indice.requerido = s.primario || s.sin_nulos;
-  base_->CrearIndice(s.tabla, indice);
-  fuente_->Descartar({s.tabla});
+void MdbConnection::Apply(jetsql::Statement& whole, const jetsql::CreateIndex& s) {
+  if (MirrorTable* t = source_->LookAt(s.table)) VerifyIndexIsFree(t->definition, s.name);
+  Rehearse(whole);
+  mdb::NewIndex index;
+  index.name = s.name;
+  for (const auto& c : s.columns) index.parts.push_back({c.name, c.descending});
+  index.unique = s.unique || s.primary;
+  index.primary = s.primary;
+  index.ignores_nulls = s.ignores_nulls;
+  index.required = s.primary || s.disallows_nulls;
+  base_->CreateIndex(s.table, index);
+  source_->Discard({s.table});
 }
 
-void ConexionMdb::Aplicar(jetsql::Sentencia& whole, jetsql::CrearVista& s) {
+void MdbConnection::Apply(jetsql::Statement& whole, jetsql::CreateView& s) {
   jetsql::NameColumns(s);
-  const mdb::ConsultaGuardada query = DescomponerConsulta(s.nombre, *s.consulta, *fuente_);
+  const mdb::SavedQuery query = DecomposeQuery(s.name, *s.query, *source_);
   Translate(whole);
-  base_->CrearConsulta(query, clock_.Ahora());
-  fuente_->Descartar({});
+  base_->CreateQuery(query, clock_.Now());
+  source_->Discard({});
 }
 
-void ConexionMdb::QuitarIndice(const std::string& tabla, const std::string& nombre) {
-  const TablaEspejo* t = fuente_->Mirar(tabla);
-  bool hay = false;
+void MdbConnection::DropIndex(const std::string& table, const std::string& name) {
+  const MirrorTable* t = source_->LookAt(table);
+  bool found = false;
   if (t != nullptr)
-    for (const auto& i : t->definicion.logicos)
-      hay = hay || (base::IgualSinCaso(i.nombre, nombre) && i.clase != mdb::IndiceLogico::Foraneo);
-  if (!hay) throw db::Error("No existe el índice " + nombre + ".");
-  base_->BorrarIndice(tabla, nombre);
-  fuente_->Descartar({tabla});
+    for (const auto& i : t->definition.logicals)
+      found = found || (base::EqualIgnoringCase(i.name, name) && i.kind != mdb::LogicalIndex::Foreign);
+  if (!found) throw db::Error("No existe el índice " + name + ".");
+  base_->DropIndex(table, name);
+  source_->Discard({table});
 }
 
-void ConexionMdb::QuitarRestriccion(const std::string& tabla, const std::string& nombre) {
-  const mdb::RelacionDeTablas* r = BuscarRelacion(base_->Indice(), nombre);
-  if (r == nullptr || !base::IgualSinCaso(r->tabla, tabla)) return QuitarIndice(tabla, nombre);
-  const std::vector<std::string> las_dos{r->tabla, r->tabla_referida};
-  base_->BorrarRelacion(nombre);
-  fuente_->Descartar(las_dos);
+void MdbConnection::DropConstraint(const std::string& table, const std::string& name) {
+  const mdb::TableRelationship* r = FindRelationship(base_->Catalog(), name);
+  if (r == nullptr || !base::EqualIgnoringCase(r->table, table)) return DropIndex(table, name);
+  const std::vector<std::string> both{r->table, r->referenced_table};
+  base_->DropRelationship(name);
+  source_->Discard(both);
 }
 
-void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::Quitar& s) {
+void MdbConnection::Apply(jetsql::Statement& whole, const jetsql::Drop& s) {
   Translate(whole);
-  switch (s.que) {
-    case jetsql::Quitar::Que::Tabla:
-      fuente_->Descartar({s.nombre});
-      base_->BorrarTabla(s.nombre);
+  switch (s.what) {
+    case jetsql::Drop::What::Table:
+      source_->Discard({s.name});
+      base_->DropTable(s.name);
       break;
-    case jetsql::Quitar::Que::Indice:
-      QuitarIndice(s.tabla, s.nombre);
+    case jetsql::Drop::What::Index:
+      DropIndex(s.table, s.name);
       break;
-    case jetsql::Quitar::Que::Vista:
-      base_->BorrarConsulta(s.nombre);
-      fuente_->Descartar({});
+    case jetsql::Drop::What::View:
+      base_->DropQuery(s.name);
+      source_->Discard({});
       break;
   }
 }
 
-void ConexionMdb::AgregarColumna(const std::string& tabla, const jetsql::DefColumna& c,
-                                 const mdb::NuevaColumna& nueva) {
-  base_->AgregarColumna(tabla, nueva);
-  if (const auto indice = IndiceDe(c)) base_->CrearIndice(tabla, *indice);
-  fuente_->Descartar({tabla});
-  if (c.referencia) Relacionar(tabla, c.nombre_restriccion, {c.nombre}, *c.referencia);
+void MdbConnection::AddColumn(const std::string& table, const jetsql::ColumnDefinition& c,
+                              const mdb::NewColumn& fresh) {
+  base_->AddColumn(table, fresh);
+  if (const auto index = IndexOf(c)) base_->CreateIndex(table, *index);
+  source_->Discard({table});
+  if (c.reference) Relate(table, c.constraint_name, {c.name}, *c.reference);
 }
 
 // A constraint that only refuses Null is an index that does.
-void ConexionMdb::AgregarRestriccion(const std::string& tabla, const Restriccion& r) {
-  if (r.que == Restriccion::Que::Foranea) return Relacionar(tabla, r.nombre, r.columnas, r.referencia);
-  mdb::NuevoIndice indice = Indice(jetsql::IndexName(r), r.columnas, r.que == Restriccion::Que::Clave);
-  if (r.que == Restriccion::Que::NoNulo) {
-    indice.unico = false;
-    indice.requerido = true;
+void MdbConnection::AddConstraint(const std::string& table, const Constraint& r) {
+  if (r.what == Constraint::What::Foreign) return Relate(table, r.name, r.columns, r.reference);
+  mdb::NewIndex index = Index(jetsql::IndexName(r), r.columns, r.what == Constraint::What::Key);
+  if (r.what == Constraint::What::NotNull) {
+    index.unique = false;
+    index.required = true;
   }
-  base_->CrearIndice(tabla, indice);
-  fuente_->Descartar({tabla});
+  base_->CreateIndex(table, index);
+  source_->Discard({table});
 }
 
-void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::AlterarTabla& s) {
-  using Que = jetsql::AlterarTabla::Que;
-  const bool relaciona = s.que == Que::AgregarRestriccion && s.restriccion.que == Restriccion::Que::Foranea;
-  TablaEspejo* t = fuente_->Mirar(s.tabla);
-  if (t == nullptr) throw db::Error("No se encuentra la tabla o consulta '" + s.tabla + "'");
-  const std::string tabla = t->info.nombre;
-  if (s.que == Que::AgregarRestriccion && !relaciona)
-    IndiceLibre(t->definicion, jetsql::IndexName(s.restriccion));
-  mdb::NuevaColumna nueva;
-  if (s.que == Que::Agregar) nueva = ColumnaDe(s.columna, s.columna.no_nulo || s.columna.clave);
-  if (s.que == Que::Agregar || (s.que == Que::AgregarRestriccion && !relaciona))
-    Ensayar(whole);
-  else if (!relaciona)
+void MdbConnection::Apply(jetsql::Statement& whole, const jetsql::AlterTable& s) {
+  using What = jetsql::AlterTable::What;
+  const bool relates = s.what == What::AddConstraint && s.constraint.what == Constraint::What::Foreign;
+  MirrorTable* t = source_->LookAt(s.table);
+  if (t == nullptr) throw db::Error("No se encuentra la tabla o consulta '" + s.table + "'");
+  const std::string table = t->info.name;
+  if (s.what == What::AddConstraint && !relates)
+    VerifyIndexIsFree(t->definition, jetsql::IndexName(s.constraint));
+  mdb::NewColumn fresh;
+  if (s.what == What::Add) fresh = ColumnOf(s.column, s.column.not_null || s.column.key);
+  if (s.what == What::Add || (s.what == What::AddConstraint && !relates))
+    Rehearse(whole);
+  else if (!relates)
     Translate(whole);
-  switch (s.que) {
-    case Que::Agregar:
-      AgregarColumna(tabla, s.columna, nueva);
+  switch (s.what) {
+    case What::Add:
+      AddColumn(table, s.column, fresh);
       break;
-    case Que::Quitar:
-      base_->QuitarColumna(tabla, s.nombre);
-      fuente_->Descartar({tabla});
+    case What::Drop:
+      base_->DropColumn(table, s.name);
+      source_->Discard({table});
       break;
-    case Que::AgregarRestriccion:
-      AgregarRestriccion(tabla, s.restriccion);
+    case What::AddConstraint:
+      AddConstraint(table, s.constraint);
       break;
-    case Que::QuitarRestriccion:
-      QuitarRestriccion(tabla, s.nombre);
+    case What::DropConstraint:
+      DropConstraint(table, s.name);
       break;
   }
 }
 
 // SELECT … INTO: the table with the kinds of the query's columns, then its rows.
-void ConexionMdb::Aplicar(jetsql::Sentencia& whole, const jetsql::ConsultaPtr&) {
-  const jetsql::Traduccion t = Translate(whole);
-  mdb::NuevaTabla nueva;
-  nueva.nombre = t.definicion.nombre;
-  for (const auto& c : t.definicion.columnas) {
-    jetsql::DefColumna definida;
-    definida.nombre = c.nombre;
-    definida.clase = ClaseDe(c.tipo);
-    nueva.columnas.push_back(ColumnaDe(definida, false));
+void MdbConnection::Apply(jetsql::Statement& whole, const jetsql::QueryPtr&) {
+  const jetsql::Translation t = Translate(whole);
+  mdb::NewTable fresh;
+  fresh.name = t.definition.name;
+  for (const auto& c : t.definition.columns) {
+    jetsql::ColumnDefinition defined;
+    defined.name = c.name;
+    defined.kind = KindOf(c.type);
+    fresh.columns.push_back(ColumnOf(defined, false));
   }
-  base_->CrearTabla(nueva, clock_.Ahora());
-  fuente_->Descartar({nueva.nombre});
-  jetsql::Traduccion fill;
-  fill.clase = jetsql::Clase::Insercion;
-  fill.pasos = {t.pasos.back()};
-  fill.escribe = {nueva.nombre};
-  engine_sqlite::RunTranslation(*espejo_.conexion, std::move(fill));
-  afectadas_ = espejo_.conexion->FilasAfectadas();
+  base_->CreateTable(fresh, clock_.Now());
+  source_->Discard({fresh.name});
+  jetsql::Translation fill;
+  fill.kind = jetsql::Kind::Insert;
+  fill.steps = {t.steps.back()};
+  fill.writes = {fresh.name};
+  engine_sqlite::RunTranslation(*mirror_.connection, std::move(fill));
+  affected_ = mirror_.connection->AffectedRows();
 }
 
-std::unique_ptr<db::Connection> Crear(std::string_view ruta, const Opciones& opciones, std::uint16_t orden) {
+std::unique_ptr<db::Connection> Create(std::string_view path, const Options& options, std::uint16_t order) {
   return db::AsConnectionErrors([&]() -> std::unique_ptr<db::Connection> {
-    const base::Fecha now =
-        opciones.reloj != nullptr ? opciones.reloj->Ahora() : ports::SystemClock().Ahora();
-    return std::make_unique<ConexionMdb>(mdb::Base::Crear(ruta, orden, now), ruta, opciones);
+    const base::Date now = options.clock != nullptr ? options.clock->Now() : ports::SystemClock().Now();
+    return std::make_unique<MdbConnection>(mdb::Database::Create(path, order, now), path, options);
   });
 }
 

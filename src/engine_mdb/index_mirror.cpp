@@ -5,70 +5,70 @@
 namespace engine_mdb {
 namespace {
 
-std::string NombreDe(const mdb::Definicion& d, std::size_t real) {
-  std::string nombre;
-  for (const mdb::IndiceLogico& logico : d.logicos) {
-    if (logico.real != real) continue;
-    if (nombre.empty() || logico.clase != mdb::IndiceLogico::Foraneo) nombre = logico.nombre;
+std::string NameOf(const mdb::Definition& d, std::size_t real) {
+  std::string name;
+  for (const mdb::LogicalIndex& logical : d.logicals) {
+    if (logical.real != real) continue;
+    if (name.empty() || logical.kind != mdb::LogicalIndex::Foreign) name = logical.name;
   }
-  return nombre;
+  return name;
 }
 
 // To SQLite two keys that are Null in a part always differ; to the file they are the same when their other
 // parts are. Each set of parts that may be Null together gets an index over the rest. Rows of the file that
 // do not obey are another program's business.
-void CrearIndicesConNulos(sqlite3* espejo, const TablaEspejo& t, const std::string& nombre,
-                          const std::vector<std::string>& columnas) {
-  constexpr std::size_t kMasColumnas = 3;
-  if (columnas.size() < 2 || columnas.size() > kMasColumnas) return;
-  const unsigned todas = (1U << columnas.size()) - 1;
-  for (unsigned nulas = 1; nulas < todas; ++nulas) {
-    std::string resto, cuando;
-    for (std::size_t i = 0; i < columnas.size(); ++i) {
-      if ((nulas >> i & 1U) != 0)
-        cuando += (cuando.empty() ? "" : " AND ") + Citado(columnas[i]) + " IS NULL";
+void CreateIndexesWithNulls(sqlite3* mirror, const MirrorTable& t, const std::string& name,
+                            const std::vector<std::string>& columns) {
+  constexpr std::size_t kMaxColumns = 3;
+  if (columns.size() < 2 || columns.size() > kMaxColumns) return;
+  const unsigned all = (1U << columns.size()) - 1;
+  for (unsigned nulls = 1; nulls < all; ++nulls) {
+    std::string rest, when;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      if ((nulls >> i & 1U) != 0)
+        when += (when.empty() ? "" : " AND ") + Quoted(columns[i]) + " IS NULL";
       else
-        resto += (resto.empty() ? "" : ", ") + Citado(columnas[i]);
+        rest += (rest.empty() ? "" : ", ") + Quoted(columns[i]);
     }
     const std::string sql = "CREATE UNIQUE INDEX " +
-                            Citado(t.info.nombre + "." + nombre + "#" + std::to_string(nulas)) + " ON " +
-                            Citado(t.info.nombre) + " (" + resto + ") WHERE " + cuando;
-    base::ErrorIgnorado("CrearIndicesConNulos", nullptr,
-                        [&] { engine_sqlite::EjecutarPropio(espejo, sql.c_str()); });
+                            Quoted(t.info.name + "." + name + "#" + std::to_string(nulls)) + " ON " +
+                            Quoted(t.info.name) + " (" + rest + ") WHERE " + when;
+    base::PassOverError("CrearIndicesConNulos", nullptr,
+                        [&] { engine_sqlite::ExecuteOwn(mirror, sql.c_str()); });
   }
 }
 
 }  // namespace
 
-void CrearIndices(sqlite3* espejo, TablaEspejo& t) {
-  const mdb::Definicion& d = t.definicion;
-  for (std::size_t i = 0; i < d.reales.size(); ++i) {
-    const mdb::IndiceReal& real = d.reales[i];
-    std::string columnas;
-    std::vector<std::string> nombres;
-    for (const auto& parte : real.partes) {
-      const auto posicion = d.PorNumero(parte.columna);
-      if (!posicion) continue;
-      columnas += (columnas.empty() ? "" : ", ") + Citado(d.columnas[*posicion].nombre);
-      if (parte.descendente) columnas += " DESC";
-      nombres.push_back(d.columnas[*posicion].nombre);
+void CreateIndexes(sqlite3* mirror, MirrorTable& t) {
+  const mdb::Definition& d = t.definition;
+  for (std::size_t i = 0; i < d.reals.size(); ++i) {
+    const mdb::RealIndex& real = d.reals[i];
+    std::string columns;
+    std::vector<std::string> names;
+    for (const auto& part : real.parts) {
+      const auto position = d.ByNumber(part.column);
+      if (!position) continue;
+      columns += (columns.empty() ? "" : ", ") + Quoted(d.columns[*position].name);
+      if (part.descending) columns += " DESC";
+      names.push_back(d.columns[*position].name);
     }
-    if (columnas.empty()) continue;
-    const std::string nombre = NombreDe(d, i);
-    const std::string resto =
-        "INDEX " + Citado(t.info.nombre + "." + (nombre.empty() ? "#" + std::to_string(i) : nombre)) +
-        " ON " + Citado(t.info.nombre) + " (" + columnas + ")";
-    if (!real.Unico()) {
-      engine_sqlite::EjecutarPropio(espejo, ("CREATE " + resto).c_str());
+    if (columns.empty()) continue;
+    const std::string name = NameOf(d, i);
+    const std::string rest = "INDEX " +
+                             Quoted(t.info.name + "." + (name.empty() ? "#" + std::to_string(i) : name)) +
+                             " ON " + Quoted(t.info.name) + " (" + columns + ")";
+    if (!real.IsUnique()) {
+      engine_sqlite::ExecuteOwn(mirror, ("CREATE " + rest).c_str());
       continue;
     }
     try {
-      engine_sqlite::EjecutarPropio(espejo, ("CREATE UNIQUE " + resto).c_str());
-      if (!real.Requerido()) CrearIndicesConNulos(espejo, t, nombre, nombres);
+      engine_sqlite::ExecuteOwn(mirror, ("CREATE UNIQUE " + rest).c_str());
+      if (!real.IsRequired()) CreateIndexesWithNulls(mirror, t, name, names);
     } catch (const db::Error& e) {
       if (e.IsStorageFault()) throw;
-      engine_sqlite::EjecutarPropio(espejo, ("CREATE " + resto).c_str());
-      t.motivo = "La tabla " + t.info.nombre + " tiene valores repetidos en su índice " + nombre +
+      engine_sqlite::ExecuteOwn(mirror, ("CREATE " + rest).c_str());
+      t.reason = "La tabla " + t.info.name + " tiene valores repetidos en su índice " + name +
                  ", que no los admite: se puede leer, no escribir. Compacte y repare la base con Access.";
     }
   }

@@ -16,36 +16,36 @@
 
 namespace engine_mdb {
 
-struct Opciones {
-  bool solo_lectura = false;
-  std::string contrasena;
-  bool comodines_dao = false;            // LIKE with * ? # as saved queries of the DAO kind have
-  const ports::Clock* reloj = nullptr;   // what Date() and Now() ask; the system's clock when null
-  const base::Locale* locale = nullptr;  // of the texts that the dialect makes and reads; espanol() when null
+struct Options {
+  bool read_only = false;
+  std::string password;
+  bool dao_wildcards = false;            // LIKE with * ? # as saved queries of the DAO kind have
+  const ports::Clock* clock = nullptr;   // what Date() and Now() ask; the system's clock when null
+  const base::Locale* locale = nullptr;  // of the texts that the dialect makes and reads; spanish() when null
 };
 
 // Opens a file (path in UTF-8). Throws db::Error with a readable reason. A file that cannot be written opens
 // all the same; statements that would change it, and BeginTrans, then throw the reason. Each of them first
 // tries again, since the program that had the file may have closed it.
-std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones = {});
+std::unique_ptr<db::Connection> Open(std::string_view path, const Options& options = {});
 
 // Makes a new, empty file (Access 2000 to 2003) of a sort order (an LCID: 3082 Modern Spanish, 1034
 // Traditional Spanish, 1033 General) and opens it. Throws db::Error, also when there is a file of that name.
-std::unique_ptr<db::Connection> Crear(std::string_view ruta, const Opciones& opciones = {},
-                                      std::uint16_t orden = 3082);
+std::unique_ptr<db::Connection> Create(std::string_view path, const Options& options = {},
+                                       std::uint16_t order = 3082);
 
 // Why the file behind a connection cannot be written for now, in Spanish; "" when it can, and for a
 // connection of another engine.
 std::string ReadOnlyReason(const db::Connection& connection);
 
 // What a connection has done, for tests and benchmarks.
-struct Contadores {
-  std::int64_t espejos = 0;         // tables mirrored
-  std::int64_t filas_leidas = 0;    // into mirrors
-  std::int64_t filas_escritas = 0;  // inserted, changed and deleted in the file
-  std::int64_t confirmaciones = 0;  // commits that wrote
+struct Counters {
+  std::int64_t mirrors = 0;       // tables mirrored
+  std::int64_t rows_read = 0;     // into mirrors
+  std::int64_t rows_written = 0;  // inserted, changed and deleted in the file
+  std::int64_t commits = 0;       // commits that wrote
 };
 // Null for a connection of another engine.
-const Contadores* ContadoresDe(const db::Connection& conexion);
+const Counters* CountersOf(const db::Connection& connection);
 
 }  // namespace engine_mdb

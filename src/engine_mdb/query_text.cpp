@@ -10,278 +10,275 @@
 namespace engine_mdb {
 namespace {
 
-using internal::Citar;
-using internal::SinCola;
-using mdb::ClaseConsulta;
-using mdb::ConsultaGuardada;
-using mdb::FilaDeConsulta;
+using internal::Quote;
+using internal::WithoutTail;
+using mdb::QueryKind;
+using mdb::QueryRow;
+using mdb::SavedQuery;
 
 namespace codes = mdb::query_codes;
 
-using Rango = std::span<const FilaDeConsulta>;
+using Range = std::span<const QueryRow>;
 
-const char* TipoDeParametro(std::int16_t tipo) {
-  static constexpr std::array<const char*, 16> kTipos = {
+const char* ParameterType(std::int16_t type) {
+  static constexpr std::array<const char*, 16> kTypes = {
       "Value",    "Bit",    "Byte", "Short",      "Long",  "Currency", "IEEESingle", "IEEEDouble",
       "DateTime", "Binary", "Text", "LongBinary", nullptr, nullptr,    nullptr,      "Guid"};
-  const char* nombre = tipo >= 0 && tipo < 16 ? kTipos[static_cast<std::size_t>(tipo)] : nullptr;
-  if (nombre == nullptr) throw base::Error("La consulta tiene un parámetro de un tipo que no se conoce");
-  return nombre;
+  const char* name = type >= 0 && type < 16 ? kTypes[static_cast<std::size_t>(type)] : nullptr;
+  if (name == nullptr) throw base::Error("La consulta tiene un parámetro de un tipo que no se conoce");
+  return name;
 }
 
-std::string DeOtraBase(const std::optional<std::string>& ruta, const std::optional<std::string>& tipo) {
-  std::string texto;
-  if (ruta && !ruta->empty()) texto += " IN '" + *ruta + "'";
-  if (tipo && !tipo->empty()) texto += (texto.empty() ? " IN '' [" : " [") + *tipo + "]";
-  return texto;
+std::string OtherDatabaseClause(const std::optional<std::string>& path,
+                                const std::optional<std::string>& type) {
+  std::string text;
+  if (path && !path->empty()) text += " IN '" + *path + "'";
+  if (type && !type->empty()) text += (text.empty() ? " IN '' [" : " [") + *type + "]";
+  return text;
 }
 
-class Redactor {
+class QueryWriter {
  public:
-  explicit Redactor(const ConsultaGuardada& consulta) : filas_(consulta.filas) {
-    std::stable_sort(filas_.begin(), filas_.end(), [](const FilaDeConsulta& a, const FilaDeConsulta& b) {
-      return std::tie(a.atributo, a.orden) < std::tie(b.atributo, b.orden);
+  explicit QueryWriter(const SavedQuery& query) : rows_(query.rows) {
+    std::stable_sort(rows_.begin(), rows_.end(), [](const QueryRow& a, const QueryRow& b) {
+      return std::tie(a.attribute, a.order) < std::tie(b.attribute, b.order);
     });
-    for (const auto& f : De(codes::kOptions)) {
-      opciones_ |= f.bandera.value_or(0);
-      if (f.nombre1) tope_ = *f.nombre1;
+    for (const auto& f : Of(codes::kOptions)) {
+      options_ |= f.flag.value_or(0);
+      if (f.name1) limit_ = *f.name1;
     }
   }
 
-  std::string Texto(ClaseConsulta clase) const {
-    switch (clase) {
-      case ClaseConsulta::Definicion:
-      case ClaseConsulta::Directa:
-        return Expresion(codes::kKind, "La consulta no tiene texto");
-      case ClaseConsulta::Union:
-        return Parametros() + DeUnion() + Final();
-      case ClaseConsulta::Cruzada:
-        return Parametros() + Cruzada() + Final();
-      case ClaseConsulta::Actualizar:
-        return Parametros() + "UPDATE " + DistincionDeFilas() + Fuentes() + " SET " + Asignaciones() +
-               Donde() + Final();
-      case ClaseConsulta::Eliminar:
-        return Parametros() + "DELETE " + DistincionDeFilas() + Columnas(De(codes::kColumn), true) +
-               " FROM " + Fuentes() + Donde() + Final();
-      case ClaseConsulta::Agregar:
-        return Parametros() + Agregar() + Final();
-      case ClaseConsulta::CrearTabla:
-        return Parametros() + Seleccion(" INTO " + Destino()) + Final();
-      case ClaseConsulta::Seleccion:
+  std::string Text(QueryKind kind) const {
+    switch (kind) {
+      case QueryKind::Definition:
+      case QueryKind::PassThrough:
+        return Expression(codes::kKind, "La consulta no tiene texto");
+      case QueryKind::Union:
+        return Parameters() + UnionText() + Final();
+      case QueryKind::Crosstab:
+        return Parameters() + Crosstab() + Final();
+      case QueryKind::Update:
+        return Parameters() + "UPDATE " + RowDistinction() + Sources() + " SET " + Assignments() + Where() +
+               Final();
+      case QueryKind::Delete:
+        return Parameters() + "DELETE " + RowDistinction() + Columns(Of(codes::kColumn), true) + " FROM " +
+               Sources() + Where() + Final();
+      case QueryKind::Append:
+        return Parameters() + Add() + Final();
+      case QueryKind::CreateTable:
+        return Parameters() + Select(" INTO " + Target()) + Final();
+      case QueryKind::Select:
         break;
     }
-    return Parametros() + Seleccion("") + Final();
+    return Parameters() + Select("") + Final();
   }
 
  private:
-  Rango De(std::uint8_t atributo) const {
-    const auto primera =
-        std::find_if(filas_.begin(), filas_.end(), [=](const auto& f) { return f.atributo == atributo; });
-    const auto fin =
-        std::find_if(primera, filas_.end(), [=](const auto& f) { return f.atributo != atributo; });
-    return Rango(primera, fin);
+  Range Of(std::uint8_t attribute) const {
+    const auto first =
+        std::find_if(rows_.begin(), rows_.end(), [=](const auto& f) { return f.attribute == attribute; });
+    const auto end =
+        std::find_if(first, rows_.end(), [=](const auto& f) { return f.attribute != attribute; });
+    return Range(first, end);
   }
-  bool Con(int opcion) const { return (opciones_ & opcion) != 0; }
+  bool HasOption(int option) const { return (options_ & option) != 0; }
 
   // The expression of the only row of an attribute; with a reason, its absence is an error.
-  std::string Expresion(std::uint8_t atributo, const char* motivo = nullptr) const {
-    const Rango filas = De(atributo);
-    std::string texto;
-    if (!filas.empty()) texto = SinCola(filas.front().expresion.value_or(""));
-    if (texto.empty() && motivo != nullptr) throw base::Error(motivo);
-    return texto;
+  std::string Expression(std::uint8_t attribute, const char* reason = nullptr) const {
+    const Range rows = Of(attribute);
+    std::string text;
+    if (!rows.empty()) text = WithoutTail(rows.front().expression.value_or(""));
+    if (text.empty() && reason != nullptr) throw base::Error(reason);
+    return text;
   }
 
-  // "parte, parte, …" of the rows that `elige` takes.
-  template <typename Parte>
-  static std::string Lista(Rango filas, Parte&& parte) {
-    std::string texto;
-    for (const auto& f : filas) {
-      const std::string una = parte(f);
-      if (!una.empty()) texto += (texto.empty() ? "" : ", ") + una;
+  // "part, part, …" of the rows that `elige` takes.
+  template <typename Part>
+  static std::string List(Range rows, Part&& part) {
+    std::string text;
+    for (const auto& f : rows) {
+      const std::string one = part(f);
+      if (!one.empty()) text += (text.empty() ? "" : ", ") + one;
     }
-    return texto;
+    return text;
   }
 
-  static std::string TextoDeExpresion(const FilaDeConsulta& f) {
-    std::string texto(SinCola(f.expresion.value_or("")));
-    if (texto.empty()) throw base::Error("La consulta tiene una columna vacía");
-    return texto;
+  static std::string ExpressionText(const QueryRow& f) {
+    std::string text(WithoutTail(f.expression.value_or("")));
+    if (text.empty()) throw base::Error("La consulta tiene una columna vacía");
+    return text;
   }
-  static std::string Columna(const FilaDeConsulta& f) {
-    std::string texto = TextoDeExpresion(f);
-    if (f.nombre1 && !f.nombre1->empty()) texto += " AS " + Citar(*f.nombre1);
-    return texto;
-  }
-
-  std::string Columnas(Rango filas, bool todas_si_no_hay = false) const {
-    std::string texto = Lista(filas, Columna);
-    if (Con(codes::kAll) || (texto.empty() && todas_si_no_hay)) texto += texto.empty() ? "*" : ", *";
-    if (texto.empty()) throw base::Error("La consulta no tiene columnas");
-    return texto;
+  static std::string Column(const QueryRow& f) {
+    std::string text = ExpressionText(f);
+    if (f.name1 && !f.name1->empty()) text += " AS " + Quote(*f.name1);
+    return text;
   }
 
-  std::string Parametros() const {
-    const std::string lista = Lista(De(codes::kParameter), [](const FilaDeConsulta& f) {
-      std::string uno = Citar(f.nombre1.value_or("")) + " " + TipoDeParametro(f.bandera.value_or(0));
-      if (f.extra.value_or(0) > 0) uno += " (" + std::to_string(*f.extra) + ")";
-      return uno;
+  std::string Columns(Range rows, bool all_if_none = false) const {
+    std::string text = List(rows, Column);
+    if (HasOption(codes::kAll) || (text.empty() && all_if_none)) text += text.empty() ? "*" : ", *";
+    if (text.empty()) throw base::Error("La consulta no tiene columnas");
+    return text;
+  }
+
+  std::string Parameters() const {
+    const std::string list = List(Of(codes::kParameter), [](const QueryRow& f) {
+      std::string one = Quote(f.name1.value_or("")) + " " + ParameterType(f.flag.value_or(0));
+      if (f.extra.value_or(0) > 0) one += " (" + std::to_string(*f.extra) + ")";
+      return one;
     });
-    return lista.empty() ? "" : "PARAMETERS " + lista + "; ";
+    return list.empty() ? "" : "PARAMETERS " + list + "; ";
   }
 
-  std::string Fuentes() const {
-    std::string texto = internal::TextoDeFuentes(De(codes::kSource), De(codes::kJoin));
-    if (const Rango externa = De(codes::kOtherBase); !externa.empty())
-      texto += DeOtraBase(externa.front().nombre1, externa.front().expresion);
-    return texto;
+  std::string Sources() const {
+    std::string text = internal::SourcesText(Of(codes::kSource), Of(codes::kJoin));
+    if (const Range external = Of(codes::kOtherBase); !external.empty())
+      text += OtherDatabaseClause(external.front().name1, external.front().expression);
+    return text;
   }
 
-  std::string Clausula(const char* palabra, std::uint8_t atributo) const {
-    const std::string expresion = Expresion(atributo);
-    return expresion.empty() ? "" : palabra + expresion;
+  std::string Clause(const char* word, std::uint8_t attribute) const {
+    const std::string expression = Expression(attribute);
+    return expression.empty() ? "" : word + expression;
   }
-  std::string Donde() const { return Clausula(" WHERE ", codes::kWhere); }
+  std::string Where() const { return Clause(" WHERE ", codes::kWhere); }
 
-  std::string Grupo(bool cruzada) const {
-    const std::string lista = Lista(De(codes::kGroup), [&](const FilaDeConsulta& f) {
-      const bool fuera = cruzada && f.bandera.value_or(0) == codes::kPivot;
-      return fuera ? std::string() : TextoDeExpresion(f);
+  std::string Group(bool crosstab) const {
+    const std::string list = List(Of(codes::kGroup), [&](const QueryRow& f) {
+      const bool outside = crosstab && f.flag.value_or(0) == codes::kPivot;
+      return outside ? std::string() : ExpressionText(f);
     });
-    return lista.empty() ? "" : " GROUP BY " + lista;
+    return list.empty() ? "" : " GROUP BY " + list;
   }
 
-  std::string Orden() const {
-    const std::string lista = Lista(De(codes::kOrder), [](const FilaDeConsulta& f) {
-      const bool descendente = f.nombre1 && (*f.nombre1 == "D" || *f.nombre1 == "d");
-      return TextoDeExpresion(f) + (descendente ? " DESC" : "");
+  std::string SortOrder() const {
+    const std::string list = List(Of(codes::kOrder), [](const QueryRow& f) {
+      const bool descending = f.name1 && (*f.name1 == "D" || *f.name1 == "d");
+      return ExpressionText(f) + (descending ? " DESC" : "");
     });
-    return lista.empty() ? "" : " ORDER BY " + lista;
+    return list.empty() ? "" : " ORDER BY " + list;
   }
 
-  std::string Final() const { return Con(codes::kOwnerAccess) ? " WITH OWNERACCESS OPTION" : ""; }
-  std::string DistincionDeFilas() const { return Con(codes::kDistinctRows) ? "DISTINCTROW " : ""; }
+  std::string Final() const { return HasOption(codes::kOwnerAccess) ? " WITH OWNERACCESS OPTION" : ""; }
+  std::string RowDistinction() const { return HasOption(codes::kDistinctRows) ? "DISTINCTROW " : ""; }
 
-  std::string Predicado() const {
-    std::string texto;
-    if (Con(codes::kDistinct)) texto += "DISTINCT ";
-    texto += DistincionDeFilas();
-    if (Con(codes::kTop)) {
-      if (tope_.empty()) throw base::Error("La consulta no dice cuántas filas da");
-      texto += "TOP " + tope_ + (Con(codes::kPercent) ? " PERCENT " : " ");
+  std::string Predicate() const {
+    std::string text;
+    if (HasOption(codes::kDistinct)) text += "DISTINCT ";
+    text += RowDistinction();
+    if (HasOption(codes::kTop)) {
+      if (limit_.empty()) throw base::Error("La consulta no dice cuántas filas da");
+      text += "TOP " + limit_ + (HasOption(codes::kPercent) ? " PERCENT " : " ");
     }
-    return texto;
+    return text;
   }
 
-  std::string CuerpoDesde(bool cruzada) const {
-    const std::string fuentes = Fuentes();
-    return (fuentes.empty() ? "" : " FROM " + fuentes) + Donde() + Grupo(cruzada) +
-           Clausula(" HAVING ", codes::kHaving) + Orden();
+  std::string FromBody(bool crosstab) const {
+    const std::string sources = Sources();
+    return (sources.empty() ? "" : " FROM " + sources) + Where() + Group(crosstab) +
+           Clause(" HAVING ", codes::kHaving) + SortOrder();
   }
 
-  std::string Seleccion(const std::string& destino) const {
-    return "SELECT " + Predicado() + Columnas(De(codes::kColumn)) + destino + CuerpoDesde(false);
+  std::string Select(const std::string& target) const {
+    return "SELECT " + Predicate() + Columns(Of(codes::kColumn)) + target + FromBody(false);
   }
 
-  std::string Destino() const {
-    const Rango filas = De(codes::kKind);
-    if (filas.empty() || filas.front().nombre1.value_or("").empty())
+  std::string Target() const {
+    const Range rows = Of(codes::kKind);
+    if (rows.empty() || rows.front().name1.value_or("").empty())
       throw base::Error("La consulta no dice en qué tabla escribe");
-    const auto& f = filas.front();
-    return Citar(*f.nombre1) + DeOtraBase(f.nombre2, f.expresion);
+    const auto& f = rows.front();
+    return Quote(*f.name1) + OtherDatabaseClause(f.name2, f.expression);
   }
 
-  std::string Agregar() const {
-    const Rango columnas = De(codes::kColumn);
-    std::string texto = "INSERT INTO " + Destino();
-    const std::string nombres = Lista(columnas, [](const FilaDeConsulta& f) {
-      return f.nombre2 && !f.nombre2->empty() ? internal::CitarCompuesto(*f.nombre2) : std::string();
+  std::string Add() const {
+    const Range columns = Of(codes::kColumn);
+    std::string text = "INSERT INTO " + Target();
+    const std::string names = List(columns, [](const QueryRow& f) {
+      return f.name2 && !f.name2->empty() ? internal::QuoteCompound(*f.name2) : std::string();
     });
-    if (!nombres.empty()) texto += " (" + nombres + ")";
-    const bool de_valores = !columnas.empty() && std::all_of(columnas.begin(), columnas.end(), [](auto& f) {
-      return f.bandera.value_or(0) == codes::kOfValues;
+    if (!names.empty()) text += " (" + names + ")";
+    const bool of_values = !columns.empty() && std::all_of(columns.begin(), columns.end(), [](auto& f) {
+      return f.flag.value_or(0) == codes::kOfValues;
     });
-    if (de_valores) return texto + " VALUES (" + Lista(columnas, TextoDeExpresion) + ")";
-    return texto + " " + Seleccion("");
+    if (of_values) return text + " VALUES (" + List(columns, ExpressionText) + ")";
+    return text + " " + Select("");
   }
 
-  std::string Asignaciones() const {
-    const std::string lista = Lista(De(codes::kColumn), [](const FilaDeConsulta& f) {
-      if (!f.nombre2 || f.nombre2->empty()) throw base::Error("La consulta no dice qué columna cambia");
-      return internal::CitarCompuesto(*f.nombre2) + " = " + TextoDeExpresion(f);
+  std::string Assignments() const {
+    const std::string list = List(Of(codes::kColumn), [](const QueryRow& f) {
+      if (!f.name2 || f.name2->empty()) throw base::Error("La consulta no dice qué columna cambia");
+      return internal::QuoteCompound(*f.name2) + " = " + ExpressionText(f);
     });
-    if (lista.empty()) throw base::Error("La consulta no cambia ninguna columna");
-    return lista;
+    if (list.empty()) throw base::Error("La consulta no cambia ninguna columna");
+    return list;
   }
 
-  std::string DeUnion() const {
-    std::string texto;
-    for (const auto& f : De(codes::kSource)) {
-      if (!texto.empty()) texto += Con(codes::kDistinct) ? " UNION " : " UNION ALL ";
-      texto += TextoDeExpresion(f);
+  std::string UnionText() const {
+    std::string text;
+    for (const auto& f : Of(codes::kSource)) {
+      if (!text.empty()) text += HasOption(codes::kDistinct) ? " UNION " : " UNION ALL ";
+      text += ExpressionText(f);
     }
-    if (texto.empty()) throw base::Error("La consulta de unión no tiene partes");
-    return texto + Orden();
+    if (text.empty()) throw base::Error("La consulta de unión no tiene partes");
+    return text + SortOrder();
   }
 
-  std::string Cruzada() const {
-    std::string valor, pivote;
-    std::vector<FilaDeConsulta> encabezados;
-    for (const auto& f : De(codes::kColumn)) {
-      switch (f.bandera.value_or(0)) {
+  std::string Crosstab() const {
+    std::string value, pivot;
+    std::vector<QueryRow> headings;
+    for (const auto& f : Of(codes::kColumn)) {
+      switch (f.flag.value_or(0)) {
         case codes::kRowHeading:
-          encabezados.push_back(f);
+          headings.push_back(f);
           break;
         case codes::kPivot:
-          pivote = Columna(f);
+          pivot = Column(f);
           break;
         default:
-          valor = Columna(f);
+          value = Column(f);
       }
     }
-    if (valor.empty() || pivote.empty())
+    if (value.empty() || pivot.empty())
       throw base::Error("La consulta de referencias cruzadas no está completa");
-    return "TRANSFORM " + valor + " SELECT " + Predicado() + Columnas(encabezados) + CuerpoDesde(true) +
-           " PIVOT " + pivote;
+    return "TRANSFORM " + value + " SELECT " + Predicate() + Columns(headings) + FromBody(true) + " PIVOT " +
+           pivot;
   }
 
-  std::vector<FilaDeConsulta> filas_;
-  int opciones_ = 0;
-  std::string tope_;
+  std::vector<QueryRow> rows_;
+  int options_ = 0;
+  std::string limit_;
 };
 
 }  // namespace
 
-const char* KindName(ClaseConsulta clase) {
-  switch (clase) {
-    case ClaseConsulta::Seleccion:
+const char* KindName(QueryKind kind) {
+  switch (kind) {
+    case QueryKind::Select:
       return "de selección";
-    case ClaseConsulta::CrearTabla:
+    case QueryKind::CreateTable:
       return "de creación de tabla";
-    case ClaseConsulta::Agregar:
+    case QueryKind::Append:
       return "de datos anexados";
-    case ClaseConsulta::Actualizar:
+    case QueryKind::Update:
       return "de actualización";
-    case ClaseConsulta::Eliminar:
+    case QueryKind::Delete:
       return "de eliminación";
-    case ClaseConsulta::Cruzada:
+    case QueryKind::Crosstab:
       return "de referencias cruzadas";
-    case ClaseConsulta::Definicion:
+    case QueryKind::Definition:
       return "de definición de datos";
-    case ClaseConsulta::Directa:
+    case QueryKind::PassThrough:
       return "de paso a través";
-    case ClaseConsulta::Union:
+    case QueryKind::Union:
       return "de unión";
   }
   return "";
 }
 
-bool GivesRows(ClaseConsulta clase) {
-  return clase == ClaseConsulta::Seleccion || clase == ClaseConsulta::Union;
-}
+bool GivesRows(QueryKind kind) { return kind == QueryKind::Select || kind == QueryKind::Union; }
 
-std::string QueryText(const ConsultaGuardada& consulta) {
-  return Redactor(consulta).Texto(mdb::ClaseDe(consulta));
-}
+std::string QueryText(const SavedQuery& query) { return QueryWriter(query).Text(mdb::KindOf(query)); }
 
 }  // namespace engine_mdb

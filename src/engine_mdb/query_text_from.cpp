@@ -11,63 +11,62 @@ namespace {
 
 // Access takes 32 tables; the bounds keep a damaged file from building a tree of any height or a condition of
 // any length.
-constexpr std::size_t kMasFuentes = 255, kMasUniones = 2000;
+constexpr std::size_t kMaxSources = 255, kMaxJoins = 2000;
 
-std::string SinCorchetes(std::string_view nombre) {
-  if (nombre.size() >= 2 && nombre.front() == '[' && nombre.back() == ']')
-    nombre = nombre.substr(1, nombre.size() - 2);
-  return std::string(nombre);
+std::string WithoutBrackets(std::string_view name) {
+  if (name.size() >= 2 && name.front() == '[' && name.back() == ']') name = name.substr(1, name.size() - 2);
+  return std::string(name);
 }
 
 // The text of a derived table, without the marks of the old spelling: [SELECT …].
-std::string_view SinMarcas(std::string_view texto) {
-  texto = base::TrimVista(SinCola(texto));
-  if (base::TerminaCon(texto, ".")) texto.remove_suffix(1);
-  if (texto.size() >= 2 && texto.front() == '[' && texto.back() == ']')
-    texto = SinCola(texto.substr(1, texto.size() - 2));
-  return texto;
+std::string_view WithoutMarks(std::string_view text) {
+  text = base::TrimView(WithoutTail(text));
+  if (base::EndsWith(text, ".")) text.remove_suffix(1);
+  if (text.size() >= 2 && text.front() == '[' && text.back() == ']')
+    text = WithoutTail(text.substr(1, text.size() - 2));
+  return text;
 }
 
-std::string TextoDeFuente(const mdb::FilaDeConsulta& f) {
-  std::string texto;
-  const std::string expresion = f.expresion.value_or("");
-  if (const auto dentro = SinMarcas(expresion); jetsql::BeginsQuery(dentro)) {
-    texto = "(" + std::string(dentro) + ")";
+std::string SourceText(const mdb::QueryRow& f) {
+  std::string text;
+  const std::string expression = f.expression.value_or("");
+  if (const auto inside = WithoutMarks(expression); jetsql::BeginsQuery(inside)) {
+    text = "(" + std::string(inside) + ")";
   } else {
-    if (!dentro.empty()) texto = "[" + std::string(dentro) + "].";
-    if (!f.nombre1 || f.nombre1->empty()) throw base::Error("La consulta tiene una fuente sin nombre");
-    texto += Citar(*f.nombre1);
+    if (!inside.empty()) text = "[" + std::string(inside) + "].";
+    if (!f.name1 || f.name1->empty()) throw base::Error("La consulta tiene una fuente sin nombre");
+    text += Quote(*f.name1);
   }
-  if (f.nombre2 && !f.nombre2->empty()) texto += " AS " + Citar(*f.nombre2);
-  return texto;
+  if (f.name2 && !f.name2->empty()) text += " AS " + Quote(*f.name2);
+  return text;
 }
 
 // A source, or the join of two groups of sources.
-struct Nodo {
-  std::string hoja;
-  std::unique_ptr<Nodo> izquierda, derecha;
-  const char* tipo = nullptr;
-  std::vector<std::string> condiciones;  // the last stored first: so they are written
-  std::vector<std::size_t> fuentes;      // all below it
+struct Node {
+  std::string leaf;
+  std::unique_ptr<Node> left, right;
+  const char* type = nullptr;
+  std::vector<std::string> conditions;  // the last stored first: so they are written
+  std::vector<std::size_t> sources;     // all below it
 
-  bool Tiene(std::size_t fuente) const {
-    return std::find(fuentes.begin(), fuentes.end(), fuente) != fuentes.end();
+  bool Has(std::size_t source) const {
+    return std::find(sources.begin(), sources.end(), source) != sources.end();
   }
-  std::string Texto() const {
-    if (!tipo) return hoja;
-    std::string texto = Lado(*izquierda) + tipo + Lado(*derecha) + " ON ";
-    if (condiciones.size() == 1) return texto + condiciones.front();
-    for (std::size_t i = 0; i < condiciones.size(); ++i)
-      texto += (i == 0 ? "(" : " AND (") + condiciones[i] + ")";
-    return texto;
+  std::string Text() const {
+    if (!type) return leaf;
+    std::string text = Side(*left) + type + Side(*right) + " ON ";
+    if (conditions.size() == 1) return text + conditions.front();
+    for (std::size_t i = 0; i < conditions.size(); ++i)
+      text += (i == 0 ? "(" : " AND (") + conditions[i] + ")";
+    return text;
   }
 
  private:
-  static std::string Lado(const Nodo& n) { return n.tipo ? "(" + n.Texto() + ")" : n.Texto(); }
+  static std::string Side(const Node& n) { return n.type ? "(" + n.Text() + ")" : n.Text(); }
 };
 
-const char* TipoDeUnion(std::int16_t bandera) {
-  switch (bandera) {
+const char* JoinType(std::int16_t flag) {
+  switch (flag) {
     case mdb::query_codes::kInner:
       return " INNER JOIN ";
     case mdb::query_codes::kLeft:
@@ -79,88 +78,86 @@ const char* TipoDeUnion(std::int16_t bandera) {
   }
 }
 
-class Arbol {
+class Tree {
  public:
-  explicit Arbol(std::span<const mdb::FilaDeConsulta> fuentes) {
-    if (fuentes.size() > kMasFuentes) throw base::Error("La consulta tiene demasiadas tablas");
-    for (const auto& f : fuentes) {
-      auto hoja = std::make_unique<Nodo>();
-      hoja->hoja = TextoDeFuente(f);
-      hoja->fuentes.push_back(nombres_.size());
-      nombres_.push_back(
-          SinCorchetes(f.nombre2 && !f.nombre2->empty() ? *f.nombre2 : f.nombre1.value_or("")));
-      grupos_.push_back(std::move(hoja));
+  explicit Tree(std::span<const mdb::QueryRow> sources) {
+    if (sources.size() > kMaxSources) throw base::Error("La consulta tiene demasiadas tablas");
+    for (const auto& f : sources) {
+      auto leaf = std::make_unique<Node>();
+      leaf->leaf = SourceText(f);
+      leaf->sources.push_back(names_.size());
+      names_.push_back(WithoutBrackets(f.name2 && !f.name2->empty() ? *f.name2 : f.name1.value_or("")));
+      groups_.push_back(std::move(leaf));
     }
   }
 
-  void Unir(const mdb::FilaDeConsulta& u) {
-    const std::size_t a = Fuente(u.nombre1), b = Fuente(u.nombre2);
+  void Join(const mdb::QueryRow& u) {
+    const std::size_t a = Source(u.name1), b = Source(u.name2);
     if (a == b) throw base::Error("La consulta une una tabla con ella misma");
-    const std::size_t ga = Grupo(a), gb = Grupo(b);
-    const std::string condicion(SinCola(u.expresion.value_or("")));
-    if (condicion.empty()) throw base::Error("La consulta une dos tablas sin decir por qué");
+    const std::size_t ga = Group(a), gb = Group(b);
+    const std::string condition(WithoutTail(u.expression.value_or("")));
+    if (condition.empty()) throw base::Error("La consulta une dos tablas sin decir por qué");
     if (ga == gb) {
-      AgregarCondicion(*grupos_[ga], a, b, condicion);
+      AddCondition(*groups_[ga], a, b, condition);
       return;
     }
-    auto nodo = std::make_unique<Nodo>();
-    nodo->tipo = TipoDeUnion(u.bandera.value_or(mdb::query_codes::kInner));
-    nodo->condiciones.push_back(condicion);
-    nodo->fuentes = grupos_[ga]->fuentes;
-    nodo->fuentes.insert(nodo->fuentes.end(), grupos_[gb]->fuentes.begin(), grupos_[gb]->fuentes.end());
-    nodo->izquierda = std::move(grupos_[ga]);
-    nodo->derecha = std::move(grupos_[gb]);
-    grupos_[std::min(ga, gb)] = std::move(nodo);
-    grupos_.erase(grupos_.begin() + static_cast<std::ptrdiff_t>(std::max(ga, gb)));
+    auto node = std::make_unique<Node>();
+    node->type = JoinType(u.flag.value_or(mdb::query_codes::kInner));
+    node->conditions.push_back(condition);
+    node->sources = groups_[ga]->sources;
+    node->sources.insert(node->sources.end(), groups_[gb]->sources.begin(), groups_[gb]->sources.end());
+    node->left = std::move(groups_[ga]);
+    node->right = std::move(groups_[gb]);
+    groups_[std::min(ga, gb)] = std::move(node);
+    groups_.erase(groups_.begin() + static_cast<std::ptrdiff_t>(std::max(ga, gb)));
   }
 
-  std::string Texto() const {
-    std::string texto;
-    for (const auto& g : grupos_) texto += (texto.empty() ? "" : ", ") + g->Texto();
-    return texto;
+  std::string Text() const {
+    std::string text;
+    for (const auto& g : groups_) text += (text.empty() ? "" : ", ") + g->Text();
+    return text;
   }
 
  private:
-  std::size_t Fuente(const std::optional<std::string>& nombre) const {
-    const std::string buscado = SinCorchetes(nombre.value_or(""));
-    for (std::size_t i = 0; i < nombres_.size(); ++i)
-      if (base::IgualSinCaso(nombres_[i], buscado)) return i;
-    throw base::Error("La consulta une \"" + buscado + "\", que no está entre sus tablas");
+  std::size_t Source(const std::optional<std::string>& name) const {
+    const std::string sought = WithoutBrackets(name.value_or(""));
+    for (std::size_t i = 0; i < names_.size(); ++i)
+      if (base::EqualIgnoringCase(names_[i], sought)) return i;
+    throw base::Error("La consulta une \"" + sought + "\", que no está entre sus tablas");
   }
 
-  std::size_t Grupo(std::size_t fuente) const {
+  std::size_t Group(std::size_t source) const {
     std::size_t g = 0;
-    while (!grupos_[g]->Tiene(fuente)) ++g;
+    while (!groups_[g]->Has(source)) ++g;
     return g;
   }
 
   // A further condition belongs to the join that first brings its two sides together.
-  static void AgregarCondicion(Nodo& grupo, std::size_t a, std::size_t b, const std::string& condicion) {
-    Nodo* n = &grupo;
+  static void AddCondition(Node& group, std::size_t a, std::size_t b, const std::string& condition) {
+    Node* n = &group;
     for (;;) {
-      if (n->izquierda->Tiene(a) && n->izquierda->Tiene(b)) {
-        n = n->izquierda.get();
-      } else if (n->derecha->Tiene(a) && n->derecha->Tiene(b)) {
-        n = n->derecha.get();
+      if (n->left->Has(a) && n->left->Has(b)) {
+        n = n->left.get();
+      } else if (n->right->Has(a) && n->right->Has(b)) {
+        n = n->right.get();
       } else {
         break;
       }
     }
-    n->condiciones.insert(n->condiciones.begin(), condicion);
+    n->conditions.insert(n->conditions.begin(), condition);
   }
 
-  std::vector<std::string> nombres_;
-  std::vector<std::unique_ptr<Nodo>> grupos_;
+  std::vector<std::string> names_;
+  std::vector<std::unique_ptr<Node>> groups_;
 };
 
 }  // namespace
 
-std::string TextoDeFuentes(std::span<const mdb::FilaDeConsulta> fuentes,
-                           std::span<const mdb::FilaDeConsulta> uniones) {
-  if (uniones.size() > kMasUniones) throw base::Error("La consulta tiene demasiadas uniones");
-  Arbol arbol(fuentes);
-  for (const auto& u : uniones) arbol.Unir(u);
-  return arbol.Texto();
+std::string SourcesText(std::span<const mdb::QueryRow> sources, std::span<const mdb::QueryRow> joins) {
+  if (joins.size() > kMaxJoins) throw base::Error("La consulta tiene demasiadas uniones");
+  Tree tree(sources);
+  for (const auto& u : joins) tree.Join(u);
+  return tree.Text();
 }
 
 }  // namespace engine_mdb::internal

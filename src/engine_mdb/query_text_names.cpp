@@ -8,7 +8,7 @@ namespace engine_mdb::internal {
 namespace {
 
 // Words that a statement would read as its own. Sorted.
-constexpr std::string_view kReservadas[] = {
+constexpr std::string_view kReserved[] = {
     "ALL",     "ALTER",    "AND",         "AS",     "ASC",    "BETWEEN", "BY",    "CREATE",    "DELETE",
     "DESC",    "DISTINCT", "DISTINCTROW", "DROP",   "EQV",    "EXISTS",  "FALSE", "FROM",      "GROUP",
     "HAVING",  "IMP",      "IN",          "INNER",  "INSERT", "INTO",    "IS",    "JOIN",      "LEFT",
@@ -16,42 +16,42 @@ constexpr std::string_view kReservadas[] = {
     "PERCENT", "PIVOT",    "RIGHT",       "SELECT", "SET",    "TABLE",   "TOP",   "TRANSFORM", "TRUE",
     "UNION",   "UPDATE",   "VALUES",      "WHERE",  "WITH",   "XOR"};
 
-bool EsPalabra(std::string_view nombre) {
-  const auto letra = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
-  const auto digito = [](char c) { return c >= '0' && c <= '9'; };
-  if (nombre.empty() || digito(nombre.front())) return false;
-  if (!std::all_of(nombre.begin(), nombre.end(), [&](char c) { return letra(c) || digito(c); })) return false;
-  return !std::binary_search(std::begin(kReservadas), std::end(kReservadas), base::Mayusculas(nombre));
+bool IsWord(std::string_view name) {
+  const auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+  const auto digit = [](char c) { return c >= '0' && c <= '9'; };
+  if (name.empty() || digit(name.front())) return false;
+  if (!std::all_of(name.begin(), name.end(), [&](char c) { return letter(c) || digit(c); })) return false;
+  return !std::binary_search(std::begin(kReserved), std::end(kReserved), base::UpperCase(name));
 }
 
 }  // namespace
 
-std::string Citar(std::string_view nombre) {
-  const bool citado = !nombre.empty() && (nombre.front() == '[' || nombre.front() == '`');
-  if (citado || EsPalabra(nombre)) return std::string(nombre);
-  return "[" + std::string(nombre) + "]";
+std::string Quote(std::string_view name) {
+  const bool quoted = !name.empty() && (name.front() == '[' || name.front() == '`');
+  if (quoted || IsWord(name)) return std::string(name);
+  return "[" + std::string(name) + "]";
 }
 
-std::string CitarCompuesto(std::string_view nombre) {
-  std::string salida;
-  std::size_t desde = 0;
-  bool dentro = false;
-  for (std::size_t i = 0; i <= nombre.size(); ++i) {
-    const bool fin = i == nombre.size();
-    if (!fin && nombre[i] == '[') dentro = true;
-    if (!fin && nombre[i] == ']') dentro = false;
-    if (!fin && (nombre[i] != '.' || dentro)) continue;
-    salida += Citar(nombre.substr(desde, i - desde));
-    if (!fin) salida += '.';
-    desde = i + 1;
+std::string QuoteCompound(std::string_view name) {
+  std::string output;
+  std::size_t from = 0;
+  bool inside = false;
+  for (std::size_t i = 0; i <= name.size(); ++i) {
+    const bool end = i == name.size();
+    if (!end && name[i] == '[') inside = true;
+    if (!end && name[i] == ']') inside = false;
+    if (!end && (name[i] != '.' || inside)) continue;
+    output += Quote(name.substr(from, i - from));
+    if (!end) output += '.';
+    from = i + 1;
   }
-  return salida;
+  return output;
 }
 
-std::string_view SinCola(std::string_view texto) {
-  constexpr std::string_view kCola{" ;\t\r\n\0", 6};
-  const auto fin = texto.find_last_not_of(kCola);
-  return fin == std::string_view::npos ? std::string_view() : texto.substr(0, fin + 1);
+std::string_view WithoutTail(std::string_view text) {
+  constexpr std::string_view kTail{" ;\t\r\n\0", 6};
+  const auto end = text.find_last_not_of(kTail);
+  return end == std::string_view::npos ? std::string_view() : text.substr(0, end + 1);
 }
 
 }  // namespace engine_mdb::internal

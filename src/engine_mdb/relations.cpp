@@ -8,176 +8,177 @@
 namespace engine_mdb {
 namespace {
 
-using mdb::RelacionDeTablas;
+using mdb::TableRelationship;
 
-constexpr std::string_view kViejo = "OLD.", kNuevo = "NEW.";
+constexpr std::string_view kOld = "OLD.", kNew = "NEW.";
 
 // a1 = OLD.b1 AND …
-std::string Iguales(const std::vector<std::string>& suyas, std::string_view de,
-                    const std::vector<std::string>& otras) {
+std::string EqualColumns(const std::vector<std::string>& its, std::string_view from,
+                         const std::vector<std::string>& others) {
   std::string sql;
-  for (std::size_t i = 0; i < suyas.size(); ++i)
-    sql += (i == 0 ? "" : " AND ") + Citado(suyas[i]) + " = " + std::string(de) + Citado(otras[i]);
+  for (std::size_t i = 0; i < its.size(); ++i)
+    sql += (i == 0 ? "" : " AND ") + Quoted(its[i]) + " = " + std::string(from) + Quoted(others[i]);
   return sql;
 }
 
 // NEW.a IS NOT NULL OR …
-std::string AlgunoLleno(const std::vector<std::string>& columnas) {
+std::string AnyNotNull(const std::vector<std::string>& columns) {
   std::string sql;
-  for (const auto& c : columnas)
-    sql += (sql.empty() ? "(" : " OR ") + std::string(kNuevo) + Citado(c) + " IS NOT NULL";
+  for (const auto& c : columns)
+    sql += (sql.empty() ? "(" : " OR ") + std::string(kNew) + Quoted(c) + " IS NOT NULL";
   return sql + ")";
 }
 
-std::string Cambio(const std::vector<std::string>& columnas) {
+std::string Change(const std::vector<std::string>& columns) {
   std::string sql;
-  for (const auto& c : columnas)
-    sql += (sql.empty() ? "(" : " OR ") + ("OLD." + Citado(c)) + " IS NOT NEW." + Citado(c);
+  for (const auto& c : columns)
+    sql += (sql.empty() ? "(" : " OR ") + ("OLD." + Quoted(c)) + " IS NOT NEW." + Quoted(c);
   return sql + ")";
 }
 
-std::string Rehusar(const std::string& texto) {
-  return "SELECT RAISE(ABORT, " + EnComillas(std::string(engine_sqlite::kTextoPropio) + texto) + ")";
+std::string Refuse(const std::string& text) {
+  return "SELECT RAISE(ABORT, " + InQuotes(std::string(engine_sqlite::kOwnText) + text) + ")";
 }
 
-std::string Disparador(const RelacionDeTablas& r, std::string_view cual, const std::string& cuando,
-                       const std::string& condicion, const std::string& cuerpo) {
-  return "CREATE TRIGGER IF NOT EXISTS " + Citado("jet_rel." + r.nombre + "." + std::string(cual)) +
-         " AFTER " + cuando + (condicion.empty() ? "" : " WHEN " + condicion) + " BEGIN " + cuerpo + "; END";
+std::string Trigger(const TableRelationship& r, std::string_view which, const std::string& when,
+                    const std::string& condition, const std::string& body) {
+  return "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_rel." + r.name + "." + std::string(which)) +
+         " AFTER " + when + (condition.empty() ? "" : " WHEN " + condition) + " BEGIN " + body + "; END";
 }
 
-std::string AlCambiarDe(const std::vector<std::string>& columnas, const std::string& tabla) {
-  return "UPDATE OF " + ListaCitada(columnas) + " ON " + Citado(tabla);
+std::string OnChangeOf(const std::vector<std::string>& columns, const std::string& table) {
+  return "UPDATE OF " + QuotedList(columns) + " ON " + Quoted(table);
 }
 
-std::string Asignar(const std::vector<std::string>& columnas, const std::vector<std::string>* nuevas) {
+std::string Assignments(const std::vector<std::string>& columns,
+                        const std::vector<std::string>* new_columns) {
   std::string sql;
-  for (std::size_t i = 0; i < columnas.size(); ++i)
-    sql += (i == 0 ? "" : ", ") + Citado(columnas[i]) + " = " +
-           (nuevas == nullptr ? "NULL" : std::string(kNuevo) + Citado((*nuevas)[i]));
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    sql += (i == 0 ? "" : ", ") + Quoted(columns[i]) + " = " +
+           (new_columns == nullptr ? "NULL" : std::string(kNew) + Quoted((*new_columns)[i]));
   return sql;
 }
 
-bool Cascada(const RelacionDeTablas& r) {
-  return (r.banderas & (RelacionDeTablas::kActualizaEnCascada | RelacionDeTablas::kBorraEnCascada |
-                        RelacionDeTablas::kPoneNulo)) != 0;
+bool Cascades(const TableRelationship& r) {
+  return (r.flags & (TableRelationship::kCascadesUpdates | TableRelationship::kCascadesDeletes |
+                     TableRelationship::kSetsNull)) != 0;
 }
 
 }  // namespace
 
 // A key without any value refers to nothing; one of which a part is missing must be found as it is, and no
 // key with a Null ever is.
-void FuenteMdb::VigilarComoHija(const TablaEspejo& hija, const RelacionDeTablas& r) {
-  const std::string falta = AlgunoLleno(r.columnas) + " AND NOT EXISTS (SELECT 1 FROM " +
-                            Citado(r.tabla_referida) + " WHERE " +
-                            Iguales(r.columnas_referidas, kNuevo, r.columnas) + ")";
-  const std::string no = Rehusar("No se puede guardar el registro en la tabla " + r.tabla +
-                                 ": falta el registro relacionado en la tabla " + r.tabla_referida +
-                                 " (relación " + r.nombre + ").");
-  Ejecutar(Disparador(r, "alta", "INSERT ON " + Citado(hija.info.nombre), falta, no));
-  Ejecutar(Disparador(r, "cambio", AlCambiarDe(r.columnas, hija.info.nombre),
-                      Cambio(r.columnas) + " AND " + falta, no));
+void MdbSource::WatchAsChild(const MirrorTable& child, const TableRelationship& r) {
+  const std::string missing = AnyNotNull(r.columns) + " AND NOT EXISTS (SELECT 1 FROM " +
+                              Quoted(r.referenced_table) + " WHERE " +
+                              EqualColumns(r.referenced_columns, kNew, r.columns) + ")";
+  const std::string no = Refuse("No se puede guardar el registro en la tabla " + r.table +
+                                ": falta el registro relacionado en la tabla " + r.referenced_table +
+                                " (relación " + r.name + ").");
+  Execute(Trigger(r, "alta", "INSERT ON " + Quoted(child.info.name), missing, no));
+  Execute(Trigger(r, "cambio", OnChangeOf(r.columns, child.info.name), Change(r.columns) + " AND " + missing,
+                  no));
 }
 
-void FuenteMdb::VigilarComoPadre(const TablaEspejo& padre, const RelacionDeTablas& r) {
-  const std::string hijas = Citado(r.tabla) + " WHERE " + Iguales(r.columnas, kViejo, r.columnas_referidas);
-  const std::string hay = "EXISTS (SELECT 1 FROM " + hijas + ")";
-  const std::string no = Rehusar("No se puede borrar el registro de la tabla " + r.tabla_referida +
-                                 " ni cambiar su clave: la tabla " + r.tabla +
-                                 " tiene registros relacionados (relación " + r.nombre + ").");
-  const std::string& tabla = padre.info.nombre;
-  const std::string borrar = "DELETE ON " + Citado(tabla);
-  if ((r.banderas & RelacionDeTablas::kBorraEnCascada) != 0)
-    Ejecutar(Disparador(r, "baja", borrar, {}, "DELETE FROM " + hijas));
-  else if ((r.banderas & RelacionDeTablas::kPoneNulo) != 0)
-    Ejecutar(Disparador(r, "baja", borrar, {},
-                        "UPDATE " + Citado(r.tabla) + " SET " + Asignar(r.columnas, nullptr) + " WHERE " +
-                            Iguales(r.columnas, kViejo, r.columnas_referidas)));
+void MdbSource::WatchAsParent(const MirrorTable& parent, const TableRelationship& r) {
+  const std::string children =
+      Quoted(r.table) + " WHERE " + EqualColumns(r.columns, kOld, r.referenced_columns);
+  const std::string found = "EXISTS (SELECT 1 FROM " + children + ")";
+  const std::string no = Refuse("No se puede borrar el registro de la tabla " + r.referenced_table +
+                                " ni cambiar su clave: la tabla " + r.table +
+                                " tiene registros relacionados (relación " + r.name + ").");
+  const std::string& table = parent.info.name;
+  const std::string on_delete = "DELETE ON " + Quoted(table);
+  if ((r.flags & TableRelationship::kCascadesDeletes) != 0)
+    Execute(Trigger(r, "baja", on_delete, {}, "DELETE FROM " + children));
+  else if ((r.flags & TableRelationship::kSetsNull) != 0)
+    Execute(Trigger(r, "baja", on_delete, {},
+                    "UPDATE " + Quoted(r.table) + " SET " + Assignments(r.columns, nullptr) + " WHERE " +
+                        EqualColumns(r.columns, kOld, r.referenced_columns)));
   else
-    Ejecutar(Disparador(r, "baja", borrar, hay, no));
-  const std::string cambiar = AlCambiarDe(r.columnas_referidas, tabla);
-  if ((r.banderas & RelacionDeTablas::kActualizaEnCascada) != 0)
-    Ejecutar(Disparador(r, "clave", cambiar, Cambio(r.columnas_referidas),
-                        "UPDATE " + Citado(r.tabla) + " SET " + Asignar(r.columnas, &r.columnas_referidas) +
-                            " WHERE " + Iguales(r.columnas, kViejo, r.columnas_referidas)));
+    Execute(Trigger(r, "baja", on_delete, found, no));
+  const std::string on_change = OnChangeOf(r.referenced_columns, table);
+  if ((r.flags & TableRelationship::kCascadesUpdates) != 0)
+    Execute(Trigger(r, "clave", on_change, Change(r.referenced_columns),
+                    "UPDATE " + Quoted(r.table) + " SET " + Assignments(r.columns, &r.referenced_columns) +
+                        " WHERE " + EqualColumns(r.columns, kOld, r.referenced_columns)));
   else
-    Ejecutar(Disparador(r, "clave", cambiar, Cambio(r.columnas_referidas) + " AND " + hay, no));
+    Execute(Trigger(r, "clave", on_change, Change(r.referenced_columns) + " AND " + found, no));
 }
 
-void FuenteMdb::VigilarAutomatico(const TablaEspejo& t) {
-  if (t.automatica < 0) return;
-  const std::string& columna = t.info.columnas[static_cast<std::size_t>(t.automatica)].nombre;
-  Ejecutar("CREATE TRIGGER IF NOT EXISTS " + Citado("jet_auto." + t.info.nombre) + " AFTER INSERT ON " +
-           Citado(t.info.nombre) + " BEGIN SELECT idm_visto(" + std::to_string(t.numero) + ", NEW." +
-           Citado(columna) + "); END");
+void MdbSource::WatchAutonumber(const MirrorTable& t) {
+  if (t.autonumber < 0) return;
+  const std::string& column = t.info.columns[static_cast<std::size_t>(t.autonumber)].name;
+  Execute("CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_auto." + t.info.name) + " AFTER INSERT ON " +
+          Quoted(t.info.name) + " BEGIN SELECT idm_visto(" + std::to_string(t.number) + ", NEW." +
+          Quoted(column) + "); END");
 }
 
 // What a column of the file cannot hold as it was given takes the form that it will have there: the digits of
 // a decimal, the letters of a GUID, the bytes of a text.
-void FuenteMdb::VigilarFormas(const TablaEspejo& t) {
-  const std::string tabla = Citado(t.info.nombre);
-  for (const std::size_t i : t.columnas) {
-    const mdb::Columna& c = t.definicion.columnas[i];
-    const std::string columna = Citado(c.nombre);
-    std::string forma;
-    if (c.tipo == mdb::TipoColumna::Decimal)
-      forma = "idm_decimal(NEW." + columna + ", " + std::to_string(c.precision) + ", " +
-              std::to_string(c.escala) + ", " + EnComillas(c.nombre) + ")";
-    else if (c.tipo == mdb::TipoColumna::Guid)
-      forma = "idm_forma_guid(NEW." + columna + ", " + EnComillas(c.nombre) + ")";
-    else if (c.tipo == mdb::TipoColumna::Binario || c.tipo == mdb::TipoColumna::Ole)
-      forma = "idm_bytes(NEW." + columna + ", " +
-              std::to_string(c.tipo == mdb::TipoColumna::Ole ? 0 : c.largo) + ", " + EnComillas(c.nombre) +
-              ")";
+void MdbSource::WatchForms(const MirrorTable& t) {
+  const std::string table = Quoted(t.info.name);
+  for (const std::size_t i : t.columns) {
+    const mdb::Column& c = t.definition.columns[i];
+    const std::string column = Quoted(c.name);
+    std::string form;
+    if (c.type == mdb::ColumnType::Decimal)
+      form = "idm_decimal(NEW." + column + ", " + std::to_string(c.precision) + ", " +
+             std::to_string(c.scale) + ", " + InQuotes(c.name) + ")";
+    else if (c.type == mdb::ColumnType::Guid)
+      form = "idm_forma_guid(NEW." + column + ", " + InQuotes(c.name) + ")";
+    else if (c.type == mdb::ColumnType::Binary || c.type == mdb::ColumnType::Ole)
+      form = "idm_bytes(NEW." + column + ", " +
+             std::to_string(c.type == mdb::ColumnType::Ole ? 0 : c.length) + ", " + InQuotes(c.name) + ")";
     else
       continue;
-    const std::string fila = NombreDeFila(t);
-    const std::string cuerpo = " WHEN NEW." + columna + " IS NOT " + forma + " COLLATE BINARY BEGIN UPDATE " +
-                               tabla + " SET " + columna + " = " + forma + " WHERE " + fila + " = NEW." +
-                               fila + "; END";
-    const std::string nombre =
-        "CREATE TRIGGER IF NOT EXISTS " + Citado("jet_forma." + t.info.nombre + "." + c.nombre + ".1");
-    const std::string otro =
-        "CREATE TRIGGER IF NOT EXISTS " + Citado("jet_forma." + t.info.nombre + "." + c.nombre + ".2");
-    Ejecutar(nombre + " AFTER INSERT ON " + tabla + cuerpo);
-    Ejecutar(otro + " AFTER UPDATE OF " + columna + " ON " + tabla + cuerpo);
+    const std::string row = RowIdName(t);
+    const std::string body = " WHEN NEW." + column + " IS NOT " + form + " COLLATE BINARY BEGIN UPDATE " +
+                             table + " SET " + column + " = " + form + " WHERE " + row + " = NEW." + row +
+                             "; END";
+    const std::string name =
+        "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_forma." + t.info.name + "." + c.name + ".1");
+    const std::string other =
+        "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_forma." + t.info.name + "." + c.name + ".2");
+    Execute(name + " AFTER INSERT ON " + table + body);
+    Execute(other + " AFTER UPDATE OF " + column + " ON " + table + body);
   }
 }
 
 // Inserting needs the tables that the row refers to; changing and deleting also those that refer to it, and
 // with a cascade whatever they need in turn.
-void FuenteMdb::Preparar(TablaEspejo& t, bool todo) {
-  if (todo ? t.estado.listo_para_todo : t.estado.listo_para_insertar) return;
-  if (t.base_refuses) throw BaseNotWritable(t.motivo);
-  if (!t.motivo.empty()) throw base::Error(t.motivo);
-  Cargar(t);
-  Indexar(t);
-  if (!t.motivo.empty()) throw base::Error(t.motivo);  // its rows break a unique index
-  std::vector<std::pair<const RelacionDeTablas*, TablaEspejo*>> padres, hijas;
-  for (const RelacionDeTablas& r : base_.Indice().Relaciones()) {
-    if (!r.Exigida() || r.columnas.empty() || r.columnas.size() != r.columnas_referidas.size()) continue;
-    const bool hija = base::IgualSinCaso(r.tabla, t.info.nombre);
-    const bool padre = todo && base::IgualSinCaso(r.tabla_referida, t.info.nombre);
-    if (hija) padres.emplace_back(&r, &Local(r.tabla_referida));
-    if (padre) hijas.emplace_back(&r, &Local(r.tabla));
+void MdbSource::Prepare(MirrorTable& t, bool all) {
+  if (all ? t.state.ready_for_all : t.state.ready_to_insert) return;
+  if (t.base_refuses) throw BaseNotWritable(t.reason);
+  if (!t.reason.empty()) throw base::Error(t.reason);
+  Load(t);
+  BuildIndexes(t);
+  if (!t.reason.empty()) throw base::Error(t.reason);  // its rows break a unique index
+  std::vector<std::pair<const TableRelationship*, MirrorTable*>> parents, children;
+  for (const TableRelationship& r : base_.Catalog().Relationships()) {
+    if (!r.IsEnforced() || r.columns.empty() || r.columns.size() != r.referenced_columns.size()) continue;
+    const bool child = base::EqualIgnoringCase(r.table, t.info.name);
+    const bool parent = all && base::EqualIgnoringCase(r.referenced_table, t.info.name);
+    if (child) parents.emplace_back(&r, &Local(r.referenced_table));
+    if (parent) children.emplace_back(&r, &Local(r.table));
   }
-  VigilarAutomatico(t);
-  VigilarFormas(t);
-  for (const auto& [r, padre] : padres) {
-    Indexar(*padre);
-    VigilarComoHija(t, *r);
+  WatchAutonumber(t);
+  WatchForms(t);
+  for (const auto& [r, parent] : parents) {
+    BuildIndexes(*parent);
+    WatchAsChild(t, *r);
   }
-  for (const auto& [r, hija] : hijas) {
-    Indexar(*hija);
-    VigilarComoPadre(t, *r);
+  for (const auto& [r, child] : children) {
+    BuildIndexes(*child);
+    WatchAsParent(t, *r);
   }
-  t.estado.listo_para_insertar = true;
-  t.estado.listo_para_todo = todo || t.estado.listo_para_todo;
+  t.state.ready_to_insert = true;
+  t.state.ready_for_all = all || t.state.ready_for_all;
   try {
-    for (const auto& [r, hija] : hijas)
-      if (Cascada(*r)) Preparar(*hija, true);
+    for (const auto& [r, child] : children)
+      if (Cascades(*r)) Prepare(*child, true);
   } catch (const base::Error&) {
-    t.estado.listo_para_todo = false;  // a table that it would carry on to cannot be written
+    t.state.ready_for_all = false;  // a table that it would carry on to cannot be written
     throw;
   }
 }

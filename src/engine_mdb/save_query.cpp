@@ -9,193 +9,193 @@
 namespace engine_mdb {
 namespace {
 
+using jetsql::Branch;
 using jetsql::Expr;
-using jetsql::Nodo;
-using jetsql::Rama;
-using jetsql::Seleccion;
-using jetsql::TipoUnion;
+using jetsql::JoinType;
+using jetsql::Node;
+using jetsql::Select;
 
 namespace codes = mdb::query_codes;
 
 // What Access calls a derived table that has no name, and the sides of a union.
-constexpr const char* kSinAlias = "%$##@_Alias";
-constexpr const char* kLadoUno = "X7YZ_____1";
-constexpr const char* kLadoDos = "X7YZ_____2";
+constexpr const char* kNoAlias = "%$##@_Alias";
+constexpr const char* kSideOne = "X7YZ_____1";
+constexpr const char* kSideTwo = "X7YZ_____2";
 
-const std::string& NombreDe(const jetsql::Fuente& f) { return f.alias.empty() ? f.nombre : f.alias; }
+const std::string& NameOf(const jetsql::Source& f) { return f.alias.empty() ? f.name : f.alias; }
 
-void Hojas(const Rama& r, std::vector<const jetsql::Fuente*>& hojas) {
-  if (r.hoja) {
-    hojas.push_back(r.hoja.get());
+void Leaves(const Branch& r, std::vector<const jetsql::Source*>& leaves) {
+  if (r.leaf) {
+    leaves.push_back(r.leaf.get());
     return;
   }
-  Hojas(*r.izquierda, hojas);
-  Hojas(*r.derecha, hojas);
+  Leaves(*r.left, leaves);
+  Leaves(*r.right, leaves);
 }
 
-void Columnas(const Expr& e, std::vector<const Expr*>& columnas) {
-  if (e.nodo == Nodo::Columna) columnas.push_back(&e);
-  for (const auto& h : e.hijos) Columnas(*h, columnas);
+void Columns(const Expr& e, std::vector<const Expr*>& columns) {
+  if (e.node == Node::Column) columns.push_back(&e);
+  for (const auto& h : e.children) Columns(*h, columns);
 }
 
-class Descomposicion {
+class Decomposition {
  public:
-  Descomposicion(std::string nombre, jetsql::Catalogo& catalogo) : catalogo_(catalogo) {
-    consulta_.nombre = std::move(nombre);
-    Fila(codes::kStart).bandera = 0;
+  Decomposition(std::string name, jetsql::Catalog& catalog) : catalog_(catalog) {
+    query_.name = std::move(name);
+    Row(codes::kStart).flag = 0;
   }
 
-  mdb::ConsultaGuardada Hacer(const jetsql::Consulta& c) {
-    if (c.cruce) throw base::Error("Una consulta de referencias cruzadas no se puede guardar");
-    if (c.partes.size() > 1)
-      Unir(c);
+  mdb::SavedQuery Build(const jetsql::Query& c) {
+    if (c.crosstab) throw base::Error("Una consulta de referencias cruzadas no se puede guardar");
+    if (c.parts.size() > 1)
+      Join(c);
     else
-      Seleccionar(c.partes[0]);
-    for (const auto& o : c.orden) {
-      mdb::FilaDeConsulta& f = Fila(codes::kOrder, jetsql::Imprimir(*o.expr));
-      if (o.descendente) f.nombre1 = "D";
+      DecomposeSelect(c.parts[0]);
+    for (const auto& o : c.order) {
+      mdb::QueryRow& f = Row(codes::kOrder, jetsql::Print(*o.expr));
+      if (o.descending) f.name1 = "D";
     }
-    Fila(codes::kEnd);
-    return std::move(consulta_);
+    Row(codes::kEnd);
+    return std::move(query_);
   }
 
  private:
-  mdb::FilaDeConsulta& Fila(std::uint8_t atributo, std::string expresion = {}) {
-    std::uint32_t orden = 1;
-    for (const auto& f : consulta_.filas) orden += f.atributo == atributo ? 1U : 0U;
-    mdb::FilaDeConsulta fila;
-    fila.atributo = atributo;
-    fila.orden = orden;
-    if (!expresion.empty()) fila.expresion = std::move(expresion);
-    consulta_.filas.push_back(std::move(fila));
-    return consulta_.filas.back();
+  mdb::QueryRow& Row(std::uint8_t attribute, std::string expression = {}) {
+    std::uint32_t order = 1;
+    for (const auto& f : query_.rows) order += f.attribute == attribute ? 1U : 0U;
+    mdb::QueryRow row;
+    row.attribute = attribute;
+    row.order = order;
+    if (!expression.empty()) row.expression = std::move(expression);
+    query_.rows.push_back(std::move(row));
+    return query_.rows.back();
   }
 
   // The last SELECT, and before it all the others as one text.
-  void Unir(const jetsql::Consulta& c) {
-    consulta_.banderas = mdb::ObjectFlagsOf(mdb::ClaseConsulta::Union);
-    Fila(codes::kKind).bandera = mdb::CodeOf(mdb::ClaseConsulta::Union);
-    Fila(codes::kOptions).bandera = c.todas.back() ? codes::kAll : codes::kDistinct;
-    std::string antes;
-    for (std::size_t i = 0; i + 1 < c.partes.size(); ++i) {
-      if (i > 0) antes += c.todas[i - 1] ? " UNION ALL " : " UNION ";
-      antes += jetsql::Imprimir(c.partes[i]);
+  void Join(const jetsql::Query& c) {
+    query_.flags = mdb::ObjectFlagsOf(mdb::QueryKind::Union);
+    Row(codes::kKind).flag = mdb::CodeOf(mdb::QueryKind::Union);
+    Row(codes::kOptions).flag = c.all.back() ? codes::kAll : codes::kDistinct;
+    std::string before;
+    for (std::size_t i = 0; i + 1 < c.parts.size(); ++i) {
+      if (i > 0) before += c.all[i - 1] ? " UNION ALL " : " UNION ";
+      before += jetsql::Print(c.parts[i]);
     }
-    Fila(codes::kSource, antes).nombre2 = kLadoUno;
-    Fila(codes::kSource, jetsql::Imprimir(c.partes.back())).nombre2 = kLadoDos;
+    Row(codes::kSource, before).name2 = kSideOne;
+    Row(codes::kSource, jetsql::Print(c.parts.back())).name2 = kSideTwo;
   }
 
-  void Seleccionar(const Seleccion& s) {
-    Fila(codes::kKind).bandera = mdb::CodeOf(mdb::ClaseConsulta::Seleccion);
-    Opciones(s);
-    for (const auto& rama : s.de) Fuentes(*rama);
-    for (const auto& item : s.lista) Columna(s, item);
-    for (const auto& rama : s.de) Uniones(*rama);
-    if (s.donde) Fila(codes::kWhere, jetsql::Imprimir(*s.donde));
-    for (const auto& g : s.grupo) Fila(codes::kGroup, jetsql::Imprimir(*g));
-    if (s.teniendo) Fila(codes::kHaving, jetsql::Imprimir(*s.teniendo));
+  void DecomposeSelect(const Select& s) {
+    Row(codes::kKind).flag = mdb::CodeOf(mdb::QueryKind::Select);
+    Options(s);
+    for (const auto& branch : s.from) Sources(*branch);
+    for (const auto& item : s.list) Column(s, item);
+    for (const auto& branch : s.from) Joins(*branch);
+    if (s.where) Row(codes::kWhere, jetsql::Print(*s.where));
+    for (const auto& g : s.group) Row(codes::kGroup, jetsql::Print(*g));
+    if (s.having) Row(codes::kHaving, jetsql::Print(*s.having));
   }
 
-  static bool SoloTodos(const Seleccion& s) {
-    return s.lista.size() == 1 && !s.lista[0].expr && s.lista[0].calificador.empty();
+  static bool OnlyStar(const Select& s) {
+    return s.list.size() == 1 && !s.list[0].expr && s.list[0].qualifier.empty();
   }
 
-  void Opciones(const Seleccion& s) {
-    std::int16_t opciones = SoloTodos(s) ? codes::kAll : 0;
-    if (s.distincion == jetsql::Distincion::Distinct) opciones |= codes::kDistinct;
-    if (s.distincion == jetsql::Distincion::DistinctRow) opciones |= codes::kDistinctRows;
-    if (s.tope) opciones |= codes::kTop;
-    if (s.tope && s.tope_por_ciento) opciones |= codes::kPercent;
-    mdb::FilaDeConsulta& f = Fila(codes::kOptions);
-    f.bandera = opciones;
-    if (s.tope) f.nombre1 = jetsql::Imprimir(*s.tope);
+  void Options(const Select& s) {
+    std::int16_t options = OnlyStar(s) ? codes::kAll : 0;
+    if (s.distinctness == jetsql::Distinctness::Distinct) options |= codes::kDistinct;
+    if (s.distinctness == jetsql::Distinctness::DistinctRow) options |= codes::kDistinctRows;
+    if (s.limit) options |= codes::kTop;
+    if (s.limit && s.limit_is_percent) options |= codes::kPercent;
+    mdb::QueryRow& f = Row(codes::kOptions);
+    f.flag = options;
+    if (s.limit) f.name1 = jetsql::Print(*s.limit);
   }
 
-  void Columna(const Seleccion& s, const jetsql::ItemLista& item) {
-    if (SoloTodos(s)) return;
+  void Column(const Select& s, const jetsql::ListItem& item) {
+    if (OnlyStar(s)) return;
     if (item.expr) {
-      mdb::FilaDeConsulta& f = Fila(codes::kColumn, jetsql::Imprimir(*item.expr));
-      f.bandera = 0;
-      if (!item.alias.empty()) f.nombre1 = item.alias;
+      mdb::QueryRow& f = Row(codes::kColumn, jetsql::Print(*item.expr));
+      f.flag = 0;
+      if (!item.alias.empty()) f.name1 = item.alias;
       return;
     }
-    std::string todos = "*";
-    if (!item.calificador.empty()) {
-      Expr e(Nodo::Columna);
-      e.nombre = item.calificador;
-      todos = jetsql::Imprimir(e) + ".*";
+    std::string all = "*";
+    if (!item.qualifier.empty()) {
+      Expr e(Node::Column);
+      e.name = item.qualifier;
+      all = jetsql::Print(e) + ".*";
     }
-    Fila(codes::kColumn, todos).bandera = 0;
+    Row(codes::kColumn, all).flag = 0;
   }
 
-  void Fuentes(const Rama& rama) {
-    std::vector<const jetsql::Fuente*> hojas;
-    Hojas(rama, hojas);
-    for (const jetsql::Fuente* h : hojas) {
-      mdb::FilaDeConsulta& f = Fila(codes::kSource);
-      if (h->consulta) {
-        f.expresion = jetsql::Imprimir(*h->consulta);
-        f.nombre2 = h->alias.empty() ? kSinAlias : h->alias;
+  void Sources(const Branch& branch) {
+    std::vector<const jetsql::Source*> leaves;
+    Leaves(branch, leaves);
+    for (const jetsql::Source* h : leaves) {
+      mdb::QueryRow& f = Row(codes::kSource);
+      if (h->query) {
+        f.expression = jetsql::Print(*h->query);
+        f.name2 = h->alias.empty() ? kNoAlias : h->alias;
       } else {
-        f.nombre1 = h->nombre;
-        if (!h->alias.empty()) f.nombre2 = h->alias;
+        f.name1 = h->name;
+        if (!h->alias.empty()) f.name2 = h->alias;
       }
     }
   }
 
   // The conditions of one pair are read in the reverse of their order.
-  void Uniones(const Rama& rama) {
-    if (rama.hoja) return;
-    Uniones(*rama.izquierda);
-    Uniones(*rama.derecha);
-    std::vector<const jetsql::Fuente*> izquierda, derecha;
-    Hojas(*rama.izquierda, izquierda);
-    Hojas(*rama.derecha, derecha);
-    std::vector<const Expr*> partes;
-    if (rama.condicion->nodo == Nodo::Binario && rama.condicion->op == jetsql::Op::And)
-      for (const auto& h : rama.condicion->hijos) partes.push_back(h.get());
+  void Joins(const Branch& branch) {
+    if (branch.leaf) return;
+    Joins(*branch.left);
+    Joins(*branch.right);
+    std::vector<const jetsql::Source*> left, right;
+    Leaves(*branch.left, left);
+    Leaves(*branch.right, right);
+    std::vector<const Expr*> parts;
+    if (branch.condition->node == Node::Binary && branch.condition->op == jetsql::Op::And)
+      for (const auto& h : branch.condition->children) parts.push_back(h.get());
     else
-      partes.push_back(rama.condicion.get());
-    for (auto parte = partes.rbegin(); parte != partes.rend(); ++parte) {
-      mdb::FilaDeConsulta& f = Fila(codes::kJoin, jetsql::Imprimir(**parte));
-      f.nombre1 = LadoDe(**parte, izquierda);
-      f.nombre2 = LadoDe(**parte, derecha);
-      f.bandera = rama.tipo == TipoUnion::Interna     ? codes::kInner
-                  : rama.tipo == TipoUnion::Izquierda ? codes::kLeft
-                                                      : codes::kRight;
+      parts.push_back(branch.condition.get());
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+      mdb::QueryRow& f = Row(codes::kJoin, jetsql::Print(**part));
+      f.name1 = SideOf(**part, left);
+      f.name2 = SideOf(**part, right);
+      f.flag = branch.type == JoinType::Inner  ? codes::kInner
+               : branch.type == JoinType::Left ? codes::kLeft
+                                               : codes::kRight;
     }
   }
 
   // Which of these the condition speaks of.
-  std::string LadoDe(const Expr& condicion, const std::vector<const jetsql::Fuente*>& hojas) const {
-    std::vector<const Expr*> columnas;
-    Columnas(condicion, columnas);
-    for (const Expr* c : columnas)
-      for (const jetsql::Fuente* h : hojas)
-        if (c->calificador.empty() ? Tiene(*h, c->nombre) : base::IgualSinCaso(NombreDe(*h), c->calificador))
-          return NombreODerivada(*h);
-    return NombreODerivada(*hojas.front());
+  std::string SideOf(const Expr& condition, const std::vector<const jetsql::Source*>& leaves) const {
+    std::vector<const Expr*> columns;
+    Columns(condition, columns);
+    for (const Expr* c : columns)
+      for (const jetsql::Source* h : leaves)
+        if (c->qualifier.empty() ? Has(*h, c->name) : base::EqualIgnoringCase(NameOf(*h), c->qualifier))
+          return NameOrDerived(*h);
+    return NameOrDerived(*leaves.front());
   }
-  static std::string NombreODerivada(const jetsql::Fuente& f) {
-    const std::string& nombre = NombreDe(f);
-    return nombre.empty() ? kSinAlias : nombre;
+  static std::string NameOrDerived(const jetsql::Source& f) {
+    const std::string& name = NameOf(f);
+    return name.empty() ? kNoAlias : name;
   }
-  bool Tiene(const jetsql::Fuente& f, std::string_view columna) const {
-    const jetsql::TablaInfo* tabla = f.consulta ? nullptr : catalogo_.Tabla(f.nombre);
-    return tabla != nullptr &&
-           std::any_of(tabla->columnas.begin(), tabla->columnas.end(),
-                       [&](const auto& c) { return base::IgualSinCaso(c.nombre, columna); });
+  bool Has(const jetsql::Source& f, std::string_view column) const {
+    const jetsql::TableInfo* table = f.query ? nullptr : catalog_.Table(f.name);
+    return table != nullptr && std::any_of(table->columns.begin(), table->columns.end(), [&](const auto& c) {
+             return base::EqualIgnoringCase(c.name, column);
+           });
   }
 
-  jetsql::Catalogo& catalogo_;
-  mdb::ConsultaGuardada consulta_;
+  jetsql::Catalog& catalog_;
+  mdb::SavedQuery query_;
 };
 
 }  // namespace
 
-mdb::ConsultaGuardada DescomponerConsulta(const std::string& nombre, const jetsql::Consulta& consulta,
-                                          jetsql::Catalogo& catalogo) {
-  return Descomposicion(nombre, catalogo).Hacer(consulta);
+mdb::SavedQuery DecomposeQuery(const std::string& name, const jetsql::Query& query,
+                               jetsql::Catalog& catalog) {
+  return Decomposition(name, catalog).Build(query);
 }
 
 }  // namespace engine_mdb

@@ -8,9 +8,8 @@
 
 namespace engine_mdb {
 
-// `consulta` as it was parsed with its literals in the text. The catalog finds the table of a column that a
+// `query` as it was parsed with its literals in the text. The catalog finds the table of a column that a
 // join names without it. Throws base::Error for what a saved query cannot be.
-mdb::ConsultaGuardada DescomponerConsulta(const std::string& nombre, const jetsql::Consulta& consulta,
-                                          jetsql::Catalogo& catalogo);
+mdb::SavedQuery DecomposeQuery(const std::string& name, const jetsql::Query& query, jetsql::Catalog& catalog);
 
 }  // namespace engine_mdb

@@ -13,343 +13,343 @@ namespace engine_mdb {
 namespace {
 
 // Smaller tables have their indexes at once; those of a larger one cost more than one statement is worth.
-constexpr std::size_t kFilasSinEsperar = 2000;
-constexpr int kSentenciasSinIndices = 3;
+constexpr std::size_t kRowsWithoutWaiting = 2000;
+constexpr int kStatementsWithoutIndexes = 3;
 
 // What runs inside is ours.
-class Propio {
+class OwnWork {
  public:
-  explicit Propio(bool& marca) : marca_(marca), antes_(marca) { marca_ = true; }
-  Propio(const Propio&) = delete;
-  Propio& operator=(const Propio&) = delete;
-  ~Propio() { marca_ = antes_; }
+  explicit OwnWork(bool& mark) : flag_(mark), before_(mark) { flag_ = true; }
+  OwnWork(const OwnWork&) = delete;
+  OwnWork& operator=(const OwnWork&) = delete;
+  ~OwnWork() { flag_ = before_; }
 
  private:
-  bool& marca_;
-  bool antes_;
+  bool& flag_;
+  bool before_;
 };
 
 }  // namespace
 
-std::string MotivoDeNoEscribir(const mdb::Base& base) {
-  const std::string& motivo = base.MotivoSoloLectura();
-  if (motivo.empty() || base.WhyReadOnly() == mdb::ReadOnlyCause::Denied) return motivo;
-  return "La base se puede leer, no escribir. " + motivo + ".";
+std::string WhyNotWritable(const mdb::Database& base) {
+  const std::string& reason = base.ReadOnlyReason();
+  if (reason.empty() || base.WhyReadOnly() == mdb::ReadOnlyCause::Denied) return reason;
+  return "La base se puede leer, no escribir. " + reason + ".";
 }
 
-void FuenteMdb::Unir(sqlite3* espejo, std::function<void()> al_escribir) {
-  espejo_ = espejo;
-  al_escribir_ = std::move(al_escribir);
-  RegistrarFunciones();
-  sqlite3_update_hook(espejo, AlCambiar, this);
-  sqlite3_set_authorizer(espejo, Autorizar, this);
+void MdbSource::Attach(sqlite3* mirror, std::function<void()> on_write) {
+  mirror_ = mirror;
+  on_write_ = std::move(on_write);
+  RegisterFunctions();
+  sqlite3_update_hook(mirror, OnChange, this);
+  sqlite3_set_authorizer(mirror, Authorise, this);
   // A cascade over a table that refers to itself runs its own trigger again.
-  engine_sqlite::EjecutarPropio(espejo, "PRAGMA recursive_triggers=ON; PRAGMA foreign_keys=OFF");
+  engine_sqlite::ExecuteOwn(mirror, "PRAGMA recursive_triggers=ON; PRAGMA foreign_keys=OFF");
 }
 
-void FuenteMdb::Soltar() {
-  if (espejo_ != nullptr) {
-    sqlite3_update_hook(espejo_, nullptr, nullptr);
-    sqlite3_set_authorizer(espejo_, nullptr, nullptr);
+void MdbSource::Release() {
+  if (mirror_ != nullptr) {
+    sqlite3_update_hook(mirror_, nullptr, nullptr);
+    sqlite3_set_authorizer(mirror_, nullptr, nullptr);
   }
-  tablas_.clear();
-  por_numero_.clear();
-  pedidas_.clear();
-  sin_indices_.clear();
-  ultima_ = nullptr;
-  espejo_ = nullptr;
+  tables_.clear();
+  by_number_.clear();
+  requested_.clear();
+  without_indexes_.clear();
+  last_ = nullptr;
+  mirror_ = nullptr;
 }
 
 // Without this a DELETE of all rows empties the table at once, and nobody is told of its rows.
-int FuenteMdb::Autorizar(void* fuente, int accion, const char* tabla, const char*, const char* base,
+int MdbSource::Authorise(void* source, int action, const char* table, const char*, const char* base,
                          const char*) {
-  if (accion != SQLITE_DELETE || static_cast<FuenteMdb*>(fuente)->propio_) return SQLITE_OK;
-  if (base == nullptr || std::string_view(base) != "main" || tabla == nullptr) return SQLITE_OK;
-  return base::EmpiezaCon(tabla, "sqlite_") ? SQLITE_OK : SQLITE_IGNORE;
+  if (action != SQLITE_DELETE || static_cast<MdbSource*>(source)->own_) return SQLITE_OK;
+  if (base == nullptr || std::string_view(base) != "main" || table == nullptr) return SQLITE_OK;
+  return base::StartsWith(table, "sqlite_") ? SQLITE_OK : SQLITE_IGNORE;
 }
 
-void FuenteMdb::AlCambiar(void* fuente, int, const char* base, const char* tabla, sqlite3_int64 fila) {
-  auto& f = *static_cast<FuenteMdb*>(fuente);
-  if (f.propio_ || std::string_view(base) != "main") return;
+void MdbSource::OnChange(void* source, int, const char* base, const char* table, sqlite3_int64 row) {
+  auto& f = *static_cast<MdbSource*>(source);
+  if (f.own_ || std::string_view(base) != "main") return;
   try {
-    if (f.ultima_ == nullptr || f.ultima_->info.nombre != tabla) f.ultima_ = f.Buscar(tabla);
-    if (f.ultima_ == nullptr) return;
-    f.ultima_->tocadas.push_back(fila);
+    if (f.last_ == nullptr || f.last_->info.name != table) f.last_ = f.Find(table);
+    if (f.last_ == nullptr) return;
+    f.last_->touched.push_back(row);
   } catch (const std::bad_alloc&) {  // SQLite takes no failure from here
     f.unnoted_ = true;
   }
 }
 
-void FuenteMdb::CheckNoted() const {
+void MdbSource::CheckNoted() const {
   if (unnoted_) throw base::StorageFault(base::kOutOfMemory);
 }
 
-TablaEspejo* FuenteMdb::Buscar(std::string_view nombre) const {
-  const auto it = tablas_.find(base::Minusculas(nombre));
-  return it == tablas_.end() ? nullptr : it->second.get();
+MirrorTable* MdbSource::Find(std::string_view name) const {
+  const auto it = tables_.find(base::LowerCase(name));
+  return it == tables_.end() ? nullptr : it->second.get();
 }
 
-void FuenteMdb::JudgeWriting(const mdb::Objeto& objeto, TablaEspejo& t) const {
-  const std::string tabla = "La tabla " + objeto.nombre;
-  if (objeto.tipo != mdb::Objeto::Tabla) {
-    t.motivo = tabla + " está vinculada a otro archivo (" + objeto.base +
+void MdbSource::JudgeWriting(const mdb::Object& object, MirrorTable& t) const {
+  const std::string table = "La tabla " + object.name;
+  if (object.type != mdb::Object::Table) {
+    t.reason = table + " está vinculada a otro archivo (" + object.base +
                "): desde aquí se puede leer, no escribir.";
-  } else if (std::string motivo = MotivoDeNoEscribir(base_); !motivo.empty()) {
-    t.motivo = std::move(motivo);
+  } else if (std::string reason = WhyNotWritable(base_); !reason.empty()) {
+    t.reason = std::move(reason);
     t.base_refuses = true;
-  } else if (objeto.DeSistema()) {
-    t.motivo = tabla + " es del sistema: se puede leer, no escribir.";
-  } else if (motivo = mdb::MotivoNoEscribible(base_.Cab(), t.definicion); !motivo.empty()) {
-    t.motivo = tabla + " no se puede escribir: " + motivo;
+  } else if (object.IsSystem()) {
+    t.reason = table + " es del sistema: se puede leer, no escribir.";
+  } else if (reason = mdb::NotWritableReason(base_.Header(), t.definition); !reason.empty()) {
+    t.reason = table + " no se puede escribir: " + reason;
   }
 }
 
-std::shared_ptr<TablaEspejo> FuenteMdb::Describir(const mdb::Objeto& objeto) {
-  auto t = std::make_shared<TablaEspejo>();
-  if (objeto.tipo != mdb::Objeto::Tabla) t->linked = vinculos_.Abrir(objeto);
+std::shared_ptr<MirrorTable> MdbSource::Describe(const mdb::Object& object) {
+  auto t = std::make_shared<MirrorTable>();
+  if (object.type != mdb::Object::Table) t->linked = links_.Open(object);
   t->base = t->linked != nullptr ? t->linked.get() : &base_;
-  t->nombre_en_base = objeto.tipo == mdb::Objeto::Tabla ? objeto.nombre : objeto.nombre_externo;
-  const auto definicion = t->base->Indice().Tabla(t->nombre_en_base);
-  if (definicion == nullptr)
-    throw base::Error("La tabla vinculada " + objeto.nombre + " nombra la tabla " + t->nombre_en_base +
-                      ", que no está en " + objeto.base + ".");
+  t->name_in_base = object.type == mdb::Object::Table ? object.name : object.external_name;
+  const auto definition = t->base->Catalog().Table(t->name_in_base);
+  if (definition == nullptr)
+    throw base::Error("La tabla vinculada " + object.name + " nombra la tabla " + t->name_in_base +
+                      ", que no está en " + object.base + ".");
   // The catalog keeps a definition since it was first read; its counters may have moved.
-  t->definicion = mdb::LeerDefinicion(t->base->Hojas(), definicion->Pagina());
-  t->definicion.nombre = definicion->nombre;
-  t->columnas = t->definicion.EnOrden();
-  t->info.nombre = objeto.nombre;
-  for (const std::size_t i : t->columnas) {
-    const mdb::Columna& c = t->definicion.columnas[i];
-    if (c.Autonumerica() && c.tipo == mdb::TipoColumna::Largo)
-      t->automatica = static_cast<int>(t->info.columnas.size());
-    t->info.columnas.push_back({c.nombre, TipoDe(c.tipo)});
+  t->definition = mdb::ReadDefinition(t->base->Pages(), definition->Page());
+  t->definition.name = definition->name;
+  t->columns = t->definition.InOrder();
+  t->info.name = object.name;
+  for (const std::size_t i : t->columns) {
+    const mdb::Column& c = t->definition.columns[i];
+    if (c.IsAutoNumber() && c.type == mdb::ColumnType::Long)
+      t->autonumber = static_cast<int>(t->info.columns.size());
+    t->info.columns.push_back({c.name, TypeOf(c.type)});
   }
-  JudgeWriting(objeto, *t);
-  t->estado.ultimo_automatico = t->definicion.ultimo_automatico;
-  t->guardado = t->at_mark = t->estado;
+  JudgeWriting(object, *t);
+  t->state.last_auto_number = t->definition.last_auto_number;
+  t->saved = t->at_mark = t->state;
   return t;
 }
 
-const jetsql::TablaInfo* FuenteMdb::Tabla(std::string_view nombre) {
-  TablaEspejo* t = Buscar(nombre);
+const jetsql::TableInfo* MdbSource::Table(std::string_view name) {
+  MirrorTable* t = Find(name);
   if (t == nullptr) {
-    const mdb::Objeto* objeto = base_.Indice().Buscar(nombre);
-    if (objeto == nullptr || objeto->tipo == mdb::Objeto::Consulta) return nullptr;
-    if (objeto->tipo == mdb::Objeto::VinculadaOdbc)
-      throw base::Error("La tabla " + objeto->nombre +
+    const mdb::Object* object = base_.Catalog().Find(name);
+    if (object == nullptr || object->type == mdb::Object::Query) return nullptr;
+    if (object->type == mdb::Object::LinkedOdbc)
+      throw base::Error("La tabla " + object->name +
                         " está vinculada por ODBC a otra base: no se puede leer desde aquí.");
-    if (base::EmpiezaCon(objeto->nombre, "sqlite_", base::Comparar::SinCaso))
-      throw base::Error("El nombre " + objeto->nombre + " está reservado.");
-    auto nueva = Describir(*objeto);
-    nueva->numero = static_cast<int>(por_numero_.size());
-    t = nueva.get();
-    por_numero_.push_back(t);
-    tablas_.emplace(base::Minusculas(objeto->nombre), std::move(nueva));
+    if (base::StartsWith(object->name, "sqlite_", base::Compare::IgnoringCase))
+      throw base::Error("El nombre " + object->name + " está reservado.");
+    auto fresh = Describe(*object);
+    fresh->number = static_cast<int>(by_number_.size());
+    t = fresh.get();
+    by_number_.push_back(t);
+    tables_.emplace(base::LowerCase(object->name), std::move(fresh));
   }
-  if (!t->estado.cargada && std::find(pedidas_.begin(), pedidas_.end(), t) == pedidas_.end())
-    pedidas_.push_back(t);
+  if (!t->state.loaded && std::find(requested_.begin(), requested_.end(), t) == requested_.end())
+    requested_.push_back(t);
   return &t->info;
 }
 
-const std::string* FuenteMdb::Consulta(std::string_view nombre) {
-  std::string clave = base::Minusculas(nombre);
-  if (const auto it = consultas_.find(clave); it != consultas_.end()) return &it->second;
-  const mdb::Objeto* objeto = base_.Indice().Buscar(nombre);
-  if (objeto == nullptr || objeto->tipo != mdb::Objeto::Consulta) return nullptr;
-  const mdb::ConsultaGuardada consulta = base_.Indice().ConsultaDe(nombre);
-  const mdb::ClaseConsulta clase = mdb::ClaseDe(consulta);
-  if (!GivesRows(clase) && clase != mdb::ClaseConsulta::Cruzada)
-    throw base::Error("La consulta '" + objeto->nombre + "' es " + KindName(clase) +
+const std::string* MdbSource::Query(std::string_view name) {
+  std::string key = base::LowerCase(name);
+  if (const auto it = queries_.find(key); it != queries_.end()) return &it->second;
+  const mdb::Object* object = base_.Catalog().Find(name);
+  if (object == nullptr || object->type != mdb::Object::Query) return nullptr;
+  const mdb::SavedQuery query = base_.Catalog().QueryOf(name);
+  const mdb::QueryKind kind = mdb::KindOf(query);
+  if (!GivesRows(kind) && kind != mdb::QueryKind::Crosstab)
+    throw base::Error("La consulta '" + object->name + "' es " + KindName(kind) +
                       ": no da filas y no se puede usar como tabla");
-  std::string texto = QueryText(consulta);
+  std::string text = QueryText(query);
   try {
-    jetsql::Analizar(texto);
+    jetsql::Parse(text);
   } catch (const base::Error& e) {
-    throw base::Error("La consulta '" + objeto->nombre + "' no se puede usar: " + e.Descripcion());
+    throw base::Error("La consulta '" + object->name + "' no se puede usar: " + e.Description());
   }
-  return &consultas_.emplace(std::move(clave), std::move(texto)).first->second;
+  return &queries_.emplace(std::move(key), std::move(text)).first->second;
 }
 
-void FuenteMdb::Ejecutar(const std::string& sql) { engine_sqlite::EjecutarPropio(espejo_, sql.c_str()); }
+void MdbSource::Execute(const std::string& sql) { engine_sqlite::ExecuteOwn(mirror_, sql.c_str()); }
 
-void FuenteMdb::Cargar(TablaEspejo& t) {
-  if (t.estado.cargada) return;
-  const Propio propio(propio_);
-  Ejecutar("SAVEPOINT idm_espejo");
+void MdbSource::Load(MirrorTable& t) {
+  if (t.state.loaded) return;
+  const OwnWork own(own_);
+  Execute("SAVEPOINT idm_espejo");
   try {
-    Ejecutar(TextoDeCrear(t, t.base->Indice().PropiedadesDe(t.nombre_en_base)));
-    contadores_.filas_leidas += Llenar(espejo_, t);
+    Execute(CreateTableText(t, t.base->Catalog().PropertiesOf(t.name_in_base)));
+    counters_.rows_read += Fill(mirror_, t);
   } catch (const base::Error&) {
-    sqlite3_exec(espejo_, "ROLLBACK TO idm_espejo; RELEASE idm_espejo", nullptr, nullptr, nullptr);
+    sqlite3_exec(mirror_, "ROLLBACK TO idm_espejo; RELEASE idm_espejo", nullptr, nullptr, nullptr);
     throw;
   }
-  Ejecutar("RELEASE idm_espejo");
-  t.estado.cargada = true;
-  ++contadores_.espejos;
-  if (t.estado.filas->size() <= kFilasSinEsperar) return Indexar(t);
-  sin_indices_.push_back(&t);
-  sentencias_ = 0;
+  Execute("RELEASE idm_espejo");
+  t.state.loaded = true;
+  ++counters_.mirrors;
+  if (t.state.rows->size() <= kRowsWithoutWaiting) return BuildIndexes(t);
+  without_indexes_.push_back(&t);
+  statements_ = 0;
 }
 
-void FuenteMdb::Indexar(TablaEspejo& t) {
-  if (t.estado.indices) return;
-  const Propio propio(propio_);
-  CrearIndices(espejo_, t);
-  t.estado.indices = true;
+void MdbSource::BuildIndexes(MirrorTable& t) {
+  if (t.state.indexes) return;
+  const OwnWork own(own_);
+  CreateIndexes(mirror_, t);
+  t.state.indexes = true;
 }
 
-void FuenteMdb::AtenderPendientes() {
-  if (sin_indices_.empty() || ++sentencias_ <= kSentenciasSinIndices) return;
-  for (TablaEspejo* t : sin_indices_)
-    if (t->estado.cargada) Indexar(*t);
-  sin_indices_.clear();
+void MdbSource::AttendPending() {
+  if (without_indexes_.empty() || ++statements_ <= kStatementsWithoutIndexes) return;
+  for (MirrorTable* t : without_indexes_)
+    if (t->state.loaded) BuildIndexes(*t);
+  without_indexes_.clear();
 }
 
-TablaEspejo* FuenteMdb::Mirar(std::string_view nombre) {
-  if (Tabla(nombre) == nullptr) return nullptr;
-  TablaEspejo* t = Buscar(nombre);
-  Cargar(*t);
+MirrorTable* MdbSource::LookAt(std::string_view name) {
+  if (Table(name) == nullptr) return nullptr;
+  MirrorTable* t = Find(name);
+  Load(*t);
   return t;
 }
 
-void FuenteMdb::AntesDeCorrer(const jetsql::Traduccion& sentencia) {
-  const bool define = sentencia.clase == jetsql::Clase::Definicion ||
-                      sentencia.definicion.que != jetsql::Definicion::Que::Ninguna;
-  if (define && !ensaya_)
+void MdbSource::BeforeRun(const jetsql::Translation& statement) {
+  const bool define = statement.kind == jetsql::Kind::Definition ||
+                      statement.definition.what != jetsql::Definition::What::None;
+  if (define && !rehearsing_)
     throw base::Error("Una sentencia que define tablas o consultas no se puede correr de esta forma.");
-  for (TablaEspejo* t : pedidas_) Cargar(*t);
-  pedidas_.clear();
-  AtenderPendientes();
-  if (sentencia.escribe.empty()) return;
-  for (const std::string& nombre : sentencia.escribe)
-    Preparar(Local(nombre), sentencia.clase != jetsql::Clase::Insercion);
-  al_escribir_();
+  for (MirrorTable* t : requested_) Load(*t);
+  requested_.clear();
+  AttendPending();
+  if (statement.writes.empty()) return;
+  for (const std::string& name : statement.writes)
+    Prepare(Local(name), statement.kind != jetsql::Kind::Insert);
+  on_write_();
 }
 
-TablaEspejo& FuenteMdb::Local(const std::string& nombre) {
-  TablaEspejo* t = Mirar(nombre);
-  if (t == nullptr) throw base::Error("No se encuentra la tabla o consulta '" + nombre + "'");
+MirrorTable& MdbSource::Local(const std::string& name) {
+  MirrorTable* t = LookAt(name);
+  if (t == nullptr) throw base::Error("No se encuentra la tabla o consulta '" + name + "'");
   return *t;
 }
 
-void FuenteMdb::GuardarEstado() {
-  for (auto& [clave, t] : tablas_) t->guardado = t->estado;
+void MdbSource::SaveState() {
+  for (auto& [key, t] : tables_) t->saved = t->state;
 }
 
-void FuenteMdb::VolverAlEstado() {
-  por_asentar_.clear();
+void MdbSource::RestoreState() {
+  to_settle_.clear();
   unnoted_ = false;
-  for (auto& [clave, t] : tablas_) {
-    t->estado = t->guardado;
-    t->tocadas.clear();
+  for (auto& [key, t] : tables_) {
+    t->state = t->saved;
+    t->touched.clear();
   }
   AfterUndo();
 }
 
-void FuenteMdb::AfterUndo() {
-  for (auto& [clave, t] : tablas_)
-    if (!t->estado.cargada) t->por_fila.reset();
-  std::erase_if(sin_indices_, [](const TablaEspejo* t) { return !t->estado.cargada; });
-  for (auto& [clave, t] : tablas_)
-    if (t->estado.cargada && !t->estado.indices &&
-        std::find(sin_indices_.begin(), sin_indices_.end(), t.get()) == sin_indices_.end())
-      sin_indices_.push_back(t.get());
+void MdbSource::AfterUndo() {
+  for (auto& [key, t] : tables_)
+    if (!t->state.loaded) t->by_row.reset();
+  std::erase_if(without_indexes_, [](const MirrorTable* t) { return !t->state.loaded; });
+  for (auto& [key, t] : tables_)
+    if (t->state.loaded && !t->state.indexes &&
+        std::find(without_indexes_.begin(), without_indexes_.end(), t.get()) == without_indexes_.end())
+      without_indexes_.push_back(t.get());
 }
 
-void FuenteMdb::SetMark() {
+void MdbSource::SetMark() {
   tables_at_mark_.reset();
-  for (auto& [clave, t] : tablas_) {
-    t->at_mark = t->estado;
-    t->touched_at_mark = t->tocadas.size();
+  for (auto& [key, t] : tables_) {
+    t->at_mark = t->state;
+    t->touched_at_mark = t->touched.size();
   }
 }
 
-void FuenteMdb::KeepForMark() {
+void MdbSource::KeepForMark() {
   if (tables_at_mark_) return;
-  AtMark kept{tablas_, por_numero_, {}};
-  for (const TablaEspejo* t : por_numero_) {
+  AtMark kept{tables_, by_number_, {}};
+  for (const MirrorTable* t : by_number_) {
     kept.touched.emplace_back();
     if (t != nullptr)
-      kept.touched.back().assign(t->tocadas.begin(),
-                                 t->tocadas.begin() + static_cast<std::ptrdiff_t>(t->touched_at_mark));
+      kept.touched.back().assign(t->touched.begin(),
+                                 t->touched.begin() + static_cast<std::ptrdiff_t>(t->touched_at_mark));
   }
   tables_at_mark_ = std::move(kept);
 }
 
-void FuenteMdb::ReturnToMark() {
+void MdbSource::ReturnToMark() {
   to_renew_.clear();
-  pedidas_.clear();
+  requested_.clear();
   unnoted_ = false;
   if (tables_at_mark_) {
     // Definitions are rare: what they dropped is back, the rest is read when it is named again.
-    tablas_ = std::move(tables_at_mark_->tables);
-    por_numero_ = std::move(tables_at_mark_->by_number);
-    for (auto& [clave, t] : tablas_)
-      t->tocadas = std::move(tables_at_mark_->touched[static_cast<std::size_t>(t->numero)]);
+    tables_ = std::move(tables_at_mark_->tables);
+    by_number_ = std::move(tables_at_mark_->by_number);
+    for (auto& [key, t] : tables_)
+      t->touched = std::move(tables_at_mark_->touched[static_cast<std::size_t>(t->number)]);
     tables_at_mark_.reset();
-    consultas_.clear();
-    sin_indices_.clear();
-    ultima_ = nullptr;
+    queries_.clear();
+    without_indexes_.clear();
+    last_ = nullptr;
   } else {
-    for (auto& [clave, t] : tablas_) {
-      const TablaEspejo::Estado &now = t->estado, &then = t->at_mark;
-      t->tocadas.resize(t->touched_at_mark);
-      if (now.cargada != then.cargada || now.indices != then.indices ||
-          now.listo_para_insertar != then.listo_para_insertar || now.listo_para_todo != then.listo_para_todo)
-        to_renew_.push_back({t->info.nombre, now.indices, now.listo_para_insertar, now.listo_para_todo});
+    for (auto& [key, t] : tables_) {
+      const MirrorTable::State &now = t->state, &then = t->at_mark;
+      t->touched.resize(t->touched_at_mark);
+      if (now.loaded != then.loaded || now.indexes != then.indexes ||
+          now.ready_to_insert != then.ready_to_insert || now.ready_for_all != then.ready_for_all)
+        to_renew_.push_back({t->info.name, now.indexes, now.ready_to_insert, now.ready_for_all});
     }
   }
-  for (auto& [clave, t] : tablas_) t->estado = t->at_mark;
+  for (auto& [key, t] : tables_) t->state = t->at_mark;
   AfterUndo();
 }
 
-void FuenteMdb::Renew() {
+void MdbSource::Renew() {
   for (const ToRenew& r : to_renew_) {
-    TablaEspejo& t = Local(r.table);
-    if (r.indexes) Indexar(t);
-    if (r.ready_to_insert || r.ready_for_all) Preparar(t, r.ready_for_all);
+    MirrorTable& t = Local(r.table);
+    if (r.indexes) BuildIndexes(t);
+    if (r.ready_to_insert || r.ready_for_all) Prepare(t, r.ready_for_all);
   }
   to_renew_.clear();
 }
 
-void FuenteMdb::Quitar(Tablas::iterator it) {
-  const std::shared_ptr<TablaEspejo> kept = it->second;
-  TablaEspejo* t = kept.get();
-  t->por_fila.reset();
-  if (t->estado.cargada) {
-    const Propio propio(propio_);
-    Ejecutar("DROP TABLE IF EXISTS " + Citado(t->info.nombre));
+void MdbSource::Remove(Tables::iterator it) {
+  const std::shared_ptr<MirrorTable> kept = it->second;
+  MirrorTable* t = kept.get();
+  t->by_row.reset();
+  if (t->state.loaded) {
+    const OwnWork own(own_);
+    Execute("DROP TABLE IF EXISTS " + Quoted(t->info.name));
   }
-  por_numero_[static_cast<std::size_t>(t->numero)] = nullptr;
-  std::erase(sin_indices_, t);
-  std::erase(pedidas_, t);
-  if (ultima_ == t) ultima_ = nullptr;
-  tablas_.erase(it);
+  by_number_[static_cast<std::size_t>(t->number)] = nullptr;
+  std::erase(without_indexes_, t);
+  std::erase(requested_, t);
+  if (last_ == t) last_ = nullptr;
+  tables_.erase(it);
 }
 
-void FuenteMdb::Descartar(const std::vector<std::string>& tablas) {
-  consultas_.clear();
-  for (const std::string& nombre : tablas)
-    if (const auto it = tablas_.find(base::Minusculas(nombre)); it != tablas_.end()) Quitar(it);
-  for (auto& [clave, t] : tablas_) t->estado.listo_para_insertar = t->estado.listo_para_todo = false;
+void MdbSource::Discard(const std::vector<std::string>& tables) {
+  queries_.clear();
+  for (const std::string& name : tables)
+    if (const auto it = tables_.find(base::LowerCase(name)); it != tables_.end()) Remove(it);
+  for (auto& [key, t] : tables_) t->state.ready_to_insert = t->state.ready_for_all = false;
 }
 
 // By what SQLite holds, since a rollback brings back mirrors that had been dropped.
-void FuenteMdb::DescartarTodo() {
-  while (!tablas_.empty()) Quitar(tablas_.begin());
-  std::vector<std::string> quedan;
+void MdbSource::DiscardAll() {
+  while (!tables_.empty()) Remove(tables_.begin());
+  std::vector<std::string> remaining;
   {
-    const engine_sqlite::Sentencia s = engine_sqlite::Preparar(
-        espejo_,
+    const engine_sqlite::Statement s = engine_sqlite::Prepare(
+        mirror_,
         "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\'");
     while (sqlite3_step(s.get()) == SQLITE_ROW)
-      quedan.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0)));
+      remaining.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(s.get(), 0)));
   }
-  const Propio propio(propio_);
-  for (const std::string& nombre : quedan) Ejecutar("DROP TABLE " + Citado(nombre));
-  por_numero_.clear();
-  consultas_.clear();
-  vinculos_.Olvidar();
+  const OwnWork own(own_);
+  for (const std::string& name : remaining) Execute("DROP TABLE " + Quoted(name));
+  by_number_.clear();
+  queries_.clear();
+  links_.Forget();
 }
 
 }  // namespace engine_mdb

@@ -19,20 +19,20 @@
 namespace engine_mdb {
 
 // A file that linked tables name, opened once for reading.
-class Vinculos {
+class Links {
  public:
-  explicit Vinculos(std::string ruta) : ruta_(std::move(ruta)) {}
+  explicit Links(std::string path) : path_(std::move(path)) {}
   // Throws base::Error, naming the link, when it leads to another kind of source or its file cannot be read.
-  std::shared_ptr<mdb::Base> Abrir(const mdb::Objeto& objeto);
-  void Olvidar() { abiertos_.clear(); }
+  std::shared_ptr<mdb::Database> Open(const mdb::Object& object);
+  void Forget() { open_.clear(); }
 
  private:
-  std::string ruta_;  // of our file
-  std::map<std::string, std::shared_ptr<mdb::Base>> abiertos_;
+  std::string path_;  // of our file
+  std::map<std::string, std::shared_ptr<mdb::Database>> open_;
 };
 
 // Why nothing can be written into a base, as a sentence; empty when it can.
-std::string MotivoDeNoEscribir(const mdb::Base& base);
+std::string WhyNotWritable(const mdb::Database& base);
 
 // A statement that would write into a base of which that is known since it was opened: nothing was lost, and
 // the base may be tried again.
@@ -41,32 +41,32 @@ class BaseNotWritable : public db::Error {
   using db::Error::Error;
 };
 
-class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
+class MdbSource final : public engine_sqlite::TableSource {
  public:
-  FuenteMdb(mdb::Base& base, std::string_view ruta, Contadores& contadores)
-      : base_(base), vinculos_(std::string(ruta)), contadores_(contadores) {}
-  // The handle on which the mirrors live; registers what they call. `al_escribir` is called before a
+  MdbSource(mdb::Database& base, std::string_view path, Counters& counters)
+      : base_(base), links_(std::string(path)), counters_(counters) {}
+  // The handle on which the mirrors live; registers what they call. `on_write` is called before a
   // statement that writes, when all is ready for it.
-  void Unir(sqlite3* espejo, std::function<void()> al_escribir);
+  void Attach(sqlite3* mirror, std::function<void()> on_write);
   // Drops every prepared statement, before the handle closes.
-  void Soltar();
+  void Release();
 
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) override;
-  const std::string* Consulta(std::string_view nombre) override;
-  void AntesDeCorrer(const jetsql::Traduccion& sentencia) override;
+  const jetsql::TableInfo* Table(std::string_view name) override;
+  const std::string* Query(std::string_view name) override;
+  void BeforeRun(const jetsql::Translation& statement) override;
 
   // Definitions may run in the mirror, to be taken back; otherwise one that came so far is refused, because
   // the file would know nothing of it.
-  void Ensayar(bool si) { ensaya_ = si; }
+  void SetRehearsing(bool on) { rehearsing_ = on; }
   // A statement begins: what another one asked for and did not use is forgotten.
-  void Empezar() { pedidas_.clear(); }
+  void Begin() { requested_.clear(); }
   // The table's mirror, read if it was not; null when there is no such table.
-  TablaEspejo* Mirar(std::string_view nombre);
+  MirrorTable* LookAt(std::string_view name);
 
   // Transactions, inside one of SQLite's.
-  void GuardarEstado();
-  void VolverAlEstado();
-  bool HayCambios() const;
+  void SaveState();
+  void RestoreState();
+  bool HasChanges() const;
   // Throws a fault of the storage when a change could not be noted.
   void CheckNoted() const;
 
@@ -80,72 +80,72 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   void ReturnToMark();
   bool AnythingToRenew() const { return !to_renew_.empty(); }
   void Renew();
-  // Brings the file's pages to what the mirrors hold; the rows' new identities wait for Asentar, `definitivo`
+  // Brings the file's pages to what the mirrors hold; the rows' new identities wait for Settle, `permanent`
   // when the transaction has ended.
-  void EscribirCambios();
-  void Asentar(bool definitivo);
+  void WriteChanges();
+  void Settle(bool permanent);
 
   // After the file's definitions changed: the mirrors of these tables, or of all, and every text of a query
   // are made anew when they are next named. Their changes must have been written.
-  void Descartar(const std::vector<std::string>& tablas);
-  void DescartarTodo();
+  void Discard(const std::vector<std::string>& tables);
+  void DiscardAll();
 
   // The functions that the mirrors call.
-  std::int64_t SiguienteAutomatico(int tabla);
-  void VerAutomatico(int tabla, std::int64_t valor);
+  std::int64_t NextAutonumber(int table);
+  void SeeAutonumber(int table, std::int64_t value);
   // Throws base::Error for a text that no index of the file can hold.
-  void ProbarClave(int tabla, int columna, const std::string& texto) const;
+  void TryKey(int table, int column, const std::string& text) const;
 
  private:
-  using Tablas = std::unordered_map<std::string, std::shared_ptr<TablaEspejo>>;
+  using Tables = std::unordered_map<std::string, std::shared_ptr<MirrorTable>>;
 
-  void RegistrarFunciones();
-  TablaEspejo* Buscar(std::string_view nombre) const;
-  std::shared_ptr<TablaEspejo> Describir(const mdb::Objeto& objeto);
-  void JudgeWriting(const mdb::Objeto& objeto, TablaEspejo& tabla) const;
-  void Cargar(TablaEspejo& tabla);
-  void Indexar(TablaEspejo& tabla);
-  void AtenderPendientes();
-  void Preparar(TablaEspejo& tabla, bool todo);
-  void VigilarAutomatico(const TablaEspejo& tabla);
-  void VigilarFormas(const TablaEspejo& tabla);
-  void VigilarComoHija(const TablaEspejo& hija, const mdb::RelacionDeTablas& relacion);
-  void VigilarComoPadre(const TablaEspejo& padre, const mdb::RelacionDeTablas& relacion);
-  void Ejecutar(const std::string& sql);
-  TablaEspejo& Local(const std::string& nombre);
-  void EscribirTabla(TablaEspejo& tabla);
-  void Quitar(Tablas::iterator it);
+  void RegisterFunctions();
+  MirrorTable* Find(std::string_view name) const;
+  std::shared_ptr<MirrorTable> Describe(const mdb::Object& object);
+  void JudgeWriting(const mdb::Object& object, MirrorTable& table) const;
+  void Load(MirrorTable& table);
+  void BuildIndexes(MirrorTable& table);
+  void AttendPending();
+  void Prepare(MirrorTable& table, bool all);
+  void WatchAutonumber(const MirrorTable& table);
+  void WatchForms(const MirrorTable& table);
+  void WatchAsChild(const MirrorTable& child, const mdb::TableRelationship& relationship);
+  void WatchAsParent(const MirrorTable& parent, const mdb::TableRelationship& relationship);
+  void Execute(const std::string& sql);
+  MirrorTable& Local(const std::string& name);
+  void WriteTable(MirrorTable& table);
+  void Remove(Tables::iterator it);
   void AfterUndo();
 
-  static void AlCambiar(void* fuente, int que, const char* base, const char* tabla, sqlite3_int64 fila);
-  static int Autorizar(void* fuente, int accion, const char* a, const char* b, const char* c, const char* d);
+  static void OnChange(void* source, int what, const char* base, const char* table, sqlite3_int64 row);
+  static int Authorise(void* source, int action, const char* a, const char* b, const char* c, const char* d);
 
-  struct Identidad {
-    TablaEspejo* tabla;
-    sqlite3_int64 fila;
-    mdb::IdFila id;
+  struct Identity {
+    MirrorTable* table;
+    sqlite3_int64 row;
+    mdb::RowId id;
   };
 
-  mdb::Base& base_;
-  Vinculos vinculos_;
-  Contadores& contadores_;
-  sqlite3* espejo_ = nullptr;
-  std::function<void()> al_escribir_;
+  mdb::Database& base_;
+  Links links_;
+  Counters& counters_;
+  sqlite3* mirror_ = nullptr;
+  std::function<void()> on_write_;
 
   // What the mirrors were at the mark, when a definition ran after it.
   struct AtMark {
-    Tablas tables;
-    std::vector<TablaEspejo*> by_number;
+    Tables tables;
+    std::vector<MirrorTable*> by_number;
     std::vector<std::vector<sqlite3_int64>> touched;  // by number
   };
 
-  Tablas tablas_;  // by name in lower case
-  std::vector<TablaEspejo*> por_numero_;
-  std::unordered_map<std::string, std::string> consultas_;
-  std::vector<TablaEspejo*> pedidas_;      // by the statement that is being translated
-  std::vector<TablaEspejo*> sin_indices_;  // large ones, read so far without
-  int sentencias_ = 0;                     // run since the last of those was read
-  std::vector<Identidad> por_asentar_;
+  Tables tables_;  // by name in lower case
+  std::vector<MirrorTable*> by_number_;
+  std::unordered_map<std::string, std::string> queries_;
+  std::vector<MirrorTable*> requested_;        // by the statement that is being translated
+  std::vector<MirrorTable*> without_indexes_;  // large ones, read so far without
+  int statements_ = 0;                         // run since the last of those was read
+  std::vector<Identity> to_settle_;
   std::optional<AtMark> tables_at_mark_;
   // Names of tables that were read, and written, since the mark that was gone back to.
   struct ToRenew {
@@ -154,9 +154,9 @@ class FuenteMdb final : public engine_sqlite::FuenteDeTablas {
   };
   std::vector<ToRenew> to_renew_;
   bool unnoted_ = false;  // a change that there was no memory to note
-  bool ensaya_ = false;
-  bool propio_ = false;            // what runs is ours: not noted as a change
-  TablaEspejo* ultima_ = nullptr;  // of the last change noted
+  bool rehearsing_ = false;
+  bool own_ = false;             // what runs is ours: not noted as a change
+  MirrorTable* last_ = nullptr;  // of the last change noted
 };
 
 }  // namespace engine_mdb

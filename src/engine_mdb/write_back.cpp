@@ -11,109 +11,108 @@ namespace engine_mdb {
 namespace {
 
 // The row that the reader stands on, or none: reset when done, so that it does not hold the table.
-class Lectura {
+class Reading {
  public:
-  Lectura(sqlite3* espejo, sqlite3_stmt* s, sqlite3_int64 fila) : s_(s) {
-    sqlite3_bind_int64(s_, 1, fila);
+  Reading(sqlite3* mirror, sqlite3_stmt* s, sqlite3_int64 row) : s_(s) {
+    sqlite3_bind_int64(s_, 1, row);
     const int rc = sqlite3_step(s_);
-    if (rc != SQLITE_ROW && rc != SQLITE_DONE) engine_sqlite::LanzarError(espejo);
-    hay_ = rc == SQLITE_ROW;
+    if (rc != SQLITE_ROW && rc != SQLITE_DONE) engine_sqlite::ThrowError(mirror);
+    has_ = rc == SQLITE_ROW;
   }
-  Lectura(const Lectura&) = delete;
-  Lectura& operator=(const Lectura&) = delete;
-  ~Lectura() { sqlite3_reset(s_); }
-  bool Hay() const { return hay_; }
+  Reading(const Reading&) = delete;
+  Reading& operator=(const Reading&) = delete;
+  ~Reading() { sqlite3_reset(s_); }
+  bool Has() const { return has_; }
 
  private:
   sqlite3_stmt* s_;
-  bool hay_ = false;
+  bool has_ = false;
 };
 
-mdb::Fila FilaNueva(const TablaEspejo& t, sqlite3_stmt* s) {
-  mdb::Fila fila(t.definicion.columnas.size());
-  for (std::size_t i = 0; i < t.columnas.size(); ++i)
-    fila[t.columnas[i]] = DatoDeCelda(t.definicion.columnas[t.columnas[i]], s, static_cast<int>(i));
-  return fila;
+mdb::Row NewRow(const MirrorTable& t, sqlite3_stmt* s) {
+  mdb::Row row(t.definition.columns.size());
+  for (std::size_t i = 0; i < t.columns.size(); ++i)
+    row[t.columns[i]] = CellDatum(t.definition.columns[t.columns[i]], s, static_cast<int>(i));
+  return row;
 }
 
-mdb::CambioDeFila Diferencia(TablaEspejo& t, mdb::IdFila id, sqlite3_stmt* s) {
-  const auto vieja = mdb::LeerFila(t.base->Hojas(), t.definicion, id);
-  if (!vieja)
-    throw base::StorageFault("Una fila de la tabla " + t.info.nombre + " ya no está en el archivo (página " +
-                             std::to_string(id.pagina) + ").");
-  mdb::CambioDeFila cambio{id, {}};
-  for (std::size_t i = 0; i < t.columnas.size(); ++i) {
-    const std::size_t c = t.columnas[i];
-    if (!MismoValor((*vieja)[c], s, static_cast<int>(i)))
-      cambio.valores.emplace_back(c, DatoDeCelda(t.definicion.columnas[c], s, static_cast<int>(i)));
+mdb::RowChange Difference(MirrorTable& t, mdb::RowId id, sqlite3_stmt* s) {
+  const auto old = mdb::ReadRow(t.base->Pages(), t.definition, id);
+  if (!old)
+    throw base::StorageFault("Una fila de la tabla " + t.info.name + " ya no está en el archivo (página " +
+                             std::to_string(id.page) + ").");
+  mdb::RowChange change{id, {}};
+  for (std::size_t i = 0; i < t.columns.size(); ++i) {
+    const std::size_t c = t.columns[i];
+    if (!SameValue((*old)[c], s, static_cast<int>(i)))
+      change.values.emplace_back(c, CellDatum(t.definition.columns[c], s, static_cast<int>(i)));
   }
-  return cambio;
+  return change;
 }
 
-mdb::IdFila IdentidadDe(const TablaEspejo& t, sqlite3_int64 fila) {
-  const auto& filas = *t.estado.filas;
-  return fila > 0 && static_cast<std::uint64_t>(fila) < filas.size() ? filas[static_cast<std::size_t>(fila)]
-                                                                     : mdb::IdFila{};
+mdb::RowId IdentityOf(const MirrorTable& t, sqlite3_int64 row) {
+  const auto& rows = *t.state.rows;
+  return row > 0 && static_cast<std::uint64_t>(row) < rows.size() ? rows[static_cast<std::size_t>(row)]
+                                                                  : mdb::RowId{};
 }
 
 }  // namespace
 
-bool FuenteMdb::HayCambios() const {
-  return std::any_of(tablas_.begin(), tablas_.end(),
-                     [](const auto& t) { return !t.second->tocadas.empty(); });
+bool MdbSource::HasChanges() const {
+  return std::any_of(tables_.begin(), tables_.end(),
+                     [](const auto& t) { return !t.second->touched.empty(); });
 }
 
-void FuenteMdb::EscribirTabla(TablaEspejo& t) {
-  std::sort(t.tocadas.begin(), t.tocadas.end());
-  t.tocadas.erase(std::unique(t.tocadas.begin(), t.tocadas.end()), t.tocadas.end());
-  sqlite3_stmt* lector = LectorPorFila(espejo_, t);
-  mdb::Cambios cambios;
-  std::vector<sqlite3_int64> altas;
-  for (const sqlite3_int64 numero : t.tocadas) {
-    const mdb::IdFila id = IdentidadDe(t, numero);
-    const Lectura lectura(espejo_, lector, numero);
-    if (!lectura.Hay()) {
-      if (id.pagina == 0) continue;  // came and went
-      cambios.borradas.push_back(id);
-      por_asentar_.push_back({&t, numero, {}});
-    } else if (id.pagina == 0) {
-      cambios.nuevas.push_back(FilaNueva(t, lector));
-      altas.push_back(numero);
-    } else if (auto cambio = Diferencia(t, id, lector); !cambio.valores.empty()) {
-      cambios.cambiadas.push_back(std::move(cambio));
+void MdbSource::WriteTable(MirrorTable& t) {
+  std::sort(t.touched.begin(), t.touched.end());
+  t.touched.erase(std::unique(t.touched.begin(), t.touched.end()), t.touched.end());
+  sqlite3_stmt* reader = RowReader(mirror_, t);
+  mdb::Changes changes;
+  std::vector<sqlite3_int64> inserted;
+  for (const sqlite3_int64 number : t.touched) {
+    const mdb::RowId id = IdentityOf(t, number);
+    const Reading reading(mirror_, reader, number);
+    if (!reading.Has()) {
+      if (id.page == 0) continue;  // came and went
+      changes.deleted.push_back(id);
+      to_settle_.push_back({&t, number, {}});
+    } else if (id.page == 0) {
+      changes.inserted.push_back(NewRow(t, reader));
+      inserted.push_back(number);
+    } else if (auto change = Difference(t, id, reader); !change.values.empty()) {
+      changes.changed.push_back(std::move(change));
     }
   }
-  if (cambios.borradas.empty() && cambios.cambiadas.empty() && cambios.nuevas.empty()) return;
-  const std::vector<mdb::IdFila> ids = base_.Aplicar(t.nombre_en_base, cambios);
-  for (std::size_t i = 0; i < altas.size(); ++i) por_asentar_.push_back({&t, altas[i], ids.at(i)});
-  contadores_.filas_escritas +=
-      static_cast<std::int64_t>(cambios.borradas.size() + cambios.cambiadas.size() + altas.size());
+  if (changes.deleted.empty() && changes.changed.empty() && changes.inserted.empty()) return;
+  const std::vector<mdb::RowId> ids = base_.Apply(t.name_in_base, changes);
+  for (std::size_t i = 0; i < inserted.size(); ++i) to_settle_.push_back({&t, inserted[i], ids.at(i)});
+  counters_.rows_written +=
+      static_cast<std::int64_t>(changes.deleted.size() + changes.changed.size() + inserted.size());
 }
 
-void FuenteMdb::EscribirCambios() {
-  por_asentar_.clear();
+void MdbSource::WriteChanges() {
+  to_settle_.clear();
   CheckNoted();
-  for (auto& [clave, t] : tablas_)
-    if (!t->tocadas.empty()) EscribirTabla(*t);
+  for (auto& [key, t] : tables_)
+    if (!t->touched.empty()) WriteTable(*t);
 }
 
 // The rows' identities are shared with what a rollback would go back to: inside a transaction they are copied
 // before they change.
-void FuenteMdb::Asentar(bool definitivo) {
-  if (definitivo)
-    for (auto& [clave, t] : tablas_) {
-      t->guardado.filas.reset();
-      t->at_mark.filas.reset();
+void MdbSource::Settle(bool permanent) {
+  if (permanent)
+    for (auto& [key, t] : tables_) {
+      t->saved.rows.reset();
+      t->at_mark.rows.reset();
     }
-  for (const Identidad& i : por_asentar_) {
-    auto& filas = i.tabla->estado.filas;
-    if (filas.use_count() > 1) filas = std::make_shared<std::vector<mdb::IdFila>>(*filas);
-    if (filas->size() <= static_cast<std::size_t>(i.fila))
-      filas->resize(static_cast<std::size_t>(i.fila) + 1);
-    (*filas)[static_cast<std::size_t>(i.fila)] = i.id;
+  for (const Identity& i : to_settle_) {
+    auto& rows = i.table->state.rows;
+    if (rows.use_count() > 1) rows = std::make_shared<std::vector<mdb::RowId>>(*rows);
+    if (rows->size() <= static_cast<std::size_t>(i.row)) rows->resize(static_cast<std::size_t>(i.row) + 1);
+    (*rows)[static_cast<std::size_t>(i.row)] = i.id;
   }
-  por_asentar_.clear();
-  for (auto& [clave, t] : tablas_) t->tocadas.clear();
+  to_settle_.clear();
+  for (auto& [key, t] : tables_) t->touched.clear();
 }
 
 }  // namespace engine_mdb

@@ -9,7 +9,7 @@ namespace {
 constexpr std::int64_t kStepsASecond = 10'000'000;
 
 void Ask(const Cursor& cursor, SQLINTEGER attribute, std::int64_t value) {
-  SQLSetStmtAttrW(cursor.Crudo(), attribute, reinterpret_cast<SQLPOINTER>(static_cast<SQLULEN>(value)),
+  SQLSetStmtAttrW(cursor.Raw(), attribute, reinterpret_cast<SQLPOINTER>(static_cast<SQLULEN>(value)),
                   SQL_IS_UINTEGER);
 }
 
@@ -37,11 +37,11 @@ std::int64_t StatementLimits::Spent() const {
   return static_cast<std::int64_t>(time.count() * static_cast<double>(kStepsASecond));
 }
 
-void StatementLimits::Row(const std::vector<base::Valor>& cells, std::size_t width) {
+void StatementLimits::Row(const std::vector<base::Value>& cells, std::size_t width) {
   if (budget_ == nullptr) return;
   --budget_->rows;
   for (std::size_t i = cells.size() - width; i < cells.size(); ++i)
-    if (const auto* text = cells[i].Si<std::string>())
+    if (const auto* text = cells[i].GetIf<std::string>())
       budget_->bytes -= static_cast<std::int64_t>(text->size());
   if (budget_->rows < 0 || budget_->bytes < 0) throw db::QueryInterrupted(db::QueryInterrupted::By::Size);
   if (Spent() > budget_->steps) throw db::QueryInterrupted(db::QueryInterrupted::By::Work);

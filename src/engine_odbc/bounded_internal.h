@@ -19,7 +19,7 @@ class StatementLimits {
   ~StatementLimits();
 
   // One more row, its last `width` cells. Throws db::QueryInterrupted when it is one too many or too late.
-  void Row(const std::vector<base::Valor>& cells, std::size_t width);
+  void Row(const std::vector<base::Value>& cells, std::size_t width);
 
  private:
   std::int64_t Spent() const;  // steps

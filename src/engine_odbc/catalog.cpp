@@ -7,62 +7,60 @@ namespace engine_odbc {
 namespace {
 
 // Columns of the driver manager's catalog results, from 0.
-constexpr std::size_t kNombreDeTabla = 2;
-constexpr std::size_t kNombreDeColumna = 3;
+constexpr std::size_t kTableName = 2;
+constexpr std::size_t kColumnName = 3;
 
-void Comprobar(SQLRETURN rc, const Cursor& cursor) {
+void Check(SQLRETURN rc, const Cursor& cursor) {
   if (!SQL_SUCCEEDED(rc))
-    throw ErrorDe(Diagnosticos(SQL_HANDLE_STMT, cursor.Crudo()),
-                  "La base no pudo dar la lista de sus tablas");
+    throw ErrorOf(Diagnostics(SQL_HANDLE_STMT, cursor.Raw()), "La base no pudo dar la lista de sus tablas");
 }
 
 }  // namespace
 
-const jetsql::TablaInfo* CatalogoOdbc::Tabla(std::string_view nombre) {
-  if (!leido_) LeerTablas();
-  const auto hallada = tablas_.find(base::Minusculas(nombre));
-  if (hallada == tablas_.end()) return nullptr;
-  if (hallada->second.columnas == nullptr) LeerColumnas(hallada->second);
-  return hallada->second.columnas.get();
+const jetsql::TableInfo* OdbcCatalog::Table(std::string_view name) {
+  if (!loaded_) ReadTables();
+  const auto found = tables_.find(base::LowerCase(name));
+  if (found == tables_.end()) return nullptr;
+  if (found->second.columns == nullptr) ReadColumns(found->second);
+  return found->second.columns.get();
 }
 
-void CatalogoOdbc::Olvidar() {
-  leido_ = false;
-  tablas_.clear();
+void OdbcCatalog::Forget() {
+  loaded_ = false;
+  tables_.clear();
 }
 
-void CatalogoOdbc::LeerTablas() {
-  const Cursor cursor = CrearCursor(enlace_);
-  Comprobar(SQLTablesW(cursor.Crudo(), nullptr, 0, nullptr, 0, nullptr, 0, nullptr, 0), cursor);
-  Lector lector(cursor.Crudo());
-  const std::size_t ancho = lector.Columnas()->size();
-  const std::vector<base::Valor> celdas = lector.Filas();
-  if (ancho > kNombreDeTabla)
-    for (std::size_t i = 0; i < celdas.size(); i += ancho) {
-      std::string nombre = celdas[i + kNombreDeTabla].Texto();
-      std::string clave = base::Minusculas(nombre);
-      tablas_.try_emplace(std::move(clave), Entrada{std::move(nombre), nullptr});
+void OdbcCatalog::ReadTables() {
+  const Cursor cursor = MakeCursor(link_);
+  Check(SQLTablesW(cursor.Raw(), nullptr, 0, nullptr, 0, nullptr, 0, nullptr, 0), cursor);
+  Reader reader(cursor.Raw());
+  const std::size_t width = reader.Columns()->size();
+  const std::vector<base::Value> cells = reader.Rows();
+  if (width > kTableName)
+    for (std::size_t i = 0; i < cells.size(); i += width) {
+      std::string name = cells[i + kTableName].Text();
+      std::string key = base::LowerCase(name);
+      tables_.try_emplace(std::move(key), Entry{std::move(name), nullptr});
     }
-  leido_ = true;
+  loaded_ = true;
 }
 
-void CatalogoOdbc::LeerColumnas(Entrada& entrada) {
-  const Cursor cursor = CrearCursor(enlace_);
-  TextoAncho nombre(entrada.nombre);
+void OdbcCatalog::ReadColumns(Entry& entry) {
+  const Cursor cursor = MakeCursor(link_);
+  WideText name(entry.name);
   // The name is a pattern, in which "_" stands for any character: other tables may come too.
-  Comprobar(
-      SQLColumnsW(cursor.Crudo(), nullptr, 0, nullptr, 0, nombre.Datos(), nombre.LargoCorto(), nullptr, 0),
-      cursor);
-  Lector lector(cursor.Crudo());
-  const std::size_t ancho = lector.Columnas()->size();
-  const std::vector<base::Valor> celdas = lector.Filas();
-  auto tabla = std::make_unique<jetsql::TablaInfo>();
-  tabla->nombre = entrada.nombre;
-  if (ancho > kNombreDeColumna)
-    for (std::size_t i = 0; i < celdas.size(); i += ancho)
-      if (base::IgualSinCaso(celdas[i + kNombreDeTabla].Texto(), entrada.nombre))
-        tabla->columnas.push_back({celdas[i + kNombreDeColumna].Texto(), base::Tipo::Nulo});
-  entrada.columnas = std::move(tabla);
+  Check(SQLColumnsW(cursor.Raw(), nullptr, 0, nullptr, 0, name.Data(), name.ShortLength(), nullptr, 0),
+        cursor);
+  Reader reader(cursor.Raw());
+  const std::size_t width = reader.Columns()->size();
+  const std::vector<base::Value> cells = reader.Rows();
+  auto table = std::make_unique<jetsql::TableInfo>();
+  table->name = entry.name;
+  if (width > kColumnName)
+    for (std::size_t i = 0; i < cells.size(); i += width)
+      if (base::EqualIgnoringCase(cells[i + kTableName].Text(), entry.name))
+        table->columns.push_back({cells[i + kColumnName].Text(), base::Type::Null});
+  entry.columns = std::move(table);
 }
 
 }  // namespace engine_odbc

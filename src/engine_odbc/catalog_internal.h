@@ -11,29 +11,29 @@
 
 namespace engine_odbc {
 
-class CatalogoOdbc final : public jetsql::Catalogo {
+class OdbcCatalog final : public jetsql::Catalog {
  public:
-  // `enlace` is open whenever something is asked, and outlives the catalog.
-  explicit CatalogoOdbc(const Enlace& enlace) : enlace_(enlace) {}
+  // `link` is open whenever something is asked, and outlives the catalog.
+  explicit OdbcCatalog(const Link& link) : link_(link) {}
 
   // Tables, views and saved queries alike: to the driver all have columns. Throws db::Error.
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) override;
+  const jetsql::TableInfo* Table(std::string_view name) override;
   // A driver does not tell the text of a saved query.
-  const std::string* Consulta(std::string_view) override { return nullptr; }
+  const std::string* Query(std::string_view) override { return nullptr; }
 
-  void Olvidar();
+  void Forget();
 
  private:
-  struct Entrada {
-    std::string nombre;  // as it was created
-    std::unique_ptr<const jetsql::TablaInfo> columnas;
+  struct Entry {
+    std::string name;  // as it was created
+    std::unique_ptr<const jetsql::TableInfo> columns;
   };
-  void LeerTablas();
-  void LeerColumnas(Entrada& entrada);
+  void ReadTables();
+  void ReadColumns(Entry& entry);
 
-  const Enlace& enlace_;
-  bool leido_ = false;
-  std::unordered_map<std::string, Entrada> tablas_;  // by name in lower case
+  const Link& link_;
+  bool loaded_ = false;
+  std::unordered_map<std::string, Entry> tables_;  // by name in lower case
 };
 
 }  // namespace engine_odbc

@@ -12,42 +12,42 @@
 
 namespace engine_odbc {
 
-class ConexionOdbc final : public db::Connection {
+class OdbcConnection final : public db::Connection {
  public:
-  ConexionOdbc(std::string_view cadena, const Opciones& opciones);
-  ConexionOdbc(const ConexionOdbc&) = delete;
-  ConexionOdbc& operator=(const ConexionOdbc&) = delete;
-  ~ConexionOdbc() override { Desconectar(); }
+  OdbcConnection(std::string_view connection_string, const Options& options);
+  OdbcConnection(const OdbcConnection&) = delete;
+  OdbcConnection& operator=(const OdbcConnection&) = delete;
+  ~OdbcConnection() override { Disconnect(); }
 
-  bool Abierta() const override { return conectada_; }
-  void Cerrar() override;
-  db::Recordset Ejecutar(std::string_view sql) override;
-  db::Recordset Consultar(std::string_view sql) override;
+  bool IsOpen() const override { return connected_; }
+  void Close() override;
+  db::Recordset Execute(std::string_view sql) override;
+  db::Recordset Query(std::string_view sql) override;
   db::Recordset QueryBounded(std::string_view sql, db::QueryBudget& budget) override;
-  std::int64_t FilasAfectadas() const override { return afectadas_; }
+  std::int64_t AffectedRows() const override { return affected_; }
   void BeginTrans() override;
   void CommitTrans() override;
   void RollbackTrans() override;
-  bool EnTransaccion() const override { return en_transaccion_; }
+  bool InTransaction() const override { return in_transaction_; }
   void SetSavepoint() override;
   void RollbackToSavepoint() override;
   void ReleaseSavepoint() override;
 
  private:
-  void Conectar(std::string_view cadena, const Opciones& opciones);
-  void Desconectar();
-  void VerificarUtil();
-  bool Autocommit(bool si);
+  void Connect(std::string_view connection_string, const Options& options);
+  void Disconnect();
+  void VerifyUsable();
+  bool Autocommit(bool on);
   // `tree`: of the statement, when it has been parsed already.
-  db::Recordset Correr(std::string_view sql, jetsql::Sentencia* tree);
-  SQLRETURN Mandar(const std::string& texto);
-  db::Recordset Recoger(std::string_view sql, StatementLimits& limits);
+  db::Recordset Run(std::string_view sql, jetsql::Statement* tree);
+  SQLRETURN Send(const std::string& text);
+  db::Recordset Fetch(std::string_view sql, StatementLimits& limits);
   // The statement as the driver is to get it.
-  std::string TextoParaElDriver(std::string_view sql, jetsql::Sentencia* tree);
-  bool EstaMuerta() const;
-  void Perder();
+  std::string TextForDriver(std::string_view sql, jetsql::Statement* tree);
+  bool IsDead() const;
+  void Lose();
   // Throws what the driver says; a failure that means the loss of the connection closes it.
-  [[noreturn]] void Fallar(SQLSMALLINT que, SQLHANDLE manejador, std::string_view si_nada);
+  [[noreturn]] void FailOnce(SQLSMALLINT what, SQLHANDLE handle, std::string_view if_nothing);
   // The same for what is no statement: the run cannot go on.
   [[noreturn]] void FailForGood(std::string_view if_nothing);
   [[noreturn]] void Fail(SQLSMALLINT what, SQLHANDLE handle, std::string_view if_nothing, bool for_good);
@@ -64,18 +64,18 @@ class ConexionOdbc final : public db::Connection {
   SQLLEN RowCount() const;  // of the last statement; -1 when the driver does not know
 
   // In the order in which they are needed: the driver manager frees from the inside out.
-  Ambiente ambiente_;
-  Enlace enlace_;
+  Environment environment_;
+  Link link_;
   Cursor cursor_;  // of every statement; closed between them
-  CatalogoOdbc catalogo_{enlace_};
-  std::unordered_set<std::string> sin_tocar_;  // shapes of statements whose text needs nothing
-  std::int64_t afectadas_ = 0;
+  OdbcCatalog catalog_{link_};
+  std::unordered_set<std::string> untouched_;  // shapes of statements whose text needs nothing
+  std::int64_t affected_ = 0;
   db::QueryBudget* budget_ = nullptr;  // of the bounded query that is running
-  bool conectada_ = false;
-  bool perdida_ = false;
-  bool solo_lectura_ = false;
-  bool con_transacciones_ = false;  // what the driver says of itself
-  bool en_transaccion_ = false;
+  bool connected_ = false;
+  bool lost_ = false;
+  bool read_only_ = false;
+  bool has_transactions_ = false;  // what the driver says of itself
+  bool in_transaction_ = false;
   bool autocommit_ = true;
 
   // Whether the driver undoes to a savepoint by itself: not known before the first one. Where it does not,
@@ -90,7 +90,7 @@ class ConexionOdbc final : public db::Connection {
   bool undone_ = false;       // what the transaction did is gone, and it was not ended by a rollback
   SQLLEN rows_of_last_ = -1;  // that changed
   std::size_t mark_ = 0;      // how many changes stand before the mark
-  std::optional<bool> pierde_caracteres_;  // asked when a text has one that might be lost
+  std::optional<bool> loses_characters_;  // asked when a text has one that might be lost
 };
 
 }  // namespace engine_odbc

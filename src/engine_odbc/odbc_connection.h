@@ -20,29 +20,29 @@
 
 namespace engine_odbc {
 
-struct Opciones {
-  bool solo_lectura = false;  // Ejecutar refuses what Consultar refuses
-  int espera_s = 15;          // how long the driver may take to connect; 0: as long as it likes
+struct Options {
+  bool read_only = false;  // Execute refuses what Query refuses
+  int wait_s = 15;         // how long the driver may take to connect; 0: as long as it likes
 };
 
 // Opens a connection string ("Driver={…};DBQ=…", "DSN=…"; UTF-8). Throws db::Error with a readable reason and
 // the driver's own text.
 //
-// Values by the type of their column: bit Booleano, whole numbers Entero, real Simple, float and double
-// Numero, numeric and decimal Numero or, where the driver calls the column a currency, Moneda; timestamp,
-// date and time Fecha; everything else Texto, binary data as its bytes.
-// A connection that is lost is closed: Abierta() is false and what its transaction wrote is undone.
-std::unique_ptr<db::Connection> Abrir(std::string_view cadena_de_conexion, const Opciones& opciones = {});
+// Values by the type of their column: bit Boolean, whole numbers Integer, real Simple, float and double
+// Number, numeric and decimal Number or, where the driver calls the column a currency, Currency; timestamp,
+// date and time Date; everything else Text, binary data as its bytes.
+// A connection that is lost is closed: IsOpen() is false and what its transaction wrote is undone.
+std::unique_ptr<db::Connection> Open(std::string_view connection_string, const Options& options = {});
 
 // What the key Base of ConfBase.cfg says, as a connection string: one with a "=" stays, another text is the
 // name of a data source. The password, when there is one, is added unless the string has its own.
-std::string CadenaDe(std::string_view origen, std::string_view contrasena = {});
+std::string ConnectionStringOf(std::string_view source, std::string_view password = {});
 
 // Whether a Microsoft Access driver is installed (one that fits this program: of 64 bits for 64).
-bool HayDriverDeAccess();
+bool HasAccessDriver();
 // The connection string for an Access file, with the best Access driver that is installed, or with `driver`
 // when it is named (mdbtools' is used in no other way: it cannot write). Throws db::Error when there is none.
-std::string CadenaParaArchivo(std::string_view ruta, std::string_view contrasena = {},
-                              std::string_view driver = {});
+std::string ConnectionStringForFile(std::string_view path, std::string_view password = {},
+                                    std::string_view driver = {});
 
 }  // namespace engine_odbc

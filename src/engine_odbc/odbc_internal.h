@@ -25,37 +25,37 @@ namespace engine_odbc {
 static_assert(sizeof(SQLWCHAR) == 2, "the texts of the driver manager are UTF-16");
 
 // A handle of the driver manager; null until it is made.
-template <SQLSMALLINT Que>
-class Manejador {
+template <SQLSMALLINT What>
+class Handle {
  public:
-  Manejador() = default;
-  explicit Manejador(SQLHANDLE cruda) : cruda_(cruda) {}
-  Manejador(Manejador&& otro) noexcept : cruda_(std::exchange(otro.cruda_, nullptr)) {}
-  Manejador& operator=(Manejador&& otro) noexcept {
-    std::swap(cruda_, otro.cruda_);
+  Handle() = default;
+  explicit Handle(SQLHANDLE raw) : raw_(raw) {}
+  Handle(Handle&& other) noexcept : raw_(std::exchange(other.raw_, nullptr)) {}
+  Handle& operator=(Handle&& other) noexcept {
+    std::swap(raw_, other.raw_);
     return *this;
   }
-  Manejador(const Manejador&) = delete;
-  Manejador& operator=(const Manejador&) = delete;
-  ~Manejador() { Soltar(); }
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+  ~Handle() { Release(); }
 
-  SQLHANDLE Crudo() const { return cruda_; }
-  explicit operator bool() const { return cruda_ != nullptr; }
-  void Soltar() {
-    if (cruda_ != nullptr) SQLFreeHandle(Que, std::exchange(cruda_, nullptr));
+  SQLHANDLE Raw() const { return raw_; }
+  explicit operator bool() const { return raw_ != nullptr; }
+  void Release() {
+    if (raw_ != nullptr) SQLFreeHandle(What, std::exchange(raw_, nullptr));
   }
 
  private:
-  SQLHANDLE cruda_ = nullptr;
+  SQLHANDLE raw_ = nullptr;
 };
-using Ambiente = Manejador<SQL_HANDLE_ENV>;
-using Enlace = Manejador<SQL_HANDLE_DBC>;
-using Cursor = Manejador<SQL_HANDLE_STMT>;
+using Environment = Handle<SQL_HANDLE_ENV>;
+using Link = Handle<SQL_HANDLE_DBC>;
+using Cursor = Handle<SQL_HANDLE_STMT>;
 
-Ambiente CrearAmbiente();
-// Both throw what `padre` says when it fails.
-Enlace CrearEnlace(const Ambiente& padre);
-Cursor CrearCursor(const Enlace& padre);
+Environment MakeEnvironment();
+// Both throw what `parent` says when it fails.
+Link MakeLink(const Environment& parent);
+Cursor MakeCursor(const Link& parent);
 
 // Leaves the cursor ready for the next statement, whatever happened in this one.
 class CloseCursor {
@@ -64,7 +64,7 @@ class CloseCursor {
   CloseCursor(const CloseCursor&) = delete;
   CloseCursor& operator=(const CloseCursor&) = delete;
   ~CloseCursor() {
-    if (cursor_) SQLFreeStmt(cursor_.Crudo(), SQL_CLOSE);  // gone when the connection was lost
+    if (cursor_) SQLFreeStmt(cursor_.Raw(), SQL_CLOSE);  // gone when the connection was lost
   }
 
  private:
@@ -72,48 +72,48 @@ class CloseCursor {
 };
 
 // UTF-16 as the driver manager takes it, with a NUL after its end.
-class TextoAncho {
+class WideText {
  public:
-  explicit TextoAncho(std::string_view utf8);
-  SQLWCHAR* Datos() { return unidades_.data(); }
-  SQLINTEGER Largo() const { return static_cast<SQLINTEGER>(unidades_.size() - 1); }
-  SQLSMALLINT LargoCorto() const { return static_cast<SQLSMALLINT>(unidades_.size() - 1); }
+  explicit WideText(std::string_view utf8);
+  SQLWCHAR* Data() { return units_.data(); }
+  SQLINTEGER Length() const { return static_cast<SQLINTEGER>(units_.size() - 1); }
+  SQLSMALLINT ShortLength() const { return static_cast<SQLSMALLINT>(units_.size() - 1); }
 
  private:
-  std::vector<SQLWCHAR> unidades_;
+  std::vector<SQLWCHAR> units_;
 };
-std::string DeAncho(const SQLWCHAR* unidades, std::size_t cuantas);
+std::string FromWide(const SQLWCHAR* units, std::size_t count);
 
 // While it lives, unixODBC takes the texts of drivers without UTF-16 functions for UTF-8. It looks once,
 // while connecting, and would else take the program's "C" locale at its word and spoil every accent.
-class TextosUtf8 {
+class Utf8Texts {
  public:
-  TextosUtf8();
-  TextosUtf8(const TextosUtf8&) = delete;
-  TextosUtf8& operator=(const TextosUtf8&) = delete;
-  ~TextosUtf8();
+  Utf8Texts();
+  Utf8Texts(const Utf8Texts&) = delete;
+  Utf8Texts& operator=(const Utf8Texts&) = delete;
+  ~Utf8Texts();
 
  private:
-  void* anterior_ = nullptr;
-  void* propia_ = nullptr;
+  void* previous_ = nullptr;
+  void* own_ = nullptr;
 };
 // Whether the driver manager must turn our texts into bytes for the driver of this open connection, losing
 // the characters beyond U+FFFF.
-bool PierdeCaracteres(SQLHANDLE enlace);
+bool LosesCharacters(SQLHANDLE link);
 
 // One record of what a driver says of its last call.
-struct Diagnostico {
-  std::string estado;  // five characters
-  std::string texto;
+struct Diagnostic {
+  std::string state;  // five characters
+  std::string text;
   std::int32_t native = 0;  // the driver's own number
 };
-std::vector<Diagnostico> Diagnosticos(SQLSMALLINT que, SQLHANDLE manejador);
+std::vector<Diagnostic> Diagnostics(SQLSMALLINT what, SQLHANDLE handle);
 
 class OdbcError : public db::Error {
  public:
   enum class Cause { Other, Lost, TimedOut };
-  OdbcError(std::string texto, int numero, std::string fuente, base::ErrorKind kind, Cause cause)
-      : db::Error(std::move(texto), numero, std::move(fuente), kind), cause_(cause) {}
+  OdbcError(std::string text, int number, std::string source, base::ErrorKind kind, Cause cause)
+      : db::Error(std::move(text), number, std::move(source), kind), cause_(cause) {}
   bool Lost() const { return cause_ == Cause::Lost; }          // the other side is gone
   bool TimedOut() const { return cause_ == Cause::TimedOut; }  // the driver ended a statement that took long
   Cause Why() const { return cause_; }
@@ -123,11 +123,11 @@ class OdbcError : public db::Error {
 };
 
 // What a failure means for the operator, in Spanish, with all that the driver said after it.
-//   si_nada     the phrase for a state that says nothing in particular
+//   if_nothing     the phrase for a state that says nothing in particular
 //   if_unclear  its kind then, when the driver's own number does not tell it either
-OdbcError ErrorDe(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada,
+OdbcError ErrorOf(const std::vector<Diagnostic>& diagnostics, std::string_view if_nothing,
                   base::ErrorKind if_unclear = base::ErrorKind::Statement);
 // The same for a step after which the run cannot go on, whatever the state says.
-OdbcError FaultOf(const std::vector<Diagnostico>& diagnosticos, std::string_view si_nada);
+OdbcError FaultOf(const std::vector<Diagnostic>& diagnostics, std::string_view if_nothing);
 
 }  // namespace engine_odbc

@@ -8,157 +8,156 @@
 namespace engine_odbc {
 namespace {
 
-using jetsql::Fuente;
-using jetsql::Rama;
-using jetsql::RamaPtr;
-using jetsql::Seleccion;
+using jetsql::Branch;
+using jetsql::BranchPtr;
+using jetsql::Select;
+using jetsql::Source;
 
-std::string_view NombreEnAmbito(const Fuente& f) { return f.alias.empty() ? f.nombre : f.alias; }
+std::string_view NameInScope(const Source& f) { return f.alias.empty() ? f.name : f.alias; }
 
-void Hojas(const Rama& rama, std::vector<Fuente*>& fuentes) {
-  if (rama.hoja) {
-    fuentes.push_back(rama.hoja.get());
+void Leaves(const Branch& branch, std::vector<Source*>& sources) {
+  if (branch.leaf) {
+    sources.push_back(branch.leaf.get());
     return;
   }
-  Hojas(*rama.izquierda, fuentes);
-  Hojas(*rama.derecha, fuentes);
+  Leaves(*branch.left, sources);
+  Leaves(*branch.right, sources);
 }
 
-std::vector<Fuente*> Hojas(const std::vector<RamaPtr>& de) {
-  std::vector<Fuente*> fuentes;
-  for (const RamaPtr& rama : de) Hojas(*rama, fuentes);
-  return fuentes;
+std::vector<Source*> Leaves(const std::vector<BranchPtr>& from) {
+  std::vector<Source*> sources;
+  for (const BranchPtr& branch : from) Leaves(*branch, sources);
+  return sources;
 }
 
 // Whether the base table is read by the source, at any depth.
-bool Lee(const Fuente& f, std::string_view tabla) {
-  if (!f.consulta) return base::IgualSinCaso(f.nombre, tabla);
-  return std::any_of(f.consulta->partes.begin(), f.consulta->partes.end(), [&](const Seleccion& s) {
-    const std::vector<Fuente*> fuentes = Hojas(s.de);
-    return std::any_of(fuentes.begin(), fuentes.end(), [&](const Fuente* g) { return Lee(*g, tabla); });
+bool Reads(const Source& f, std::string_view table) {
+  if (!f.query) return base::EqualIgnoringCase(f.name, table);
+  return std::any_of(f.query->parts.begin(), f.query->parts.end(), [&](const Select& s) {
+    const std::vector<Source*> sources = Leaves(s.from);
+    return std::any_of(sources.begin(), sources.end(), [&](const Source* g) { return Reads(*g, table); });
   });
 }
 
 }  // namespace
 
-bool Calificadores::Resolver(jetsql::Sentencia& sentencia) {
-  cambiada_ = false;
-  if (auto* c = std::get_if<jetsql::ConsultaPtr>(&sentencia)) {
-    Ver(**c, nullptr);
-  } else if (auto* i = std::get_if<jetsql::Insercion>(&sentencia)) {
-    if (i->consulta) Ver(*i->consulta, nullptr);
-  } else if (auto* a = std::get_if<jetsql::Actualizacion>(&sentencia)) {
-    Ver(*a);
-  } else if (auto* b = std::get_if<jetsql::Borrado>(&sentencia)) {
-    Ver(*b);
+bool Qualifiers::Resolve(jetsql::Statement& statement) {
+  changed_ = false;
+  if (auto* c = std::get_if<jetsql::QueryPtr>(&statement)) {
+    Visit(**c, nullptr);
+  } else if (auto* i = std::get_if<jetsql::Insert>(&statement)) {
+    if (i->query) Visit(*i->query, nullptr);
+  } else if (auto* a = std::get_if<jetsql::Update>(&statement)) {
+    Visit(*a);
+  } else if (auto* b = std::get_if<jetsql::Delete>(&statement)) {
+    Visit(*b);
   }
-  return cambiada_;
+  return changed_;
 }
 
-void Calificadores::Ver(jetsql::Consulta& c, const Ambito* padre) {
-  for (Seleccion& s : c.partes) Ver(s, padre);
-  if (c.partes.size() != 1) return;  // the order of a union names columns of the result
-  const Ambito ambito{padre, Hojas(c.partes[0].de)};
-  for (const jetsql::ItemOrden& o : c.orden) Ver(o.expr, ambito);
-  if (c.cruce == nullptr) return;
-  Ver(c.cruce->valor, ambito);
-  Ver(c.cruce->pivote, ambito);
+void Qualifiers::Visit(jetsql::Query& c, const Scope* parent) {
+  for (Select& s : c.parts) Visit(s, parent);
+  if (c.parts.size() != 1) return;  // the order of a union names columns of the result
+  const Scope scope{parent, Leaves(c.parts[0].from)};
+  for (const jetsql::OrderItem& o : c.order) Visit(o.expr, scope);
+  if (c.crosstab == nullptr) return;
+  Visit(c.crosstab->value, scope);
+  Visit(c.crosstab->pivot, scope);
 }
 
-void Calificadores::Ver(Seleccion& s, const Ambito* padre) {
-  const Ambito ambito{padre, Hojas(s.de)};
-  Derivadas(ambito);
-  for (const RamaPtr& rama : s.de) Condiciones(*rama, padre);
-  for (jetsql::ItemLista& item : s.lista) {
+void Qualifiers::Visit(Select& s, const Scope* parent) {
+  const Scope scope{parent, Leaves(s.from)};
+  VisitDerived(scope);
+  for (const BranchPtr& branch : s.from) VisitConditions(*branch, parent);
+  for (jetsql::ListItem& item : s.list) {
     if (item.expr)
-      Ver(item.expr, ambito);
-    else if (!item.calificador.empty())
-      Poner(item.calificador, {}, ambito);
+      Visit(item.expr, scope);
+    else if (!item.qualifier.empty())
+      Set(item.qualifier, {}, scope);
   }
-  Ver(s.donde, ambito);
-  for (const jetsql::ExprPtr& g : s.grupo) Ver(g, ambito);
-  Ver(s.teniendo, ambito);
+  Visit(s.where, scope);
+  for (const jetsql::ExprPtr& g : s.group) Visit(g, scope);
+  Visit(s.having, scope);
 }
 
-void Calificadores::Ver(jetsql::Actualizacion& s) {
-  const Ambito ambito{nullptr, Hojas(s.de)};
-  Derivadas(ambito);
-  for (const RamaPtr& rama : s.de) Condiciones(*rama, nullptr);
-  for (const jetsql::Asignacion& a : s.cambios) {
-    Ver(a.columna, ambito);
-    Ver(a.valor, ambito);
+void Qualifiers::Visit(jetsql::Update& s) {
+  const Scope scope{nullptr, Leaves(s.from)};
+  VisitDerived(scope);
+  for (const BranchPtr& branch : s.from) VisitConditions(*branch, nullptr);
+  for (const jetsql::Assignment& a : s.changes) {
+    Visit(a.column, scope);
+    Visit(a.value, scope);
   }
-  Ver(s.donde, ambito);
+  Visit(s.where, scope);
 }
 
-void Calificadores::Ver(jetsql::Borrado& s) {
-  const Ambito ambito{nullptr, Hojas(s.de)};
-  Derivadas(ambito);
-  for (const RamaPtr& rama : s.de) Condiciones(*rama, nullptr);
-  if (!s.objetivo.empty()) Poner(s.objetivo, {}, ambito);
-  Ver(s.donde, ambito);
+void Qualifiers::Visit(jetsql::Delete& s) {
+  const Scope scope{nullptr, Leaves(s.from)};
+  VisitDerived(scope);
+  for (const BranchPtr& branch : s.from) VisitConditions(*branch, nullptr);
+  if (!s.target.empty()) Set(s.target, {}, scope);
+  Visit(s.where, scope);
 }
 
-void Calificadores::Derivadas(const Ambito& ambito) {
-  for (Fuente* f : ambito.fuentes)
-    if (f->consulta) Ver(*f->consulta, ambito.padre);
+void Qualifiers::VisitDerived(const Scope& scope) {
+  for (Source* f : scope.sources)
+    if (f->query) Visit(*f->query, scope.parent);
 }
 
 // The condition of a join sees the tables that it joins, not those beside them.
-void Calificadores::Condiciones(Rama& rama, const Ambito* padre) {
-  if (rama.hoja) return;
-  Condiciones(*rama.izquierda, padre);
-  Condiciones(*rama.derecha, padre);
-  Ambito ambito{padre, {}};
-  Hojas(rama, ambito.fuentes);
-  Ver(rama.condicion, ambito);
+void Qualifiers::VisitConditions(Branch& branch, const Scope* parent) {
+  if (branch.leaf) return;
+  VisitConditions(*branch.left, parent);
+  VisitConditions(*branch.right, parent);
+  Scope scope{parent, {}};
+  Leaves(branch, scope.sources);
+  Visit(branch.condition, scope);
 }
 
-void Calificadores::Ver(const jetsql::ExprPtr& e, const Ambito& ambito) {
+void Qualifiers::Visit(const jetsql::ExprPtr& e, const Scope& scope) {
   if (e == nullptr) return;
-  if (e->nodo == jetsql::Nodo::Columna && !e->calificador.empty()) Poner(e->calificador, e->nombre, ambito);
-  for (const jetsql::ExprPtr& hijo : e->hijos) Ver(hijo, ambito);
-  if (e->consulta) Ver(*e->consulta, &ambito);
-  Ver(e->filtro, ambito);
+  if (e->node == jetsql::Node::Column && !e->qualifier.empty()) Set(e->qualifier, e->name, scope);
+  for (const jetsql::ExprPtr& child : e->children) Visit(child, scope);
+  if (e->query) Visit(*e->query, &scope);
+  Visit(e->filter, scope);
 }
 
-// `nombre` is the column; empty for all of them.
-void Calificadores::Poner(std::string& calificador, const std::string& nombre, const Ambito& ambito) {
-  for (const Ambito* a = &ambito; a != nullptr; a = a->padre)
-    for (const Fuente* f : a->fuentes)
-      if (base::IgualSinCaso(NombreEnAmbito(*f), calificador)) return;
-  for (const Ambito* a = &ambito; a != nullptr; a = a->padre)
-    for (Fuente* f : a->fuentes) {
-      if (!Lee(*f, calificador) || !(nombre.empty() || TieneColumna(*f, nombre))) continue;
-      calificador = AliasDe(*f, sin_nombre_);
-      cambiada_ = true;
+// `name` is the column; empty for all of them.
+void Qualifiers::Set(std::string& qualifier, const std::string& name, const Scope& scope) {
+  for (const Scope* a = &scope; a != nullptr; a = a->parent)
+    for (const Source* f : a->sources)
+      if (base::EqualIgnoringCase(NameInScope(*f), qualifier)) return;
+  for (const Scope* a = &scope; a != nullptr; a = a->parent)
+    for (Source* f : a->sources) {
+      if (!Reads(*f, qualifier) || !(name.empty() || HasColumn(*f, name))) continue;
+      qualifier = AliasOf(*f, unnamed_);
+      changed_ = true;
       return;
     }
 }
 
-const std::string& Calificadores::AliasDe(Fuente& f, int& sin_nombre) {
-  if (f.alias.empty()) f.alias = "jet_d" + std::to_string(++sin_nombre);  // a derived table without a name
+const std::string& Qualifiers::AliasOf(Source& f, int& unnamed) {
+  if (f.alias.empty()) f.alias = "jet_d" + std::to_string(++unnamed);  // a derived table without a name
   return f.alias;
 }
 
-bool Calificadores::TieneColumna(const Fuente& f, std::string_view nombre) const {
-  if (!f.consulta) {
-    const jetsql::TablaInfo* tabla = nullptr;
-    base::ErrorIgnorado("ODBC: catálogo", nullptr, [&] { tabla = catalogo_.Tabla(f.nombre); });
-    return tabla == nullptr || tabla->columnas.empty() ||
-           std::any_of(tabla->columnas.begin(), tabla->columnas.end(),
-                       [&](const jetsql::ColumnaTabla& c) { return base::IgualSinCaso(c.nombre, nombre); });
+bool Qualifiers::HasColumn(const Source& f, std::string_view name) const {
+  if (!f.query) {
+    const jetsql::TableInfo* table = nullptr;
+    base::PassOverError("ODBC: catálogo", nullptr, [&] { table = catalog_.Table(f.name); });
+    return table == nullptr || table->columns.empty() ||
+           std::any_of(table->columns.begin(), table->columns.end(),
+                       [&](const jetsql::TableColumn& c) { return base::EqualIgnoringCase(c.name, name); });
   }
-  const Seleccion& s = f.consulta->partes.front();  // a union takes its names from the first part
-  const std::vector<Fuente*> fuentes = Hojas(s.de);
-  return std::any_of(s.lista.begin(), s.lista.end(), [&](const jetsql::ItemLista& item) {
-    if (!item.alias.empty()) return base::IgualSinCaso(item.alias, nombre);
+  const Select& s = f.query->parts.front();  // a union takes its names from the first part
+  const std::vector<Source*> sources = Leaves(s.from);
+  return std::any_of(s.list.begin(), s.list.end(), [&](const jetsql::ListItem& item) {
+    if (!item.alias.empty()) return base::EqualIgnoringCase(item.alias, name);
     if (item.expr)
-      return item.expr->nodo == jetsql::Nodo::Columna && base::IgualSinCaso(item.expr->nombre, nombre);
-    return std::any_of(fuentes.begin(), fuentes.end(), [&](const Fuente* g) {
-      const bool cuenta =
-          item.calificador.empty() || base::IgualSinCaso(NombreEnAmbito(*g), item.calificador);
-      return cuenta && TieneColumna(*g, nombre);
+      return item.expr->node == jetsql::Node::Column && base::EqualIgnoringCase(item.expr->name, name);
+    return std::any_of(sources.begin(), sources.end(), [&](const Source* g) {
+      const bool counts = item.qualifier.empty() || base::EqualIgnoringCase(NameInScope(*g), item.qualifier);
+      return counts && HasColumn(*g, name);
     });
   });
 }

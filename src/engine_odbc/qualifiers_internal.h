@@ -12,34 +12,34 @@
 
 namespace engine_odbc {
 
-class Calificadores {
+class Qualifiers {
  public:
   // The catalog is asked only when a qualifier names no table in scope. A table that it does not list, or
   // cannot, counts as having every column.
-  explicit Calificadores(jetsql::Catalogo& catalogo) : catalogo_(catalogo) {}
+  explicit Qualifiers(jetsql::Catalog& catalog) : catalog_(catalog) {}
 
   // Puts every such qualifier of the statement right; false when there was none and the tree is unchanged.
-  bool Resolver(jetsql::Sentencia& sentencia);
+  bool Resolve(jetsql::Statement& statement);
 
  private:
-  struct Ambito {
-    const Ambito* padre = nullptr;
-    std::vector<jetsql::Fuente*> fuentes;
+  struct Scope {
+    const Scope* parent = nullptr;
+    std::vector<jetsql::Source*> sources;
   };
-  void Ver(jetsql::Consulta& c, const Ambito* padre);
-  void Ver(jetsql::Seleccion& s, const Ambito* padre);
-  void Ver(jetsql::Actualizacion& s);
-  void Ver(jetsql::Borrado& s);
-  void Ver(const jetsql::ExprPtr& e, const Ambito& ambito);
-  void Derivadas(const Ambito& ambito);
-  void Condiciones(jetsql::Rama& rama, const Ambito* padre);
-  void Poner(std::string& calificador, const std::string& nombre, const Ambito& ambito);
-  static const std::string& AliasDe(jetsql::Fuente& f, int& sin_nombre);
-  bool TieneColumna(const jetsql::Fuente& f, std::string_view nombre) const;
+  void Visit(jetsql::Query& c, const Scope* parent);
+  void Visit(jetsql::Select& s, const Scope* parent);
+  void Visit(jetsql::Update& s);
+  void Visit(jetsql::Delete& s);
+  void Visit(const jetsql::ExprPtr& e, const Scope& scope);
+  void VisitDerived(const Scope& scope);
+  void VisitConditions(jetsql::Branch& branch, const Scope* parent);
+  void Set(std::string& qualifier, const std::string& name, const Scope& scope);
+  static const std::string& AliasOf(jetsql::Source& f, int& unnamed);
+  bool HasColumn(const jetsql::Source& f, std::string_view name) const;
 
-  jetsql::Catalogo& catalogo_;
-  int sin_nombre_ = 0;  // derived tables that were given an alias
-  bool cambiada_ = false;
+  jetsql::Catalog& catalog_;
+  int unnamed_ = 0;  // derived tables that were given an alias
+  bool changed_ = false;
 };
 
 }  // namespace engine_odbc

@@ -10,76 +10,76 @@
 namespace engine_odbc {
 namespace {
 
-constexpr const char* kSoloConsultas = "La sentencia no es de consulta: aquí solo se puede leer.";
+constexpr const char* kQueriesOnly = "La sentencia no es de consulta: aquí solo se puede leer.";
 
-[[noreturn]] void LanzarMarca(std::string_view marca) {
-  throw db::Error("La sentencia tiene \"" + std::string(marca) +
+[[noreturn]] void ThrowMark(std::string_view mark) {
+  throw db::Error("La sentencia tiene \"" + std::string(mark) +
                   "\", que otras bases entienden de otra manera: aquí solo se puede leer.");
 }
 
-void Ver(const jetsql::Consulta& c);
+void Visit(const jetsql::Query& c);
 
-void Ver(const jetsql::ExprPtr& e) {
+void Visit(const jetsql::ExprPtr& e) {
   if (e == nullptr) return;
-  if (e->nodo == jetsql::Nodo::Llamada && !jetsql::ConoceFuncion(e->nombre))
-    throw db::Error("La función " + e->nombre + " no es del dialecto: aquí solo se puede leer.");
-  for (const jetsql::ExprPtr& hijo : e->hijos) Ver(hijo);
-  if (e->consulta) Ver(*e->consulta);
-  Ver(e->filtro);
+  if (e->node == jetsql::Node::Call && !jetsql::KnowsFunction(e->name))
+    throw db::Error("La función " + e->name + " no es del dialecto: aquí solo se puede leer.");
+  for (const jetsql::ExprPtr& child : e->children) Visit(child);
+  if (e->query) Visit(*e->query);
+  Visit(e->filter);
 }
 
-void Ver(const jetsql::Rama& rama) {
-  if (rama.hoja) {
-    if (rama.hoja->consulta) Ver(*rama.hoja->consulta);
+void Visit(const jetsql::Branch& branch) {
+  if (branch.leaf) {
+    if (branch.leaf->query) Visit(*branch.leaf->query);
     return;
   }
-  Ver(*rama.izquierda);
-  Ver(*rama.derecha);
-  Ver(rama.condicion);
+  Visit(*branch.left);
+  Visit(*branch.right);
+  Visit(branch.condition);
 }
 
-void Ver(const jetsql::Consulta& c) {
-  for (const jetsql::Seleccion& s : c.partes) {
-    Ver(s.tope);
-    for (const jetsql::ItemLista& item : s.lista) Ver(item.expr);
-    for (const jetsql::RamaPtr& rama : s.de) Ver(*rama);
-    Ver(s.donde);
-    for (const jetsql::ExprPtr& g : s.grupo) Ver(g);
-    Ver(s.teniendo);
+void Visit(const jetsql::Query& c) {
+  for (const jetsql::Select& s : c.parts) {
+    Visit(s.limit);
+    for (const jetsql::ListItem& item : s.list) Visit(item.expr);
+    for (const jetsql::BranchPtr& branch : s.from) Visit(*branch);
+    Visit(s.where);
+    for (const jetsql::ExprPtr& g : s.group) Visit(g);
+    Visit(s.having);
   }
-  for (const jetsql::ItemOrden& o : c.orden) Ver(o.expr);
-  if (c.cruce == nullptr) return;
-  Ver(c.cruce->valor);
-  Ver(c.cruce->pivote);
-  for (const jetsql::ExprPtr& e : c.cruce->lista) Ver(e);
+  for (const jetsql::OrderItem& o : c.order) Visit(o.expr);
+  if (c.crosstab == nullptr) return;
+  Visit(c.crosstab->value);
+  Visit(c.crosstab->pivot);
+  for (const jetsql::ExprPtr& e : c.crosstab->list) Visit(e);
 }
 
 // What cuts a text for other dialects where it does not for this one.
-void VerMarcas(std::string_view sql) {
-  jetsql::Forma forma;
-  if (!jetsql::SepararLiterales(sql, forma)) throw db::Error(kSoloConsultas);
-  for (const std::string_view marca : {"--", "/*"})
-    if (forma.clave.find(marca) != std::string::npos) LanzarMarca(marca);
-  for (const jetsql::Forma::Lugar& lugar : forma.lugares) {
-    const std::string_view literal = sql.substr(lugar.inicio, lugar.fin - lugar.inicio);
-    for (const std::string_view marca : {"\\'", "\\\""})
-      if (literal.find(marca) != std::string_view::npos) LanzarMarca(marca);
+void CheckMarks(std::string_view sql) {
+  jetsql::Shape shape;
+  if (!jetsql::SeparateLiterals(sql, shape)) throw db::Error(kQueriesOnly);
+  for (const std::string_view mark : {"--", "/*"})
+    if (shape.key.find(mark) != std::string::npos) ThrowMark(mark);
+  for (const jetsql::Shape::Place& place : shape.places) {
+    const std::string_view literal = sql.substr(place.start, place.end - place.start);
+    for (const std::string_view mark : {"\\'", "\\\""})
+      if (literal.find(mark) != std::string_view::npos) ThrowMark(mark);
   }
 }
 
 }  // namespace
 
-jetsql::Sentencia ComprobarQueSoloLee(std::string_view sql) {
-  jetsql::Sentencia sentencia;
+jetsql::Statement CheckOnlyReads(std::string_view sql) {
+  jetsql::Statement statement;
   try {
-    sentencia = jetsql::Analizar(sql);
+    statement = jetsql::Parse(sql);
   } catch (const base::Error& e) {
-    throw db::Error("La sentencia no se entiende, y aquí solo se puede leer. " + e.Descripcion());
+    throw db::Error("La sentencia no se entiende, y aquí solo se puede leer. " + e.Description());
   }
-  if (jetsql::KindOf(sentencia) != jetsql::Clase::Consulta) throw db::Error(kSoloConsultas);
-  Ver(*std::get<jetsql::ConsultaPtr>(sentencia));
-  VerMarcas(sql);
-  return sentencia;
+  if (jetsql::KindOf(statement) != jetsql::Kind::Query) throw db::Error(kQueriesOnly);
+  Visit(*std::get<jetsql::QueryPtr>(statement));
+  CheckMarks(sql);
+  return statement;
 }
 
 }  // namespace engine_odbc

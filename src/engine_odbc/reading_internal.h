@@ -11,6 +11,6 @@ namespace engine_odbc {
 // read: another statement, SELECT … INTO, several statements, a text that the dialect does not know, a
 // function that is not the dialect's (the driver's own may do anything), a mark that starts a comment for
 // some drivers.
-jetsql::Sentencia ComprobarQueSoloLee(std::string_view sql);
+jetsql::Statement CheckOnlyReads(std::string_view sql);
 
 }  // namespace engine_odbc

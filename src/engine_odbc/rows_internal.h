@@ -15,63 +15,63 @@ namespace engine_odbc {
 
 // How the cells of a column are asked for, and what becomes of them. Whole numbers and decimals travel as
 // text, which every driver gives and which loses nothing; the binary forms of 64 bits are unknown to some.
-enum class Lectura : std::uint8_t {
-  Texto,
+enum class Reading : std::uint8_t {
+  Text,
   Guid,
-  Binario,
-  Entero,
-  Booleano,
-  Simple,
-  Doble,
+  Binary,
+  Integer,
+  Boolean,
+  Single,
+  Double,
   Decimal,
-  Moneda,
-  Momento,  // date and time
-  Dia,
-  Hora
+  Currency,
+  Moment,  // date and time
+  Date,
+  Time
 };
 
-// By the SQL type; `nombre_de_tipo` is the driver's own name for it, `precision_fija` its word that the
+// By the SQL type; `type_name` is the driver's own name for it, `fixed_precision` its word that the
 // column is money.
-Lectura LecturaDe(SQLSMALLINT tipo_sql, std::string_view nombre_de_tipo, bool precision_fija);
-base::Tipo TipoDe(Lectura lectura);
+Reading ReadingOf(SQLSMALLINT sql_type, std::string_view type_name, bool fixed_precision);
+base::Type TypeOf(Reading reading);
 
 // The value that the text of a number, a boolean or a currency stands for; a text that is none stays a text.
-base::Valor ValorDeCifras(std::string_view texto, Lectura lectura);
+base::Value ValueOfDigits(std::string_view text, Reading reading);
 // Throws db::Error for what is no date of the calendar.
-base::Fecha FechaDeMomento(const SQL_TIMESTAMP_STRUCT& momento, std::string_view columna);
+base::Date DateOfMoment(const SQL_TIMESTAMP_STRUCT& moment, std::string_view column);
 
-class Lector {
+class Reader {
  public:
   // `cursor` has a result open; it must outlive the reader. Throws db::Error.
-  explicit Lector(SQLHANDLE cursor);
+  explicit Reader(SQLHANDLE cursor);
 
-  const std::shared_ptr<const db::Columnas>& Columnas() const { return columnas_; }
+  const std::shared_ptr<const db::Columns>& Columns() const { return columns_; }
   // All rows that are left, cell by cell. Throws db::Error.
-  std::vector<base::Valor> Filas(StatementLimits* limits = nullptr);
+  std::vector<base::Value> Rows(StatementLimits* limits = nullptr);
 
  private:
-  void Describir(SQLUSMALLINT i, db::Columnas& columnas);
-  base::Valor Celda(SQLUSMALLINT i);
-  base::Valor CeldaDeTexto(SQLUSMALLINT i);
-  base::Valor CeldaDeBytes(SQLUSMALLINT i);
-  base::Valor CeldaDeCifras(SQLUSMALLINT i);
-  base::Valor CeldaDeFecha(SQLUSMALLINT i);
-  base::Valor CeldaDoble(SQLUSMALLINT i);
-  // One value of a fixed size; false when it is Null. `dados`: the bytes that the driver says it gave.
-  bool Fijo(SQLUSMALLINT i, SQLSMALLINT tipo_c, SQLPOINTER destino, std::size_t bytes,
-            SQLLEN* dados = nullptr);
-  // One call for a piece into pieza_, `ancho` bytes a unit; the bytes that came. False after the last piece.
-  struct Pieza {
+  void Describe(SQLUSMALLINT i, db::Columns& columns);
+  base::Value Cell(SQLUSMALLINT i);
+  base::Value TextCell(SQLUSMALLINT i);
+  base::Value BytesCell(SQLUSMALLINT i);
+  base::Value DigitsCell(SQLUSMALLINT i);
+  base::Value DateCell(SQLUSMALLINT i);
+  base::Value DoubleCell(SQLUSMALLINT i);
+  // One value of a fixed size; false when it is Null. `given`: the bytes that the driver says it gave.
+  bool ReadFixed(SQLUSMALLINT i, SQLSMALLINT c_type, SQLPOINTER target, std::size_t bytes,
+                 SQLLEN* given = nullptr);
+  // One call for a piece into piece_, `width` bytes a unit; the bytes that came. False after the last piece.
+  struct Piece {
     std::size_t bytes = 0;
-    bool nulo = false, ultima = true;
+    bool null = false, last = true;
   };
-  Pieza LeerPieza(SQLUSMALLINT i, SQLSMALLINT tipo_c, std::size_t ancho);
-  [[noreturn]] void Lanzar() const;
+  Piece ReadPiece(SQLUSMALLINT i, SQLSMALLINT c_type, std::size_t width);
+  [[noreturn]] void Throw() const;
 
   SQLHANDLE cursor_;
-  std::vector<Lectura> lecturas_;
-  std::shared_ptr<const db::Columnas> columnas_;
-  std::vector<SQLWCHAR> pieza_;
+  std::vector<Reading> readings_;
+  std::shared_ptr<const db::Columns> columns_;
+  std::vector<SQLWCHAR> piece_;
 };
 
 }  // namespace engine_odbc

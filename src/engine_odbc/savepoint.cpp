@@ -12,29 +12,29 @@ constexpr const char* kCannotUndo = "La base no pudo deshacer una sentencia de l
 }  // namespace
 
 // False when the driver refused it; the loss of the connection throws.
-bool ConexionOdbc::RunOwn(const char* sql) {
+bool OdbcConnection::RunOwn(const char* sql) {
   OpenCursor();
   const CloseCursor close(cursor_);
-  const SQLRETURN rc = Mandar(sql);
+  const SQLRETURN rc = Send(sql);
   if (rc == SQL_NO_DATA || SQL_SUCCEEDED(rc)) return true;
-  const OdbcError error = ErrorDe(Diagnosticos(SQL_HANDLE_STMT, cursor_.Crudo()), kCannotUndo);
-  if (error.Lost() || EstaMuerta()) Fail(SQL_HANDLE_STMT, cursor_.Crudo(), kCannotUndo, true);
+  const OdbcError error = ErrorOf(Diagnostics(SQL_HANDLE_STMT, cursor_.Raw()), kCannotUndo);
+  if (error.Lost() || IsDead()) Fail(SQL_HANDLE_STMT, cursor_.Raw(), kCannotUndo, true);
   return false;
 }
 
-void ConexionOdbc::NoteChange(const std::string& text, SQLLEN rows) {
-  if (en_transaccion_ && own_savepoints_ != true) changes_.push_back({text, rows});
+void OdbcConnection::NoteChange(const std::string& text, SQLLEN rows) {
+  if (in_transaction_ && own_savepoints_ != true) changes_.push_back({text, rows});
 }
 
-void ConexionOdbc::EndOfTransaction() {
+void OdbcConnection::EndOfTransaction() {
   changes_.clear();
   mark_ = 0;
   marked_ = undone_ = false;
 }
 
-void ConexionOdbc::SetSavepoint() {
+void OdbcConnection::SetSavepoint() {
   db::AsConnectionErrors([&] {
-    VerificarUtil();
+    VerifyUsable();
     NeedTransaction();
     if (own_savepoints_ != false) {
       if (marked_) RunOwn(kRelease);  // where there is none, a new mark takes the place of the old one
@@ -49,13 +49,13 @@ void ConexionOdbc::SetSavepoint() {
   });
 }
 
-void ConexionOdbc::RollbackToSavepoint() {
+void OdbcConnection::RollbackToSavepoint() {
   db::AsConnectionErrors([&] {
-    VerificarUtil();
+    VerifyUsable();
     if (!marked_) throw db::Error("No hay ninguna marca en la transacción.");
     if (own_savepoints_ == true) {
-      catalogo_.Olvidar();  // a definition may go, too
-      sin_tocar_.clear();
+      catalog_.Forget();  // a definition may go, too
+      untouched_.clear();
       if (!RunOwn(kRollBack)) throw db::Error(base::StorageFault(std::string(kCannotUndo) + "."));
     } else if (changes_.size() != mark_) {
       Replay();
@@ -65,15 +65,15 @@ void ConexionOdbc::RollbackToSavepoint() {
 
 // From the rollback to the last statement the transaction is open, but others may have written meanwhile: a
 // statement that now changes another number of rows is no repetition.
-void ConexionOdbc::Replay() {
+void OdbcConnection::Replay() {
   RollBackAll();
   undone_ = true;
   changes_.resize(mark_);
   OpenCursor();
   for (const Change& change : changes_) {
     const CloseCursor close(cursor_);
-    const SQLRETURN rc = Mandar(change.text);
-    if (!SQL_SUCCEEDED(rc) && rc != SQL_NO_DATA) Fail(SQL_HANDLE_STMT, cursor_.Crudo(), kCannotUndo, true);
+    const SQLRETURN rc = Send(change.text);
+    if (!SQL_SUCCEEDED(rc) && rc != SQL_NO_DATA) Fail(SQL_HANDLE_STMT, cursor_.Raw(), kCannotUndo, true);
     if ((rc == SQL_NO_DATA ? 0 : RowCount()) != change.rows)
       throw db::Error(base::StorageFault(
           std::string(kCannotUndo) + ": al repetir lo anterior, otro programa había cambiado los datos."));
@@ -81,9 +81,9 @@ void ConexionOdbc::Replay() {
   undone_ = false;
 }
 
-void ConexionOdbc::ReleaseSavepoint() {
+void OdbcConnection::ReleaseSavepoint() {
   db::AsConnectionErrors([&] {
-    VerificarUtil();
+    VerifyUsable();
     if (!marked_) throw db::Error("No hay ninguna marca en la transacción.");
     if (own_savepoints_ == true) RunOwn(kRelease);
     marked_ = false;

@@ -8,77 +8,77 @@ namespace engine_sqlite {
 namespace {
 
 // First and Last: the value as it was met, a NULL too.
-struct Extremo {
-  sqlite3_value* valor;  // zeroed by SQLite at the start
+struct FirstOrLast {
+  sqlite3_value* value;  // zeroed by SQLite at the start
 };
 
-template <bool kUltimo>
-void ExtremoPaso(sqlite3_context* c, int, sqlite3_value** v) {
-  auto* e = static_cast<Extremo*>(sqlite3_aggregate_context(c, sizeof(Extremo)));
+template <bool kLast>
+void FirstOrLastStep(sqlite3_context* c, int, sqlite3_value** v) {
+  auto* e = static_cast<FirstOrLast*>(sqlite3_aggregate_context(c, sizeof(FirstOrLast)));
   if (e == nullptr) return sqlite3_result_error_nomem(c);
-  if (e->valor != nullptr && !kUltimo) return;
-  sqlite3_value_free(e->valor);
-  e->valor = sqlite3_value_dup(v[0]);
-  if (e->valor == nullptr) sqlite3_result_error_nomem(c);
+  if (e->value != nullptr && !kLast) return;
+  sqlite3_value_free(e->value);
+  e->value = sqlite3_value_dup(v[0]);
+  if (e->value == nullptr) sqlite3_result_error_nomem(c);
 }
 
-void ExtremoFinal(sqlite3_context* c) {
-  auto* e = static_cast<Extremo*>(sqlite3_aggregate_context(c, 0));
-  if (e == nullptr || e->valor == nullptr) return sqlite3_result_null(c);
-  sqlite3_result_value(c, e->valor);
-  sqlite3_value_free(e->valor);
-  e->valor = nullptr;
+void FirstOrLastFinal(sqlite3_context* c) {
+  auto* e = static_cast<FirstOrLast*>(sqlite3_aggregate_context(c, 0));
+  if (e == nullptr || e->value == nullptr) return sqlite3_result_null(c);
+  sqlite3_result_value(c, e->value);
+  sqlite3_value_free(e->value);
+  e->value = nullptr;
 }
 
 // Running mean and sum of squared differences, which does not lose digits on large values.
 struct Dispersion {
-  std::int64_t cuantos;
-  double media, suma;
+  std::int64_t how_many;
+  double mean, sum;
 };
 
-void DispersionPaso(sqlite3_context* c, int, sqlite3_value** v) {
+void DispersionStep(sqlite3_context* c, int, sqlite3_value** v) {
   auto* d = static_cast<Dispersion*>(sqlite3_aggregate_context(c, sizeof(Dispersion)));
   if (d == nullptr) return sqlite3_result_error_nomem(c);
   if (sqlite3_value_type(v[0]) == SQLITE_NULL) return;
   const double x = sqlite3_value_double(v[0]);
-  ++d->cuantos;
-  const double salto = x - d->media;
-  d->media += salto / static_cast<double>(d->cuantos);
-  d->suma += salto * (x - d->media);
+  ++d->how_many;
+  const double delta = x - d->mean;
+  d->mean += delta / static_cast<double>(d->how_many);
+  d->sum += delta * (x - d->mean);
 }
 
-template <bool kMuestra, bool kRaiz>
+template <bool kSample, bool kRoot>
 void DispersionFinal(sqlite3_context* c) {
   const auto* d = static_cast<const Dispersion*>(sqlite3_aggregate_context(c, 0));
-  const std::int64_t grados = d == nullptr ? 0 : d->cuantos - (kMuestra ? 1 : 0);
-  if (grados <= 0) return sqlite3_result_null(c);
-  const double varianza = d->suma / static_cast<double>(grados);
-  sqlite3_result_double(c, kRaiz ? std::sqrt(varianza) : varianza);
+  const std::int64_t degrees = d == nullptr ? 0 : d->how_many - (kSample ? 1 : 0);
+  if (degrees <= 0) return sqlite3_result_null(c);
+  const double variance = d->sum / static_cast<double>(degrees);
+  sqlite3_result_double(c, kRoot ? std::sqrt(variance) : variance);
 }
 
-using PasoTotal = void (*)(sqlite3_context*, int, sqlite3_value**);
-using FinalTotal = void (*)(sqlite3_context*);
+using TotalStep = void (*)(sqlite3_context*, int, sqlite3_value**);
+using TotalFinal = void (*)(sqlite3_context*);
 
 struct Total {
-  const char* nombre;
-  PasoTotal paso;
-  FinalTotal final;
+  const char* name;
+  TotalStep step;
+  TotalFinal final;
 };
 
-constexpr Total kTotales[] = {
-    {"jet_first", ExtremoPaso<false>, ExtremoFinal},
-    {"jet_last", ExtremoPaso<true>, ExtremoFinal},
-    {"jet_stdev", DispersionPaso, DispersionFinal<true, true>},
-    {"jet_stdevp", DispersionPaso, DispersionFinal<false, true>},
-    {"jet_var", DispersionPaso, DispersionFinal<true, false>},
-    {"jet_varp", DispersionPaso, DispersionFinal<false, false>},
+constexpr Total kTotals[] = {
+    {"jet_first", FirstOrLastStep<false>, FirstOrLastFinal},
+    {"jet_last", FirstOrLastStep<true>, FirstOrLastFinal},
+    {"jet_stdev", DispersionStep, DispersionFinal<true, true>},
+    {"jet_stdevp", DispersionStep, DispersionFinal<false, true>},
+    {"jet_var", DispersionStep, DispersionFinal<true, false>},
+    {"jet_varp", DispersionStep, DispersionFinal<false, false>},
 };
 
 }  // namespace
 
-void RegistrarTotales(sqlite3* base) {
-  for (const Total& t : kTotales)
-    sqlite3_create_function_v2(base, t.nombre, 1, SQLITE_UTF8 | SQLITE_INNOCUOUS, nullptr, nullptr, t.paso,
+void RegisterTotals(sqlite3* base) {
+  for (const Total& t : kTotals)
+    sqlite3_create_function_v2(base, t.name, 1, SQLITE_UTF8 | SQLITE_INNOCUOUS, nullptr, nullptr, t.step,
                                t.final, nullptr);
 }
 

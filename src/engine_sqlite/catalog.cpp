@@ -7,110 +7,110 @@
 namespace engine_sqlite {
 namespace {
 
-std::string Texto(sqlite3_stmt* s, int columna) { return std::string(TextOf(s, columna)); }
+std::string Text(sqlite3_stmt* s, int column) { return std::string(TextOf(s, column)); }
 
-// Calls `fila` for each row.
-template <typename Fila>
-void Recorrer(sqlite3* base, const Sentencia& s, Fila&& fila) {
+// Calls `row` for each row.
+template <typename Row>
+void Walk(sqlite3* base, const Statement& s, Row&& row) {
   int rc = SQLITE_OK;
-  while ((rc = sqlite3_step(s.get())) == SQLITE_ROW) fila(s.get());
-  if (rc != SQLITE_DONE) LanzarError(base);
+  while ((rc = sqlite3_step(s.get())) == SQLITE_ROW) row(s.get());
+  if (rc != SQLITE_DONE) ThrowError(base);
 }
 
-void LigarTexto(const Sentencia& s, int indice, std::string_view texto) {
-  sqlite3_bind_text64(s.get(), indice, texto.data(), texto.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+void BindText(const Statement& s, int index, std::string_view text) {
+  sqlite3_bind_text64(s.get(), index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
 }  // namespace
 
-void CatalogoSqlite::Leer() {
-  if (leido_) return;
-  bool hay_consultas = false;
-  const Sentencia s =
-      Preparar(base_,
-               "SELECT name FROM sqlite_schema WHERE type IN ('table','view') AND name NOT LIKE 'sqlite\\_%' "
-               "ESCAPE '\\'");
-  Recorrer(base_, s, [&](sqlite3_stmt* f) {
-    std::string nombre = Texto(f, 0);
-    if (nombre == kTablaDeConsultas) {
-      hay_consultas = true;
+void SqliteCatalog::Read() {
+  if (loaded_) return;
+  bool has_queries = false;
+  const Statement s =
+      Prepare(base_,
+              "SELECT name FROM sqlite_schema WHERE type IN ('table','view') AND name NOT LIKE 'sqlite\\_%' "
+              "ESCAPE '\\'");
+  Walk(base_, s, [&](sqlite3_stmt* f) {
+    std::string name = Text(f, 0);
+    if (name == kQueryTable) {
+      has_queries = true;
       return;
     }
-    std::string clave = base::Minusculas(nombre);
-    tablas_[std::move(clave)].nombre = std::move(nombre);
+    std::string key = base::LowerCase(name);
+    tables_[std::move(key)].name = std::move(name);
   });
-  if (hay_consultas) LeerConsultas();
-  leido_ = true;
+  if (has_queries) ReadQueries();
+  loaded_ = true;
 }
 
-void CatalogoSqlite::LeerConsultas() {
-  const Sentencia s = Preparar(base_, "SELECT Nombre, Texto FROM MSysConsultas");
-  Recorrer(base_, s, [&](sqlite3_stmt* f) {
-    std::string nombre = Texto(f, 0);
-    std::string clave = base::Minusculas(nombre);
-    consultas_[std::move(clave)] = {std::move(nombre), Texto(f, 1)};
+void SqliteCatalog::ReadQueries() {
+  const Statement s = Prepare(base_, "SELECT Nombre, Texto FROM MSysConsultas");
+  Walk(base_, s, [&](sqlite3_stmt* f) {
+    std::string name = Text(f, 0);
+    std::string key = base::LowerCase(name);
+    queries_[std::move(key)] = {std::move(name), Text(f, 1)};
   });
 }
 
-const jetsql::TablaInfo* CatalogoSqlite::Tabla(std::string_view nombre) {
-  if (fuente_ != nullptr) return fuente_->Tabla(nombre);
-  Leer();
-  const auto it = tablas_.find(base::Minusculas(nombre));
-  if (it == tablas_.end()) return nullptr;
-  Entrada& entrada = it->second;
-  if (entrada.columnas == nullptr) {
-    auto info = std::make_unique<jetsql::TablaInfo>();
-    info->nombre = entrada.nombre;
-    const Sentencia s = Preparar(base_, "SELECT name, type FROM pragma_table_info(?1) ORDER BY cid");
-    LigarTexto(s, 1, entrada.nombre);
-    Recorrer(base_, s, [&](sqlite3_stmt* f) {
-      info->columnas.push_back({Texto(f, 0), jetsql::TipoDeDeclaracion(Texto(f, 1))});
+const jetsql::TableInfo* SqliteCatalog::Table(std::string_view name) {
+  if (source_ != nullptr) return source_->Table(name);
+  Read();
+  const auto it = tables_.find(base::LowerCase(name));
+  if (it == tables_.end()) return nullptr;
+  Entry& entry = it->second;
+  if (entry.columns == nullptr) {
+    auto info = std::make_unique<jetsql::TableInfo>();
+    info->name = entry.name;
+    const Statement s = Prepare(base_, "SELECT name, type FROM pragma_table_info(?1) ORDER BY cid");
+    BindText(s, 1, entry.name);
+    Walk(base_, s, [&](sqlite3_stmt* f) {
+      info->columns.push_back({Text(f, 0), jetsql::DeclaredType(Text(f, 1))});
     });
-    entrada.columnas = std::move(info);
+    entry.columns = std::move(info);
   }
-  return entrada.columnas.get();
+  return entry.columns.get();
 }
 
-const std::string* CatalogoSqlite::Consulta(std::string_view nombre) {
-  if (fuente_ != nullptr) return fuente_->Consulta(nombre);
-  Leer();
-  const auto it = consultas_.find(base::Minusculas(nombre));
-  return it == consultas_.end() ? nullptr : &it->second.texto;
+const std::string* SqliteCatalog::Query(std::string_view name) {
+  if (source_ != nullptr) return source_->Query(name);
+  Read();
+  const auto it = queries_.find(base::LowerCase(name));
+  return it == queries_.end() ? nullptr : &it->second.text;
 }
 
-void CatalogoSqlite::Olvidar() {
-  leido_ = false;
-  tablas_.clear();
-  consultas_.clear();
+void SqliteCatalog::Forget() {
+  loaded_ = false;
+  tables_.clear();
+  queries_.clear();
 }
 
-void CatalogoSqlite::VerificarNombreLibre(const jetsql::Definicion& definicion) {
-  using Que = jetsql::Definicion::Que;
-  const bool tabla = definicion.que == Que::CrearTabla, vista = definicion.que == Que::CrearVista;
-  if (!tabla && !vista) return;
-  if (base::IgualSinCaso(definicion.nombre, kTablaDeConsultas))
-    throw db::Error("El nombre " + definicion.nombre + " está reservado.");
-  if (Consulta(definicion.nombre) != nullptr)
-    throw db::Error("Ya existe una consulta con el nombre " + definicion.nombre + ".");
-  if (vista && Tabla(definicion.nombre) != nullptr)
-    throw db::Error("Ya existe una tabla con el nombre " + definicion.nombre + ".");
+void SqliteCatalog::VerifyNameIsFree(const jetsql::Definition& definition) {
+  using What = jetsql::Definition::What;
+  const bool table = definition.what == What::CreateTable, view = definition.what == What::CreateView;
+  if (!table && !view) return;
+  if (base::EqualIgnoringCase(definition.name, kQueryTable))
+    throw db::Error("El nombre " + definition.name + " está reservado.");
+  if (Query(definition.name) != nullptr)
+    throw db::Error("Ya existe una consulta con el nombre " + definition.name + ".");
+  if (view && Table(definition.name) != nullptr)
+    throw db::Error("Ya existe una tabla con el nombre " + definition.name + ".");
 }
 
-void CatalogoSqlite::CrearConsulta(std::string_view nombre, std::string_view texto) {
-  EjecutarPropio(
+void SqliteCatalog::CreateQuery(std::string_view name, std::string_view text) {
+  ExecuteOwn(
       base_,
       "CREATE TABLE IF NOT EXISTS MSysConsultas (Nombre TEXT PRIMARY KEY NOT NULL, Texto TEXT NOT NULL)");
-  const Sentencia s = Preparar(base_, "INSERT INTO MSysConsultas (Nombre, Texto) VALUES (?1, ?2)");
-  LigarTexto(s, 1, nombre);
-  LigarTexto(s, 2, texto);
-  Recorrer(base_, s, [](sqlite3_stmt*) {});
+  const Statement s = Prepare(base_, "INSERT INTO MSysConsultas (Nombre, Texto) VALUES (?1, ?2)");
+  BindText(s, 1, name);
+  BindText(s, 2, text);
+  Walk(base_, s, [](sqlite3_stmt*) {});
 }
 
-void CatalogoSqlite::BorrarConsulta(std::string_view nombre) {
-  if (Consulta(nombre) == nullptr) throw db::Error("No existe la consulta " + std::string(nombre) + ".");
-  const Sentencia s = Preparar(base_, "DELETE FROM MSysConsultas WHERE Nombre = ?1");
-  LigarTexto(s, 1, consultas_.at(base::Minusculas(nombre)).nombre);
-  Recorrer(base_, s, [](sqlite3_stmt*) {});
+void SqliteCatalog::DropQuery(std::string_view name) {
+  if (Query(name) == nullptr) throw db::Error("No existe la consulta " + std::string(name) + ".");
+  const Statement s = Prepare(base_, "DELETE FROM MSysConsultas WHERE Nombre = ?1");
+  BindText(s, 1, queries_.at(base::LowerCase(name)).name);
+  Walk(base_, s, [](sqlite3_stmt*) {});
 }
 
 }  // namespace engine_sqlite

@@ -1,7 +1,7 @@
 // What the translator asks of a SQLite file: tables with typed columns, and saved queries.
 //
-// A saved query is a row (Nombre, Texto) of the table MSysConsultas, which the catalog hides. The list of
-// names is read when the first name is asked, a table's columns when that table is; Olvidar makes both be
+// A saved query is a row (Name, Text) of the table MSysConsultas, which the catalog hides. The list of
+// names is read when the first name is asked, a table's columns when that table is; Forget makes both be
 // read anew.
 #pragma once
 
@@ -18,42 +18,42 @@
 
 namespace engine_sqlite {
 
-inline constexpr std::string_view kTablaDeConsultas = "MSysConsultas";
+inline constexpr std::string_view kQueryTable = "MSysConsultas";
 
-class CatalogoSqlite final : public jetsql::Catalogo {
+class SqliteCatalog final : public jetsql::Catalog {
  public:
-  explicit CatalogoSqlite(sqlite3* base) : base_(base) {}
+  explicit SqliteCatalog(sqlite3* base) : base_(base) {}
   // The catalog of a mirror: the source answers alone.
-  explicit CatalogoSqlite(jetsql::Catalogo& fuente) : fuente_(&fuente) {}
+  explicit SqliteCatalog(jetsql::Catalog& source) : source_(&source) {}
 
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) override;
-  const std::string* Consulta(std::string_view nombre) override;
+  const jetsql::TableInfo* Table(std::string_view name) override;
+  const std::string* Query(std::string_view name) override;
 
-  void Olvidar();
+  void Forget();
 
   // Throws db::Error when the definition would take a name that is in use or ours.
-  void VerificarNombreLibre(const jetsql::Definicion& definicion);
+  void VerifyNameIsFree(const jetsql::Definition& definition);
   // Throws db::Error when there is none to delete.
-  void CrearConsulta(std::string_view nombre, std::string_view texto);
-  void BorrarConsulta(std::string_view nombre);
+  void CreateQuery(std::string_view name, std::string_view text);
+  void DropQuery(std::string_view name);
 
  private:
-  struct Entrada {
-    std::string nombre;                                 // as it was created
-    std::unique_ptr<const jetsql::TablaInfo> columnas;  // null until asked
+  struct Entry {
+    std::string name;                                  // as it was created
+    std::unique_ptr<const jetsql::TableInfo> columns;  // null until asked
   };
-  struct Guardada {
-    std::string nombre;  // as it was created
-    std::string texto;
+  struct Saved {
+    std::string name;  // as it was created
+    std::string text;
   };
-  void Leer();
-  void LeerConsultas();
+  void Read();
+  void ReadQueries();
 
   sqlite3* base_ = nullptr;
-  jetsql::Catalogo* fuente_ = nullptr;
-  bool leido_ = false;
-  std::unordered_map<std::string, Entrada> tablas_;      // by name in lower case
-  std::unordered_map<std::string, Guardada> consultas_;  // likewise
+  jetsql::Catalog* source_ = nullptr;
+  bool loaded_ = false;
+  std::unordered_map<std::string, Entry> tables_;   // by name in lower case
+  std::unordered_map<std::string, Saved> queries_;  // likewise
 };
 
 }  // namespace engine_sqlite

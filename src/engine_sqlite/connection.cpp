@@ -9,28 +9,28 @@
 namespace engine_sqlite {
 namespace {
 
-using jetsql::Clase;
-using Que = jetsql::Definicion::Que;
+using jetsql::Kind;
+using What = jetsql::Definition::What;
 
-constexpr const char* kSoloConsultas = "La sentencia no es de consulta: aquí solo se puede leer.";
+constexpr const char* kQueriesOnly = "La sentencia no es de consulta: aquí solo se puede leer.";
 
-Preparada Prepared(jetsql::Traduccion translation) {
-  Preparada p;
-  p.traduccion = std::move(translation);
-  p.sentencias.resize(p.traduccion.pasos.size());
-  auto columns = std::make_shared<db::Columnas>();
-  for (const jetsql::ColumnaResultado& c : p.traduccion.columnas) columns->push_back({c.nombre, c.tipo});
-  p.columnas = std::move(columns);
+Prepared PreparedOf(jetsql::Translation translation) {
+  Prepared p;
+  p.translation = std::move(translation);
+  p.statements.resize(p.translation.steps.size());
+  auto columns = std::make_shared<db::Columns>();
+  for (const jetsql::ResultColumn& c : p.translation.columns) columns->push_back({c.name, c.type});
+  p.columns = std::move(columns);
   return p;
 }
 
 // Leaves a statement ready for its next run, whatever happened in this one.
-class Reponer {
+class StatementReset {
  public:
-  explicit Reponer(sqlite3_stmt* s) : s_(s) {}
-  Reponer(const Reponer&) = delete;
-  Reponer& operator=(const Reponer&) = delete;
-  ~Reponer() {
+  explicit StatementReset(sqlite3_stmt* s) : s_(s) {}
+  StatementReset(const StatementReset&) = delete;
+  StatementReset& operator=(const StatementReset&) = delete;
+  ~StatementReset() {
     sqlite3_reset(s_);
     sqlite3_clear_bindings(s_);
   }
@@ -40,32 +40,32 @@ class Reponer {
 };
 
 // Several steps, all or none: a savepoint inside a transaction, else a transaction of their own.
-class Conjunto {
+class AllOrNone {
  public:
-  Conjunto(sqlite3* base, bool en_transaccion, bool lee) : base_(base), anidado_(en_transaccion) {
-    EjecutarPropio(base_, anidado_ ? "SAVEPOINT sentencia" : (lee ? "BEGIN" : "BEGIN IMMEDIATE"));
+  AllOrNone(sqlite3* base, bool in_transaction, bool reads) : base_(base), nested_(in_transaction) {
+    ExecuteOwn(base_, nested_ ? "SAVEPOINT sentencia" : (reads ? "BEGIN" : "BEGIN IMMEDIATE"));
   }
-  Conjunto(const Conjunto&) = delete;
-  Conjunto& operator=(const Conjunto&) = delete;
-  ~Conjunto() {
-    if (hecho_ || sqlite3_get_autocommit(base_) != 0) return;
-    const char* undo = anidado_ ? "ROLLBACK TO sentencia; RELEASE sentencia" : "ROLLBACK";
-    if (sqlite3_exec(base_, undo, nullptr, nullptr, nullptr) == SQLITE_OK || !anidado_) return;
+  AllOrNone(const AllOrNone&) = delete;
+  AllOrNone& operator=(const AllOrNone&) = delete;
+  ~AllOrNone() {
+    if (done_ || sqlite3_get_autocommit(base_) != 0) return;
+    const char* undo = nested_ ? "ROLLBACK TO sentencia; RELEASE sentencia" : "ROLLBACK";
+    if (sqlite3_exec(base_, undo, nullptr, nullptr, nullptr) == SQLITE_OK || !nested_) return;
     // Half a statement must not be kept: then nothing of the transaction is, and what comes next is told so.
     sqlite3_exec(base_, "ROLLBACK", nullptr, nullptr, nullptr);
   }
-  void Confirmar() {
-    EjecutarPropio(base_, anidado_ ? "RELEASE sentencia" : "COMMIT");
-    hecho_ = true;
+  void Commit() {
+    ExecuteOwn(base_, nested_ ? "RELEASE sentencia" : "COMMIT");
+    done_ = true;
   }
 
  private:
   sqlite3* base_;
-  bool anidado_;
-  bool hecho_ = false;
+  bool nested_;
+  bool done_ = false;
 };
 
-base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
+base::Value ColumnValue(sqlite3_stmt* s, int i, base::Type type) {
   switch (sqlite3_column_type(s, i)) {
     case SQLITE_NULL:
       return {};
@@ -73,23 +73,23 @@ base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
     case SQLITE_BLOB:
       return std::string(TextOf(s, i));
     case SQLITE_INTEGER:
-      if (tipo == base::Tipo::Booleano) return sqlite3_column_int64(s, i) != 0;
-      if (tipo == base::Tipo::Nulo || tipo == base::Tipo::Entero || tipo == base::Tipo::Texto)
+      if (type == base::Type::Boolean) return sqlite3_column_int64(s, i) != 0;
+      if (type == base::Type::Null || type == base::Type::Integer || type == base::Type::Text)
         return std::int64_t{sqlite3_column_int64(s, i)};
       break;
     default:
       break;
   }
   const double v = sqlite3_column_double(s, i);
-  switch (tipo) {
-    case base::Tipo::Booleano:
+  switch (type) {
+    case base::Type::Boolean:
       return v != 0;
-    case base::Tipo::Simple:
+    case base::Type::Single:
       return static_cast<float>(v);
-    case base::Tipo::Moneda:
+    case base::Type::Currency:
       return base::CurrencyOf(v);
-    case base::Tipo::Fecha:
-      return base::Fecha{v};
+    case base::Type::Date:
+      return base::Date{v};
     default:
       return v;
   }
@@ -97,173 +97,172 @@ base::Valor DeColumna(sqlite3_stmt* s, int i, base::Tipo tipo) {
 
 }  // namespace
 
-db::Recordset ConexionSqlite::EjecutarComo(std::string_view sql, bool solo_consulta) {
-  return db::AsConnectionErrors([&] { return ResolverYCorrer(sql, solo_consulta); });
+db::Recordset SqliteConnection::ExecuteAs(std::string_view sql, bool query_only) {
+  return db::AsConnectionErrors([&] { return ResolveAndRun(sql, query_only); });
 }
 
-void ConexionSqlite::BeginStatement() {
-  VerificarUtil();
-  afectadas_ = 0;
-  entorno_.ahora.reset();
-  ++contadores_.ejecuciones;
-  if (!en_transaccion_) VerCambiosAjenos();
+void SqliteConnection::BeginStatement() {
+  VerifyUsable();
+  affected_ = 0;
+  environment_.now.reset();
+  ++counters_.executions;
+  if (!in_transaction_) CheckOutsideChanges();
 }
 
-void ConexionSqlite::RunTranslation(jetsql::Traduccion translation) {
+void SqliteConnection::RunTranslation(jetsql::Translation translation) {
   db::AsConnectionErrors([&] {
     BeginStatement();
-    Preparada p = Prepared(std::move(translation));
-    if (fuente_ != nullptr) Anunciar(p.traduccion);
-    Correr(p, {}, {});
+    Prepared p = PreparedOf(std::move(translation));
+    if (source_ != nullptr) Announce(p.translation);
+    Run(p, {}, {});
   });
 }
 
-db::Recordset ConexionSqlite::ResolverYCorrer(std::string_view sql, bool solo_consulta) {
+db::Recordset SqliteConnection::ResolveAndRun(std::string_view sql, bool query_only) {
   BeginStatement();
-  const std::vector<base::Valor>* literales = nullptr;
-  const std::shared_ptr<Preparada> p = Resolver(sql, literales);
-  if (solo_consulta && p->traduccion.clase != Clase::Consulta) throw db::Error(kSoloConsultas);
-  if (fuente_ != nullptr) Anunciar(p->traduccion);
-  return Correr(*p, *literales, sql);
+  const std::vector<base::Value>* literals = nullptr;
+  const std::shared_ptr<Prepared> p = Resolve(sql, literals);
+  if (query_only && p->translation.kind != Kind::Query) throw db::Error(kQueriesOnly);
+  if (source_ != nullptr) Announce(p->translation);
+  return Run(*p, *literals, sql);
 }
 
 // A source that fails is asked for its tables again the next time, which only a new translation does.
-void ConexionSqlite::Anunciar(const jetsql::Traduccion& sentencia) {
+void SqliteConnection::Announce(const jetsql::Translation& statement) {
   try {
-    fuente_->AntesDeCorrer(sentencia);
+    source_->BeforeRun(statement);
   } catch (const base::Error&) {
-    OlvidarTodo();
+    ForgetAll();
     throw;
   }
 }
 
-void ConexionSqlite::VerCambiosAjenos() {
-  if (version_ajena_ == nullptr) return;
-  const Reponer reponer(version_ajena_.get());
-  if (sqlite3_step(version_ajena_.get()) != SQLITE_ROW) LanzarError(base_.get());
-  const std::int64_t version = sqlite3_column_int64(version_ajena_.get(), 0);
-  if (version == version_vista_) return;
-  version_vista_ = version;
-  OlvidarTodo();
+void SqliteConnection::CheckOutsideChanges() {
+  if (outside_version_ == nullptr) return;
+  const StatementReset restore(outside_version_.get());
+  if (sqlite3_step(outside_version_.get()) != SQLITE_ROW) ThrowError(base_.get());
+  const std::int64_t version = sqlite3_column_int64(outside_version_.get(), 0);
+  if (version == seen_version_) return;
+  seen_version_ = version;
+  ForgetAll();
 }
 
-std::shared_ptr<Preparada> ConexionSqlite::Resolver(std::string_view sql,
-                                                    const std::vector<base::Valor>*& literales) {
-  if (const CacheDeMoldes::Hallado h = moldes_.Buscar(sql); h.ranura != nullptr) {
-    ++(h.igual ? contadores_.textos_iguales : contadores_.formas_conocidas);
-    literales = &h.ranura->molde.Literales();
-    return h.ranura->preparada;
+std::shared_ptr<Prepared> SqliteConnection::Resolve(std::string_view sql,
+                                                    const std::vector<base::Value>*& literals) {
+  if (const MouldCache::Found h = moulds_.Find(sql); h.slot != nullptr) {
+    ++(h.equal ? counters_.equal_texts : counters_.known_shapes);
+    literals = &h.slot->mould.Literals();
+    return h.slot->prepared;
   }
-  literales = &forma_.literales;
-  if (!jetsql::SepararLiterales(sql, forma_)) {
-    Traducir(sql);  // says what is wrong
+  literals = &shape_.literals;
+  if (!jetsql::SeparateLiterals(sql, shape_)) {
+    Translate(sql);  // says what is wrong
     throw db::Error("La sentencia tiene un valor mal escrito.");
   }
-  std::shared_ptr<Preparada> p = formas_.Buscar(forma_);
+  std::shared_ptr<Prepared> p = shapes_.Find(shape_);
   if (p != nullptr) {
-    ++contadores_.formas_conocidas;
+    ++counters_.known_shapes;
   } else {
-    p = Traducir(sql);
-    for (const int i : p->traduccion.fijos)
-      p->valores_fijos.push_back(forma_.literales.at(static_cast<std::size_t>(i)));
-    if (p->traduccion.clase == Clase::Definicion) return p;
-    formas_.Guardar(forma_, p);
+    p = Translate(sql);
+    for (const int i : p->translation.fixed)
+      p->fixed_values.push_back(shape_.literals.at(static_cast<std::size_t>(i)));
+    if (p->translation.kind == Kind::Definition) return p;
+    shapes_.Store(shape_, p);
   }
-  moldes_.Guardar(sql, forma_, p);
+  moulds_.Store(sql, shape_, p);
   return p;
 }
 
-std::shared_ptr<Preparada> ConexionSqlite::Traducir(std::string_view sql, const ColumnasDeCruces& cruces) {
-  ++contadores_.traducciones;
-  return std::make_shared<Preparada>(
-      Prepared(cruces.empty() ? jetsql::Traducir(sql, catalogo_, traduccion_)
-                              : jetsql::TraducirCruzada(sql, catalogo_, traduccion_, cruces)));
+std::shared_ptr<Prepared> SqliteConnection::Translate(std::string_view sql, const KnownCrosstabs& crosstabs) {
+  ++counters_.translations;
+  return std::make_shared<Prepared>(PreparedOf(
+      crosstabs.empty() ? jetsql::Translate(sql, catalog_, translation_options_)
+                        : jetsql::TranslateCrosstab(sql, catalog_, translation_options_, crosstabs)));
 }
 
-db::Recordset ConexionSqlite::Correr(Preparada& p, const std::vector<base::Valor>& literales,
-                                     std::string_view sql, ColumnasDeCruces cruces) {
-  const jetsql::Traduccion& t = p.traduccion;
-  if (t.clase == Clase::Definicion || t.definicion.que != Que::Ninguna) {
-    CorrerDefinicion(p, literales);
-    return {p.columnas, {}, std::string(sql)};
+db::Recordset SqliteConnection::Run(Prepared& p, const std::vector<base::Value>& literals,
+                                    std::string_view sql, KnownCrosstabs crosstabs) {
+  const jetsql::Translation& t = p.translation;
+  if (t.kind == Kind::Definition || t.definition.what != What::None) {
+    RunDefinition(p, literals);
+    return {p.columns, {}, std::string(sql)};
   }
-  std::vector<base::Valor> celdas;
-  std::vector<base::Valor>* destino = t.clase == Clase::Consulta ? &celdas : nullptr;
-  if (t.pasos.size() == 1) {
-    CorrerPaso(p, 0, literales, destino);
-    if (jetsql::ChangesRows(t.clase)) afectadas_ = sqlite3_changes64(base_.get());
+  std::vector<base::Value> cells;
+  std::vector<base::Value>* target = t.kind == Kind::Query ? &cells : nullptr;
+  if (t.steps.size() == 1) {
+    RunStep(p, 0, literals, target);
+    if (jetsql::ChangesRows(t.kind)) affected_ = sqlite3_changes64(base_.get());
   } else {
-    Conjunto conjunto(base_.get(), en_transaccion_, t.clase == Clase::Consulta);
-    for (std::size_t i = 0; i < t.pasos.size(); ++i) CorrerPaso(p, i, literales, destino);
-    if (jetsql::ChangesRows(t.clase)) afectadas_ = sqlite3_changes64(base_.get());
-    conjunto.Confirmar();
+    AllOrNone all_or_none(base_.get(), in_transaction_, t.kind == Kind::Query);
+    for (std::size_t i = 0; i < t.steps.size(); ++i) RunStep(p, i, literals, target);
+    if (jetsql::ChangesRows(t.kind)) affected_ = sqlite3_changes64(base_.get());
+    all_or_none.Commit();
   }
-  if (t.cruzada) {
-    cruces.push_back({t.consulta_cruzada, std::move(celdas)});
-    const std::shared_ptr<Preparada> sigue = Traducir(sql, cruces);
-    if (fuente_ != nullptr) Anunciar(sigue->traduccion);
-    return Correr(*sigue, literales, sql, std::move(cruces));
+  if (t.crosstab) {
+    crosstabs.push_back({t.crosstab_query, std::move(cells)});
+    const std::shared_ptr<Prepared> next = Translate(sql, crosstabs);
+    if (source_ != nullptr) Announce(next->translation);
+    return Run(*next, literals, sql, std::move(crosstabs));
   }
-  return {p.columnas, std::move(celdas), std::string(sql)};
+  return {p.columns, std::move(cells), std::string(sql)};
 }
 
-void ConexionSqlite::CorrerDefinicion(Preparada& p, const std::vector<base::Valor>& literales) {
-  const jetsql::Definicion& d = p.traduccion.definicion;
-  catalogo_.VerificarNombreLibre(d);
+void SqliteConnection::RunDefinition(Prepared& p, const std::vector<base::Value>& literals) {
+  const jetsql::Definition& d = p.translation.definition;
+  catalog_.VerifyNameIsFree(d);
   {
-    Conjunto conjunto(base_.get(), en_transaccion_, false);
-    for (std::size_t i = 0; i < p.traduccion.pasos.size(); ++i) CorrerPaso(p, i, literales, nullptr);
-    if (p.traduccion.fills) afectadas_ = sqlite3_changes64(base_.get());
-    if (d.que == Que::CrearVista) catalogo_.CrearConsulta(d.nombre, d.texto_vista);
-    if (d.que == Que::BorrarVista) catalogo_.BorrarConsulta(d.nombre);
-    conjunto.Confirmar();
+    AllOrNone all_or_none(base_.get(), in_transaction_, false);
+    for (std::size_t i = 0; i < p.translation.steps.size(); ++i) RunStep(p, i, literals, nullptr);
+    if (p.translation.fills) affected_ = sqlite3_changes64(base_.get());
+    if (d.what == What::CreateView) catalog_.CreateQuery(d.name, d.view_text);
+    if (d.what == What::DropView) catalog_.DropQuery(d.name);
+    all_or_none.Commit();
   }
-  definio_ = true;
-  OlvidarTodo();
+  defined_ = true;
+  ForgetAll();
 }
 
-void ConexionSqlite::CorrerPaso(Preparada& p, std::size_t paso, const std::vector<base::Valor>& literales,
-                                std::vector<base::Valor>* celdas) {
-  Sentencia& sentencia = p.sentencias[paso];
-  const std::string& texto = p.traduccion.pasos[paso];
-  entorno_.fallo = entorno_.sin_memoria = false;
-  if (sentencia == nullptr) {
-    ++contadores_.preparaciones;
-    sentencia = Preparar(base_.get(), texto);
+void SqliteConnection::RunStep(Prepared& p, std::size_t step, const std::vector<base::Value>& literals,
+                               std::vector<base::Value>* cells) {
+  Statement& statement = p.statements[step];
+  const std::string& text = p.translation.steps[step];
+  environment_.failed = environment_.out_of_memory = false;
+  if (statement == nullptr) {
+    ++counters_.preparations;
+    statement = Prepare(base_.get(), text);
   }
-  sqlite3_stmt* s = sentencia.get();
-  const Reponer reponer(s);
-  WorkLimit limit(base_.get(), s, entorno_, budget_);
-  const int parametros = sqlite3_bind_parameter_count(s);
-  for (int i = 0; i < parametros && i < static_cast<int>(literales.size()); ++i)
-    Ligar(s, i + 1, literales[i]);
-  const int ancho = sqlite3_column_count(s);
-  const bool guardar = celdas != nullptr && ancho > 0 && ancho == static_cast<int>(p.columnas->size());
+  sqlite3_stmt* s = statement.get();
+  const StatementReset restore(s);
+  WorkLimit limit(base_.get(), s, environment_, budget_);
+  const int parameters = sqlite3_bind_parameter_count(s);
+  for (int i = 0; i < parameters && i < static_cast<int>(literals.size()); ++i) Bind(s, i + 1, literals[i]);
+  const int width = sqlite3_column_count(s);
+  const bool keep = cells != nullptr && width > 0 && width == static_cast<int>(p.columns->size());
   int rc = SQLITE_OK;
   while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
-    if (!guardar) continue;
-    for (int i = 0; i < ancho; ++i) celdas->push_back(DeColumna(s, i, (*p.columnas)[i].tipo));
-    limit.Row(*celdas, static_cast<std::size_t>(ancho));
+    if (!keep) continue;
+    for (int i = 0; i < width; ++i) cells->push_back(ColumnValue(s, i, (*p.columns)[i].type));
+    limit.Row(*cells, static_cast<std::size_t>(width));
   }
-  if ((rc & 0xFF) == SQLITE_INTERRUPT && !entorno_.sin_memoria) limit.ThrowIfInterrupted();
-  if (rc != SQLITE_DONE || entorno_.sin_memoria) LanzarDePaso();
+  if ((rc & 0xFF) == SQLITE_INTERRUPT && !environment_.out_of_memory) limit.ThrowIfInterrupted();
+  if (rc != SQLITE_DONE || environment_.out_of_memory) ThrowFromStep();
 }
 
-void ConexionSqlite::LanzarDePaso() {
-  if (entorno_.sin_memoria) throw db::Error(base::StorageFault(base::kOutOfMemory));
+void SqliteConnection::ThrowFromStep() {
+  if (environment_.out_of_memory) throw db::Error(base::StorageFault(base::kOutOfMemory));
   // What SQLite undid by itself was the whole transaction, whatever the reason.
-  const bool undone = en_transaccion_ && sqlite3_get_autocommit(base_.get()) != 0;
+  const bool undone = in_transaction_ && sqlite3_get_autocommit(base_.get()) != 0;
   const base::ErrorKind kind = undone ? base::ErrorKind::Storage : base::ErrorKind::Statement;
-  if (entorno_.fallo) throw db::Error(entorno_.descripcion, entorno_.numero, {}, kind);
-  if (!undone) LanzarError(base_.get());
+  if (environment_.failed) throw db::Error(environment_.description, environment_.number, {}, kind);
+  if (!undone) ThrowError(base_.get());
   const int code = sqlite3_extended_errcode(base_.get());
-  throw db::Error(DescripcionDe(code, sqlite3_errmsg(base_.get())), 0, {}, kind);
+  throw db::Error(DescriptionOf(code, sqlite3_errmsg(base_.get())), 0, {}, kind);
 }
 
-void ConexionSqlite::OlvidarTodo() {
-  moldes_.Vaciar();
-  formas_.Vaciar();
-  catalogo_.Olvidar();
+void SqliteConnection::ForgetAll() {
+  moulds_.Clear();
+  shapes_.Clear();
+  catalog_.Forget();
 }
 
 }  // namespace engine_sqlite

@@ -5,11 +5,11 @@
 
 namespace engine_sqlite {
 
-void ASimple(Llamada& llamada);     // the nearest single, as its shortest decimal
-void ComoSimple(Llamada& llamada);  // the same, but what is too large for one stays as it is
-void AMoneda(Llamada& llamada);     // four decimals
-void ANumero(Llamada& llamada);     // a double
-void AFecha(Llamada& llamada);      // a day serial
-void ABooleano(Llamada& llamada);   // -1 or 0; "True", "Verdadero" and their opposites are read
+void ToSingle(Call& call);    // the nearest single, as its shortest decimal
+void AsSingle(Call& call);    // the same, but what is too large for one stays as it is
+void ToCurrency(Call& call);  // four decimals
+void ToNumber(Call& call);    // a double
+void ToDate(Call& call);      // a day serial
+void ToBoolean(Call& call);   // -1 or 0; "True", "Verdadero" and their opposites are read
 
 }  // namespace engine_sqlite

@@ -8,109 +8,109 @@ namespace engine_sqlite {
 namespace {
 
 // The fraction of a serial is a positive time of day, also below zero.
-base::Fecha SoloDia(base::Fecha f) { return {std::trunc(f.serie)}; }
-base::Fecha SoloHora(base::Fecha f) { return {std::abs(f.serie - std::trunc(f.serie))}; }
+base::Date DayOnly(base::Date f) { return {std::trunc(f.serial)}; }
+base::Date TimeOnly(base::Date f) { return {std::abs(f.serial - std::trunc(f.serial))}; }
 
-void Date(Llamada& l) { l.DarFecha(l.Hoy()); }
-void Now(Llamada& l) { l.DarFecha(l.Ahora()); }
-void Time(Llamada& l) { l.DarFecha(SoloHora(l.Ahora())); }
+void Date(Call& l) { l.ReturnDate(l.Today()); }
+void Now(Call& l) { l.ReturnDate(l.Now()); }
+void Time(Call& l) { l.ReturnDate(TimeOnly(l.Now())); }
 
-void Timer(Llamada& l) {
-  constexpr double kSegundosDelDia = 86400;
-  l.DarNumero(std::floor(SoloHora(l.Ahora()).serie * kSegundosDelDia * 100 + 0.5) / 100);
+void Timer(Call& l) {
+  constexpr double kSecondsPerDay = 86400;
+  l.ReturnNumber(std::floor(TimeOnly(l.Now()).serial * kSecondsPerDay * 100 + 0.5) / 100);
 }
 
-template <int base::PartesFecha::*kParte>
-void Parte(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarEntero(base::Partes(l.Fecha(0)).*kParte);
+template <int base::DateParts::*kPart>
+void PartOf(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnInteger(base::PartsOf(l.Date(0)).*kPart);
 }
 
-void Weekday(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarEntero((base::DiaSemana(l.Fecha(0)) - l.PrimerDia(1) + 7) % 7 + 1);
+void Weekday(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnInteger((base::Weekday(l.Date(0)) - l.FirstDay(1) + 7) % 7 + 1);
 }
 
 // The interval of DateAdd and its kin, which may not be Null while the dates may.
-std::string_view Intervalo(Llamada& l) {
-  if (l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
-  return l.Texto(0);
+std::string_view Interval(Call& l) {
+  if (l.IsNull(0)) ThrowNumber(kInvalidUseOfNull);
+  return l.Text(0);
 }
 
-void DateAdd(Llamada& l) {
-  const std::string_view intervalo = Intervalo(l);
-  const double cantidad = l.Numero(1);
-  if (l.EsNulo(2)) return l.Nulo();
-  l.DarFecha(base::DateAdd(intervalo, cantidad, l.Fecha(2)));
+void DateAdd(Call& l) {
+  const std::string_view interval = Interval(l);
+  const double count = l.Number(1);
+  if (l.IsNull(2)) return l.Null();
+  l.ReturnDate(base::DateAdd(interval, count, l.Date(2)));
 }
 
-void DateDiff(Llamada& l) {
-  const std::string_view intervalo = Intervalo(l);
-  if (l.EsNulo(1) || l.EsNulo(2)) return l.Nulo();
-  l.DarEntero(base::DateDiff(intervalo, l.Fecha(1), l.Fecha(2), l.PrimerDia(3), l.PrimeraSemana(4)));
+void DateDiff(Call& l) {
+  const std::string_view interval = Interval(l);
+  if (l.IsNull(1) || l.IsNull(2)) return l.Null();
+  l.ReturnInteger(base::DateDiff(interval, l.Date(1), l.Date(2), l.FirstDay(3), l.FirstWeek(4)));
 }
 
-void DatePart(Llamada& l) {
-  const std::string_view intervalo = Intervalo(l);
-  if (l.EsNulo(1)) return l.Nulo();
-  l.DarEntero(base::DatePart(intervalo, l.Fecha(1), l.PrimerDia(2), l.PrimeraSemana(3)));
+void DatePart(Call& l) {
+  const std::string_view interval = Interval(l);
+  if (l.IsNull(1)) return l.Null();
+  l.ReturnInteger(base::DatePart(interval, l.Date(1), l.FirstDay(2), l.FirstWeek(3)));
 }
 
-void DateSerial(Llamada& l) { l.DarFecha(base::FechaDe(l.Entero32(0), l.Entero32(1), l.Entero32(2))); }
+void DateSerial(Call& l) { l.ReturnDate(base::MakeDate(l.Integer32(0), l.Integer32(1), l.Integer32(2))); }
 
-void TimeSerial(Llamada& l) { l.DarFecha(base::HoraDe(l.Entero32(0), l.Entero32(1), l.Entero32(2))); }
+void TimeSerial(Call& l) { l.ReturnDate(base::MakeTime(l.Integer32(0), l.Integer32(1), l.Integer32(2))); }
 
-void DateValue(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarFecha(SoloDia(l.Fecha(0)));
+void DateValue(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnDate(DayOnly(l.Date(0)));
 }
 
-void TimeValue(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarFecha(SoloHora(l.Fecha(0)));
+void TimeValue(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnDate(TimeOnly(l.Date(0)));
 }
 
-void MonthName(Llamada& l) {
-  const std::int32_t mes = l.Entero32(0);
-  if (mes < 1 || mes > 12) LanzarNumero(kLlamadaIncorrecta);
-  const auto& nombres = l.Opcional(1, 0) != 0 ? l.Regional().meses_cortos : l.Regional().meses;
-  l.DarTexto(nombres[mes - 1]);
+void MonthName(Call& l) {
+  const std::int32_t month = l.Integer32(0);
+  if (month < 1 || month > 12) ThrowNumber(kInvalidCall);
+  const auto& names = l.Optional(1, 0) != 0 ? l.Regional().short_months : l.Regional().months;
+  l.ReturnText(names[month - 1]);
 }
 
-void WeekdayName(Llamada& l) {
-  const std::int32_t dia = l.Entero32(0);
-  if (dia < 1 || dia > 7) LanzarNumero(kLlamadaIncorrecta);
-  const auto& nombres = l.Opcional(1, 0) != 0 ? l.Regional().dias_cortos : l.Regional().dias;
-  l.DarTexto(nombres[(dia - 1 + l.PrimerDia(2) - 1) % 7]);
+void WeekdayName(Call& l) {
+  const std::int32_t day = l.Integer32(0);
+  if (day < 1 || day > 7) ThrowNumber(kInvalidCall);
+  const auto& names = l.Optional(1, 0) != 0 ? l.Regional().short_days : l.Regional().days;
+  l.ReturnText(names[(day - 1 + l.FirstDay(2) - 1) % 7]);
 }
 
-using base::PartesFecha;
+using base::DateParts;
 
-constexpr Implementacion kFunciones[] = {
+constexpr Implementation kFunctions[] = {
     {"DATE", Date},
     {"DATEADD", DateAdd},
     {"DATEDIFF", DateDiff},
     {"DATEPART", DatePart},
     {"DATESERIAL", DateSerial},
     {"DATEVALUE", DateValue},
-    {"DAY", Parte<&PartesFecha::dia>},
-    {"HOUR", Parte<&PartesFecha::hora>},
-    {"MINUTE", Parte<&PartesFecha::minuto>},
-    {"MONTH", Parte<&PartesFecha::mes>},
+    {"DAY", PartOf<&DateParts::day>},
+    {"HOUR", PartOf<&DateParts::hour>},
+    {"MINUTE", PartOf<&DateParts::minute>},
+    {"MONTH", PartOf<&DateParts::month>},
     {"MONTHNAME", MonthName},
     {"NOW", Now},
-    {"SECOND", Parte<&PartesFecha::segundo>},
+    {"SECOND", PartOf<&DateParts::second>},
     {"TIME", Time},
     {"TIMER", Timer},
     {"TIMESERIAL", TimeSerial},
     {"TIMEVALUE", TimeValue},
     {"WEEKDAY", Weekday},
     {"WEEKDAYNAME", WeekdayName},
-    {"YEAR", Parte<&PartesFecha::anio>},
+    {"YEAR", PartOf<&DateParts::year>},
 };
 
 }  // namespace
 
-std::span<const Implementacion> FuncionesDeFecha() { return kFunciones; }
+std::span<const Implementation> DateFunctions() { return kFunctions; }
 
 }  // namespace engine_sqlite

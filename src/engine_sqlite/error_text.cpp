@@ -8,154 +8,154 @@
 namespace engine_sqlite {
 namespace {
 
-// The text after `prefijo` when `mensaje` starts with it, else nothing.
-bool Tras(std::string_view mensaje, std::string_view prefijo, std::string_view& resto) {
-  if (mensaje.substr(0, prefijo.size()) != prefijo) return false;
-  resto = mensaje.substr(prefijo.size());
+// The text after `prefix` when `message` starts with it, else nothing.
+bool After(std::string_view message, std::string_view prefix, std::string_view& rest) {
+  if (message.substr(0, prefix.size()) != prefix) return false;
+  rest = message.substr(prefix.size());
   return true;
 }
 
-// "tabla.columna" of a constraint's message.
-void PartirNombre(std::string_view nombre, std::string& tabla, std::string& columna) {
-  const std::size_t punto = nombre.find('.');
-  if (punto == std::string_view::npos) {
-    columna = nombre;
+// "table.column" of a constraint's message.
+void SplitName(std::string_view name, std::string& table, std::string& column) {
+  const std::size_t point = name.find('.');
+  if (point == std::string_view::npos) {
+    column = name;
     return;
   }
-  tabla = nombre.substr(0, punto);
-  columna = nombre.substr(punto + 1);
+  table = name.substr(0, point);
+  column = name.substr(point + 1);
 }
 
 // "T.a, T.b" as the table and "a, b"; "index 'i'" leaves both empty.
-void PartirLista(std::string_view lista, std::string& tabla, std::string& columnas) {
-  if (lista.substr(0, 6) == "index ") return;
-  while (!lista.empty()) {
-    const std::size_t coma = lista.find(", ");
-    std::string columna;
-    PartirNombre(lista.substr(0, coma), tabla, columna);
-    if (!columnas.empty()) columnas += ", ";
-    columnas += columna;
-    lista = coma == std::string_view::npos ? std::string_view() : lista.substr(coma + 2);
+void SplitList(std::string_view list, std::string& table, std::string& columns) {
+  if (list.substr(0, 6) == "index ") return;
+  while (!list.empty()) {
+    const std::size_t comma = list.find(", ");
+    std::string column;
+    SplitName(list.substr(0, comma), table, column);
+    if (!columns.empty()) columns += ", ";
+    columns += column;
+    list = comma == std::string_view::npos ? std::string_view() : list.substr(comma + 2);
   }
 }
 
 // The conditions that a CREATE TABLE of the dialect gives its columns, by the name in the message. A mirror
 // gives its own conditions their whole text as name (see mirror.h).
-bool DeColumna(std::string_view nombre, std::string& texto) {
-  if (std::string_view propio; Tras(nombre, kTextoPropio, propio)) {
-    texto = propio;
+bool ColumnMessage(std::string_view name, std::string& text) {
+  if (std::string_view own; After(name, kOwnText, own)) {
+    text = own;
     return true;
   }
-  struct Regla {
-    std::string_view prefijo, antes, despues;
+  struct Rule {
+    std::string_view prefix, before, after;
   };
-  constexpr std::array kReglas = {
-      Regla{"jet_largo.", "El texto es demasiado largo para el campo ", "."},
-      Regla{"jet_rango.", "El número no cabe en el campo ", "."},
-      Regla{"jet_nulo.", "El campo ", " pertenece a un índice que no admite valores vacíos."},
+  constexpr std::array kRules = {
+      Rule{"jet_largo.", "El texto es demasiado largo para el campo ", "."},
+      Rule{"jet_rango.", "El número no cabe en el campo ", "."},
+      Rule{"jet_nulo.", "El campo ", " pertenece a un índice que no admite valores vacíos."},
   };
-  for (const Regla& r : kReglas) {
-    std::string_view columna;
-    if (!Tras(nombre, r.prefijo, columna)) continue;
-    texto = r.antes;
-    texto += columna;
-    texto += r.despues;
+  for (const Rule& r : kRules) {
+    std::string_view column;
+    if (!After(name, r.prefix, column)) continue;
+    text = r.before;
+    text += column;
+    text += r.after;
     return true;
   }
   return false;
 }
 
-std::string DeRestriccion(int codigo, std::string_view mensaje) {
-  std::string_view resto;
-  std::string tabla, columnas, texto;
-  if (DeColumna(mensaje, texto)) return texto;
-  if (Tras(mensaje, "UNIQUE constraint failed: ", resto)) {
-    PartirLista(resto, tabla, columnas);
-    texto = "Ya existe un registro con el mismo valor";
-    if (!columnas.empty()) texto += " en " + columnas;
-    if (!tabla.empty()) texto += " de la tabla " + tabla;
-    return texto + ".";
+std::string ConstraintMessage(int code, std::string_view message) {
+  std::string_view rest;
+  std::string table, columns, text;
+  if (ColumnMessage(message, text)) return text;
+  if (After(message, "UNIQUE constraint failed: ", rest)) {
+    SplitList(rest, table, columns);
+    text = "Ya existe un registro con el mismo valor";
+    if (!columns.empty()) text += " en " + columns;
+    if (!table.empty()) text += " de la tabla " + table;
+    return text + ".";
   }
-  if (Tras(mensaje, "NOT NULL constraint failed: ", resto)) {
-    PartirNombre(resto, tabla, columnas);
-    return "El campo " + columnas + " de la tabla " + tabla + " es obligatorio: no puede quedar vacío.";
+  if (After(message, "NOT NULL constraint failed: ", rest)) {
+    SplitName(rest, table, columns);
+    return "El campo " + columns + " de la tabla " + table + " es obligatorio: no puede quedar vacío.";
   }
-  if (Tras(mensaje, "CHECK constraint failed: ", resto)) {
-    if (DeColumna(resto, texto)) return texto;
+  if (After(message, "CHECK constraint failed: ", rest)) {
+    if (ColumnMessage(rest, text)) return text;
     return "El valor no es válido para el campo: no cabe en él o no cumple su condición (" +
-           std::string(resto) + ").";
+           std::string(rest) + ").";
   }
-  if (codigo == SQLITE_CONSTRAINT_FOREIGNKEY)
+  if (code == SQLITE_CONSTRAINT_FOREIGNKEY)
     return "El registro depende de otra tabla: falta el registro relacionado o hay registros que lo usan.";
-  if (codigo == SQLITE_CONSTRAINT_DATATYPE || Tras(mensaje, "cannot store ", resto))
+  if (code == SQLITE_CONSTRAINT_DATATYPE || After(message, "cannot store ", rest))
     return "El tipo del valor no es el del campo.";
-  return "El cambio no cumple una condición de la tabla (" + std::string(mensaje) + ").";
+  return "El cambio no cumple una condición de la tabla (" + std::string(message) + ").";
 }
 
-struct Frase {
-  std::string_view ingles;  // how SQLite's text starts
-  std::string_view antes;   // the Spanish text before the name that follows
-  std::string_view despues;
+struct Phrase {
+  std::string_view english;  // how SQLite's text starts
+  std::string_view before;   // the Spanish text before the name that follows
+  std::string_view after;
 };
 
-constexpr std::array kFrases = {
-    Frase{"no such table: ", "No existe la tabla ", "."},
-    Frase{"no such column: ", "No existe el campo ", "."},
-    Frase{"no such index: ", "No existe el índice ", "."},
-    Frase{"no such view: ", "No existe la consulta ", "."},
-    Frase{"no such function: ", "No existe la función ", "."},
-    Frase{"ambiguous column name: ", "El campo ", " está en más de una tabla: indique de cuál."},
-    Frase{"duplicate column name: ", "La tabla ya tiene el campo ", "."},
-    Frase{"misuse of aggregate: ", "No se puede usar la función de totales ", " ahí."},
-    Frase{"too many terms in compound SELECT", "La sentencia une demasiadas consultas", "."},
-    Frase{"too many columns", "La sentencia tiene demasiados campos", "."},
-    Frase{"variable number must be ", "La sentencia tiene demasiados valores", "."},
-    Frase{"too many SQL variables", "La sentencia tiene demasiados valores", "."},
-    Frase{"too many arguments on function ", "Demasiados argumentos en la función ", "."},
-    Frase{"Expression tree is too large", "La sentencia es demasiado larga o anidada", "."},
-    Frase{"parser stack overflow", "La sentencia es demasiado larga o anidada", "."},
-    Frase{"at most ", "La sentencia usa demasiadas tablas", "."},
-    Frase{"object name reserved for internal use: ", "El nombre ", " está reservado."},
-    Frase{"integer overflow", "Desbordamiento", "."},
-    Frase{"cannot start a transaction within a transaction", "Ya hay una transacción abierta", "."},
+constexpr std::array kPhrases = {
+    Phrase{"no such table: ", "No existe la tabla ", "."},
+    Phrase{"no such column: ", "No existe el campo ", "."},
+    Phrase{"no such index: ", "No existe el índice ", "."},
+    Phrase{"no such view: ", "No existe la consulta ", "."},
+    Phrase{"no such function: ", "No existe la función ", "."},
+    Phrase{"ambiguous column name: ", "El campo ", " está en más de una tabla: indique de cuál."},
+    Phrase{"duplicate column name: ", "La tabla ya tiene el campo ", "."},
+    Phrase{"misuse of aggregate: ", "No se puede usar la función de totales ", " ahí."},
+    Phrase{"too many terms in compound SELECT", "La sentencia une demasiadas consultas", "."},
+    Phrase{"too many columns", "La sentencia tiene demasiados campos", "."},
+    Phrase{"variable number must be ", "La sentencia tiene demasiados valores", "."},
+    Phrase{"too many SQL variables", "La sentencia tiene demasiados valores", "."},
+    Phrase{"too many arguments on function ", "Demasiados argumentos en la función ", "."},
+    Phrase{"Expression tree is too large", "La sentencia es demasiado larga o anidada", "."},
+    Phrase{"parser stack overflow", "La sentencia es demasiado larga o anidada", "."},
+    Phrase{"at most ", "La sentencia usa demasiadas tablas", "."},
+    Phrase{"object name reserved for internal use: ", "El nombre ", " está reservado."},
+    Phrase{"integer overflow", "Desbordamiento", "."},
+    Phrase{"cannot start a transaction within a transaction", "Ya hay una transacción abierta", "."},
 };
 
 // An index of table t is t.i in the file.
-std::string_view NombreDeIndice(std::string_view nombre) {
-  const std::size_t punto = nombre.rfind('.');
-  return punto == std::string_view::npos ? nombre : nombre.substr(punto + 1);
+std::string_view IndexName(std::string_view name) {
+  const std::size_t point = name.rfind('.');
+  return point == std::string_view::npos ? name : name.substr(point + 1);
 }
 
 // "table X already exists" and the like have the name in the middle.
-bool NombreYaExiste(std::string_view mensaje, std::string& texto) {
+bool AlreadyExistsMessage(std::string_view message, std::string& text) {
   constexpr std::string_view kFinal = " already exists";
-  if (mensaje.size() <= kFinal.size() || mensaje.substr(mensaje.size() - kFinal.size()) != kFinal)
+  if (message.size() <= kFinal.size() || message.substr(message.size() - kFinal.size()) != kFinal)
     return false;
-  const std::string_view cabeza = mensaje.substr(0, mensaje.size() - kFinal.size());
-  std::string_view nombre;
-  if (Tras(cabeza, "table ", nombre)) {
-    texto = "La tabla " + std::string(nombre) + " ya existe.";
-  } else if (Tras(cabeza, "index ", nombre)) {
-    texto = "El índice " + std::string(NombreDeIndice(nombre)) + " ya existe.";
+  const std::string_view head = message.substr(0, message.size() - kFinal.size());
+  std::string_view name;
+  if (After(head, "table ", name)) {
+    text = "La tabla " + std::string(name) + " ya existe.";
+  } else if (After(head, "index ", name)) {
+    text = "El índice " + std::string(IndexName(name)) + " ya existe.";
   } else {
     return false;
   }
   return true;
 }
 
-std::string DeSentencia(std::string_view mensaje) {
-  std::string texto;
-  if (DeColumna(mensaje, texto)) return texto;
-  if (NombreYaExiste(mensaje, texto)) return texto;
-  for (const Frase& f : kFrases) {
-    std::string_view resto;
-    if (!Tras(mensaje, f.ingles, resto)) continue;
-    texto = f.antes;
-    if (f.antes.back() == ' ') texto += f.ingles == "no such index: " ? NombreDeIndice(resto) : resto;
-    texto += f.despues;
-    return texto;
+std::string StatementMessage(std::string_view message) {
+  std::string text;
+  if (ColumnMessage(message, text)) return text;
+  if (AlreadyExistsMessage(message, text)) return text;
+  for (const Phrase& f : kPhrases) {
+    std::string_view rest;
+    if (!After(message, f.english, rest)) continue;
+    text = f.before;
+    if (f.before.back() == ' ') text += f.english == "no such index: " ? IndexName(rest) : rest;
+    text += f.after;
+    return text;
   }
-  return "La base no pudo ejecutar la sentencia (" + std::string(mensaje) + ").";
+  return "La base no pudo ejecutar la sentencia (" + std::string(message) + ").";
 }
 
 }  // namespace
@@ -192,10 +192,10 @@ base::ErrorKind KindOf(int extended_code, bool in_transaction) {
   }
 }
 
-std::string DescripcionDe(int codigo, std::string_view mensaje) {
-  switch (codigo & 0xFF) {
+std::string DescriptionOf(int code, std::string_view message) {
+  switch (code & 0xFF) {
     case SQLITE_CONSTRAINT:
-      return DeRestriccion(codigo, mensaje);
+      return ConstraintMessage(code, message);
     case SQLITE_MISMATCH:
       return "El tipo del valor no es el del campo.";
     case SQLITE_BUSY:
@@ -223,7 +223,7 @@ std::string DescripcionDe(int codigo, std::string_view mensaje) {
     case SQLITE_INTERRUPT:
       return "La sentencia fue interrumpida.";
     default:
-      return DeSentencia(mensaje);
+      return StatementMessage(message);
   }
 }
 

@@ -7,74 +7,74 @@ namespace engine_sqlite {
 namespace {
 
 // Null gives the empty text.
-void Format(Llamada& l) {
-  const std::string_view mascara = l.Hay(1) ? l.Texto(1) : std::string_view();
-  l.DarTexto(base::Format(l.Tipado(0), mascara, l.Hoy(), l.Regional(), l.PrimerDia(2), l.PrimeraSemana(3)));
+void Format(Call& l) {
+  const std::string_view mask = l.Has(1) ? l.Text(1) : std::string_view();
+  l.ReturnText(base::Format(l.Typed(0), mask, l.Today(), l.Regional(), l.FirstDay(2), l.FirstWeek(3)));
 }
 
 // The mask of FormatNumber and its kin from their arguments: decimals, leading zero, brackets for negative
 // numbers, thousands (-1 yes, 0 no, -2 as usual).
-std::string Mascara(const Llamada& l, bool cero_usual, bool miles_usual, std::string_view detras) {
-  constexpr int kUsual = -2, kDecimalesUsuales = 2, kMasDecimales = 99;
-  int decimales = l.Opcional(1, -1);
-  if (decimales < -1 || decimales > kMasDecimales) LanzarNumero(kLlamadaIncorrecta);
-  if (decimales == -1) decimales = kDecimalesUsuales;
-  const auto opcion = [&](int i, bool usual) {
-    const int v = l.Opcional(i, kUsual);
+std::string BuildMask(const Call& l, bool usual_zero, bool usual_thousands, std::string_view behind) {
+  constexpr int kUsual = -2, kUsualDecimals = 2, kMostDecimals = 99;
+  int decimals = l.Optional(1, -1);
+  if (decimals < -1 || decimals > kMostDecimals) ThrowNumber(kInvalidCall);
+  if (decimals == -1) decimals = kUsualDecimals;
+  const auto option = [&](int i, bool usual) {
+    const int v = l.Optional(i, kUsual);
     return v == kUsual ? usual : v != 0;
   };
-  std::string numero = opcion(4, miles_usual) ? "#,##" : "";
-  numero += opcion(2, cero_usual) ? '0' : '#';
-  if (decimales > 0) numero += '.';
-  numero.append(static_cast<std::size_t>(decimales), '0');
-  numero += detras;
-  if (!opcion(3, false)) return numero;
-  std::string ambos = numero;
-  ambos += ";(";
-  ambos += numero;
-  ambos += ')';
-  return ambos;
+  std::string number = option(4, usual_thousands) ? "#,##" : "";
+  number += option(2, usual_zero) ? '0' : '#';
+  if (decimals > 0) number += '.';
+  number.append(static_cast<std::size_t>(decimals), '0');
+  number += behind;
+  if (!option(3, false)) return number;
+  std::string both = number;
+  both += ";(";
+  both += number;
+  both += ')';
+  return both;
 }
 
-void ConMascara(Llamada& l, const std::string& mascara) {
-  l.DarTexto(base::FormatNumero(l.Numero(0), mascara, l.Regional()));
+void FormatWithMask(Call& l, const std::string& mask) {
+  l.ReturnText(base::FormatNumber(l.Number(0), mask, l.Regional()));
 }
 
-void FormatNumber(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  ConMascara(l, Mascara(l, true, true, ""));
+void FormatNumber(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  FormatWithMask(l, BuildMask(l, true, true, ""));
 }
 
-void FormatPercent(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  ConMascara(l, Mascara(l, true, false, "%"));
+void FormatPercent(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  FormatWithMask(l, BuildMask(l, true, false, "%"));
 }
 
-void FormatCurrency(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  std::string signo = "\"";
-  signo += l.Regional().moneda;
-  signo += '"';
-  const bool detras = l.Regional().moneda_detras;
-  std::string mascara = Mascara(l, true, true, detras ? ' ' + signo : std::string());
-  if (!detras) {
-    mascara.insert(0, signo);
-    const std::size_t negativos = mascara.find(";(");
-    if (negativos != std::string::npos) mascara.insert(negativos + 2, signo);
+void FormatCurrency(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  std::string sign = "\"";
+  sign += l.Regional().currency;
+  sign += '"';
+  const bool behind = l.Regional().currency_behind;
+  std::string mask = BuildMask(l, true, true, behind ? ' ' + sign : std::string());
+  if (!behind) {
+    mask.insert(0, sign);
+    const std::size_t negatives = mask.find(";(");
+    if (negatives != std::string::npos) mask.insert(negatives + 2, sign);
   }
-  ConMascara(l, mascara);
+  FormatWithMask(l, mask);
 }
 
-void FormatDateTime(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  constexpr std::string_view kFormatos[] = {"General Date", "Long Date", "Short Date", "Long Time",
-                                            "Short Time"};
-  const int cual = l.Opcional(1, 0);
-  if (cual < 0 || cual > 4) LanzarNumero(kLlamadaIncorrecta);
-  l.DarTexto(base::FormatFecha(l.Fecha(0), kFormatos[cual], l.Regional()));
+void FormatDateTime(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  constexpr std::string_view kFormats[] = {"General Date", "Long Date", "Short Date", "Long Time",
+                                           "Short Time"};
+  const int which = l.Optional(1, 0);
+  if (which < 0 || which > 4) ThrowNumber(kInvalidCall);
+  l.ReturnText(base::FormatDate(l.Date(0), kFormats[which], l.Regional()));
 }
 
-constexpr Implementacion kFunciones[] = {
+constexpr Implementation kFunctions[] = {
     {"FORMAT", Format},
     {"FORMATCURRENCY", FormatCurrency},
     {"FORMATDATETIME", FormatDateTime},
@@ -84,6 +84,6 @@ constexpr Implementacion kFunciones[] = {
 
 }  // namespace
 
-std::span<const Implementacion> FuncionesDeFormato() { return kFunciones; }
+std::span<const Implementation> FormatFunctions() { return kFunctions; }
 
 }  // namespace engine_sqlite

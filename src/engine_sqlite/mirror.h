@@ -16,44 +16,44 @@
 namespace engine_sqlite {
 
 // A condition, or RAISE, whose name or text starts so says the rest of it to the operator as it stands.
-inline constexpr std::string_view kTextoPropio = "jet_texto.";
+inline constexpr std::string_view kOwnText = "jet_texto.";
 
-// The catalog that the translator asks. Tabla and Consulta may throw base::Error for a name that there is but
+// The catalog that the translator asks. Table and Query may throw base::Error for a name that there is but
 // that cannot be used.
-class FuenteDeTablas : public jetsql::Catalogo {
+class TableSource : public jetsql::Catalog {
  public:
   // Called before each statement runs, when it is translated but not yet prepared: the tables that the
   // catalog was asked for must be there from now on, and those that the statement writes ready for it. What
   // it throws is the statement's failure.
-  virtual void AntesDeCorrer(const jetsql::Traduccion& sentencia) = 0;
+  virtual void BeforeRun(const jetsql::Translation& statement) = 0;
 };
 
-struct Espejo {
-  std::unique_ptr<db::Connection> conexion;
+struct Mirror {
+  std::unique_ptr<db::Connection> connection;
   sqlite3* base = nullptr;  // of the connection
 };
 
-// `fuente` must outlive the connection. Of the options, the order, the clock, the locale and the wildcards
+// `source` must outlive the connection. Of the options, the order, the clock, the locale and the wildcards
 // count.
-Espejo AbrirEspejo(FuenteDeTablas& fuente, const Opciones& opciones);
+Mirror OpenMirror(TableSource& source, const Options& options);
 
 // Forgets every translation, after the source has changed or dropped tables.
-void OlvidarTraducciones(db::Connection& espejo);
+void ForgetTranslations(db::Connection& mirror);
 
-// Runs a change or definition that the source's owner has translated, as Ejecutar would its text. It speaks
+// Runs a change or definition that the source's owner has translated, as Execute would its text. It speaks
 // of no literals (see jetsql/parser.h). Throws db::Error.
-void RunTranslation(db::Connection& mirror, jetsql::Traduccion translation);
+void RunTranslation(db::Connection& mirror, jetsql::Translation translation);
 
 // One statement of our own, prepared to be run many times; finalised with the pointer. Throws db::Error.
-struct FinalizarSentencia {
-  void operator()(sqlite3_stmt* sentencia) const { sqlite3_finalize(sentencia); }
+struct FinaliseStatement {
+  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
-using Sentencia = std::unique_ptr<sqlite3_stmt, FinalizarSentencia>;
-Sentencia Preparar(sqlite3* base, std::string_view sql);
+using Statement = std::unique_ptr<sqlite3_stmt, FinaliseStatement>;
+Statement Prepare(sqlite3* base, std::string_view sql);
 // Runs a text of our own without rows. Throws db::Error.
-void EjecutarPropio(sqlite3* base, const char* sql);
-// Throws db::Error for the last failure of `base`; `numero` is the dialect's number when a function raised
+void ExecuteOwn(sqlite3* base, const char* sql);
+// Throws db::Error for the last failure of `base`; `number` is the dialect's number when a function raised
 // it.
-[[noreturn]] void LanzarError(sqlite3* base, int numero = 0);
+[[noreturn]] void ThrowError(sqlite3* base, int number = 0);
 
 }  // namespace engine_sqlite

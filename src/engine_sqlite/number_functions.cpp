@@ -8,145 +8,145 @@
 namespace engine_sqlite {
 namespace {
 
-using Cifra = Llamada::Cifra;
+using Figure = Call::Figure;
 
 // A number, or Null answered already.
-bool Leer(Llamada& l, Cifra& c) {
-  if (l.EsNulo(0)) {
-    l.Nulo();
+bool Read(Call& l, Figure& c) {
+  if (l.IsNull(0)) {
+    l.Null();
     return false;
   }
   // A text counts as a number with decimals, whatever it reads as.
-  c = l.EsTexto(0) ? Cifra{false, 0, l.Numero(0)} : l.Numerico(0);
+  c = l.IsText(0) ? Figure{false, 0, l.Number(0)} : l.Numeric(0);
   return true;
 }
 
-void Abs(Llamada& l) {
-  Cifra c;
-  if (!Leer(l, c)) return;
-  if (!c.entera) return l.DarNumero(std::abs(c.real));
-  if (c.entero == INT64_MIN) LanzarNumero(kDesbordamiento);
-  l.DarEntero(c.entero < 0 ? -c.entero : c.entero);
+void Abs(Call& l) {
+  Figure c;
+  if (!Read(l, c)) return;
+  if (!c.whole) return l.ReturnNumber(std::abs(c.real));
+  if (c.integer == INT64_MIN) ThrowNumber(kOverflow);
+  l.ReturnInteger(c.integer < 0 ? -c.integer : c.integer);
 }
 
-void Sgn(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  const double v = l.Numero(0);
-  l.DarEntero(v > 0 ? 1 : (v < 0 ? -1 : 0));
+void Sgn(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  const double v = l.Number(0);
+  l.ReturnInteger(v > 0 ? 1 : (v < 0 ? -1 : 0));
 }
 
-template <double (*kRegla)(double)>
-void Cortar(Llamada& l) {
-  Cifra c;
-  if (!Leer(l, c)) return;
-  if (c.entera) return l.DarEntero(c.entero);
-  l.DarNumero(kRegla(c.real));
+template <double (*kRule)(double)>
+void Truncate(Call& l) {
+  Figure c;
+  if (!Read(l, c)) return;
+  if (c.whole) return l.ReturnInteger(c.integer);
+  l.ReturnNumber(kRule(c.real));
 }
 
-double Suelo(double v) { return std::floor(v); }
-double SinFraccion(double v) { return std::trunc(v); }
+double Floor(double v) { return std::floor(v); }
+double WithoutFraction(double v) { return std::trunc(v); }
 
-void Round(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  constexpr int kMasDecimales = 22;
-  const int decimales = l.Opcional(1, 0);
-  if (decimales < 0 || decimales > kMasDecimales) LanzarNumero(kLlamadaIncorrecta);
-  Cifra c;
-  if (!Leer(l, c)) return;
-  if (c.entera) return l.DarEntero(c.entero);
-  l.DarNumero(base::Redondear(c.real, decimales));
+void Round(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  constexpr int kMostDecimals = 22;
+  const int decimals = l.Optional(1, 0);
+  if (decimals < 0 || decimals > kMostDecimals) ThrowNumber(kInvalidCall);
+  Figure c;
+  if (!Read(l, c)) return;
+  if (c.whole) return l.ReturnInteger(c.integer);
+  l.ReturnNumber(base::Round(c.real, decimals));
 }
 
-template <double (*kFuncion)(double)>
-void Analitica(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarNumero(kFuncion(l.Numero(0)));
+template <double (*kFunction)(double)>
+void Analytic(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnNumber(kFunction(l.Number(0)));
 }
 
-double Raiz(double v) {
-  if (v < 0) LanzarNumero(kLlamadaIncorrecta);
+double SquareRoot(double v) {
+  if (v < 0) ThrowNumber(kInvalidCall);
   return std::sqrt(v);
 }
-double Logaritmo(double v) {
-  if (v <= 0) LanzarNumero(kLlamadaIncorrecta);
+double Logarithm(double v) {
+  if (v <= 0) ThrowNumber(kInvalidCall);
   return std::log(v);
 }
-double Exponencial(double v) { return std::exp(v); }
-double Seno(double v) { return std::sin(v); }
-double Coseno(double v) { return std::cos(v); }
-double Tangente(double v) { return std::tan(v); }
-double Arcotangente(double v) { return std::atan(v); }
+double Exponential(double v) { return std::exp(v); }
+double Sine(double v) { return std::sin(v); }
+double Cosine(double v) { return std::cos(v); }
+double Tangent(double v) { return std::tan(v); }
+double Arctangent(double v) { return std::atan(v); }
 
 // The generator of classic Basic: 24 bits, linear. A negative argument starts the series that belongs to it,
 // zero repeats the last number.
-void Rnd(Llamada& l) {
-  constexpr std::uint32_t kFactor = 0x43FD43FD, kSuma = 0xC39EC3, kMascara = 0xFFFFFF;
-  std::uint32_t& azar = l.Alrededor().azar;
-  const float argumento = l.Hay(0) && !l.EsNulo(0) ? static_cast<float>(l.Numero(0)) : 1.0F;
-  if (argumento < 0) {
+void Rnd(Call& l) {
+  constexpr std::uint32_t kFactor = 0x43FD43FD, kSum = 0xC39EC3, kMask = 0xFFFFFF;
+  std::uint32_t& random = l.Surroundings().random;
+  const float argument = l.Has(0) && !l.IsNull(0) ? static_cast<float>(l.Number(0)) : 1.0F;
+  if (argument < 0) {
     std::uint32_t bits = 0;
-    static_assert(sizeof bits == sizeof argumento);
-    std::copy_n(reinterpret_cast<const unsigned char*>(&argumento), sizeof bits,
+    static_assert(sizeof bits == sizeof argument);
+    std::copy_n(reinterpret_cast<const unsigned char*>(&argument), sizeof bits,
                 reinterpret_cast<unsigned char*>(&bits));
-    azar = (bits + (bits >> 24)) & kMascara;
+    random = (bits + (bits >> 24)) & kMask;
   }
-  if (argumento != 0) azar = (azar * kFactor + kSuma) & kMascara;
-  l.DarNumero(base::DobleDeSimple(static_cast<float>(azar) / 16777216.0F));
+  if (argument != 0) random = (random * kFactor + kSum) & kMask;
+  l.ReturnNumber(base::DoubleOfSingle(static_cast<float>(random) / 16777216.0F));
 }
 
-void Rgb(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
+void Rgb(Call& l) {
+  if (l.AnyNull()) return l.Null();
   std::int64_t color = 0;
   for (int i = 2; i >= 0; --i) {
-    const std::int32_t parte = l.Entero32(i);
-    if (parte < 0) LanzarNumero(kLlamadaIncorrecta);
-    color = color << 8 | std::min(parte, 255);
+    const std::int32_t part = l.Integer32(i);
+    if (part < 0) ThrowNumber(kInvalidCall);
+    color = color << 8 | std::min(part, 255);
   }
-  l.DarEntero(color);
+  l.ReturnInteger(color);
 }
 
 // "desde:hasta", each end as wide as the widest end of the whole range.
-void Partition(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  const std::int64_t n = l.Entero32(0), inicio = l.Entero32(1), fin = l.Entero32(2), paso = l.Entero32(3);
-  if (inicio < 0 || fin <= inicio || paso < 1) LanzarNumero(kLlamadaIncorrecta);
-  std::string desde, hasta;
-  if (n < inicio) {
-    hasta = std::to_string(inicio - 1);
-  } else if (n > fin) {
-    desde = std::to_string(fin + 1);
+void Partition(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  const std::int64_t n = l.Integer32(0), start = l.Integer32(1), end = l.Integer32(2), step = l.Integer32(3);
+  if (start < 0 || end <= start || step < 1) ThrowNumber(kInvalidCall);
+  std::string from, to;
+  if (n < start) {
+    to = std::to_string(start - 1);
+  } else if (n > end) {
+    from = std::to_string(end + 1);
   } else {
-    const std::int64_t bajo = (n - inicio) / paso * paso + inicio;
-    desde = std::to_string(bajo);
-    hasta = std::to_string(std::min(bajo + paso - 1, fin));
+    const std::int64_t low = (n - start) / step * step + start;
+    from = std::to_string(low);
+    to = std::to_string(std::min(low + step - 1, end));
   }
-  const std::size_t ancho = std::max(std::to_string(fin + 1).size(), std::to_string(inicio - 1).size());
-  const auto rellenar = [&](std::string& s) { s.insert(0, ancho > s.size() ? ancho - s.size() : 0, ' '); };
-  rellenar(desde);
-  rellenar(hasta);
-  l.DarTexto(desde + ":" + hasta);
+  const std::size_t width = std::max(std::to_string(end + 1).size(), std::to_string(start - 1).size());
+  const auto pad = [&](std::string& s) { s.insert(0, width > s.size() ? width - s.size() : 0, ' '); };
+  pad(from);
+  pad(to);
+  l.ReturnText(from + ":" + to);
 }
 
-constexpr Implementacion kFunciones[] = {
+constexpr Implementation kFunctions[] = {
     {"ABS", Abs},
-    {"ATN", Analitica<Arcotangente>},
-    {"COS", Analitica<Coseno>},
-    {"EXP", Analitica<Exponencial>},
-    {"FIX", Cortar<SinFraccion>},
-    {"INT", Cortar<Suelo>},
-    {"LOG", Analitica<Logaritmo>},
+    {"ATN", Analytic<Arctangent>},
+    {"COS", Analytic<Cosine>},
+    {"EXP", Analytic<Exponential>},
+    {"FIX", Truncate<WithoutFraction>},
+    {"INT", Truncate<Floor>},
+    {"LOG", Analytic<Logarithm>},
     {"PARTITION", Partition},
     {"RGB", Rgb},
     {"RND", Rnd},
     {"ROUND", Round},
     {"SGN", Sgn},
-    {"SIN", Analitica<Seno>},
-    {"SQR", Analitica<Raiz>},
-    {"TAN", Analitica<Tangente>},
+    {"SIN", Analytic<Sine>},
+    {"SQR", Analytic<SquareRoot>},
+    {"TAN", Analytic<Tangent>},
 };
 
 }  // namespace
 
-std::span<const Implementacion> FuncionesNumericas() { return kFunciones; }
+std::span<const Implementation> NumericFunctions() { return kFunctions; }
 
 }  // namespace engine_sqlite

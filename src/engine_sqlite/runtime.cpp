@@ -15,15 +15,15 @@ namespace engine_sqlite {
 namespace {
 
 // What SQLite keeps with each registered function.
-struct Enlace {
-  Registro registro;
-  std::string nombre;
-  Entorno* entorno;
+struct Binding {
+  Record record;
+  std::string name;
+  Environment* environment;
   bool searches;  // looks for one text in another, at every place of it in the worst case
 };
 
 // What a call costs a bounded statement, by the texts that it is given.
-std::size_t CostOfCall(const Enlace& enlace, std::span<sqlite3_value*> values) {
+std::size_t CostOfCall(const Binding& binding, std::span<sqlite3_value*> values) {
   std::size_t bytes = 0, product = 1;
   for (sqlite3_value* v : values) {
     if (sqlite3_value_type(v) != SQLITE_TEXT) continue;
@@ -32,249 +32,247 @@ std::size_t CostOfCall(const Enlace& enlace, std::span<sqlite3_value*> values) {
     if (product < std::size_t{1} << 31) product *= size + 1;
   }
   constexpr std::size_t kCall = 5;
-  return kCall + bytes / 2 + (enlace.searches ? product / 4 : 0);
+  return kCall + bytes / 2 + (binding.searches ? product / 4 : 0);
 }
 
-void Despachar(sqlite3_context* contexto, int n, sqlite3_value** valores) {
-  const auto& enlace = *static_cast<const Enlace*>(sqlite3_user_data(contexto));
-  if (enlace.entorno->steps_left != nullptr) {
-    enlace.entorno->Charge(CostOfCall(enlace, {valores, static_cast<std::size_t>(n)}));
-    if (enlace.entorno->Exhausted()) return sqlite3_result_error_code(contexto, SQLITE_INTERRUPT);
+void Dispatch(sqlite3_context* context, int n, sqlite3_value** values) {
+  const auto& binding = *static_cast<const Binding*>(sqlite3_user_data(context));
+  if (binding.environment->steps_left != nullptr) {
+    binding.environment->Charge(CostOfCall(binding, {values, static_cast<std::size_t>(n)}));
+    if (binding.environment->Exhausted()) return sqlite3_result_error_code(context, SQLITE_INTERRUPT);
   }
   try {
-    Llamada llamada(contexto, {valores, static_cast<std::size_t>(n)}, *enlace.entorno,
-                    enlace.registro.etiquetada);
-    enlace.registro.cuerpo(llamada);
+    Call call(context, {values, static_cast<std::size_t>(n)}, *binding.environment, binding.record.tagged);
+    binding.record.body(call);
   } catch (const base::Error& e) {
-    Anotar(contexto, *enlace.entorno, e);
+    Note(context, *binding.environment, e);
   } catch (const std::bad_alloc&) {
-    sqlite3_result_error_nomem(contexto);
+    sqlite3_result_error_nomem(context);
   }
 }
 
-void DestruirEnlace(void* enlace) { delete static_cast<Enlace*>(enlace); }
+void DestroyBinding(void* binding) { delete static_cast<Binding*>(binding); }
 
 bool Searches(std::string_view name) {
   constexpr std::string_view kThose[] = {"jet_like", "jet_instr", "jet_instrrev", "jet_replace"};
   return std::find(std::begin(kThose), std::end(kThose), name) != std::end(kThose);
 }
 
-void RegistrarUna(sqlite3* base, Entorno& entorno, const Registro& registro) {
-  auto enlace =
-      std::make_unique<Enlace>(Enlace{registro, registro.nombre, &entorno, Searches(registro.nombre)});
-  const int marcas = SQLITE_UTF8 | SQLITE_INNOCUOUS | (registro.determinista ? SQLITE_DETERMINISTIC : 0);
-  Enlace* propio = enlace.release();  // SQLite destroys it, also when the call fails
-  sqlite3_create_function_v2(base, propio->nombre.c_str(), registro.argumentos, marcas, propio, Despachar,
-                             nullptr, nullptr, DestruirEnlace);
+void RegisterOne(sqlite3* base, Environment& environment, const Record& record) {
+  auto binding = std::make_unique<Binding>(Binding{record, record.name, &environment, Searches(record.name)});
+  const int marks = SQLITE_UTF8 | SQLITE_INNOCUOUS | (record.deterministic ? SQLITE_DETERMINISTIC : 0);
+  Binding* own = binding.release();  // SQLite destroys it, also when the call fails
+  sqlite3_create_function_v2(base, own->name.c_str(), record.arguments, marks, own, Dispatch, nullptr,
+                             nullptr, DestroyBinding);
 }
 
-int CotejarJet(void* dato, int na, const void* a, int nb, const void* b) {
-  auto& entorno = *static_cast<Entorno*>(dato);
+int CollateJet(void* datum, int na, const void* a, int nb, const void* b) {
+  auto& environment = *static_cast<Environment*>(datum);
   const std::string_view x(static_cast<const char*>(a), static_cast<std::size_t>(na));
   const std::string_view y(static_cast<const char*>(b), static_cast<std::size_t>(nb));
   constexpr std::size_t kComparison = 4;
-  entorno.Charge(kComparison + std::min(x.size(), y.size()) / 4);
-  if (entorno.Exhausted()) return x.compare(y);  // a sort is not interrupted half-way, but it may be quick
+  environment.Charge(kComparison + std::min(x.size(), y.size()) / 4);
+  if (environment.Exhausted())
+    return x.compare(y);  // a sort is not interrupted half-way, but it may be quick
   try {
-    return base::CompararTexto(x, y, entorno.orden);
+    return base::CompareText(x, y, environment.order);
   } catch (const std::bad_alloc&) {
     // SQLite takes no failure from a collation: the statement is stopped, and any order will do until then.
-    entorno.sin_memoria = true;
-    sqlite3_interrupt(entorno.base);
+    environment.out_of_memory = true;
+    sqlite3_interrupt(environment.base);
     return x.compare(y);
   }
 }
 
-Cuerpo CuerpoDe(std::string_view nombre) {
-  for (const auto& grupo : {FuncionesDeTexto(), FuncionesNumericas(), FuncionesDeConversion(),
-                            FuncionesDeFecha(), FuncionesDeFormato(), FuncionesFinancieras()})
-    for (const Implementacion& i : grupo)
-      if (i.nombre == nombre) return i.cuerpo;
+Body BodyOf(std::string_view name) {
+  for (const auto& group : {TextFunctions(), NumericFunctions(), ConversionFunctions(), DateFunctions(),
+                            FormatFunctions(), FinancialFunctions()})
+    for (const Implementation& i : group)
+      if (i.name == name) return i.body;
   return nullptr;
 }
 
-std::string NombreSqlite(std::string_view nombre) {
-  std::string salida = "jet_";
-  for (const char c : nombre) salida += static_cast<char>(c >= 'A' && c <= 'Z' ? c + 0x20 : c);
-  return salida;
+std::string SqliteName(std::string_view name) {
+  std::string output = "jet_";
+  for (const char c : name) output += static_cast<char>(c >= 'A' && c <= 'Z' ? c + 0x20 : c);
+  return output;
 }
 
 }  // namespace
 
-void LanzarNumero(int numero) { throw base::Error(base::DescripcionDeError(numero), numero); }
+void ThrowNumber(int number) { throw base::Error(base::ErrorDescription(number), number); }
 
-void Anotar(sqlite3_context* contexto, Entorno& entorno, const base::Error& error) {
-  entorno.fallo = true;
-  entorno.descripcion = error.Descripcion();
-  entorno.numero = error.Numero();
-  sqlite3_result_error(contexto, error.what(), -1);
+void Note(sqlite3_context* context, Environment& environment, const base::Error& error) {
+  environment.failed = true;
+  environment.description = error.Description();
+  environment.number = error.Number();
+  sqlite3_result_error(context, error.what(), -1);
 }
 
-base::Fecha Entorno::Ahora() {
-  if (!ahora) ahora = reloj->Ahora();
-  return *ahora;
+base::Date Environment::Now() {
+  if (!now) now = clock->Now();
+  return *now;
 }
 
-base::Fecha Llamada::Hoy() const { return {std::trunc(Ahora().serie)}; }
+base::Date Call::Today() const { return {std::trunc(Now().serial)}; }
 
 // Asking for a text copies it when it does not end in a zero, as the literals of a statement do not; its
 // bytes are the same, if the file holds texts in UTF-8.
-std::string_view Llamada::Vista(sqlite3_value* valor) const {
-  const bool bytes = entorno_.utf8 && sqlite3_value_type(valor) == SQLITE_TEXT;
-  const void* p = bytes ? sqlite3_value_blob(valor) : sqlite3_value_text(valor);
+std::string_view Call::View(sqlite3_value* value) const {
+  const bool bytes = environment_.utf8 && sqlite3_value_type(value) == SQLITE_TEXT;
+  const void* p = bytes ? sqlite3_value_blob(value) : sqlite3_value_text(value);
   if (p == nullptr) return {};
-  return {static_cast<const char*>(p), static_cast<std::size_t>(sqlite3_value_bytes(valor))};
+  return {static_cast<const char*>(p), static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
-Llamada::Llamada(sqlite3_context* contexto, std::span<sqlite3_value*> valores, Entorno& entorno,
-                 bool etiquetada)
-    : contexto_(contexto), valores_(valores), entorno_(entorno) {
-  if (etiquetada && !valores.empty()) {
-    letras_ = Vista(valores[0]);
-    valores_ = valores.subspan(1);
+Call::Call(sqlite3_context* context, std::span<sqlite3_value*> values, Environment& environment, bool tagged)
+    : context_(context), values_(values), environment_(environment) {
+  if (tagged && !values.empty()) {
+    letters_ = View(values[0]);
+    values_ = values.subspan(1);
   }
 }
 
-bool Llamada::AlgunNulo() const {
-  for (sqlite3_value* v : valores_)
+bool Call::AnyNull() const {
+  for (sqlite3_value* v : values_)
     if (sqlite3_value_type(v) == SQLITE_NULL) return true;
   return false;
 }
 
-char Llamada::Letra(int i) const {
-  const int clase = sqlite3_value_type(valores_[i]);
-  if (clase == SQLITE_TEXT) return 'T';
-  const char letra = static_cast<std::size_t>(i) < letras_.size() ? letras_[i] : '?';
-  if (letra != '?' && letra != 'T') return letra;
-  return clase == SQLITE_INTEGER ? 'I' : (clase == SQLITE_FLOAT ? 'N' : '?');
+char Call::Letter(int i) const {
+  const int kind = sqlite3_value_type(values_[i]);
+  if (kind == SQLITE_TEXT) return 'T';
+  const char letter = static_cast<std::size_t>(i) < letters_.size() ? letters_[i] : '?';
+  if (letter != '?' && letter != 'T') return letter;
+  return kind == SQLITE_INTEGER ? 'I' : (kind == SQLITE_FLOAT ? 'N' : '?');
 }
 
-void Llamada::AgregarTexto(int i, std::string& destino) const {
-  sqlite3_value* v = valores_[i];
+void Call::AppendText(int i, std::string& target) const {
+  sqlite3_value* v = values_[i];
   switch (sqlite3_value_type(v)) {
     case SQLITE_NULL:
       return;
     case SQLITE_TEXT:
     case SQLITE_BLOB:
-      destino += Vista(v);
+      target += View(v);
       return;
     default:
       break;
   }
-  switch (Letra(i)) {
+  switch (Letter(i)) {
     case 'B':
-      destino += sqlite3_value_int64(v) != 0 ? Regional().verdadero : Regional().falso;
+      target += sqlite3_value_int64(v) != 0 ? Regional().true_word : Regional().false_word;
       return;
     case 'D':
-      destino += base::TextoDeFecha(base::Fecha{sqlite3_value_double(v)}, Regional());
+      target += base::DateText(base::Date{sqlite3_value_double(v)}, Regional());
       return;
     case 'S':
-      destino += base::TextoDeSimple(static_cast<float>(sqlite3_value_double(v)), Regional());
+      target += base::SingleText(static_cast<float>(sqlite3_value_double(v)), Regional());
       return;
     case 'C':
-      destino += Tipado(i).Texto(Regional());
+      target += Typed(i).Text(Regional());
       return;
     default:
       break;
   }
   if (sqlite3_value_type(v) == SQLITE_INTEGER) {
-    destino += std::to_string(sqlite3_value_int64(v));
+    target += std::to_string(sqlite3_value_int64(v));
   } else {
-    destino += base::TextoDeNumero(sqlite3_value_double(v), Regional());
+    target += base::NumberText(sqlite3_value_double(v), Regional());
   }
 }
 
-std::string_view Llamada::Texto(int i) {
-  const int clase = sqlite3_value_type(valores_[i]);
-  if (clase == SQLITE_TEXT || clase == SQLITE_BLOB) return Vista(valores_[i]);
-  std::string& destino = convertidos_.at(static_cast<std::size_t>(i));
-  destino.clear();
-  AgregarTexto(i, destino);
-  return destino;
+std::string_view Call::Text(int i) {
+  const int kind = sqlite3_value_type(values_[i]);
+  if (kind == SQLITE_TEXT || kind == SQLITE_BLOB) return View(values_[i]);
+  std::string& target = converted_.at(static_cast<std::size_t>(i));
+  target.clear();
+  AppendText(i, target);
+  return target;
 }
 
-double Llamada::Numero(int i) const {
-  sqlite3_value* v = valores_[i];
+double Call::Number(int i) const {
+  sqlite3_value* v = values_[i];
   switch (sqlite3_value_type(v)) {
     case SQLITE_NULL:
-      LanzarNumero(kUsoDeNulo);
+      ThrowNumber(kInvalidUseOfNull);
     case SQLITE_INTEGER:
     case SQLITE_FLOAT:
       return sqlite3_value_double(v);
     default:
       break;
   }
-  return base::CDbl(Vista(v), Regional());
+  return base::CDbl(View(v), Regional());
 }
 
-Llamada::Cifra Llamada::Numerico(int i) const {
-  sqlite3_value* v = valores_[i];
+Call::Figure Call::Numeric(int i) const {
+  sqlite3_value* v = values_[i];
   if (sqlite3_value_type(v) == SQLITE_INTEGER) return {true, sqlite3_value_int64(v), 0};
-  const double d = Numero(i);
-  constexpr double kExactos = 9007199254740992.0;
-  if (EsTexto(i) && std::trunc(d) == d && std::abs(d) <= kExactos)
+  const double d = Number(i);
+  constexpr double kLargestExact = 9007199254740992.0;
+  if (IsText(i) && std::trunc(d) == d && std::abs(d) <= kLargestExact)
     return {true, static_cast<std::int64_t>(d), 0};
   return {false, 0, d};
 }
 
-std::int64_t Llamada::Entero(int i) const {
-  const Cifra c = Numerico(i);
-  return c.entera ? c.entero : base::EnteroBancario(c.real);
+std::int64_t Call::Integer(int i) const {
+  const Figure c = Numeric(i);
+  return c.whole ? c.integer : base::BankersInteger(c.real);
 }
 
-std::int32_t Llamada::Entero32(int i) const {
-  const std::int64_t v = Entero(i);
+std::int32_t Call::Integer32(int i) const {
+  const std::int64_t v = Integer(i);
   if (v < std::numeric_limits<std::int32_t>::min() || v > std::numeric_limits<std::int32_t>::max())
-    LanzarNumero(kDesbordamiento);
+    ThrowNumber(kOverflow);
   return static_cast<std::int32_t>(v);
 }
 
-int Llamada::Opcional(int i, int si_falta) const { return Hay(i) ? Entero32(i) : si_falta; }
+int Call::Optional(int i, int if_missing) const { return Has(i) ? Integer32(i) : if_missing; }
 
-int Llamada::PrimerDia(int i) const {
-  const int dia = Opcional(i, 1);
-  if (dia < 0 || dia > 7) LanzarNumero(kLlamadaIncorrecta);
-  return dia == 0 ? 1 : dia;
+int Call::FirstDay(int i) const {
+  const int day = Optional(i, 1);
+  if (day < 0 || day > 7) ThrowNumber(kInvalidCall);
+  return day == 0 ? 1 : day;
 }
 
-int Llamada::PrimeraSemana(int i) const {
-  const int semana = Opcional(i, 1);
-  if (semana < 0 || semana > 3) LanzarNumero(kLlamadaIncorrecta);
-  return semana == 0 ? 1 : semana;
+int Call::FirstWeek(int i) const {
+  const int week = Optional(i, 1);
+  if (week < 0 || week > 3) ThrowNumber(kInvalidCall);
+  return week == 0 ? 1 : week;
 }
 
-bool Llamada::Booleano(int i) const { return !EsNulo(i) && Numero(i) != 0; }
+bool Call::Boolean(int i) const { return !IsNull(i) && Number(i) != 0; }
 
-base::Fecha Llamada::Fecha(int i) const {
-  constexpr double kPrimera = -657434.0, kTrasUltima = 2958466.0;
-  base::Fecha fecha;
-  if (EsTexto(i)) {
-    const auto leida = base::FechaDeTexto(Vista(valores_[i]), Hoy(), Regional());
-    if (!leida) LanzarNumero(kNoCoincidenTipos);
-    fecha = *leida;
+base::Date Call::Date(int i) const {
+  constexpr double kFirst = -657434.0, kAfterLast = 2958466.0;
+  base::Date date;
+  if (IsText(i)) {
+    const auto parsed = base::DateFromText(View(values_[i]), Today(), Regional());
+    if (!parsed) ThrowNumber(kTypeMismatch);
+    date = *parsed;
   } else {
-    fecha.serie = Numero(i);
+    date.serial = Number(i);
   }
-  if (!(fecha.serie >= kPrimera && fecha.serie < kTrasUltima)) LanzarNumero(kDesbordamiento);
-  return fecha;
+  if (!(date.serial >= kFirst && date.serial < kAfterLast)) ThrowNumber(kOverflow);
+  return date;
 }
 
-base::Valor Llamada::Tipado(int i) const {
-  sqlite3_value* v = valores_[i];
+base::Value Call::Typed(int i) const {
+  sqlite3_value* v = values_[i];
   switch (sqlite3_value_type(v)) {
     case SQLITE_NULL:
       return {};
     case SQLITE_TEXT:
     case SQLITE_BLOB:
-      return std::string(Vista(v));
+      return std::string(View(v));
     default:
       break;
   }
-  switch (Letra(i)) {
+  switch (Letter(i)) {
     case 'B':
       return sqlite3_value_int64(v) != 0;
     case 'D':
-      return base::Fecha{sqlite3_value_double(v)};
+      return base::Date{sqlite3_value_double(v)};
     case 'S':
       return static_cast<float>(sqlite3_value_double(v));
     case 'C':
@@ -286,31 +284,31 @@ base::Valor Llamada::Tipado(int i) const {
   return sqlite3_value_double(v);
 }
 
-void Llamada::DarNumero(double v) {
-  if (!std::isfinite(v)) LanzarNumero(kDesbordamiento);
-  sqlite3_result_double(contexto_, v);
+void Call::ReturnNumber(double v) {
+  if (!std::isfinite(v)) ThrowNumber(kOverflow);
+  sqlite3_result_double(context_, v);
 }
 
-void Llamada::DarTexto(std::string_view v) {
-  entorno_.Charge(v.size() / 2);
-  sqlite3_result_text64(contexto_, v.data() == nullptr ? "" : v.data(), v.size(), SQLITE_TRANSIENT,
+void Call::ReturnText(std::string_view v) {
+  environment_.Charge(v.size() / 2);
+  sqlite3_result_text64(context_, v.data() == nullptr ? "" : v.data(), v.size(), SQLITE_TRANSIENT,
                         SQLITE_UTF8);
 }
 
-void Registrar(sqlite3* base, Entorno& entorno) {
-  entorno.base = base;
-  for (const jetsql::Funcion& f : jetsql::Funciones()) {
-    const Cuerpo cuerpo = CuerpoDe(f.nombre);
-    if (cuerpo == nullptr) throw base::Error("La función " + std::string(f.nombre) + " no está disponible.");
-    const std::string nombre = NombreSqlite(f.nombre);
+void Register(sqlite3* base, Environment& environment) {
+  environment.base = base;
+  for (const jetsql::Function& f : jetsql::Functions()) {
+    const Body body = BodyOf(f.name);
+    if (body == nullptr) throw base::Error("La función " + std::string(f.name) + " no está disponible.");
+    const std::string name = SqliteName(f.name);
     // The clock stands still during one statement, so Date() and its kin are computed once for it; Rnd is
     // not.
-    const bool una_vez = f.nombre != "RND";
-    RegistrarUna(base, entorno, {nombre.c_str(), -1, f.etiquetada, una_vez, cuerpo});
+    const bool once = f.name != "RND";
+    RegisterOne(base, environment, {name.c_str(), -1, f.tagged, once, body});
   }
-  for (const Registro& r : AyudasDelTraductor()) RegistrarUna(base, entorno, r);
-  RegistrarTotales(base);
-  sqlite3_create_collation_v2(base, "JET", SQLITE_UTF8, &entorno, CotejarJet, nullptr);
+  for (const Record& r : TranslatorHelpers()) RegisterOne(base, environment, r);
+  RegisterTotals(base);
+  sqlite3_create_collation_v2(base, "JET", SQLITE_UTF8, &environment, CollateJet, nullptr);
 }
 
 }  // namespace engine_sqlite

@@ -16,29 +16,29 @@
 
 namespace engine_sqlite {
 
-struct Opciones {
-  bool crear = false;  // make the file when there is none (":memory:" needs no flag)
-  bool solo_lectura = false;
-  bool comodines_dao = false;                       // LIKE with * ? # as saved queries of the DAO kind have
-  base::Orden orden = base::Orden::EspanolModerno;  // of a new file; one that exists keeps its own
-  const ports::Clock* reloj = nullptr;              // what Date() and Now() ask; the system's clock when null
-  const base::Locale* locale = nullptr;  // of the texts that the dialect makes and reads; espanol() when null
-  int espera_ms = 5000;                  // how long to wait for another program that is writing
+struct Options {
+  bool create = false;  // make the file when there is none (":memory:" needs no flag)
+  bool read_only = false;
+  bool dao_wildcards = false;  // LIKE with * ? # as saved queries of the DAO kind have
+  base::SortOrder order = base::SortOrder::ModernSpanish;  // of a new file; one that exists keeps its own
+  const ports::Clock* clock = nullptr;   // what Date() and Now() ask; the system's clock when null
+  const base::Locale* locale = nullptr;  // of the texts that the dialect makes and reads; spanish() when null
+  int wait_ms = 5000;                    // how long to wait for another program that is writing
 };
 
 // Opens the file (path in UTF-8, or ":memory:"). Throws db::Error with a readable reason. The clock and the
 // locale must outlive the connection.
-std::unique_ptr<db::Connection> Abrir(std::string_view ruta, const Opciones& opciones = {});
+std::unique_ptr<db::Connection> Open(std::string_view path, const Options& options = {});
 
 // What a connection has done, for tests and benchmarks.
-struct Contadores {
-  std::int64_t ejecuciones = 0;       // statements run
-  std::int64_t traducciones = 0;      // texts that went through the translator
-  std::int64_t preparaciones = 0;     // SQLite statements compiled
-  std::int64_t textos_iguales = 0;    // texts known by heart
-  std::int64_t formas_conocidas = 0;  // texts of a known shape
+struct Counters {
+  std::int64_t executions = 0;    // statements run
+  std::int64_t translations = 0;  // texts that went through the translator
+  std::int64_t preparations = 0;  // SQLite statements compiled
+  std::int64_t equal_texts = 0;   // texts known by heart
+  std::int64_t known_shapes = 0;  // texts of a known shape
 };
 // Null for a connection of another engine.
-const Contadores* ContadoresDe(const db::Connection& conexion);
+const Counters* CountersOf(const db::Connection& connection);
 
 }  // namespace engine_sqlite

@@ -5,81 +5,81 @@
 namespace engine_sqlite {
 namespace {
 
-bool MismosFijos(const Preparada& p, const std::vector<base::Valor>& literales) {
-  const std::vector<int>& fijos = p.traduccion.fijos;
-  for (std::size_t k = 0; k < fijos.size(); ++k)
-    if (literales.at(static_cast<std::size_t>(fijos[k])) != p.valores_fijos[k]) return false;
+bool SameFixed(const Prepared& p, const std::vector<base::Value>& literals) {
+  const std::vector<int>& fixed = p.translation.fixed;
+  for (std::size_t k = 0; k < fixed.size(); ++k)
+    if (literals.at(static_cast<std::size_t>(fixed[k])) != p.fixed_values[k]) return false;
   return true;
 }
 
 }  // namespace
 
-std::shared_ptr<Preparada> CacheDeFormas::Buscar(const jetsql::Forma& forma) {
-  const auto it = por_clave_.find(forma.clave);
-  if (it == por_clave_.end()) return nullptr;
-  entradas_.splice(entradas_.begin(), entradas_, it->second);
-  for (const auto& variante : it->second->variantes)
-    if (MismosFijos(*variante, forma.literales)) return variante;
+std::shared_ptr<Prepared> ShapeCache::Find(const jetsql::Shape& shape) {
+  const auto it = by_key_.find(shape.key);
+  if (it == by_key_.end()) return nullptr;
+  entries_.splice(entries_.begin(), entries_, it->second);
+  for (const auto& variant : it->second->variants)
+    if (SameFixed(*variant, shape.literals)) return variant;
   return nullptr;
 }
 
-void CacheDeFormas::Guardar(const jetsql::Forma& forma, std::shared_ptr<Preparada> preparada) {
-  const auto it = por_clave_.find(forma.clave);
-  if (it != por_clave_.end()) {
-    auto& variantes = it->second->variantes;
-    if (variantes.size() == kVariantes) variantes.erase(variantes.begin());
-    variantes.push_back(std::move(preparada));
+void ShapeCache::Store(const jetsql::Shape& shape, std::shared_ptr<Prepared> prepared) {
+  const auto it = by_key_.find(shape.key);
+  if (it != by_key_.end()) {
+    auto& variants = it->second->variants;
+    if (variants.size() == kVariants) variants.erase(variants.begin());
+    variants.push_back(std::move(prepared));
     return;
   }
-  if (entradas_.size() == kFormas) {
-    por_clave_.erase(entradas_.back().clave);
-    entradas_.pop_back();
+  if (entries_.size() == kShapes) {
+    by_key_.erase(entries_.back().key);
+    entries_.pop_back();
   }
-  entradas_.push_front({forma.clave, {}});
-  entradas_.front().variantes.push_back(std::move(preparada));
-  por_clave_.emplace(entradas_.front().clave, entradas_.begin());
+  entries_.push_front({shape.key, {}});
+  entries_.front().variants.push_back(std::move(prepared));
+  by_key_.emplace(entries_.front().key, entries_.begin());
 }
 
-void CacheDeFormas::Vaciar() {
-  por_clave_.clear();
-  entradas_.clear();
+void ShapeCache::Clear() {
+  by_key_.clear();
+  entries_.clear();
 }
 
-CacheDeMoldes::Grupo& CacheDeMoldes::GrupoDe(std::string_view sql) {
-  constexpr std::size_t kComienzo = 32;
-  std::uint64_t huella = 14695981039346656037U;
-  for (std::size_t i = 0; i < sql.size() && i < kComienzo; ++i) {
+MouldCache::Group& MouldCache::GroupOf(std::string_view sql) {
+  constexpr std::size_t kStart = 32;
+  std::uint64_t hash = 14695981039346656037U;
+  for (std::size_t i = 0; i < sql.size() && i < kStart; ++i) {
     const char c = sql[i];
     if ((c >= '0' && c <= '9') || c == '\'' || c == '"' || c == '#') break;
-    huella = (huella ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
   }
-  return grupos_[(huella >> 32) % kGrupos];
+  return groups_[(hash >> 32) % kGroups];
 }
 
-CacheDeMoldes::Hallado CacheDeMoldes::Buscar(std::string_view sql) {
-  using Hallazgo = jetsql::Molde::Hallazgo;
-  if (sql.size() > kTextoMasLargo) return {};
-  for (Ranura& ranura : GrupoDe(sql).ranuras) {
-    const Hallazgo hallazgo = ranura.molde.Reconocer(sql);
-    if (hallazgo == Hallazgo::Otra) continue;
-    if (!MismosFijos(*ranura.preparada, ranura.molde.Literales())) return {};
-    return {&ranura, hallazgo == Hallazgo::Igual};
+MouldCache::Found MouldCache::Find(std::string_view sql) {
+  using Match = jetsql::Mould::Match;
+  if (sql.size() > kLongestText) return {};
+  for (Slot& slot : GroupOf(sql).slots) {
+    const Match finding = slot.mould.Recognise(sql);
+    if (finding == Match::Other) continue;
+    if (!SameFixed(*slot.prepared, slot.mould.Literals())) return {};
+    return {&slot, finding == Match::Equal};
   }
   return {};
 }
 
-void CacheDeMoldes::Guardar(std::string_view sql, const jetsql::Forma& forma,
-                            const std::shared_ptr<Preparada>& preparada) {
-  if (sql.size() > kTextoMasLargo) return;
-  Grupo& grupo = GrupoDe(sql);
-  Ranura& ranura = grupo.ranuras[grupo.siguiente];
-  grupo.siguiente = (grupo.siguiente + 1) % kPorGrupo;
-  ranura.molde.Tomar(sql, forma);
-  ranura.preparada = preparada;
+void MouldCache::Store(std::string_view sql, const jetsql::Shape& shape,
+                       const std::shared_ptr<Prepared>& prepared) {
+  if (sql.size() > kLongestText) return;
+  Group& group = GroupOf(sql);
+  Slot& slot = group.slots[group.next];
+  group.next = (group.next + 1) % kPerGroup;
+  slot.mould.Take(sql, shape);
+  slot.prepared = prepared;
 }
 
-void CacheDeMoldes::Vaciar() {
-  for (Grupo& grupo : grupos_) grupo = {};
+void MouldCache::Clear() {
+  for (Group& group : groups_) group = {};
 }
 
 }  // namespace engine_sqlite

@@ -11,237 +11,237 @@
 namespace engine_sqlite {
 namespace {
 
-constexpr std::int64_t kTextoMasLargo = 1 << 26;  // of Space, String and Replace: a typing slip, not a text
+constexpr std::int64_t kLongestText = 1 << 26;  // of Space, String and Replace: a typing slip, not a text
 
-void VerificarLargo(std::int64_t largo) {
-  if (largo > kTextoMasLargo) throw base::Error("No hay espacio para un texto tan largo.", 14);
+void VerifyLength(std::int64_t length) {
+  if (length > kLongestText) throw base::Error("No hay espacio para un texto tan largo.", 14);
 }
 
-std::int64_t NoNegativo(const Llamada& l, int i) {
-  const std::int64_t n = l.Entero32(i);
-  if (n < 0) LanzarNumero(kLlamadaIncorrecta);
+std::int64_t NonNegative(const Call& l, int i) {
+  const std::int64_t n = l.Integer32(i);
+  if (n < 0) ThrowNumber(kInvalidCall);
   return n;
 }
 
-void Len(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarEntero(Caracteres(l.Texto(0)));
+void Len(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnInteger(Characters(l.Text(0)));
 }
 
-void Left(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  const std::int64_t n = NoNegativo(l, 1);
-  const std::string_view texto = l.Texto(0);
-  l.DarTexto(texto.substr(0, AvanzarCaracteres(texto, 0, n)));
+void Left(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  const std::int64_t n = NonNegative(l, 1);
+  const std::string_view text = l.Text(0);
+  l.ReturnText(text.substr(0, AdvanceCharacters(text, 0, n)));
 }
 
-void Right(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  const std::int64_t n = NoNegativo(l, 1);
-  const std::string_view texto = l.Texto(0);
-  const std::int64_t sobran = Caracteres(texto) - n;
-  l.DarTexto(sobran <= 0 ? texto : texto.substr(AvanzarCaracteres(texto, 0, sobran)));
+void Right(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  const std::int64_t n = NonNegative(l, 1);
+  const std::string_view text = l.Text(0);
+  const std::int64_t surplus = Characters(text) - n;
+  l.ReturnText(surplus <= 0 ? text : text.substr(AdvanceCharacters(text, 0, surplus)));
 }
 
-void Mid(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  const std::int64_t inicio = l.Entero32(1);
-  if (inicio < 1) LanzarNumero(kLlamadaIncorrecta);
-  const std::int64_t n = l.Hay(2) ? NoNegativo(l, 2) : std::numeric_limits<std::int64_t>::max();
-  const std::string_view texto = l.Texto(0);
-  const std::size_t desde = AvanzarCaracteres(texto, 0, inicio - 1);
-  l.DarTexto(texto.substr(desde, AvanzarCaracteres(texto, desde, n) - desde));
+void Mid(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  const std::int64_t start = l.Integer32(1);
+  if (start < 1) ThrowNumber(kInvalidCall);
+  const std::int64_t n = l.Has(2) ? NonNegative(l, 2) : std::numeric_limits<std::int64_t>::max();
+  const std::string_view text = l.Text(0);
+  const std::size_t from = AdvanceCharacters(text, 0, start - 1);
+  l.ReturnText(text.substr(from, AdvanceCharacters(text, from, n) - from));
 }
 
-template <bool kIzquierda, bool kDerecha>
-void Recortar(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  std::string_view texto = l.Texto(0);
-  while (kIzquierda && !texto.empty() && texto.front() == ' ') texto.remove_prefix(1);
-  while (kDerecha && !texto.empty() && texto.back() == ' ') texto.remove_suffix(1);
-  l.DarTexto(texto);
+template <bool kLeft, bool kRight>
+void Trim(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  std::string_view text = l.Text(0);
+  while (kLeft && !text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (kRight && !text.empty() && text.back() == ' ') text.remove_suffix(1);
+  l.ReturnText(text);
 }
 
-void UCase(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarTexto(base::Mayusculas(l.Texto(0)));
+void UCase(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnText(base::UpperCase(l.Text(0)));
 }
 
-void LCase(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarTexto(base::Minusculas(l.Texto(0)));
+void LCase(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnText(base::LowerCase(l.Text(0)));
 }
 
-void InStr(Llamada& l) {
-  const int t = l.Cantidad() > 2 ? 1 : 0;  // with a third argument the first is the start
-  if (t == 1 && l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
-  const std::int64_t inicio = t == 1 ? l.Entero32(0) : 1;
-  if (inicio < 1) LanzarNumero(kLlamadaIncorrecta);
-  if (l.EsNulo(t) || l.EsNulo(t + 1)) return l.Nulo();
-  const ModoTexto modo = LeerModo(l, t + 2);
-  const std::string_view texto = l.Texto(t), aguja = l.Texto(t + 1);
-  const std::size_t desde = AvanzarCaracteres(texto, 0, inicio - 1);
-  if (desde >= texto.size()) return l.DarEntero(0);
-  if (aguja.empty()) return l.DarEntero(inicio);
-  const Hallazgo h = BuscarDesde(texto, aguja, desde, modo);
-  l.DarEntero(h.Hay() ? inicio + Caracteres(texto.substr(desde, h.desde - desde)) : 0);
+void InStr(Call& l) {
+  const int t = l.Count() > 2 ? 1 : 0;  // with a third argument the first is the start
+  if (t == 1 && l.IsNull(0)) ThrowNumber(kInvalidUseOfNull);
+  const std::int64_t start = t == 1 ? l.Integer32(0) : 1;
+  if (start < 1) ThrowNumber(kInvalidCall);
+  if (l.IsNull(t) || l.IsNull(t + 1)) return l.Null();
+  const TextMode mode = ReadMode(l, t + 2);
+  const std::string_view text = l.Text(t), needle = l.Text(t + 1);
+  const std::size_t from = AdvanceCharacters(text, 0, start - 1);
+  if (from >= text.size()) return l.ReturnInteger(0);
+  if (needle.empty()) return l.ReturnInteger(start);
+  const Match h = FindFrom(text, needle, from, mode);
+  l.ReturnInteger(h.Has() ? start + Characters(text.substr(from, h.from - from)) : 0);
 }
 
-// The last occurrence that ends at or before character `fin`.
-void InStrRev(Llamada& l) {
-  if (l.EsNulo(0) || l.EsNulo(1)) return l.Nulo();
-  std::int64_t fin = l.Opcional(2, -1);
-  if (fin == 0 || fin < -1) LanzarNumero(kLlamadaIncorrecta);
-  const ModoTexto modo = LeerModo(l, 3);
-  const std::string_view texto = l.Texto(0), aguja = l.Texto(1);
-  const std::int64_t largo = Caracteres(texto);
-  if (fin == -1) fin = largo;
-  if (largo == 0 || fin > largo) return l.DarEntero(0);
-  if (aguja.empty()) return l.DarEntero(fin);
-  const std::string_view parte = texto.substr(0, AvanzarCaracteres(texto, 0, fin));
-  std::int64_t hallado = 0, posicion = 1;
-  for (std::size_t i = 0; i < parte.size(); ++posicion) {
-    if (OcurreEn(parte, aguja, i, modo) != 0) hallado = posicion;
-    base::SiguientePunto(parte, i);
+// The last occurrence that ends at or before character `end`.
+void InStrRev(Call& l) {
+  if (l.IsNull(0) || l.IsNull(1)) return l.Null();
+  std::int64_t end = l.Optional(2, -1);
+  if (end == 0 || end < -1) ThrowNumber(kInvalidCall);
+  const TextMode mode = ReadMode(l, 3);
+  const std::string_view text = l.Text(0), needle = l.Text(1);
+  const std::int64_t length = Characters(text);
+  if (end == -1) end = length;
+  if (length == 0 || end > length) return l.ReturnInteger(0);
+  if (needle.empty()) return l.ReturnInteger(end);
+  const std::string_view part = text.substr(0, AdvanceCharacters(text, 0, end));
+  std::int64_t found = 0, position = 1;
+  for (std::size_t i = 0; i < part.size(); ++position) {
+    if (OccursAt(part, needle, i, mode) != 0) found = position;
+    base::NextPoint(part, i);
   }
-  l.DarEntero(hallado);
+  l.ReturnInteger(found);
 }
 
 // The result begins at the start position: what stands before is lost.
-void Replace(Llamada& l) {
-  if (l.AlgunNulo()) LanzarNumero(kUsoDeNulo);
-  const std::int64_t inicio = l.Opcional(3, 1);
-  std::int64_t quedan = l.Opcional(4, -1);
-  if (inicio < 1 || quedan < -1) LanzarNumero(kLlamadaIncorrecta);
-  const ModoTexto modo = LeerModo(l, 5);
-  std::string_view texto = l.Texto(0);
-  const std::string_view de = l.Texto(1), por = l.Texto(2);
-  texto = texto.substr(AvanzarCaracteres(texto, 0, inicio - 1));
-  std::string salida;
+void Replace(Call& l) {
+  if (l.AnyNull()) ThrowNumber(kInvalidUseOfNull);
+  const std::int64_t start = l.Optional(3, 1);
+  std::int64_t remaining = l.Optional(4, -1);
+  if (start < 1 || remaining < -1) ThrowNumber(kInvalidCall);
+  const TextMode mode = ReadMode(l, 5);
+  std::string_view text = l.Text(0);
+  const std::string_view from = l.Text(1), with = l.Text(2);
+  text = text.substr(AdvanceCharacters(text, 0, start - 1));
+  std::string output;
   std::size_t i = 0;
-  while (!de.empty() && quedan != 0) {
-    const Hallazgo h = BuscarDesde(texto, de, i, modo);
-    if (!h.Hay()) break;
-    salida += texto.substr(i, h.desde - i);
-    salida += por;
-    VerificarLargo(static_cast<std::int64_t>(salida.size()));
-    i = h.desde + h.largo;
-    if (quedan > 0) --quedan;
+  while (!from.empty() && remaining != 0) {
+    const Match h = FindFrom(text, from, i, mode);
+    if (!h.Has()) break;
+    output += text.substr(i, h.from - i);
+    output += with;
+    VerifyLength(static_cast<std::int64_t>(output.size()));
+    i = h.from + h.length;
+    if (remaining > 0) --remaining;
   }
-  salida += texto.substr(i);
-  l.DarTexto(salida);
+  output += text.substr(i);
+  l.ReturnText(output);
 }
 
-void StrComp(Llamada& l) {
-  if (l.EsNulo(0) || l.EsNulo(1)) return l.Nulo();
-  const ModoTexto modo = LeerModo(l, 2);
-  const std::string_view a = l.Texto(0), b = l.Texto(1);
-  if (modo == ModoTexto::Base) return l.DarEntero(base::CompararTexto(a, b, l.Alrededor().orden));
-  if (modo == ModoTexto::Texto) return l.DarEntero(CompararComoTexto(a, b, l.Alrededor().orden));
-  const int orden = a.compare(b);
-  l.DarEntero(orden < 0 ? -1 : (orden > 0 ? 1 : 0));
+void StrComp(Call& l) {
+  if (l.IsNull(0) || l.IsNull(1)) return l.Null();
+  const TextMode mode = ReadMode(l, 2);
+  const std::string_view a = l.Text(0), b = l.Text(1);
+  if (mode == TextMode::Base) return l.ReturnInteger(base::CompareText(a, b, l.Surroundings().order));
+  if (mode == TextMode::Text) return l.ReturnInteger(CompareAsText(a, b, l.Surroundings().order));
+  const int order = a.compare(b);
+  l.ReturnInteger(order < 0 ? -1 : (order > 0 ? 1 : 0));
 }
 
-void StrReverse(Llamada& l) {
-  if (l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
-  const std::string_view texto = l.Texto(0);
-  std::string salida(texto.size(), '\0');
-  std::size_t destino = texto.size();
-  for (std::size_t i = 0; i < texto.size();) {
-    const std::size_t desde = i;
-    base::SiguientePunto(texto, i);
-    destino -= i - desde;
-    salida.replace(destino, i - desde, texto.substr(desde, i - desde));
+void StrReverse(Call& l) {
+  if (l.IsNull(0)) ThrowNumber(kInvalidUseOfNull);
+  const std::string_view text = l.Text(0);
+  std::string output(text.size(), '\0');
+  std::size_t target = text.size();
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t from = i;
+    base::NextPoint(text, i);
+    target -= i - from;
+    output.replace(target, i - from, text.substr(from, i - from));
   }
-  l.DarTexto(salida);
+  l.ReturnText(output);
 }
 
-void Space(Llamada& l) {
-  const std::int64_t n = NoNegativo(l, 0);
-  VerificarLargo(n);
-  l.DarTexto(std::string(static_cast<std::size_t>(n), ' '));
+void Space(Call& l) {
+  const std::int64_t n = NonNegative(l, 0);
+  VerifyLength(n);
+  l.ReturnText(std::string(static_cast<std::size_t>(n), ' '));
 }
 
-void Repetir(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  const std::int64_t n = NoNegativo(l, 0);
-  VerificarLargo(n);
-  std::string caracter;
-  if (l.EsTexto(1)) {
-    const std::string_view texto = l.Texto(1);
-    if (texto.empty()) LanzarNumero(kLlamadaIncorrecta);
-    caracter = texto.substr(0, AvanzarCaracteres(texto, 0, 1));
+void Repeat(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  const std::int64_t n = NonNegative(l, 0);
+  VerifyLength(n);
+  std::string character;
+  if (l.IsText(1)) {
+    const std::string_view text = l.Text(1);
+    if (text.empty()) ThrowNumber(kInvalidCall);
+    character = text.substr(0, AdvanceCharacters(text, 0, 1));
   } else {
-    const char codigo = static_cast<char>(static_cast<unsigned char>(l.Entero32(1) & 0xFF));
-    caracter = base::DeCp1252(std::string_view(&codigo, 1));
+    const char code = static_cast<char>(static_cast<unsigned char>(l.Integer32(1) & 0xFF));
+    character = base::FromCp1252(std::string_view(&code, 1));
   }
-  std::string salida;
-  salida.reserve(caracter.size() * static_cast<std::size_t>(n));
-  for (std::int64_t i = 0; i < n; ++i) salida += caracter;
-  l.DarTexto(salida);
+  std::string output;
+  output.reserve(character.size() * static_cast<std::size_t>(n));
+  for (std::int64_t i = 0; i < n; ++i) output += character;
+  l.ReturnText(output);
 }
 
-void Chr(Llamada& l) {
-  const std::int32_t n = l.Entero32(0);
-  if (n < 0 || n > 255) LanzarNumero(kLlamadaIncorrecta);
-  const char codigo = static_cast<char>(static_cast<unsigned char>(n));
-  l.DarTexto(base::DeCp1252(std::string_view(&codigo, 1)));
+void Chr(Call& l) {
+  const std::int32_t n = l.Integer32(0);
+  if (n < 0 || n > 255) ThrowNumber(kInvalidCall);
+  const char code = static_cast<char>(static_cast<unsigned char>(n));
+  l.ReturnText(base::FromCp1252(std::string_view(&code, 1)));
 }
 
-void ChrW(Llamada& l) {
-  const std::int32_t n = l.Entero32(0);
-  if (n < -32768 || n > 65535) LanzarNumero(kLlamadaIncorrecta);
-  const auto punto = static_cast<char32_t>(n & 0xFFFF);
-  l.DarTexto(base::DePuntos(std::u32string_view(&punto, 1)));
+void ChrW(Call& l) {
+  const std::int32_t n = l.Integer32(0);
+  if (n < -32768 || n > 65535) ThrowNumber(kInvalidCall);
+  const auto point = static_cast<char32_t>(n & 0xFFFF);
+  l.ReturnText(base::FromPoints(std::u32string_view(&point, 1)));
 }
 
-void Asc(Llamada& l) {
-  if (l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
-  const std::string_view texto = l.Texto(0);
-  if (texto.empty()) LanzarNumero(kLlamadaIncorrecta);
-  const std::string byte = base::ACp1252(texto.substr(0, AvanzarCaracteres(texto, 0, 1)));
-  l.DarEntero(static_cast<unsigned char>(byte.at(0)));
+void Asc(Call& l) {
+  if (l.IsNull(0)) ThrowNumber(kInvalidUseOfNull);
+  const std::string_view text = l.Text(0);
+  if (text.empty()) ThrowNumber(kInvalidCall);
+  const std::string byte = base::ToCp1252(text.substr(0, AdvanceCharacters(text, 0, 1)));
+  l.ReturnInteger(static_cast<unsigned char>(byte.at(0)));
 }
 
-void AscW(Llamada& l) {
-  if (l.EsNulo(0)) LanzarNumero(kUsoDeNulo);
-  const std::string_view texto = l.Texto(0);
-  if (texto.empty()) LanzarNumero(kLlamadaIncorrecta);
+void AscW(Call& l) {
+  if (l.IsNull(0)) ThrowNumber(kInvalidUseOfNull);
+  const std::string_view text = l.Text(0);
+  if (text.empty()) ThrowNumber(kInvalidCall);
   std::size_t i = 0;
-  const char32_t c = base::SiguientePunto(texto, i);
-  const char32_t unidad = c > 0xFFFF ? 0xD800 + ((c - 0x10000) >> 10) : c;
-  l.DarEntero(static_cast<std::int16_t>(static_cast<std::uint16_t>(unidad)));
+  const char32_t c = base::NextPoint(text, i);
+  const char32_t unit = c > 0xFFFF ? 0xD800 + ((c - 0x10000) >> 10) : c;
+  l.ReturnInteger(static_cast<std::int16_t>(static_cast<std::uint16_t>(unit)));
 }
 
-std::string NombrePropio(std::string_view texto) {
-  std::string salida;
-  bool inicio = true;
-  for (std::size_t i = 0; i < texto.size();) {
-    const std::size_t desde = i;
-    const char32_t c = base::SiguientePunto(texto, i);
-    const std::string_view letra = texto.substr(desde, i - desde);
-    salida += inicio ? base::Mayusculas(letra) : base::Minusculas(letra);
-    inicio = c == ' ' || c == 0 || (c >= '\t' && c <= '\r');
+std::string ProperCase(std::string_view text) {
+  std::string output;
+  bool start = true;
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t from = i;
+    const char32_t c = base::NextPoint(text, i);
+    const std::string_view letter = text.substr(from, i - from);
+    output += start ? base::UpperCase(letter) : base::LowerCase(letter);
+    start = c == ' ' || c == 0 || (c >= '\t' && c <= '\r');
   }
-  return salida;
+  return output;
 }
 
-void StrConv(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  const std::string_view texto = l.Texto(0);
-  switch (l.Entero32(1)) {
+void StrConv(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  const std::string_view text = l.Text(0);
+  switch (l.Integer32(1)) {
     case 1:
-      return l.DarTexto(base::Mayusculas(texto));
+      return l.ReturnText(base::UpperCase(text));
     case 2:
-      return l.DarTexto(base::Minusculas(texto));
+      return l.ReturnText(base::LowerCase(text));
     case 3:
-      return l.DarTexto(NombrePropio(texto));
+      return l.ReturnText(ProperCase(text));
     default:
-      LanzarNumero(kLlamadaIncorrecta);
+      ThrowNumber(kInvalidCall);
   }
 }
 
-constexpr Implementacion kFunciones[] = {
+constexpr Implementation kFunctions[] = {
     {"ASC", Asc},
     {"ASCW", AscW},
     {"CHR", Chr},
@@ -251,22 +251,22 @@ constexpr Implementacion kFunciones[] = {
     {"LCASE", LCase},
     {"LEFT", Left},
     {"LEN", Len},
-    {"LTRIM", Recortar<true, false>},
+    {"LTRIM", Trim<true, false>},
     {"MID", Mid},
     {"REPLACE", Replace},
     {"RIGHT", Right},
-    {"RTRIM", Recortar<false, true>},
+    {"RTRIM", Trim<false, true>},
     {"SPACE", Space},
     {"STRCOMP", StrComp},
     {"STRCONV", StrConv},
-    {"STRING", Repetir},
+    {"STRING", Repeat},
     {"STRREVERSE", StrReverse},
-    {"TRIM", Recortar<true, true>},
+    {"TRIM", Trim<true, true>},
     {"UCASE", UCase},
 };
 
 }  // namespace
 
-std::span<const Implementacion> FuncionesDeTexto() { return kFunciones; }
+std::span<const Implementation> TextFunctions() { return kFunctions; }
 
 }  // namespace engine_sqlite

@@ -4,57 +4,57 @@
 
 namespace engine_sqlite {
 
-ModoTexto LeerModo(const Llamada& llamada, int argumento) {
-  constexpr ModoTexto kModos[] = {ModoTexto::Binario, ModoTexto::Texto, ModoTexto::Base};
-  const int modo = llamada.Opcional(argumento, 2);
-  if (modo < 0 || modo > 2) LanzarNumero(kLlamadaIncorrecta);
-  return kModos[modo];
+TextMode ReadMode(const Call& call, int argument) {
+  constexpr TextMode kModes[] = {TextMode::Binary, TextMode::Text, TextMode::Base};
+  const int mode = call.Optional(argument, 2);
+  if (mode < 0 || mode > 2) ThrowNumber(kInvalidCall);
+  return kModes[mode];
 }
 
-std::size_t OcurreEn(std::string_view texto, std::string_view aguja, std::size_t lugar, ModoTexto modo) {
-  if (modo == ModoTexto::Binario) return texto.substr(lugar, aguja.size()) == aguja ? aguja.size() : 0;
-  std::size_t i = lugar;
-  for (std::size_t j = 0; j < aguja.size();) {
-    if (i >= texto.size()) return 0;
-    if (base::Plegar(base::SiguientePunto(texto, i)) != base::Plegar(base::SiguientePunto(aguja, j)))
-      return 0;
+std::size_t OccursAt(std::string_view text, std::string_view needle, std::size_t place, TextMode mode) {
+  if (mode == TextMode::Binary) return text.substr(place, needle.size()) == needle ? needle.size() : 0;
+  std::size_t i = place;
+  for (std::size_t j = 0; j < needle.size();) {
+    if (i >= text.size()) return 0;
+    if (base::Fold(base::NextPoint(text, i)) != base::Fold(base::NextPoint(needle, j))) return 0;
   }
-  return i - lugar;
+  return i - place;
 }
 
-Hallazgo BuscarDesde(std::string_view texto, std::string_view aguja, std::size_t desde, ModoTexto modo) {
-  if (modo == ModoTexto::Binario) return {texto.find(aguja, desde), aguja.size()};
-  while (desde < texto.size()) {
-    const std::size_t largo = OcurreEn(texto, aguja, desde, modo);
-    if (largo != 0) return {desde, largo};
-    base::SiguientePunto(texto, desde);
+Match FindFrom(std::string_view text, std::string_view needle, std::size_t from, TextMode mode) {
+  if (mode == TextMode::Binary) return {text.find(needle, from), needle.size()};
+  while (from < text.size()) {
+    const std::size_t length = OccursAt(text, needle, from, mode);
+    if (length != 0) return {from, length};
+    base::NextPoint(text, from);
   }
   return {};
 }
 
-int CompararComoTexto(std::string_view a, std::string_view b, base::Orden orden) {
+int CompareAsText(std::string_view a, std::string_view b, base::SortOrder order) {
   // A character without a weight of its own sorts behind all letters.
-  const auto detras = [](std::string_view t) {
-    constexpr std::string_view kSinPeso = "\xEE\x80\x80";  // U+E000
-    return base::Reemplazar(base::Reemplazar(t, "Ø", kSinPeso), "ø", kSinPeso);
+  const auto behind = [](std::string_view t) {
+    constexpr std::string_view kWeightless = "\xEE\x80\x80";  // U+E000
+    return base::Replace(base::Replace(t, "Ø", kWeightless), "ø", kWeightless);
   };
-  if (!base::Contiene(a, "Ø", base::Comparar::SinCaso) && !base::Contiene(b, "Ø", base::Comparar::SinCaso))
-    return base::CompararTexto(a, b, orden);
-  return base::CompararTexto(detras(a), detras(b), orden);
+  if (!base::Contains(a, "Ø", base::Compare::IgnoringCase) &&
+      !base::Contains(b, "Ø", base::Compare::IgnoringCase))
+    return base::CompareText(a, b, order);
+  return base::CompareText(behind(a), behind(b), order);
 }
 
-std::size_t AvanzarCaracteres(std::string_view texto, std::size_t desde, std::int64_t cuantos) {
-  while (cuantos > 0 && desde < texto.size()) {
-    base::SiguientePunto(texto, desde);
-    --cuantos;
+std::size_t AdvanceCharacters(std::string_view text, std::size_t from, std::int64_t how_many) {
+  while (how_many > 0 && from < text.size()) {
+    base::NextPoint(text, from);
+    --how_many;
   }
-  return desde;
+  return from;
 }
 
-std::int64_t Caracteres(std::string_view texto) {
-  std::int64_t cuantos = 0;
-  for (std::size_t i = 0; i < texto.size(); ++cuantos) base::SiguientePunto(texto, i);
-  return cuantos;
+std::int64_t Characters(std::string_view text) {
+  std::int64_t how_many = 0;
+  for (std::size_t i = 0; i < text.size(); ++how_many) base::NextPoint(text, i);
+  return how_many;
 }
 
 }  // namespace engine_sqlite

@@ -13,12 +13,13 @@ int Look(void* steps) {
 
 }  // namespace
 
-WorkLimit::WorkLimit(sqlite3* base, sqlite3_stmt* statement, Entorno& entorno, db::QueryBudget* budget)
-    : base_(base), entorno_(entorno), budget_(budget) {
+WorkLimit::WorkLimit(sqlite3* base, sqlite3_stmt* statement, Environment& environment,
+                     db::QueryBudget* budget)
+    : base_(base), environment_(environment), budget_(budget) {
   if (budget_ == nullptr) return;
   budget_->steps -= kStepsBetweenLooks;  // what comes before the first look, and so for every statement
   if (budget_->steps < 0) throw db::QueryInterrupted(db::QueryInterrupted::By::Work);
-  entorno_.steps_left = &budget_->steps;
+  environment_.steps_left = &budget_->steps;
   sqlite3_stmt_status(statement, SQLITE_STMTSTATUS_VM_STEP, 1);  // the looks go by this count
   sqlite3_progress_handler(base_, kStepsBetweenLooks, Look, &budget_->steps);
 }
@@ -26,14 +27,14 @@ WorkLimit::WorkLimit(sqlite3* base, sqlite3_stmt* statement, Entorno& entorno, d
 WorkLimit::~WorkLimit() {
   if (budget_ == nullptr) return;
   sqlite3_progress_handler(base_, 0, nullptr, nullptr);
-  entorno_.steps_left = nullptr;
+  environment_.steps_left = nullptr;
 }
 
-void WorkLimit::Row(const std::vector<base::Valor>& cells, std::size_t width) {
+void WorkLimit::Row(const std::vector<base::Value>& cells, std::size_t width) {
   if (budget_ == nullptr) return;
   --budget_->rows;
   for (std::size_t i = cells.size() - width; i < cells.size(); ++i)
-    if (const auto* text = cells[i].Si<std::string>())
+    if (const auto* text = cells[i].GetIf<std::string>())
       budget_->bytes -= static_cast<std::int64_t>(text->size());
   if (budget_->rows < 0 || budget_->bytes < 0) throw db::QueryInterrupted(db::QueryInterrupted::By::Size);
 }

@@ -12,19 +12,19 @@ namespace engine_sqlite {
 // nothing. Only reading statements may be interrupted so: a change would take its whole transaction along.
 class WorkLimit {
  public:
-  WorkLimit(sqlite3* base, sqlite3_stmt* statement, Entorno& entorno, db::QueryBudget* budget);
+  WorkLimit(sqlite3* base, sqlite3_stmt* statement, Environment& environment, db::QueryBudget* budget);
   WorkLimit(const WorkLimit&) = delete;
   WorkLimit& operator=(const WorkLimit&) = delete;
   ~WorkLimit();
 
   // One more row of the result, its last `width` cells. Throws db::QueryInterrupted when it is one too many.
-  void Row(const std::vector<base::Valor>& cells, std::size_t width);
+  void Row(const std::vector<base::Value>& cells, std::size_t width);
   // Throws db::QueryInterrupted when the failure that the statement ended with is ours.
   void ThrowIfInterrupted() const;
 
  private:
   sqlite3* base_;
-  Entorno& entorno_;
+  Environment& environment_;
   db::QueryBudget* budget_;
 };
 

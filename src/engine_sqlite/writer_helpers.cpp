@@ -9,99 +9,100 @@
 namespace engine_sqlite {
 namespace {
 
-void Concatenar(Llamada& l) {
-  bool alguno = false;
-  std::string salida;
-  for (int i = 0; i < l.Cantidad(); ++i) {
-    if (l.EsNulo(i)) continue;
-    alguno = true;
-    l.AgregarTexto(i, salida);
+void Concatenate(Call& l) {
+  bool any = false;
+  std::string output;
+  for (int i = 0; i < l.Count(); ++i) {
+    if (l.IsNull(i)) continue;
+    any = true;
+    l.AppendText(i, output);
   }
-  alguno ? l.DarTexto(salida) : l.Nulo();
+  any ? l.ReturnText(output) : l.Null();
 }
 
-void Sumar(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  if (l.EsTexto(0) && l.EsTexto(1)) {
-    std::string salida(l.Texto(0));
-    salida += l.Texto(1);
-    return l.DarTexto(salida);
+void Add(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  if (l.IsText(0) && l.IsText(1)) {
+    std::string output(l.Text(0));
+    output += l.Text(1);
+    return l.ReturnText(output);
   }
-  const Llamada::Cifra a = l.Numerico(0), b = l.Numerico(1);
-  std::int64_t suma = 0;
-  if (a.entera && b.entera && !__builtin_add_overflow(a.entero, b.entero, &suma)) return l.DarEntero(suma);
-  l.DarNumero(l.Numero(0) + l.Numero(1));
+  const Call::Figure a = l.Numeric(0), b = l.Numeric(1);
+  std::int64_t sum = 0;
+  if (a.whole && b.whole && !__builtin_add_overflow(a.integer, b.integer, &sum)) return l.ReturnInteger(sum);
+  l.ReturnNumber(l.Number(0) + l.Number(1));
 }
 
-void ComoNumero(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  if (!l.EsTexto(0)) return l.DarArgumento(0);
-  l.DarCifra(l.Numerico(0));
+void AsNumber(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  if (!l.IsText(0)) return l.ReturnArgument(0);
+  l.ReturnFigure(l.Numeric(0));
 }
 
-void Dividir(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  const double a = l.Numero(0), b = l.Numero(1);
-  if (b == 0) LanzarNumero(kDivisionPorCero);
-  l.DarNumero(a / b);
+void Divide(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  const double a = l.Number(0), b = l.Number(1);
+  if (b == 0) ThrowNumber(kDivisionByZero);
+  l.ReturnNumber(a / b);
 }
 
 // Both operands of \ and Mod, rounded to Long; the divisor is not 0.
-void Redondeados(const Llamada& l, std::int64_t& a, std::int64_t& b) {
-  a = l.Entero32(0);
-  b = l.Entero32(1);
-  if (b == 0) LanzarNumero(kDivisionPorCero);
+void RoundedOperands(const Call& l, std::int64_t& a, std::int64_t& b) {
+  a = l.Integer32(0);
+  b = l.Integer32(1);
+  if (b == 0) ThrowNumber(kDivisionByZero);
 }
 
-void DividirEntero(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
+void IntegerDivide(Call& l) {
+  if (l.AnyNull()) return l.Null();
   std::int64_t a = 0, b = 0;
-  Redondeados(l, a, b);
-  if (a / b > std::numeric_limits<std::int32_t>::max()) LanzarNumero(kDesbordamiento);
-  l.DarEntero(a / b);
+  RoundedOperands(l, a, b);
+  if (a / b > std::numeric_limits<std::int32_t>::max()) ThrowNumber(kOverflow);
+  l.ReturnInteger(a / b);
 }
 
-void Resto(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
+void Remainder(Call& l) {
+  if (l.AnyNull()) return l.Null();
   std::int64_t a = 0, b = 0;
-  Redondeados(l, a, b);
-  l.DarEntero(a % b);
+  RoundedOperands(l, a, b);
+  l.ReturnInteger(a % b);
 }
 
-void Potencia(Llamada& l) {
-  if (l.AlgunNulo()) return l.Nulo();
-  const double a = l.Numero(0), b = l.Numero(1);
-  if (a == 0 && b < 0) LanzarNumero(kLlamadaIncorrecta);
+void Power(Call& l) {
+  if (l.AnyNull()) return l.Null();
+  const double a = l.Number(0), b = l.Number(1);
+  if (a == 0 && b < 0) ThrowNumber(kInvalidCall);
   const double r = std::pow(a, b);
-  if (std::isnan(r)) LanzarNumero(kLlamadaIncorrecta);
-  l.DarNumero(r);
+  if (std::isnan(r)) ThrowNumber(kInvalidCall);
+  l.ReturnNumber(r);
 }
 
-void Parecido(Llamada& l) {
-  if (l.EsNulo(0) || l.EsNulo(1)) return l.Nulo();
-  const auto comodines = l.Entero(2) != 0 ? base::Comodines::Dao : base::Comodines::Ado;
-  const std::string_view texto = l.Texto(0), patron = l.Texto(1);
-  l.DarEntero(base::Parecido(texto, patron, comodines, base::Igualdad::Pesos, l.Alrededor().orden) ? 1 : 0);
+void Like(Call& l) {
+  if (l.IsNull(0) || l.IsNull(1)) return l.Null();
+  const auto wildcards = l.Integer(2) != 0 ? base::Wildcards::Dao : base::Wildcards::Ado;
+  const std::string_view text = l.Text(0), pattern = l.Text(1);
+  l.ReturnInteger(base::Like(text, pattern, wildcards, base::Equality::Weights, l.Surroundings().order) ? 1
+                                                                                                        : 0);
 }
 
-void AEntero(Llamada& l) {
-  if (l.EsNulo(0)) return l.Nulo();
-  l.DarEntero(l.Entero(0));
+void ToInteger(Call& l) {
+  if (l.IsNull(0)) return l.Null();
+  l.ReturnInteger(l.Integer(0));
 }
 
-constexpr Registro kAyudas[] = {
-    {"jet_concat", -1, true, true, Concatenar},    {"jet_add", 3, true, true, Sumar},
-    {"jet_num", 1, false, true, ComoNumero},       {"jet_div", 2, false, true, Dividir},
-    {"jet_idiv", 2, false, true, DividirEntero},   {"jet_mod", 2, false, true, Resto},
-    {"jet_pow", 2, false, true, Potencia},         {"jet_like", 3, false, true, Parecido},
-    {"jet_to_int", 1, false, true, AEntero},       {"jet_to_single", 1, false, true, ASimple},
-    {"jet_as_single", 1, false, true, ComoSimple}, {"jet_to_currency", 1, false, true, AMoneda},
-    {"jet_to_number", 1, false, true, ANumero},    {"jet_to_date", 1, false, true, AFecha},
-    {"jet_to_bool", 1, false, true, ABooleano},
+constexpr Record kHelpers[] = {
+    {"jet_concat", -1, true, true, Concatenate}, {"jet_add", 3, true, true, Add},
+    {"jet_num", 1, false, true, AsNumber},       {"jet_div", 2, false, true, Divide},
+    {"jet_idiv", 2, false, true, IntegerDivide}, {"jet_mod", 2, false, true, Remainder},
+    {"jet_pow", 2, false, true, Power},          {"jet_like", 3, false, true, Like},
+    {"jet_to_int", 1, false, true, ToInteger},   {"jet_to_single", 1, false, true, ToSingle},
+    {"jet_as_single", 1, false, true, AsSingle}, {"jet_to_currency", 1, false, true, ToCurrency},
+    {"jet_to_number", 1, false, true, ToNumber}, {"jet_to_date", 1, false, true, ToDate},
+    {"jet_to_bool", 1, false, true, ToBoolean},
 };
 
 }  // namespace
 
-std::span<const Registro> AyudasDelTraductor() { return kAyudas; }
+std::span<const Record> TranslatorHelpers() { return kHelpers; }
 
 }  // namespace engine_sqlite

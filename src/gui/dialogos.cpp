@@ -35,14 +35,14 @@ void Preparar(QMessageBox& caja, const std::string& texto) {
 
 }  // namespace
 
-bool Dialogos::Mostrar(const ports::Aviso& aviso) {
+bool Dialogos::Show(const ports::Notice& aviso) {
   QMessageBox caja(Padre());
-  Preparar(caja, aviso.texto);
-  if (aviso.icono == ports::Icono::Ninguno) caja.setIcon(QMessageBox::NoIcon);
+  Preparar(caja, aviso.text);
+  if (aviso.icon == ports::Icon::None) caja.setIcon(QMessageBox::NoIcon);
   caja.setStandardButtons(QMessageBox::Ok);
   caja.button(QMessageBox::Ok)->setText(QStringLiteral("Aceptar"));
   QCheckBox* callar = nullptr;
-  if (aviso.ofrece_callar) {
+  if (aviso.offers_silence) {
     callar = new QCheckBox(QStringLiteral("No mostrar los siguientes avisos de esta carga"), &caja);
     caja.setCheckBox(callar);
   }
@@ -50,7 +50,7 @@ bool Dialogos::Mostrar(const ports::Aviso& aviso) {
   return callar != nullptr && callar->isChecked();
 }
 
-bool Dialogos::Confirmar(const std::string& texto) {
+bool Dialogos::Confirm(const std::string& texto) {
   QMessageBox caja(Padre());
   Preparar(caja, texto);
   caja.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
@@ -74,12 +74,12 @@ QString Dialogos::FiltroDeQt(const QString& filtro) {
   return QStringLiteral("%1 (%2);;%3").arg(nombre, formas.join(QLatin1Char(' ')), todos);
 }
 
-std::string Dialogos::AbrirArchivo(const std::string& titulo, const std::string& filtro,
-                                   const std::string& inicial) {
+std::string Dialogos::PickFile(const std::string& titulo, const std::string& filtro,
+                               const std::string& inicial) {
   return A(QFileDialog::getOpenFileName(Padre(), De(titulo), De(inicial), FiltroDeQt(De(filtro))));
 }
 
-std::int32_t Dialogos::ElegirColor(std::int32_t inicial) {
+std::int32_t Dialogos::PickColor(std::int32_t inicial) {
   const QColor elegido =
       QColorDialog::getColor(ColorDe(inicial), Padre(), QStringLiteral("Color de la relación"));
   return elegido.isValid() ? BgrDe(elegido) : inicial;

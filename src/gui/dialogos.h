@@ -13,11 +13,11 @@ class Dialogos final : public ports::Prompts, public ports::FilePicker {
   // The window over which they stand; before it is shown they stand alone.
   void PonerVentana(QWidget* ventana) { ventana_ = ventana; }
 
-  bool Mostrar(const ports::Aviso& aviso) override;
-  bool Confirmar(const std::string& texto) override;
-  std::string AbrirArchivo(const std::string& titulo, const std::string& filtro,
-                           const std::string& inicial) override;
-  std::int32_t ElegirColor(std::int32_t inicial) override;
+  bool Show(const ports::Notice& aviso) override;
+  bool Confirm(const std::string& texto) override;
+  std::string PickFile(const std::string& titulo, const std::string& filtro,
+                       const std::string& inicial) override;
+  std::int32_t PickColor(std::int32_t inicial) override;
 
   // "Bases de Access (*.mdb)|*.mdb" as the dialog takes it. Every file can be chosen besides: bases of other
   // engines and ConfBase.cfg have other names.

@@ -123,8 +123,7 @@ void FrmPrincipal2::PonerTotales(const app::Estado& e) {
       std::any_of(e.filas.begin(), e.filas.end(), [](const auto& f) { return f.resultado == "OK"; });
   if (vigente)
     for (const liquidation::TotalConcepto& t : e.importacion.totales)
-      totales.emplaceBack(De(app::NombreDeTotal(e, t)),
-                          De(base::TextoDeNumero(base::Redondear(t.cantidad, 6))));
+      totales.emplaceBack(De(app::NombreDeTotal(e, t)), De(base::NumberText(base::Round(t.cantidad, 6))));
   columna_.totales->Poner(totales);
 }
 

@@ -20,11 +20,11 @@ inline std::string A(const QString& texto) { return texto.toStdString(); }
 inline QColor ColorDe(std::int32_t bgr) { return {bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF}; }
 inline std::int32_t BgrDe(const QColor& c) { return c.red() | (c.green() << 8) | (c.blue() << 16); }
 
-inline QDate DiaDe(base::Fecha fecha) {
-  const base::PartesFecha p = base::Partes(fecha);
-  return {p.anio, p.mes, p.dia};
+inline QDate DiaDe(base::Date fecha) {
+  const base::DateParts p = base::PartsOf(fecha);
+  return {p.year, p.month, p.day};
 }
-inline base::Fecha FechaDe(const QDate& dia) { return base::FechaDe(dia.year(), dia.month(), dia.day()); }
+inline base::Date FechaDe(const QDate& dia) { return base::MakeDate(dia.year(), dia.month(), dia.day()); }
 
 // Lengths of the window's rules are twips: 15 to a pixel at 96 dpi.
 inline constexpr int Px(int twips) { return (twips + (twips < 0 ? -7 : 7)) / 15; }

@@ -28,7 +28,7 @@ class Avisador {
   void Mostrar(std::string texto) {
     if (prompts_ == nullptr || evaluador_.avisos_callados) return;
     const bool ofrece_callar = ++evaluador_.avisos_mostrados > 1;
-    if (prompts_->Mostrar({std::move(texto), ports::Icono::Exclamacion, ofrece_callar}))
+    if (prompts_->Show({std::move(texto), ports::Icon::Exclamation, ofrece_callar}))
       evaluador_.avisos_callados = true;
   }
 
@@ -44,11 +44,11 @@ std::string TextoDeResultado(float cantidad) {
   return base::PlainNumber(cantidad < 0 ? -kNoCabe : kNoCabe);
 }
 
-base::Fecha Hoy(const formula::Evaluador& evaluador) {
-  return evaluador.reloj != nullptr ? evaluador.reloj->Hoy() : base::Fecha{};
+base::Date Hoy(const formula::Evaluador& evaluador) {
+  return evaluador.reloj != nullptr ? evaluador.reloj->Today() : base::Date{};
 }
 
-void Ordenar(std::vector<ImportRow>& filas, int columna, base::Fecha hoy) {
+void Ordenar(std::vector<ImportRow>& filas, int columna, base::Date hoy) {
   if (columna < kClave || columna > kValor) columna = kClave;
   std::vector<std::string_view> valores;
   valores.reserve(filas.size());
@@ -80,7 +80,7 @@ class Cargador {
         emparejador_(entrada, opciones_),
         con_formula_(FormulaEnUso(opciones_.FactMultiplica)),
         con_filtro_(entrada.filtro == FiltroPor::Relacion ||
-                    !base::TrimVista(opciones_.TextoDeFiltro).empty()) {}
+                    !base::TrimView(opciones_.TextoDeFiltro).empty()) {}
 
   Carga Cargar() {
     carga_.fin = CargarArchivo();
@@ -101,7 +101,7 @@ class Cargador {
   // Of its own: an option that the operator changes while events are pumped must not split one load in two.
   const settings::Settings opciones_;
   formula::Evaluador evaluador_propio_;
-  ports::SinProgreso sin_progreso_;
+  ports::NoProgress sin_progreso_;
   formula::Evaluador& evaluador_;
   ports::Progress& progreso_;
   Avisador avisador_;
@@ -114,17 +114,17 @@ class Cargador {
 };
 
 FinDeCarga Cargador::CargarArchivo() {
-  if (!base::ExisteArchivo(entrada_.txtRuta)) {
+  if (!base::FileExists(entrada_.txtRuta)) {
     avisador_.Mostrar("El Archivo '" + entrada_.txtRuta + "' no existe");
     return FinDeCarga::SinArchivo;
   }
-  std::optional<std::string> bytes = base::LeerArchivo(entrada_.txtRuta);
+  std::optional<std::string> bytes = base::ReadWholeFile(entrada_.txtRuta);
   if (!bytes) {
     // Taking it for an empty file would clear the grid without a word.
     avisador_.Mostrar("El Archivo '" + entrada_.txtRuta + "' no se puede leer");
     return FinDeCarga::SinArchivo;
   }
-  const std::string texto = base::DecodificarArchivo(*bytes);
+  const std::string texto = base::DecodeFile(*bytes);
   bytes.reset();
   return CargarTexto(texto);
 }
@@ -139,7 +139,7 @@ bool Cargador::FormatoCorrecto(std::string_view texto) {
   }
   // A line end ends the line before any separator is looked for in it.
   const bool en_una_linea = opciones_.Separador.find_first_of(base::kCrLf) == std::string::npos;
-  if (en_una_linea && base::Contiene(texto, opciones_.Separador)) return true;
+  if (en_una_linea && base::Contains(texto, opciones_.Separador)) return true;
   avisador_.Mostrar("Formato incorrecto");
   return false;
 }
@@ -153,14 +153,14 @@ FinDeCarga Cargador::CargarTexto(std::string_view texto) {
   carga_.lineas = lineas.size() - (lineas.back().empty() ? 1 : 0);
   carga_.filas.reserve(std::min(carga_.lineas, kReservaMaxima));
   progreso_.ActuBarra(100.0F / (2.0F * static_cast<float>(lineas.size())));
-  for (std::size_t i = 0; i < lineas.size() && !progreso_.Cancelado(); ++i) {
+  for (std::size_t i = 0; i < lineas.size() && !progreso_.IsCancelled(); ++i) {
     if (i < kLineasDePrevia) {
       if (i > 0) carga_.previa += base::kCrLf;
       carga_.previa += lineas[i];
     }
     CargarLinea(i + 1, lineas[i]);
   }
-  if (progreso_.Cancelado()) {
+  if (progreso_.IsCancelled()) {
     progreso_.ActuBarra(0);
     return FinDeCarga::Cancelada;
   }
@@ -175,7 +175,7 @@ std::span<const std::string_view> Cargador::Cortar(std::string_view linea) {
     corte_ = CortarAF(linea, opciones_.ConfDeAF);
     return corte_.campos;
   }
-  base::SplitVistas(linea, opciones_.Separador, piezas_);
+  base::SplitViews(linea, opciones_.Separador, piezas_);
   return piezas_;
 }
 

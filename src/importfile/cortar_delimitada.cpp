@@ -4,7 +4,7 @@
 namespace importfile {
 
 ResultadoCorte CortarDelimitada(std::string_view linea, std::string_view separador) {
-  return {base::Split(linea, separador), base::Reemplazar(linea, separador, "*")};
+  return {base::Split(linea, separador), base::Replace(linea, separador, "*")};
 }
 
 }  // namespace importfile

@@ -16,8 +16,8 @@ std::string_view SinCeros(std::string_view cifras) {
 std::string NumeroOTexto(std::string_view clave) {
   if (auto sencillo = TextoDeDecimal(clave))
     return *sencillo == "0" ? std::string(clave) : *std::move(sencillo);
-  const double numero = base::ValorNumerico(clave);
-  return base::Trim(numero != 0 && std::isfinite(numero) ? base::SqlDeNumero(numero) : clave);
+  const double numero = base::NumericValue(clave);
+  return base::Trim(numero != 0 && std::isfinite(numero) ? base::SqlNumber(numero) : clave);
 }
 
 }  // namespace
@@ -43,32 +43,32 @@ std::optional<std::string> TextoDeDecimal(std::string_view texto) {
 
 bool ValeCero(std::string_view texto) {
   if (const auto sencillo = TextoDeDecimal(texto)) return *sencillo == "0";
-  return base::ValorNumerico(texto) == 0;
+  return base::NumericValue(texto) == 0;
 }
 
 bool FormulaEnUso(std::string_view formula) {
-  const std::string_view recortada = base::TrimVista(formula);
+  const std::string_view recortada = base::TrimView(formula);
   if (recortada.empty()) return false;
   const bool continua = recortada.front() == '+';  // "+1" adds one; the plain number multiplies by it
-  return continua || base::NumeroDeTexto(recortada) != 1.0;
+  return continua || base::NumberFromText(recortada) != 1.0;
 }
 
 std::string TextoDelValor(std::string_view texto) {
   if (auto sencillo = TextoDeDecimal(texto)) return *std::move(sencillo);
-  const double numero = base::ValorNumerico(texto);
+  const double numero = base::NumericValue(texto);
   return std::isfinite(numero) ? base::PlainNumber(numero) : base::Trim(texto);
 }
 
 std::string NormalizarClave(std::string_view clave) {
   const std::size_t primero = clave.find('_');
-  if (primero == std::string_view::npos || !base::EsNumero(clave.substr(0, primero)))
+  if (primero == std::string_view::npos || !base::IsNumber(clave.substr(0, primero)))
     return NumeroOTexto(clave);
   // "0012_A" is person 12 with a suffix of its own, which is not touched.
   return TextoDelValor(clave) + std::string(clave.substr(clave.rfind('_')));
 }
 
 CantidadDeFila NormalizarCantidad(std::string_view cantidad) {
-  const auto numero = base::NumeroDeTexto(cantidad);
+  const auto numero = base::NumberFromText(cantidad);
   std::string texto(cantidad);
   if (texto.find(',') != std::string::npos) {
     // With both signs the points part the thousands; of what is no number nothing may be lost.
@@ -82,7 +82,7 @@ CantidadDeFila NormalizarCantidad(std::string_view cantidad) {
 }
 
 std::string NormalizarTipo(std::string_view tipo, bool numerico) {
-  const std::string_view recortado = base::TrimVista(tipo);
+  const std::string_view recortado = base::TrimView(tipo);
   return numerico ? TextoDelValor(recortado) : std::string(recortado);
 }
 

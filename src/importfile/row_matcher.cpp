@@ -11,7 +11,7 @@ constexpr std::string_view kSinConcepto = "-1";
 
 // Ids are whole numbers; a relation written by hand may hold "07".
 std::string IdDeConcepto(std::string_view texto) {
-  const double id = base::Redondear(base::Parse(texto), 0);
+  const double id = base::Round(base::Parse(texto), 0);
   return std::isfinite(id) ? base::PlainNumber(id) : std::string(texto);
 }
 

@@ -1,4 +1,4 @@
-// The tree of a statement: plain data, made by the parser, annotated by Resolver, printed back by Imprimir or
+// The tree of a statement: plain data, made by the parser, annotated by Resolver, printed back by Print or
 // written as SQLite text. Fields under "resolved" are empty until Resolver has run.
 #pragma once
 
@@ -7,37 +7,37 @@
 #include <variant>
 #include <vector>
 
-#include "base/valor.h"
+#include "base/value.h"
 #include "jetsql/catalog.h"
 #include "jetsql/functions.h"
 
 namespace jetsql {
 
-struct Consulta;
-struct Fuente;
+struct Query;
+struct Source;
 struct Expr;
 // Shared, because the alias of a list item that stands in another expression is that item's own tree.
 using ExprPtr = std::shared_ptr<Expr>;
-using ConsultaPtr = std::unique_ptr<Consulta>;
+using QueryPtr = std::unique_ptr<Query>;
 
-enum class Nodo {
+enum class Node {
   Literal,
-  Verdadero,
-  Falso,
-  Nulo,
-  Columna,       // [calificador.]nombre
-  Estrella,      // of Count(*)
-  Unario,        // Menos, Mas, No
-  Binario,       // two operands; And, Or and & hold the whole chain
-  Llamada,       // nombre(hijos)
-  Entre,         // x BETWEEN a AND b
-  EnLista,       // x IN (…): x first
-  EnConsulta,    // x IN (SELECT …)
-  Existe,        // EXISTS (SELECT …)
-  Subconsulta,   // (SELECT …) as a value
-  Cuantificada,  // x op ANY|ALL (SELECT …)
-  EsNulo,        // x IS NULL
-  Como           // x LIKE pattern
+  True,
+  False,
+  Null,
+  Column,      // [qualifier.]name
+  Star,        // of Count(*)
+  Unary,       // Minus, Plus, No
+  Binary,      // two operands; And, Or and & hold the whole chain
+  Call,        // name(children)
+  Between,     // x BETWEEN a AND b
+  InList,      // x IN (…): x first
+  InQuery,     // x IN (SELECT …)
+  Exists,      // EXISTS (SELECT …)
+  Subquery,    // (SELECT …) as a value
+  Quantified,  // x op ANY|ALL (SELECT …)
+  IsNull,      // x IS NULL
+  Like         // x LIKE pattern
 };
 
 // From the loosest to the tightest.
@@ -47,32 +47,32 @@ enum class Op {
   Xor,
   Or,
   And,
-  No,
-  Igual,
-  Distinto,
-  Menor,
-  Mayor,
-  MenorIgual,
-  MayorIgual,
+  Not,
+  Equal,
+  NotEqual,
+  Less,
+  Greater,
+  LessOrEqual,
+  GreaterOrEqual,
   Concat,
-  Suma,
-  Resta,
+  Add,
+  Subtract,
   Mod,
-  DivEntera,
-  Por,
+  IntDiv,
+  Multiply,
   Div,
-  Menos,
-  Mas,
-  Potencia
+  Minus,
+  Plus,
+  Power
 };
 
 // The functions that the writer handles itself.
-enum class Especial {
-  Ninguna,
+enum class Special {
+  None,
   IIf,
   Switch,
   Choose,
-  EsNulo,
+  IsNull,
   Count,
   Sum,
   Avg,
@@ -86,241 +86,241 @@ enum class Especial {
   VarP
 };
 
-constexpr bool EsAgregado(Especial e) { return e >= Especial::Count; }
+constexpr bool IsAggregate(Special e) { return e >= Special::Count; }
 
 // What is known of a value before it is computed.
-struct TipoExpr {
-  base::Tipo tipo = base::Tipo::Nulo;  // Nulo: not known
-  bool nulo = false;                   // always Null: goes with any type
+struct ExprType {
+  base::Type type = base::Type::Null;  // Null: not known
+  bool null = false;                   // always Null: goes with any type
 };
 
 struct Expr {
-  explicit Expr(Nodo n) : nodo(n) {}
+  explicit Expr(Node n) : node(n) {}
 
-  Nodo nodo;
-  Op op = Op::Igual;
-  bool negado = false;     // NOT BETWEEN, NOT IN, NOT LIKE, IS NOT NULL
-  bool todos = false;      // of Cuantificada: ALL
-  bool distinto = false;   // of an aggregate: DISTINCT
-  bool parametro = false;  // of a column: a name that PARAMETERS declares
-  int altura = 1;          // of the tree, for the depth limit
-  base::Valor literal;
-  int indice = -1;  // of a literal in the statement's Forma; -1: written into the text as it is
-  std::string calificador;
-  std::string nombre;
-  std::vector<ExprPtr> hijos;
-  ConsultaPtr consulta;
-  ExprPtr filtro;  // of an aggregate in a column of a crosstab: the rows that it is made of
+  Node node;
+  Op op = Op::Equal;
+  bool negated = false;    // NOT BETWEEN, NOT IN, NOT LIKE, IS NOT NULL
+  bool all = false;        // of Quantified: ALL
+  bool distinct = false;   // of an aggregate: DISTINCT
+  bool parameter = false;  // of a column: a name that PARAMETERS declares
+  int height = 1;          // of the tree, for the depth limit
+  base::Value literal;
+  int index = -1;  // of a literal in the statement's Shape; -1: written into the text as it is
+  std::string qualifier;
+  std::string name;
+  std::vector<ExprPtr> children;
+  QueryPtr query;
+  ExprPtr filter;  // of an aggregate in a column of a crosstab: the rows that it is made of
 
   // resolved
-  TipoExpr tipo;
-  const Fuente* fuente = nullptr;  // of a column
-  int columna = -1;                // in fuente->columnas
-  const Funcion* funcion = nullptr;
-  Especial especial = Especial::Ninguna;
-  bool resuelto = false;
+  ExprType type;
+  const Source* source = nullptr;  // of a column
+  int column = -1;                 // in source->columns
+  const Function* function = nullptr;
+  Special special = Special::None;
+  bool resolved = false;
 };
 
-struct ItemLista {
-  ExprPtr expr;  // null: * or calificador.*
-  std::string calificador;
+struct ListItem {
+  ExprPtr expr;  // null: * or qualifier.*
+  std::string qualifier;
   std::string alias;
 
   // resolved; stars are then expanded
-  std::string nombre;      // of the result column
-  std::string nombre_sql;  // unique in its SELECT, whatever the case
-  bool resolviendo = false;
+  std::string name;      // of the result column
+  std::string sql_name;  // unique in its SELECT, whatever the case
+  bool resolving = false;
 };
 
-struct ColumnaFuente {
-  std::string nombre;        // for the dialect
-  std::string nombre_largo;  // "table.column" when another column of the source has the same name
-  std::string nombre_sql;    // inside the SQLite text
-  TipoExpr tipo;
-  bool cotejada = false;  // compares by JET without being told
+struct SourceColumn {
+  std::string name;       // for the dialect
+  std::string long_name;  // "table.column" when another column of the source has the same name
+  std::string sql_name;   // inside the SQLite text
+  ExprType type;
+  bool collated = false;  // compares by JET without being told
 };
 
 // One table of a FROM: a base table, a saved query or a derived table.
-struct Fuente {
-  std::string nombre;  // empty for a derived table
+struct Source {
+  std::string name;  // empty for a derived table
   std::string alias;
-  ConsultaPtr consulta;  // of a derived table; of a saved query once resolved
+  QueryPtr query;  // of a derived table; of a saved query once resolved
 
   // resolved
-  const TablaInfo* tabla = nullptr;
+  const TableInfo* table = nullptr;
   std::string alias_sql;
-  std::vector<ColumnaFuente> columnas;
-  std::vector<std::string> lee;  // the base tables under it
+  std::vector<SourceColumn> columns;
+  std::vector<std::string> reads;  // the base tables under it
 };
 
-enum class TipoUnion { Interna, Izquierda, Derecha };
+enum class JoinType { Inner, Left, Right };
 
 // A join tree: a leaf or a join of two.
-struct Rama {
-  std::unique_ptr<Fuente> hoja;
-  TipoUnion tipo = TipoUnion::Interna;
-  std::unique_ptr<Rama> izquierda, derecha;
-  ExprPtr condicion;
-  int altura = 1;
+struct Branch {
+  std::unique_ptr<Source> leaf;
+  JoinType type = JoinType::Inner;
+  std::unique_ptr<Branch> left, right;
+  ExprPtr condition;
+  int height = 1;
 };
-using RamaPtr = std::unique_ptr<Rama>;
+using BranchPtr = std::unique_ptr<Branch>;
 
-struct ItemOrden {
+struct OrderItem {
   ExprPtr expr;
-  bool descendente = false;
+  bool descending = false;
   // resolved
-  int posicion = -1;  // of the list's item that it names, from 0
+  int position = -1;  // of the list's item that it names, from 0
 };
 
-enum class Distincion { Ninguna, Distinct, DistinctRow };
+enum class Distinctness { None, Distinct, DistinctRow };
 
-struct Seleccion {
-  Distincion distincion = Distincion::Ninguna;
-  ExprPtr tope;  // TOP n: a literal
-  bool tope_por_ciento = false;
-  std::vector<ItemLista> lista;
-  std::string destino;  // SELECT … INTO
-  std::vector<RamaPtr> de;
-  ExprPtr donde;
-  std::vector<ExprPtr> grupo;
-  ExprPtr teniendo;
+struct Select {
+  Distinctness distinctness = Distinctness::None;
+  ExprPtr limit;  // TOP n: a literal
+  bool limit_is_percent = false;
+  std::vector<ListItem> list;
+  std::string target;  // SELECT … INTO
+  std::vector<BranchPtr> from;
+  ExprPtr where;
+  std::vector<ExprPtr> group;
+  ExprPtr having;
 
   // resolved
-  bool agregada = false;           // has groups or aggregates
-  std::vector<Fuente*> fuentes;    // in the order of the text
-  std::vector<Fuente*> distintas;  // DISTINCTROW: the tables whose rows tell the result's rows apart
+  bool aggregated = false;        // has groups or aggregates
+  std::vector<Source*> sources;   // in the order of the text
+  std::vector<Source*> distinct;  // DISTINCTROW: the tables whose rows tell the result's rows apart
 };
 
 // TRANSFORM … PIVOT: a column more for each value of an expression.
-struct Cruce {
-  ExprPtr valor;   // made of aggregates
-  ExprPtr pivote;  // its values are the columns
-  std::vector<ExprPtr> lista;
-  bool con_lista = false;  // PIVOT … IN (lista): these columns, whatever the rows hold
+struct Crosstab {
+  ExprPtr value;  // made of aggregates
+  ExprPtr pivot;  // its values are the columns
+  std::vector<ExprPtr> list;
+  bool has_list = false;  // PIVOT … IN (list): these columns, whatever the rows hold
 };
 
-struct Consulta {
-  std::vector<Seleccion> partes;
-  std::vector<bool> todas;  // before part i+1: UNION ALL
-  std::vector<ItemOrden> orden;
-  std::unique_ptr<Cruce> cruce;
+struct Query {
+  std::vector<Select> parts;
+  std::vector<bool> all;  // before part i+1: UNION ALL
+  std::vector<OrderItem> order;
+  std::unique_ptr<Crosstab> crosstab;
 
   // resolved
-  std::vector<ColumnaFuente> salida;
-  bool orden_por_fuera = false;  // ORDER BY names a table of an outer query
+  std::vector<SourceColumn> output;
+  bool orders_by_outer = false;  // ORDER BY names a table of an outer query
 };
 
-struct Insercion {
-  std::string tabla;
-  std::vector<std::string> columnas;
-  std::vector<ExprPtr> valores;
-  ConsultaPtr consulta;
+struct Insert {
+  std::string table;
+  std::vector<std::string> columns;
+  std::vector<ExprPtr> values;
+  QueryPtr query;
   // resolved
-  const TablaInfo* info = nullptr;
-  std::vector<int> destinos;  // in info->columnas
+  const TableInfo* info = nullptr;
+  std::vector<int> targets;  // in info->columns
 };
 
-struct Asignacion {
-  ExprPtr columna;
-  ExprPtr valor;
+struct Assignment {
+  ExprPtr column;
+  ExprPtr value;
 };
 
-struct Actualizacion {
-  std::vector<RamaPtr> de;
-  std::vector<Asignacion> cambios;
-  ExprPtr donde;
-  std::vector<Fuente*> fuentes;  // resolved
+struct Update {
+  std::vector<BranchPtr> from;
+  std::vector<Assignment> changes;
+  ExprPtr where;
+  std::vector<Source*> sources;  // resolved
 };
 
-struct Borrado {
-  std::string objetivo;  // of DELETE t.*; empty when not named
-  std::vector<RamaPtr> de;
-  ExprPtr donde;
+struct Delete {
+  std::string target;  // of DELETE t.*; empty when not named
+  std::vector<BranchPtr> from;
+  ExprPtr where;
   // resolved
-  std::vector<Fuente*> fuentes;
-  const Fuente* fuente = nullptr;
+  std::vector<Source*> sources;
+  const Source* source = nullptr;
 };
 
-enum class ClaseColumna {
-  SiNo,
+enum class ColumnKind {
+  YesNo,
   Byte,
-  Corto,
-  Largo,
-  Contador,
-  Simple,
-  Doble,
-  Moneda,
+  Short,
+  Long,
+  Counter,
+  Single,
+  Double,
+  Currency,
   Decimal,
-  Fecha,
-  Texto,
+  Date,
+  Text,
   Memo,
-  Binario,
+  Binary,
   Guid,
   Ole
 };
 
-struct Referencia {
-  std::string tabla;
-  std::vector<std::string> columnas;
-  bool borra_en_cascada = false, actualiza_en_cascada = false;
+struct Reference {
+  std::string table;
+  std::vector<std::string> columns;
+  bool cascades_deletes = false, cascades_updates = false;
 };
 
-struct DefColumna {
-  std::string nombre;
-  ClaseColumna clase = ClaseColumna::Texto;
-  int largo = 0;                    // of a text or a binary; 0: none given
-  int precision = 18, escala = 0;   // of a decimal
-  int semilla = 1, incremento = 1;  // of a counter
-  bool no_nulo = false, clave = false, unica = false;
-  std::string nombre_restriccion;
-  ExprPtr defecto;
-  std::unique_ptr<Referencia> referencia;
+struct ColumnDefinition {
+  std::string name;
+  ColumnKind kind = ColumnKind::Text;
+  int length = 0;                 // of a text or a binary; 0: none given
+  int precision = 18, scale = 0;  // of a decimal
+  int seed = 1, increment = 1;    // of a counter
+  bool not_null = false, key = false, unique = false;
+  std::string constraint_name;
+  ExprPtr default_value;
+  std::unique_ptr<Reference> reference;
 };
 
-struct Restriccion {
-  enum class Que { Clave, Unica, NoNulo, Foranea } que = Que::Clave;
-  std::string nombre;
-  std::vector<std::string> columnas;
-  Referencia referencia;
+struct Constraint {
+  enum class What { Key, Unique, NotNull, Foreign } what = What::Key;
+  std::string name;
+  std::vector<std::string> columns;
+  Reference reference;
 };
 
-struct CrearTabla {
-  std::string nombre;
-  std::vector<DefColumna> columnas;
-  std::vector<Restriccion> restricciones;
+struct CreateTable {
+  std::string name;
+  std::vector<ColumnDefinition> columns;
+  std::vector<Constraint> constraints;
 };
 
-struct CrearIndice {
-  std::string nombre, tabla;
-  bool unico = false, primario = false, sin_nulos = false, ignora_nulos = false;
-  struct Columna {
-    std::string nombre;
-    bool descendente = false;
+struct CreateIndex {
+  std::string name, table;
+  bool unique = false, primary = false, disallows_nulls = false, ignores_nulls = false;
+  struct Column {
+    std::string name;
+    bool descending = false;
   };
-  std::vector<Columna> columnas;
+  std::vector<Column> columns;
 };
 
-struct CrearVista {
-  std::string nombre;
-  std::vector<std::string> columnas;
-  ConsultaPtr consulta;
-  std::string texto;  // of the SELECT, as written
+struct CreateView {
+  std::string name;
+  std::vector<std::string> columns;
+  QueryPtr query;
+  std::string text;  // of the SELECT, as written
 };
 
-struct Quitar {
-  enum class Que { Tabla, Indice, Vista } que = Que::Tabla;
-  std::string nombre, tabla;
+struct Drop {
+  enum class What { Table, Index, View } what = What::Table;
+  std::string name, table;
 };
 
-struct AlterarTabla {
-  enum class Que { Agregar, Quitar, AgregarRestriccion, QuitarRestriccion } que = Que::Agregar;
-  std::string tabla;
-  DefColumna columna;
-  Restriccion restriccion;
-  std::string nombre;  // of what is dropped
+struct AlterTable {
+  enum class What { Add, Drop, AddConstraint, DropConstraint } what = What::Add;
+  std::string table;
+  ColumnDefinition column;
+  Constraint constraint;
+  std::string name;  // of what is dropped
 };
 
-using Sentencia = std::variant<ConsultaPtr, Insercion, Actualizacion, Borrado, CrearTabla, CrearIndice,
-                               CrearVista, Quitar, AlterarTabla>;
+using Statement =
+    std::variant<QueryPtr, Insert, Update, Delete, CreateTable, CreateIndex, CreateView, Drop, AlterTable>;
 
 }  // namespace jetsql

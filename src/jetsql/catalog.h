@@ -5,28 +5,28 @@
 #include <string_view>
 #include <vector>
 
-#include "base/valor.h"
+#include "base/value.h"
 
 namespace jetsql {
 
-struct ColumnaTabla {
-  std::string nombre;  // as it was created
-  base::Tipo tipo = base::Tipo::Nulo;
+struct TableColumn {
+  std::string name;  // as it was created
+  base::Type type = base::Type::Null;
 };
 
-struct TablaInfo {
-  std::string nombre;  // as it was created
-  std::vector<ColumnaTabla> columnas;
+struct TableInfo {
+  std::string name;  // as it was created
+  std::vector<TableColumn> columns;
 };
 
-class Catalogo {
+class Catalog {
  public:
-  virtual ~Catalogo() = default;
+  virtual ~Catalog() = default;
   // By name whatever its case; null when there is none. Asking may read the database. Pointers stay valid
   // until the next definition statement.
-  virtual const TablaInfo* Tabla(std::string_view nombre) = 0;
+  virtual const TableInfo* Table(std::string_view name) = 0;
   // The dialect text of a saved query, or null.
-  virtual const std::string* Consulta(std::string_view nombre) = 0;
+  virtual const std::string* Query(std::string_view name) = 0;
 };
 
 }  // namespace jetsql

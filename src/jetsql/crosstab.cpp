@@ -8,68 +8,68 @@
 namespace jetsql {
 namespace {
 
-ExprPtr Clonar(const Expr& e) {
-  if (e.consulta) throw base::Error("TRANSFORM y PIVOT no admiten una subconsulta");
-  auto c = std::make_shared<Expr>(e.nodo);
+ExprPtr Clone(const Expr& e) {
+  if (e.query) throw base::Error("TRANSFORM y PIVOT no admiten una subconsulta");
+  auto c = std::make_shared<Expr>(e.node);
   c->op = e.op;
-  c->negado = e.negado;
-  c->distinto = e.distinto;
-  c->parametro = e.parametro;
-  c->altura = e.altura;
+  c->negated = e.negated;
+  c->distinct = e.distinct;
+  c->parameter = e.parameter;
+  c->height = e.height;
   c->literal = e.literal;
-  c->indice = e.indice;
-  c->calificador = e.calificador;
-  c->nombre = e.nombre;
-  for (const auto& h : e.hijos) c->hijos.push_back(Clonar(*h));
+  c->index = e.index;
+  c->qualifier = e.qualifier;
+  c->name = e.name;
+  for (const auto& h : e.children) c->children.push_back(Clone(*h));
   return c;
 }
 
 // A value of the rows as a tree that is written into the text.
-ExprPtr DeValor(const base::Valor& v) {
-  if (v.EsNulo()) return std::make_shared<Expr>(Nodo::Nulo);
-  if (const auto* b = v.Si<bool>()) return std::make_shared<Expr>(*b ? Nodo::Verdadero : Nodo::Falso);
-  auto e = std::make_shared<Expr>(Nodo::Literal);
-  if (const auto* s = v.Si<float>())
-    e->literal = base::DobleDeSimple(*s);
+ExprPtr FromValue(const base::Value& v) {
+  if (v.IsNull()) return std::make_shared<Expr>(Node::Null);
+  if (const auto* b = v.GetIf<bool>()) return std::make_shared<Expr>(*b ? Node::True : Node::False);
+  auto e = std::make_shared<Expr>(Node::Literal);
+  if (const auto* s = v.GetIf<float>())
+    e->literal = base::DoubleOfSingle(*s);
   else
-    e->literal = v.tipo() == base::Tipo::Moneda ? base::Valor(v.Numero()) : v;
+    e->literal = v.type() == base::Type::Currency ? base::Value(v.Number()) : v;
   return e;
 }
 
-ExprPtr EsColumna(const Cruce& cruce, const ExprPtr& columna) {
-  auto e = std::make_shared<Expr>(columna->nodo == Nodo::Nulo ? Nodo::EsNulo : Nodo::Binario);
-  e->op = Op::Igual;
-  e->hijos.push_back(Clonar(*cruce.pivote));
-  if (e->nodo == Nodo::Binario) e->hijos.push_back(columna);
+ExprPtr ColumnCondition(const Crosstab& crosstab, const ExprPtr& column) {
+  auto e = std::make_shared<Expr>(column->node == Node::Null ? Node::IsNull : Node::Binary);
+  e->op = Op::Equal;
+  e->children.push_back(Clone(*crosstab.pivot));
+  if (e->node == Node::Binary) e->children.push_back(column);
   return e;
 }
 
-bool Filtrar(Expr& e, const Cruce& cruce, const ExprPtr& columna) {
-  bool alguno = false;
-  if (e.nodo == Nodo::Llamada && EsAgregado(BuscarEspecial(e.nombre))) {
-    e.filtro = EsColumna(cruce, columna);
+bool AddFilters(Expr& e, const Crosstab& crosstab, const ExprPtr& column) {
+  bool any = false;
+  if (e.node == Node::Call && IsAggregate(FindSpecial(e.name))) {
+    e.filter = ColumnCondition(crosstab, column);
     return true;
   }
-  for (const auto& h : e.hijos) alguno = Filtrar(*h, cruce, columna) || alguno;
-  return alguno;
+  for (const auto& h : e.children) any = AddFilters(*h, crosstab, column) || any;
+  return any;
 }
 
 // "<>" stands for Null; a point would part the name of a table from that of a column.
-std::string NombreDe(const Expr& columna, const base::Locale& locale) {
-  switch (columna.nodo) {
-    case Nodo::Nulo:
+std::string NameOf(const Expr& column, const base::Locale& locale) {
+  switch (column.node) {
+    case Node::Null:
       return "<>";
-    case Nodo::Verdadero:
+    case Node::True:
       return "-1";
-    case Nodo::Falso:
+    case Node::False:
       return "0";
-    case Nodo::Unario:
-      if (columna.op == Op::Menos && columna.hijos[0]->nodo == Nodo::Literal)
-        return "-" + columna.hijos[0]->literal.Texto(locale);
+    case Node::Unary:
+      if (column.op == Op::Minus && column.children[0]->node == Node::Literal)
+        return "-" + column.children[0]->literal.Text(locale);
       break;
-    case Nodo::Literal: {
-      const std::string texto = base::Reemplazar(columna.literal.Texto(locale), ".", "_");
-      return texto.empty() ? "_" : texto;
+    case Node::Literal: {
+      const std::string text = base::Replace(column.literal.Text(locale), ".", "_");
+      return text.empty() ? "_" : text;
     }
     default:
       break;
@@ -79,49 +79,49 @@ std::string NombreDe(const Expr& columna, const base::Locale& locale) {
 
 }  // namespace
 
-void PedirValores(Consulta& c) {
-  Seleccion& s = c.partes[0];
-  if (!s.destino.empty() || s.tope) throw base::Error("TRANSFORM no admite INTO ni TOP");
-  ItemLista item;
-  item.expr = c.cruce->pivote;
-  s.lista.clear();
-  s.lista.push_back(std::move(item));
-  s.grupo.clear();
-  s.teniendo = nullptr;
-  s.distincion = Distincion::Distinct;
-  c.orden.clear();
-  c.orden.push_back({Clonar(*c.cruce->pivote)});
-  c.cruce = nullptr;
+void AskForValues(Query& c) {
+  Select& s = c.parts[0];
+  if (!s.target.empty() || s.limit) throw base::Error("TRANSFORM no admite INTO ni TOP");
+  ListItem item;
+  item.expr = c.crosstab->pivot;
+  s.list.clear();
+  s.list.push_back(std::move(item));
+  s.group.clear();
+  s.having = nullptr;
+  s.distinctness = Distinctness::Distinct;
+  c.order.clear();
+  c.order.push_back({Clone(*c.crosstab->pivot)});
+  c.crosstab = nullptr;
 }
 
-void DarValores(Consulta& c, const std::vector<base::Valor>& valores) {
-  c.cruce->con_lista = true;
-  for (const auto& v : valores) c.cruce->lista.push_back(DeValor(v));
+void SetValues(Query& c, const std::vector<base::Value>& values) {
+  c.crosstab->has_list = true;
+  for (const auto& v : values) c.crosstab->list.push_back(FromValue(v));
 }
 
-void ExpandirCruce(Consulta& c, const base::Locale& locale, std::vector<int>& fijos) {
-  const Cruce& cruce = *c.cruce;
-  if (!cruce.con_lista)
+void ExpandCrosstab(Query& c, const base::Locale& locale, std::vector<int>& fixed) {
+  const Crosstab& crosstab = *c.crosstab;
+  if (!crosstab.has_list)
     throw base::Error(
         "Una consulta de referencias cruzadas sin columnas fijas (PIVOT … IN) no se puede usar "
         "dentro de otra");
-  Seleccion& s = c.partes[0];
-  if (!s.destino.empty() || s.tope) throw base::Error("TRANSFORM no admite INTO ni TOP");
-  constexpr std::size_t kColumnas = 255;
-  if (s.lista.size() + cruce.lista.size() > kColumnas)
+  Select& s = c.parts[0];
+  if (!s.target.empty() || s.limit) throw base::Error("TRANSFORM no admite INTO ni TOP");
+  constexpr std::size_t kColumns = 255;
+  if (s.list.size() + crosstab.list.size() > kColumns)
     throw base::Error("La consulta de referencias cruzadas tiene demasiadas columnas (" +
-                      std::to_string(cruce.lista.size()) + ")");
-  for (const auto& columna : cruce.lista) {
-    ItemLista item;
-    item.expr = Clonar(*cruce.valor);
-    if (!Filtrar(*item.expr, cruce, columna))
+                      std::to_string(crosstab.list.size()) + ")");
+  for (const auto& column : crosstab.list) {
+    ListItem item;
+    item.expr = Clone(*crosstab.value);
+    if (!AddFilters(*item.expr, crosstab, column))
       throw base::Error("TRANSFORM necesita una función de agregado, como Sum o Count");
-    item.alias = NombreDe(*columna, locale);
-    const Expr& literal = columna->nodo == Nodo::Unario ? *columna->hijos[0] : *columna;
-    if (literal.indice >= 0) fijos.push_back(literal.indice);
-    s.lista.push_back(std::move(item));
+    item.alias = NameOf(*column, locale);
+    const Expr& literal = column->node == Node::Unary ? *column->children[0] : *column;
+    if (literal.index >= 0) fixed.push_back(literal.index);
+    s.list.push_back(std::move(item));
   }
-  c.cruce = nullptr;
+  c.crosstab = nullptr;
 }
 
 }  // namespace jetsql

@@ -13,24 +13,24 @@
 namespace jetsql {
 
 // A saved query is a crosstab whose columns are not known yet.
-class FaltanColumnas : public base::Error {
+class MissingColumns : public base::Error {
  public:
-  explicit FaltanColumnas(std::string consulta)
-      : base::Error("La consulta de referencias cruzadas '" + consulta +
+  explicit MissingColumns(std::string query)
+      : base::Error("La consulta de referencias cruzadas '" + query +
                     "' no tiene columnas fijas (PIVOT … IN): no se puede usar aquí"),
-        consulta_(std::move(consulta)) {}
-  const std::string& Consulta() const { return consulta_; }
+        query_(std::move(query)) {}
+  const std::string& Query() const { return query_; }
 
  private:
-  std::string consulta_;
+  std::string query_;
 };
 
 // Turns a crosstab without a list of columns into the query of its pivot's values, in their order.
-void PedirValores(Consulta& c);
+void AskForValues(Query& c);
 // Gives it those values as its list.
-void DarValores(Consulta& c, const std::vector<base::Valor>& valores);
+void SetValues(Query& c, const std::vector<base::Value>& values);
 // Adds the columns of a crosstab that has its list to the SELECT's. Literals that became names are added to
-// `fijos`.
-void ExpandirCruce(Consulta& c, const base::Locale& locale, std::vector<int>& fijos);
+// `fixed`.
+void ExpandCrosstab(Query& c, const base::Locale& locale, std::vector<int>& fixed);
 
 }  // namespace jetsql

@@ -7,13 +7,12 @@
 
 namespace jetsql {
 
-void Definir(const CrearTabla& s, Catalogo& catalogo, Traduccion& t);
-void Definir(const CrearIndice& s, Catalogo& catalogo, Traduccion& t);
-void Definir(CrearVista& s, Catalogo& catalogo, Traduccion& t);
-void Definir(const Quitar& s, Catalogo& catalogo, Traduccion& t);
-void Definir(const AlterarTabla& s, Catalogo& catalogo, Traduccion& t);
+void Define(const CreateTable& s, Catalog& catalog, Translation& t);
+void Define(const CreateIndex& s, Catalog& catalog, Translation& t);
+void Define(CreateView& s, Catalog& catalog, Translation& t);
+void Define(const Drop& s, Catalog& catalog, Translation& t);
+void Define(const AlterTable& s, Catalog& catalog, Translation& t);
 // SELECT … INTO: `c` is resolved.
-void DefinirDeConsulta(const Consulta& c, Catalogo& catalogo, const OpcionesTraduccion& opciones,
-                       Traduccion& t);
+void DefineFromQuery(const Query& c, Catalog& catalog, const TranslationOptions& options, Translation& t);
 
 }  // namespace jetsql

@@ -11,26 +11,26 @@ constexpr const char* kPrimaryKey = "PrimaryKey";
 
 bool Names(const std::vector<std::string>& names, const std::string& name) {
   return std::any_of(names.begin(), names.end(),
-                     [&](const std::string& n) { return base::IgualSinCaso(n, name); });
+                     [&](const std::string& n) { return base::EqualIgnoringCase(n, name); });
 }
 
 }  // namespace
 
-std::string IndexName(const DefColumna& column) {
-  if (!column.nombre_restriccion.empty()) return column.nombre_restriccion;
-  return column.clave ? kPrimaryKey : column.nombre;
+std::string IndexName(const ColumnDefinition& column) {
+  if (!column.constraint_name.empty()) return column.constraint_name;
+  return column.key ? kPrimaryKey : column.name;
 }
 
-std::string IndexName(const Restriccion& constraint) {
-  if (!constraint.nombre.empty()) return constraint.nombre;
-  return constraint.que == Restriccion::Que::Clave ? kPrimaryKey : constraint.columnas[0];
+std::string IndexName(const Constraint& constraint) {
+  if (!constraint.name.empty()) return constraint.name;
+  return constraint.what == Constraint::What::Key ? kPrimaryKey : constraint.columns[0];
 }
 
-bool RefusesNull(const CrearTabla& table, const DefColumna& column) {
-  if (column.no_nulo || column.clave) return true;
-  return std::any_of(table.restricciones.begin(), table.restricciones.end(), [&](const Restriccion& r) {
-    const bool refuses = r.que == Restriccion::Que::Clave || r.que == Restriccion::Que::NoNulo;
-    return refuses && Names(r.columnas, column.nombre);
+bool RefusesNull(const CreateTable& table, const ColumnDefinition& column) {
+  if (column.not_null || column.key) return true;
+  return std::any_of(table.constraints.begin(), table.constraints.end(), [&](const Constraint& r) {
+    const bool refuses = r.what == Constraint::What::Key || r.what == Constraint::What::NotNull;
+    return refuses && Names(r.columns, column.name);
   });
 }
 

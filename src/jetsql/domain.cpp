@@ -7,162 +7,163 @@
 namespace jetsql {
 namespace {
 
-struct DeDominio {
-  std::string_view nombre;
-  std::string_view agregado;  // none: the value of any row
+struct DomainFunction {
+  std::string_view name;
+  std::string_view aggregate;  // none: the value of any row
 };
-constexpr DeDominio kFunciones[] = {{"DLOOKUP", ""},       {"DCOUNT", "Count"}, {"DSUM", "Sum"},
-                                    {"DAVG", "Avg"},       {"DMIN", "Min"},     {"DMAX", "Max"},
-                                    {"DFIRST", "First"},   {"DLAST", "Last"},   {"DSTDEV", "StDev"},
-                                    {"DSTDEVP", "StDevP"}, {"DVAR", "Var"},     {"DVARP", "VarP"}};
+constexpr DomainFunction kFunctions[] = {{"DLOOKUP", ""},       {"DCOUNT", "Count"}, {"DSUM", "Sum"},
+                                         {"DAVG", "Avg"},       {"DMIN", "Min"},     {"DMAX", "Max"},
+                                         {"DFIRST", "First"},   {"DLAST", "Last"},   {"DSTDEV", "StDev"},
+                                         {"DSTDEVP", "StDevP"}, {"DVAR", "Var"},     {"DVARP", "VarP"}};
 
-const DeDominio* Buscar(std::string_view funcion) {
-  for (const auto& d : kFunciones)
-    if (base::IgualSinCaso(d.nombre, funcion)) return &d;
+const DomainFunction* Find(std::string_view function) {
+  for (const auto& d : kFunctions)
+    if (base::EqualIgnoringCase(d.name, function)) return &d;
   return nullptr;
 }
 
 // The place of value i in the text of a condition, until it is read.
-std::string Lugar(std::size_t i) { return "[jet_valor_" + std::to_string(i) + "]"; }
+std::string Placeholder(std::size_t i) { return "[jet_valor_" + std::to_string(i) + "]"; }
 
-class Condicion {
+class Condition {
  public:
-  Condicion(const std::string& funcion, std::vector<int>& fijos) : funcion_(funcion), fijos_(fijos) {}
+  Condition(const std::string& function, std::vector<int>& fixed) : function_(function), fixed_(fixed) {}
 
-  std::string Leer(const ExprPtr& e) {
-    if (e->nodo == Nodo::Binario && e->op == Op::Concat) {
-      for (const auto& h : e->hijos) Pieza(h);
+  std::string Read(const ExprPtr& e) {
+    if (e->node == Node::Binary && e->op == Op::Concat) {
+      for (const auto& h : e->children) Piece(h);
     } else {
-      Texto(*e);
+      Text(*e);
     }
-    return std::move(texto_);
+    return std::move(text_);
   }
   // A literal text.
-  std::string Fijo(const Expr& e) {
-    Texto(e);
-    return std::move(texto_);
+  std::string ReadFixed(const Expr& e) {
+    Text(e);
+    return std::move(text_);
   }
 
   // Puts the values where their places stand.
-  void Poner(Consulta& c) {
-    for (auto& parte : c.partes) {
-      for (auto& item : parte.lista)
-        if (item.expr) Poner(item.expr);
-      if (parte.donde) Poner(parte.donde);
-      if (parte.teniendo) Poner(parte.teniendo);
+  void Put(Query& c) {
+    for (auto& part : c.parts) {
+      for (auto& item : part.list)
+        if (item.expr) Put(item.expr);
+      if (part.where) Put(part.where);
+      if (part.having) Put(part.having);
     }
   }
-  std::vector<ExprPtr> Valores() && { return std::move(valores_); }
+  std::vector<ExprPtr> Values() && { return std::move(values_); }
 
  private:
-  void Texto(const Expr& e) {
-    const auto* texto = e.nodo == Nodo::Literal ? e.literal.Si<std::string>() : nullptr;
-    if (texto == nullptr)
-      throw base::Error("Los argumentos de " + funcion_ +
+  void Text(const Expr& e) {
+    const auto* text = e.node == Node::Literal ? e.literal.GetIf<std::string>() : nullptr;
+    if (text == nullptr)
+      throw base::Error("Los argumentos de " + function_ +
                         " deben ser textos; la condición puede unirlos con valores mediante &");
-    if (e.indice >= 0) fijos_.push_back(e.indice);
-    std::string_view sigue = *texto;
-    if (en_fecha_ && !sigue.empty() && sigue.front() == '#') sigue.remove_prefix(1);
-    en_fecha_ = false;
-    texto_ += sigue;
+    if (e.index >= 0) fixed_.push_back(e.index);
+    std::string_view next = *text;
+    if (in_date_ && !next.empty() && next.front() == '#') next.remove_prefix(1);
+    in_date_ = false;
+    text_ += next;
   }
 
-  void Pieza(const ExprPtr& e) {
-    if (e->nodo == Nodo::Literal && e->literal.Si<std::string>() != nullptr) {
-      Texto(*e);
+  void Piece(const ExprPtr& e) {
+    if (e->node == Node::Literal && e->literal.GetIf<std::string>() != nullptr) {
+      Text(*e);
       return;
     }
-    ExprPtr valor = e;
-    if (!texto_.empty() && texto_.back() == '#') {  // "#" & date & "#"
-      texto_.pop_back();
-      en_fecha_ = true;
-      const bool formato = e->nodo == Nodo::Llamada && base::IgualSinCaso(e->nombre, "Format") &&
-                           e->hijos[0]->tipo.tipo == base::Tipo::Fecha;
-      if (formato) valor = e->hijos[0];
-      if (valor->tipo.tipo != base::Tipo::Fecha)
-        throw base::Error("En la condición de " + funcion_ + " lo que va entre # debe ser una fecha");
+    ExprPtr value = e;
+    if (!text_.empty() && text_.back() == '#') {  // "#" & date & "#"
+      text_.pop_back();
+      in_date_ = true;
+      const bool format = e->node == Node::Call && base::EqualIgnoringCase(e->name, "Format") &&
+                          e->children[0]->type.type == base::Type::Date;
+      if (format) value = e->children[0];
+      if (value->type.type != base::Type::Date)
+        throw base::Error("En la condición de " + function_ + " lo que va entre # debe ser una fecha");
     }
-    texto_ += Lugar(valores_.size());
-    valores_.push_back(std::move(valor));
+    text_ += Placeholder(values_.size());
+    values_.push_back(std::move(value));
   }
 
-  void Poner(ExprPtr& e) {
-    for (auto& h : e->hijos) Poner(h);
-    if (e->consulta) Poner(*e->consulta);
-    if (e->nodo == Nodo::Columna && e->calificador.empty()) {
-      for (std::size_t i = 0; i < valores_.size(); ++i)
-        if ("[" + e->nombre + "]" == Lugar(i)) {
-          e = valores_[i];
+  void Put(ExprPtr& e) {
+    for (auto& h : e->children) Put(h);
+    if (e->query) Put(*e->query);
+    if (e->node == Node::Column && e->qualifier.empty()) {
+      for (std::size_t i = 0; i < values_.size(); ++i)
+        if ("[" + e->name + "]" == Placeholder(i)) {
+          e = values_[i];
           return;
         }
     }
-    if (const auto* texto = e->nodo == Nodo::Literal ? e->literal.Si<std::string>() : nullptr)
-      e = ConValores(*texto, e);
+    if (const auto* text = e->node == Node::Literal ? e->literal.GetIf<std::string>() : nullptr)
+      e = WithValues(*text, e);
   }
 
   // 'a[value]b' is 'a' & value & 'b'.
-  ExprPtr ConValores(const std::string& texto, const ExprPtr& literal) const {
-    auto cadena = std::make_shared<Expr>(Nodo::Binario);
-    cadena->op = Op::Concat;
-    std::size_t desde = 0;
-    for (std::size_t i = 0; i < valores_.size(); ++i) {
-      const std::size_t h = texto.find(Lugar(i), desde);
+  ExprPtr WithValues(const std::string& text, const ExprPtr& literal) const {
+    auto chain = std::make_shared<Expr>(Node::Binary);
+    chain->op = Op::Concat;
+    std::size_t from = 0;
+    for (std::size_t i = 0; i < values_.size(); ++i) {
+      const std::size_t h = text.find(Placeholder(i), from);
       if (h == std::string::npos) continue;
-      cadena->hijos.push_back(DeTexto(texto.substr(desde, h - desde)));
-      cadena->hijos.push_back(valores_[i]);
-      desde = h + Lugar(i).size();
+      chain->children.push_back(FromText(text.substr(from, h - from)));
+      chain->children.push_back(values_[i]);
+      from = h + Placeholder(i).size();
     }
-    if (cadena->hijos.empty()) return literal;
-    cadena->hijos.push_back(DeTexto(texto.substr(desde)));
-    return cadena;
+    if (chain->children.empty()) return literal;
+    chain->children.push_back(FromText(text.substr(from)));
+    return chain;
   }
 
-  static ExprPtr DeTexto(std::string texto) {
-    auto e = std::make_shared<Expr>(Nodo::Literal);
-    e->literal = std::move(texto);
+  static ExprPtr FromText(std::string text) {
+    auto e = std::make_shared<Expr>(Node::Literal);
+    e->literal = std::move(text);
     return e;
   }
 
-  const std::string& funcion_;
-  std::vector<int>& fijos_;
-  std::string texto_;
-  std::vector<ExprPtr> valores_;
-  bool en_fecha_ = false;
+  const std::string& function_;
+  std::vector<int>& fixed_;
+  std::string text_;
+  std::vector<ExprPtr> values_;
+  bool in_date_ = false;
 };
 
-ConsultaPtr Leer(const std::string& funcion, const std::string& sql) {
+QueryPtr Read(const std::string& function, const std::string& sql) {
   try {
-    Sentencia s = Analizar(sql, Literales::EnTexto);
-    auto* consulta = std::get_if<ConsultaPtr>(&s);
-    if (consulta != nullptr && (*consulta)->partes.size() == 1) return std::move(*consulta);
+    Statement s = Parse(sql, Literals::InText);
+    auto* query = std::get_if<QueryPtr>(&s);
+    if (query != nullptr && (*query)->parts.size() == 1) return std::move(*query);
   } catch (const base::Error& e) {
-    throw base::Error("En " + funcion + ": " + e.Descripcion());
+    throw base::Error("En " + function + ": " + e.Description());
   }
-  throw base::Error("En " + funcion + ": sus textos no forman una consulta");
+  throw base::Error("En " + function + ": sus textos no forman una consulta");
 }
 
 }  // namespace
 
-bool EsDeDominio(std::string_view funcion) { return Buscar(funcion) != nullptr; }
+bool IsDomainFunction(std::string_view function) { return Find(function) != nullptr; }
 
-void AbrirDominio(Expr& e, std::vector<int>& fijos) {
-  const DeDominio& d = *Buscar(e.nombre);
-  Condicion condicion(e.nombre, fijos);
-  const std::string valor = condicion.Fijo(*e.hijos[0]);
-  std::string tabla(base::TrimVista(condicion.Fijo(*e.hijos[1])));
-  if (!tabla.empty() && tabla.front() != '[') tabla = "[" + tabla + "]";
-  const std::string donde = e.hijos.size() > 2 && !e.hijos[2]->tipo.nulo ? condicion.Leer(e.hijos[2]) : "";
+void OpenDomain(Expr& e, std::vector<int>& fixed) {
+  const DomainFunction& d = *Find(e.name);
+  Condition condition(e.name, fixed);
+  const std::string value = condition.ReadFixed(*e.children[0]);
+  std::string table(base::TrimView(condition.ReadFixed(*e.children[1])));
+  if (!table.empty() && table.front() != '[') table = "[" + table + "]";
+  const std::string where =
+      e.children.size() > 2 && !e.children[2]->type.null ? condition.Read(e.children[2]) : "";
   std::string sql = "SELECT ";
-  if (d.agregado.empty())
-    sql.append("TOP 1 ").append(valor);
+  if (d.aggregate.empty())
+    sql.append("TOP 1 ").append(value);
   else
-    sql.append(d.agregado).append("(").append(valor).append(")");
-  sql.append(" FROM ").append(tabla);
-  if (!base::TrimVista(donde).empty()) sql.append(" WHERE ").append(donde);
-  e.consulta = Leer(e.nombre, sql);
-  condicion.Poner(*e.consulta);
-  e.nodo = Nodo::Subconsulta;
-  e.hijos = std::move(condicion).Valores();
+    sql.append(d.aggregate).append("(").append(value).append(")");
+  sql.append(" FROM ").append(table);
+  if (!base::TrimView(where).empty()) sql.append(" WHERE ").append(where);
+  e.query = Read(e.name, sql);
+  condition.Put(*e.query);
+  e.node = Node::Subquery;
+  e.children = std::move(condition).Values();
 }
 
 }  // namespace jetsql

@@ -9,13 +9,13 @@
 
 namespace jetsql {
 
-bool EsDeDominio(std::string_view funcion);
+bool IsDomainFunction(std::string_view function);
 
 // Turns a call of such a function, its arguments resolved, into a subquery that is not. The condition may
 // join texts and values with "&", as "id=" & id: the values become part of the subquery's tree, in quotes or
 // between
-// "#" too. What the texts say decides the tree, so that they are added to `fijos`. Throws base::Error for
+// "#" too. What the texts say decides the tree, so that they are added to `fixed`. Throws base::Error for
 // arguments that are no texts.
-void AbrirDominio(Expr& e, std::vector<int>& fijos);
+void OpenDomain(Expr& e, std::vector<int>& fixed);
 
 }  // namespace jetsql

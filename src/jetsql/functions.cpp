@@ -7,130 +7,130 @@
 namespace jetsql {
 namespace {
 
-using enum base::Tipo;
-constexpr ReglaTipo kFijo = ReglaTipo::Fijo;
-constexpr bool kEtiquetada = true;
-constexpr bool kLlana = false;
-constexpr bool kCambia = false;  // not deterministic
+using enum base::Type;
+constexpr TypeRule kFixed = TypeRule::Fixed;
+constexpr bool kTagged = true;
+constexpr bool kPlain = false;
+constexpr bool kChanges = false;  // not deterministic
 
 // Sorted by name.
-constexpr Funcion kFunciones[] = {
-    {"ABS", 1, 1, ReglaTipo::DelPrimero, Nulo, kLlana},
-    {"ASC", 1, 1, kFijo, Entero, kEtiquetada},
-    {"ASCW", 1, 1, kFijo, Entero, kEtiquetada},
-    {"ATN", 1, 1, kFijo, Numero, kLlana},
-    {"CBOOL", 1, 1, kFijo, Booleano, kLlana},
-    {"CBYTE", 1, 1, kFijo, Entero, kLlana},
-    {"CCUR", 1, 1, kFijo, Moneda, kLlana},
-    {"CDATE", 1, 1, kFijo, Fecha, kLlana},
-    {"CDBL", 1, 1, kFijo, Numero, kEtiquetada},
-    {"CDEC", 1, 1, kFijo, Numero, kLlana},
-    {"CHR", 1, 1, kFijo, Texto, kLlana},
-    {"CHRW", 1, 1, kFijo, Texto, kLlana},
-    {"CINT", 1, 1, kFijo, Entero, kLlana},
-    {"CLNG", 1, 1, kFijo, Entero, kLlana},
-    {"COS", 1, 1, kFijo, Numero, kLlana},
-    {"CSNG", 1, 1, kFijo, base::Tipo::Simple, kLlana},
-    {"CSTR", 1, 1, kFijo, Texto, kEtiquetada},
-    {"CURRENTUSER", 0, 0, kFijo, Texto, kLlana},
-    {"CVAR", 1, 1, ReglaTipo::Comun, Nulo, kLlana},
-    {"CVDATE", 1, 1, kFijo, Fecha, kLlana},
-    {"DATE", 0, 0, kFijo, Fecha, kLlana, kCambia},
-    {"DATEADD", 3, 3, kFijo, Fecha, kLlana},
-    {"DATEDIFF", 3, 5, kFijo, Entero, kLlana},
-    {"DATEPART", 2, 4, kFijo, Entero, kLlana},
-    {"DATESERIAL", 3, 3, kFijo, Fecha, kLlana},
-    {"DATEVALUE", 1, 1, kFijo, Fecha, kLlana},
-    {"DAY", 1, 1, kFijo, Entero, kLlana},
-    {"DDB", 4, 5, kFijo, Numero, kLlana},
-    {"EXP", 1, 1, kFijo, Numero, kLlana},
-    {"FIX", 1, 1, ReglaTipo::DelPrimero, Nulo, kLlana},
-    {"FORMAT", 1, 4, kFijo, Texto, kEtiquetada},
-    {"FORMATCURRENCY", 1, 5, kFijo, Texto, kEtiquetada},
-    {"FORMATDATETIME", 1, 2, kFijo, Texto, kEtiquetada},
-    {"FORMATNUMBER", 1, 5, kFijo, Texto, kEtiquetada},
-    {"FORMATPERCENT", 1, 5, kFijo, Texto, kEtiquetada},
-    {"FV", 3, 5, kFijo, Numero, kLlana},
-    {"HEX", 1, 1, kFijo, Texto, kLlana},
-    {"HOUR", 1, 1, kFijo, Entero, kLlana},
-    {"INSTR", 2, 4, kFijo, Entero, kEtiquetada},
-    {"INSTRREV", 2, 4, kFijo, Entero, kEtiquetada},
-    {"INT", 1, 1, ReglaTipo::DelPrimero, Nulo, kLlana},
-    {"IPMT", 4, 6, kFijo, Numero, kLlana},
-    {"ISDATE", 1, 1, kFijo, Booleano, kEtiquetada},
-    {"ISEMPTY", 1, 1, kFijo, Booleano, kLlana},
-    {"ISERROR", 1, 1, kFijo, Booleano, kLlana},
-    {"ISNUMERIC", 1, 1, kFijo, Booleano, kEtiquetada},
-    {"LCASE", 1, 1, kFijo, Texto, kEtiquetada},
-    {"LEFT", 2, 2, kFijo, Texto, kEtiquetada},
-    {"LEN", 1, 1, kFijo, Entero, kEtiquetada},
-    {"LOG", 1, 1, kFijo, Numero, kLlana},
-    {"LTRIM", 1, 1, kFijo, Texto, kEtiquetada},
-    {"MID", 2, 3, kFijo, Texto, kEtiquetada},
-    {"MINUTE", 1, 1, kFijo, Entero, kLlana},
-    {"MONTH", 1, 1, kFijo, Entero, kLlana},
-    {"MONTHNAME", 1, 2, kFijo, Texto, kLlana},
-    {"NOW", 0, 0, kFijo, Fecha, kLlana, kCambia},
-    {"NPER", 3, 5, kFijo, Numero, kLlana},
-    {"NZ", 1, 2, ReglaTipo::Comun, Nulo, kLlana},
-    {"OCT", 1, 1, kFijo, Texto, kLlana},
-    {"PARTITION", 4, 4, kFijo, Texto, kLlana},
-    {"PMT", 3, 5, kFijo, Numero, kLlana},
-    {"PPMT", 4, 6, kFijo, Numero, kLlana},
-    {"PV", 3, 5, kFijo, Numero, kLlana},
-    {"RATE", 3, 6, kFijo, Numero, kLlana},
-    {"REPLACE", 3, 6, kFijo, Texto, kEtiquetada},
-    {"RGB", 3, 3, kFijo, Entero, kLlana},
-    {"RIGHT", 2, 2, kFijo, Texto, kEtiquetada},
-    {"RND", 0, 1, kFijo, base::Tipo::Simple, kLlana, kCambia},
-    {"ROUND", 1, 2, ReglaTipo::DelPrimero, Nulo, kLlana},
-    {"RTRIM", 1, 1, kFijo, Texto, kEtiquetada},
-    {"SECOND", 1, 1, kFijo, Entero, kLlana},
-    {"SGN", 1, 1, kFijo, Entero, kLlana},
-    {"SIN", 1, 1, kFijo, Numero, kLlana},
-    {"SLN", 3, 3, kFijo, Numero, kLlana},
-    {"SPACE", 1, 1, kFijo, Texto, kLlana},
-    {"SQR", 1, 1, kFijo, Numero, kLlana},
-    {"STR", 1, 1, kFijo, Texto, kEtiquetada},
-    {"STRCOMP", 2, 3, kFijo, Entero, kEtiquetada},
-    {"STRCONV", 2, 3, kFijo, Texto, kEtiquetada},
-    {"STRING", 2, 2, kFijo, Texto, kLlana},
-    {"STRREVERSE", 1, 1, kFijo, Texto, kEtiquetada},
-    {"SYD", 4, 4, kFijo, Numero, kLlana},
-    {"TAN", 1, 1, kFijo, Numero, kLlana},
-    {"TIME", 0, 0, kFijo, Fecha, kLlana, kCambia},
-    {"TIMER", 0, 0, kFijo, base::Tipo::Simple, kLlana, kCambia},
-    {"TIMESERIAL", 3, 3, kFijo, Fecha, kLlana},
-    {"TIMEVALUE", 1, 1, kFijo, Fecha, kLlana},
-    {"TRIM", 1, 1, kFijo, Texto, kEtiquetada},
-    {"TYPENAME", 1, 1, kFijo, Texto, kEtiquetada},
-    {"UCASE", 1, 1, kFijo, Texto, kEtiquetada},
-    {"VAL", 1, 1, kFijo, Numero, kEtiquetada},
-    {"VARTYPE", 1, 1, kFijo, Entero, kEtiquetada},
-    {"WEEKDAY", 1, 2, kFijo, Entero, kLlana},
-    {"WEEKDAYNAME", 1, 3, kFijo, Texto, kLlana},
-    {"YEAR", 1, 1, kFijo, Entero, kLlana},
+constexpr Function kFunctions[] = {
+    {"ABS", 1, 1, TypeRule::OfFirst, Null, kPlain},
+    {"ASC", 1, 1, kFixed, Integer, kTagged},
+    {"ASCW", 1, 1, kFixed, Integer, kTagged},
+    {"ATN", 1, 1, kFixed, Number, kPlain},
+    {"CBOOL", 1, 1, kFixed, Boolean, kPlain},
+    {"CBYTE", 1, 1, kFixed, Integer, kPlain},
+    {"CCUR", 1, 1, kFixed, Currency, kPlain},
+    {"CDATE", 1, 1, kFixed, Date, kPlain},
+    {"CDBL", 1, 1, kFixed, Number, kTagged},
+    {"CDEC", 1, 1, kFixed, Number, kPlain},
+    {"CHR", 1, 1, kFixed, Text, kPlain},
+    {"CHRW", 1, 1, kFixed, Text, kPlain},
+    {"CINT", 1, 1, kFixed, Integer, kPlain},
+    {"CLNG", 1, 1, kFixed, Integer, kPlain},
+    {"COS", 1, 1, kFixed, Number, kPlain},
+    {"CSNG", 1, 1, kFixed, base::Type::Single, kPlain},
+    {"CSTR", 1, 1, kFixed, Text, kTagged},
+    {"CURRENTUSER", 0, 0, kFixed, Text, kPlain},
+    {"CVAR", 1, 1, TypeRule::Common, Null, kPlain},
+    {"CVDATE", 1, 1, kFixed, Date, kPlain},
+    {"DATE", 0, 0, kFixed, Date, kPlain, kChanges},
+    {"DATEADD", 3, 3, kFixed, Date, kPlain},
+    {"DATEDIFF", 3, 5, kFixed, Integer, kPlain},
+    {"DATEPART", 2, 4, kFixed, Integer, kPlain},
+    {"DATESERIAL", 3, 3, kFixed, Date, kPlain},
+    {"DATEVALUE", 1, 1, kFixed, Date, kPlain},
+    {"DAY", 1, 1, kFixed, Integer, kPlain},
+    {"DDB", 4, 5, kFixed, Number, kPlain},
+    {"EXP", 1, 1, kFixed, Number, kPlain},
+    {"FIX", 1, 1, TypeRule::OfFirst, Null, kPlain},
+    {"FORMAT", 1, 4, kFixed, Text, kTagged},
+    {"FORMATCURRENCY", 1, 5, kFixed, Text, kTagged},
+    {"FORMATDATETIME", 1, 2, kFixed, Text, kTagged},
+    {"FORMATNUMBER", 1, 5, kFixed, Text, kTagged},
+    {"FORMATPERCENT", 1, 5, kFixed, Text, kTagged},
+    {"FV", 3, 5, kFixed, Number, kPlain},
+    {"HEX", 1, 1, kFixed, Text, kPlain},
+    {"HOUR", 1, 1, kFixed, Integer, kPlain},
+    {"INSTR", 2, 4, kFixed, Integer, kTagged},
+    {"INSTRREV", 2, 4, kFixed, Integer, kTagged},
+    {"INT", 1, 1, TypeRule::OfFirst, Null, kPlain},
+    {"IPMT", 4, 6, kFixed, Number, kPlain},
+    {"ISDATE", 1, 1, kFixed, Boolean, kTagged},
+    {"ISEMPTY", 1, 1, kFixed, Boolean, kPlain},
+    {"ISERROR", 1, 1, kFixed, Boolean, kPlain},
+    {"ISNUMERIC", 1, 1, kFixed, Boolean, kTagged},
+    {"LCASE", 1, 1, kFixed, Text, kTagged},
+    {"LEFT", 2, 2, kFixed, Text, kTagged},
+    {"LEN", 1, 1, kFixed, Integer, kTagged},
+    {"LOG", 1, 1, kFixed, Number, kPlain},
+    {"LTRIM", 1, 1, kFixed, Text, kTagged},
+    {"MID", 2, 3, kFixed, Text, kTagged},
+    {"MINUTE", 1, 1, kFixed, Integer, kPlain},
+    {"MONTH", 1, 1, kFixed, Integer, kPlain},
+    {"MONTHNAME", 1, 2, kFixed, Text, kPlain},
+    {"NOW", 0, 0, kFixed, Date, kPlain, kChanges},
+    {"NPER", 3, 5, kFixed, Number, kPlain},
+    {"NZ", 1, 2, TypeRule::Common, Null, kPlain},
+    {"OCT", 1, 1, kFixed, Text, kPlain},
+    {"PARTITION", 4, 4, kFixed, Text, kPlain},
+    {"PMT", 3, 5, kFixed, Number, kPlain},
+    {"PPMT", 4, 6, kFixed, Number, kPlain},
+    {"PV", 3, 5, kFixed, Number, kPlain},
+    {"RATE", 3, 6, kFixed, Number, kPlain},
+    {"REPLACE", 3, 6, kFixed, Text, kTagged},
+    {"RGB", 3, 3, kFixed, Integer, kPlain},
+    {"RIGHT", 2, 2, kFixed, Text, kTagged},
+    {"RND", 0, 1, kFixed, base::Type::Single, kPlain, kChanges},
+    {"ROUND", 1, 2, TypeRule::OfFirst, Null, kPlain},
+    {"RTRIM", 1, 1, kFixed, Text, kTagged},
+    {"SECOND", 1, 1, kFixed, Integer, kPlain},
+    {"SGN", 1, 1, kFixed, Integer, kPlain},
+    {"SIN", 1, 1, kFixed, Number, kPlain},
+    {"SLN", 3, 3, kFixed, Number, kPlain},
+    {"SPACE", 1, 1, kFixed, Text, kPlain},
+    {"SQR", 1, 1, kFixed, Number, kPlain},
+    {"STR", 1, 1, kFixed, Text, kTagged},
+    {"STRCOMP", 2, 3, kFixed, Integer, kTagged},
+    {"STRCONV", 2, 3, kFixed, Text, kTagged},
+    {"STRING", 2, 2, kFixed, Text, kPlain},
+    {"STRREVERSE", 1, 1, kFixed, Text, kTagged},
+    {"SYD", 4, 4, kFixed, Number, kPlain},
+    {"TAN", 1, 1, kFixed, Number, kPlain},
+    {"TIME", 0, 0, kFixed, Date, kPlain, kChanges},
+    {"TIMER", 0, 0, kFixed, base::Type::Single, kPlain, kChanges},
+    {"TIMESERIAL", 3, 3, kFixed, Date, kPlain},
+    {"TIMEVALUE", 1, 1, kFixed, Date, kPlain},
+    {"TRIM", 1, 1, kFixed, Text, kTagged},
+    {"TYPENAME", 1, 1, kFixed, Text, kTagged},
+    {"UCASE", 1, 1, kFixed, Text, kTagged},
+    {"VAL", 1, 1, kFixed, Number, kTagged},
+    {"VARTYPE", 1, 1, kFixed, Integer, kTagged},
+    {"WEEKDAY", 1, 2, kFixed, Integer, kPlain},
+    {"WEEKDAYNAME", 1, 3, kFixed, Text, kPlain},
+    {"YEAR", 1, 1, kFixed, Integer, kPlain},
 };
 
-constexpr bool PorNombre(const Funcion& a, const Funcion& b) { return a.nombre < b.nombre; }
-static_assert(std::is_sorted(std::begin(kFunciones), std::end(kFunciones), PorNombre));
+constexpr bool ByName(const Function& a, const Function& b) { return a.name < b.name; }
+static_assert(std::is_sorted(std::begin(kFunctions), std::end(kFunctions), ByName));
 
-constexpr std::size_t kNombreMasLargo = 14;
+constexpr std::size_t kLongestName = 14;
 
 }  // namespace
 
-const Funcion* BuscarFuncion(std::string_view nombre) {
-  if (!nombre.empty() && nombre.back() == '$') nombre.remove_suffix(1);
-  if (nombre.empty() || nombre.size() > kNombreMasLargo) return nullptr;
-  std::array<char, kNombreMasLargo> mayusculas{};
-  std::transform(nombre.begin(), nombre.end(), mayusculas.begin(),
+const Function* FindFunction(std::string_view name) {
+  if (!name.empty() && name.back() == '$') name.remove_suffix(1);
+  if (name.empty() || name.size() > kLongestName) return nullptr;
+  std::array<char, kLongestName> upper_case{};
+  std::transform(name.begin(), name.end(), upper_case.begin(),
                  [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 0x20) : c; });
-  const std::string_view buscado(mayusculas.data(), nombre.size());
-  const auto* it = std::lower_bound(std::begin(kFunciones), std::end(kFunciones), buscado,
-                                    [](const Funcion& f, std::string_view n) { return f.nombre < n; });
-  return it != std::end(kFunciones) && it->nombre == buscado ? it : nullptr;
+  const std::string_view sought(upper_case.data(), name.size());
+  const auto* it = std::lower_bound(std::begin(kFunctions), std::end(kFunctions), sought,
+                                    [](const Function& f, std::string_view n) { return f.name < n; });
+  return it != std::end(kFunctions) && it->name == sought ? it : nullptr;
 }
 
-std::span<const Funcion> Funciones() { return kFunciones; }
+std::span<const Function> Functions() { return kFunctions; }
 
 }  // namespace jetsql

@@ -10,36 +10,36 @@
 #include <span>
 #include <string_view>
 
-#include "base/valor.h"
+#include "base/value.h"
 
 namespace jetsql {
 
-enum class ReglaTipo {
-  Fijo,        // `tipo`
-  DelPrimero,  // the first argument's as a number: a boolean gives an integer, a text a number
-  Comun        // the common type of all arguments
+enum class TypeRule {
+  Fixed,    // `type`
+  OfFirst,  // the first argument's as a number: a boolean gives an integer, a text a number
+  Common    // the common type of all arguments
 };
 
-struct Funcion {
-  std::string_view nombre;  // upper case, without "$"
-  int minimo;
-  int maximo;  // -1: any number
-  ReglaTipo regla;
-  base::Tipo tipo;  // when regla is Fijo; Nulo: not known
-  bool etiquetada;  // tagged
+struct Function {
+  std::string_view name;  // upper case, without "$"
+  int minimum;
+  int maximum;  // -1: any number
+  TypeRule rule;
+  base::Type type;  // when rule is Fixed; Null: not known
+  bool tagged;      // tagged
   // The same arguments always give the same value: false for the clock and for Rnd.
-  bool determinista = true;
+  bool deterministic = true;
 };
 
 // By name whatever its case, "$" at the end ignored; null when the dialect has no such function. IIF, SWITCH,
 // CHOOSE, ISNULL and the aggregates are the translator's own and are not in this table.
-const Funcion* BuscarFuncion(std::string_view nombre);
+const Function* FindFunction(std::string_view name);
 
 // Whether the dialect has a function of that name, the translator's own and the aggregates included; DLookup
 // and its kin, which hold statements of their own in texts, are not.
-bool ConoceFuncion(std::string_view nombre);
+bool KnowsFunction(std::string_view name);
 
 // All of them, by name.
-std::span<const Funcion> Funciones();
+std::span<const Function> Functions();
 
 }  // namespace jetsql

@@ -10,7 +10,7 @@ namespace jetsql {
 namespace {
 
 // How many bytes two texts have in common at their start.
-std::size_t Comunes(std::string_view a, std::string_view b) {
+std::size_t CommonLength(std::string_view a, std::string_view b) {
   const std::size_t n = a.size() < b.size() ? a.size() : b.size();
   std::size_t i = 0;
   for (; i + sizeof(std::uint64_t) <= n; i += sizeof(std::uint64_t)) {
@@ -23,80 +23,80 @@ std::size_t Comunes(std::string_view a, std::string_view b) {
   return i;
 }
 
-bool EsDeClase(const base::Valor& valor, ClaseToken clase) {
-  switch (clase) {
-    case ClaseToken::Entero:
-      return valor.tipo() == base::Tipo::Entero;
-    case ClaseToken::Real:
-      return valor.tipo() == base::Tipo::Numero;
-    case ClaseToken::Texto:
-      return valor.tipo() == base::Tipo::Texto;
-    case ClaseToken::Fecha:
-      return valor.tipo() == base::Tipo::Fecha;
+bool IsOfKind(const base::Value& value, TokenKind kind) {
+  switch (kind) {
+    case TokenKind::Integer:
+      return value.type() == base::Type::Integer;
+    case TokenKind::Real:
+      return value.type() == base::Type::Number;
+    case TokenKind::Text:
+      return value.type() == base::Type::Text;
+    case TokenKind::Date:
+      return value.type() == base::Type::Date;
     default:
       return false;
   }
 }
 
 // A token ends by what is at most this many bytes behind it ("1e+5" is one number, "1e+x" is three tokens).
-constexpr std::size_t kVista = 2;
+constexpr std::size_t kLookahead = 2;
 
 }  // namespace
 
-void Molde::Tomar(std::string_view sql, const Forma& forma) {
-  texto_ = sql;
-  lugares_ = forma.lugares;
-  literales_ = forma.literales;
+void Mould::Take(std::string_view sql, const Shape& shape) {
+  text_ = sql;
+  places_ = shape.places;
+  literals_ = shape.literals;
 }
 
 // A literal of which all is equal, with what tells its end, is the same literal. Where the texts part there
 // must be a literal: it is cut anew, and the comparison goes on behind it.
-Molde::Hallazgo Molde::Reconocer(std::string_view sql) {
-  if (texto_.empty()) return Hallazgo::Otra;
-  const std::string_view molde = texto_;
-  cambios_.clear();
-  std::size_t aqui = 0, alla = 0;  // in the text, in the mould
-  std::size_t i = 0;               // the next literal
+Mould::Match Mould::Recognise(std::string_view sql) {
+  if (text_.empty()) return Match::Other;
+  const std::string_view mould = text_;
+  changes_.clear();
+  std::size_t here = 0, there = 0;  // in the text, in the mould
+  std::size_t i = 0;                // the next literal
   for (;;) {
-    const std::size_t n = Comunes(sql.substr(aqui), molde.substr(alla));
-    const std::size_t parten = alla + n;
-    if (aqui + n == sql.size() && parten == molde.size()) break;
-    for (; i < lugares_.size() && lugares_[i].fin + kVista < parten; ++i)
-      if (!cambios_.empty()) Correr(i, aqui, alla);
-    if (i == lugares_.size() || lugares_[i].inicio > parten) return Hallazgo::Otra;
-    if (cambios_.empty()) nuevos_ = lugares_;
-    const std::size_t inicio = aqui + (lugares_[i].inicio - alla);
-    const std::size_t fin = Literal(sql, inicio, i);
-    if (fin == std::string_view::npos) return Hallazgo::Otra;
-    nuevos_[i] = {inicio, fin};
-    aqui = fin;
-    alla = lugares_[i++].fin;
+    const std::size_t n = CommonLength(sql.substr(here), mould.substr(there));
+    const std::size_t divergence = there + n;
+    if (here + n == sql.size() && divergence == mould.size()) break;
+    for (; i < places_.size() && places_[i].end + kLookahead < divergence; ++i)
+      if (!changes_.empty()) Shift(i, here, there);
+    if (i == places_.size() || places_[i].start > divergence) return Match::Other;
+    if (changes_.empty()) new_places_ = places_;
+    const std::size_t start = here + (places_[i].start - there);
+    const std::size_t end = Literal(sql, start, i);
+    if (end == std::string_view::npos) return Match::Other;
+    new_places_[i] = {start, end};
+    here = end;
+    there = places_[i++].end;
   }
-  if (cambios_.empty()) return Hallazgo::Igual;
-  for (; i < lugares_.size(); ++i) Correr(i, aqui, alla);
-  for (Cambio& c : cambios_) literales_[c.literal] = std::move(c.valor);
-  lugares_.swap(nuevos_);
-  texto_ = sql;
-  return Hallazgo::MismaForma;
+  if (changes_.empty()) return Match::Equal;
+  for (; i < places_.size(); ++i) Shift(i, here, there);
+  for (Change& c : changes_) literals_[c.literal] = std::move(c.value);
+  places_.swap(new_places_);
+  text_ = sql;
+  return Match::SameShape;
 }
 
-void Molde::Correr(std::size_t i, std::size_t aqui, std::size_t alla) {
-  nuevos_[i] = {aqui + (lugares_[i].inicio - alla), aqui + (lugares_[i].fin - alla)};
+void Mould::Shift(std::size_t i, std::size_t here, std::size_t there) {
+  new_places_[i] = {here + (places_[i].start - there), here + (places_[i].end - there)};
 }
 
-std::size_t Molde::Literal(std::string_view sql, std::size_t desde, std::size_t i) {
+std::size_t Mould::Literal(std::string_view sql, std::size_t from, std::size_t i) {
   // A "." begins a number or not by what stands before it, and takes the digits after it, and "&" begins one
   // only where an operand may stand, and parts it from a name before it: left to who sees all of it.
-  if (texto_[lugares_[i].inicio] == '&') return std::string_view::npos;
-  if (desde >= sql.size() || sql[desde] == '.' || sql[desde] == '&' || (desde > 0 && sql[desde - 1] == '.'))
+  if (text_[places_[i].start] == '&') return std::string_view::npos;
+  if (from >= sql.size() || sql[from] == '.' || sql[from] == '&' || (from > 0 && sql[from - 1] == '.'))
     return std::string_view::npos;
-  const Token nuevo = Escaner(sql, desde).Siguiente();
-  if (nuevo.inicio != desde || !EsDeClase(literales_[i], nuevo.clase)) return std::string_view::npos;
-  Cambio& cambio = cambios_.emplace_back();
-  cambio.literal = i;
-  if (!LeerLiteral(nuevo.clase, sql.substr(desde, nuevo.fin - desde), cambio.valor))
+  const Token fresh = Scanner(sql, from).Next();
+  if (fresh.start != from || !IsOfKind(literals_[i], fresh.kind)) return std::string_view::npos;
+  Change& change = changes_.emplace_back();
+  change.literal = i;
+  if (!ReadLiteral(fresh.kind, sql.substr(from, fresh.end - from), change.value))
     return std::string_view::npos;
-  return nuevo.fin;
+  return fresh.end;
 }
 
 }  // namespace jetsql

@@ -12,33 +12,33 @@
 
 namespace jetsql {
 
-class Molde {
+class Mould {
  public:
-  enum class Hallazgo { Otra, Igual, MismaForma };
+  enum class Match { Other, Equal, SameShape };
 
-  bool Vacio() const { return texto_.empty(); }
-  // The text that SepararLiterales made `forma` of.
-  void Tomar(std::string_view sql, const Forma& forma);
-  // Whether the text is the mould's own (Igual) or has its shape (MismaForma: the mould then holds that
+  bool IsEmpty() const { return text_.empty(); }
+  // The text that SeparateLiterals made `shape` of.
+  void Take(std::string_view sql, const Shape& shape);
+  // Whether the text is the mould's own (Equal) or has its shape (SameShape: the mould then holds that
   // text). With Otra the mould is as it was. Some texts of the same shape are not known for it (another
   // spelling, other blanks). Costs about a comparison of the two texts.
-  Hallazgo Reconocer(std::string_view sql);
+  Match Recognise(std::string_view sql);
   // Of the text that the mould holds.
-  const std::vector<base::Valor>& Literales() const { return literales_; }
+  const std::vector<base::Value>& Literals() const { return literals_; }
 
  private:
-  // The literal of the text at `desde`, in the place of the mould's literal i; where it ends, or npos.
-  std::size_t Literal(std::string_view sql, std::size_t desde, std::size_t i);
-  void Correr(std::size_t i, std::size_t aqui, std::size_t alla);
+  // The literal of the text at `from`, in the place of the mould's literal i; where it ends, or npos.
+  std::size_t Literal(std::string_view sql, std::size_t from, std::size_t i);
+  void Shift(std::size_t i, std::size_t here, std::size_t there);
 
-  std::string texto_;
-  std::vector<Forma::Lugar> lugares_, nuevos_;
-  std::vector<base::Valor> literales_;
-  struct Cambio {
+  std::string text_;
+  std::vector<Shape::Place> places_, new_places_;
+  std::vector<base::Value> literals_;
+  struct Change {
     std::size_t literal = 0;
-    base::Valor valor;
+    base::Value value;
   };
-  std::vector<Cambio> cambios_;  // of the text under way
+  std::vector<Change> changes_;  // of the text under way
 };
 
 }  // namespace jetsql

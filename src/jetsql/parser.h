@@ -9,16 +9,16 @@
 
 namespace jetsql {
 
-// EnTexto: no literal has an index (a stored query). Those of CREATE, DROP and ALTER never have one.
-enum class Literales { Numerados, EnTexto };
+// InText: no literal has an index (a stored query). Those of CREATE, DROP and ALTER never have one.
+enum class Literals { Numbered, InText };
 
-// One statement, with or without a ";" at its end. Throws ErrorSintaxis.
-Sentencia Analizar(std::string_view sql, Literales literales = Literales::Numerados);
+// One statement, with or without a ";" at its end. Throws SyntaxError.
+Statement Parse(std::string_view sql, Literals literals = Literals::Numbered);
 
 // The text of a tree before it is resolved: parsing it gives an equal tree.
-std::string Imprimir(const Sentencia& sentencia);
-std::string Imprimir(const Consulta& consulta);
-std::string Imprimir(const Seleccion& seleccion);  // one SELECT of a union
-std::string Imprimir(const Expr& expr);
+std::string Print(const Statement& statement);
+std::string Print(const Query& query);
+std::string Print(const Select& select);  // one SELECT of a union
+std::string Print(const Expr& expr);
 
 }  // namespace jetsql

@@ -3,299 +3,299 @@
 namespace jetsql {
 namespace {
 
-struct NombreTipo {
-  std::string_view texto;
-  ClaseColumna clase;
+struct TypeName {
+  std::string_view text;
+  ColumnKind kind;
 };
 
-constexpr NombreTipo kTipos[] = {
-    {"YESNO", ClaseColumna::SiNo},
-    {"BIT", ClaseColumna::SiNo},
-    {"LOGICAL", ClaseColumna::SiNo},
-    {"LOGICAL1", ClaseColumna::SiNo},
-    {"BOOLEAN", ClaseColumna::SiNo},
-    {"BYTE", ClaseColumna::Byte},
-    {"TINYINT", ClaseColumna::Byte},
-    {"INTEGER1", ClaseColumna::Byte},
-    {"SHORT", ClaseColumna::Corto},
-    {"SMALLINT", ClaseColumna::Corto},
-    {"INTEGER2", ClaseColumna::Corto},
-    {"LONG", ClaseColumna::Largo},
-    {"INTEGER", ClaseColumna::Largo},
-    {"INT", ClaseColumna::Largo},
-    {"INTEGER4", ClaseColumna::Largo},
-    {"COUNTER", ClaseColumna::Contador},
-    {"IDENTITY", ClaseColumna::Contador},
-    {"AUTOINCREMENT", ClaseColumna::Contador},
-    {"SINGLE", ClaseColumna::Simple},
-    {"REAL", ClaseColumna::Simple},
-    {"FLOAT4", ClaseColumna::Simple},
-    {"IEEESINGLE", ClaseColumna::Simple},
-    {"DOUBLE", ClaseColumna::Doble},
-    {"FLOAT", ClaseColumna::Doble},
-    {"NUMBER", ClaseColumna::Doble},
-    {"FLOAT8", ClaseColumna::Doble},
-    {"IEEEDOUBLE", ClaseColumna::Doble},
-    {"CURRENCY", ClaseColumna::Moneda},
-    {"MONEY", ClaseColumna::Moneda},
-    {"DECIMAL", ClaseColumna::Decimal},
-    {"NUMERIC", ClaseColumna::Decimal},
-    {"DEC", ClaseColumna::Decimal},
-    {"DATETIME", ClaseColumna::Fecha},
-    {"DATE", ClaseColumna::Fecha},
-    {"TIME", ClaseColumna::Fecha},
-    {"TIMESTAMP", ClaseColumna::Fecha},
-    {"TEXT", ClaseColumna::Texto},
-    {"CHAR", ClaseColumna::Texto},
-    {"VARCHAR", ClaseColumna::Texto},
-    {"CHARACTER", ClaseColumna::Texto},
-    {"STRING", ClaseColumna::Texto},
-    {"ALPHANUMERIC", ClaseColumna::Texto},
-    {"NCHAR", ClaseColumna::Texto},
-    {"NVARCHAR", ClaseColumna::Texto},
-    {"MEMO", ClaseColumna::Memo},
-    {"LONGTEXT", ClaseColumna::Memo},
-    {"LONGCHAR", ClaseColumna::Memo},
-    {"NOTE", ClaseColumna::Memo},
-    {"NTEXT", ClaseColumna::Memo},
-    {"BINARY", ClaseColumna::Binario},
-    {"VARBINARY", ClaseColumna::Binario},
-    {"IMAGE", ClaseColumna::Ole},
-    {"LONGBINARY", ClaseColumna::Ole},
-    {"OLEOBJECT", ClaseColumna::Ole},
-    {"GENERAL", ClaseColumna::Ole},
-    {"GUID", ClaseColumna::Guid},
-    {"UNIQUEIDENTIFIER", ClaseColumna::Guid},
+constexpr TypeName kTypes[] = {
+    {"YESNO", ColumnKind::YesNo},
+    {"BIT", ColumnKind::YesNo},
+    {"LOGICAL", ColumnKind::YesNo},
+    {"LOGICAL1", ColumnKind::YesNo},
+    {"BOOLEAN", ColumnKind::YesNo},
+    {"BYTE", ColumnKind::Byte},
+    {"TINYINT", ColumnKind::Byte},
+    {"INTEGER1", ColumnKind::Byte},
+    {"SHORT", ColumnKind::Short},
+    {"SMALLINT", ColumnKind::Short},
+    {"INTEGER2", ColumnKind::Short},
+    {"LONG", ColumnKind::Long},
+    {"INTEGER", ColumnKind::Long},
+    {"INT", ColumnKind::Long},
+    {"INTEGER4", ColumnKind::Long},
+    {"COUNTER", ColumnKind::Counter},
+    {"IDENTITY", ColumnKind::Counter},
+    {"AUTOINCREMENT", ColumnKind::Counter},
+    {"SINGLE", ColumnKind::Single},
+    {"REAL", ColumnKind::Single},
+    {"FLOAT4", ColumnKind::Single},
+    {"IEEESINGLE", ColumnKind::Single},
+    {"DOUBLE", ColumnKind::Double},
+    {"FLOAT", ColumnKind::Double},
+    {"NUMBER", ColumnKind::Double},
+    {"FLOAT8", ColumnKind::Double},
+    {"IEEEDOUBLE", ColumnKind::Double},
+    {"CURRENCY", ColumnKind::Currency},
+    {"MONEY", ColumnKind::Currency},
+    {"DECIMAL", ColumnKind::Decimal},
+    {"NUMERIC", ColumnKind::Decimal},
+    {"DEC", ColumnKind::Decimal},
+    {"DATETIME", ColumnKind::Date},
+    {"DATE", ColumnKind::Date},
+    {"TIME", ColumnKind::Date},
+    {"TIMESTAMP", ColumnKind::Date},
+    {"TEXT", ColumnKind::Text},
+    {"CHAR", ColumnKind::Text},
+    {"VARCHAR", ColumnKind::Text},
+    {"CHARACTER", ColumnKind::Text},
+    {"STRING", ColumnKind::Text},
+    {"ALPHANUMERIC", ColumnKind::Text},
+    {"NCHAR", ColumnKind::Text},
+    {"NVARCHAR", ColumnKind::Text},
+    {"MEMO", ColumnKind::Memo},
+    {"LONGTEXT", ColumnKind::Memo},
+    {"LONGCHAR", ColumnKind::Memo},
+    {"NOTE", ColumnKind::Memo},
+    {"NTEXT", ColumnKind::Memo},
+    {"BINARY", ColumnKind::Binary},
+    {"VARBINARY", ColumnKind::Binary},
+    {"IMAGE", ColumnKind::Ole},
+    {"LONGBINARY", ColumnKind::Ole},
+    {"OLEOBJECT", ColumnKind::Ole},
+    {"GENERAL", ColumnKind::Ole},
+    {"GUID", ColumnKind::Guid},
+    {"UNIQUEIDENTIFIER", ColumnKind::Guid},
 };
 
 }  // namespace
 
-void Parser::LeerTipo(DefColumna& c) {
-  const NombreTipo* hallado = nullptr;
-  for (const auto& t : kTipos)
-    if (Es(t.texto)) hallado = &t;
-  if (hallado == nullptr) Falla("un tipo de columna");
+void Parser::ReadType(ColumnDefinition& c) {
+  const TypeName* found = nullptr;
+  for (const auto& t : kTypes)
+    if (Is(t.text)) found = &t;
+  if (found == nullptr) Fail("un tipo de columna");
   ++i_;
-  c.clase = hallado->clase;
-  if (c.clase == ClaseColumna::Doble) Come("PRECISION");
-  if (c.clase == ClaseColumna::Texto) Come("VARYING");
-  if (!Come("(")) return;
-  const int primero = LeerEnteroChico("un número entero");
-  const bool dos = Come(",");
-  const int segundo = dos ? LeerEnteroChico("un número entero") : 0;
-  Espera(")");
-  if (c.clase == ClaseColumna::Contador) {
-    c.semilla = primero;
-    if (dos) c.incremento = segundo;
-    if (c.incremento != 1) NoSeAdmite("Un contador con un incremento que no es 1");
-  } else if (c.clase == ClaseColumna::Texto || c.clase == ClaseColumna::Binario) {
-    c.largo = primero;
-  } else if (c.clase == ClaseColumna::Decimal) {
-    c.precision = primero;
-    c.escala = segundo;
+  c.kind = found->kind;
+  if (c.kind == ColumnKind::Double) Accept("PRECISION");
+  if (c.kind == ColumnKind::Text) Accept("VARYING");
+  if (!Accept("(")) return;
+  const int first = ReadSmallInteger("un número entero");
+  const bool two = Accept(",");
+  const int second = two ? ReadSmallInteger("un número entero") : 0;
+  Expect(")");
+  if (c.kind == ColumnKind::Counter) {
+    c.seed = first;
+    if (two) c.increment = second;
+    if (c.increment != 1) FailUnsupported("Un contador con un incremento que no es 1");
+  } else if (c.kind == ColumnKind::Text || c.kind == ColumnKind::Binary) {
+    c.length = first;
+  } else if (c.kind == ColumnKind::Decimal) {
+    c.precision = first;
+    c.scale = second;
   }
 }
 
-Referencia Parser::LeerReferencia() {
-  Referencia r;
-  r.tabla = LeerNombre("el nombre de una tabla");
-  if (Es("(")) r.columnas = LeerListaDeNombres();
-  while (Come("ON")) {
-    const bool borra = Es("DELETE");
-    if (!Come("DELETE")) Espera("UPDATE");
-    if (Come("CASCADE"))
-      (borra ? r.borra_en_cascada : r.actualiza_en_cascada) = true;
-    else if (Come("NO"))
-      Espera("ACTION");
+Reference Parser::ReadReference() {
+  Reference r;
+  r.table = ReadName("el nombre de una tabla");
+  if (Is("(")) r.columns = ReadNameList();
+  while (Accept("ON")) {
+    const bool deletes = Is("DELETE");
+    if (!Accept("DELETE")) Expect("UPDATE");
+    if (Accept("CASCADE"))
+      (deletes ? r.cascades_deletes : r.cascades_updates) = true;
+    else if (Accept("NO"))
+      Expect("ACTION");
     else
-      Falla("CASCADE");
+      Fail("CASCADE");
   }
   return r;
 }
 
-void Parser::LeerRestriccionesDeColumna(DefColumna& c) {
+void Parser::ReadColumnConstraints(ColumnDefinition& c) {
   for (;;) {
-    if (Come("CONSTRAINT")) c.nombre_restriccion = LeerNombre("el nombre de la restricción");
-    if (Come("NOT")) {
-      Espera("NULL");
-      c.no_nulo = true;
-    } else if (Come("NULL")) {
-    } else if (Come("PRIMARY")) {
-      Espera("KEY");
-      c.clave = true;
-    } else if (Come("UNIQUE")) {
-      c.unica = true;
-    } else if (Come("DEFAULT")) {
-      c.defecto = LeerExpr(8);  // "8": no AND or NOT, so that NOT NULL may follow
-    } else if (Come("REFERENCES")) {
-      c.referencia = std::make_unique<Referencia>(LeerReferencia());
-    } else if (Come("WITH")) {
-      if (!Come("COMPRESSION")) Espera("COMP");
+    if (Accept("CONSTRAINT")) c.constraint_name = ReadName("el nombre de la restricción");
+    if (Accept("NOT")) {
+      Expect("NULL");
+      c.not_null = true;
+    } else if (Accept("NULL")) {
+    } else if (Accept("PRIMARY")) {
+      Expect("KEY");
+      c.key = true;
+    } else if (Accept("UNIQUE")) {
+      c.unique = true;
+    } else if (Accept("DEFAULT")) {
+      c.default_value = ReadExpr(8);  // "8": no AND or NOT, so that NOT NULL may follow
+    } else if (Accept("REFERENCES")) {
+      c.reference = std::make_unique<Reference>(ReadReference());
+    } else if (Accept("WITH")) {
+      if (!Accept("COMPRESSION")) Expect("COMP");
     } else {
       return;
     }
   }
 }
 
-DefColumna Parser::LeerColumna() {
-  DefColumna c;
-  c.nombre = LeerNombre("el nombre de una columna");
-  LeerTipo(c);
-  LeerRestriccionesDeColumna(c);
+ColumnDefinition Parser::ReadColumn() {
+  ColumnDefinition c;
+  c.name = ReadName("el nombre de una columna");
+  ReadType(c);
+  ReadColumnConstraints(c);
   return c;
 }
 
-Restriccion Parser::LeerRestriccion() {
-  Restriccion r;
-  if (Come("CONSTRAINT")) r.nombre = LeerNombre("el nombre de la restricción");
-  if (Come("PRIMARY")) {
-    Espera("KEY");
-    r.que = Restriccion::Que::Clave;
-  } else if (Come("UNIQUE")) {
-    r.que = Restriccion::Que::Unica;
-  } else if (Come("NOT")) {
-    Espera("NULL");
-    r.que = Restriccion::Que::NoNulo;
-  } else if (Come("FOREIGN")) {
-    Espera("KEY");
-    if (Come("NO")) Espera("INDEX");
-    r.que = Restriccion::Que::Foranea;
+Constraint Parser::ReadConstraint() {
+  Constraint r;
+  if (Accept("CONSTRAINT")) r.name = ReadName("el nombre de la restricción");
+  if (Accept("PRIMARY")) {
+    Expect("KEY");
+    r.what = Constraint::What::Key;
+  } else if (Accept("UNIQUE")) {
+    r.what = Constraint::What::Unique;
+  } else if (Accept("NOT")) {
+    Expect("NULL");
+    r.what = Constraint::What::NotNull;
+  } else if (Accept("FOREIGN")) {
+    Expect("KEY");
+    if (Accept("NO")) Expect("INDEX");
+    r.what = Constraint::What::Foreign;
   } else {
-    Falla("PRIMARY KEY, UNIQUE, NOT NULL o FOREIGN KEY");
+    Fail("PRIMARY KEY, UNIQUE, NOT NULL o FOREIGN KEY");
   }
-  r.columnas = LeerListaDeNombres();
-  if (r.que == Restriccion::Que::Foranea) {
-    Espera("REFERENCES");
-    r.referencia = LeerReferencia();
+  r.columns = ReadNameList();
+  if (r.what == Constraint::What::Foreign) {
+    Expect("REFERENCES");
+    r.reference = ReadReference();
   }
   return r;
 }
 
-CrearTabla Parser::LeerCrearTabla() {
-  CrearTabla s;
-  s.nombre = LeerNombre("el nombre de la tabla");
-  Espera("(");
+CreateTable Parser::ReadCreateTable() {
+  CreateTable s;
+  s.name = ReadName("el nombre de la tabla");
+  Expect("(");
   do {
-    const bool restriccion = Es("CONSTRAINT") || (Es("PRIMARY") && Es("KEY", 1)) ||
-                             (Es("UNIQUE") && Es("(", 1)) || (Es("FOREIGN") && Es("KEY", 1));
-    if (restriccion)
-      s.restricciones.push_back(LeerRestriccion());
+    const bool constraint = Is("CONSTRAINT") || (Is("PRIMARY") && Is("KEY", 1)) ||
+                            (Is("UNIQUE") && Is("(", 1)) || (Is("FOREIGN") && Is("KEY", 1));
+    if (constraint)
+      s.constraints.push_back(ReadConstraint());
     else
-      s.columnas.push_back(LeerColumna());
-    Count(s.columnas.size() + s.restricciones.size(), kMaxColumns, "Una tabla");
-  } while (Come(","));
-  Espera(")");
+      s.columns.push_back(ReadColumn());
+    Count(s.columns.size() + s.constraints.size(), kMaxColumns, "Una tabla");
+  } while (Accept(","));
+  Expect(")");
   return s;
 }
 
-CrearIndice Parser::LeerCrearIndice(bool unico) {
-  CrearIndice s;
-  s.unico = unico;
-  s.nombre = LeerNombre("el nombre del índice");
-  Espera("ON");
-  s.tabla = LeerNombre("el nombre de la tabla");
-  Espera("(");
+CreateIndex Parser::ReadCreateIndex(bool unique) {
+  CreateIndex s;
+  s.unique = unique;
+  s.name = ReadName("el nombre del índice");
+  Expect("ON");
+  s.table = ReadName("el nombre de la tabla");
+  Expect("(");
   do {
-    CrearIndice::Columna c;
-    c.nombre = LeerNombre("el nombre de una columna");
-    if (Come("DESC"))
-      c.descendente = true;
+    CreateIndex::Column c;
+    c.name = ReadName("el nombre de una columna");
+    if (Accept("DESC"))
+      c.descending = true;
     else
-      Come("ASC");
-    s.columnas.push_back(std::move(c));
-    Count(s.columnas.size(), kMaxColumns, "Un índice");
-  } while (Come(","));
-  Espera(")");
-  if (!Come("WITH")) return s;
+      Accept("ASC");
+    s.columns.push_back(std::move(c));
+    Count(s.columns.size(), kMaxColumns, "Un índice");
+  } while (Accept(","));
+  Expect(")");
+  if (!Accept("WITH")) return s;
   do {
-    if (Come("PRIMARY")) {
-      s.primario = true;
-    } else if (Come("DISALLOW")) {
-      Espera("NULL");
-      s.sin_nulos = true;
-    } else if (Come("IGNORE")) {
-      Espera("NULL");
-      s.ignora_nulos = true;
+    if (Accept("PRIMARY")) {
+      s.primary = true;
+    } else if (Accept("DISALLOW")) {
+      Expect("NULL");
+      s.disallows_nulls = true;
+    } else if (Accept("IGNORE")) {
+      Expect("NULL");
+      s.ignores_nulls = true;
     } else {
-      Falla("PRIMARY, DISALLOW NULL o IGNORE NULL");
+      Fail("PRIMARY, DISALLOW NULL o IGNORE NULL");
     }
-  } while (Come(",") || Es("PRIMARY") || Es("DISALLOW") || Es("IGNORE"));
+  } while (Accept(",") || Is("PRIMARY") || Is("DISALLOW") || Is("IGNORE"));
   return s;
 }
 
-CrearVista Parser::LeerCrearVista() {
-  CrearVista s;
-  s.nombre = LeerNombre("el nombre de la consulta");
-  if (Es("(")) s.columnas = LeerListaDeNombres();
-  Espera("AS");
-  if (!EmpiezaConsulta()) Falla("SELECT");
-  const std::size_t inicio = i_;
-  s.consulta = LeerConsulta();
-  s.texto = TextoDesde(inicio);
+CreateView Parser::ReadCreateView() {
+  CreateView s;
+  s.name = ReadName("el nombre de la consulta");
+  if (Is("(")) s.columns = ReadNameList();
+  Expect("AS");
+  if (!StartsQuery()) Fail("SELECT");
+  const std::size_t start = i_;
+  s.query = ReadQuery();
+  s.text = TextFrom(start);
   return s;
 }
 
-Sentencia Parser::LeerCrear() {
-  if (Come("TABLE")) return LeerCrearTabla();
-  if (Come("INDEX")) return LeerCrearIndice(false);
-  if (Come("UNIQUE")) {
-    Espera("INDEX");
-    return LeerCrearIndice(true);
+Statement Parser::ReadCreate() {
+  if (Accept("TABLE")) return ReadCreateTable();
+  if (Accept("INDEX")) return ReadCreateIndex(false);
+  if (Accept("UNIQUE")) {
+    Expect("INDEX");
+    return ReadCreateIndex(true);
   }
-  if (Come("VIEW")) return LeerCrearVista();
-  if (Actual().clase == ClaseToken::Nombre) NoSeAdmite("CREATE " + std::string(Actual().texto));
-  Falla("TABLE, INDEX, UNIQUE INDEX o VIEW");
+  if (Accept("VIEW")) return ReadCreateView();
+  if (Current().kind == TokenKind::Name) FailUnsupported("CREATE " + std::string(Current().text));
+  Fail("TABLE, INDEX, UNIQUE INDEX o VIEW");
 }
 
 // A database keeps its definitions with their literals.
-Sentencia Parser::LeerDefinicion() {
-  modo_ = Literales::EnTexto;
-  if (Come("CREATE")) return LeerCrear();
-  if (Come("DROP")) return LeerQuitar();
-  Espera("ALTER");
-  return LeerAlterar();
+Statement Parser::ReadDefinition() {
+  mode_ = Literals::InText;
+  if (Accept("CREATE")) return ReadCreate();
+  if (Accept("DROP")) return ReadDrop();
+  Expect("ALTER");
+  return ReadAlter();
 }
 
-Quitar Parser::LeerQuitar() {
-  Quitar s;
-  if (Come("INDEX")) {
-    s.que = Quitar::Que::Indice;
-    s.nombre = LeerNombre("el nombre del índice");
-    Espera("ON");
-    s.tabla = LeerNombre("el nombre de la tabla");
+Drop Parser::ReadDrop() {
+  Drop s;
+  if (Accept("INDEX")) {
+    s.what = Drop::What::Index;
+    s.name = ReadName("el nombre del índice");
+    Expect("ON");
+    s.table = ReadName("el nombre de la tabla");
     return s;
   }
-  s.que = Es("VIEW") ? Quitar::Que::Vista : Quitar::Que::Tabla;
-  if (!Come("VIEW") && !Come("TABLE")) {
-    if (Actual().clase == ClaseToken::Nombre) NoSeAdmite("DROP " + std::string(Actual().texto));
-    Falla("TABLE, INDEX o VIEW");
+  s.what = Is("VIEW") ? Drop::What::View : Drop::What::Table;
+  if (!Accept("VIEW") && !Accept("TABLE")) {
+    if (Current().kind == TokenKind::Name) FailUnsupported("DROP " + std::string(Current().text));
+    Fail("TABLE, INDEX o VIEW");
   }
-  s.nombre = LeerNombre("un nombre");
+  s.name = ReadName("un nombre");
   return s;
 }
 
-AlterarTabla Parser::LeerAlterar() {
-  AlterarTabla s;
-  if (!Come("TABLE")) {
-    if (Actual().clase == ClaseToken::Nombre) NoSeAdmite("ALTER " + std::string(Actual().texto));
-    Falla("TABLE");
+AlterTable Parser::ReadAlter() {
+  AlterTable s;
+  if (!Accept("TABLE")) {
+    if (Current().kind == TokenKind::Name) FailUnsupported("ALTER " + std::string(Current().text));
+    Fail("TABLE");
   }
-  s.tabla = LeerNombre("el nombre de la tabla");
-  if (Come("ADD")) {
-    if (Es("CONSTRAINT") || (Es("PRIMARY") && Es("KEY", 1)) || (Es("FOREIGN") && Es("KEY", 1))) {
-      s.que = AlterarTabla::Que::AgregarRestriccion;
-      s.restriccion = LeerRestriccion();
+  s.table = ReadName("el nombre de la tabla");
+  if (Accept("ADD")) {
+    if (Is("CONSTRAINT") || (Is("PRIMARY") && Is("KEY", 1)) || (Is("FOREIGN") && Is("KEY", 1))) {
+      s.what = AlterTable::What::AddConstraint;
+      s.constraint = ReadConstraint();
       return s;
     }
-    Come("COLUMN");
-    s.columna = LeerColumna();
+    Accept("COLUMN");
+    s.column = ReadColumn();
     return s;
   }
-  if (Es("ALTER")) NoSeAdmite("Cambiar el tipo de una columna (ALTER COLUMN)");
-  Espera("DROP");
-  s.que = Come("CONSTRAINT") ? AlterarTabla::Que::QuitarRestriccion : AlterarTabla::Que::Quitar;
-  if (s.que == AlterarTabla::Que::Quitar) Come("COLUMN");
-  s.nombre = LeerNombre("un nombre");
+  if (Is("ALTER")) FailUnsupported("Cambiar el tipo de una columna (ALTER COLUMN)");
+  Expect("DROP");
+  s.what = Accept("CONSTRAINT") ? AlterTable::What::DropConstraint : AlterTable::What::Drop;
+  if (s.what == AlterTable::What::Drop) Accept("COLUMN");
+  s.name = ReadName("un nombre");
   return s;
 }
 

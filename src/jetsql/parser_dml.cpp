@@ -2,65 +2,65 @@
 
 namespace jetsql {
 
-std::vector<std::string> Parser::LeerListaDeNombres() {
-  std::vector<std::string> nombres;
-  Espera("(");
+std::vector<std::string> Parser::ReadNameList() {
+  std::vector<std::string> names;
+  Expect("(");
   do {
-    nombres.push_back(LeerNombre("el nombre de una columna"));
-    Count(nombres.size(), kMaxColumns, "Una lista de columnas");
-  } while (Come(","));
-  Espera(")");
-  return nombres;
+    names.push_back(ReadName("el nombre de una columna"));
+    Count(names.size(), kMaxColumns, "Una lista de columnas");
+  } while (Accept(","));
+  Expect(")");
+  return names;
 }
 
-Insercion Parser::LeerInsercion() {
-  Insercion s;
-  Espera("INTO");
-  s.tabla = LeerNombre("el nombre de una tabla");
-  if (Es("IN")) NoSeAdmite("Una tabla de otra base de datos (IN)");
-  if (Es("(") && !EmpiezaConsulta()) s.columnas = LeerListaDeNombres();
-  if (Come("VALUES")) {
-    Espera("(");
+Insert Parser::ReadInsert() {
+  Insert s;
+  Expect("INTO");
+  s.table = ReadName("el nombre de una tabla");
+  if (Is("IN")) FailUnsupported("Una tabla de otra base de datos (IN)");
+  if (Is("(") && !StartsQuery()) s.columns = ReadNameList();
+  if (Accept("VALUES")) {
+    Expect("(");
     do {
-      s.valores.push_back(LeerExpr());
-      Count(s.valores.size(), kMaxColumns, "VALUES");
-    } while (Come(","));
-    Espera(")");
+      s.values.push_back(ReadExpr());
+      Count(s.values.size(), kMaxColumns, "VALUES");
+    } while (Accept(","));
+    Expect(")");
     return s;
   }
-  if (!EmpiezaConsulta()) Falla("VALUES o SELECT");
-  s.consulta = LeerConsulta();
+  if (!StartsQuery()) Fail("VALUES o SELECT");
+  s.query = ReadQuery();
   return s;
 }
 
-Actualizacion Parser::LeerActualizacion() {
-  Actualizacion s;
-  Come("DISTINCTROW");
-  s.de = LeerDe();
-  Espera("SET");
+Update Parser::ReadUpdate() {
+  Update s;
+  Accept("DISTINCTROW");
+  s.from = ReadFrom();
+  Expect("SET");
   do {
-    Asignacion a;
-    a.columna = LeerNombreExpr();
-    if (a.columna->nodo != Nodo::Columna) Falla("el nombre de una columna");
-    Espera("=");
-    a.valor = LeerExpr();
-    s.cambios.push_back(std::move(a));
-    Count(s.cambios.size(), kMaxColumns, "SET");
-  } while (Come(","));
-  if (Come("WHERE")) s.donde = LeerExpr();
+    Assignment a;
+    a.column = ReadNameExpr();
+    if (a.column->node != Node::Column) Fail("el nombre de una columna");
+    Expect("=");
+    a.value = ReadExpr();
+    s.changes.push_back(std::move(a));
+    Count(s.changes.size(), kMaxColumns, "SET");
+  } while (Accept(","));
+  if (Accept("WHERE")) s.where = ReadExpr();
   return s;
 }
 
-Borrado Parser::LeerBorrado() {
-  Borrado s;
-  Come("DISTINCTROW");
-  if (!Come("*") && !Es("FROM")) {
-    s.objetivo = LeerNombreLibre("'*', FROM o una tabla");
-    if (Come(".") || Come("!")) Espera("*");
+Delete Parser::ReadDelete() {
+  Delete s;
+  Accept("DISTINCTROW");
+  if (!Accept("*") && !Is("FROM")) {
+    s.target = ReadAnyName("'*', FROM o una tabla");
+    if (Accept(".") || Accept("!")) Expect("*");
   }
-  Espera("FROM");
-  s.de = LeerDe();
-  if (Come("WHERE")) s.donde = LeerExpr();
+  Expect("FROM");
+  s.from = ReadFrom();
+  if (Accept("WHERE")) s.where = ReadExpr();
   return s;
 }
 

@@ -7,269 +7,268 @@ namespace jetsql {
 namespace {
 
 // Binding strength of the binary operators; the unary ones stand between.
-constexpr int kImp = 1, kEqv = 2, kXor = 3, kOr = 4, kAnd = 5, kNo = 6, kComparacion = 7, kConcat = 8,
-              kSuma = 9, kMod = 10, kDivEntera = 11, kPor = 12, kSigno = 13, kPotencia = 14;
+constexpr int kImp = 1, kEqv = 2, kXor = 3, kOr = 4, kAnd = 5, kNot = 6, kComparison = 7, kConcat = 8,
+              kSum = 9, kMod = 10, kIntDiv = 11, kMultiply = 12, kSign = 13, kPower = 14;
 
-struct OpBinario {
-  std::string_view texto;
+struct BinaryOp {
+  std::string_view text;
   Op op;
-  int fuerza;
+  int strength;
 };
 
-constexpr OpBinario kBinarios[] = {
+constexpr BinaryOp kBinaryOps[] = {
     {"IMP", Op::Imp, kImp},
     {"EQV", Op::Eqv, kEqv},
     {"XOR", Op::Xor, kXor},
     {"OR", Op::Or, kOr},
     {"AND", Op::And, kAnd},
-    {"=", Op::Igual, kComparacion},
-    {"<>", Op::Distinto, kComparacion},
-    {"<", Op::Menor, kComparacion},
-    {">", Op::Mayor, kComparacion},
-    {"<=", Op::MenorIgual, kComparacion},
-    {">=", Op::MayorIgual, kComparacion},
+    {"=", Op::Equal, kComparison},
+    {"<>", Op::NotEqual, kComparison},
+    {"<", Op::Less, kComparison},
+    {">", Op::Greater, kComparison},
+    {"<=", Op::LessOrEqual, kComparison},
+    {">=", Op::GreaterOrEqual, kComparison},
     {"&", Op::Concat, kConcat},
-    {"+", Op::Suma, kSuma},
-    {"-", Op::Resta, kSuma},
+    {"+", Op::Add, kSum},
+    {"-", Op::Subtract, kSum},
     {"MOD", Op::Mod, kMod},
-    {"\\", Op::DivEntera, kDivEntera},
-    {"*", Op::Por, kPor},
-    {"/", Op::Div, kPor},
-    {"^", Op::Potencia, kPotencia},
+    {"\\", Op::IntDiv, kIntDiv},
+    {"*", Op::Multiply, kMultiply},
+    {"/", Op::Div, kMultiply},
+    {"^", Op::Power, kPower},
 };
 
 // The collections of Access's own windows, "Forms!window!control".
-bool DeAccess(std::string_view nombre) {
-  return base::IgualSinCaso(nombre, "Forms") || base::IgualSinCaso(nombre, "Reports");
+bool IsOfAccess(std::string_view name) {
+  return base::EqualIgnoringCase(name, "Forms") || base::EqualIgnoringCase(name, "Reports");
 }
 
-std::string SinAccess(const std::string& referencia) {
-  return "La referencia " + referencia +
+std::string OutsideAccessText(const std::string& reference) {
+  return "La referencia " + reference +
          " a una ventana de Access no se admite: fuera de Access no tiene valor";
 }
 
 }  // namespace
 
-void Parser::Cerrar(Expr& e) const {
-  int mayor = 0;
-  for (const auto& h : e.hijos) mayor = std::max(mayor, h->altura);
-  e.altura = mayor + 1;
-  Alto(e.altura);
+void Parser::Close(Expr& e) const {
+  int largest = 0;
+  for (const auto& h : e.children) largest = std::max(largest, h->height);
+  e.height = largest + 1;
+  CheckHeight(e.height);
 }
 
-ExprPtr Parser::Unario(Op op, ExprPtr x) const {
-  auto e = std::make_shared<Expr>(Nodo::Unario);
+ExprPtr Parser::Unary(Op op, ExprPtr x) const {
+  auto e = std::make_shared<Expr>(Node::Unary);
   e->op = op;
-  e->hijos.push_back(std::move(x));
-  Cerrar(*e);
+  e->children.push_back(std::move(x));
+  Close(*e);
   return e;
 }
 
 // And, Or and & are held as one chain: a filter of a thousand dates is then a flat tree.
-ExprPtr Parser::Binario(Op op, ExprPtr a, ExprPtr b) const {
-  const bool cadena = op == Op::And || op == Op::Or || op == Op::Concat;
-  if (cadena && a->nodo == Nodo::Binario && a->op == op) {
-    const int altura = b->altura + 1;
-    a->hijos.push_back(std::move(b));
-    Count(a->hijos.size(), kMaxChain, "Una cadena de AND, OR o &");
-    if (altura > a->altura) {  // only the new operand is looked at: a chain may have thousands
-      a->altura = altura;
-      Alto(altura);
+ExprPtr Parser::Binary(Op op, ExprPtr a, ExprPtr b) const {
+  const bool chain = op == Op::And || op == Op::Or || op == Op::Concat;
+  if (chain && a->node == Node::Binary && a->op == op) {
+    const int height = b->height + 1;
+    a->children.push_back(std::move(b));
+    Count(a->children.size(), kMaxChain, "Una cadena de AND, OR o &");
+    if (height > a->height) {  // only the new operand is looked at: a chain may have thousands
+      a->height = height;
+      CheckHeight(height);
     }
     return a;
   }
-  auto e = std::make_shared<Expr>(Nodo::Binario);
+  auto e = std::make_shared<Expr>(Node::Binary);
   e->op = op;
-  e->hijos.push_back(std::move(a));
-  e->hijos.push_back(std::move(b));
-  Cerrar(*e);
+  e->children.push_back(std::move(a));
+  e->children.push_back(std::move(b));
+  Close(*e);
   return e;
 }
 
-ExprPtr Parser::LeerExpr(int minimo) {
-  const Nivel nivel(*this);
-  ExprPtr izquierda = LeerPrefijo();
+ExprPtr Parser::ReadExpr(int minimum) {
+  const Level level(*this);
+  ExprPtr left = ReadPrefix();
   for (;;) {
-    if (minimo <= kComparacion && LeerPredicadoPosfijo(izquierda)) continue;
-    const OpBinario* hallado = nullptr;
-    for (const auto& b : kBinarios)
-      if (b.fuerza >= minimo && Es(b.texto)) hallado = &b;
-    if (hallado == nullptr) return izquierda;
+    if (minimum <= kComparison && ReadPostfixPredicate(left)) continue;
+    const BinaryOp* found = nullptr;
+    for (const auto& b : kBinaryOps)
+      if (b.strength >= minimum && Is(b.text)) found = &b;
+    if (found == nullptr) return left;
     ++i_;
-    if (hallado->fuerza == kComparacion && (Es("ALL") || Es("ANY") || Es("SOME")) && Es("(", 1))
-      izquierda = LeerComparacion(std::move(izquierda), hallado->op);
+    if (found->strength == kComparison && (Is("ALL") || Is("ANY") || Is("SOME")) && Is("(", 1))
+      left = ReadComparison(std::move(left), found->op);
     else
-      izquierda = Binario(hallado->op, std::move(izquierda), LeerExpr(hallado->fuerza + 1));
+      left = Binary(found->op, std::move(left), ReadExpr(found->strength + 1));
   }
 }
 
-ExprPtr Parser::LeerComparacion(ExprPtr izquierda, Op op) {
-  auto e = std::make_shared<Expr>(Nodo::Cuantificada);
+ExprPtr Parser::ReadComparison(ExprPtr left, Op op) {
+  auto e = std::make_shared<Expr>(Node::Quantified);
   e->op = op;
-  e->todos = Es("ALL");
+  e->all = Is("ALL");
   ++i_;
-  Espera("(");
-  if (!EmpiezaConsulta()) Falla("SELECT");
-  e->hijos.push_back(std::move(izquierda));
-  e->consulta = LeerConsulta();
-  Espera(")");
-  Cerrar(*e);
+  Expect("(");
+  if (!StartsQuery()) Fail("SELECT");
+  e->children.push_back(std::move(left));
+  e->query = ReadQuery();
+  Expect(")");
+  Close(*e);
   return e;
 }
 
-ExprPtr Parser::LeerPrefijo() {
-  if (Come("NOT")) return Unario(Op::No, LeerExpr(kNo));
-  if (Come("-")) {
+ExprPtr Parser::ReadPrefix() {
+  if (Accept("NOT")) return Unary(Op::Not, ReadExpr(kNot));
+  if (Accept("-")) {
     // The minus of a literal binds before "^", that of anything else after it.
-    if (Actual().clase == ClaseToken::Entero || Actual().clase == ClaseToken::Real)
-      return Unario(Op::Menos, LeerLiteralExpr());
-    return Unario(Op::Menos, LeerExpr(kSigno));
+    if (Current().kind == TokenKind::Integer || Current().kind == TokenKind::Real)
+      return Unary(Op::Minus, ReadLiteralExpr());
+    return Unary(Op::Minus, ReadExpr(kSign));
   }
-  if (Come("+")) return Unario(Op::Mas, LeerExpr(kSigno));
-  return LeerPrimario();
+  if (Accept("+")) return Unary(Op::Plus, ReadExpr(kSign));
+  return ReadPrimary();
 }
 
 // IS, IN, BETWEEN and LIKE after an operand; false when none of them stands here.
-bool Parser::LeerPredicadoPosfijo(ExprPtr& x) {
-  if (Come("IS")) {
-    auto e = std::make_shared<Expr>(Nodo::EsNulo);
-    e->negado = Come("NOT");
-    Espera("NULL");
-    e->hijos.push_back(std::move(x));
-    Cerrar(*e);
+bool Parser::ReadPostfixPredicate(ExprPtr& x) {
+  if (Accept("IS")) {
+    auto e = std::make_shared<Expr>(Node::IsNull);
+    e->negated = Accept("NOT");
+    Expect("NULL");
+    e->children.push_back(std::move(x));
+    Close(*e);
     x = std::move(e);
     return true;
   }
-  const bool negado = Es("NOT");
-  const std::size_t detras = negado ? 1 : 0;
-  if (!Es("IN", detras) && !Es("BETWEEN", detras) && !Es("LIKE", detras)) return false;
-  i_ += detras;
-  if (Come("IN")) {
-    x = LeerEn(std::move(x), negado);
-  } else if (Come("BETWEEN")) {
-    x = LeerEntre(std::move(x), negado);
+  const bool negated = Is("NOT");
+  const std::size_t behind = negated ? 1 : 0;
+  if (!Is("IN", behind) && !Is("BETWEEN", behind) && !Is("LIKE", behind)) return false;
+  i_ += behind;
+  if (Accept("IN")) {
+    x = ReadIn(std::move(x), negated);
+  } else if (Accept("BETWEEN")) {
+    x = ReadBetween(std::move(x), negated);
   } else {
-    Espera("LIKE");
-    auto e = std::make_shared<Expr>(Nodo::Como);
-    e->negado = negado;
-    e->hijos.push_back(std::move(x));
-    e->hijos.push_back(LeerExpr(kConcat));
-    Cerrar(*e);
+    Expect("LIKE");
+    auto e = std::make_shared<Expr>(Node::Like);
+    e->negated = negated;
+    e->children.push_back(std::move(x));
+    e->children.push_back(ReadExpr(kConcat));
+    Close(*e);
     x = std::move(e);
   }
   return true;
 }
 
-ExprPtr Parser::LeerEn(ExprPtr x, bool negado) {
-  Espera("(");
-  const bool consulta = EmpiezaConsulta() && !Es("(");
-  auto e = std::make_shared<Expr>(consulta ? Nodo::EnConsulta : Nodo::EnLista);
-  e->negado = negado;
-  e->hijos.push_back(std::move(x));
-  if (consulta) {
-    e->consulta = LeerConsulta();
+ExprPtr Parser::ReadIn(ExprPtr x, bool negated) {
+  Expect("(");
+  const bool query = StartsQuery() && !Is("(");
+  auto e = std::make_shared<Expr>(query ? Node::InQuery : Node::InList);
+  e->negated = negated;
+  e->children.push_back(std::move(x));
+  if (query) {
+    e->query = ReadQuery();
   } else {
     do {
-      e->hijos.push_back(LeerExpr());
-      Count(e->hijos.size() - 1, kMaxListed, "La lista de IN");
-    } while (Come(","));
+      e->children.push_back(ReadExpr());
+      Count(e->children.size() - 1, kMaxListed, "La lista de IN");
+    } while (Accept(","));
   }
-  Espera(")");
-  Cerrar(*e);
+  Expect(")");
+  Close(*e);
   return e;
 }
 
-ExprPtr Parser::LeerEntre(ExprPtr x, bool negado) {
-  auto e = std::make_shared<Expr>(Nodo::Entre);
-  e->negado = negado;
-  e->hijos.push_back(std::move(x));
-  e->hijos.push_back(LeerExpr(kConcat));
-  Espera("AND");
-  e->hijos.push_back(LeerExpr(kConcat));
-  Cerrar(*e);
+ExprPtr Parser::ReadBetween(ExprPtr x, bool negated) {
+  auto e = std::make_shared<Expr>(Node::Between);
+  e->negated = negated;
+  e->children.push_back(std::move(x));
+  e->children.push_back(ReadExpr(kConcat));
+  Expect("AND");
+  e->children.push_back(ReadExpr(kConcat));
+  Close(*e);
   return e;
 }
 
-ExprPtr Parser::LeerLiteralExpr() {
-  const Lexema& l = Actual();
-  auto e = std::make_shared<Expr>(Nodo::Literal);
-  if (!LeerLiteral(l.clase, l.texto, e->literal)) {
-    FallaEn(l.inicio, l.clase == ClaseToken::Fecha
-                          ? "Error de sintaxis en la fecha " + std::string(l.texto)
-                          : "El número " + std::string(l.texto) + " es demasiado grande");
+ExprPtr Parser::ReadLiteralExpr() {
+  const Lexeme& l = Current();
+  auto e = std::make_shared<Expr>(Node::Literal);
+  if (!ReadLiteral(l.kind, l.text, e->literal)) {
+    FailAt(l.start, l.kind == TokenKind::Date ? "Error de sintaxis en la fecha " + std::string(l.text)
+                                              : "El número " + std::string(l.text) + " es demasiado grande");
   }
-  if (modo_ == Literales::Numerados) e->indice = l.literal;
+  if (mode_ == Literals::Numbered) e->index = l.literal;
   ++i_;
   return e;
 }
 
-ExprPtr Parser::LeerPrimario() {
-  const Lexema& l = Actual();
-  if (EsLiteral(l.clase)) return LeerLiteralExpr();
-  if (Es("(")) {
+ExprPtr Parser::ReadPrimary() {
+  const Lexeme& l = Current();
+  if (IsLiteral(l.kind)) return ReadLiteralExpr();
+  if (Is("(")) {
     ++i_;
     ExprPtr e;
-    if (EmpiezaConsulta() && !Es("(")) {
-      e = std::make_shared<Expr>(Nodo::Subconsulta);
-      e->consulta = LeerConsulta();
+    if (StartsQuery() && !Is("(")) {
+      e = std::make_shared<Expr>(Node::Subquery);
+      e->query = ReadQuery();
     } else {
-      e = LeerExpr();
+      e = ReadExpr();
     }
-    Espera(")");
+    Expect(")");
     return e;
   }
-  if (Come("TRUE")) return std::make_shared<Expr>(Nodo::Verdadero);
-  if (Come("FALSE")) return std::make_shared<Expr>(Nodo::Falso);
-  if (Come("NULL")) return std::make_shared<Expr>(Nodo::Nulo);
-  if (Come("EXISTS")) {
-    auto e = std::make_shared<Expr>(Nodo::Existe);
-    Espera("(");
-    if (!EmpiezaConsulta()) Falla("SELECT");
-    e->consulta = LeerConsulta();
-    Espera(")");
+  if (Accept("TRUE")) return std::make_shared<Expr>(Node::True);
+  if (Accept("FALSE")) return std::make_shared<Expr>(Node::False);
+  if (Accept("NULL")) return std::make_shared<Expr>(Node::Null);
+  if (Accept("EXISTS")) {
+    auto e = std::make_shared<Expr>(Node::Exists);
+    Expect("(");
+    if (!StartsQuery()) Fail("SELECT");
+    e->query = ReadQuery();
+    Expect(")");
     return e;
   }
-  if ((Es("LEFT") || Es("RIGHT")) && Es("(", 1)) return LeerLlamada(LeerNombreLibre("una función"));
-  if (EsNombre()) return LeerNombreExpr();
-  Falla("una expresión");
+  if ((Is("LEFT") || Is("RIGHT")) && Is("(", 1)) return ReadCall(ReadAnyName("una función"));
+  if (IsName()) return ReadNameExpr();
+  Fail("una expresión");
 }
 
-ExprPtr Parser::LeerNombreExpr() {
-  const bool palabra = Actual().clase == ClaseToken::Nombre;
-  const std::size_t inicio = Actual().inicio;
-  std::string nombre = LeerNombreLibre("un nombre");
-  if (palabra && Es("(")) return LeerLlamada(std::move(nombre));
-  auto e = std::make_shared<Expr>(Nodo::Columna);
-  if (Come(".") || Come("!")) {
-    e->calificador = std::move(nombre);
-    e->nombre = LeerNombreLibre("el nombre de una columna");
-    if (Es(".") || Es("!")) {
-      if (DeAccess(e->calificador)) FallaEn(inicio, SinAccess(e->calificador + "!" + e->nombre + "!…"));
-      Falla("un operador");
+ExprPtr Parser::ReadNameExpr() {
+  const bool word = Current().kind == TokenKind::Name;
+  const std::size_t start = Current().start;
+  std::string name = ReadAnyName("un nombre");
+  if (word && Is("(")) return ReadCall(std::move(name));
+  auto e = std::make_shared<Expr>(Node::Column);
+  if (Accept(".") || Accept("!")) {
+    e->qualifier = std::move(name);
+    e->name = ReadAnyName("el nombre de una columna");
+    if (Is(".") || Is("!")) {
+      if (IsOfAccess(e->qualifier)) FailAt(start, OutsideAccessText(e->qualifier + "!" + e->name + "!…"));
+      Fail("un operador");
     }
   } else {
-    e->nombre = std::move(nombre);
-    e->parametro = EsParametro(*e);
+    e->name = std::move(name);
+    e->parameter = IsParameter(*e);
   }
   return e;
 }
 
-ExprPtr Parser::LeerLlamada(std::string nombre) {
-  auto e = std::make_shared<Expr>(Nodo::Llamada);
-  e->nombre = std::move(nombre);
-  Espera("(");
-  if (Es("*") && Es(")", 1)) {
+ExprPtr Parser::ReadCall(std::string name) {
+  auto e = std::make_shared<Expr>(Node::Call);
+  e->name = std::move(name);
+  Expect("(");
+  if (Is("*") && Is(")", 1)) {
     ++i_;
-    e->hijos.push_back(std::make_shared<Expr>(Nodo::Estrella));
-  } else if (!Es(")")) {
-    e->distinto = Come("DISTINCT");
+    e->children.push_back(std::make_shared<Expr>(Node::Star));
+  } else if (!Is(")")) {
+    e->distinct = Accept("DISTINCT");
     do {
-      e->hijos.push_back(LeerExpr());
-      Count(e->hijos.size(), kMaxColumns, "Una función");
-    } while (Come(","));
+      e->children.push_back(ReadExpr());
+      Count(e->children.size(), kMaxColumns, "Una función");
+    } while (Accept(","));
   }
-  Espera(")");
-  Cerrar(*e);
+  Expect(")");
+  Close(*e);
   return e;
 }
 

@@ -19,113 +19,113 @@ inline constexpr int kMaxChain = 10'000;   // conditions joined by AND, or by OR
 
 class Parser {
  public:
-  Parser(std::string_view sql, Literales literales);
-  Sentencia LeerSentencia();
+  Parser(std::string_view sql, Literals literals);
+  Statement ReadStatement();
 
  private:
-  struct Lexema {
-    ClaseToken clase;
-    std::string_view texto;
-    std::size_t inicio;
+  struct Lexeme {
+    TokenKind kind;
+    std::string_view text;
+    std::size_t start;
     int literal;              // its index among the literals
     std::size_t closing = 0;  // of "(": the token behind its ")"
   };
 
   // Tokens (parser.cpp).
-  const Lexema& Actual() const { return lexemas_[i_]; }
-  const Lexema& Mirar(std::size_t adelante) const;
-  bool Es(std::string_view palabra_o_signo, std::size_t adelante = 0) const;
-  bool Come(std::string_view palabra_o_signo);
-  void Espera(std::string_view palabra_o_signo);
-  bool EsNombre(std::size_t adelante = 0) const;  // a name that needs no brackets, or one in brackets
-  std::string LeerNombre(std::string_view que);
-  std::string LeerNombreLibre(std::string_view que);  // after AS or ".": any word
-  int LeerEnteroChico(std::string_view que);
-  [[noreturn]] void Falla(std::string_view se_esperaba) const;
-  [[noreturn]] void FallaEn(std::size_t byte, std::string_view descripcion) const;
-  [[noreturn]] void NoSeAdmite(std::string_view que) const;
-  void LeerParametros();
-  bool EsParametro(const Expr& columna) const;
-  void Alto(int altura) const;  // throws when a tree is too high
+  const Lexeme& Current() const { return lexemes_[i_]; }
+  const Lexeme& Peek(std::size_t ahead) const;
+  bool Is(std::string_view word_or_sign, std::size_t ahead = 0) const;
+  bool Accept(std::string_view word_or_sign);
+  void Expect(std::string_view word_or_sign);
+  bool IsName(std::size_t ahead = 0) const;  // a name that needs no brackets, or one in brackets
+  std::string ReadName(std::string_view what);
+  std::string ReadAnyName(std::string_view what);  // after AS or ".": any word
+  int ReadSmallInteger(std::string_view what);
+  [[noreturn]] void Fail(std::string_view expected) const;
+  [[noreturn]] void FailAt(std::size_t byte, std::string_view description) const;
+  [[noreturn]] void FailUnsupported(std::string_view what) const;
+  void ReadParameters();
+  bool IsParameter(const Expr& column) const;
+  void CheckHeight(int height) const;  // throws when a tree is too high
   void PairBrackets();
   // Throws when a list that grew to `count` has one too many: "… no puede tener más de …".
   void Count(std::size_t count, int most, std::string_view what) const;
-  void RefuseIntoElsewhere(const Sentencia& s) const;
-  std::string TextoDesde(std::size_t lexema) const;
+  void RefuseIntoElsewhere(const Statement& s) const;
+  std::string TextFrom(std::size_t lexeme) const;
 
-  class Nivel;  // counts the recursion
+  class Level;  // counts the recursion
 
   // SELECT (parser_select.cpp).
-  bool EmpiezaConsulta(std::size_t adelante = 0) const;
-  ConsultaPtr LeerConsulta();
-  ConsultaPtr LeerCruce();
-  Seleccion LeerParte();
-  Seleccion LeerSeleccion();
-  void LeerPredicado(Seleccion& s);
-  ItemLista LeerItem();
-  void LeerOrden(std::vector<ItemOrden>& orden);
-  std::vector<RamaPtr> LeerDe();
-  RamaPtr LeerRama();
-  RamaPtr LeerHoja();
-  bool AbreConsultaDerivada() const;
-  bool LeerTipoUnion(TipoUnion& tipo);
-  std::string LeerAliasDeTabla();
-  RamaPtr Hoja(std::unique_ptr<Fuente> fuente) const;
+  bool StartsQuery(std::size_t ahead = 0) const;
+  QueryPtr ReadQuery();
+  QueryPtr ReadCrosstab();
+  Select ReadPart();
+  Select ReadSelect();
+  void ReadPredicate(Select& s);
+  ListItem ReadItem();
+  void ReadOrder(std::vector<OrderItem>& order);
+  std::vector<BranchPtr> ReadFrom();
+  BranchPtr ReadBranch();
+  BranchPtr ReadLeaf();
+  bool OpensDerivedTable() const;
+  bool ReadJoinType(JoinType& type);
+  std::string ReadTableAlias();
+  BranchPtr Leaf(std::unique_ptr<Source> source) const;
 
   // Expressions (parser_expr.cpp).
-  ExprPtr LeerExpr(int minimo = 0);
-  ExprPtr LeerPrefijo();
-  ExprPtr LeerPrimario();
-  ExprPtr LeerLiteralExpr();
-  ExprPtr LeerNombreExpr();
-  ExprPtr LeerLlamada(std::string nombre);
-  ExprPtr LeerComparacion(ExprPtr izquierda, Op op);
-  bool LeerPredicadoPosfijo(ExprPtr& izquierda);
-  ExprPtr LeerEn(ExprPtr x, bool negado);
-  ExprPtr LeerEntre(ExprPtr x, bool negado);
-  ExprPtr Unario(Op op, ExprPtr x) const;
-  ExprPtr Binario(Op op, ExprPtr a, ExprPtr b) const;
-  void Cerrar(Expr& e) const;  // its height
+  ExprPtr ReadExpr(int minimum = 0);
+  ExprPtr ReadPrefix();
+  ExprPtr ReadPrimary();
+  ExprPtr ReadLiteralExpr();
+  ExprPtr ReadNameExpr();
+  ExprPtr ReadCall(std::string name);
+  ExprPtr ReadComparison(ExprPtr left, Op op);
+  bool ReadPostfixPredicate(ExprPtr& left);
+  ExprPtr ReadIn(ExprPtr x, bool negated);
+  ExprPtr ReadBetween(ExprPtr x, bool negated);
+  ExprPtr Unary(Op op, ExprPtr x) const;
+  ExprPtr Binary(Op op, ExprPtr a, ExprPtr b) const;
+  void Close(Expr& e) const;  // its height
 
   // Changes (parser_dml.cpp).
-  Insercion LeerInsercion();
-  Actualizacion LeerActualizacion();
-  Borrado LeerBorrado();
-  std::vector<std::string> LeerListaDeNombres();
+  Insert ReadInsert();
+  Update ReadUpdate();
+  Delete ReadDelete();
+  std::vector<std::string> ReadNameList();
 
   // Definitions (parser_ddl.cpp).
-  Sentencia LeerDefinicion();
-  Sentencia LeerCrear();
-  CrearTabla LeerCrearTabla();
-  CrearIndice LeerCrearIndice(bool unico);
-  CrearVista LeerCrearVista();
-  DefColumna LeerColumna();
-  void LeerTipo(DefColumna& c);
-  void LeerRestriccionesDeColumna(DefColumna& c);
-  Restriccion LeerRestriccion();
-  Referencia LeerReferencia();
-  Quitar LeerQuitar();
-  AlterarTabla LeerAlterar();
+  Statement ReadDefinition();
+  Statement ReadCreate();
+  CreateTable ReadCreateTable();
+  CreateIndex ReadCreateIndex(bool unique);
+  CreateView ReadCreateView();
+  ColumnDefinition ReadColumn();
+  void ReadType(ColumnDefinition& c);
+  void ReadColumnConstraints(ColumnDefinition& c);
+  Constraint ReadConstraint();
+  Reference ReadReference();
+  Drop ReadDrop();
+  AlterTable ReadAlter();
 
   std::string_view sql_;
-  Literales modo_;
-  std::vector<Lexema> lexemas_;
+  Literals mode_;
+  std::vector<Lexeme> lexemes_;
   std::size_t i_ = 0;
-  int nivel_ = 0;
-  std::vector<std::string> parametros_;    // the names that PARAMETERS declares
+  int level_ = 0;
+  std::vector<std::string> parameters_;    // the names that PARAMETERS declares
   std::size_t intos_ = 0, last_into_ = 0;  // SELECT … INTO met so far, and where the last one stands
 };
 
 // One step down into a text; too many end in an error, not in the end of the stack.
-class Parser::Nivel {
+class Parser::Level {
  public:
-  explicit Nivel(Parser& p) : p_(p) {
-    p_.nivel_++;
-    p_.Alto(p_.nivel_ * 2);  // a step takes more of the stack than a node of a tree
+  explicit Level(Parser& p) : p_(p) {
+    p_.level_++;
+    p_.CheckHeight(p_.level_ * 2);  // a step takes more of the stack than a node of a tree
   }
-  ~Nivel() { p_.nivel_--; }
-  Nivel(const Nivel&) = delete;
-  Nivel& operator=(const Nivel&) = delete;
+  ~Level() { p_.level_--; }
+  Level(const Level&) = delete;
+  Level& operator=(const Level&) = delete;
 
  private:
   Parser& p_;

@@ -3,236 +3,236 @@
 
 namespace jetsql {
 
-bool Parser::EmpiezaConsulta(std::size_t adelante) const {
-  for (int open = 0; Es("(", adelante); ++adelante)
+bool Parser::StartsQuery(std::size_t ahead) const {
+  for (int open = 0; Is("(", ahead); ++ahead)
     if (++open > kMaxColumns) return false;  // more than may nest: refused as brackets
-  return Es("SELECT", adelante) || (Es("TABLE", adelante) && EsNombre(adelante + 1));
+  return Is("SELECT", ahead) || (Is("TABLE", ahead) && IsName(ahead + 1));
 }
 
-ConsultaPtr Parser::LeerConsulta() {
-  const Nivel nivel(*this);
-  auto c = std::make_unique<Consulta>();
-  c->partes.push_back(LeerParte());
-  while (Come("UNION")) {
-    c->todas.push_back(Come("ALL"));
-    c->partes.push_back(LeerParte());
-    Alto(static_cast<int>(c->partes.size()));
+QueryPtr Parser::ReadQuery() {
+  const Level level(*this);
+  auto c = std::make_unique<Query>();
+  c->parts.push_back(ReadPart());
+  while (Accept("UNION")) {
+    c->all.push_back(Accept("ALL"));
+    c->parts.push_back(ReadPart());
+    CheckHeight(static_cast<int>(c->parts.size()));
   }
-  if (Come("ORDER")) LeerOrden(c->orden);
+  if (Accept("ORDER")) ReadOrder(c->order);
   return c;
 }
 
 // Behind TRANSFORM. "PIVOT x IN (…)" reads as a predicate, whose list is the columns.
-ConsultaPtr Parser::LeerCruce() {
-  auto cruce = std::make_unique<Cruce>();
-  cruce->valor = LeerExpr();
-  if (Come("AS")) LeerNombreLibre("un nombre");
-  if (!EmpiezaConsulta()) Falla("SELECT");
-  ConsultaPtr c = LeerConsulta();
-  if (c->partes.size() > 1) NoSeAdmite("Una unión dentro de TRANSFORM");
-  Espera("PIVOT");
-  cruce->pivote = LeerExpr();
-  if (cruce->pivote->nodo == Nodo::EnLista && !cruce->pivote->negado) {
-    const ExprPtr predicado = cruce->pivote;
-    cruce->pivote = predicado->hijos[0];
-    cruce->lista.assign(predicado->hijos.begin() + 1, predicado->hijos.end());
-    cruce->con_lista = true;
+QueryPtr Parser::ReadCrosstab() {
+  auto crosstab = std::make_unique<Crosstab>();
+  crosstab->value = ReadExpr();
+  if (Accept("AS")) ReadAnyName("un nombre");
+  if (!StartsQuery()) Fail("SELECT");
+  QueryPtr c = ReadQuery();
+  if (c->parts.size() > 1) FailUnsupported("Una unión dentro de TRANSFORM");
+  Expect("PIVOT");
+  crosstab->pivot = ReadExpr();
+  if (crosstab->pivot->node == Node::InList && !crosstab->pivot->negated) {
+    const ExprPtr predicate = crosstab->pivot;
+    crosstab->pivot = predicate->children[0];
+    crosstab->list.assign(predicate->children.begin() + 1, predicate->children.end());
+    crosstab->has_list = true;
   }
-  c->cruce = std::move(cruce);
+  c->crosstab = std::move(crosstab);
   return c;
 }
 
 // A part of a union in brackets keeps its own order and union inside.
-Seleccion Parser::LeerParte() {
-  if (!Es("(")) return LeerSeleccion();
-  const Nivel nivel(*this);
-  Espera("(");
-  ConsultaPtr dentro = LeerConsulta();
-  Espera(")");
-  if (dentro->partes.size() == 1 && dentro->orden.empty()) return std::move(dentro->partes.front());
-  Seleccion s;
-  s.lista.emplace_back();
-  auto fuente = std::make_unique<Fuente>();
-  fuente->consulta = std::move(dentro);
-  s.de.push_back(Hoja(std::move(fuente)));
+Select Parser::ReadPart() {
+  if (!Is("(")) return ReadSelect();
+  const Level level(*this);
+  Expect("(");
+  QueryPtr inside = ReadQuery();
+  Expect(")");
+  if (inside->parts.size() == 1 && inside->order.empty()) return std::move(inside->parts.front());
+  Select s;
+  s.list.emplace_back();
+  auto source = std::make_unique<Source>();
+  source->query = std::move(inside);
+  s.from.push_back(Leaf(std::move(source)));
   return s;
 }
 
-Seleccion Parser::LeerSeleccion() {
-  Seleccion s;
-  if (Come("TABLE")) {
-    s.lista.emplace_back();
-    s.de.push_back(LeerHoja());
+Select Parser::ReadSelect() {
+  Select s;
+  if (Accept("TABLE")) {
+    s.list.emplace_back();
+    s.from.push_back(ReadLeaf());
     return s;
   }
-  if (!Come("SELECT")) Falla("SELECT");
-  LeerPredicado(s);
+  if (!Accept("SELECT")) Fail("SELECT");
+  ReadPredicate(s);
   do {
-    s.lista.push_back(LeerItem());
-    Count(s.lista.size(), kMaxColumns, "La lista de una consulta");
-  } while (Come(","));
-  if (Es("INTO")) {
+    s.list.push_back(ReadItem());
+    Count(s.list.size(), kMaxColumns, "La lista de una consulta");
+  } while (Accept(","));
+  if (Is("INTO")) {
     ++intos_;
-    last_into_ = Actual().inicio;
+    last_into_ = Current().start;
     ++i_;
-    s.destino = LeerNombre("el nombre de la tabla nueva");
-    if (Es("IN")) NoSeAdmite("Una tabla de otra base de datos (IN)");
+    s.target = ReadName("el nombre de la tabla nueva");
+    if (Is("IN")) FailUnsupported("Una tabla de otra base de datos (IN)");
   }
-  if (Come("FROM")) s.de = LeerDe();
-  if (Come("WHERE")) s.donde = LeerExpr();
-  if (Come("GROUP")) {
-    Espera("BY");
+  if (Accept("FROM")) s.from = ReadFrom();
+  if (Accept("WHERE")) s.where = ReadExpr();
+  if (Accept("GROUP")) {
+    Expect("BY");
     do {
-      s.grupo.push_back(LeerExpr());
-      Count(s.grupo.size(), kMaxColumns, "GROUP BY");
-    } while (Come(","));
+      s.group.push_back(ReadExpr());
+      Count(s.group.size(), kMaxColumns, "GROUP BY");
+    } while (Accept(","));
   }
-  if (Come("HAVING")) s.teniendo = LeerExpr();
+  if (Accept("HAVING")) s.having = ReadExpr();
   return s;
 }
 
-void Parser::LeerPredicado(Seleccion& s) {
-  if (Come("DISTINCT"))
-    s.distincion = Distincion::Distinct;
-  else if (Come("DISTINCTROW"))
-    s.distincion = Distincion::DistinctRow;
+void Parser::ReadPredicate(Select& s) {
+  if (Accept("DISTINCT"))
+    s.distinctness = Distinctness::Distinct;
+  else if (Accept("DISTINCTROW"))
+    s.distinctness = Distinctness::DistinctRow;
   else
-    Come("ALL");
-  if (!Come("TOP")) return;
-  if (Actual().clase != ClaseToken::Entero) Falla("un número entero después de TOP");
-  s.tope = LeerLiteralExpr();
-  s.tope_por_ciento = Come("PERCENT");
+    Accept("ALL");
+  if (!Accept("TOP")) return;
+  if (Current().kind != TokenKind::Integer) Fail("un número entero después de TOP");
+  s.limit = ReadLiteralExpr();
+  s.limit_is_percent = Accept("PERCENT");
 }
 
-ItemLista Parser::LeerItem() {
-  ItemLista item;
-  if (Come("*")) return item;
-  const bool con_nombre = Actual().clase == ClaseToken::Nombre || Actual().clase == ClaseToken::Corchetes;
-  if (con_nombre && (Es(".", 1) || Es("!", 1)) && Es("*", 2)) {
-    item.calificador = LeerNombreLibre("un nombre");
+ListItem Parser::ReadItem() {
+  ListItem item;
+  if (Accept("*")) return item;
+  const bool has_name = Current().kind == TokenKind::Name || Current().kind == TokenKind::Brackets;
+  if (has_name && (Is(".", 1) || Is("!", 1)) && Is("*", 2)) {
+    item.qualifier = ReadAnyName("un nombre");
     i_ += 2;
     return item;
   }
-  item.expr = LeerExpr();
-  if (Come("AS")) item.alias = LeerNombreLibre("el nombre de la columna");
+  item.expr = ReadExpr();
+  if (Accept("AS")) item.alias = ReadAnyName("el nombre de la columna");
   return item;
 }
 
-void Parser::LeerOrden(std::vector<ItemOrden>& orden) {
-  Espera("BY");
+void Parser::ReadOrder(std::vector<OrderItem>& order) {
+  Expect("BY");
   do {
-    ItemOrden item;
-    item.expr = LeerExpr();
-    if (Come("DESC"))
-      item.descendente = true;
+    OrderItem item;
+    item.expr = ReadExpr();
+    if (Accept("DESC"))
+      item.descending = true;
     else
-      Come("ASC");
-    orden.push_back(std::move(item));
-    Count(orden.size(), kMaxColumns, "ORDER BY");
-  } while (Come(","));
+      Accept("ASC");
+    order.push_back(std::move(item));
+    Count(order.size(), kMaxColumns, "ORDER BY");
+  } while (Accept(","));
 }
 
-std::vector<RamaPtr> Parser::LeerDe() {
-  std::vector<RamaPtr> de;
+std::vector<BranchPtr> Parser::ReadFrom() {
+  std::vector<BranchPtr> from;
   do {
-    de.push_back(LeerRama());
-    Count(de.size(), kMaxTables, "FROM");
-  } while (Come(","));
-  if (Es("IN")) NoSeAdmite("Una tabla de otra base de datos (IN)");
-  return de;
+    from.push_back(ReadBranch());
+    Count(from.size(), kMaxTables, "FROM");
+  } while (Accept(","));
+  if (Is("IN")) FailUnsupported("Una tabla de otra base de datos (IN)");
+  return from;
 }
 
-bool Parser::LeerTipoUnion(TipoUnion& tipo) {
-  if (Es("INNER") || Es("JOIN")) {
-    Come("INNER");
-    tipo = TipoUnion::Interna;
-  } else if (Es("LEFT") || Es("RIGHT")) {
-    tipo = Es("LEFT") ? TipoUnion::Izquierda : TipoUnion::Derecha;
+bool Parser::ReadJoinType(JoinType& type) {
+  if (Is("INNER") || Is("JOIN")) {
+    Accept("INNER");
+    type = JoinType::Inner;
+  } else if (Is("LEFT") || Is("RIGHT")) {
+    type = Is("LEFT") ? JoinType::Left : JoinType::Right;
     ++i_;
-    Come("OUTER");
+    Accept("OUTER");
   } else {
     return false;
   }
-  Espera("JOIN");
+  Expect("JOIN");
   return true;
 }
 
-RamaPtr Parser::LeerRama() {
-  const Nivel nivel(*this);
-  RamaPtr rama = LeerHoja();
-  TipoUnion tipo{};
-  while (LeerTipoUnion(tipo)) {
-    auto nueva = std::make_unique<Rama>();
-    nueva->tipo = tipo;
-    nueva->izquierda = std::move(rama);
-    nueva->derecha = LeerHoja();
-    Espera("ON");
-    nueva->condicion = LeerExpr();
-    nueva->altura = 1 + std::max(nueva->izquierda->altura, nueva->derecha->altura);
-    Alto(nueva->altura);
-    rama = std::move(nueva);
+BranchPtr Parser::ReadBranch() {
+  const Level level(*this);
+  BranchPtr branch = ReadLeaf();
+  JoinType type{};
+  while (ReadJoinType(type)) {
+    auto fresh = std::make_unique<Branch>();
+    fresh->type = type;
+    fresh->left = std::move(branch);
+    fresh->right = ReadLeaf();
+    Expect("ON");
+    fresh->condition = ReadExpr();
+    fresh->height = 1 + std::max(fresh->left->height, fresh->right->height);
+    CheckHeight(fresh->height);
+    branch = std::move(fresh);
   }
-  return rama;
+  return branch;
 }
 
-RamaPtr Parser::Hoja(std::unique_ptr<Fuente> fuente) const {
-  auto rama = std::make_unique<Rama>();
-  rama->hoja = std::move(fuente);
-  return rama;
+BranchPtr Parser::Leaf(std::unique_ptr<Source> source) const {
+  auto branch = std::make_unique<Branch>();
+  branch->leaf = std::move(source);
+  return branch;
 }
 
-std::string Parser::LeerAliasDeTabla() {
-  if (Come("AS")) return LeerNombreLibre("el alias de la tabla");
-  return EsNombre() ? LeerNombreLibre("el alias de la tabla") : std::string();
+std::string Parser::ReadTableAlias() {
+  if (Accept("AS")) return ReadAnyName("el alias de la tabla");
+  return IsName() ? ReadAnyName("el alias de la tabla") : std::string();
 }
 
 // At "(": whether it opens a derived table. "((SELECT …) AS a INNER JOIN …)" opens a join tree, while
 // "((SELECT …) UNION SELECT …)" opens a derived table: what follows the inner bracket decides.
-bool Parser::AbreConsultaDerivada() const {
-  if (!Es("(", 1)) return EmpiezaConsulta(1);
-  if (!EmpiezaConsulta(1)) return false;
-  return Es("UNION", Mirar(1).closing - i_);
+bool Parser::OpensDerivedTable() const {
+  if (!Is("(", 1)) return StartsQuery(1);
+  if (!StartsQuery(1)) return false;
+  return Is("UNION", Peek(1).closing - i_);
 }
 
-RamaPtr Parser::LeerHoja() {
-  if (Es("(")) {
-    const Nivel nivel(*this);
-    const bool derivada = AbreConsultaDerivada();
-    Espera("(");
-    if (!derivada) {
-      RamaPtr rama = LeerRama();
-      Espera(")");
-      return rama;
+BranchPtr Parser::ReadLeaf() {
+  if (Is("(")) {
+    const Level level(*this);
+    const bool derived = OpensDerivedTable();
+    Expect("(");
+    if (!derived) {
+      BranchPtr branch = ReadBranch();
+      Expect(")");
+      return branch;
     }
-    auto fuente = std::make_unique<Fuente>();
-    fuente->consulta = LeerConsulta();
-    Espera(")");
-    fuente->alias = LeerAliasDeTabla();
-    return Hoja(std::move(fuente));
+    auto source = std::make_unique<Source>();
+    source->query = ReadQuery();
+    Expect(")");
+    source->alias = ReadTableAlias();
+    return Leaf(std::move(source));
   }
-  auto fuente = std::make_unique<Fuente>();
-  const Lexema inicio = Actual();
-  std::string nombre = LeerNombre("una tabla o consulta");
-  if (inicio.clase == ClaseToken::Corchetes && Es(".")) {
+  auto source = std::make_unique<Source>();
+  const Lexeme start = Current();
+  std::string name = ReadName("una tabla o consulta");
+  if (start.kind == TokenKind::Brackets && Is(".")) {
     // The old spelling of a derived table: [SELECT …]. AS d
-    const std::string_view dentro = base::TrimVista(nombre);
-    if (!base::EmpiezaCon(dentro, "SELECT", base::Comparar::SinCaso))
-      FallaEn(inicio.inicio, "Una tabla de otra base de datos no se admite");
+    const std::string_view inside = base::TrimView(name);
+    if (!base::StartsWith(inside, "SELECT", base::Compare::IgnoringCase))
+      FailAt(start.start, "Una tabla de otra base de datos no se admite");
     ++i_;
-    const Nivel nivel(*this);
-    Parser interno(dentro, Literales::EnTexto);  // its literals are part of the name in the shape
-    interno.nivel_ = nivel_;
-    Sentencia s = interno.LeerSentencia();
-    fuente->consulta = std::move(std::get<ConsultaPtr>(s));
-    if (!fuente->consulta->partes[0].destino.empty()) {
+    const Level level(*this);
+    Parser inner(inside, Literals::InText);  // its literals are part of the name in the shape
+    inner.level_ = level_;
+    Statement s = inner.ReadStatement();
+    source->query = std::move(std::get<QueryPtr>(s));
+    if (!source->query->parts[0].target.empty()) {
       ++intos_;
-      last_into_ = inicio.inicio;
+      last_into_ = start.start;
     }
   } else {
-    fuente->nombre = std::move(nombre);
+    source->name = std::move(name);
   }
-  fuente->alias = LeerAliasDeTabla();
-  return Hoja(std::move(fuente));
+  source->alias = ReadTableAlias();
+  return Leaf(std::move(source));
 }
 
 }  // namespace jetsql

@@ -8,12 +8,12 @@
 namespace jetsql {
 namespace {
 
-struct OpTexto {
-  std::string_view texto;
-  int fuerza;
+struct OpText {
+  std::string_view text;
+  int strength;
 };
 
-OpTexto DeOp(Op op) {
+OpText DescribeOp(Op op) {
   switch (op) {
     case Op::Imp:
       return {"IMP", 1};
@@ -25,109 +25,109 @@ OpTexto DeOp(Op op) {
       return {"OR", 4};
     case Op::And:
       return {"AND", 5};
-    case Op::No:
+    case Op::Not:
       return {"NOT", 6};
-    case Op::Igual:
+    case Op::Equal:
       return {"=", 7};
-    case Op::Distinto:
+    case Op::NotEqual:
       return {"<>", 7};
-    case Op::Menor:
+    case Op::Less:
       return {"<", 7};
-    case Op::Mayor:
+    case Op::Greater:
       return {">", 7};
-    case Op::MenorIgual:
+    case Op::LessOrEqual:
       return {"<=", 7};
-    case Op::MayorIgual:
+    case Op::GreaterOrEqual:
       return {">=", 7};
     case Op::Concat:
       return {"&", 8};
-    case Op::Suma:
+    case Op::Add:
       return {"+", 9};
-    case Op::Resta:
+    case Op::Subtract:
       return {"-", 9};
     case Op::Mod:
       return {"MOD", 10};
-    case Op::DivEntera:
+    case Op::IntDiv:
       return {"\\", 11};
-    case Op::Por:
+    case Op::Multiply:
       return {"*", 12};
     case Op::Div:
       return {"/", 12};
-    case Op::Menos:
+    case Op::Minus:
       return {"-", 13};
-    case Op::Mas:
+    case Op::Plus:
       return {"+", 13};
-    case Op::Potencia:
+    case Op::Power:
       return {"^", 14};
   }
   return {"", 0};
 }
 
-int Fuerza(const Expr& e) {
-  switch (e.nodo) {
-    case Nodo::Unario:
-      return e.op == Op::Menos && e.hijos[0]->nodo == Nodo::Literal ? 99 : DeOp(e.op).fuerza;
-    case Nodo::Binario:
-      return DeOp(e.op).fuerza;
-    case Nodo::Entre:
-    case Nodo::EnLista:
-    case Nodo::EnConsulta:
-    case Nodo::Cuantificada:
-    case Nodo::EsNulo:
-    case Nodo::Como:
+int StrengthOf(const Expr& e) {
+  switch (e.node) {
+    case Node::Unary:
+      return e.op == Op::Minus && e.children[0]->node == Node::Literal ? 99 : DescribeOp(e.op).strength;
+    case Node::Binary:
+      return DescribeOp(e.op).strength;
+    case Node::Between:
+    case Node::InList:
+    case Node::InQuery:
+    case Node::Quantified:
+    case Node::IsNull:
+    case Node::Like:
       return 7;
     default:
       return 99;
   }
 }
 
-bool NombreSimple(std::string_view n) {
+bool IsSimpleName(std::string_view n) {
   for (std::size_t i = 0; i < n.size(); ++i) {
     const auto c = static_cast<unsigned char>(n[i]);
-    const bool letra = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c >= 0x80 || c == '_';
-    if (!letra && !(i > 0 && c >= '0' && c <= '9')) return false;
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c >= 0x80 || c == '_';
+    if (!letter && !(i > 0 && c >= '0' && c <= '9')) return false;
   }
-  return !n.empty() && !PalabraReservada(n);
+  return !n.empty() && !IsReservedWord(n);
 }
 
 }  // namespace
 
-void Impresor::Nombre(std::string_view nombre) {
-  if (NombreSimple(nombre))
-    t_ += nombre;
+void Printer::Name(std::string_view name) {
+  if (IsSimpleName(name))
+    t_ += name;
   else
-    t_.append("[").append(nombre).append("]");
+    t_.append("[").append(name).append("]");
 }
 
-void Impresor::Nombres(const std::vector<std::string>& nombres) {
+void Printer::Names(const std::vector<std::string>& names) {
   t_ += '(';
-  for (std::size_t i = 0; i < nombres.size(); ++i) {
+  for (std::size_t i = 0; i < names.size(); ++i) {
     if (i > 0) t_ += ", ";
-    Nombre(nombres[i]);
+    Name(names[i]);
   }
   t_ += ')';
 }
 
-void Impresor::Literal(const base::Valor& v) {
-  if (const auto* n = v.Si<std::int64_t>()) {
+void Printer::Literal(const base::Value& v) {
+  if (const auto* n = v.GetIf<std::int64_t>()) {
     t_ += std::to_string(*n);
-  } else if (const auto* d = v.Si<double>()) {
+  } else if (const auto* d = v.GetIf<double>()) {
     std::array<char, 40> b{};
     const auto r = std::to_chars(b.data(), b.data() + b.size(), *d);
     const std::string_view s(b.data(), static_cast<std::size_t>(r.ptr - b.data()));
     t_ += s;
     if (s.find_first_of(".e") == std::string_view::npos) t_ += ".0";
-  } else if (const auto* f = v.Si<base::Fecha>()) {
-    const base::PartesFecha p = base::Partes(*f);
+  } else if (const auto* f = v.GetIf<base::Date>()) {
+    const base::DateParts p = base::PartsOf(*f);
     std::array<char, 48> b{};
-    std::snprintf(b.data(), b.size(), "#%02d/%02d/%04d", p.mes, p.dia, p.anio);
+    std::snprintf(b.data(), b.size(), "#%02d/%02d/%04d", p.month, p.day, p.year);
     t_ += b.data();
-    if (p.hora != 0 || p.minuto != 0 || p.segundo != 0) {
-      std::snprintf(b.data(), b.size(), " %02d:%02d:%02d", p.hora, p.minuto, p.segundo);
+    if (p.hour != 0 || p.minute != 0 || p.second != 0) {
+      std::snprintf(b.data(), b.size(), " %02d:%02d:%02d", p.hour, p.minute, p.second);
       t_ += b.data();
     }
     t_ += '#';
-  } else if (const auto* s = v.Si<std::string>()) {
+  } else if (const auto* s = v.GetIf<std::string>()) {
     t_ += '\'';
     for (const char c : *s) {
       if (c == '\'') t_ += c;
@@ -137,228 +137,228 @@ void Impresor::Literal(const base::Valor& v) {
   }
 }
 
-void Impresor::Lista(const Expr& e, std::size_t desde) {
-  for (std::size_t i = desde; i < e.hijos.size(); ++i) {
-    if (i > desde) t_ += ", ";
-    Escribir(*e.hijos[i]);
+void Printer::List(const Expr& e, std::size_t from) {
+  for (std::size_t i = from; i < e.children.size(); ++i) {
+    if (i > from) t_ += ", ";
+    Write(*e.children[i]);
   }
 }
 
-void Impresor::Binario(const Expr& e, int fuerza) {
-  const bool cadena = e.op == Op::And || e.op == Op::Or || e.op == Op::Concat;
-  for (std::size_t i = 0; i < e.hijos.size(); ++i) {
-    if (i > 0) t_.append(" ").append(DeOp(e.op).texto).append(" ");
-    Escribir(*e.hijos[i], i == 0 && !cadena ? fuerza : fuerza + 1);
+void Printer::Binary(const Expr& e, int strength) {
+  const bool chain = e.op == Op::And || e.op == Op::Or || e.op == Op::Concat;
+  for (std::size_t i = 0; i < e.children.size(); ++i) {
+    if (i > 0) t_.append(" ").append(DescribeOp(e.op).text).append(" ");
+    Write(*e.children[i], i == 0 && !chain ? strength : strength + 1);
   }
 }
 
 // IS NULL, IN, BETWEEN, LIKE and the comparison with ANY or ALL: what stands after their first operand.
-void Impresor::Predicado(const Expr& e) {
-  Escribir(*e.hijos[0], 7);
-  if (e.nodo == Nodo::EsNulo) {
-    t_ += e.negado ? " IS NOT NULL" : " IS NULL";
+void Printer::Predicate(const Expr& e) {
+  Write(*e.children[0], 7);
+  if (e.node == Node::IsNull) {
+    t_ += e.negated ? " IS NOT NULL" : " IS NULL";
     return;
   }
-  t_ += e.negado ? " NOT " : " ";
-  switch (e.nodo) {
-    case Nodo::Entre:
+  t_ += e.negated ? " NOT " : " ";
+  switch (e.node) {
+    case Node::Between:
       t_ += "BETWEEN ";
-      Escribir(*e.hijos[1], 8);
+      Write(*e.children[1], 8);
       t_ += " AND ";
-      Escribir(*e.hijos[2], 8);
+      Write(*e.children[2], 8);
       return;
-    case Nodo::Como:
+    case Node::Like:
       t_ += "LIKE ";
-      Escribir(*e.hijos[1], 8);
+      Write(*e.children[1], 8);
       return;
-    case Nodo::EnLista:
+    case Node::InList:
       t_ += "IN (";
-      Lista(e, 1);
+      List(e, 1);
       break;
-    case Nodo::EnConsulta:
+    case Node::InQuery:
       t_ += "IN (";
-      Escribir(*e.consulta);
+      Write(*e.query);
       break;
     default:
-      t_.append(DeOp(e.op).texto).append(e.todos ? " ALL (" : " ANY (");
-      Escribir(*e.consulta);
+      t_.append(DescribeOp(e.op).text).append(e.all ? " ALL (" : " ANY (");
+      Write(*e.query);
   }
   t_ += ')';
 }
 
-void Impresor::Unario(const Expr& e) {
-  t_ += DeOp(e.op).texto;
-  if (e.op == Op::No) t_ += ' ';
+void Printer::Unary(const Expr& e) {
+  t_ += DescribeOp(e.op).text;
+  if (e.op == Op::Not) t_ += ' ';
   // "-10 ^ 2" would be the power of -10.
-  const bool potencia = e.op != Op::No && e.hijos[0]->nodo == Nodo::Binario && e.hijos[0]->op == Op::Potencia;
-  Escribir(*e.hijos[0], potencia ? 99 : DeOp(e.op).fuerza);
+  const bool power = e.op != Op::Not && e.children[0]->node == Node::Binary && e.children[0]->op == Op::Power;
+  Write(*e.children[0], power ? 99 : DescribeOp(e.op).strength);
 }
 
-void Impresor::Escribir(const Expr& e, int minimo) {
-  const int fuerza = Fuerza(e);
-  const bool parentesis = fuerza < minimo;
-  if (parentesis) t_ += '(';
-  switch (e.nodo) {
-    case Nodo::Literal:
+void Printer::Write(const Expr& e, int minimum) {
+  const int strength = StrengthOf(e);
+  const bool parenthesis = strength < minimum;
+  if (parenthesis) t_ += '(';
+  switch (e.node) {
+    case Node::Literal:
       Literal(e.literal);
       break;
-    case Nodo::Verdadero:
+    case Node::True:
       t_ += "TRUE";
       break;
-    case Nodo::Falso:
+    case Node::False:
       t_ += "FALSE";
       break;
-    case Nodo::Nulo:
+    case Node::Null:
       t_ += "NULL";
       break;
-    case Nodo::Estrella:
+    case Node::Star:
       t_ += '*';
       break;
-    case Nodo::Columna:
-      if (!e.calificador.empty()) {
-        Nombre(e.calificador);
+    case Node::Column:
+      if (!e.qualifier.empty()) {
+        Name(e.qualifier);
         t_ += '.';
       }
-      Nombre(e.nombre);
+      Name(e.name);
       break;
-    case Nodo::Unario:
-      Unario(e);
+    case Node::Unary:
+      Unary(e);
       break;
-    case Nodo::Binario:
-      Binario(e, fuerza);
+    case Node::Binary:
+      Binary(e, strength);
       break;
-    case Nodo::Llamada:
-      t_.append(e.nombre).append(e.distinto ? "(DISTINCT " : "(");
-      Lista(e, 0);
+    case Node::Call:
+      t_.append(e.name).append(e.distinct ? "(DISTINCT " : "(");
+      List(e, 0);
       t_ += ')';
       break;
-    case Nodo::Existe:
-    case Nodo::Subconsulta:
-      t_ += e.nodo == Nodo::Existe ? "EXISTS (" : "(";
-      Escribir(*e.consulta);
+    case Node::Exists:
+    case Node::Subquery:
+      t_ += e.node == Node::Exists ? "EXISTS (" : "(";
+      Write(*e.query);
       t_ += ')';
       break;
     default:
-      Predicado(e);
+      Predicate(e);
   }
-  if (parentesis) t_ += ')';
+  if (parenthesis) t_ += ')';
 }
 
-void Impresor::Item(const ItemLista& i) {
+void Printer::Item(const ListItem& i) {
   if (!i.expr) {
-    if (!i.calificador.empty()) {
-      Nombre(i.calificador);
+    if (!i.qualifier.empty()) {
+      Name(i.qualifier);
       t_ += '.';
     }
     t_ += '*';
     return;
   }
-  Escribir(*i.expr);
+  Write(*i.expr);
   if (i.alias.empty()) return;
   t_ += " AS ";
-  Nombre(i.alias);
+  Name(i.alias);
 }
 
-void Impresor::Seleccionar(const Seleccion& s) {
+void Printer::WriteSelect(const Select& s) {
   t_ += "SELECT ";
-  if (s.distincion == Distincion::Distinct) t_ += "DISTINCT ";
-  if (s.distincion == Distincion::DistinctRow) t_ += "DISTINCTROW ";
-  if (s.tope) {
+  if (s.distinctness == Distinctness::Distinct) t_ += "DISTINCT ";
+  if (s.distinctness == Distinctness::DistinctRow) t_ += "DISTINCTROW ";
+  if (s.limit) {
     t_ += "TOP ";
-    Escribir(*s.tope);
-    t_ += s.tope_por_ciento ? " PERCENT " : " ";
+    Write(*s.limit);
+    t_ += s.limit_is_percent ? " PERCENT " : " ";
   }
-  for (std::size_t i = 0; i < s.lista.size(); ++i) {
+  for (std::size_t i = 0; i < s.list.size(); ++i) {
     if (i > 0) t_ += ", ";
-    Item(s.lista[i]);
+    Item(s.list[i]);
   }
-  if (!s.destino.empty()) {
+  if (!s.target.empty()) {
     t_ += " INTO ";
-    Nombre(s.destino);
+    Name(s.target);
   }
-  if (!s.de.empty()) {
+  if (!s.from.empty()) {
     t_ += " FROM ";
-    De(s.de);
+    From(s.from);
   }
-  if (s.donde) {
+  if (s.where) {
     t_ += " WHERE ";
-    Escribir(*s.donde);
+    Write(*s.where);
   }
-  for (std::size_t i = 0; i < s.grupo.size(); ++i) {
+  for (std::size_t i = 0; i < s.group.size(); ++i) {
     t_ += i == 0 ? " GROUP BY " : ", ";
-    Escribir(*s.grupo[i]);
+    Write(*s.group[i]);
   }
-  if (s.teniendo) {
+  if (s.having) {
     t_ += " HAVING ";
-    Escribir(*s.teniendo);
+    Write(*s.having);
   }
 }
 
-void Impresor::De(const std::vector<RamaPtr>& de) {
-  for (std::size_t i = 0; i < de.size(); ++i) {
+void Printer::From(const std::vector<BranchPtr>& from) {
+  for (std::size_t i = 0; i < from.size(); ++i) {
     if (i > 0) t_ += ", ";
-    Rama(*de[i]);
+    Branch(*from[i]);
   }
 }
 
-void Impresor::Rama(const jetsql::Rama& r) {
-  if (r.hoja) {
-    if (r.hoja->nombre.empty()) {
+void Printer::Branch(const jetsql::Branch& r) {
+  if (r.leaf) {
+    if (r.leaf->name.empty()) {
       t_ += '(';
-      Escribir(*r.hoja->consulta);
+      Write(*r.leaf->query);
       t_ += ')';
     } else {
-      Nombre(r.hoja->nombre);
+      Name(r.leaf->name);
     }
-    if (!r.hoja->alias.empty()) {
+    if (!r.leaf->alias.empty()) {
       t_ += " AS ";
-      Nombre(r.hoja->alias);
+      Name(r.leaf->alias);
     }
     return;
   }
-  const auto lado = [&](const jetsql::Rama& x) {
-    if (!x.hoja) t_ += '(';
-    Rama(x);
-    if (!x.hoja) t_ += ')';
+  const auto side = [&](const jetsql::Branch& x) {
+    if (!x.leaf) t_ += '(';
+    Branch(x);
+    if (!x.leaf) t_ += ')';
   };
-  lado(*r.izquierda);
-  t_ += r.tipo == TipoUnion::Interna     ? " INNER JOIN "
-        : r.tipo == TipoUnion::Izquierda ? " LEFT JOIN "
-                                         : " RIGHT JOIN ";
-  lado(*r.derecha);
+  side(*r.left);
+  t_ += r.type == JoinType::Inner  ? " INNER JOIN "
+        : r.type == JoinType::Left ? " LEFT JOIN "
+                                   : " RIGHT JOIN ";
+  side(*r.right);
   t_ += " ON ";
-  Escribir(*r.condicion);
+  Write(*r.condition);
 }
 
-std::string Imprimir(const Sentencia& sentencia) {
-  Impresor i;
+std::string Print(const Statement& statement) {
+  Printer i;
   std::visit(
       [&](const auto& s) {
-        if constexpr (std::is_same_v<std::decay_t<decltype(s)>, ConsultaPtr>)
-          i.Escribir(*s);
+        if constexpr (std::is_same_v<std::decay_t<decltype(s)>, QueryPtr>)
+          i.Write(*s);
         else
-          i.Escribir(s);
+          i.Write(s);
       },
-      sentencia);
-  return std::move(i).Texto();
+      statement);
+  return std::move(i).Text();
 }
 
-std::string Imprimir(const Consulta& consulta) {
-  Impresor i;
-  i.Escribir(consulta);
-  return std::move(i).Texto();
+std::string Print(const Query& query) {
+  Printer i;
+  i.Write(query);
+  return std::move(i).Text();
 }
 
-std::string Imprimir(const Seleccion& seleccion) {
-  Impresor i;
-  i.Seleccionar(seleccion);
-  return std::move(i).Texto();
+std::string Print(const Select& select) {
+  Printer i;
+  i.WriteSelect(select);
+  return std::move(i).Text();
 }
 
-std::string Imprimir(const Expr& expr) {
-  Impresor i;
-  i.Escribir(expr);
-  return std::move(i).Texto();
+std::string Print(const Expr& expr) {
+  Printer i;
+  i.Write(expr);
+  return std::move(i).Text();
 }
 
 }  // namespace jetsql

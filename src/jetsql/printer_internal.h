@@ -9,37 +9,37 @@
 
 namespace jetsql {
 
-class Impresor {
+class Printer {
  public:
-  void Escribir(const Expr& e, int minimo = 0);
-  void Escribir(const Consulta& c);
-  void Seleccionar(const Seleccion& s);
-  void Escribir(const Insercion& s);
-  void Escribir(const Actualizacion& s);
-  void Escribir(const Borrado& s);
-  void Escribir(const CrearTabla& s);
-  void Escribir(const CrearIndice& s);
-  void Escribir(const CrearVista& s);
-  void Escribir(const Quitar& s);
-  void Escribir(const AlterarTabla& s);
+  void Write(const Expr& e, int minimum = 0);
+  void Write(const Query& c);
+  void WriteSelect(const Select& s);
+  void Write(const Insert& s);
+  void Write(const Update& s);
+  void Write(const Delete& s);
+  void Write(const CreateTable& s);
+  void Write(const CreateIndex& s);
+  void Write(const CreateView& s);
+  void Write(const Drop& s);
+  void Write(const AlterTable& s);
 
-  std::string Texto() && { return std::move(t_); }
+  std::string Text() && { return std::move(t_); }
 
  private:
-  void Nombre(std::string_view nombre);
-  void Nombres(const std::vector<std::string>& nombres);
-  void Literal(const base::Valor& v);
-  void Unario(const Expr& e);
-  void Binario(const Expr& e, int fuerza);
-  void Predicado(const Expr& e);
-  void Lista(const Expr& e, std::size_t desde);
-  void Item(const ItemLista& i);
-  void De(const std::vector<RamaPtr>& de);
-  void Rama(const jetsql::Rama& r);
-  void Columna(const DefColumna& c);
-  void Tipo(const DefColumna& c);
-  void Referir(const Referencia& r);
-  void Restringir(const Restriccion& r);
+  void Name(std::string_view name);
+  void Names(const std::vector<std::string>& names);
+  void Literal(const base::Value& v);
+  void Unary(const Expr& e);
+  void Binary(const Expr& e, int strength);
+  void Predicate(const Expr& e);
+  void List(const Expr& e, std::size_t from);
+  void Item(const ListItem& i);
+  void From(const std::vector<BranchPtr>& from);
+  void Branch(const jetsql::Branch& r);
+  void Column(const ColumnDefinition& c);
+  void Type(const ColumnDefinition& c);
+  void WriteReference(const Reference& r);
+  void WriteConstraint(const Constraint& r);
 
   std::string t_;
 };

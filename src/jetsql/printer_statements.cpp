@@ -2,211 +2,211 @@
 
 namespace jetsql {
 
-void Impresor::Escribir(const Consulta& c) {
-  if (c.cruce) {
+void Printer::Write(const Query& c) {
+  if (c.crosstab) {
     t_ += "TRANSFORM ";
-    Escribir(*c.cruce->valor);
+    Write(*c.crosstab->value);
     t_ += ' ';
   }
-  for (std::size_t i = 0; i < c.partes.size(); ++i) {
-    if (i > 0) t_ += c.todas[i - 1] ? " UNION ALL " : " UNION ";
-    Seleccionar(c.partes[i]);
+  for (std::size_t i = 0; i < c.parts.size(); ++i) {
+    if (i > 0) t_ += c.all[i - 1] ? " UNION ALL " : " UNION ";
+    WriteSelect(c.parts[i]);
   }
-  for (std::size_t i = 0; i < c.orden.size(); ++i) {
+  for (std::size_t i = 0; i < c.order.size(); ++i) {
     t_ += i == 0 ? " ORDER BY " : ", ";
-    Escribir(*c.orden[i].expr);
-    if (c.orden[i].descendente) t_ += " DESC";
+    Write(*c.order[i].expr);
+    if (c.order[i].descending) t_ += " DESC";
   }
-  if (!c.cruce) return;
+  if (!c.crosstab) return;
   t_ += " PIVOT ";
-  Escribir(*c.cruce->pivote, 8);
-  for (std::size_t i = 0; i < c.cruce->lista.size(); ++i) {
+  Write(*c.crosstab->pivot, 8);
+  for (std::size_t i = 0; i < c.crosstab->list.size(); ++i) {
     t_ += i == 0 ? " IN (" : ", ";
-    Escribir(*c.cruce->lista[i]);
+    Write(*c.crosstab->list[i]);
   }
-  if (c.cruce->con_lista) t_ += ')';
+  if (c.crosstab->has_list) t_ += ')';
 }
 
-void Impresor::Escribir(const Insercion& s) {
+void Printer::Write(const Insert& s) {
   t_ += "INSERT INTO ";
-  Nombre(s.tabla);
+  Name(s.table);
   t_ += ' ';
-  if (!s.columnas.empty()) {
-    Nombres(s.columnas);
+  if (!s.columns.empty()) {
+    Names(s.columns);
     t_ += ' ';
   }
-  if (s.consulta) {
-    Escribir(*s.consulta);
+  if (s.query) {
+    Write(*s.query);
     return;
   }
   t_ += "VALUES (";
-  for (std::size_t i = 0; i < s.valores.size(); ++i) {
+  for (std::size_t i = 0; i < s.values.size(); ++i) {
     if (i > 0) t_ += ", ";
-    Escribir(*s.valores[i]);
+    Write(*s.values[i]);
   }
   t_ += ')';
 }
 
-void Impresor::Escribir(const Actualizacion& s) {
+void Printer::Write(const Update& s) {
   t_ += "UPDATE ";
-  De(s.de);
-  for (std::size_t i = 0; i < s.cambios.size(); ++i) {
+  From(s.from);
+  for (std::size_t i = 0; i < s.changes.size(); ++i) {
     t_ += i == 0 ? " SET " : ", ";
-    Escribir(*s.cambios[i].columna);
+    Write(*s.changes[i].column);
     t_ += " = ";
-    Escribir(*s.cambios[i].valor);
+    Write(*s.changes[i].value);
   }
-  if (!s.donde) return;
+  if (!s.where) return;
   t_ += " WHERE ";
-  Escribir(*s.donde);
+  Write(*s.where);
 }
 
-void Impresor::Escribir(const Borrado& s) {
+void Printer::Write(const Delete& s) {
   t_ += "DELETE ";
-  if (s.objetivo.empty()) {
+  if (s.target.empty()) {
     t_ += "*";
   } else {
-    Nombre(s.objetivo);
+    Name(s.target);
     t_ += ".*";
   }
   t_ += " FROM ";
-  De(s.de);
-  if (!s.donde) return;
+  From(s.from);
+  if (!s.where) return;
   t_ += " WHERE ";
-  Escribir(*s.donde);
+  Write(*s.where);
 }
 
-void Impresor::Tipo(const DefColumna& c) {
-  static constexpr std::string_view kNombres[] = {"YESNO",  "BYTE",     "SHORT",    "LONG",    "COUNTER",
-                                                  "SINGLE", "DOUBLE",   "CURRENCY", "DECIMAL", "DATETIME",
-                                                  "TEXT",   "LONGTEXT", "BINARY",   "GUID",    "LONGBINARY"};
-  t_ += kNombres[static_cast<std::size_t>(c.clase)];
-  if (c.clase == ClaseColumna::Contador && c.semilla != 1)
-    t_.append("(").append(std::to_string(c.semilla)).append(", 1)");
-  if (c.largo > 0) t_.append("(").append(std::to_string(c.largo)).append(")");
-  if (c.clase == ClaseColumna::Decimal && (c.precision != 18 || c.escala != 0))
+void Printer::Type(const ColumnDefinition& c) {
+  static constexpr std::string_view kNames[] = {"YESNO",  "BYTE",     "SHORT",    "LONG",    "COUNTER",
+                                                "SINGLE", "DOUBLE",   "CURRENCY", "DECIMAL", "DATETIME",
+                                                "TEXT",   "LONGTEXT", "BINARY",   "GUID",    "LONGBINARY"};
+  t_ += kNames[static_cast<std::size_t>(c.kind)];
+  if (c.kind == ColumnKind::Counter && c.seed != 1)
+    t_.append("(").append(std::to_string(c.seed)).append(", 1)");
+  if (c.length > 0) t_.append("(").append(std::to_string(c.length)).append(")");
+  if (c.kind == ColumnKind::Decimal && (c.precision != 18 || c.scale != 0))
     t_.append("(")
         .append(std::to_string(c.precision))
         .append(", ")
-        .append(std::to_string(c.escala))
+        .append(std::to_string(c.scale))
         .append(")");
 }
 
-void Impresor::Referir(const Referencia& r) {
+void Printer::WriteReference(const Reference& r) {
   t_ += " REFERENCES ";
-  Nombre(r.tabla);
-  if (!r.columnas.empty()) {
+  Name(r.table);
+  if (!r.columns.empty()) {
     t_ += ' ';
-    Nombres(r.columnas);
+    Names(r.columns);
   }
-  if (r.actualiza_en_cascada) t_ += " ON UPDATE CASCADE";
-  if (r.borra_en_cascada) t_ += " ON DELETE CASCADE";
+  if (r.cascades_updates) t_ += " ON UPDATE CASCADE";
+  if (r.cascades_deletes) t_ += " ON DELETE CASCADE";
 }
 
-void Impresor::Columna(const DefColumna& c) {
-  Nombre(c.nombre);
+void Printer::Column(const ColumnDefinition& c) {
+  Name(c.name);
   t_ += ' ';
-  Tipo(c);
-  if (c.defecto) {
+  Type(c);
+  if (c.default_value) {
     t_ += " DEFAULT ";
-    Escribir(*c.defecto, 8);
+    Write(*c.default_value, 8);
   }
-  if (c.no_nulo) t_ += " NOT NULL";
-  if (!c.nombre_restriccion.empty()) {
+  if (c.not_null) t_ += " NOT NULL";
+  if (!c.constraint_name.empty()) {
     t_ += " CONSTRAINT ";
-    Nombre(c.nombre_restriccion);
+    Name(c.constraint_name);
   }
-  if (c.clave) t_ += " PRIMARY KEY";
-  if (c.unica) t_ += " UNIQUE";
-  if (c.referencia) Referir(*c.referencia);
+  if (c.key) t_ += " PRIMARY KEY";
+  if (c.unique) t_ += " UNIQUE";
+  if (c.reference) WriteReference(*c.reference);
 }
 
-void Impresor::Restringir(const Restriccion& r) {
-  if (!r.nombre.empty()) {
+void Printer::WriteConstraint(const Constraint& r) {
+  if (!r.name.empty()) {
     t_ += "CONSTRAINT ";
-    Nombre(r.nombre);
+    Name(r.name);
     t_ += ' ';
   }
-  static constexpr std::string_view kNombres[] = {"PRIMARY KEY ", "UNIQUE ", "NOT NULL ", "FOREIGN KEY "};
-  t_ += kNombres[static_cast<std::size_t>(r.que)];
-  Nombres(r.columnas);
-  if (r.que == Restriccion::Que::Foranea) Referir(r.referencia);
+  static constexpr std::string_view kNames[] = {"PRIMARY KEY ", "UNIQUE ", "NOT NULL ", "FOREIGN KEY "};
+  t_ += kNames[static_cast<std::size_t>(r.what)];
+  Names(r.columns);
+  if (r.what == Constraint::What::Foreign) WriteReference(r.reference);
 }
 
-void Impresor::Escribir(const CrearTabla& s) {
+void Printer::Write(const CreateTable& s) {
   t_ += "CREATE TABLE ";
-  Nombre(s.nombre);
+  Name(s.name);
   t_ += " (";
-  bool coma = false;
-  for (const auto& c : s.columnas) {
-    if (coma) t_ += ", ";
-    coma = true;
-    Columna(c);
+  bool comma = false;
+  for (const auto& c : s.columns) {
+    if (comma) t_ += ", ";
+    comma = true;
+    Column(c);
   }
-  for (const auto& r : s.restricciones) {
-    if (coma) t_ += ", ";
-    coma = true;
-    Restringir(r);
+  for (const auto& r : s.constraints) {
+    if (comma) t_ += ", ";
+    comma = true;
+    WriteConstraint(r);
   }
   t_ += ')';
 }
 
-void Impresor::Escribir(const CrearIndice& s) {
-  t_ += s.unico ? "CREATE UNIQUE INDEX " : "CREATE INDEX ";
-  Nombre(s.nombre);
+void Printer::Write(const CreateIndex& s) {
+  t_ += s.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ";
+  Name(s.name);
   t_ += " ON ";
-  Nombre(s.tabla);
+  Name(s.table);
   t_ += " (";
-  for (std::size_t i = 0; i < s.columnas.size(); ++i) {
+  for (std::size_t i = 0; i < s.columns.size(); ++i) {
     if (i > 0) t_ += ", ";
-    Nombre(s.columnas[i].nombre);
-    if (s.columnas[i].descendente) t_ += " DESC";
+    Name(s.columns[i].name);
+    if (s.columns[i].descending) t_ += " DESC";
   }
   t_ += ')';
-  if (s.primario) t_ += " WITH PRIMARY";
-  if (s.sin_nulos) t_ += s.primario ? ", DISALLOW NULL" : " WITH DISALLOW NULL";
-  if (s.ignora_nulos) t_ += s.primario || s.sin_nulos ? ", IGNORE NULL" : " WITH IGNORE NULL";
+  if (s.primary) t_ += " WITH PRIMARY";
+  if (s.disallows_nulls) t_ += s.primary ? ", DISALLOW NULL" : " WITH DISALLOW NULL";
+  if (s.ignores_nulls) t_ += s.primary || s.disallows_nulls ? ", IGNORE NULL" : " WITH IGNORE NULL";
 }
 
-void Impresor::Escribir(const CrearVista& s) {
+void Printer::Write(const CreateView& s) {
   t_ += "CREATE VIEW ";
-  Nombre(s.nombre);
-  if (!s.columnas.empty()) {
+  Name(s.name);
+  if (!s.columns.empty()) {
     t_ += ' ';
-    Nombres(s.columnas);
+    Names(s.columns);
   }
   t_ += " AS ";
-  Escribir(*s.consulta);
+  Write(*s.query);
 }
 
-void Impresor::Escribir(const Quitar& s) {
-  static constexpr std::string_view kNombres[] = {"DROP TABLE ", "DROP INDEX ", "DROP VIEW "};
-  t_ += kNombres[static_cast<std::size_t>(s.que)];
-  Nombre(s.nombre);
-  if (s.que != Quitar::Que::Indice) return;
+void Printer::Write(const Drop& s) {
+  static constexpr std::string_view kNames[] = {"DROP TABLE ", "DROP INDEX ", "DROP VIEW "};
+  t_ += kNames[static_cast<std::size_t>(s.what)];
+  Name(s.name);
+  if (s.what != Drop::What::Index) return;
   t_ += " ON ";
-  Nombre(s.tabla);
+  Name(s.table);
 }
 
-void Impresor::Escribir(const AlterarTabla& s) {
+void Printer::Write(const AlterTable& s) {
   t_ += "ALTER TABLE ";
-  Nombre(s.tabla);
-  switch (s.que) {
-    case AlterarTabla::Que::Agregar:
+  Name(s.table);
+  switch (s.what) {
+    case AlterTable::What::Add:
       t_ += " ADD COLUMN ";
-      Columna(s.columna);
+      Column(s.column);
       break;
-    case AlterarTabla::Que::Quitar:
+    case AlterTable::What::Drop:
       t_ += " DROP COLUMN ";
-      Nombre(s.nombre);
+      Name(s.name);
       break;
-    case AlterarTabla::Que::AgregarRestriccion:
+    case AlterTable::What::AddConstraint:
       t_ += " ADD ";
-      Restringir(s.restriccion);
+      WriteConstraint(s.constraint);
       break;
-    case AlterarTabla::Que::QuitarRestriccion:
+    case AlterTable::What::DropConstraint:
       t_ += " DROP CONSTRAINT ";
-      Nombre(s.nombre);
+      Name(s.name);
       break;
   }
 }

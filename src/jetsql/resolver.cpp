@@ -11,172 +11,170 @@
 namespace jetsql {
 namespace {
 
-constexpr std::size_t kConsultasAnidadas = 30;
+constexpr std::size_t kNestedQueries = 30;
 
-std::string NombreCompleto(const Expr& e) {
-  return e.calificador.empty() ? e.nombre : e.calificador + "." + e.nombre;
-}
+std::string FullName(const Expr& e) { return e.qualifier.empty() ? e.name : e.qualifier + "." + e.name; }
 
-std::string_view Calificador(const Fuente& f) { return f.alias.empty() ? f.nombre : f.alias; }
+std::string_view QualifierOf(const Source& f) { return f.alias.empty() ? f.name : f.alias; }
 
-int ColumnaDe(const Fuente& f, std::string_view nombre) {
-  for (std::size_t i = 0; i < f.columnas.size(); ++i)
-    if (base::IgualSinCaso(f.columnas[i].nombre, nombre)) return static_cast<int>(i);
-  for (std::size_t i = 0; i < f.columnas.size(); ++i)
-    if (base::IgualSinCaso(f.columnas[i].nombre_largo, nombre)) return static_cast<int>(i);
+int ColumnOf(const Source& f, std::string_view name) {
+  for (std::size_t i = 0; i < f.columns.size(); ++i)
+    if (base::EqualIgnoringCase(f.columns[i].name, name)) return static_cast<int>(i);
+  for (std::size_t i = 0; i < f.columns.size(); ++i)
+    if (base::EqualIgnoringCase(f.columns[i].long_name, name)) return static_cast<int>(i);
   return -1;
 }
 
 }  // namespace
 
-void Resolutor::Hojas(const Rama& rama, std::vector<Fuente*>& fuentes) const {
-  if (rama.hoja) {
-    fuentes.push_back(rama.hoja.get());
+void Resolver::Leaves(const Branch& branch, std::vector<Source*>& sources) const {
+  if (branch.leaf) {
+    sources.push_back(branch.leaf.get());
     return;
   }
-  Hojas(*rama.izquierda, fuentes);
-  Hojas(*rama.derecha, fuentes);
+  Leaves(*branch.left, sources);
+  Leaves(*branch.right, sources);
 }
 
-void Resolutor::Hojas(const std::vector<RamaPtr>& de, std::vector<Fuente*>& fuentes) const {
-  for (const auto& rama : de) Hojas(*rama, fuentes);
+void Resolver::Leaves(const std::vector<BranchPtr>& from, std::vector<Source*>& sources) const {
+  for (const auto& branch : from) Leaves(*branch, sources);
 }
 
 // SQLite would find the nearest table of an alias; with aliases that are unique in the statement there is
 // only one, ours.
-std::string Resolutor::AliasUnico(std::string_view nombre) {
-  const std::string raiz(nombre);
+std::string Resolver::UniqueAlias(std::string_view name) {
+  const std::string root(name);
   for (int n = 1;; ++n) {
-    std::string alias = n == 1 ? raiz : raiz + "_" + std::to_string(n);
-    const std::string clave = base::Minusculas(alias);
-    if (std::find(alias_sql_.begin(), alias_sql_.end(), clave) != alias_sql_.end()) continue;
-    alias_sql_.push_back(clave);
+    std::string alias = n == 1 ? root : root + "_" + std::to_string(n);
+    const std::string key = base::LowerCase(alias);
+    if (std::find(alias_sql_.begin(), alias_sql_.end(), key) != alias_sql_.end()) continue;
+    alias_sql_.push_back(key);
     return alias;
   }
 }
 
-const TablaInfo& Resolutor::TablaDe(std::string_view nombre) const {
-  if (const TablaInfo* t = catalogo_.Tabla(nombre)) return *t;
-  if (catalogo_.Consulta(nombre) != nullptr)
-    throw base::Error("'" + std::string(nombre) + "' es una consulta; la operación necesita una tabla");
-  throw base::Error("No se encuentra la tabla o consulta '" + std::string(nombre) + "'");
+const TableInfo& Resolver::TableOf(std::string_view name) const {
+  if (const TableInfo* t = catalog_.Table(name)) return *t;
+  if (catalog_.Query(name) != nullptr)
+    throw base::Error("'" + std::string(name) + "' es una consulta; la operación necesita una tabla");
+  throw base::Error("No se encuentra la tabla o consulta '" + std::string(name) + "'");
 }
 
-void Resolutor::ResolverFuentes(const std::vector<Fuente*>& fuentes, const Ambito* padre) {
-  for (Fuente* f : fuentes) {
-    ResolverFuente(*f, padre);
-    const std::string_view alias = Calificador(*f);
-    for (const Fuente* otra : fuentes) {
-      if (otra == f) break;
-      if (!alias.empty() && base::IgualSinCaso(Calificador(*otra), alias))
+void Resolver::ResolveSources(const std::vector<Source*>& sources, const Scope* parent) {
+  for (Source* f : sources) {
+    ResolveSource(*f, parent);
+    const std::string_view alias = QualifierOf(*f);
+    for (const Source* other : sources) {
+      if (other == f) break;
+      if (!alias.empty() && base::EqualIgnoringCase(QualifierOf(*other), alias))
         throw base::Error("La tabla '" + std::string(alias) + "' está repetida en la cláusula FROM");
     }
   }
 }
 
-void Resolutor::ResolverFuente(Fuente& f, const Ambito* padre) {
-  if (f.nombre.empty()) {
-    Resolver(*f.consulta, padre);
-  } else if ((f.tabla = catalogo_.Tabla(f.nombre)) != nullptr) {
-    for (const auto& c : f.tabla->columnas)
-      f.columnas.push_back({c.nombre, {}, c.nombre, {c.tipo, false}, c.tipo == base::Tipo::Texto});
-    f.lee.push_back(f.tabla->nombre);
-  } else if (const std::string* texto = catalogo_.Consulta(f.nombre)) {
-    AbrirConsulta(f, *texto);
+void Resolver::ResolveSource(Source& f, const Scope* parent) {
+  if (f.name.empty()) {
+    Resolve(*f.query, parent);
+  } else if ((f.table = catalog_.Table(f.name)) != nullptr) {
+    for (const auto& c : f.table->columns)
+      f.columns.push_back({c.name, {}, c.name, {c.type, false}, c.type == base::Type::Text});
+    f.reads.push_back(f.table->name);
+  } else if (const std::string* text = catalog_.Query(f.name)) {
+    OpenQuery(f, *text);
   } else {
-    throw base::Error("No se encuentra la tabla o consulta '" + f.nombre + "'");
+    throw base::Error("No se encuentra la tabla o consulta '" + f.name + "'");
   }
-  if (f.consulta) {
-    f.columnas = f.consulta->salida;
-    for (const auto& parte : f.consulta->partes)
-      for (const Fuente* g : parte.fuentes) f.lee.insert(f.lee.end(), g->lee.begin(), g->lee.end());
+  if (f.query) {
+    f.columns = f.query->output;
+    for (const auto& part : f.query->parts)
+      for (const Source* g : part.sources) f.reads.insert(f.reads.end(), g->reads.begin(), g->reads.end());
   }
-  std::string_view alias = Calificador(f);
+  std::string_view alias = QualifierOf(f);
   if (alias.empty()) alias = "jet_d";
-  if (f.alias.empty() && f.tabla != nullptr) alias = f.tabla->nombre;
-  f.alias_sql = AliasUnico(alias);
+  if (f.alias.empty() && f.table != nullptr) alias = f.table->name;
+  f.alias_sql = UniqueAlias(alias);
 }
 
-void Resolutor::AbrirConsulta(Fuente& f, const std::string& texto) {
-  for (const auto& abierta : abiertas_)
-    if (base::IgualSinCaso(abierta, f.nombre))
-      throw base::Error("La consulta '" + f.nombre + "' se contiene a sí misma");
-  if (abiertas_.size() >= kConsultasAnidadas)
-    throw base::Error("La consulta '" + f.nombre + "' está anidada a demasiada profundidad");
-  Sentencia s;
+void Resolver::OpenQuery(Source& f, const std::string& text) {
+  for (const auto& open_query : open_)
+    if (base::EqualIgnoringCase(open_query, f.name))
+      throw base::Error("La consulta '" + f.name + "' se contiene a sí misma");
+  if (open_.size() >= kNestedQueries)
+    throw base::Error("La consulta '" + f.name + "' está anidada a demasiada profundidad");
+  Statement s;
   try {
-    s = Analizar(texto, Literales::EnTexto);
-  } catch (const ErrorSintaxis& e) {
-    throw base::Error("En la consulta '" + f.nombre + "': " + e.Descripcion());
+    s = Parse(text, Literals::InText);
+  } catch (const SyntaxError& e) {
+    throw base::Error("En la consulta '" + f.name + "': " + e.Description());
   }
-  auto* consulta = std::get_if<ConsultaPtr>(&s);
-  if (consulta == nullptr) throw base::Error("La consulta '" + f.nombre + "' no devuelve filas");
-  f.consulta = std::move(*consulta);
-  AbrirCruce(f);
-  abiertas_.push_back(f.nombre);
-  Resolver(*f.consulta, nullptr);
-  abiertas_.pop_back();
+  auto* query = std::get_if<QueryPtr>(&s);
+  if (query == nullptr) throw base::Error("La consulta '" + f.name + "' no devuelve filas");
+  f.query = std::move(*query);
+  OpenCrosstab(f);
+  open_.push_back(f.name);
+  Resolve(*f.query, nullptr);
+  open_.pop_back();
 }
 
-void Resolutor::AbrirCruce(const Fuente& f) const {
-  if (!f.consulta->cruce || f.consulta->cruce->con_lista) return;
-  if (cruzadas_ != nullptr)
-    for (const auto& c : *cruzadas_)
-      if (base::IgualSinCaso(c.consulta, f.nombre)) {
-        DarValores(*f.consulta, c.valores);
+void Resolver::OpenCrosstab(const Source& f) const {
+  if (!f.query->crosstab || f.query->crosstab->has_list) return;
+  if (crosstabs_ != nullptr)
+    for (const auto& c : *crosstabs_)
+      if (base::EqualIgnoringCase(c.query, f.name)) {
+        SetValues(*f.query, c.values);
         return;
       }
-  throw FaltanColumnas(f.nombre);
+  throw MissingColumns(f.name);
 }
 
 // The condition of a join sees the tables that it joins, not those beside them.
-void Resolutor::Condiciones(Rama& rama, const Ambito* padre) {
-  if (rama.hoja) return;
-  Condiciones(*rama.izquierda, padre);
-  Condiciones(*rama.derecha, padre);
-  Ambito ambito{padre, {}, nullptr};
-  Hojas(rama, ambito.fuentes);
-  Resolver(rama.condicion, {ambito});
+void Resolver::ResolveConditions(Branch& branch, const Scope* parent) {
+  if (branch.leaf) return;
+  ResolveConditions(*branch.left, parent);
+  ResolveConditions(*branch.right, parent);
+  Scope scope{parent, {}, nullptr};
+  Leaves(branch, scope.sources);
+  Resolve(branch.condition, {scope});
 }
 
-Resolutor::Hallada Resolutor::EnFuentes(const std::vector<Fuente*>& fuentes, const Expr& e) const {
-  Hallada hallada;
-  for (const Fuente* f : fuentes) {
-    if (!e.calificador.empty() && !base::IgualSinCaso(Calificador(*f), e.calificador)) continue;
-    const int i = ColumnaDe(*f, e.nombre);
+Resolver::Found Resolver::FindInSources(const std::vector<Source*>& sources, const Expr& e) const {
+  Found found;
+  for (const Source* f : sources) {
+    if (!e.qualifier.empty() && !base::EqualIgnoringCase(QualifierOf(*f), e.qualifier)) continue;
+    const int i = ColumnOf(*f, e.name);
     if (i < 0) {
-      if (e.calificador.empty()) continue;
-      throw base::Error("No se encuentra la columna '" + NombreCompleto(e) + "'");
+      if (e.qualifier.empty()) continue;
+      throw base::Error("No se encuentra la columna '" + FullName(e) + "'");
     }
-    if (hallada.fuente != nullptr)
-      throw base::Error("La columna '" + e.nombre + "' está en más de una tabla de la cláusula FROM");
-    hallada = {f, i};
+    if (found.source != nullptr)
+      throw base::Error("La columna '" + e.name + "' está en más de una tabla de la cláusula FROM");
+    found = {f, i};
   }
-  return hallada;
+  return found;
 }
 
 // A qualifier that names no table in scope: the statements written for Access name the base table that a
 // derived table, or a table under an alias, reads.
-Resolutor::Hallada Resolutor::PorTablaLeida(const Ambito& ambito, const Expr& e) const {
-  for (const Ambito* a = &ambito; a != nullptr; a = a->padre) {
-    for (const Fuente* f : a->fuentes) {
-      const bool lee = std::any_of(f->lee.begin(), f->lee.end(), [&](const std::string& t) {
-        return base::IgualSinCaso(t, e.calificador);
+Resolver::Found Resolver::FindByTableRead(const Scope& scope, const Expr& e) const {
+  for (const Scope* a = &scope; a != nullptr; a = a->parent) {
+    for (const Source* f : a->sources) {
+      const bool reads = std::any_of(f->reads.begin(), f->reads.end(), [&](const std::string& t) {
+        return base::EqualIgnoringCase(t, e.qualifier);
       });
-      if (!lee) continue;
-      const int i = ColumnaDe(*f, e.nombre);
+      if (!reads) continue;
+      const int i = ColumnOf(*f, e.name);
       if (i >= 0) return {f, i};
     }
   }
   return {};
 }
 
-Resolutor::Hallada Resolutor::Buscar(const Ambito& ambito, const Expr& e) const {
-  for (const Ambito* a = &ambito; a != nullptr; a = a->padre) {
-    const Hallada h = EnFuentes(a->fuentes, e);
-    if (h.fuente != nullptr) return h;
+Resolver::Found Resolver::Find(const Scope& scope, const Expr& e) const {
+  for (const Scope* a = &scope; a != nullptr; a = a->parent) {
+    const Found h = FindInSources(a->sources, e);
+    if (h.source != nullptr) return h;
   }
-  return e.calificador.empty() ? Hallada{} : PorTablaLeida(ambito, e);
+  return e.qualifier.empty() ? Found{} : FindByTableRead(scope, e);
 }
 
 }  // namespace jetsql

@@ -5,90 +5,89 @@
 namespace jetsql {
 namespace {
 
-int ColumnaDeTabla(const TablaInfo& t, std::string_view nombre) {
-  for (std::size_t i = 0; i < t.columnas.size(); ++i)
-    if (base::IgualSinCaso(t.columnas[i].nombre, nombre)) return static_cast<int>(i);
+int ColumnOfTable(const TableInfo& t, std::string_view name) {
+  for (std::size_t i = 0; i < t.columns.size(); ++i)
+    if (base::EqualIgnoringCase(t.columns[i].name, name)) return static_cast<int>(i);
   return -1;
 }
 
-[[noreturn]] void NoActualizable() {
+[[noreturn]] void ThrowNotUpdatable() {
   throw base::Error("La operación debe usar una consulta actualizable", 3073);
 }
 
-bool TieneSubconsulta(const Expr& e) {
-  if (e.consulta) return true;
-  for (const auto& h : e.hijos)
-    if (TieneSubconsulta(*h)) return true;
+bool HasSubquery(const Expr& e) {
+  if (e.query) return true;
+  for (const auto& h : e.children)
+    if (HasSubquery(*h)) return true;
   return false;
 }
 
 }  // namespace
 
-void Resolutor::Resolver(Insercion& s) {
-  s.info = &TablaDe(s.tabla);
-  const auto agrega = [&](std::string_view nombre) {
-    const int i = ColumnaDeTabla(*s.info, nombre);
+void Resolver::Resolve(Insert& s) {
+  s.info = &TableOf(s.table);
+  const auto add = [&](std::string_view name) {
+    const int i = ColumnOfTable(*s.info, name);
     if (i < 0)
-      throw base::Error("La tabla '" + s.info->nombre + "' no tiene la columna '" + std::string(nombre) +
-                        "'");
-    for (const int otra : s.destinos)
-      if (otra == i) throw base::Error("La columna '" + std::string(nombre) + "' está repetida");
-    s.destinos.push_back(i);
+      throw base::Error("La tabla '" + s.info->name + "' no tiene la columna '" + std::string(name) + "'");
+    for (const int other : s.targets)
+      if (other == i) throw base::Error("La columna '" + std::string(name) + "' está repetida");
+    s.targets.push_back(i);
   };
-  for (const auto& c : s.columnas) agrega(c);
-  if (s.consulta) {
-    Resolver(*s.consulta, nullptr);
-    if (s.columnas.empty())  // each value goes to the column of its name
-      for (const auto& c : s.consulta->salida) agrega(c.nombre);
+  for (const auto& c : s.columns) add(c);
+  if (s.query) {
+    Resolve(*s.query, nullptr);
+    if (s.columns.empty())  // each value goes to the column of its name
+      for (const auto& c : s.query->output) add(c.name);
   } else {
-    if (s.columnas.empty())
-      for (const auto& c : s.info->columnas) agrega(c.nombre);
-    const Ambito ninguno;
-    for (auto& v : s.valores) Resolver(v, {ninguno});
+    if (s.columns.empty())
+      for (const auto& c : s.info->columns) add(c.name);
+    const Scope none;
+    for (auto& v : s.values) Resolve(v, {none});
   }
-  const std::size_t cuantos = s.consulta ? s.consulta->salida.size() : s.valores.size();
-  if (cuantos != s.destinos.size())
+  const std::size_t how_many = s.query ? s.query->output.size() : s.values.size();
+  if (how_many != s.targets.size())
     throw base::Error("El número de valores no coincide con el número de columnas de destino");
 }
 
-void Resolutor::Resolver(Actualizacion& s) {
-  Hojas(s.de, s.fuentes);
-  ResolverFuentes(s.fuentes, nullptr);
-  const Ambito ambito{nullptr, s.fuentes, nullptr};
-  for (const auto& rama : s.de) Condiciones(*rama, nullptr);
-  for (auto& cambio : s.cambios) {
-    Resolver(cambio.columna, {ambito});
-    if (cambio.columna->fuente == nullptr || cambio.columna->fuente->tabla == nullptr) NoActualizable();
-    if (TieneSubconsulta(*cambio.valor)) NoActualizable();
-    Resolver(cambio.valor, {ambito});
+void Resolver::Resolve(Update& s) {
+  Leaves(s.from, s.sources);
+  ResolveSources(s.sources, nullptr);
+  const Scope scope{nullptr, s.sources, nullptr};
+  for (const auto& branch : s.from) ResolveConditions(*branch, nullptr);
+  for (auto& change : s.changes) {
+    Resolve(change.column, {scope});
+    if (change.column->source == nullptr || change.column->source->table == nullptr) ThrowNotUpdatable();
+    if (HasSubquery(*change.value)) ThrowNotUpdatable();
+    Resolve(change.value, {scope});
   }
-  for (std::size_t i = 0; i < s.cambios.size(); ++i)
+  for (std::size_t i = 0; i < s.changes.size(); ++i)
     for (std::size_t j = 0; j < i; ++j)
-      if (s.cambios[i].columna->fuente == s.cambios[j].columna->fuente &&
-          s.cambios[i].columna->columna == s.cambios[j].columna->columna)
-        throw base::Error("La columna '" + s.cambios[i].columna->nombre + "' está repetida");
-  if (s.donde) Resolver(s.donde, {ambito});
+      if (s.changes[i].column->source == s.changes[j].column->source &&
+          s.changes[i].column->column == s.changes[j].column->column)
+        throw base::Error("La columna '" + s.changes[i].column->name + "' está repetida");
+  if (s.where) Resolve(s.where, {scope});
 }
 
-void Resolutor::Resolver(Borrado& s) {
-  Hojas(s.de, s.fuentes);
-  ResolverFuentes(s.fuentes, nullptr);
-  const Ambito ambito{nullptr, s.fuentes, nullptr};
-  for (const auto& rama : s.de) Condiciones(*rama, nullptr);
-  if (s.donde) Resolver(s.donde, {ambito});
-  if (s.objetivo.empty()) {
-    if (s.fuentes.size() > 1)
+void Resolver::Resolve(Delete& s) {
+  Leaves(s.from, s.sources);
+  ResolveSources(s.sources, nullptr);
+  const Scope scope{nullptr, s.sources, nullptr};
+  for (const auto& branch : s.from) ResolveConditions(*branch, nullptr);
+  if (s.where) Resolve(s.where, {scope});
+  if (s.target.empty()) {
+    if (s.sources.size() > 1)
       throw base::Error("DELETE debe decir de qué tabla se borran las filas (tabla.*)");
-    s.fuente = s.fuentes[0];
+    s.source = s.sources[0];
   } else {
-    for (const Fuente* f : s.fuentes)
-      if (base::IgualSinCaso(f->alias.empty() ? f->nombre : f->alias, s.objetivo)) s.fuente = f;
-    for (const Fuente* f : s.fuentes)  // a table that is read under another name
-      if (s.fuente == nullptr && f->tabla != nullptr && base::IgualSinCaso(f->nombre, s.objetivo))
-        s.fuente = f;
-    if (s.fuente == nullptr) throw base::Error("No se encuentra la tabla o consulta '" + s.objetivo + "'");
+    for (const Source* f : s.sources)
+      if (base::EqualIgnoringCase(f->alias.empty() ? f->name : f->alias, s.target)) s.source = f;
+    for (const Source* f : s.sources)  // a table that is read under another name
+      if (s.source == nullptr && f->table != nullptr && base::EqualIgnoringCase(f->name, s.target))
+        s.source = f;
+    if (s.source == nullptr) throw base::Error("No se encuentra la tabla o consulta '" + s.target + "'");
   }
-  if (s.fuente->tabla == nullptr) NoActualizable();
+  if (s.source->table == nullptr) ThrowNotUpdatable();
 }
 
 }  // namespace jetsql

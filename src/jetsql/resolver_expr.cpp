@@ -7,194 +7,194 @@
 namespace jetsql {
 namespace {
 
-void Argumentos(const Expr& e, std::size_t minimo, std::size_t maximo) {
-  if (e.hijos.size() < minimo || e.hijos.size() > maximo)
-    throw base::Error("La función '" + e.nombre + "' tiene un número de argumentos incorrecto");
+void CheckArguments(const Expr& e, std::size_t minimum, std::size_t maximum) {
+  if (e.children.size() < minimum || e.children.size() > maximum)
+    throw base::Error("La función '" + e.name + "' tiene un número de argumentos incorrecto");
 }
 
-constexpr std::size_t kCualquiera = 1000;
+constexpr std::size_t kAnyCount = 1000;
 
 }  // namespace
 
-void Resolutor::Resolver(ExprPtr& e, const Contexto& c) {
-  if (e->resuelto) return;  // an item of the list that was reached by its alias
-  if (e->nodo == Nodo::Columna) {
-    ResolverColumna(e, c);
+void Resolver::Resolve(ExprPtr& e, const Context& c) {
+  if (e->resolved) return;  // an item of the list that was reached by its alias
+  if (e->node == Node::Column) {
+    ResolveColumn(e, c);
     return;
   }
-  if (e->nodo == Nodo::Llamada) {
-    ResolverLlamada(*e, c);
+  if (e->node == Node::Call) {
+    ResolveCall(*e, c);
     return;
   }
-  for (auto& h : e->hijos) Resolver(h, c);
-  e->resuelto = true;
-  switch (e->nodo) {
-    case Nodo::Literal:
-      e->tipo = {e->literal.tipo(), false};
+  for (auto& h : e->children) Resolve(h, c);
+  e->resolved = true;
+  switch (e->node) {
+    case Node::Literal:
+      e->type = {e->literal.type(), false};
       break;
-    case Nodo::Nulo:
-      e->tipo = {base::Tipo::Nulo, true};
+    case Node::Null:
+      e->type = {base::Type::Null, true};
       break;
-    case Nodo::Unario:
-      e->tipo = e->op == Op::No    ? TipoExpr{base::Tipo::Booleano, false}
-                : e->op == Op::Mas ? e->hijos[0]->tipo
-                                   : ComoNumero(e->hijos[0]->tipo);
+    case Node::Unary:
+      e->type = e->op == Op::Not    ? ExprType{base::Type::Boolean, false}
+                : e->op == Op::Plus ? e->children[0]->type
+                                    : AsNumber(e->children[0]->type);
       break;
-    case Nodo::Binario:
-      e->tipo = TipoDeBinario(e->op, *e);
+    case Node::Binary:
+      e->type = BinaryType(e->op, *e);
       break;
-    case Nodo::Subconsulta:
-      ResolverSubconsulta(*e, c, true);
-      e->tipo = e->consulta->salida[0].tipo;
+    case Node::Subquery:
+      ResolveSubquery(*e, c, true);
+      e->type = e->query->output[0].type;
       break;
-    case Nodo::Existe:
-      ResolverSubconsulta(*e, c, false);
-      e->tipo = {base::Tipo::Booleano, false};
+    case Node::Exists:
+      ResolveSubquery(*e, c, false);
+      e->type = {base::Type::Boolean, false};
       break;
-    case Nodo::EnConsulta:
-    case Nodo::Cuantificada:
-      ResolverSubconsulta(*e, c, true);
-      e->tipo = {base::Tipo::Booleano, false};
+    case Node::InQuery:
+    case Node::Quantified:
+      ResolveSubquery(*e, c, true);
+      e->type = {base::Type::Boolean, false};
       break;
-    case Nodo::Estrella:
+    case Node::Star:
       throw base::Error("'*' solo puede estar en Count(*)");
     default:
-      e->tipo = {base::Tipo::Booleano, false};
+      e->type = {base::Type::Boolean, false};
   }
 }
 
-void Resolutor::ResolverSuelta(ExprPtr& e) {
-  const Ambito ninguno;
-  Resolver(e, {ninguno});
+void Resolver::ResolveAlone(ExprPtr& e) {
+  const Scope none;
+  Resolve(e, {none});
 }
 
-void Resolutor::ResolverSubconsulta(Expr& e, const Contexto& c, bool una_columna) {
-  Resolver(*e.consulta, &c.ambito);
-  if (una_columna && e.consulta->salida.size() != 1)
+void Resolver::ResolveSubquery(Expr& e, const Context& c, bool one_column) {
+  Resolve(*e.query, &c.scope);
+  if (one_column && e.query->output.size() != 1)
     throw base::Error("La subconsulta debe devolver una sola columna");
 }
 
 // The alias of a list item stands for the item where no table has a column of that name; inside the item
 // itself the name can only be an outer query's.
-bool Resolutor::PorAlias(ExprPtr& e, const Contexto& c) {
-  if (c.ambito.lista == nullptr || !e->calificador.empty()) return false;
-  for (auto& item : *c.ambito.lista) {
-    if (item.resolviendo || item.alias.empty() || !base::IgualSinCaso(item.alias, e->nombre)) continue;
-    item.resolviendo = true;
-    Resolver(item.expr, c);
-    item.resolviendo = false;
+bool Resolver::ResolveByAlias(ExprPtr& e, const Context& c) {
+  if (c.scope.list == nullptr || !e->qualifier.empty()) return false;
+  for (auto& item : *c.scope.list) {
+    if (item.resolving || item.alias.empty() || !base::EqualIgnoringCase(item.alias, e->name)) continue;
+    item.resolving = true;
+    Resolve(item.expr, c);
+    item.resolving = false;
     e = item.expr;
     return true;
   }
   return false;
 }
 
-void Resolutor::ResolverColumna(ExprPtr& e, const Contexto& c) {
-  Hallada h = EnFuentes(c.ambito.fuentes, *e);
-  if (h.fuente == nullptr && PorAlias(e, c)) return;
-  if (h.fuente == nullptr) h = Buscar(c.ambito, *e);
-  e->resuelto = true;
-  if (h.fuente != nullptr) {
-    const ColumnaFuente& columna = h.fuente->columnas[static_cast<std::size_t>(h.columna)];
-    e->fuente = h.fuente;
-    e->columna = h.columna;
-    e->tipo = columna.tipo;
+void Resolver::ResolveColumn(ExprPtr& e, const Context& c) {
+  Found h = FindInSources(c.scope.sources, *e);
+  if (h.source == nullptr && ResolveByAlias(e, c)) return;
+  if (h.source == nullptr) h = Find(c.scope, *e);
+  e->resolved = true;
+  if (h.source != nullptr) {
+    const SourceColumn& column = h.source->columns[static_cast<std::size_t>(h.column)];
+    e->source = h.source;
+    e->column = h.column;
+    e->type = column.type;
     return;
   }
-  const std::string nombre = e->calificador.empty() ? e->nombre : e->calificador + "." + e->nombre;
-  if (e->calificador.empty()) {
-    if (base::IgualSinCaso(nombre, "YES") || base::IgualSinCaso(nombre, "NO")) {
-      e->nodo = base::IgualSinCaso(nombre, "YES") ? Nodo::Verdadero : Nodo::Falso;
-      e->tipo = {base::Tipo::Booleano, false};
+  const std::string name = e->qualifier.empty() ? e->name : e->qualifier + "." + e->name;
+  if (e->qualifier.empty()) {
+    if (base::EqualIgnoringCase(name, "YES") || base::EqualIgnoringCase(name, "NO")) {
+      e->node = base::EqualIgnoringCase(name, "YES") ? Node::True : Node::False;
+      e->type = {base::Type::Boolean, false};
       return;
     }
     // Date and Now stand without brackets, too.
-    const Funcion* f = BuscarFuncion(nombre);
-    if (f != nullptr && f->maximo == 0) {
-      e->nodo = Nodo::Llamada;
-      e->resuelto = false;
-      ResolverLlamada(*e, c);
+    const Function* f = FindFunction(name);
+    if (f != nullptr && f->maximum == 0) {
+      e->node = Node::Call;
+      e->resolved = false;
+      ResolveCall(*e, c);
       return;
     }
   }
-  if (e->parametro) throw base::Error("Falta el valor del parámetro '" + nombre + "'");
-  throw base::Error("No se encuentra la columna '" + nombre + "'");
+  if (e->parameter) throw base::Error("Falta el valor del parámetro '" + name + "'");
+  throw base::Error("No se encuentra la columna '" + name + "'");
 }
 
-void Resolutor::ResolverLlamada(Expr& e, const Contexto& c) {
-  e.resuelto = true;
-  e.especial = BuscarEspecial(e.nombre);
-  Contexto dentro = c;
-  if (EsAgregado(e.especial)) {
-    if (c.agregados != Agregados::Permitidos)
-      throw base::Error("La función de agregado '" + e.nombre + "' no puede estar aquí");
-    *c.hay_agregado = true;
-    dentro.agregados = Agregados::Dentro;
-    if (e.filtro) Resolver(e.filtro, dentro);
-    Argumentos(e, 1, 1);
-    if (e.especial == Especial::Count && e.hijos[0]->nodo == Nodo::Estrella) {
-      e.tipo = {base::Tipo::Entero, false};
+void Resolver::ResolveCall(Expr& e, const Context& c) {
+  e.resolved = true;
+  e.special = FindSpecial(e.name);
+  Context inside = c;
+  if (IsAggregate(e.special)) {
+    if (c.aggregates != Aggregates::Allowed)
+      throw base::Error("La función de agregado '" + e.name + "' no puede estar aquí");
+    *c.has_aggregate = true;
+    inside.aggregates = Aggregates::Inside;
+    if (e.filter) Resolve(e.filter, inside);
+    CheckArguments(e, 1, 1);
+    if (e.special == Special::Count && e.children[0]->node == Node::Star) {
+      e.type = {base::Type::Integer, false};
       return;
     }
   }
-  if (e.distinto && !EsAgregado(e.especial))
-    throw base::Error("DISTINCT solo puede estar en una función de agregado, y no en '" + e.nombre + "'");
-  for (auto& h : e.hijos) Resolver(h, dentro);
-  if (e.especial != Especial::Ninguna) {
-    ResolverEspecial(e);
+  if (e.distinct && !IsAggregate(e.special))
+    throw base::Error("DISTINCT solo puede estar en una función de agregado, y no en '" + e.name + "'");
+  for (auto& h : e.children) Resolve(h, inside);
+  if (e.special != Special::None) {
+    ResolveSpecial(e);
     return;
   }
-  if (EsDeDominio(e.nombre)) {
-    Argumentos(e, 2, 3);
-    AbrirDominio(e, fijos_);
-    Resolver(*e.consulta, nullptr);
-    if (e.consulta->salida.size() != 1) throw base::Error(e.nombre + " debe dar un solo valor");
-    e.tipo = e.consulta->salida[0].tipo;
+  if (IsDomainFunction(e.name)) {
+    CheckArguments(e, 2, 3);
+    OpenDomain(e, fixed_);
+    Resolve(*e.query, nullptr);
+    if (e.query->output.size() != 1) throw base::Error(e.name + " debe dar un solo valor");
+    e.type = e.query->output[0].type;
     return;
   }
-  e.funcion = BuscarFuncion(e.nombre);
-  if (e.funcion == nullptr) throw base::Error("No se encuentra la función '" + e.nombre + "'");
-  Argumentos(e, static_cast<std::size_t>(e.funcion->minimo),
-             e.funcion->maximo < 0 ? kCualquiera : static_cast<std::size_t>(e.funcion->maximo));
-  if (!e.funcion->determinista) determinista_ = false;
-  switch (e.funcion->regla) {
-    case ReglaTipo::Fijo:
-      e.tipo = {e.funcion->tipo, false};
+  e.function = FindFunction(e.name);
+  if (e.function == nullptr) throw base::Error("No se encuentra la función '" + e.name + "'");
+  CheckArguments(e, static_cast<std::size_t>(e.function->minimum),
+                 e.function->maximum < 0 ? kAnyCount : static_cast<std::size_t>(e.function->maximum));
+  if (!e.function->deterministic) deterministic_ = false;
+  switch (e.function->rule) {
+    case TypeRule::Fixed:
+      e.type = {e.function->type, false};
       break;
-    case ReglaTipo::DelPrimero:
-      e.tipo = e.hijos.empty() ? TipoExpr{} : ComoNumero(e.hijos[0]->tipo);
+    case TypeRule::OfFirst:
+      e.type = e.children.empty() ? ExprType{} : AsNumber(e.children[0]->type);
       break;
-    case ReglaTipo::Comun:
-      e.tipo = {base::Tipo::Nulo, true};
-      for (const auto& h : e.hijos) e.tipo = Comun(e.tipo, h->tipo);
+    case TypeRule::Common:
+      e.type = {base::Type::Null, true};
+      for (const auto& h : e.children) e.type = Common(e.type, h->type);
       break;
   }
 }
 
-void Resolutor::ResolverEspecial(Expr& e) {
-  TipoExpr t{base::Tipo::Nulo, true};
-  switch (e.especial) {
-    case Especial::IIf:
-      Argumentos(e, 2, 3);
-      for (std::size_t i = 1; i < e.hijos.size(); ++i) t = Comun(t, e.hijos[i]->tipo);
+void Resolver::ResolveSpecial(Expr& e) {
+  ExprType t{base::Type::Null, true};
+  switch (e.special) {
+    case Special::IIf:
+      CheckArguments(e, 2, 3);
+      for (std::size_t i = 1; i < e.children.size(); ++i) t = Common(t, e.children[i]->type);
       break;
-    case Especial::Switch:
-      Argumentos(e, 2, kCualquiera);
-      if (e.hijos.size() % 2 != 0) Argumentos(e, kCualquiera, kCualquiera);
-      for (std::size_t i = 1; i < e.hijos.size(); i += 2) t = Comun(t, e.hijos[i]->tipo);
+    case Special::Switch:
+      CheckArguments(e, 2, kAnyCount);
+      if (e.children.size() % 2 != 0) CheckArguments(e, kAnyCount, kAnyCount);
+      for (std::size_t i = 1; i < e.children.size(); i += 2) t = Common(t, e.children[i]->type);
       break;
-    case Especial::Choose:
-      Argumentos(e, 2, kCualquiera);
-      for (std::size_t i = 1; i < e.hijos.size(); ++i) t = Comun(t, e.hijos[i]->tipo);
+    case Special::Choose:
+      CheckArguments(e, 2, kAnyCount);
+      for (std::size_t i = 1; i < e.children.size(); ++i) t = Common(t, e.children[i]->type);
       break;
-    case Especial::EsNulo:
-      Argumentos(e, 1, 1);
-      t = {base::Tipo::Booleano, false};
+    case Special::IsNull:
+      CheckArguments(e, 1, 1);
+      t = {base::Type::Boolean, false};
       break;
     default:
-      t = TipoDeAgregado(e.especial, e.hijos[0]->tipo);
+      t = AggregateType(e.special, e.children[0]->type);
   }
-  e.tipo = t;
+  e.type = t;
 }
 
 }  // namespace jetsql

@@ -13,86 +13,86 @@
 namespace jetsql {
 
 // The tables that a name may come from, from the inside out.
-struct Ambito {
-  const Ambito* padre = nullptr;
-  std::vector<Fuente*> fuentes;
-  std::vector<ItemLista>* lista = nullptr;  // whose aliases may be named, where they may
+struct Scope {
+  const Scope* parent = nullptr;
+  std::vector<Source*> sources;
+  std::vector<ListItem>* list = nullptr;  // whose aliases may be named, where they may
 };
 
-class Resolutor {
+class Resolver {
  public:
-  // `cruzadas`: the columns of the crosstabs among the saved queries, as far as they are known.
-  explicit Resolutor(Catalogo& catalogo, const base::Locale* locale = nullptr,
-                     const std::vector<ColumnasCruzadas>* cruzadas = nullptr)
-      : catalogo_(catalogo),
-        locale_(locale != nullptr ? *locale : base::Locale::espanol()),
-        cruzadas_(cruzadas) {}
+  // `crosstabs`: the columns of the crosstabs among the saved queries, as far as they are known.
+  explicit Resolver(Catalog& catalog, const base::Locale* locale = nullptr,
+                    const std::vector<CrosstabColumns>* crosstabs = nullptr)
+      : catalog_(catalog),
+        locale_(locale != nullptr ? *locale : base::Locale::spanish()),
+        crosstabs_(crosstabs) {}
 
-  void Resolver(Consulta& c, const Ambito* padre = nullptr);
-  void Resolver(Insercion& s);
-  void Resolver(Actualizacion& s);
-  void Resolver(Borrado& s);
-  void ResolverSuelta(ExprPtr& e);                          // that names no table
-  const TablaInfo& TablaDe(std::string_view nombre) const;  // throws when there is none
+  void Resolve(Query& c, const Scope* parent = nullptr);
+  void Resolve(Insert& s);
+  void Resolve(Update& s);
+  void Resolve(Delete& s);
+  void ResolveAlone(ExprPtr& e);                          // that names no table
+  const TableInfo& TableOf(std::string_view name) const;  // throws when there is none
 
   // Literals that decided something, in any order.
-  const std::vector<int>& Fijos() const { return fijos_; }
-  bool Determinista() const { return determinista_; }
+  const std::vector<int>& FixedLiterals() const { return fixed_; }
+  bool IsDeterministic() const { return deterministic_; }
 
  private:
-  enum class Agregados { Prohibidos, Permitidos, Dentro };
-  struct Contexto {
-    const Ambito& ambito;
-    Agregados agregados = Agregados::Prohibidos;
-    bool* hay_agregado = nullptr;
+  enum class Aggregates { Forbidden, Allowed, Inside };
+  struct Context {
+    const Scope& scope;
+    Aggregates aggregates = Aggregates::Forbidden;
+    bool* has_aggregate = nullptr;
   };
-  struct Hallada {
-    const Fuente* fuente = nullptr;
-    int columna = -1;
+  struct Found {
+    const Source* source = nullptr;
+    int column = -1;
   };
 
   // Sources and names (resolver.cpp).
-  void Hojas(const std::vector<RamaPtr>& de, std::vector<Fuente*>& fuentes) const;
-  void Hojas(const Rama& rama, std::vector<Fuente*>& fuentes) const;
-  void ResolverFuentes(const std::vector<Fuente*>& fuentes, const Ambito* padre);
-  void ResolverFuente(Fuente& f, const Ambito* padre);
-  void AbrirConsulta(Fuente& f, const std::string& texto);
-  void AbrirCruce(const Fuente& f) const;
-  void Condiciones(Rama& rama, const Ambito* padre);
-  std::string AliasUnico(std::string_view nombre);
-  Hallada EnFuentes(const std::vector<Fuente*>& fuentes, const Expr& e) const;
-  Hallada PorTablaLeida(const Ambito& ambito, const Expr& e) const;
-  Hallada Buscar(const Ambito& ambito, const Expr& e) const;
+  void Leaves(const std::vector<BranchPtr>& from, std::vector<Source*>& sources) const;
+  void Leaves(const Branch& branch, std::vector<Source*>& sources) const;
+  void ResolveSources(const std::vector<Source*>& sources, const Scope* parent);
+  void ResolveSource(Source& f, const Scope* parent);
+  void OpenQuery(Source& f, const std::string& text);
+  void OpenCrosstab(const Source& f) const;
+  void ResolveConditions(Branch& branch, const Scope* parent);
+  std::string UniqueAlias(std::string_view name);
+  Found FindInSources(const std::vector<Source*>& sources, const Expr& e) const;
+  Found FindByTableRead(const Scope& scope, const Expr& e) const;
+  Found Find(const Scope& scope, const Expr& e) const;
 
   // Queries (resolver_query.cpp).
-  void ResolverParte(Seleccion& s, const Ambito* padre);
-  void Expandir(Seleccion& s) const;
-  void NombrarSalida(Seleccion& s) const;
-  void ResolverOrden(Consulta& c, const Ambito* padre);
-  void OrdenDeUnion(Consulta& c);
-  void OrdenDeDistintas(Consulta& c);
-  void CalcularSalida(Consulta& c) const;
-  void ElegirDistintas(Seleccion& s) const;
-  static bool NombraAfuera(const Expr& e, const Seleccion& s);
-  void ComprobarGrupo(Seleccion& s, ExprPtr& e, bool dentro_de_agregado);
-  bool Iguales(const Expr& a, const Expr& b, std::vector<int>& literales) const;
-  bool Casan(const Expr& a, const Expr& b);  // the same, noting the literals in fijos_
+  void ResolvePart(Select& s, const Scope* parent);
+  void Expand(Select& s) const;
+  void NameOutput(Select& s) const;
+  void ResolveOrder(Query& c, const Scope* parent);
+  void ResolveUnionOrder(Query& c);
+  void ResolveDistinctOrder(Query& c);
+  void ComputeOutput(Query& c) const;
+  void ChooseDistinct(Select& s) const;
+  static bool NamesOuter(const Expr& e, const Select& s);
+  void CheckGroup(Select& s, ExprPtr& e, bool inside_aggregate);
+  bool AreEqual(const Expr& a, const Expr& b, std::vector<int>& literals) const;
+  bool Match(const Expr& a, const Expr& b);  // the same, noting the literals in fixed_
 
   // Expressions (resolver_expr.cpp).
-  void Resolver(ExprPtr& e, const Contexto& c);
-  void ResolverColumna(ExprPtr& e, const Contexto& c);
-  void ResolverLlamada(Expr& e, const Contexto& c);
-  void ResolverEspecial(Expr& e);
-  bool PorAlias(ExprPtr& e, const Contexto& c);
-  void ResolverSubconsulta(Expr& e, const Contexto& c, bool una_columna);
+  void Resolve(ExprPtr& e, const Context& c);
+  void ResolveColumn(ExprPtr& e, const Context& c);
+  void ResolveCall(Expr& e, const Context& c);
+  void ResolveSpecial(Expr& e);
+  bool ResolveByAlias(ExprPtr& e, const Context& c);
+  void ResolveSubquery(Expr& e, const Context& c, bool one_column);
 
-  Catalogo& catalogo_;
+  Catalog& catalog_;
   const base::Locale& locale_;
-  const std::vector<ColumnasCruzadas>* cruzadas_;
-  std::vector<std::string> abiertas_;   // saved queries being read
+  const std::vector<CrosstabColumns>* crosstabs_;
+  std::vector<std::string> open_;       // saved queries being read
   std::vector<std::string> alias_sql_;  // in use, in lower case
-  std::vector<int> fijos_;
-  bool determinista_ = true;
+  std::vector<int> fixed_;
+  bool deterministic_ = true;
 };
 
 }  // namespace jetsql

@@ -10,266 +10,268 @@
 namespace jetsql {
 namespace {
 
-ExprPtr ColumnaResuelta(const Fuente& f, std::size_t i) {
-  auto e = std::make_shared<Expr>(Nodo::Columna);
-  e->calificador = f.alias.empty() ? f.nombre : f.alias;
-  e->nombre = f.columnas[i].nombre;
-  e->fuente = &f;
-  e->columna = static_cast<int>(i);
-  e->tipo = f.columnas[i].tipo;
-  e->resuelto = true;
+ExprPtr ResolvedColumn(const Source& f, std::size_t i) {
+  auto e = std::make_shared<Expr>(Node::Column);
+  e->qualifier = f.alias.empty() ? f.name : f.alias;
+  e->name = f.columns[i].name;
+  e->source = &f;
+  e->column = static_cast<int>(i);
+  e->type = f.columns[i].type;
+  e->resolved = true;
   return e;
 }
 
-bool EsPosicion(const Expr& e) { return e.nodo == Nodo::Literal && e.literal.tipo() == base::Tipo::Entero; }
+bool IsPosition(const Expr& e) { return e.node == Node::Literal && e.literal.type() == base::Type::Integer; }
 
-void Usadas(const Expr& e, std::vector<const Fuente*>& usadas) {
-  if (e.fuente != nullptr && std::find(usadas.begin(), usadas.end(), e.fuente) == usadas.end())
-    usadas.push_back(e.fuente);
-  for (const auto& h : e.hijos) Usadas(*h, usadas);
+void CollectUsed(const Expr& e, std::vector<const Source*>& used) {
+  if (e.source != nullptr && std::find(used.begin(), used.end(), e.source) == used.end())
+    used.push_back(e.source);
+  for (const auto& h : e.children) CollectUsed(*h, used);
 }
 
 }  // namespace
 
-void Resolutor::Resolver(Consulta& c, const Ambito* padre) {
-  if (c.cruce) ExpandirCruce(c, locale_, fijos_);
-  for (auto& parte : c.partes) {
-    ResolverParte(parte, padre);
-    if (parte.lista.size() != c.partes[0].lista.size())
+void Resolver::Resolve(Query& c, const Scope* parent) {
+  if (c.crosstab) ExpandCrosstab(c, locale_, fixed_);
+  for (auto& part : c.parts) {
+    ResolvePart(part, parent);
+    if (part.list.size() != c.parts[0].list.size())
       throw base::Error("Las consultas de la unión no tienen el mismo número de columnas");
   }
-  ResolverOrden(c, padre);
-  CalcularSalida(c);
+  ResolveOrder(c, parent);
+  ComputeOutput(c);
 }
 
-void Resolutor::ResolverParte(Seleccion& s, const Ambito* padre) {
-  Hojas(s.de, s.fuentes);
-  ResolverFuentes(s.fuentes, padre);
-  const Ambito sin_alias{padre, s.fuentes, nullptr};
-  for (const auto& rama : s.de) Condiciones(*rama, padre);
-  if (s.donde) Resolver(s.donde, {sin_alias});
-  Expandir(s);
-  bool agregado = false;
-  const Ambito ambito{padre, s.fuentes, &s.lista};
-  for (auto& item : s.lista) {
-    item.resolviendo = true;
-    Resolver(item.expr, {ambito, Agregados::Permitidos, &agregado});
-    item.resolviendo = false;
+void Resolver::ResolvePart(Select& s, const Scope* parent) {
+  Leaves(s.from, s.sources);
+  ResolveSources(s.sources, parent);
+  const Scope without_aliases{parent, s.sources, nullptr};
+  for (const auto& branch : s.from) ResolveConditions(*branch, parent);
+  if (s.where) Resolve(s.where, {without_aliases});
+  Expand(s);
+  bool aggregate = false;
+  const Scope scope{parent, s.sources, &s.list};
+  for (auto& item : s.list) {
+    item.resolving = true;
+    Resolve(item.expr, {scope, Aggregates::Allowed, &aggregate});
+    item.resolving = false;
   }
-  for (auto& g : s.grupo) Resolver(g, {sin_alias});
-  if (s.teniendo) Resolver(s.teniendo, {sin_alias, Agregados::Permitidos, &agregado});
-  s.agregada = agregado || !s.grupo.empty() || s.teniendo != nullptr;
-  if (s.agregada) {
-    for (auto& item : s.lista) ComprobarGrupo(s, item.expr, false);
-    if (s.teniendo) ComprobarGrupo(s, s.teniendo, false);
+  for (auto& g : s.group) Resolve(g, {without_aliases});
+  if (s.having) Resolve(s.having, {without_aliases, Aggregates::Allowed, &aggregate});
+  s.aggregated = aggregate || !s.group.empty() || s.having != nullptr;
+  if (s.aggregated) {
+    for (auto& item : s.list) CheckGroup(s, item.expr, false);
+    if (s.having) CheckGroup(s, s.having, false);
   }
-  NombrarSalida(s);
-  ElegirDistintas(s);
+  NameOutput(s);
+  ChooseDistinct(s);
 }
 
-void Resolutor::Expandir(Seleccion& s) const {
-  std::vector<ItemLista> lista;
-  for (auto& item : s.lista) {
+void Resolver::Expand(Select& s) const {
+  std::vector<ListItem> list;
+  for (auto& item : s.list) {
     if (item.expr) {
-      lista.push_back(std::move(item));
+      list.push_back(std::move(item));
       continue;
     }
-    std::vector<const Fuente*> de;
-    for (const Fuente* f : s.fuentes) {
-      const bool es = item.calificador.empty() ||
-                      base::IgualSinCaso(f->alias.empty() ? f->nombre : f->alias, item.calificador);
-      if (es) de.push_back(f);
+    std::vector<const Source*> from;
+    for (const Source* f : s.sources) {
+      const bool matches = item.qualifier.empty() ||
+                           base::EqualIgnoringCase(f->alias.empty() ? f->name : f->alias, item.qualifier);
+      if (matches) from.push_back(f);
     }
-    for (const Fuente* f : s.fuentes)  // a base table that is read under another name
-      if (de.empty() && std::any_of(f->lee.begin(), f->lee.end(), [&](const std::string& t) {
-            return base::IgualSinCaso(t, item.calificador);
+    for (const Source* f : s.sources)  // a base table that is read under another name
+      if (from.empty() && std::any_of(f->reads.begin(), f->reads.end(), [&](const std::string& t) {
+            return base::EqualIgnoringCase(t, item.qualifier);
           }))
-        de.push_back(f);
-    if (de.empty())
-      throw base::Error(item.calificador.empty()
+        from.push_back(f);
+    if (from.empty())
+      throw base::Error(item.qualifier.empty()
                             ? "'*' necesita una cláusula FROM"
-                            : "No se encuentra la tabla o consulta '" + item.calificador + "'");
-    for (const Fuente* f : de)
-      for (std::size_t i = 0; i < f->columnas.size(); ++i) {
-        ItemLista columna;
-        columna.expr = ColumnaResuelta(*f, i);
-        lista.push_back(std::move(columna));
+                            : "No se encuentra la tabla o consulta '" + item.qualifier + "'");
+    for (const Source* f : from)
+      for (std::size_t i = 0; i < f->columns.size(); ++i) {
+        ListItem column;
+        column.expr = ResolvedColumn(*f, i);
+        list.push_back(std::move(column));
       }
   }
-  s.lista = std::move(lista);
+  s.list = std::move(list);
 }
 
-void Resolutor::NombrarSalida(Seleccion& s) const {
-  std::vector<std::string> usados;
-  usados.reserve(s.lista.size());
-  for (std::size_t i = 0; i < s.lista.size(); ++i) {
-    ItemLista& item = s.lista[i];
+void Resolver::NameOutput(Select& s) const {
+  std::vector<std::string> used;
+  used.reserve(s.list.size());
+  for (std::size_t i = 0; i < s.list.size(); ++i) {
+    ListItem& item = s.list[i];
     if (!item.alias.empty())
-      item.nombre = item.alias;
-    else if (item.expr->nodo == Nodo::Columna)
-      item.nombre = item.expr->fuente->columnas[static_cast<std::size_t>(item.expr->columna)].nombre;
+      item.name = item.alias;
+    else if (item.expr->node == Node::Column)
+      item.name = item.expr->source->columns[static_cast<std::size_t>(item.expr->column)].name;
     else
-      item.nombre = "Expr" + std::to_string(1000 + i);
-    std::string sql = item.nombre;
-    for (int n = 2; std::find(usados.begin(), usados.end(), base::Minusculas(sql)) != usados.end(); ++n)
-      sql = item.nombre + "_" + std::to_string(n);
-    usados.push_back(base::Minusculas(sql));
-    item.nombre_sql = std::move(sql);
+      item.name = "Expr" + std::to_string(1000 + i);
+    std::string sql = item.name;
+    for (int n = 2; std::find(used.begin(), used.end(), base::LowerCase(sql)) != used.end(); ++n)
+      sql = item.name + "_" + std::to_string(n);
+    used.push_back(base::LowerCase(sql));
+    item.sql_name = std::move(sql);
   }
 }
 
 // DISTINCTROW leaves one row for each different set of rows of the tables that the list names, when it does
 // not name them all. A derived table has no rows of its own to tell apart: then nothing is left out.
-void Resolutor::ElegirDistintas(Seleccion& s) const {
-  if (s.distincion != Distincion::DistinctRow || s.agregada || s.fuentes.size() < 2) return;
-  std::vector<const Fuente*> usadas;
-  for (const auto& item : s.lista) Usadas(*item.expr, usadas);
-  if (usadas.empty() || usadas.size() == s.fuentes.size()) return;
-  for (Fuente* f : s.fuentes) {
-    if (std::find(usadas.begin(), usadas.end(), f) == usadas.end()) continue;
-    if (f->tabla == nullptr) {
-      s.distintas.clear();
+void Resolver::ChooseDistinct(Select& s) const {
+  if (s.distinctness != Distinctness::DistinctRow || s.aggregated || s.sources.size() < 2) return;
+  std::vector<const Source*> used;
+  for (const auto& item : s.list) CollectUsed(*item.expr, used);
+  if (used.empty() || used.size() == s.sources.size()) return;
+  for (Source* f : s.sources) {
+    if (std::find(used.begin(), used.end(), f) == used.end()) continue;
+    if (f->table == nullptr) {
+      s.distinct.clear();
       return;
     }
-    s.distintas.push_back(f);
+    s.distinct.push_back(f);
   }
 }
 
 // Every part of an expression of an aggregated query is a group's expression, inside an aggregate, or made of
 // such. A part that is a group's expression becomes that very tree, so that SQLite sees the same text.
-void Resolutor::ComprobarGrupo(Seleccion& s, ExprPtr& e, bool dentro_de_agregado) {
-  if (dentro_de_agregado) return;
-  for (const auto& g : s.grupo) {
+void Resolver::CheckGroup(Select& s, ExprPtr& e, bool inside_aggregate) {
+  if (inside_aggregate) return;
+  for (const auto& g : s.group) {
     if (g == e) return;
-    if (!Casan(*g, *e)) continue;
+    if (!Match(*g, *e)) continue;
     e = g;
     return;
   }
-  if (e->nodo == Nodo::Columna) {
-    if (std::find(s.fuentes.begin(), s.fuentes.end(), e->fuente) == s.fuentes.end())
+  if (e->node == Node::Column) {
+    if (std::find(s.sources.begin(), s.sources.end(), e->source) == s.sources.end())
       return;  // of an outer query
-    throw base::Error("La columna '" + e->nombre +
+    throw base::Error("La columna '" + e->name +
                       "' no está en GROUP BY ni dentro de una función de agregado");
   }
-  const bool agregado = e->nodo == Nodo::Llamada && EsAgregado(e->especial);
-  for (auto& h : e->hijos) ComprobarGrupo(s, h, agregado);
+  const bool aggregate = e->node == Node::Call && IsAggregate(e->special);
+  for (auto& h : e->children) CheckGroup(s, h, aggregate);
 }
 
 // Whether it names a table of an outer query.
-bool Resolutor::NombraAfuera(const Expr& e, const Seleccion& s) {
-  if (e.fuente != nullptr && std::find(s.fuentes.begin(), s.fuentes.end(), e.fuente) == s.fuentes.end())
+bool Resolver::NamesOuter(const Expr& e, const Select& s) {
+  if (e.source != nullptr && std::find(s.sources.begin(), s.sources.end(), e.source) == s.sources.end())
     return true;
-  return std::any_of(e.hijos.begin(), e.hijos.end(), [&](const ExprPtr& h) { return NombraAfuera(*h, s); });
+  return std::any_of(e.children.begin(), e.children.end(),
+                     [&](const ExprPtr& h) { return NamesOuter(*h, s); });
 }
 
-void Resolutor::ResolverOrden(Consulta& c, const Ambito* padre) {
-  if (c.partes.size() > 1) {
-    OrdenDeUnion(c);
+void Resolver::ResolveOrder(Query& c, const Scope* parent) {
+  if (c.parts.size() > 1) {
+    ResolveUnionOrder(c);
     return;
   }
-  Seleccion& s = c.partes[0];
-  bool agregado = false;
-  const Ambito ambito{padre, s.fuentes, &s.lista};
-  for (auto& o : c.orden) {
-    if (EsPosicion(*o.expr)) {
-      const std::int64_t n = *o.expr->literal.Si<std::int64_t>();
-      if (n < 1 || n > static_cast<std::int64_t>(s.lista.size()))
+  Select& s = c.parts[0];
+  bool aggregate = false;
+  const Scope scope{parent, s.sources, &s.list};
+  for (auto& o : c.order) {
+    if (IsPosition(*o.expr)) {
+      const std::int64_t n = *o.expr->literal.GetIf<std::int64_t>();
+      if (n < 1 || n > static_cast<std::int64_t>(s.list.size()))
         throw base::Error("ORDER BY " + std::to_string(n) + ": no hay una columna en esa posición");
-      if (o.expr->indice >= 0) fijos_.push_back(o.expr->indice);
-      o.posicion = static_cast<int>(n - 1);
-      o.expr = s.lista[static_cast<std::size_t>(n - 1)].expr;
+      if (o.expr->index >= 0) fixed_.push_back(o.expr->index);
+      o.position = static_cast<int>(n - 1);
+      o.expr = s.list[static_cast<std::size_t>(n - 1)].expr;
       continue;
     }
-    Resolver(o.expr, {ambito, Agregados::Permitidos, &agregado});
-    if (agregado && !s.agregada) throw base::Error("ORDER BY tiene una función de agregado y la consulta no");
-    if (s.agregada) ComprobarGrupo(s, o.expr, false);
-    c.orden_por_fuera = c.orden_por_fuera || NombraAfuera(*o.expr, s);
+    Resolve(o.expr, {scope, Aggregates::Allowed, &aggregate});
+    if (aggregate && !s.aggregated)
+      throw base::Error("ORDER BY tiene una función de agregado y la consulta no");
+    if (s.aggregated) CheckGroup(s, o.expr, false);
+    c.orders_by_outer = c.orders_by_outer || NamesOuter(*o.expr, s);
   }
-  if (s.distincion == Distincion::Distinct) OrdenDeDistintas(c);
+  if (s.distinctness == Distinctness::Distinct) ResolveDistinctOrder(c);
 }
 
 // A union is ordered by the names, or the positions, of its first query.
-void Resolutor::OrdenDeUnion(Consulta& c) {
-  const auto& lista = c.partes[0].lista;
-  for (auto& o : c.orden) {
-    if (EsPosicion(*o.expr)) {
-      const std::int64_t n = *o.expr->literal.Si<std::int64_t>();
-      if (n >= 1 && n <= static_cast<std::int64_t>(lista.size())) o.posicion = static_cast<int>(n - 1);
-      if (o.expr->indice >= 0) fijos_.push_back(o.expr->indice);
-    } else if (o.expr->nodo == Nodo::Columna) {
-      for (std::size_t i = 0; i < lista.size() && o.posicion < 0; ++i)
-        if (base::IgualSinCaso(lista[i].nombre, o.expr->nombre)) o.posicion = static_cast<int>(i);
+void Resolver::ResolveUnionOrder(Query& c) {
+  const auto& list = c.parts[0].list;
+  for (auto& o : c.order) {
+    if (IsPosition(*o.expr)) {
+      const std::int64_t n = *o.expr->literal.GetIf<std::int64_t>();
+      if (n >= 1 && n <= static_cast<std::int64_t>(list.size())) o.position = static_cast<int>(n - 1);
+      if (o.expr->index >= 0) fixed_.push_back(o.expr->index);
+    } else if (o.expr->node == Node::Column) {
+      for (std::size_t i = 0; i < list.size() && o.position < 0; ++i)
+        if (base::EqualIgnoringCase(list[i].name, o.expr->name)) o.position = static_cast<int>(i);
     }
-    if (o.posicion < 0)
-      throw base::Error("ORDER BY " + Imprimir(*o.expr) +
+    if (o.position < 0)
+      throw base::Error("ORDER BY " + Print(*o.expr) +
                         ": una unión se ordena por las columnas de su primera consulta");
-    o.expr = lista[static_cast<std::size_t>(o.posicion)].expr;
+    o.expr = list[static_cast<std::size_t>(o.position)].expr;
   }
 }
 
-void Resolutor::OrdenDeDistintas(Consulta& c) {
-  const auto& lista = c.partes[0].lista;
-  for (auto& o : c.orden) {
-    for (std::size_t i = 0; i < lista.size() && o.posicion < 0; ++i)
-      if (lista[i].expr == o.expr || Casan(*lista[i].expr, *o.expr)) o.posicion = static_cast<int>(i);
-    if (o.posicion < 0)
+void Resolver::ResolveDistinctOrder(Query& c) {
+  const auto& list = c.parts[0].list;
+  for (auto& o : c.order) {
+    for (std::size_t i = 0; i < list.size() && o.position < 0; ++i)
+      if (list[i].expr == o.expr || Match(*list[i].expr, *o.expr)) o.position = static_cast<int>(i);
+    if (o.position < 0)
       throw base::Error("ORDER BY tiene una expresión que no está en la lista de SELECT DISTINCT");
   }
 }
 
-void Resolutor::CalcularSalida(Consulta& c) const {
-  const auto& lista = c.partes[0].lista;
-  for (std::size_t i = 0; i < lista.size(); ++i) {
-    ColumnaFuente col;
-    col.nombre = lista[i].nombre;
-    col.nombre_sql = lista[i].nombre_sql;
-    if (col.nombre_sql != col.nombre || std::any_of(lista.begin(), lista.end(), [&](const ItemLista& otro) {
-          return &otro != &lista[i] && base::IgualSinCaso(otro.nombre, col.nombre);
+void Resolver::ComputeOutput(Query& c) const {
+  const auto& list = c.parts[0].list;
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    SourceColumn col;
+    col.name = list[i].name;
+    col.sql_name = list[i].sql_name;
+    if (col.sql_name != col.name || std::any_of(list.begin(), list.end(), [&](const ListItem& other) {
+          return &other != &list[i] && base::EqualIgnoringCase(other.name, col.name);
         })) {
-      const Expr& e = *lista[i].expr;
-      if (lista[i].alias.empty() && e.nodo == Nodo::Columna)
-        col.nombre_largo = (e.fuente->alias.empty() ? e.fuente->nombre : e.fuente->alias) + "." + col.nombre;
+      const Expr& e = *list[i].expr;
+      if (list[i].alias.empty() && e.node == Node::Column)
+        col.long_name = (e.source->alias.empty() ? e.source->name : e.source->alias) + "." + col.name;
     }
-    col.tipo = {base::Tipo::Nulo, true};
-    for (const auto& parte : c.partes) col.tipo = Comun(col.tipo, parte.lista[i].expr->tipo);
-    col.cotejada = PuedeSerTexto(col.tipo);
-    c.salida.push_back(std::move(col));
+    col.type = {base::Type::Null, true};
+    for (const auto& part : c.parts) col.type = Common(col.type, part.list[i].expr->type);
+    col.collated = MayBeText(col.type);
+    c.output.push_back(std::move(col));
   }
 }
 
-bool Resolutor::Iguales(const Expr& a, const Expr& b, std::vector<int>& literales) const {
-  if (a.nodo != b.nodo || a.negado != b.negado || a.hijos.size() != b.hijos.size()) return false;
-  if (a.consulta || b.consulta) return false;
-  switch (a.nodo) {
-    case Nodo::Literal:
+bool Resolver::AreEqual(const Expr& a, const Expr& b, std::vector<int>& literals) const {
+  if (a.node != b.node || a.negated != b.negated || a.children.size() != b.children.size()) return false;
+  if (a.query || b.query) return false;
+  switch (a.node) {
+    case Node::Literal:
       if (!(a.literal == b.literal)) return false;
-      if (a.indice >= 0) literales.push_back(a.indice);
-      if (b.indice >= 0) literales.push_back(b.indice);
+      if (a.index >= 0) literals.push_back(a.index);
+      if (b.index >= 0) literals.push_back(b.index);
       break;
-    case Nodo::Columna:
-      if (a.fuente != b.fuente || a.columna != b.columna) return false;
+    case Node::Column:
+      if (a.source != b.source || a.column != b.column) return false;
       break;
-    case Nodo::Llamada:
-      if (a.funcion != b.funcion || a.especial != b.especial || a.distinto != b.distinto || a.filtro ||
-          b.filtro)
+    case Node::Call:
+      if (a.function != b.function || a.special != b.special || a.distinct != b.distinct || a.filter ||
+          b.filter)
         return false;
       break;
-    case Nodo::Unario:
-    case Nodo::Binario:
+    case Node::Unary:
+    case Node::Binary:
       if (a.op != b.op) return false;
       break;
     default:
       break;
   }
-  for (std::size_t i = 0; i < a.hijos.size(); ++i)
-    if (!Iguales(*a.hijos[i], *b.hijos[i], literales)) return false;
+  for (std::size_t i = 0; i < a.children.size(); ++i)
+    if (!AreEqual(*a.children[i], *b.children[i], literals)) return false;
   return true;
 }
 
-bool Resolutor::Casan(const Expr& a, const Expr& b) {
-  std::vector<int> literales;
-  if (!Iguales(a, b, literales)) return false;
-  fijos_.insert(fijos_.end(), literales.begin(), literales.end());
+bool Resolver::Match(const Expr& a, const Expr& b) {
+  std::vector<int> literals;
+  if (!AreEqual(a, b, literals)) return false;
+  fixed_.insert(fixed_.end(), literals.begin(), literals.end());
   return true;
 }
 

@@ -1,8 +1,8 @@
-// What the SQLite text written by Traducir expects of the connection that runs it, besides the dialect's
+// What the SQLite text written by Translate expects of the connection that runs it, besides the dialect's
 // functions (jet_<name>, see functions.h) and SQLite's own.
 //
 // Storage: dates are REAL day serials, booleans INTEGER -1/0, single, currency and numbers REAL, integers
-// INTEGER, texts TEXT. A parameter ?n is literal n-1 of the Forma: integers INTEGER, numbers REAL, dates REAL
+// INTEGER, texts TEXT. A parameter ?n is literal n-1 of the Shape: integers INTEGER, numbers REAL, dates REAL
 // serial, texts TEXT.
 //
 // Collation JET: the Access sort order of the connection. Columns of texts are created with it.
@@ -32,7 +32,7 @@
 // jet_to_int(a): what an integer column stores: half to even; text as jet_num; error 6 outside 64 bits.
 //
 // jet_to_single(a): what a single column stores: the nearest float as its shortest 7-digit decimal
-// (base::DobleDeSimple), error 6 on overflow; text as jet_num.
+// (base::DoubleOfSingle), error 6 on overflow; text as jet_num.
 //
 // jet_as_single(a): a double that is compared with a single: the same, but what is too large stays as it is.
 //
@@ -55,35 +55,35 @@
 
 #include <string_view>
 
-#include "base/valor.h"
+#include "base/value.h"
 
 namespace jetsql {
 
 // The tag letter of a type.
-constexpr char LetraDeTipo(base::Tipo tipo) {
-  switch (tipo) {
-    case base::Tipo::Booleano:
+constexpr char TypeLetter(base::Type type) {
+  switch (type) {
+    case base::Type::Boolean:
       return 'B';
-    case base::Tipo::Entero:
+    case base::Type::Integer:
       return 'I';
-    case base::Tipo::Simple:
+    case base::Type::Single:
       return 'S';
-    case base::Tipo::Numero:
+    case base::Type::Number:
       return 'N';
-    case base::Tipo::Moneda:
+    case base::Type::Currency:
       return 'C';
-    case base::Tipo::Fecha:
+    case base::Type::Date:
       return 'D';
-    case base::Tipo::Texto:
+    case base::Type::Text:
       return 'T';
-    case base::Tipo::Nulo:
+    case base::Type::Null:
       break;
   }
   return '?';
 }
 
 // The type of a column from its declared type in the file ("LONG_INT", "TEXT(20)", …), the inverse of what a
-// CREATE TABLE is translated to; Nulo for a declaration that is none of ours and says nothing.
-base::Tipo TipoDeDeclaracion(std::string_view declaracion);
+// CREATE TABLE is translated to; Null for a declaration that is none of ours and says nothing.
+base::Type DeclaredType(std::string_view declaration);
 
 }  // namespace jetsql

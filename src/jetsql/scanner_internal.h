@@ -7,57 +7,55 @@
 #include <string>
 #include <string_view>
 
-#include "base/valor.h"
+#include "base/value.h"
 
 namespace jetsql {
 
-enum class ClaseToken : std::uint8_t {
-  Fin,
-  Nombre,     // a word, keywords included
-  Corchetes,  // [name] or `name`, with its marks
-  Entero,
+enum class TokenKind : std::uint8_t {
+  End,
+  Name,      // a word, keywords included
+  Brackets,  // [name] or `name`, with its marks
+  Integer,
   Real,
-  Texto,  // with its quotes
-  Fecha,  // with its #
-  Signo,  // one or two characters
-  Malo    // a literal or name without its end, or a character that means nothing
+  Text,      // with its quotes
+  Date,      // with its #
+  Sign,      // one or two characters
+  Malformed  // a literal or name without its end, or a character that means nothing
 };
 
 struct Token {
-  ClaseToken clase = ClaseToken::Fin;
-  std::size_t inicio = 0;  // bytes
-  std::size_t fin = 0;
+  TokenKind kind = TokenKind::End;
+  std::size_t start = 0;  // bytes
+  std::size_t end = 0;
 };
 
 // Words that end an expression or a table, and so are names only in brackets.
-bool PalabraReservada(std::string_view palabra);
+bool IsReservedWord(std::string_view word);
 
-class Escaner {
+class Scanner {
  public:
-  // From byte `desde`, where a token starts that follows no name.
-  explicit Escaner(std::string_view sql, std::size_t desde = 0) : sql_(sql), i_(desde) {}
-  Token Siguiente() { return anterior_ = Cortar(); }
+  // From byte `from`, where a token starts that follows no name.
+  explicit Scanner(std::string_view sql, std::size_t from = 0) : sql_(sql), i_(from) {}
+  Token Next() { return previous_ = Cut(); }
 
  private:
-  Token Cortar();
-  Token Hasta(char cierre, ClaseToken clase, std::size_t inicio);
-  Token Cadena(char comilla, std::size_t inicio);
-  Token Numero(std::size_t inicio);
-  Token HexOctal(std::size_t inicio);
-  Token Sign(std::size_t inicio);
-  bool TrasOperando() const;
+  Token Cut();
+  Token ReadUntil(char closing, TokenKind kind, std::size_t start);
+  Token String(char quote, std::size_t start);
+  Token Number(std::size_t start);
+  Token HexOctal(std::size_t start);
+  Token Sign(std::size_t start);
+  bool IsAfterOperand() const;
 
   std::string_view sql_;
   std::size_t i_;
-  bool tras_nombre_ = false;  // the "." that follows separates names and starts no number
-  Token anterior_;
+  bool after_name_ = false;  // the "." that follows separates names and starts no number
+  Token previous_;
 };
 
-constexpr bool EsLiteral(ClaseToken clase) {
-  return clase >= ClaseToken::Entero && clase <= ClaseToken::Fecha;
-}
+constexpr bool IsLiteral(TokenKind kind) { return kind >= TokenKind::Integer && kind <= TokenKind::Date; }
 
 // The value of a literal token; false for a date that cannot be read or that leaves its year open.
-bool LeerLiteral(ClaseToken clase, std::string_view texto, base::Valor& valor);
+bool ReadLiteral(TokenKind kind, std::string_view text, base::Value& value);
 
 }  // namespace jetsql

@@ -7,22 +7,22 @@
 namespace jetsql {
 namespace {
 
-constexpr std::array<char, 256> Mayusculas() {
+constexpr std::array<char, 256> UpperCase() {
   std::array<char, 256> t{};
   for (int c = 0; c < 256; ++c) t[static_cast<std::size_t>(c)] = static_cast<char>(c);
   for (int c = 'a'; c <= 'z'; ++c) t[static_cast<std::size_t>(c)] = static_cast<char>(c - 'a' + 'A');
   return t;
 }
-constexpr auto kMayusculas = Mayusculas();
+constexpr auto kUpperCase = UpperCase();
 
 // Control characters, which no token outside brackets may hold.
-char Marca(ClaseToken clase) {
-  switch (clase) {
-    case ClaseToken::Entero:
+char MarkOf(TokenKind kind) {
+  switch (kind) {
+    case TokenKind::Integer:
       return '\x01';
-    case ClaseToken::Real:
+    case TokenKind::Real:
       return '\x02';
-    case ClaseToken::Texto:
+    case TokenKind::Text:
       return '\x03';
     default:
       return '\x04';
@@ -33,39 +33,39 @@ char Marca(ClaseToken clase) {
 
 // Letters beyond ASCII keep their case: two spellings then have two shapes, which costs a translation and
 // nothing else.
-bool SepararLiterales(std::string_view sql, Forma& forma) {
-  forma.literales.clear();
-  forma.lugares.clear();
+bool SeparateLiterals(std::string_view sql, Shape& shape) {
+  shape.literals.clear();
+  shape.places.clear();
   // Never longer than the text: a mark is shorter than its literal, a blank than its white space.
-  forma.clave.resize(sql.size());
-  char* const inicio = forma.clave.data();
-  char* p = inicio;
-  Escaner escaner(sql);
-  std::size_t fin = 0;
+  shape.key.resize(sql.size());
+  char* const start = shape.key.data();
+  char* p = start;
+  Scanner scanner(sql);
+  std::size_t end = 0;
   for (;;) {
-    const Token t = escaner.Siguiente();
-    if (t.clase == ClaseToken::Fin) break;
-    if (t.inicio > fin && p != inicio) *p++ = ' ';
-    fin = t.fin;
-    const std::string_view texto = sql.substr(t.inicio, t.fin - t.inicio);
-    switch (t.clase) {
-      case ClaseToken::Malo:
+    const Token t = scanner.Next();
+    if (t.kind == TokenKind::End) break;
+    if (t.start > end && p != start) *p++ = ' ';
+    end = t.end;
+    const std::string_view text = sql.substr(t.start, t.end - t.start);
+    switch (t.kind) {
+      case TokenKind::Malformed:
         return false;
-      case ClaseToken::Nombre:
-        for (const char c : texto) *p++ = kMayusculas[static_cast<unsigned char>(c)];
+      case TokenKind::Name:
+        for (const char c : text) *p++ = kUpperCase[static_cast<unsigned char>(c)];
         break;
-      case ClaseToken::Corchetes:
-      case ClaseToken::Signo:
-        std::memcpy(p, texto.data(), texto.size());
-        p += texto.size();
+      case TokenKind::Brackets:
+      case TokenKind::Sign:
+        std::memcpy(p, text.data(), text.size());
+        p += text.size();
         break;
       default:
-        if (!LeerLiteral(t.clase, texto, forma.literales.emplace_back())) return false;
-        forma.lugares.push_back({t.inicio, t.fin});
-        *p++ = Marca(t.clase);
+        if (!ReadLiteral(t.kind, text, shape.literals.emplace_back())) return false;
+        shape.places.push_back({t.start, t.end});
+        *p++ = MarkOf(t.kind);
     }
   }
-  forma.clave.resize(static_cast<std::size_t>(p - inicio));
+  shape.key.resize(static_cast<std::size_t>(p - start));
   return true;
 }
 

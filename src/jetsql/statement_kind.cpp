@@ -10,12 +10,13 @@ class Words {
  public:
   explicit Words(std::string_view sql) : sql_(sql), scanner_(sql) { Next(); }
 
-  bool AtEnd() const { return token_.clase == ClaseToken::Fin || token_.clase == ClaseToken::Malo; }
+  bool AtEnd() const { return token_.kind == TokenKind::End || token_.kind == TokenKind::Malformed; }
   bool Is(std::string_view word_or_sign) const {
-    const bool plain = token_.clase == ClaseToken::Nombre || token_.clase == ClaseToken::Signo;
-    return plain && base::IgualSinCaso(sql_.substr(token_.inicio, token_.fin - token_.inicio), word_or_sign);
+    const bool plain = token_.kind == TokenKind::Name || token_.kind == TokenKind::Sign;
+    return plain &&
+           base::EqualIgnoringCase(sql_.substr(token_.start, token_.end - token_.start), word_or_sign);
   }
-  void Next() { token_ = scanner_.Siguiente(); }
+  void Next() { token_ = scanner_.Next(); }
 
   // To the word that tells the statement.
   void SkipToVerb() {
@@ -29,43 +30,43 @@ class Words {
 
  private:
   std::string_view sql_;
-  Escaner scanner_;
+  Scanner scanner_;
   Token token_;
 };
 
 }  // namespace
 
-Clase KindOf(const Sentencia& statement) {
+Kind KindOf(const Statement& statement) {
   struct Of {
-    Clase operator()(const ConsultaPtr& q) const {
-      return q->partes[0].destino.empty() ? Clase::Consulta : Clase::Definicion;
+    Kind operator()(const QueryPtr& q) const {
+      return q->parts[0].target.empty() ? Kind::Query : Kind::Definition;
     }
-    Clase operator()(const Insercion&) const { return Clase::Insercion; }
-    Clase operator()(const Actualizacion&) const { return Clase::Actualizacion; }
-    Clase operator()(const Borrado&) const { return Clase::Borrado; }
-    Clase operator()(const CrearTabla&) const { return Clase::Definicion; }
-    Clase operator()(const CrearIndice&) const { return Clase::Definicion; }
-    Clase operator()(const CrearVista&) const { return Clase::Definicion; }
-    Clase operator()(const Quitar&) const { return Clase::Definicion; }
-    Clase operator()(const AlterarTabla&) const { return Clase::Definicion; }
+    Kind operator()(const Insert&) const { return Kind::Insert; }
+    Kind operator()(const Update&) const { return Kind::Update; }
+    Kind operator()(const Delete&) const { return Kind::Delete; }
+    Kind operator()(const CreateTable&) const { return Kind::Definition; }
+    Kind operator()(const CreateIndex&) const { return Kind::Definition; }
+    Kind operator()(const CreateView&) const { return Kind::Definition; }
+    Kind operator()(const Drop&) const { return Kind::Definition; }
+    Kind operator()(const AlterTable&) const { return Kind::Definition; }
   };
   return std::visit(Of{}, statement);
 }
 
-std::optional<Clase> KindOfText(std::string_view sql) {
+std::optional<Kind> KindOfText(std::string_view sql) {
   Words words(sql);
   words.SkipToVerb();
-  if (words.Is("INSERT")) return Clase::Insercion;
-  if (words.Is("UPDATE")) return Clase::Actualizacion;
-  if (words.Is("DELETE")) return Clase::Borrado;
-  if (words.Is("CREATE") || words.Is("DROP") || words.Is("ALTER")) return Clase::Definicion;
+  if (words.Is("INSERT")) return Kind::Insert;
+  if (words.Is("UPDATE")) return Kind::Update;
+  if (words.Is("DELETE")) return Kind::Delete;
+  if (words.Is("CREATE") || words.Is("DROP") || words.Is("ALTER")) return Kind::Definition;
   if (!words.AtQuery()) return std::nullopt;
   while (!words.AtEnd() && !words.Is("INTO")) {
     // Any word may be a name there.
     if (words.Is(".") || words.Is("!") || words.Is("AS")) words.Next();
     words.Next();
   }
-  return words.AtEnd() ? Clase::Consulta : Clase::Definicion;
+  return words.AtEnd() ? Kind::Query : Kind::Definition;
 }
 
 bool BeginsQuery(std::string_view sql) {

@@ -10,17 +10,17 @@
 namespace jetsql {
 
 // A SELECT … INTO is a definition: it makes a table.
-enum class Clase : std::uint8_t { Consulta, Insercion, Actualizacion, Borrado, Definicion };
+enum class Kind : std::uint8_t { Query, Insert, Update, Delete, Definition };
 
-constexpr bool ChangesRows(Clase kind) { return kind != Clase::Consulta && kind != Clase::Definicion; }
+constexpr bool ChangesRows(Kind kind) { return kind != Kind::Query && kind != Kind::Definition; }
 
 // By its tree, which has the last word.
-Clase KindOf(const Sentencia& statement);
+Kind KindOf(const Statement& statement);
 
 // By its words, for texts that come by the thousand: what the tree says of every text that has one. A text
 // without a tree may be called anything; nothing when no statement begins so. A change and a definition are
 // known by their first word; a query is read to its end for an INTO.
-std::optional<Clase> KindOfText(std::string_view sql);
+std::optional<Kind> KindOfText(std::string_view sql);
 
 // Whether a text begins as a query does, behind any brackets.
 bool BeginsQuery(std::string_view sql);

@@ -12,148 +12,147 @@ namespace jetsql {
 namespace {
 
 // CREATE, DROP and ALTER hold their literals in the text, where SQLite takes no parameters.
-void FijarTodos(std::string_view sql, Traduccion& t) {
-  Forma forma;
-  SepararLiterales(sql, forma);
-  for (std::size_t i = 0; i < forma.literales.size(); ++i) t.fijos.push_back(static_cast<int>(i));
+void FixAll(std::string_view sql, Translation& t) {
+  Shape shape;
+  SeparateLiterals(sql, shape);
+  for (std::size_t i = 0; i < shape.literals.size(); ++i) t.fixed.push_back(static_cast<int>(i));
 }
 
-class Traductor {
+class Translator {
  public:
-  // `cruzadas`: the columns of crosstabs, as far as they are known.
-  Traductor(Catalogo& catalogo, const OpcionesTraduccion& opciones,
-            const std::vector<ColumnasCruzadas>* cruzadas = nullptr)
-      : catalogo_(catalogo),
-        opciones_(opciones),
-        cruzadas_(cruzadas),
-        resolutor_(catalogo, opciones.locale, cruzadas) {}
+  // `crosstabs`: the columns of crosstabs, as far as they are known.
+  Translator(Catalog& catalog, const TranslationOptions& options,
+             const std::vector<CrosstabColumns>* crosstabs = nullptr)
+      : catalog_(catalog),
+        options_(options),
+        crosstabs_(crosstabs),
+        resolver_(catalog, options.locale, crosstabs) {}
 
-  Traduccion Hacer(std::string_view sql) {
-    Sentencia s = Analizar(sql);
-    if (KindOf(s) == Clase::Definicion && !std::holds_alternative<ConsultaPtr>(s)) FijarTodos(sql, t_);
-    return Hacer(s);
+  Translation Make(std::string_view sql) {
+    Statement s = Parse(sql);
+    if (KindOf(s) == Kind::Definition && !std::holds_alternative<QueryPtr>(s)) FixAll(sql, t_);
+    return Make(s);
   }
 
-  Traduccion Hacer(Sentencia& s) {
-    t_.clase = KindOf(s);
-    std::visit([&](auto& x) { Una(x); }, s);
-    t_.determinista = resolutor_.Determinista();
-    for (const int i : resolutor_.Fijos()) t_.fijos.push_back(i);
-    std::sort(t_.fijos.begin(), t_.fijos.end());
-    t_.fijos.erase(std::unique(t_.fijos.begin(), t_.fijos.end()), t_.fijos.end());
+  Translation Make(Statement& s) {
+    t_.kind = KindOf(s);
+    std::visit([&](auto& x) { TranslateOne(x); }, s);
+    t_.deterministic = resolver_.IsDeterministic();
+    for (const int i : resolver_.FixedLiterals()) t_.fixed.push_back(i);
+    std::sort(t_.fixed.begin(), t_.fixed.end());
+    t_.fixed.erase(std::unique(t_.fixed.begin(), t_.fixed.end()), t_.fixed.end());
     return std::move(t_);
   }
 
  private:
-  void Una(ConsultaPtr& c) {
-    if (c->cruce && !c->cruce->con_lista) {
-      const ColumnasCruzadas* propias = Propias();
-      t_.cruzada = propias == nullptr;
-      propias == nullptr ? PedirValores(*c) : DarValores(*c, propias->valores);
+  void TranslateOne(QueryPtr& c) {
+    if (c->crosstab && !c->crosstab->has_list) {
+      const CrosstabColumns* own = OwnColumns();
+      t_.crosstab = own == nullptr;
+      own == nullptr ? AskForValues(*c) : SetValues(*c, own->values);
     }
-    const bool lee = t_.clase == Clase::Consulta;
+    const bool reads = t_.kind == Kind::Query;
     try {
-      resolutor_.Resolver(*c);
-    } catch (const FaltanColumnas& f) {
-      if (!lee) throw;
-      PedirDe(f.Consulta());
+      resolver_.Resolve(*c);
+    } catch (const MissingColumns& f) {
+      if (!reads) throw;
+      AskForValuesOf(f.Query());
       return;
     }
-    if (!lee) {
-      DefinirDeConsulta(*c, catalogo_, opciones_, t_);
+    if (!reads) {
+      DefineFromQuery(*c, catalog_, options_, t_);
       return;
     }
-    t_.pasos.push_back(WriteQuery(*c, opciones_));
-    for (const auto& col : c->salida) t_.columnas.push_back({col.nombre, col.tipo.tipo});
+    t_.steps.push_back(WriteQuery(*c, options_));
+    for (const auto& col : c->output) t_.columns.push_back({col.name, col.type.type});
   }
-  const ColumnasCruzadas* Propias() const {
-    if (cruzadas_ != nullptr)
-      for (const auto& c : *cruzadas_)
-        if (c.consulta.empty()) return &c;
+  const CrosstabColumns* OwnColumns() const {
+    if (crosstabs_ != nullptr)
+      for (const auto& c : *crosstabs_)
+        if (c.query.empty()) return &c;
     return nullptr;
   }
   // The values of a saved crosstab first; if it stands on another one, those of that.
-  void PedirDe(std::string consulta) {
-    constexpr int kAnidadas = 30;
-    for (int i = 0; i < kAnidadas; ++i) {
-      Sentencia s = Analizar(*catalogo_.Consulta(consulta), Literales::EnTexto);
-      Consulta& c = *std::get<ConsultaPtr>(s);
-      PedirValores(c);
+  void AskForValuesOf(std::string query) {
+    constexpr int kMaxNested = 30;
+    for (int i = 0; i < kMaxNested; ++i) {
+      Statement s = Parse(*catalog_.Query(query), Literals::InText);
+      Query& c = *std::get<QueryPtr>(s);
+      AskForValues(c);
       try {
-        Resolutor(catalogo_, opciones_.locale, cruzadas_).Resolver(c);
-      } catch (const FaltanColumnas& f) {
-        consulta = f.Consulta();
+        Resolver(catalog_, options_.locale, crosstabs_).Resolve(c);
+      } catch (const MissingColumns& f) {
+        query = f.Query();
         continue;
       }
       t_ = {};
-      t_.pasos.push_back(WriteQuery(c, opciones_));
-      t_.columnas.push_back({c.salida[0].nombre, c.salida[0].tipo.tipo});
-      t_.cruzada = true;
-      t_.consulta_cruzada = std::move(consulta);
+      t_.steps.push_back(WriteQuery(c, options_));
+      t_.columns.push_back({c.output[0].name, c.output[0].type.type});
+      t_.crosstab = true;
+      t_.crosstab_query = std::move(query);
       return;
     }
-    throw base::Error("La consulta '" + consulta + "' se contiene a sí misma");
+    throw base::Error("La consulta '" + query + "' se contiene a sí misma");
   }
-  void Una(Insercion& s) {
-    resolutor_.Resolver(s);
-    t_.pasos.push_back(WriteInsert(s, opciones_));
-    t_.escribe.push_back(s.info->nombre);
+  void TranslateOne(Insert& s) {
+    resolver_.Resolve(s);
+    t_.steps.push_back(WriteInsert(s, options_));
+    t_.writes.push_back(s.info->name);
   }
-  void Una(Actualizacion& s) {
-    resolutor_.Resolver(s);
-    t_.pasos = WriteUpdate(s, opciones_);
-    for (const Asignacion& a : s.cambios) {
-      const std::string& tabla = a.columna->fuente->tabla->nombre;
-      if (std::find(t_.escribe.begin(), t_.escribe.end(), tabla) == t_.escribe.end())
-        t_.escribe.push_back(tabla);
+  void TranslateOne(Update& s) {
+    resolver_.Resolve(s);
+    t_.steps = WriteUpdate(s, options_);
+    for (const Assignment& a : s.changes) {
+      const std::string& table = a.column->source->table->name;
+      if (std::find(t_.writes.begin(), t_.writes.end(), table) == t_.writes.end()) t_.writes.push_back(table);
     }
   }
-  void Una(Borrado& s) {
-    resolutor_.Resolver(s);
-    t_.pasos.push_back(WriteDelete(s, opciones_));
-    t_.escribe.push_back(s.fuente->tabla->nombre);
+  void TranslateOne(Delete& s) {
+    resolver_.Resolve(s);
+    t_.steps.push_back(WriteDelete(s, options_));
+    t_.writes.push_back(s.source->table->name);
   }
   template <typename T>
-  void Una(T& definicion) {
-    Definir(definicion, catalogo_, t_);
+  void TranslateOne(T& definition) {
+    Define(definition, catalog_, t_);
   }
 
-  Catalogo& catalogo_;
-  OpcionesTraduccion opciones_;
-  const std::vector<ColumnasCruzadas>* cruzadas_;
-  Resolutor resolutor_;
-  Traduccion t_;
+  Catalog& catalog_;
+  TranslationOptions options_;
+  const std::vector<CrosstabColumns>* crosstabs_;
+  Resolver resolver_;
+  Translation t_;
 };
 
 }  // namespace
 
-Traduccion Traducir(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones) {
-  return Traductor(catalogo, opciones).Hacer(sql);
+Translation Translate(std::string_view sql, Catalog& catalog, const TranslationOptions& options) {
+  return Translator(catalog, options).Make(sql);
 }
 
-Traduccion Traducir(Sentencia& sentencia, Catalogo& catalogo, const OpcionesTraduccion& opciones) {
-  return Traductor(catalogo, opciones).Hacer(sentencia);
+Translation Translate(Statement& statement, Catalog& catalog, const TranslationOptions& options) {
+  return Translator(catalog, options).Make(statement);
 }
 
-std::string TraducirValor(std::string_view expresion, base::Tipo destino) {
-  class Vacio final : public Catalogo {
-    const TablaInfo* Tabla(std::string_view) override { return nullptr; }
-    const std::string* Consulta(std::string_view) override { return nullptr; }
+std::string TranslateValue(std::string_view expression, base::Type target) {
+  class EmptyCatalog final : public Catalog {
+    const TableInfo* Table(std::string_view) override { return nullptr; }
+    const std::string* Query(std::string_view) override { return nullptr; }
   };
-  const Sentencia s = Analizar("SELECT " + std::string(expresion), Literales::EnTexto);
-  const auto* consulta = std::get_if<ConsultaPtr>(&s);
-  if (consulta == nullptr || (*consulta)->partes.size() != 1 || (*consulta)->partes[0].lista.size() != 1 ||
-      !(*consulta)->partes[0].lista[0].expr || !(*consulta)->partes[0].de.empty())
-    throw base::Error("'" + std::string(expresion) + "' no es un valor");
-  Vacio vacio;
-  ExprPtr valor = (*consulta)->partes[0].lista[0].expr;
-  Resolutor(vacio).ResolverSuelta(valor);
-  return WriteValue(*valor, destino);
+  const Statement s = Parse("SELECT " + std::string(expression), Literals::InText);
+  const auto* query = std::get_if<QueryPtr>(&s);
+  if (query == nullptr || (*query)->parts.size() != 1 || (*query)->parts[0].list.size() != 1 ||
+      !(*query)->parts[0].list[0].expr || !(*query)->parts[0].from.empty())
+    throw base::Error("'" + std::string(expression) + "' no es un valor");
+  EmptyCatalog empty;
+  ExprPtr value = (*query)->parts[0].list[0].expr;
+  Resolver(empty).ResolveAlone(value);
+  return WriteValue(*value, target);
 }
 
-Traduccion TraducirCruzada(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones,
-                           const std::vector<ColumnasCruzadas>& columnas) {
-  return Traductor(catalogo, opciones, &columnas).Hacer(sql);
+Translation TranslateCrosstab(std::string_view sql, Catalog& catalog, const TranslationOptions& options,
+                              const std::vector<CrosstabColumns>& columns) {
+  return Translator(catalog, options, &columns).Make(sql);
 }
 
 }  // namespace jetsql

@@ -2,7 +2,7 @@
 //
 // Literals are lifted out: the text speaks of literal i (in the order of the source) as ?i+1, so that all
 // statements of one shape share one translation. A literal that decides the translation itself (TOP n, a
-// column position in ORDER BY) is named in `fijos`; a translation serves another statement of the shape only
+// column position in ORDER BY) is named in `fixed`; a translation serves another statement of the shape only
 // when those are equal.
 #pragma once
 
@@ -12,7 +12,7 @@
 
 #include "base/error.h"
 #include "base/locale.h"
-#include "base/valor.h"
+#include "base/value.h"
 #include "jetsql/ast.h"
 #include "jetsql/catalog.h"
 #include "jetsql/statement_kind.h"
@@ -20,97 +20,97 @@
 namespace jetsql {
 
 // A statement that is not understood: a readable Spanish description with line and column, both from 1.
-class ErrorSintaxis : public base::Error {
+class SyntaxError : public base::Error {
  public:
-  ErrorSintaxis(std::string descripcion, int linea, int columna);
-  int Linea() const { return linea_; }
-  int Columna() const { return columna_; }
+  SyntaxError(std::string description, int line, int column);
+  int Line() const { return line_; }
+  int Column() const { return column_; }
 
  private:
-  int linea_, columna_;
+  int line_, column_;
 };
 
 // The shape of a statement: its text with every literal replaced by a mark for its kind, letters outside
 // literals and [names] in upper case, runs of white space as one blank.
-struct Forma {
-  struct Lugar {  // of a literal in the text, its quotes or # included
-    std::size_t inicio = 0, fin = 0;
+struct Shape {
+  struct Place {  // of a literal in the text, its quotes or # included
+    std::size_t start = 0, end = 0;
   };
-  std::string clave;
-  std::vector<base::Valor> literales;  // numbers, texts, dates; True, False and Null stay in the shape
-  std::vector<Lugar> lugares;          // one a literal
+  std::string key;
+  std::vector<base::Value> literals;  // numbers, texts, dates; True, False and Null stay in the shape
+  std::vector<Place> places;          // one a literal
 };
-// Cheap (one pass, no tree). False when the text has a malformed literal: then Traducir says what is wrong.
-bool SepararLiterales(std::string_view sql, Forma& forma);
+// Cheap (one pass, no tree). False when the text has a malformed literal: then Translate says what is wrong.
+bool SeparateLiterals(std::string_view sql, Shape& shape);
 
-struct ColumnaResultado {
-  std::string nombre;
-  base::Tipo tipo = base::Tipo::Nulo;  // Nulo: each value's storage class decides
+struct ResultColumn {
+  std::string name;
+  base::Type type = base::Type::Null;  // Null: each value's storage class decides
 };
 
-struct Definicion {  // what a definition statement does, for the engine's catalog
-  enum class Que {
-    Ninguna,
-    CrearTabla,
-    CrearIndice,
-    CrearVista,
-    BorrarTabla,
-    BorrarIndice,
-    BorrarVista,
-    AgregarColumna,
-    QuitarColumna
+struct Definition {  // what a definition statement does, for the engine's catalog
+  enum class What {
+    None,
+    CreateTable,
+    CreateIndex,
+    CreateView,
+    DropTable,
+    DropIndex,
+    DropView,
+    AddColumn,
+    DropColumn
   };
-  Que que = Que::Ninguna;
-  std::string nombre;       // of the table, index or view
-  std::string tabla;        // of an index
-  std::string texto_vista;  // the dialect text of the SELECT of a view, as written
-  std::vector<ColumnaTabla> columnas;
+  What what = What::None;
+  std::string name;       // of the table, index or view
+  std::string table;      // of an index
+  std::string view_text;  // the dialect text of the SELECT of a view, as written
+  std::vector<TableColumn> columns;
 };
 
-struct Traduccion {
-  Clase clase = Clase::Consulta;
+struct Translation {
+  Kind kind = Kind::Query;
   // Run in order, all or none. The affected rows of a change are those of the last one.
-  std::vector<std::string> pasos;
+  std::vector<std::string> steps;
   bool fills = false;  // SELECT … INTO: the last step fills the table that those before it make
-  std::vector<ColumnaResultado> columnas;  // of a query
-  std::vector<int> fijos;                  // indexes of literals that the translation depends on
-  std::vector<std::string> escribe;        // tables whose rows an INSERT, UPDATE or DELETE changes
-  Definicion definicion;
-  bool determinista = true;
+  std::vector<ResultColumn> columns;  // of a query
+  std::vector<int> fixed;             // indexes of literals that the translation depends on
+  std::vector<std::string> writes;    // tables whose rows an INSERT, UPDATE or DELETE changes
+  Definition definition;
+  bool deterministic = true;
   // A crosstab whose columns are values of the rows, the statement itself or a saved query that it reads: the
-  // only step gives those values, and TraducirCruzada goes on with them.
-  bool cruzada = false;
-  std::string consulta_cruzada;  // the saved query; empty: the statement
+  // only step gives those values, and TranslateCrosstab goes on with them.
+  bool crosstab = false;
+  std::string crosstab_query;  // the saved query; empty: the statement
 };
 
-struct OpcionesTraduccion {
-  bool comodines_dao = false;  // LIKE with * ? # instead of % _
+struct TranslationOptions {
+  bool dao_wildcards = false;  // LIKE with * ? # instead of % _
   const base::Locale* locale =
-      nullptr;  // of the names that a crosstab gives its columns; espanol() when null
+      nullptr;  // of the names that a crosstab gives its columns; spanish() when null
 };
 
-// Throws ErrorSintaxis, or base::Error for an unknown table, column or function.
-Traduccion Traducir(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
+// Throws SyntaxError, or base::Error for an unknown table, column or function.
+Translation Translate(std::string_view sql, Catalog& catalog, const TranslationOptions& options = {});
 
 // The same of a tree, whose literals must be in the text (see parser.h). What is found out is noted in the
 // tree, which is no longer one to be printed.
-Traduccion Traducir(Sentencia& sentencia, Catalogo& catalogo, const OpcionesTraduccion& opciones = {});
+Translation Translate(Statement& statement, Catalog& catalog, const TranslationOptions& options = {});
 
 // Gives the SELECT of a view the names that the view lists for its columns, as a translation does; its text
 // follows. Throws base::Error when they do not fit.
-void NameColumns(CrearVista& view);
+void NameColumns(CreateView& view);
 
-// SQLite text of a value that stands alone, the default of a column of type `destino` for one. Throws as
-// Traducir.
-std::string TraducirValor(std::string_view expresion, base::Tipo destino);
+// SQLite text of a value that stands alone, the default of a column of type `target` for one. Throws as
+// Translate.
+std::string TranslateValue(std::string_view expression, base::Type target);
 
 // The values of a crosstab's pivot, in the order in which the step gave them.
-struct ColumnasCruzadas {
-  std::string consulta;  // the saved query; empty: the statement
-  std::vector<base::Valor> valores;
+struct CrosstabColumns {
+  std::string query;  // the saved query; empty: the statement
+  std::vector<base::Value> values;
 };
 // A statement with crosstabs of which these are known. It may turn out to need those of one more.
-Traduccion TraducirCruzada(std::string_view sql, Catalogo& catalogo, const OpcionesTraduccion& opciones,
-                           const std::vector<ColumnasCruzadas>& columnas);
+Translation TranslateCrosstab(std::string_view sql, Catalog& catalog, const TranslationOptions& options,
+                              const std::vector<CrosstabColumns>& columns);
 
 }  // namespace jetsql

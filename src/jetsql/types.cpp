@@ -7,138 +7,137 @@
 namespace jetsql {
 namespace {
 
-using base::Tipo;
+using base::Type;
 
-constexpr TipoExpr kDesconocido{Tipo::Nulo, false};
-constexpr TipoExpr kNulo{Tipo::Nulo, true};
+constexpr ExprType kUnknown{Type::Null, false};
+constexpr ExprType kNull{Type::Null, true};
 
-bool Desconocido(TipoExpr t) { return t.tipo == Tipo::Nulo && !t.nulo; }
+bool IsUnknown(ExprType t) { return t.type == Type::Null && !t.null; }
 
-Tipo NumericoComun(Tipo a, Tipo b) {
+Type CommonNumericType(Type a, Type b) {
   if (a == b) return a;
-  if (a > b) std::swap(a, b);  // Booleano, Entero, Simple, Numero, Moneda
-  if (a == Tipo::Booleano) return b;
-  if (a == Tipo::Entero && b == Tipo::Moneda) return Tipo::Moneda;
-  return Tipo::Numero;
+  if (a > b) std::swap(a, b);  // Boolean, Integer, Simple, Number, Currency
+  if (a == Type::Boolean) return b;
+  if (a == Type::Integer && b == Type::Currency) return Type::Currency;
+  return Type::Number;
 }
 
-TipoExpr Aritmetico(Op op, TipoExpr a, TipoExpr b) {
-  if (a.nulo || b.nulo) return kNulo;
-  if (op == Op::Suma && a.tipo == Tipo::Texto && b.tipo == Tipo::Texto) return {Tipo::Texto, false};
-  if (Desconocido(a) || Desconocido(b)) return kDesconocido;
-  const bool fecha_a = a.tipo == Tipo::Fecha, fecha_b = b.tipo == Tipo::Fecha;
-  if (op == Op::Suma && (fecha_a || fecha_b)) return {Tipo::Fecha, false};
-  if (op == Op::Resta && fecha_a) return {fecha_b ? Tipo::Numero : Tipo::Fecha, false};
-  const TipoExpr na = ComoNumero(a), nb = ComoNumero(b);
-  return {NumericoComun(na.tipo, nb.tipo), false};
+ExprType ArithmeticType(Op op, ExprType a, ExprType b) {
+  if (a.null || b.null) return kNull;
+  if (op == Op::Add && a.type == Type::Text && b.type == Type::Text) return {Type::Text, false};
+  if (IsUnknown(a) || IsUnknown(b)) return kUnknown;
+  const bool a_is_date = a.type == Type::Date, b_is_date = b.type == Type::Date;
+  if (op == Op::Add && (a_is_date || b_is_date)) return {Type::Date, false};
+  if (op == Op::Subtract && a_is_date) return {b_is_date ? Type::Number : Type::Date, false};
+  const ExprType na = AsNumber(a), nb = AsNumber(b);
+  return {CommonNumericType(na.type, nb.type), false};
 }
 
 }  // namespace
 
-TipoExpr Comun(TipoExpr a, TipoExpr b) {
-  if (a.nulo) return b;
-  if (b.nulo) return a;
-  if (a.tipo == b.tipo) return a;
-  if (a.tipo == Tipo::Nulo || b.tipo == Tipo::Nulo) return kDesconocido;
-  if (a.tipo == Tipo::Texto || b.tipo == Tipo::Texto) {
-    const Tipo otro = a.tipo == Tipo::Texto ? b.tipo : a.tipo;
-    return otro == Tipo::Fecha || otro == Tipo::Booleano ? TipoExpr{Tipo::Texto, false} : kDesconocido;
+ExprType Common(ExprType a, ExprType b) {
+  if (a.null) return b;
+  if (b.null) return a;
+  if (a.type == b.type) return a;
+  if (a.type == Type::Null || b.type == Type::Null) return kUnknown;
+  if (a.type == Type::Text || b.type == Type::Text) {
+    const Type other = a.type == Type::Text ? b.type : a.type;
+    return other == Type::Date || other == Type::Boolean ? ExprType{Type::Text, false} : kUnknown;
   }
-  if (a.tipo == Tipo::Fecha || b.tipo == Tipo::Fecha) return {Tipo::Fecha, false};
-  return {NumericoComun(a.tipo, b.tipo), false};
+  if (a.type == Type::Date || b.type == Type::Date) return {Type::Date, false};
+  return {CommonNumericType(a.type, b.type), false};
 }
 
-TipoExpr ComoNumero(TipoExpr t) {
-  switch (t.tipo) {
-    case Tipo::Booleano:
-      return {Tipo::Entero, t.nulo};
-    case Tipo::Texto:
-    case Tipo::Fecha:
-      return {Tipo::Numero, t.nulo};
+ExprType AsNumber(ExprType t) {
+  switch (t.type) {
+    case Type::Boolean:
+      return {Type::Integer, t.null};
+    case Type::Text:
+    case Type::Date:
+      return {Type::Number, t.null};
     default:
       return t;
   }
 }
 
-TipoExpr TipoDeBinario(Op op, const Expr& e) {
-  const TipoExpr a = e.hijos[0]->tipo, b = e.hijos[1]->tipo;
+ExprType BinaryType(Op op, const Expr& e) {
+  const ExprType a = e.children[0]->type, b = e.children[1]->type;
   switch (op) {
     case Op::Concat: {
-      bool nulo = true;
-      for (const auto& h : e.hijos) nulo = nulo && h->tipo.nulo;
-      return nulo ? kNulo : TipoExpr{Tipo::Texto, false};
+      bool null = true;
+      for (const auto& h : e.children) null = null && h->type.null;
+      return null ? kNull : ExprType{Type::Text, false};
     }
-    case Op::Suma:
-    case Op::Resta:
-    case Op::Por:
-      return Aritmetico(op, a, b);
+    case Op::Add:
+    case Op::Subtract:
+    case Op::Multiply:
+      return ArithmeticType(op, a, b);
     case Op::Div:
-    case Op::Potencia:
-      return a.nulo || b.nulo ? kNulo : TipoExpr{Tipo::Numero, false};
+    case Op::Power:
+      return a.null || b.null ? kNull : ExprType{Type::Number, false};
     case Op::Mod:
-    case Op::DivEntera:
-      return a.nulo || b.nulo ? kNulo : TipoExpr{Tipo::Entero, false};
+    case Op::IntDiv:
+      return a.null || b.null ? kNull : ExprType{Type::Integer, false};
     default:
-      return {Tipo::Booleano, false};
+      return {Type::Boolean, false};
   }
 }
 
-TipoExpr TipoDeAgregado(Especial e, TipoExpr argumento) {
+ExprType AggregateType(Special e, ExprType argument) {
   switch (e) {
-    case Especial::Count:
-      return {Tipo::Entero, false};
-    case Especial::Sum: {
-      TipoExpr t = ComoNumero(argumento);
-      if (t.tipo == Tipo::Simple) t.tipo = Tipo::Numero;
+    case Special::Count:
+      return {Type::Integer, false};
+    case Special::Sum: {
+      ExprType t = AsNumber(argument);
+      if (t.type == Type::Single) t.type = Type::Number;
       return t;
     }
-    case Especial::Avg:
-      return {argumento.tipo == Tipo::Moneda ? Tipo::Moneda : Tipo::Numero, false};
-    case Especial::Min:
-    case Especial::Max:
-    case Especial::First:
-    case Especial::Last:
-      return argumento;
+    case Special::Avg:
+      return {argument.type == Type::Currency ? Type::Currency : Type::Number, false};
+    case Special::Min:
+    case Special::Max:
+    case Special::First:
+    case Special::Last:
+      return argument;
     default:
-      return {Tipo::Numero, false};
+      return {Type::Number, false};
   }
 }
 
-Especial BuscarEspecial(std::string_view nombre) {
-  struct Par {
-    std::string_view nombre;
-    Especial especial;
+Special FindSpecial(std::string_view name) {
+  struct Pair {
+    std::string_view name;
+    Special special;
   };
-  static constexpr Par kPares[] = {
-      {"IIF", Especial::IIf},       {"SWITCH", Especial::Switch}, {"CHOOSE", Especial::Choose},
-      {"ISNULL", Especial::EsNulo}, {"COUNT", Especial::Count},   {"SUM", Especial::Sum},
-      {"AVG", Especial::Avg},       {"MIN", Especial::Min},       {"MAX", Especial::Max},
-      {"FIRST", Especial::First},   {"LAST", Especial::Last},     {"STDEV", Especial::StDev},
-      {"STDEVP", Especial::StDevP}, {"VAR", Especial::Var},       {"VARP", Especial::VarP}};
-  for (const auto& p : kPares)
-    if (base::IgualSinCaso(p.nombre, nombre)) return p.especial;
-  return Especial::Ninguna;
+  static constexpr Pair kPairs[] = {
+      {"IIF", Special::IIf},       {"SWITCH", Special::Switch}, {"CHOOSE", Special::Choose},
+      {"ISNULL", Special::IsNull}, {"COUNT", Special::Count},   {"SUM", Special::Sum},
+      {"AVG", Special::Avg},       {"MIN", Special::Min},       {"MAX", Special::Max},
+      {"FIRST", Special::First},   {"LAST", Special::Last},     {"STDEV", Special::StDev},
+      {"STDEVP", Special::StDevP}, {"VAR", Special::Var},       {"VARP", Special::VarP}};
+  for (const auto& p : kPairs)
+    if (base::EqualIgnoringCase(p.name, name)) return p.special;
+  return Special::None;
 }
 
-bool ConoceFuncion(std::string_view nombre) {
-  return BuscarFuncion(nombre) != nullptr || BuscarEspecial(nombre) != Especial::Ninguna;
+bool KnowsFunction(std::string_view name) {
+  return FindFunction(name) != nullptr || FindSpecial(name) != Special::None;
 }
 
-base::Tipo TipoDeDeclaracion(std::string_view declaracion) {
-  const std::string d = base::Mayusculas(declaracion);
-  const auto empieza = [&](std::string_view p) { return base::EmpiezaCon(d, p); };
-  if (empieza("YESNO")) return Tipo::Booleano;
-  if (empieza("DATETIME")) return Tipo::Fecha;
-  if (empieza("CURRENCY")) return Tipo::Moneda;
-  if (empieza("SINGLE")) return Tipo::Simple;
-  if (empieza("BINARY")) return Tipo::Nulo;
+base::Type DeclaredType(std::string_view declaration) {
+  const std::string d = base::UpperCase(declaration);
+  const auto starts = [&](std::string_view p) { return base::StartsWith(d, p); };
+  if (starts("YESNO")) return Type::Boolean;
+  if (starts("DATETIME")) return Type::Date;
+  if (starts("CURRENCY")) return Type::Currency;
+  if (starts("SINGLE")) return Type::Single;
+  if (starts("BINARY")) return Type::Null;
   // What follows also reads tables that another program made.
-  const auto tiene = [&](std::string_view p) { return base::Contiene(d, p); };
-  if (tiene("INT")) return Tipo::Entero;
-  if (tiene("CHAR") || tiene("CLOB") || tiene("TEXT")) return Tipo::Texto;
-  if (tiene("REAL") || tiene("FLOA") || tiene("DOUB") || tiene("NUMERIC") || tiene("DECIMAL"))
-    return Tipo::Numero;
-  return Tipo::Nulo;
+  const auto has = [&](std::string_view p) { return base::Contains(d, p); };
+  if (has("INT")) return Type::Integer;
+  if (has("CHAR") || has("CLOB") || has("TEXT")) return Type::Text;
+  if (has("REAL") || has("FLOA") || has("DOUB") || has("NUMERIC") || has("DECIMAL")) return Type::Number;
+  return Type::Null;
 }
 
 }  // namespace jetsql

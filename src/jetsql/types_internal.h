@@ -7,27 +7,27 @@
 
 namespace jetsql {
 
-constexpr bool EsNumerico(base::Tipo t) {
-  return t == base::Tipo::Booleano || t == base::Tipo::Entero || t == base::Tipo::Simple ||
-         t == base::Tipo::Numero || t == base::Tipo::Moneda;
+constexpr bool IsNumericType(base::Type t) {
+  return t == base::Type::Boolean || t == base::Type::Integer || t == base::Type::Single ||
+         t == base::Type::Number || t == base::Type::Currency;
 }
 // Held as a number, so that SQLite's own arithmetic and comparison serve.
-constexpr bool EsCantidad(base::Tipo t) { return EsNumerico(t) || t == base::Tipo::Fecha; }
+constexpr bool IsQuantity(base::Type t) { return IsNumericType(t) || t == base::Type::Date; }
 
 // Whether a value may turn out to be a text.
-constexpr bool PuedeSerTexto(TipoExpr t) {
-  return !t.nulo && (t.tipo == base::Tipo::Texto || t.tipo == base::Tipo::Nulo);
+constexpr bool MayBeText(ExprType t) {
+  return !t.null && (t.type == base::Type::Text || t.type == base::Type::Null);
 }
 
 // The type of a column that holds values of both. A text and a date or boolean give a text, and the writer
 // turns those values into their texts; a text and a number stay what each is, and the type is not known.
-TipoExpr Comun(TipoExpr a, TipoExpr b);
+ExprType Common(ExprType a, ExprType b);
 // As a number: a boolean is an integer, a text a number.
-TipoExpr ComoNumero(TipoExpr t);
+ExprType AsNumber(ExprType t);
 
-TipoExpr TipoDeBinario(Op op, const Expr& e);
-TipoExpr TipoDeAgregado(Especial e, TipoExpr argumento);
+ExprType BinaryType(Op op, const Expr& e);
+ExprType AggregateType(Special e, ExprType argument);
 
-Especial BuscarEspecial(std::string_view nombre);
+Special FindSpecial(std::string_view name);
 
 }  // namespace jetsql

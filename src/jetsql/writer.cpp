@@ -15,17 +15,17 @@ ExpressionWriter::ExpressionWriter(SqlDraft& draft) : d_(draft), t_(draft.text) 
 ComparisonWriter::ComparisonWriter(SqlDraft& draft) : d_(draft), t_(draft.text) {}
 CallWriter::CallWriter(SqlDraft& draft) : d_(draft), t_(draft.text) {}
 
-std::string NombreSql(std::string_view nombre) {
-  return std::string("\"").append(base::Reemplazar(nombre, "\"", "\"\"")).append("\"");
+std::string NameSql(std::string_view name) {
+  return std::string("\"").append(base::Replace(name, "\"", "\"\"")).append("\"");
 }
 
-std::string LiteralSql(const base::Valor& v) {
-  if (const auto* n = v.Si<std::int64_t>()) return std::to_string(*n);
-  if (const auto* s = v.Si<std::string>())
-    return std::string("'").append(base::DoblarComillas(*s)).append("'");
+std::string LiteralSql(const base::Value& v) {
+  if (const auto* n = v.GetIf<std::int64_t>()) return std::to_string(*n);
+  if (const auto* s = v.GetIf<std::string>())
+    return std::string("'").append(base::EscapeQuotes(*s)).append("'");
   double d = 0;
-  if (const auto* x = v.Si<double>()) d = *x;
-  if (const auto* f = v.Si<base::Fecha>()) d = f->serie;
+  if (const auto* x = v.GetIf<double>()) d = *x;
+  if (const auto* f = v.GetIf<base::Date>()) d = f->serial;
   std::array<char, 40> b{};
   const auto r = std::to_chars(b.data(), b.data() + b.size(), d);
   std::string s(b.data(), r.ptr);
@@ -33,54 +33,54 @@ std::string LiteralSql(const base::Valor& v) {
   return s;
 }
 
-void SqlDraft::Nombre(std::string_view nombre) { text += NombreSql(nombre); }
+void SqlDraft::Name(std::string_view name) { text += NameSql(name); }
 
 void SqlDraft::Literal(const Expr& e) {
-  if (e.indice >= 0)
-    text.append("?").append(std::to_string(e.indice + 1));
+  if (e.index >= 0)
+    text.append("?").append(std::to_string(e.index + 1));
   else
     text += LiteralSql(e.literal);
 }
 
-void SqlDraft::Abre(int fuerza, int minimo) {
-  if (fuerza < minimo) text += '(';
+void SqlDraft::OpenBracket(int strength, int minimum) {
+  if (strength < minimum) text += '(';
 }
-void SqlDraft::Cierra(int fuerza, int minimo) {
-  if (fuerza < minimo) text += ')';
+void SqlDraft::CloseBracket(int strength, int minimum) {
+  if (strength < minimum) text += ')';
 }
 
-std::string WriteQuery(const Consulta& query, const OpcionesTraduccion& options) {
+std::string WriteQuery(const Query& query, const TranslationOptions& options) {
   SqlDraft draft(options);
-  draft.query.EscribirConsulta(query, {});
+  draft.query.WriteQuery(query, {});
   return std::move(draft.text);
 }
 
-std::string WriteInsert(const Insercion& change, const OpcionesTraduccion& options) {
+std::string WriteInsert(const Insert& change, const TranslationOptions& options) {
   SqlDraft draft(options);
-  draft.change.Escribir(change);
+  draft.change.Write(change);
   return std::move(draft.text);
 }
 
-std::string WriteDelete(const Borrado& change, const OpcionesTraduccion& options) {
+std::string WriteDelete(const Delete& change, const TranslationOptions& options) {
   SqlDraft draft(options);
-  draft.change.Escribir(change);
+  draft.change.Write(change);
   return std::move(draft.text);
 }
 
-std::vector<std::string> WriteUpdate(const Actualizacion& change, const OpcionesTraduccion& options) {
-  return ChangeWriter::Pasos(change, options);
+std::vector<std::string> WriteUpdate(const Update& change, const TranslationOptions& options) {
+  return ChangeWriter::Steps(change, options);
 }
 
-std::string WriteInsertOf(const Consulta& query, std::string_view table,
-                          const std::vector<ColumnaTabla>& columns, const OpcionesTraduccion& options) {
+std::string WriteInsertOf(const Query& query, std::string_view table, const std::vector<TableColumn>& columns,
+                          const TranslationOptions& options) {
   SqlDraft draft(options);
-  draft.change.InsertarConsulta(table, columns, query);
+  draft.change.InsertQuery(table, columns, query);
   return std::move(draft.text);
 }
 
-std::string WriteValue(const Expr& value, base::Tipo stored_as) {
+std::string WriteValue(const Expr& value, base::Type stored_as) {
   SqlDraft draft({});
-  draft.change.Asignado(value, stored_as);
+  draft.change.Assigned(value, stored_as);
   return std::move(draft.text);
 }
 

@@ -7,9 +7,9 @@
 namespace jetsql {
 namespace {
 
-using base::Tipo;
+using base::Type;
 
-std::string Minusculas(std::string_view s) {
+std::string LowerCase(std::string_view s) {
   std::string r(s);
   for (char& c : r)
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
@@ -17,40 +17,41 @@ std::string Minusculas(std::string_view s) {
 }
 
 // The values among which an IIf, Switch or Choose chooses.
-std::vector<const Expr*> Ramas(const Expr& e) {
-  std::vector<const Expr*> ramas;
-  const std::size_t paso = e.especial == Especial::Switch ? 2 : 1;
-  for (std::size_t i = 1; i < e.hijos.size(); i += paso) ramas.push_back(e.hijos[i].get());
-  return ramas;
+std::vector<const Expr*> BranchesOf(const Expr& e) {
+  std::vector<const Expr*> branches;
+  const std::size_t step = e.special == Special::Switch ? 2 : 1;
+  for (std::size_t i = 1; i < e.children.size(); i += step) branches.push_back(e.children[i].get());
+  return branches;
 }
 
 // A date or a boolean among texts becomes its text: afterwards nothing would tell it from a number.
-bool PasaATexto(const Expr& rama, const std::vector<const Expr*>& ramas) {
-  if (rama.tipo.tipo != Tipo::Fecha && rama.tipo.tipo != Tipo::Booleano) return false;
-  return std::any_of(ramas.begin(), ramas.end(), [](const Expr* r) { return r->tipo.tipo == Tipo::Texto; });
+bool BecomesText(const Expr& branch, const std::vector<const Expr*>& branches) {
+  if (branch.type.type != Type::Date && branch.type.type != Type::Boolean) return false;
+  return std::any_of(branches.begin(), branches.end(),
+                     [](const Expr* r) { return r->type.type == Type::Text; });
 }
 
-std::string_view NombreDeTotal(Especial e) {
+std::string_view TotalName(Special e) {
   switch (e) {
-    case Especial::Count:
+    case Special::Count:
       return "count";
-    case Especial::Sum:
+    case Special::Sum:
       return "sum";
-    case Especial::Avg:
+    case Special::Avg:
       return "avg";
-    case Especial::Min:
+    case Special::Min:
       return "min";
-    case Especial::Max:
+    case Special::Max:
       return "max";
-    case Especial::First:
+    case Special::First:
       return "jet_first";
-    case Especial::Last:
+    case Special::Last:
       return "jet_last";
-    case Especial::StDev:
+    case Special::StDev:
       return "jet_stdev";
-    case Especial::StDevP:
+    case Special::StDevP:
       return "jet_stdevp";
-    case Especial::Var:
+    case Special::Var:
       return "jet_var";
     default:
       return "jet_varp";
@@ -59,121 +60,121 @@ std::string_view NombreDeTotal(Especial e) {
 
 }  // namespace
 
-void CallWriter::ResultadoDeSi(const Expr& rama, const std::vector<const Expr*>& ramas) {
-  if (PasaATexto(rama, ramas))
-    d_.expr.Texto(rama);
+void CallWriter::ResultOfIf(const Expr& branch, const std::vector<const Expr*>& branches) {
+  if (BecomesText(branch, branches))
+    d_.expr.Text(branch);
   else
-    d_.expr.Valor(rama);
+    d_.expr.Value(branch);
 }
 
 // CASE takes the ELSE on Null, as IIf takes its false part. An IIf in that part goes on in the same CASE.
-void CallWriter::Si(const Expr& e) {
+void CallWriter::IIf(const Expr& e) {
   t_ += "CASE";
-  const Expr* si = &e;
+  const Expr* iif = &e;
   for (;;) {
-    const auto ramas = Ramas(*si);
+    const auto branches = BranchesOf(*iif);
     t_ += " WHEN ";
-    d_.expr.Condicion(*si->hijos[0]);
+    d_.expr.Condition(*iif->children[0]);
     t_ += " THEN ";
-    ResultadoDeSi(*si->hijos[1], ramas);
-    if (si->hijos.size() < 3) break;
-    const Expr& no = *si->hijos[2];
-    if (no.nodo == Nodo::Llamada && no.especial == Especial::IIf && !PasaATexto(no, ramas)) {
-      si = &no;
+    ResultOfIf(*iif->children[1], branches);
+    if (iif->children.size() < 3) break;
+    const Expr& no = *iif->children[2];
+    if (no.node == Node::Call && no.special == Special::IIf && !BecomesText(no, branches)) {
+      iif = &no;
       continue;
     }
     t_ += " ELSE ";
-    ResultadoDeSi(no, ramas);
+    ResultOfIf(no, branches);
     break;
   }
   t_ += " END";
 }
 
-void CallWriter::Especiales(const Expr& e) {
-  const auto ramas = Ramas(e);
-  switch (e.especial) {
-    case Especial::IIf:
-      Si(e);
+void CallWriter::SpecialCall(const Expr& e) {
+  const auto branches = BranchesOf(e);
+  switch (e.special) {
+    case Special::IIf:
+      IIf(e);
       return;
-    case Especial::Switch:
+    case Special::Switch:
       t_ += "CASE";
-      for (std::size_t i = 0; i + 1 < e.hijos.size(); i += 2) {
+      for (std::size_t i = 0; i + 1 < e.children.size(); i += 2) {
         t_ += " WHEN ";
-        d_.expr.Condicion(*e.hijos[i]);
+        d_.expr.Condition(*e.children[i]);
         t_ += " THEN ";
-        ResultadoDeSi(*e.hijos[i + 1], ramas);
+        ResultOfIf(*e.children[i + 1], branches);
       }
       t_ += " END";
       return;
-    case Especial::Choose:
+    case Special::Choose:
       t_ += "CASE jet_idiv(";
-      d_.expr.Valor(*e.hijos[0]);
+      d_.expr.Value(*e.children[0]);
       t_ += ", 1)";
-      for (std::size_t i = 1; i < e.hijos.size(); ++i) {
+      for (std::size_t i = 1; i < e.children.size(); ++i) {
         t_.append(" WHEN ").append(std::to_string(i)).append(" THEN ");
-        ResultadoDeSi(*e.hijos[i], ramas);
+        ResultOfIf(*e.children[i], branches);
       }
       t_ += " END";
       return;
     default:
-      Agregado(e);
+      Aggregate(e);
   }
 }
 
 // A crosstab's cell without rows is Null, of Count too.
-void CallWriter::Agregado(const Expr& e) {
-  const auto filtro = [&] {
+void CallWriter::Aggregate(const Expr& e) {
+  const auto filter = [&] {
     t_ += " FILTER (WHERE ";
-    d_.expr.Condicion(*e.filtro);
+    d_.expr.Condition(*e.filter);
     t_ += ')';
   };
-  const bool casilla = e.filtro && e.especial == Especial::Count;
-  if (casilla) {
+  const bool is_cell = e.filter && e.special == Special::Count;
+  if (is_cell) {
     t_ += "CASE WHEN count(*)";
-    filtro();
+    filter();
     t_ += " > 0 THEN ";
   }
   Total(e);
-  if (e.filtro) filtro();
-  if (casilla) t_ += " END";
+  if (e.filter) filter();
+  if (is_cell) t_ += " END";
 }
 
 void CallWriter::Total(const Expr& e) {
-  const Expr& x = *e.hijos[0];
-  t_.append(NombreDeTotal(e.especial)).append(e.distinto ? "(DISTINCT " : "(");
-  switch (e.especial) {
-    case Especial::Count:
-      if (x.nodo == Nodo::Estrella)
+  const Expr& x = *e.children[0];
+  t_.append(TotalName(e.special)).append(e.distinct ? "(DISTINCT " : "(");
+  switch (e.special) {
+    case Special::Count:
+      if (x.node == Node::Star)
         t_ += '*';
-      else if (e.distinto)
-        d_.compare.Cotejado(x, 0);
+      else if (e.distinct)
+        d_.compare.Collated(x, 0);
       else
-        d_.expr.Valor(x);
+        d_.expr.Value(x);
       break;
-    case Especial::Min:
-    case Especial::Max:
-      d_.compare.Cotejado(x, 0);
+    case Special::Min:
+    case Special::Max:
+      d_.compare.Collated(x, 0);
       break;
-    case Especial::First:
-    case Especial::Last:
-      d_.expr.Valor(x);
+    case Special::First:
+    case Special::Last:
+      d_.expr.Value(x);
       break;
     default:
-      d_.expr.Numero(x, 0);
+      d_.expr.Number(x, 0);
   }
   t_ += ')';
 }
 
-void CallWriter::Llamada(const Expr& e) {
-  if (e.especial != Especial::Ninguna) {
-    Especiales(e);
+void CallWriter::Call(const Expr& e) {
+  if (e.special != Special::None) {
+    SpecialCall(e);
     return;
   }
-  t_.append("jet_").append(Minusculas(e.funcion->nombre)).append("(");
-  if (e.funcion->etiquetada) d_.expr.Etiquetas(e.hijos, 0, e.hijos.size());
-  for (std::size_t i = 0; i < e.hijos.size(); ++i) {
-    if (i > 0 || e.funcion->etiquetada) t_ += ", ";
-    d_.expr.Valor(*e.hijos[i]);
+  t_.append("jet_").append(LowerCase(e.function->name)).append("(");
+  if (e.function->tagged) d_.expr.Tags(e.children, 0, e.children.size());
+  for (std::size_t i = 0; i < e.children.size(); ++i) {
+    if (i > 0 || e.function->tagged) t_ += ", ";
+    d_.expr.Value(*e.children[i]);
   }
   t_ += ')';
 }

@@ -4,170 +4,170 @@
 namespace jetsql {
 namespace {
 
-using base::Tipo;
+using base::Type;
 
-std::string_view TextoDeOp(Op op) {
+std::string_view SqlOfOp(Op op) {
   switch (op) {
-    case Op::Igual:
+    case Op::Equal:
       return " = ";
-    case Op::Distinto:
+    case Op::NotEqual:
       return " <> ";
-    case Op::Menor:
+    case Op::Less:
       return " < ";
-    case Op::Mayor:
+    case Op::Greater:
       return " > ";
-    case Op::MenorIgual:
+    case Op::LessOrEqual:
       return " <= ";
     default:
       return " >= ";
   }
 }
 
-bool EsTexto(const Expr& e) { return e.tipo.tipo == Tipo::Texto; }
+bool IsText(const Expr& e) { return e.type.type == Type::Text; }
 
 }  // namespace
 
 // Whether SQLite compares it by JET without being told. Only columns carry a collation.
-bool ComparisonWriter::Cotejada(const Expr& e) {
-  return e.nodo == Nodo::Columna && e.fuente->columnas[static_cast<std::size_t>(e.columna)].cotejada;
+bool ComparisonWriter::IsCollated(const Expr& e) {
+  return e.node == Node::Column && e.source->columns[static_cast<std::size_t>(e.column)].collated;
 }
 
 // A value that is compared, grouped or ordered as it stands.
-void ComparisonWriter::Cotejado(const Expr& e, int minimo) {
-  if (!PuedeSerTexto(e.tipo) || Cotejada(e)) {
-    d_.expr.Valor(e, minimo);
+void ComparisonWriter::Collated(const Expr& e, int minimum) {
+  if (!MayBeText(e.type) || IsCollated(e)) {
+    d_.expr.Value(e, minimum);
     return;
   }
-  d_.Abre(fuerza::kCollate, minimo);
-  d_.expr.Valor(e, fuerza::kCollate);
+  d_.OpenBracket(strength::kCollate, minimum);
+  d_.expr.Value(e, strength::kCollate);
   t_ += " COLLATE JET";
-  d_.Cierra(fuerza::kCollate, minimo);
+  d_.CloseBracket(strength::kCollate, minimum);
 }
 
 // One side of a comparison. A text beside a quantity is read as one; only a text column stays a text, so that
 // a code like '07' can be compared with any code.
-void ComparisonWriter::Lado(const Expr& e, const Expr& otro, bool cotejar, int minimo) {
-  const bool columna = e.nodo == Nodo::Columna;
-  if (EsTexto(e) && otro.tipo.tipo == Tipo::Fecha) {
+void ComparisonWriter::Side(const Expr& e, const Expr& other, bool collate, int minimum) {
+  const bool column = e.node == Node::Column;
+  if (IsText(e) && other.type.type == Type::Date) {
     t_ += "jet_to_date(";
-    d_.expr.Valor(e);
+    d_.expr.Value(e);
     t_ += ')';
-  } else if (EsTexto(e) && EsNumerico(otro.tipo.tipo) && !columna) {
+  } else if (IsText(e) && IsNumericType(other.type.type) && !column) {
     t_ += "jet_num(";
-    d_.expr.Valor(e);
+    d_.expr.Value(e);
     t_ += ')';
-  } else if (EsNumerico(e.tipo.tipo) && EsTexto(otro) && otro.nodo == Nodo::Columna && !columna) {
-    d_.expr.Texto(e);
-  } else if (e.tipo.tipo == Tipo::Numero && otro.tipo.tipo == Tipo::Simple) {
+  } else if (IsNumericType(e.type.type) && IsText(other) && other.node == Node::Column && !column) {
+    d_.expr.Text(e);
+  } else if (e.type.type == Type::Number && other.type.type == Type::Single) {
     t_ += "jet_as_single(";  // a double beside a single has the precision of the single
-    d_.expr.Valor(e);
+    d_.expr.Value(e);
     t_ += ')';
-  } else if (cotejar) {
-    Cotejado(e, minimo);
+  } else if (collate) {
+    Collated(e, minimum);
   } else {
-    d_.expr.Valor(e, minimo);
+    d_.expr.Value(e, minimum);
   }
 }
 
-void ComparisonWriter::Comparar(Op op, const Expr& a, const Expr& b, int minimo) {
-  const int f = op == Op::Igual || op == Op::Distinto ? fuerza::kIgual : fuerza::kMenor;
-  d_.Abre(f, minimo);
+void ComparisonWriter::Compare(Op op, const Expr& a, const Expr& b, int minimum) {
+  const int f = op == Op::Equal || op == Op::NotEqual ? strength::kEqual : strength::kLess;
+  d_.OpenBracket(f, minimum);
   // SQLite takes the collation of the left side, else of the right one; a column has one even when it is not
   // JET.
-  const bool textos = PuedeSerTexto(a.tipo) && PuedeSerTexto(b.tipo);
-  const bool cotejar = textos && (a.nodo == Nodo::Columna || !Cotejada(b));
-  Lado(a, b, cotejar, f);
-  t_ += TextoDeOp(op);
-  Lado(b, a, false, f + 1);
-  d_.Cierra(f, minimo);
+  const bool texts = MayBeText(a.type) && MayBeText(b.type);
+  const bool collate = texts && (a.node == Node::Column || !IsCollated(b));
+  Side(a, b, collate, f);
+  t_ += SqlOfOp(op);
+  Side(b, a, false, f + 1);
+  d_.CloseBracket(f, minimum);
 }
 
 // Null in a list never matches and never makes the answer Null.
-void ComparisonWriter::EnLista(const Expr& e, int minimo) {
-  const Expr& x = *e.hijos[0];
-  d_.Abre(fuerza::kIgual, minimo);
-  Cotejado(x, fuerza::kIgual);
-  t_ += e.negado ? " NOT IN (" : " IN (";
-  bool coma = false;
-  for (std::size_t i = 1; i < e.hijos.size(); ++i) {
-    const Expr& item = *e.hijos[i];
-    if (item.tipo.nulo) continue;
-    if (coma) t_ += ", ";
-    coma = true;
-    if (EsTexto(x) && EsNumerico(item.tipo.tipo))
-      d_.expr.Texto(item);
+void ComparisonWriter::InList(const Expr& e, int minimum) {
+  const Expr& x = *e.children[0];
+  d_.OpenBracket(strength::kEqual, minimum);
+  Collated(x, strength::kEqual);
+  t_ += e.negated ? " NOT IN (" : " IN (";
+  bool comma = false;
+  for (std::size_t i = 1; i < e.children.size(); ++i) {
+    const Expr& item = *e.children[i];
+    if (item.type.null) continue;
+    if (comma) t_ += ", ";
+    comma = true;
+    if (IsText(x) && IsNumericType(item.type.type))
+      d_.expr.Text(item);
     else
-      Lado(item, x, false, 0);
+      Side(item, x, false, 0);
   }
   t_ += ')';
-  d_.Cierra(fuerza::kIgual, minimo);
+  d_.CloseBracket(strength::kEqual, minimum);
 }
 
-void ComparisonWriter::EnConsulta(const Expr& e, int minimo) {
-  d_.Abre(fuerza::kIgual, minimo);
-  Cotejado(*e.hijos[0], fuerza::kIgual);
-  t_ += e.negado ? " NOT IN (" : " IN (";
-  d_.query.EscribirConsulta(*e.consulta, {});
+void ComparisonWriter::InQuery(const Expr& e, int minimum) {
+  d_.OpenBracket(strength::kEqual, minimum);
+  Collated(*e.children[0], strength::kEqual);
+  t_ += e.negated ? " NOT IN (" : " IN (";
+  d_.query.WriteQuery(*e.query, {});
   t_ += ')';
-  d_.Cierra(fuerza::kIgual, minimo);
+  d_.CloseBracket(strength::kEqual, minimum);
 }
 
 // The bounds may come in either order.
-void ComparisonWriter::Entre(const Expr& e, int minimo) {
-  const Expr &x = *e.hijos[0], &a = *e.hijos[1], &b = *e.hijos[2];
-  const auto extremo = [&](std::string_view funcion) {
-    t_ += funcion;
-    Lado(a, x, true, 0);
+void ComparisonWriter::Between(const Expr& e, int minimum) {
+  const Expr &x = *e.children[0], &a = *e.children[1], &b = *e.children[2];
+  const auto bounds = [&](std::string_view function) {
+    t_ += function;
+    Side(a, x, true, 0);
     t_ += ", ";
-    Lado(b, x, false, 0);
+    Side(b, x, false, 0);
     t_ += ')';
   };
-  d_.Abre(fuerza::kIgual, minimo);
-  Cotejado(x, fuerza::kIgual);
-  t_ += e.negado ? " NOT BETWEEN " : " BETWEEN ";
-  extremo("min(");
+  d_.OpenBracket(strength::kEqual, minimum);
+  Collated(x, strength::kEqual);
+  t_ += e.negated ? " NOT BETWEEN " : " BETWEEN ";
+  bounds("min(");
   t_ += " AND ";
-  extremo("max(");
-  d_.Cierra(fuerza::kIgual, minimo);
+  bounds("max(");
+  d_.CloseBracket(strength::kEqual, minimum);
 }
 
-void ComparisonWriter::Como(const Expr& e, int minimo) {
-  const int f = e.negado ? fuerza::kNot : fuerza::kAtomo;
-  d_.Abre(f, minimo);
-  if (e.negado) t_ += "NOT ";
+void ComparisonWriter::Like(const Expr& e, int minimum) {
+  const int f = e.negated ? strength::kNot : strength::kAtom;
+  d_.OpenBracket(f, minimum);
+  if (e.negated) t_ += "NOT ";
   t_ += "jet_like(";
-  const auto lado = [&](const Expr& x) {
-    if (EsCantidad(x.tipo.tipo))
-      d_.expr.Texto(x);
+  const auto side = [&](const Expr& x) {
+    if (IsQuantity(x.type.type))
+      d_.expr.Text(x);
     else
-      d_.expr.Valor(x);
+      d_.expr.Value(x);
   };
-  lado(*e.hijos[0]);
+  side(*e.children[0]);
   t_ += ", ";
-  lado(*e.hijos[1]);
-  t_ += d_.options.comodines_dao ? ", 1)" : ", 0)";
-  d_.Cierra(f, minimo);
+  side(*e.children[1]);
+  t_ += d_.options.dao_wildcards ? ", 1)" : ", 0)";
+  d_.CloseBracket(f, minimum);
 }
 
 // ALL is the least of the answers and ANY the greatest, Null where a Null among them leaves it open.
-void ComparisonWriter::Cuantificada(const Expr& e) {
-  Fuente fuente;
-  fuente.alias_sql = "jet_q";
-  fuente.columnas = e.consulta->salida;
-  Expr valor(Nodo::Columna);
-  valor.fuente = &fuente;
-  valor.columna = 0;
-  valor.tipo = fuente.columnas[0].tipo;
-  const auto respuesta = [&] { Comparar(e.op, *e.hijos[0], valor, 0); };
+void ComparisonWriter::Quantified(const Expr& e) {
+  Source source;
+  source.alias_sql = "jet_q";
+  source.columns = e.query->output;
+  Expr value(Node::Column);
+  value.source = &source;
+  value.column = 0;
+  value.type = source.columns[0].type;
+  const auto answer = [&] { Compare(e.op, *e.children[0], value, 0); };
   t_ += "(SELECT CASE WHEN count(*) = 0 THEN ";
-  t_ += e.todos ? "1 WHEN min(" : "0 WHEN max(";
-  respuesta();
-  t_ += e.todos ? ") = 0 THEN 0 WHEN count(" : ") = 1 THEN 1 WHEN count(";
-  respuesta();
-  t_ += e.todos ? ") < count(*) THEN NULL ELSE 1 END FROM (" : ") < count(*) THEN NULL ELSE 0 END FROM (";
-  ModoLista modo;
-  modo.nombres = modo.cotejar = true;
-  d_.query.EscribirConsulta(*e.consulta, modo);
+  t_ += e.all ? "1 WHEN min(" : "0 WHEN max(";
+  answer();
+  t_ += e.all ? ") = 0 THEN 0 WHEN count(" : ") = 1 THEN 1 WHEN count(";
+  answer();
+  t_ += e.all ? ") < count(*) THEN NULL ELSE 1 END FROM (" : ") < count(*) THEN NULL ELSE 0 END FROM (";
+  ListMode mode;
+  mode.names = mode.collate = true;
+  d_.query.WriteQuery(*e.query, mode);
   t_ += ") AS \"jet_q\")";
 }
 

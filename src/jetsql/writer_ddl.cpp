@@ -9,280 +9,277 @@
 namespace jetsql {
 namespace {
 
-using base::Tipo;
+using base::Type;
 
-struct Declaracion {
+struct Declaration {
   std::string_view sql;
-  Tipo tipo;
+  Type type;
 };
 
-// In the order of ClaseColumna. What stands before "_" is what the engine reads the type from; what stands
+// In the order of ColumnKind. What stands before "_" is what the engine reads the type from; what stands
 // after gives SQLite's affinity.
-constexpr Declaracion kDeclaraciones[] = {
-    {"YESNO_INT", Tipo::Booleano},  {"BYTE_INT", Tipo::Entero},
-    {"SHORT_INT", Tipo::Entero},    {"LONG_INT", Tipo::Entero},
-    {"INTEGER", Tipo::Entero},      {"SINGLE_REAL", Tipo::Simple},
-    {"DOUBLE_REAL", Tipo::Numero},  {"CURRENCY_REAL", Tipo::Moneda},
-    {"DECIMAL_REAL", Tipo::Numero}, {"DATETIME_REAL", Tipo::Fecha},
-    {"TEXT", Tipo::Texto},          {"MEMO_TEXT COLLATE JET", Tipo::Texto},
-    {"BINARY_BLOB", Tipo::Nulo},    {"GUID_TEXT COLLATE JET", Tipo::Texto},
-    {"BINARY_BLOB", Tipo::Nulo}};
+constexpr Declaration kDeclarations[] = {
+    {"YESNO_INT", Type::Boolean},   {"BYTE_INT", Type::Integer},
+    {"SHORT_INT", Type::Integer},   {"LONG_INT", Type::Integer},
+    {"INTEGER", Type::Integer},     {"SINGLE_REAL", Type::Single},
+    {"DOUBLE_REAL", Type::Number},  {"CURRENCY_REAL", Type::Currency},
+    {"DECIMAL_REAL", Type::Number}, {"DATETIME_REAL", Type::Date},
+    {"TEXT", Type::Text},           {"MEMO_TEXT COLLATE JET", Type::Text},
+    {"BINARY_BLOB", Type::Null},    {"GUID_TEXT COLLATE JET", Type::Text},
+    {"BINARY_BLOB", Type::Null}};
 
-const Declaracion& De(ClaseColumna c) { return kDeclaraciones[static_cast<std::size_t>(c)]; }
+const Declaration& DeclarationOf(ColumnKind c) { return kDeclarations[static_cast<std::size_t>(c)]; }
 
-constexpr int kLargoDeTexto = 255;
+constexpr int kTextLength = 255;
 
-std::string Rango(const std::string& columna, std::string_view desde, std::string_view hasta) {
-  return " CONSTRAINT " + NombreSql("jet_rango." + columna) + " CHECK (" + NombreSql(columna) + " BETWEEN " +
-         std::string(desde) + " AND " + std::string(hasta) + ")";
+std::string Range(const std::string& column, std::string_view from, std::string_view to) {
+  return " CONSTRAINT " + NameSql("jet_rango." + column) + " CHECK (" + NameSql(column) + " BETWEEN " +
+         std::string(from) + " AND " + std::string(to) + ")";
 }
 
-std::string Defecto(const DefColumna& c, Catalogo& catalogo) {
-  if (!c.defecto) return c.clase == ClaseColumna::SiNo ? " DEFAULT 0" : "";
-  ExprPtr valor = c.defecto;
-  Resolutor(catalogo).ResolverSuelta(valor);
-  return " DEFAULT (" + WriteValue(*valor, De(c.clase).tipo) + ")";
+std::string DefaultClause(const ColumnDefinition& c, Catalog& catalog) {
+  if (!c.default_value) return c.kind == ColumnKind::YesNo ? " DEFAULT 0" : "";
+  ExprPtr value = c.default_value;
+  Resolver(catalog).ResolveAlone(value);
+  return " DEFAULT (" + WriteValue(*value, DeclarationOf(c.kind).type) + ")";
 }
 
 // Primary keys are indexes here, so that SQLite does not know which columns a bare REFERENCES means.
-std::string Referir(const Referencia& r) {
-  if (r.columnas.empty())
-    throw base::Error("REFERENCES " + r.tabla + " debe nombrar las columnas de la tabla a la que se refiere");
-  std::string sql = " REFERENCES " + NombreSql(r.tabla);
-  for (std::size_t i = 0; i < r.columnas.size(); ++i)
-    sql += (i == 0 ? " (" : ", ") + NombreSql(r.columnas[i]);
-  if (!r.columnas.empty()) sql += ")";
-  if (r.actualiza_en_cascada) sql += " ON UPDATE CASCADE";
-  if (r.borra_en_cascada) sql += " ON DELETE CASCADE";
+std::string ReferencesClause(const Reference& r) {
+  if (r.columns.empty())
+    throw base::Error("REFERENCES " + r.table + " debe nombrar las columnas de la tabla a la que se refiere");
+  std::string sql = " REFERENCES " + NameSql(r.table);
+  for (std::size_t i = 0; i < r.columns.size(); ++i) sql += (i == 0 ? " (" : ", ") + NameSql(r.columns[i]);
+  if (!r.columns.empty()) sql += ")";
+  if (r.cascades_updates) sql += " ON UPDATE CASCADE";
+  if (r.cascades_deletes) sql += " ON DELETE CASCADE";
   return sql;
 }
 
-std::string ColumnaSql(const DefColumna& c, bool no_nulo, Catalogo& catalogo) {
-  std::string sql = NombreSql(c.nombre) + " " + std::string(De(c.clase).sql);
-  if (c.clase == ClaseColumna::Contador) return sql + " PRIMARY KEY AUTOINCREMENT";
-  if (c.clase == ClaseColumna::Texto)
-    sql += "(" + std::to_string(c.largo > 0 ? c.largo : kLargoDeTexto) + ") COLLATE JET";
-  if (c.clase == ClaseColumna::SiNo)
+std::string ColumnSql(const ColumnDefinition& c, bool not_null, Catalog& catalog) {
+  std::string sql = NameSql(c.name) + " " + std::string(DeclarationOf(c.kind).sql);
+  if (c.kind == ColumnKind::Counter) return sql + " PRIMARY KEY AUTOINCREMENT";
+  if (c.kind == ColumnKind::Text)
+    sql += "(" + std::to_string(c.length > 0 ? c.length : kTextLength) + ") COLLATE JET";
+  if (c.kind == ColumnKind::YesNo)
     sql += " NOT NULL ON CONFLICT REPLACE";  // a Null is stored as False
-  else if (no_nulo)
+  else if (not_null)
     sql += " NOT NULL";
-  sql += Defecto(c, catalogo);
-  if (c.clase == ClaseColumna::Byte) sql += Rango(c.nombre, "0", "255");
-  if (c.clase == ClaseColumna::Corto) sql += Rango(c.nombre, "-32768", "32767");
-  if (c.clase == ClaseColumna::Largo) sql += Rango(c.nombre, "-2147483648", "2147483647");
-  if (c.clase == ClaseColumna::Texto)
-    sql += " CONSTRAINT " + NombreSql("jet_largo." + c.nombre) + " CHECK (length(" + NombreSql(c.nombre) +
-           ") <= " + std::to_string(c.largo > 0 ? c.largo : kLargoDeTexto) + ")";
-  if (c.referencia) sql += Referir(*c.referencia);
+  sql += DefaultClause(c, catalog);
+  if (c.kind == ColumnKind::Byte) sql += Range(c.name, "0", "255");
+  if (c.kind == ColumnKind::Short) sql += Range(c.name, "-32768", "32767");
+  if (c.kind == ColumnKind::Long) sql += Range(c.name, "-2147483648", "2147483647");
+  if (c.kind == ColumnKind::Text)
+    sql += " CONSTRAINT " + NameSql("jet_largo." + c.name) + " CHECK (length(" + NameSql(c.name) +
+           ") <= " + std::to_string(c.length > 0 ? c.length : kTextLength) + ")";
+  if (c.reference) sql += ReferencesClause(*c.reference);
   return sql;
 }
 
-std::string IndiceUnico(const std::string& tabla, const std::string& indice,
-                        const std::vector<std::string>& columnas) {
-  std::string sql = "CREATE UNIQUE INDEX " + NombreSql(tabla + "." + indice) + " ON " + NombreSql(tabla);
-  for (std::size_t i = 0; i < columnas.size(); ++i) sql += (i == 0 ? " (" : ", ") + NombreSql(columnas[i]);
+std::string UniqueIndex(const std::string& table, const std::string& index,
+                        const std::vector<std::string>& columns) {
+  std::string sql = "CREATE UNIQUE INDEX " + NameSql(table + "." + index) + " ON " + NameSql(table);
+  for (std::size_t i = 0; i < columns.size(); ++i) sql += (i == 0 ? " (" : ", ") + NameSql(columns[i]);
   return sql + ")";
 }
 
 // SQLite adds no NOT NULL to a column that is there: triggers refuse the Null instead.
-void RefusarNulos(const std::string& tabla, const std::string& indice,
-                  const std::vector<std::string>& columnas, std::vector<std::string>& pasos) {
-  std::string cuando;
-  for (const auto& c : columnas)
-    cuando += (cuando.empty() ? "" : " OR ") + ("NEW." + NombreSql(c)) + " IS NULL";
-  const std::string cuerpo = " ON " + NombreSql(tabla) + " WHEN " + cuando + " BEGIN SELECT RAISE(ABORT, " +
-                             LiteralSql(base::Valor("jet_nulo." + columnas[0])) + "); END";
-  pasos.push_back("CREATE TRIGGER " + NombreSql(tabla + "." + indice + ".nulo1") + " BEFORE INSERT" + cuerpo);
-  pasos.push_back("CREATE TRIGGER " + NombreSql(tabla + "." + indice + ".nulo2") + " BEFORE UPDATE" + cuerpo);
+void RefuseNulls(const std::string& table, const std::string& index, const std::vector<std::string>& columns,
+                 std::vector<std::string>& steps) {
+  std::string when;
+  for (const auto& c : columns) when += (when.empty() ? "" : " OR ") + ("NEW." + NameSql(c)) + " IS NULL";
+  const std::string body = " ON " + NameSql(table) + " WHEN " + when + " BEGIN SELECT RAISE(ABORT, " +
+                           LiteralSql(base::Value("jet_nulo." + columns[0])) + "); END";
+  steps.push_back("CREATE TRIGGER " + NameSql(table + "." + index + ".nulo1") + " BEFORE INSERT" + body);
+  steps.push_back("CREATE TRIGGER " + NameSql(table + "." + index + ".nulo2") + " BEFORE UPDATE" + body);
 }
 
-void NoDebeExistir(Catalogo& catalogo, std::string_view nombre) {
-  if (catalogo.Tabla(nombre) != nullptr || catalogo.Consulta(nombre) != nullptr)
-    throw base::Error("La tabla o consulta '" + std::string(nombre) + "' ya existe", 3010);
+void MustNotExist(Catalog& catalog, std::string_view name) {
+  if (catalog.Table(name) != nullptr || catalog.Query(name) != nullptr)
+    throw base::Error("La tabla o consulta '" + std::string(name) + "' ya existe", 3010);
 }
 
-const TablaInfo& Existente(Catalogo& catalogo, std::string_view nombre) {
-  return Resolutor(catalogo).TablaDe(nombre);
+const TableInfo& ExistingTable(Catalog& catalog, std::string_view name) {
+  return Resolver(catalog).TableOf(name);
 }
 
-const std::string& ColumnaDe(const TablaInfo& t, std::string_view nombre) {
-  for (const auto& c : t.columnas)
-    if (base::IgualSinCaso(c.nombre, nombre)) return c.nombre;
-  throw base::Error("La tabla '" + t.nombre + "' no tiene la columna '" + std::string(nombre) + "'");
+const std::string& ColumnOf(const TableInfo& t, std::string_view name) {
+  for (const auto& c : t.columns)
+    if (base::EqualIgnoringCase(c.name, name)) return c.name;
+  throw base::Error("La tabla '" + t.name + "' no tiene la columna '" + std::string(name) + "'");
 }
 
 }  // namespace
 
 // Keys are indexes with a name of their own, so that DROP CONSTRAINT finds them; only a counter is SQLite's
 // own key, the number of the row.
-void Definir(const CrearTabla& s, Catalogo& catalogo, Traduccion& t) {
-  NoDebeExistir(catalogo, s.nombre);
-  TablaInfo info{s.nombre, {}};
-  std::string contador;
-  for (const auto& c : s.columnas) {
-    for (const auto& otra : info.columnas)
-      if (base::IgualSinCaso(otra.nombre, c.nombre))
-        throw base::Error("La columna '" + c.nombre + "' está repetida");
-    if (c.clase == ClaseColumna::Contador) {
-      if (!contador.empty()) throw base::Error("Una tabla no puede tener dos contadores");
-      contador = c.nombre;
+void Define(const CreateTable& s, Catalog& catalog, Translation& t) {
+  MustNotExist(catalog, s.name);
+  TableInfo info{s.name, {}};
+  std::string counter;
+  for (const auto& c : s.columns) {
+    for (const auto& other : info.columns)
+      if (base::EqualIgnoringCase(other.name, c.name))
+        throw base::Error("La columna '" + c.name + "' está repetida");
+    if (c.kind == ColumnKind::Counter) {
+      if (!counter.empty()) throw base::Error("Una tabla no puede tener dos contadores");
+      counter = c.name;
     }
-    info.columnas.push_back({c.nombre, De(c.clase).tipo});
+    info.columns.push_back({c.name, DeclarationOf(c.kind).type});
   }
-  std::string sql = "CREATE TABLE " + NombreSql(s.nombre) + " (";
-  for (std::size_t i = 0; i < s.columnas.size(); ++i) {
-    const DefColumna& c = s.columnas[i];
+  std::string sql = "CREATE TABLE " + NameSql(s.name) + " (";
+  for (std::size_t i = 0; i < s.columns.size(); ++i) {
+    const ColumnDefinition& c = s.columns[i];
     if (i > 0) sql += ", ";
-    sql += ColumnaSql(c, RefusesNull(s, c), catalogo);
+    sql += ColumnSql(c, RefusesNull(s, c), catalog);
   }
-  t.pasos.emplace_back();
-  for (const auto& c : s.columnas)
-    if ((c.clave || c.unica) && c.clase != ClaseColumna::Contador)
-      t.pasos.push_back(IndiceUnico(s.nombre, IndexName(c), {c.nombre}));
-  for (const auto& r : s.restricciones) {
-    for (const auto& c : r.columnas) ColumnaDe(info, c);
-    if (r.que == Restriccion::Que::Foranea) {
+  t.steps.emplace_back();
+  for (const auto& c : s.columns)
+    if ((c.key || c.unique) && c.kind != ColumnKind::Counter)
+      t.steps.push_back(UniqueIndex(s.name, IndexName(c), {c.name}));
+  for (const auto& r : s.constraints) {
+    for (const auto& c : r.columns) ColumnOf(info, c);
+    if (r.what == Constraint::What::Foreign) {
       sql += ", FOREIGN KEY";
-      for (std::size_t i = 0; i < r.columnas.size(); ++i)
-        sql += (i == 0 ? " (" : ", ") + NombreSql(r.columnas[i]);
-      sql += ")" + Referir(r.referencia);
-    } else if (r.que != Restriccion::Que::NoNulo) {
-      t.pasos.push_back(IndiceUnico(s.nombre, IndexName(r), r.columnas));
+      for (std::size_t i = 0; i < r.columns.size(); ++i)
+        sql += (i == 0 ? " (" : ", ") + NameSql(r.columns[i]);
+      sql += ")" + ReferencesClause(r.reference);
+    } else if (r.what != Constraint::What::NotNull) {
+      t.steps.push_back(UniqueIndex(s.name, IndexName(r), r.columns));
     }
   }
-  t.pasos[0] = sql + ")";
-  for (const auto& c : s.columnas)
-    if (c.clase == ClaseColumna::Contador && c.semilla != 1)
-      t.pasos.push_back("INSERT INTO sqlite_sequence (name, seq) VALUES (" +
-                        LiteralSql(base::Valor(s.nombre)) + ", " + std::to_string(c.semilla - 1) + ")");
-  t.definicion = {Definicion::Que::CrearTabla, s.nombre, {}, {}, std::move(info.columnas)};
+  t.steps[0] = sql + ")";
+  for (const auto& c : s.columns)
+    if (c.kind == ColumnKind::Counter && c.seed != 1)
+      t.steps.push_back("INSERT INTO sqlite_sequence (name, seq) VALUES (" + LiteralSql(base::Value(s.name)) +
+                        ", " + std::to_string(c.seed - 1) + ")");
+  t.definition = {Definition::What::CreateTable, s.name, {}, {}, std::move(info.columns)};
 }
 
-void Definir(const CrearIndice& s, Catalogo& catalogo, Traduccion& t) {
-  const TablaInfo& tabla = Existente(catalogo, s.tabla);
-  const bool unico = s.unico || s.primario;
-  std::string sql = std::string("CREATE ") + (unico ? "UNIQUE " : "") + "INDEX " +
-                    NombreSql(tabla.nombre + "." + s.nombre) + " ON " + NombreSql(tabla.nombre);
-  std::vector<std::string> columnas;
-  for (const auto& c : s.columnas) {
-    columnas.push_back(ColumnaDe(tabla, c.nombre));
-    sql += (columnas.size() == 1 ? " (" : ", ") + NombreSql(columnas.back());
-    if (c.descendente) sql += " DESC";
+void Define(const CreateIndex& s, Catalog& catalog, Translation& t) {
+  const TableInfo& table = ExistingTable(catalog, s.table);
+  const bool unique = s.unique || s.primary;
+  std::string sql = std::string("CREATE ") + (unique ? "UNIQUE " : "") + "INDEX " +
+                    NameSql(table.name + "." + s.name) + " ON " + NameSql(table.name);
+  std::vector<std::string> columns;
+  for (const auto& c : s.columns) {
+    columns.push_back(ColumnOf(table, c.name));
+    sql += (columns.size() == 1 ? " (" : ", ") + NameSql(columns.back());
+    if (c.descending) sql += " DESC";
   }
-  t.pasos.push_back(sql + ")");
-  if (s.primario || s.sin_nulos) RefusarNulos(tabla.nombre, s.nombre, columnas, t.pasos);
-  t.definicion = {Definicion::Que::CrearIndice, s.nombre, tabla.nombre, {}, {}};
+  t.steps.push_back(sql + ")");
+  if (s.primary || s.disallows_nulls) RefuseNulls(table.name, s.name, columns, t.steps);
+  t.definition = {Definition::What::CreateIndex, s.name, table.name, {}, {}};
 }
 
-void NameColumns(CrearVista& s) {
-  if (s.columnas.empty()) return;
-  auto& lista = s.consulta->partes[0].lista;
-  bool estrella = false;
-  for (const auto& item : lista) estrella = estrella || !item.expr;
-  if (estrella || lista.size() != s.columnas.size())
-    throw base::Error("La lista de columnas de la consulta '" + s.nombre + "' no coincide con su SELECT");
-  for (std::size_t i = 0; i < lista.size(); ++i) lista[i].alias = s.columnas[i];
-  s.columnas.clear();
-  s.texto = Imprimir(*s.consulta);
+void NameColumns(CreateView& s) {
+  if (s.columns.empty()) return;
+  auto& list = s.query->parts[0].list;
+  bool star = false;
+  for (const auto& item : list) star = star || !item.expr;
+  if (star || list.size() != s.columns.size())
+    throw base::Error("La lista de columnas de la consulta '" + s.name + "' no coincide con su SELECT");
+  for (std::size_t i = 0; i < list.size(); ++i) list[i].alias = s.columns[i];
+  s.columns.clear();
+  s.text = Print(*s.query);
 }
 
 // A view is its text: it is read anew wherever it is used.
-void Definir(CrearVista& s, Catalogo& catalogo, Traduccion& t) {
-  NoDebeExistir(catalogo, s.nombre);
+void Define(CreateView& s, Catalog& catalog, Translation& t) {
+  MustNotExist(catalog, s.name);
   NameColumns(s);
-  Resolutor resolutor(catalogo);
-  resolutor.Resolver(*s.consulta);
-  t.definicion = {Definicion::Que::CrearVista, s.nombre, {}, s.texto, {}};
+  Resolver resolver(catalog);
+  resolver.Resolve(*s.query);
+  t.definition = {Definition::What::CreateView, s.name, {}, s.text, {}};
 }
 
-void Definir(const Quitar& s, Catalogo& catalogo, Traduccion& t) {
-  switch (s.que) {
-    case Quitar::Que::Tabla: {
-      const TablaInfo& tabla = Existente(catalogo, s.nombre);
-      t.pasos.push_back("DROP TABLE " + NombreSql(tabla.nombre));
-      t.definicion = {Definicion::Que::BorrarTabla, tabla.nombre, {}, {}, {}};
+void Define(const Drop& s, Catalog& catalog, Translation& t) {
+  switch (s.what) {
+    case Drop::What::Table: {
+      const TableInfo& table = ExistingTable(catalog, s.name);
+      t.steps.push_back("DROP TABLE " + NameSql(table.name));
+      t.definition = {Definition::What::DropTable, table.name, {}, {}, {}};
       break;
     }
-    case Quitar::Que::Indice: {
-      const TablaInfo& tabla = Existente(catalogo, s.tabla);
-      const std::string indice = tabla.nombre + "." + s.nombre;
-      t.pasos.push_back("DROP INDEX " + NombreSql(indice));
-      t.pasos.push_back("DROP TRIGGER IF EXISTS " + NombreSql(indice + ".nulo1"));
-      t.pasos.push_back("DROP TRIGGER IF EXISTS " + NombreSql(indice + ".nulo2"));
-      t.definicion = {Definicion::Que::BorrarIndice, s.nombre, tabla.nombre, {}, {}};
+    case Drop::What::Index: {
+      const TableInfo& table = ExistingTable(catalog, s.table);
+      const std::string index = table.name + "." + s.name;
+      t.steps.push_back("DROP INDEX " + NameSql(index));
+      t.steps.push_back("DROP TRIGGER IF EXISTS " + NameSql(index + ".nulo1"));
+      t.steps.push_back("DROP TRIGGER IF EXISTS " + NameSql(index + ".nulo2"));
+      t.definition = {Definition::What::DropIndex, s.name, table.name, {}, {}};
       break;
     }
-    case Quitar::Que::Vista:
-      if (catalogo.Consulta(s.nombre) == nullptr)
-        throw base::Error("No se encuentra la consulta '" + s.nombre + "'");
-      t.definicion = {Definicion::Que::BorrarVista, s.nombre, {}, {}, {}};
+    case Drop::What::View:
+      if (catalog.Query(s.name) == nullptr) throw base::Error("No se encuentra la consulta '" + s.name + "'");
+      t.definition = {Definition::What::DropView, s.name, {}, {}, {}};
       break;
   }
 }
 
-void Definir(const AlterarTabla& s, Catalogo& catalogo, Traduccion& t) {
-  const TablaInfo& tabla = Existente(catalogo, s.tabla);
-  const std::string alterar = "ALTER TABLE " + NombreSql(tabla.nombre);
-  switch (s.que) {
-    case AlterarTabla::Que::Agregar: {
-      const DefColumna& c = s.columna;
-      if (c.clase == ClaseColumna::Contador)
+void Define(const AlterTable& s, Catalog& catalog, Translation& t) {
+  const TableInfo& table = ExistingTable(catalog, s.table);
+  const std::string alter = "ALTER TABLE " + NameSql(table.name);
+  switch (s.what) {
+    case AlterTable::What::Add: {
+      const ColumnDefinition& c = s.column;
+      if (c.kind == ColumnKind::Counter)
         throw base::Error("No se puede agregar un contador a una tabla que ya existe");
-      for (const auto& otra : tabla.columnas)
-        if (base::IgualSinCaso(otra.nombre, c.nombre))
-          throw base::Error("La columna '" + c.nombre + "' ya existe");
-      t.pasos.push_back(alterar + " ADD COLUMN " + ColumnaSql(c, false, catalogo));
-      if (c.clave || c.unica) t.pasos.push_back(IndiceUnico(tabla.nombre, IndexName(c), {c.nombre}));
-      if ((c.clave || c.no_nulo) && c.clase != ClaseColumna::SiNo)
-        RefusarNulos(tabla.nombre, IndexName(c), {c.nombre}, t.pasos);
-      t.definicion = {Definicion::Que::AgregarColumna, tabla.nombre, {}, {}, {{c.nombre, De(c.clase).tipo}}};
+      for (const auto& other : table.columns)
+        if (base::EqualIgnoringCase(other.name, c.name))
+          throw base::Error("La columna '" + c.name + "' ya existe");
+      t.steps.push_back(alter + " ADD COLUMN " + ColumnSql(c, false, catalog));
+      if (c.key || c.unique) t.steps.push_back(UniqueIndex(table.name, IndexName(c), {c.name}));
+      if ((c.key || c.not_null) && c.kind != ColumnKind::YesNo)
+        RefuseNulls(table.name, IndexName(c), {c.name}, t.steps);
+      t.definition = {
+          Definition::What::AddColumn, table.name, {}, {}, {{c.name, DeclarationOf(c.kind).type}}};
       break;
     }
-    case AlterarTabla::Que::Quitar: {
-      const std::string& columna = ColumnaDe(tabla, s.nombre);
-      t.pasos.push_back(alterar + " DROP COLUMN " + NombreSql(columna));
-      t.definicion = {Definicion::Que::QuitarColumna, tabla.nombre, {}, {}, {{columna, Tipo::Nulo}}};
+    case AlterTable::What::Drop: {
+      const std::string& column = ColumnOf(table, s.name);
+      t.steps.push_back(alter + " DROP COLUMN " + NameSql(column));
+      t.definition = {Definition::What::DropColumn, table.name, {}, {}, {{column, Type::Null}}};
       break;
     }
-    case AlterarTabla::Que::AgregarRestriccion: {
-      const Restriccion& r = s.restriccion;
-      if (r.que == Restriccion::Que::Foranea)
+    case AlterTable::What::AddConstraint: {
+      const Constraint& r = s.constraint;
+      if (r.what == Constraint::What::Foreign)
         throw base::Error("Agregar una clave foránea a una tabla que ya existe no se admite");
-      std::vector<std::string> columnas;
-      for (const auto& c : r.columnas) columnas.push_back(ColumnaDe(tabla, c));
-      if (r.que != Restriccion::Que::NoNulo)
-        t.pasos.push_back(IndiceUnico(tabla.nombre, IndexName(r), columnas));
-      if (r.que != Restriccion::Que::Unica) RefusarNulos(tabla.nombre, IndexName(r), columnas, t.pasos);
-      t.definicion = {Definicion::Que::CrearIndice, IndexName(r), tabla.nombre, {}, {}};
+      std::vector<std::string> columns;
+      for (const auto& c : r.columns) columns.push_back(ColumnOf(table, c));
+      if (r.what != Constraint::What::NotNull)
+        t.steps.push_back(UniqueIndex(table.name, IndexName(r), columns));
+      if (r.what != Constraint::What::Unique) RefuseNulls(table.name, IndexName(r), columns, t.steps);
+      t.definition = {Definition::What::CreateIndex, IndexName(r), table.name, {}, {}};
       break;
     }
-    case AlterarTabla::Que::QuitarRestriccion:
-      Definir(Quitar{Quitar::Que::Indice, s.nombre, s.tabla}, catalogo, t);
+    case AlterTable::What::DropConstraint:
+      Define(Drop{Drop::What::Index, s.name, s.table}, catalog, t);
       break;
   }
 }
 
-void DefinirDeConsulta(const Consulta& c, Catalogo& catalogo, const OpcionesTraduccion& opciones,
-                       Traduccion& t) {
-  const std::string& nombre = c.partes[0].destino;
-  NoDebeExistir(catalogo, nombre);
-  std::vector<ColumnaTabla> columnas;
-  std::string sql = "CREATE TABLE " + NombreSql(nombre);
-  for (const auto& col : c.salida) {
-    std::string_view declaracion = "MEMO_TEXT COLLATE JET";
-    for (const auto& d : kDeclaraciones)
-      if (d.tipo == col.tipo.tipo && d.tipo != Tipo::Texto && d.tipo != Tipo::Nulo && d.sql != "INTEGER" &&
+void DefineFromQuery(const Query& c, Catalog& catalog, const TranslationOptions& options, Translation& t) {
+  const std::string& name = c.parts[0].target;
+  MustNotExist(catalog, name);
+  std::vector<TableColumn> columns;
+  std::string sql = "CREATE TABLE " + NameSql(name);
+  for (const auto& col : c.output) {
+    std::string_view declaration = "MEMO_TEXT COLLATE JET";
+    for (const auto& d : kDeclarations)
+      if (d.type == col.type.type && d.type != Type::Text && d.type != Type::Null && d.sql != "INTEGER" &&
           d.sql != "BYTE_INT" && d.sql != "SHORT_INT" && d.sql != "DECIMAL_REAL")
-        declaracion = d.sql;
-    const Tipo tipo = col.tipo.tipo == Tipo::Nulo ? Tipo::Texto : col.tipo.tipo;
-    sql += (columnas.empty() ? " (" : ", ") + NombreSql(col.nombre_sql) + " " + std::string(declaracion);
-    if (tipo == Tipo::Booleano) sql += " NOT NULL ON CONFLICT REPLACE DEFAULT 0";
-    columnas.push_back({col.nombre_sql, tipo});
+        declaration = d.sql;
+    const Type type = col.type.type == Type::Null ? Type::Text : col.type.type;
+    sql += (columns.empty() ? " (" : ", ") + NameSql(col.sql_name) + " " + std::string(declaration);
+    if (type == Type::Boolean) sql += " NOT NULL ON CONFLICT REPLACE DEFAULT 0";
+    columns.push_back({col.sql_name, type});
   }
-  t.pasos.push_back(sql + ")");
-  t.pasos.push_back(WriteInsertOf(c, nombre, columnas, opciones));
+  t.steps.push_back(sql + ")");
+  t.steps.push_back(WriteInsertOf(c, name, columns, options));
   t.fills = true;
-  t.definicion = {Definicion::Que::CrearTabla, nombre, {}, {}, std::move(columnas)};
+  t.definition = {Definition::What::CreateTable, name, {}, {}, std::move(columns)};
 }
 
 }  // namespace jetsql

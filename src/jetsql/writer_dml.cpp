@@ -7,180 +7,180 @@
 namespace jetsql {
 namespace {
 
-const ColumnaFuente& ColumnaCambiada(const Asignacion& a) {
-  return a.columna->fuente->columnas[static_cast<std::size_t>(a.columna->columna)];
+const SourceColumn& ChangedColumn(const Assignment& a) {
+  return a.column->source->columns[static_cast<std::size_t>(a.column->column)];
 }
 
 // "(r0, …, v0, …)": the rows of the tables to change, and the values.
-std::string Columnas(std::size_t filas, std::size_t valores) {
-  std::string texto = " (";
-  for (std::size_t i = 0; i < filas; ++i) texto += (i > 0 ? ", \"r" : "\"r") + std::to_string(i) + "\"";
-  for (std::size_t i = 0; i < valores; ++i) texto += ", \"v" + std::to_string(i) + "\"";
-  return texto + ")";
+std::string Columns(std::size_t rows, std::size_t values) {
+  std::string text = " (";
+  for (std::size_t i = 0; i < rows; ++i) text += (i > 0 ? ", \"r" : "\"r") + std::to_string(i) + "\"";
+  for (std::size_t i = 0; i < values; ++i) text += ", \"v" + std::to_string(i) + "\"";
+  return text + ")";
 }
 
 }  // namespace
 
-void ChangeWriter::Escribir(const Insercion& s) {
-  std::vector<ColumnaTabla> columnas;
-  for (const int i : s.destinos) columnas.push_back(s.info->columnas[static_cast<std::size_t>(i)]);
-  if (s.consulta) {
-    InsertarConsulta(s.info->nombre, columnas, *s.consulta);
+void ChangeWriter::Write(const Insert& s) {
+  std::vector<TableColumn> columns;
+  for (const int i : s.targets) columns.push_back(s.info->columns[static_cast<std::size_t>(i)]);
+  if (s.query) {
+    InsertQuery(s.info->name, columns, *s.query);
     return;
   }
   t_ += "INSERT INTO ";
-  d_.Nombre(s.info->nombre);
-  for (std::size_t i = 0; i < columnas.size(); ++i) {
+  d_.Name(s.info->name);
+  for (std::size_t i = 0; i < columns.size(); ++i) {
     t_ += i == 0 ? " (" : ", ";
-    d_.Nombre(columnas[i].nombre);
+    d_.Name(columns[i].name);
   }
   t_ += ") VALUES (";
-  for (std::size_t i = 0; i < s.valores.size(); ++i) {
+  for (std::size_t i = 0; i < s.values.size(); ++i) {
     if (i > 0) t_ += ", ";
-    Asignado(*s.valores[i], columnas[i].tipo);
+    Assigned(*s.values[i], columns[i].type);
   }
   t_ += ')';
 }
 
-void ChangeWriter::InsertarConsulta(std::string_view tabla, const std::vector<ColumnaTabla>& columnas,
-                                    const Consulta& c) {
-  std::vector<base::Tipo> tipos;
+void ChangeWriter::InsertQuery(std::string_view table, const std::vector<TableColumn>& columns,
+                               const Query& c) {
+  std::vector<base::Type> types;
   t_ += "INSERT INTO ";
-  d_.Nombre(tabla);
-  for (std::size_t i = 0; i < columnas.size(); ++i) {
+  d_.Name(table);
+  for (std::size_t i = 0; i < columns.size(); ++i) {
     t_ += i == 0 ? " (" : ", ";
-    d_.Nombre(columnas[i].nombre);
-    tipos.push_back(columnas[i].tipo);
+    d_.Name(columns[i].name);
+    types.push_back(columns[i].type);
   }
   t_ += ") ";
-  const Seleccion& s = c.partes[0];
-  if (c.partes.size() == 1 && !s.tope && s.distincion == Distincion::Ninguna) {
-    ModoLista modo;
-    modo.destinos = &tipos;
-    d_.query.Parte(s, c.orden, modo, false);
+  const Select& s = c.parts[0];
+  if (c.parts.size() == 1 && !s.limit && s.distinctness == Distinctness::None) {
+    ListMode mode;
+    mode.targets = &types;
+    d_.query.Part(s, c.order, mode, false);
     return;
   }
   // The values are told apart and counted before they are converted.
-  Fuente fuente;
-  fuente.alias_sql = "jet_s";
-  fuente.columnas = c.salida;
+  Source source;
+  source.alias_sql = "jet_s";
+  source.columns = c.output;
   t_ += "SELECT ";
-  for (std::size_t i = 0; i < columnas.size(); ++i) {
-    Expr e(Nodo::Columna);
-    e.fuente = &fuente;
-    e.columna = static_cast<int>(i);
-    e.tipo = c.salida[i].tipo;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    Expr e(Node::Column);
+    e.source = &source;
+    e.column = static_cast<int>(i);
+    e.type = c.output[i].type;
     if (i > 0) t_ += ", ";
-    Asignado(e, tipos[i]);
+    Assigned(e, types[i]);
   }
   t_ += " FROM (";
-  ModoLista modo;
-  modo.nombres = modo.cotejar = true;
-  d_.query.EscribirConsulta(c, modo);
+  ListMode mode;
+  mode.names = mode.collate = true;
+  d_.query.WriteQuery(c, mode);
   t_ += ") AS \"jet_s\"";
 }
 
-void ChangeWriter::Escribir(const Borrado& s) {
-  const Fuente& f = *s.fuente;
+void ChangeWriter::Write(const Delete& s) {
+  const Source& f = *s.source;
   t_ += "DELETE FROM ";
-  d_.Nombre(f.tabla->nombre);
-  if (s.fuentes.size() == 1) {
-    if (f.alias_sql != f.tabla->nombre) {
+  d_.Name(f.table->name);
+  if (s.sources.size() == 1) {
+    if (f.alias_sql != f.table->name) {
       t_ += " AS ";
-      d_.Nombre(f.alias_sql);
+      d_.Name(f.alias_sql);
     }
-    if (s.donde) {
+    if (s.where) {
       t_ += " WHERE ";
-      d_.expr.Condicion(*s.donde);
+      d_.expr.Condition(*s.where);
     }
     return;
   }
-  if (!d_.from.Alcanzable(s.de, f))
+  if (!d_.from.IsReachable(s.from, f))
     throw base::Error("La operación debe usar una consulta actualizable", 3073);
-  Fuente fila;
-  fila.columnas = f.columnas;
-  fila.alias_sql = f.tabla->nombre;
+  Source row;
+  row.columns = f.columns;
+  row.alias_sql = f.table->name;
   t_ += " WHERE ";
-  d_.from.FilaDe(fila);
+  d_.from.RowOf(row);
   t_ += " IN (SELECT ";
-  d_.from.FilaDe(f);
-  d_.from.DeYDonde(s.de, s.donde);
+  d_.from.RowOf(f);
+  d_.from.FromAndWhere(s.from, s.where);
   t_ += ')';
 }
 
-// The column of a change and what it is set to: the value itself, or with `instantanea` its column there.
-void ChangeWriter::Asignar(const Actualizacion& s, const Fuente& tabla, bool instantanea) {
-  bool coma = false;
-  for (std::size_t i = 0; i < s.cambios.size(); ++i) {
-    if (s.cambios[i].columna->fuente != &tabla) continue;
-    t_ += coma ? ", " : " SET ";
-    coma = true;
-    d_.Nombre(ColumnaCambiada(s.cambios[i]).nombre_sql);
+// The column of a change and what it is set to: the value itself, or with `snapshot` its column there.
+void ChangeWriter::Assign(const Update& s, const Source& table, bool snapshot) {
+  bool comma = false;
+  for (std::size_t i = 0; i < s.changes.size(); ++i) {
+    if (s.changes[i].column->source != &table) continue;
+    t_ += comma ? ", " : " SET ";
+    comma = true;
+    d_.Name(ChangedColumn(s.changes[i]).sql_name);
     t_ += " = ";
-    if (instantanea)
+    if (snapshot)
       t_ += "\"jet_v\".\"v" + std::to_string(i) + "\"";
     else
-      Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo);
+      Assigned(*s.changes[i].value, ChangedColumn(s.changes[i]).type.type);
   }
 }
 
 // The rows that change, by number, and their new values.
-void ChangeWriter::Instantanea(const Actualizacion& s, const std::vector<const Fuente*>& tablas) {
+void ChangeWriter::Snapshot(const Update& s, const std::vector<const Source*>& tables) {
   t_ += "SELECT ";
-  for (std::size_t i = 0; i < tablas.size(); ++i) {
-    if (!d_.from.Alcanzable(s.de, *tablas[i]))
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    if (!d_.from.IsReachable(s.from, *tables[i]))
       throw base::Error("La operación debe usar una consulta actualizable", 3073);
     if (i > 0) t_ += ", ";
-    d_.from.FilaDe(*tablas[i]);
+    d_.from.RowOf(*tables[i]);
     t_ += " AS \"r" + std::to_string(i) + "\"";
   }
-  for (std::size_t i = 0; i < s.cambios.size(); ++i) {
+  for (std::size_t i = 0; i < s.changes.size(); ++i) {
     t_ += ", ";
-    Asignado(*s.cambios[i].valor, ColumnaCambiada(s.cambios[i]).tipo.tipo);
+    Assigned(*s.changes[i].value, ChangedColumn(s.changes[i]).type.type);
     t_ += " AS \"v" + std::to_string(i) + "\"";
   }
-  d_.from.DeYDonde(s.de, s.donde);
+  d_.from.FromAndWhere(s.from, s.where);
 }
 
 // The new values are computed before anything changes, and wait in a temporary table, one for each number of
 // columns. Emptying it last counts the rows that were changed as often as they were matched.
-std::vector<std::string> ChangeWriter::Pasos(const Actualizacion& s, const OpcionesTraduccion& opciones) {
-  SqlDraft valores(opciones);
-  if (s.fuentes.size() == 1) {
-    valores.text = "UPDATE ";
-    valores.from.Hoja(*s.fuentes[0]);
-    valores.change.Asignar(s, *s.fuentes[0], false);
-    if (s.donde) {
-      valores.text += " WHERE ";
-      valores.expr.Condicion(*s.donde);
+std::vector<std::string> ChangeWriter::Steps(const Update& s, const TranslationOptions& options) {
+  SqlDraft values(options);
+  if (s.sources.size() == 1) {
+    values.text = "UPDATE ";
+    values.from.Leaf(*s.sources[0]);
+    values.change.Assign(s, *s.sources[0], false);
+    if (s.where) {
+      values.text += " WHERE ";
+      values.expr.Condition(*s.where);
     }
-    return {std::move(valores.text)};
+    return {std::move(values.text)};
   }
-  std::vector<const Fuente*> tablas;
-  for (const auto& a : s.cambios)
-    if (std::find(tablas.begin(), tablas.end(), a.columna->fuente) == tablas.end())
-      tablas.push_back(a.columna->fuente);
-  valores.change.Instantanea(s, tablas);
-  const std::string espera =
-      "temp.\"jet_" + std::to_string(tablas.size()) + "_" + std::to_string(s.cambios.size()) + "\"";
-  std::vector<std::string> pasos = {
-      "CREATE TABLE IF NOT EXISTS " + espera + Columnas(tablas.size(), s.cambios.size()),
-      "INSERT INTO " + espera + " " + valores.text};
-  for (std::size_t t = 0; t < tablas.size(); ++t) {
-    SqlDraft e(opciones);
-    Fuente fila;
-    fila.columnas = tablas[t]->columnas;
-    fila.alias_sql = tablas[t]->tabla->nombre;
+  std::vector<const Source*> tables;
+  for (const auto& a : s.changes)
+    if (std::find(tables.begin(), tables.end(), a.column->source) == tables.end())
+      tables.push_back(a.column->source);
+  values.change.Snapshot(s, tables);
+  const std::string expected =
+      "temp.\"jet_" + std::to_string(tables.size()) + "_" + std::to_string(s.changes.size()) + "\"";
+  std::vector<std::string> steps = {
+      "CREATE TABLE IF NOT EXISTS " + expected + Columns(tables.size(), s.changes.size()),
+      "INSERT INTO " + expected + " " + values.text};
+  for (std::size_t t = 0; t < tables.size(); ++t) {
+    SqlDraft e(options);
+    Source row;
+    row.columns = tables[t]->columns;
+    row.alias_sql = tables[t]->table->name;
     e.text = "UPDATE ";
-    e.Nombre(fila.alias_sql);
-    e.change.Asignar(s, *tablas[t], true);
-    e.text += " FROM " + espera + " AS \"jet_v\" WHERE ";
-    e.from.FilaDe(fila);
+    e.Name(row.alias_sql);
+    e.change.Assign(s, *tables[t], true);
+    e.text += " FROM " + expected + " AS \"jet_v\" WHERE ";
+    e.from.RowOf(row);
     e.text += " = \"jet_v\".\"r" + std::to_string(t) + "\"";
-    pasos.push_back(std::move(e.text));
+    steps.push_back(std::move(e.text));
   }
-  pasos.push_back("DELETE FROM " + espera);
-  return pasos;
+  steps.push_back("DELETE FROM " + expected);
+  return steps;
 }
 
 }  // namespace jetsql

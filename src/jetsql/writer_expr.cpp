@@ -6,43 +6,43 @@
 namespace jetsql {
 namespace {
 
-constexpr int kNivelMaximo = 800;
-constexpr std::size_t kLargoMaximo = 8u << 20;
-constexpr std::size_t kArgumentosMaximos = 100;  // SQLite's functions take 127
-constexpr std::size_t kCadenaLlana = 60;
+constexpr int kMaxLevel = 800;
+constexpr std::size_t kMaxLength = 8u << 20;
+constexpr std::size_t kMaxArguments = 100;  // SQLite's functions take 127
+constexpr std::size_t kFlatChain = 60;
 
 // Aliases inside a list share trees, so that a short text can be a long expression.
-class Nivel {
+class Level {
  public:
-  explicit Nivel(SqlDraft& draft) : draft_(draft) {
-    if (++draft_.depth > kNivelMaximo || draft_.text.size() > kLargoMaximo)
+  explicit Level(SqlDraft& draft) : draft_(draft) {
+    if (++draft_.depth > kMaxLevel || draft_.text.size() > kMaxLength)
       throw base::Error("La sentencia es demasiado compleja");
   }
-  ~Nivel() { --draft_.depth; }
-  Nivel(const Nivel&) = delete;
-  Nivel& operator=(const Nivel&) = delete;
+  ~Level() { --draft_.depth; }
+  Level(const Level&) = delete;
+  Level& operator=(const Level&) = delete;
 
  private:
   SqlDraft& draft_;
 };
 
 // What SQLite itself answers with 1, 0 or NULL.
-bool EsCondicion(const Expr& e) {
-  switch (e.nodo) {
-    case Nodo::Unario:
-      return e.op == Op::No;
-    case Nodo::Binario:
+bool IsCondition(const Expr& e) {
+  switch (e.node) {
+    case Node::Unary:
+      return e.op == Op::Not;
+    case Node::Binary:
       return e.op < Op::Concat;
-    case Nodo::Entre:
-    case Nodo::EnLista:
-    case Nodo::EnConsulta:
-    case Nodo::Existe:
-    case Nodo::Cuantificada:
-    case Nodo::EsNulo:
-    case Nodo::Como:
+    case Node::Between:
+    case Node::InList:
+    case Node::InQuery:
+    case Node::Exists:
+    case Node::Quantified:
+    case Node::IsNull:
+    case Node::Like:
       return true;
-    case Nodo::Llamada:
-      return e.especial == Especial::EsNulo;
+    case Node::Call:
+      return e.special == Special::IsNull;
     default:
       return false;
   }
@@ -50,55 +50,55 @@ bool EsCondicion(const Expr& e) {
 
 }  // namespace
 
-void ExpressionWriter::Columna(const Expr& e) {
-  d_.Nombre(e.fuente->alias_sql);
+void ExpressionWriter::Column(const Expr& e) {
+  d_.Name(e.source->alias_sql);
   t_ += '.';
-  d_.Nombre(e.fuente->columnas[static_cast<std::size_t>(e.columna)].nombre_sql);
+  d_.Name(e.source->columns[static_cast<std::size_t>(e.column)].sql_name);
 }
 
-void ExpressionWriter::Valor(const Expr& e, int minimo) {
-  const Nivel nivel(d_);
-  if (EsCondicion(e)) {  // True is -1
-    d_.Abre(fuerza::kUnario, minimo);
+void ExpressionWriter::Value(const Expr& e, int minimum) {
+  const Level level(d_);
+  if (IsCondition(e)) {  // True is -1
+    d_.OpenBracket(strength::kUnary, minimum);
     t_ += "-(";
-    Condicion(e);
+    Condition(e);
     t_ += ')';
-    d_.Cierra(fuerza::kUnario, minimo);
+    d_.CloseBracket(strength::kUnary, minimum);
     return;
   }
-  switch (e.nodo) {
-    case Nodo::Literal:
+  switch (e.node) {
+    case Node::Literal:
       d_.Literal(e);
       break;
-    case Nodo::Verdadero:
-      d_.Abre(fuerza::kUnario, minimo);
+    case Node::True:
+      d_.OpenBracket(strength::kUnary, minimum);
       t_ += "-1";
-      d_.Cierra(fuerza::kUnario, minimo);
+      d_.CloseBracket(strength::kUnary, minimum);
       break;
-    case Nodo::Falso:
+    case Node::False:
       t_ += '0';
       break;
-    case Nodo::Nulo:
+    case Node::Null:
       t_ += "NULL";
       break;
-    case Nodo::Columna:
-      Columna(e);
+    case Node::Column:
+      Column(e);
       break;
-    case Nodo::Unario:
-      Unario(e, minimo);
+    case Node::Unary:
+      Unary(e, minimum);
       break;
-    case Nodo::Binario:
+    case Node::Binary:
       if (e.op == Op::Concat)
-        Concatenar(e.hijos, e.hijos.size());
+        Concatenate(e.children, e.children.size());
       else
-        Aritmetica(e, minimo);
+        Arithmetic(e, minimum);
       break;
-    case Nodo::Llamada:
-      d_.call.Llamada(e);
+    case Node::Call:
+      d_.call.Call(e);
       break;
-    case Nodo::Subconsulta:
+    case Node::Subquery:
       t_ += '(';
-      d_.query.EscribirConsulta(*e.consulta, {});
+      d_.query.WriteQuery(*e.query, {});
       t_ += ')';
       break;
     default:
@@ -106,190 +106,190 @@ void ExpressionWriter::Valor(const Expr& e, int minimo) {
   }
 }
 
-void ExpressionWriter::Condicion(const Expr& e, int minimo) {
-  const Nivel nivel(d_);
-  switch (e.nodo) {
-    case Nodo::Entre:
-      d_.compare.Entre(e, minimo);
+void ExpressionWriter::Condition(const Expr& e, int minimum) {
+  const Level level(d_);
+  switch (e.node) {
+    case Node::Between:
+      d_.compare.Between(e, minimum);
       return;
-    case Nodo::EnLista:
-      d_.compare.EnLista(e, minimo);
+    case Node::InList:
+      d_.compare.InList(e, minimum);
       return;
-    case Nodo::EnConsulta:
-      d_.compare.EnConsulta(e, minimo);
+    case Node::InQuery:
+      d_.compare.InQuery(e, minimum);
       return;
-    case Nodo::Como:
-      d_.compare.Como(e, minimo);
+    case Node::Like:
+      d_.compare.Like(e, minimum);
       return;
-    case Nodo::Cuantificada:
-      d_.compare.Cuantificada(e);
+    case Node::Quantified:
+      d_.compare.Quantified(e);
       return;
-    case Nodo::Existe:
+    case Node::Exists:
       t_ += "EXISTS (";
-      d_.query.EscribirConsulta(*e.consulta, {});
+      d_.query.WriteQuery(*e.query, {});
       t_ += ')';
       return;
     default:
       break;
   }
-  if (!EsCondicion(e)) {
-    Valor(e, minimo);
-  } else if (e.nodo == Nodo::EsNulo || e.nodo == Nodo::Llamada) {
-    d_.Abre(fuerza::kIgual, minimo);
-    Valor(*e.hijos[0], fuerza::kIgual);
-    t_ += e.negado ? " IS NOT NULL" : " IS NULL";
-    d_.Cierra(fuerza::kIgual, minimo);
-  } else if (e.nodo == Nodo::Unario) {
-    d_.Abre(fuerza::kNot, minimo);
+  if (!IsCondition(e)) {
+    Value(e, minimum);
+  } else if (e.node == Node::IsNull || e.node == Node::Call) {
+    d_.OpenBracket(strength::kEqual, minimum);
+    Value(*e.children[0], strength::kEqual);
+    t_ += e.negated ? " IS NOT NULL" : " IS NULL";
+    d_.CloseBracket(strength::kEqual, minimum);
+  } else if (e.node == Node::Unary) {
+    d_.OpenBracket(strength::kNot, minimum);
     t_ += "NOT ";
-    Condicion(*e.hijos[0], fuerza::kNot);
-    d_.Cierra(fuerza::kNot, minimo);
-  } else if (e.op < Op::No) {
-    Logica(e, minimo);
+    Condition(*e.children[0], strength::kNot);
+    d_.CloseBracket(strength::kNot, minimum);
+  } else if (e.op < Op::Not) {
+    Logic(e, minimum);
   } else {
-    d_.compare.Comparar(e.op, *e.hijos[0], *e.hijos[1], minimo);
+    d_.compare.Compare(e.op, *e.children[0], *e.children[1], minimum);
   }
 }
 
 // A long chain is written as a balanced tree: SQLite counts the depth of a chain as its length.
-void ExpressionWriter::Cadena(const Expr& e, std::size_t desde, std::size_t hasta, int minimo) {
-  const int f = e.op == Op::And ? fuerza::kAnd : fuerza::kOr;
+void ExpressionWriter::String(const Expr& e, std::size_t from, std::size_t to, int minimum) {
+  const int f = e.op == Op::And ? strength::kAnd : strength::kOr;
   const std::string_view op = e.op == Op::And ? " AND " : " OR ";
-  if (hasta - desde == 1) {
-    Condicion(*e.hijos[desde], minimo);
+  if (to - from == 1) {
+    Condition(*e.children[from], minimum);
     return;
   }
-  d_.Abre(f, minimo);
-  if (hasta - desde <= kCadenaLlana) {
-    for (std::size_t i = desde; i < hasta; ++i) {
-      if (i > desde) t_ += op;
-      Condicion(*e.hijos[i], f + 1);
+  d_.OpenBracket(f, minimum);
+  if (to - from <= kFlatChain) {
+    for (std::size_t i = from; i < to; ++i) {
+      if (i > from) t_ += op;
+      Condition(*e.children[i], f + 1);
     }
   } else {
-    const std::size_t mitad = desde + (hasta - desde) / 2;
-    Cadena(e, desde, mitad, f + 1);
+    const std::size_t middle = from + (to - from) / 2;
+    String(e, from, middle, f + 1);
     t_ += op;
-    Cadena(e, mitad, hasta, f + 1);
+    String(e, middle, to, f + 1);
   }
-  d_.Cierra(f, minimo);
+  d_.CloseBracket(f, minimum);
 }
 
-void ExpressionWriter::Logica(const Expr& e, int minimo) {
+void ExpressionWriter::Logic(const Expr& e, int minimum) {
   if (e.op == Op::And || e.op == Op::Or) {
-    Cadena(e, 0, e.hijos.size(), minimo);
+    String(e, 0, e.children.size(), minimum);
     return;
   }
   const bool imp = e.op == Op::Imp;
-  const int f = imp ? fuerza::kOr : fuerza::kIgual;
-  d_.Abre(f, minimo);
+  const int f = imp ? strength::kOr : strength::kEqual;
+  d_.OpenBracket(f, minimum);
   t_ += "(NOT ";
-  Condicion(*e.hijos[0], fuerza::kNot);
+  Condition(*e.children[0], strength::kNot);
   t_ += imp ? ") OR " : e.op == Op::Xor ? ") <> (NOT " : ") = (NOT ";
-  Condicion(*e.hijos[1], imp ? fuerza::kAnd : fuerza::kNot);
+  Condition(*e.children[1], imp ? strength::kAnd : strength::kNot);
   if (!imp) t_ += ')';
-  d_.Cierra(f, minimo);
+  d_.CloseBracket(f, minimum);
 }
 
-void ExpressionWriter::Numero(const Expr& e, int minimo) {
-  if (EsCantidad(e.tipo.tipo) || e.tipo.nulo) {
-    Valor(e, minimo);
+void ExpressionWriter::Number(const Expr& e, int minimum) {
+  if (IsQuantity(e.type.type) || e.type.null) {
+    Value(e, minimum);
     return;
   }
   t_ += "jet_num(";
-  Valor(e);
+  Value(e);
   t_ += ')';
 }
 
-void ExpressionWriter::Unario(const Expr& e, int minimo) {
-  const Expr& x = *e.hijos[0];
-  if (e.op == Op::Mas) {
-    Valor(x, minimo);
+void ExpressionWriter::Unary(const Expr& e, int minimum) {
+  const Expr& x = *e.children[0];
+  if (e.op == Op::Plus) {
+    Value(x, minimum);
     return;
   }
-  d_.Abre(fuerza::kUnario, minimo);
+  d_.OpenBracket(strength::kUnary, minimum);
   t_ += '-';
-  Numero(x, fuerza::kAtomo);  // "--" would start a comment
-  d_.Cierra(fuerza::kUnario, minimo);
+  Number(x, strength::kAtom);  // "--" would start a comment
+  d_.CloseBracket(strength::kUnary, minimum);
 }
 
-void ExpressionWriter::Ayudante(std::string_view nombre, const Expr& e) {
-  t_.append(nombre).append("(");
-  Valor(*e.hijos[0]);
+void ExpressionWriter::Helper(std::string_view name, const Expr& e) {
+  t_.append(name).append("(");
+  Value(*e.children[0]);
   t_ += ", ";
-  Valor(*e.hijos[1]);
+  Value(*e.children[1]);
   t_ += ')';
 }
 
-void ExpressionWriter::Aritmetica(const Expr& e, int minimo) {
+void ExpressionWriter::Arithmetic(const Expr& e, int minimum) {
   switch (e.op) {
     case Op::Div:
-      Ayudante("jet_div", e);
+      Helper("jet_div", e);
       return;
-    case Op::DivEntera:
-      Ayudante("jet_idiv", e);
+    case Op::IntDiv:
+      Helper("jet_idiv", e);
       return;
     case Op::Mod:
-      Ayudante("jet_mod", e);
+      Helper("jet_mod", e);
       return;
-    case Op::Potencia:
-      Ayudante("jet_pow", e);
+    case Op::Power:
+      Helper("jet_pow", e);
       return;
     default:
       break;
   }
-  const Expr &a = *e.hijos[0], &b = *e.hijos[1];
-  if (e.op == Op::Suma && (PuedeSerTexto(a.tipo) || PuedeSerTexto(b.tipo))) {
+  const Expr &a = *e.children[0], &b = *e.children[1];
+  if (e.op == Op::Add && (MayBeText(a.type) || MayBeText(b.type))) {
     t_ += "jet_add(";
-    Etiquetas(e.hijos, 0, 2);
+    Tags(e.children, 0, 2);
     t_ += ", ";
-    Valor(a);
+    Value(a);
     t_ += ", ";
-    Valor(b);
+    Value(b);
     t_ += ')';
     return;
   }
-  const int f = e.op == Op::Por ? fuerza::kPor : fuerza::kSuma;
-  const bool nulo =
-      a.tipo.nulo || b.tipo.nulo;  // then nothing else matters, not even a text that is no number
-  d_.Abre(f, minimo);
-  nulo ? Valor(a, f) : Numero(a, f);
-  t_ += e.op == Op::Por ? " * " : e.op == Op::Suma ? " + " : " - ";
-  nulo ? Valor(b, f + 1) : Numero(b, f + 1);
-  d_.Cierra(f, minimo);
+  const int f = e.op == Op::Multiply ? strength::kMultiply : strength::kSum;
+  const bool null =
+      a.type.null || b.type.null;  // then nothing else matters, not even a text that is no number
+  d_.OpenBracket(f, minimum);
+  null ? Value(a, f) : Number(a, f);
+  t_ += e.op == Op::Multiply ? " * " : e.op == Op::Add ? " + " : " - ";
+  null ? Value(b, f + 1) : Number(b, f + 1);
+  d_.CloseBracket(f, minimum);
 }
 
-void ExpressionWriter::Etiquetas(const std::vector<ExprPtr>& partes, std::size_t desde, std::size_t hasta) {
+void ExpressionWriter::Tags(const std::vector<ExprPtr>& parts, std::size_t from, std::size_t to) {
   t_ += '\'';
-  for (std::size_t i = desde; i < hasta; ++i) t_ += LetraDeTipo(partes[i]->tipo.tipo);
+  for (std::size_t i = from; i < to; ++i) t_ += TypeLetter(parts[i]->type.type);
   t_ += '\'';
 }
 
-void ExpressionWriter::Concatenar(const std::vector<ExprPtr>& partes, std::size_t hasta) {
+void ExpressionWriter::Concatenate(const std::vector<ExprPtr>& parts, std::size_t to) {
   t_ += "jet_concat(";
-  std::size_t desde = 0;
-  if (hasta > kArgumentosMaximos) {
-    desde = hasta - kArgumentosMaximos + 1;
+  std::size_t from = 0;
+  if (to > kMaxArguments) {
+    from = to - kMaxArguments + 1;
     t_ += "'T";
-    for (std::size_t i = desde; i < hasta; ++i) t_ += LetraDeTipo(partes[i]->tipo.tipo);
+    for (std::size_t i = from; i < to; ++i) t_ += TypeLetter(parts[i]->type.type);
     t_ += "', ";
-    Concatenar(partes, desde);
+    Concatenate(parts, from);
   } else {
-    Etiquetas(partes, 0, hasta);
+    Tags(parts, 0, to);
   }
-  for (std::size_t i = desde; i < hasta; ++i) {
+  for (std::size_t i = from; i < to; ++i) {
     t_ += ", ";
-    Valor(*partes[i]);
+    Value(*parts[i]);
   }
   t_ += ')';
 }
 
-void ExpressionWriter::Texto(const Expr& e) {
-  if (e.tipo.tipo == base::Tipo::Texto || e.tipo.nulo) {
-    Valor(e);
+void ExpressionWriter::Text(const Expr& e) {
+  if (e.type.type == base::Type::Text || e.type.null) {
+    Value(e);
     return;
   }
-  t_.append("jet_concat('").append(1, LetraDeTipo(e.tipo.tipo)).append("', ");
-  Valor(e);
+  t_.append("jet_concat('").append(1, TypeLetter(e.type.type)).append("', ");
+  Value(e);
   t_ += ')';
 }
 

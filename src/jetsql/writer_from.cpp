@@ -7,104 +7,104 @@ namespace jetsql {
 // A tree of joins as one chain from left to right. The product of A with (B LEFT JOIN C) is (A, B) LEFT JOIN
 // C, so that only the right side of an outer join has to stay in brackets; the condition of an inner join
 // between two trees becomes a filter of the whole.
-void FromWriter::Aplanar(const Rama& r, std::vector<Paso>& pasos, std::vector<const Expr*>& filtros) {
-  if (r.hoja) {
-    pasos.push_back({&r, false, nullptr});
+void FromWriter::Flatten(const Branch& r, std::vector<Step>& steps, std::vector<const Expr*>& filters) {
+  if (r.leaf) {
+    steps.push_back({&r, false, nullptr});
     return;
   }
-  const bool derecha = r.tipo == TipoUnion::Derecha;
-  const Rama& a = derecha ? *r.derecha : *r.izquierda;
-  const Rama& b = derecha ? *r.izquierda : *r.derecha;
-  Aplanar(a, pasos, filtros);
-  if (r.tipo != TipoUnion::Interna) {
-    pasos.push_back({&b, true, r.condicion.get()});
+  const bool right = r.type == JoinType::Right;
+  const Branch& a = right ? *r.right : *r.left;
+  const Branch& b = right ? *r.left : *r.right;
+  Flatten(a, steps, filters);
+  if (r.type != JoinType::Inner) {
+    steps.push_back({&b, true, r.condition.get()});
     return;
   }
-  Aplanar(b, pasos, filtros);
-  if (b.hoja)
-    pasos.back().condicion = r.condicion.get();
+  Flatten(b, steps, filters);
+  if (b.leaf)
+    steps.back().condition = r.condition.get();
   else
-    filtros.push_back(r.condicion.get());
+    filters.push_back(r.condition.get());
 }
 
-void FromWriter::Hoja(const Fuente& f) {
-  if (f.tabla != nullptr) {
-    d_.Nombre(f.tabla->nombre);
-    if (f.alias_sql == f.tabla->nombre) return;
+void FromWriter::Leaf(const Source& f) {
+  if (f.table != nullptr) {
+    d_.Name(f.table->name);
+    if (f.alias_sql == f.table->name) return;
   } else {
-    ModoLista modo;
-    modo.nombres = modo.cotejar = true;
+    ListMode mode;
+    mode.names = mode.collate = true;
     t_ += '(';
-    d_.query.EscribirConsulta(*f.consulta, modo);
+    d_.query.WriteQuery(*f.query, mode);
     t_ += ')';
   }
   t_ += " AS ";
-  d_.Nombre(f.alias_sql);
+  d_.Name(f.alias_sql);
 }
 
 // As it is written: inside the right side of an outer join.
-void FromWriter::Anidada(const Rama& r) {
-  if (r.hoja) {
-    Hoja(*r.hoja);
+void FromWriter::Nested(const Branch& r) {
+  if (r.leaf) {
+    Leaf(*r.leaf);
     return;
   }
-  const bool derecha = r.tipo == TipoUnion::Derecha;
-  const Rama& a = derecha ? *r.derecha : *r.izquierda;
-  const Rama& b = derecha ? *r.izquierda : *r.derecha;
-  Anidada(a);
-  t_ += r.tipo == TipoUnion::Interna ? " JOIN " : " LEFT JOIN ";
-  if (!b.hoja) t_ += '(';
-  Anidada(b);
-  if (!b.hoja) t_ += ')';
+  const bool right = r.type == JoinType::Right;
+  const Branch& a = right ? *r.right : *r.left;
+  const Branch& b = right ? *r.left : *r.right;
+  Nested(a);
+  t_ += r.type == JoinType::Inner ? " JOIN " : " LEFT JOIN ";
+  if (!b.leaf) t_ += '(';
+  Nested(b);
+  if (!b.leaf) t_ += ')';
   t_ += " ON ";
-  d_.expr.Condicion(*r.condicion);
+  d_.expr.Condition(*r.condition);
 }
 
-void FromWriter::DeYDonde(const std::vector<RamaPtr>& de, const ExprPtr& donde) {
-  std::vector<Paso> pasos;
-  std::vector<const Expr*> filtros;
-  for (const auto& rama : de) Aplanar(*rama, pasos, filtros);
-  for (std::size_t i = 0; i < pasos.size(); ++i) {
-    const Paso& p = pasos[i];
-    t_ += i == 0 ? " FROM " : p.izquierda ? " LEFT JOIN " : " JOIN ";
-    if (p.rama->hoja) {
-      Hoja(*p.rama->hoja);
+void FromWriter::FromAndWhere(const std::vector<BranchPtr>& from, const ExprPtr& where) {
+  std::vector<Step> steps;
+  std::vector<const Expr*> filters;
+  for (const auto& branch : from) Flatten(*branch, steps, filters);
+  for (std::size_t i = 0; i < steps.size(); ++i) {
+    const Step& p = steps[i];
+    t_ += i == 0 ? " FROM " : p.left ? " LEFT JOIN " : " JOIN ";
+    if (p.branch->leaf) {
+      Leaf(*p.branch->leaf);
     } else {
       t_ += '(';
-      Anidada(*p.rama);
+      Nested(*p.branch);
       t_ += ')';
     }
-    if (p.condicion == nullptr) continue;
+    if (p.condition == nullptr) continue;
     t_ += " ON ";
-    d_.expr.Condicion(*p.condicion);
+    d_.expr.Condition(*p.condition);
   }
-  if (donde) filtros.push_back(donde.get());
-  for (std::size_t i = 0; i < filtros.size(); ++i) {
+  if (where) filters.push_back(where.get());
+  for (std::size_t i = 0; i < filters.size(); ++i) {
     t_ += i == 0 ? " WHERE " : " AND ";
-    d_.expr.Condicion(*filtros[i], filtros.size() > 1 ? fuerza::kAnd : 0);
+    d_.expr.Condition(*filters[i], filters.size() > 1 ? strength::kAnd : 0);
   }
 }
 
 // SQLite gives a row's number three names; a column may have taken one.
-void FromWriter::FilaDe(const Fuente& f) {
-  std::string_view fila = "rowid";
-  for (const std::string_view otro : {"_rowid_", "oid"}) {
-    bool tomado = false;
-    for (const auto& c : f.columnas) tomado = tomado || base::IgualSinCaso(c.nombre, fila);
-    if (!tomado) break;
-    fila = otro;
+void FromWriter::RowOf(const Source& f) {
+  std::string_view row = "rowid";
+  for (const std::string_view other : {"_rowid_", "oid"}) {
+    bool taken = false;
+    for (const auto& c : f.columns) taken = taken || base::EqualIgnoringCase(c.name, row);
+    if (!taken) break;
+    row = other;
   }
-  d_.Nombre(f.alias_sql);
-  t_.append(".").append(fila);
+  d_.Name(f.alias_sql);
+  t_.append(".").append(row);
 }
 
 // Whether the rows of a table can be named outside the FROM: not inside brackets.
-bool FromWriter::Alcanzable(const std::vector<RamaPtr>& de, const Fuente& f) {
-  std::vector<Paso> pasos;
-  std::vector<const Expr*> filtros;
-  for (const auto& rama : de) Aplanar(*rama, pasos, filtros);
-  for (const auto& p : pasos)
-    if (p.rama->hoja.get() == &f) return true;
+bool FromWriter::IsReachable(const std::vector<BranchPtr>& from, const Source& f) {
+  std::vector<Step> steps;
+  std::vector<const Expr*> filters;
+  for (const auto& branch : from) Flatten(*branch, steps, filters);
+  for (const auto& p : steps)
+    if (p.branch->leaf.get() == &f) return true;
   return false;
 }
 

@@ -10,20 +10,20 @@
 
 namespace jetsql {
 
-std::string WriteQuery(const Consulta& query, const OpcionesTraduccion& options);
-std::string WriteInsert(const Insercion& change, const OpcionesTraduccion& options);
-std::string WriteDelete(const Borrado& change, const OpcionesTraduccion& options);
+std::string WriteQuery(const Query& query, const TranslationOptions& options);
+std::string WriteInsert(const Insert& change, const TranslationOptions& options);
+std::string WriteDelete(const Delete& change, const TranslationOptions& options);
 // The steps of an UPDATE: more than one when it changes several tables.
-std::vector<std::string> WriteUpdate(const Actualizacion& change, const OpcionesTraduccion& options);
+std::vector<std::string> WriteUpdate(const Update& change, const TranslationOptions& options);
 // INSERT of a query's rows into the columns of a table, each with its type.
-std::string WriteInsertOf(const Consulta& query, std::string_view table,
-                          const std::vector<ColumnaTabla>& columns, const OpcionesTraduccion& options);
+std::string WriteInsertOf(const Query& query, std::string_view table, const std::vector<TableColumn>& columns,
+                          const TranslationOptions& options);
 // A value outside any query, as it is written into a definition.
-std::string WriteValue(const Expr& value, base::Tipo stored_as);
+std::string WriteValue(const Expr& value, base::Type stored_as);
 
 // "name", with its quotes doubled.
-std::string NombreSql(std::string_view nombre);
+std::string NameSql(std::string_view name);
 // A text, number or date as a literal of SQLite.
-std::string LiteralSql(const base::Valor& v);
+std::string LiteralSql(const base::Value& v);
 
 }  // namespace jetsql

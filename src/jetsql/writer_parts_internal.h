@@ -12,38 +12,38 @@
 namespace jetsql {
 
 // Binding strengths of SQLite's operators, for the fewest brackets: its parser has a short stack.
-namespace fuerza {
-constexpr int kOr = 1, kAnd = 2, kNot = 3, kIgual = 4, kMenor = 5, kSuma = 7, kPor = 8, kCollate = 10,
-              kUnario = 11, kAtomo = 12;
+namespace strength {
+constexpr int kOr = 1, kAnd = 2, kNot = 3, kEqual = 4, kLess = 5, kSum = 7, kMultiply = 8, kCollate = 10,
+              kUnary = 11, kAtom = 12;
 }
 
 class SqlDraft;
 
 // How a SELECT's list is written.
-struct ModoLista {
-  bool nombres = false;  // every item with its name: the SELECT is read by another one
-  bool cotejar = false;  // every text item compares by JET
-  const std::vector<base::Tipo>* destinos = nullptr;   // stored into columns of these types
-  const std::vector<ColumnaFuente>* salida = nullptr;  // of the union that it is part of
-  std::string extra;                                   // more items
+struct ListMode {
+  bool names = false;    // every item with its name: the SELECT is read by another one
+  bool collate = false;  // every text item compares by JET
+  const std::vector<base::Type>* targets = nullptr;   // stored into columns of these types
+  const std::vector<SourceColumn>* output = nullptr;  // of the union that it is part of
+  std::string extra;                                  // more items
 };
 
 // Queries (writer_select.cpp).
 class QueryWriter {
  public:
   explicit QueryWriter(SqlDraft& draft);
-  void EscribirConsulta(const Consulta& c, ModoLista modo);
+  void WriteQuery(const Query& c, ListMode mode);
   // One SELECT, with the order of the query when it is its only one.
-  void Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo, bool en_union);
+  void Part(const Select& s, const std::vector<OrderItem>& order, const ListMode& mode, bool in_union);
 
  private:
-  void Nucleo(const Seleccion& s, const ModoLista& modo);
-  void Lista(const Seleccion& s, const ModoLista& modo);
-  void PorRango(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo);
-  void Clave(const Expr& e);
-  void NombresDeLista(const Seleccion& s);
-  void Orden(const std::vector<ItemOrden>& orden, bool por_posicion);
-  std::string Ventana(const Seleccion& s, const std::vector<ItemOrden>& orden);
+  void Core(const Select& s, const ListMode& mode);
+  void List(const Select& s, const ListMode& mode);
+  void ByRank(const Select& s, const std::vector<OrderItem>& order, const ListMode& mode);
+  void Key(const Expr& e);
+  void ListNames(const Select& s);
+  void OrderBy(const std::vector<OrderItem>& order, bool by_position);
+  std::string Window(const Select& s, const std::vector<OrderItem>& order);
 
   SqlDraft& d_;
   std::string& t_;
@@ -53,20 +53,20 @@ class QueryWriter {
 class FromWriter {
  public:
   explicit FromWriter(SqlDraft& draft);
-  void DeYDonde(const std::vector<RamaPtr>& de, const ExprPtr& donde);
-  void Hoja(const Fuente& f);
-  void FilaDe(const Fuente& f);  // its rowid
+  void FromAndWhere(const std::vector<BranchPtr>& from, const ExprPtr& where);
+  void Leaf(const Source& f);
+  void RowOf(const Source& f);  // its rowid
   // Whether the rows of a table can be named outside the FROM: not inside brackets.
-  static bool Alcanzable(const std::vector<RamaPtr>& de, const Fuente& f);
+  static bool IsReachable(const std::vector<BranchPtr>& from, const Source& f);
 
  private:
-  struct Paso {
-    const Rama* rama = nullptr;
-    bool izquierda = false;
-    const Expr* condicion = nullptr;
+  struct Step {
+    const Branch* branch = nullptr;
+    bool left = false;
+    const Expr* condition = nullptr;
   };
-  static void Aplanar(const Rama& r, std::vector<Paso>& pasos, std::vector<const Expr*>& filtros);
-  void Anidada(const Rama& r);
+  static void Flatten(const Branch& r, std::vector<Step>& steps, std::vector<const Expr*>& filters);
+  void Nested(const Branch& r);
 
   SqlDraft& d_;
   std::string& t_;
@@ -76,16 +76,16 @@ class FromWriter {
 class ChangeWriter {
  public:
   explicit ChangeWriter(SqlDraft& draft);
-  void Escribir(const Insercion& s);
-  void Escribir(const Borrado& s);
-  static std::vector<std::string> Pasos(const Actualizacion& s, const OpcionesTraduccion& opciones);
-  void InsertarConsulta(std::string_view tabla, const std::vector<ColumnaTabla>& columnas, const Consulta& c);
+  void Write(const Insert& s);
+  void Write(const Delete& s);
+  static std::vector<std::string> Steps(const Update& s, const TranslationOptions& options);
+  void InsertQuery(std::string_view table, const std::vector<TableColumn>& columns, const Query& c);
   // A value on its way into a column of a type.
-  void Asignado(const Expr& e, base::Tipo destino);
+  void Assigned(const Expr& e, base::Type target);
 
  private:
-  void Asignar(const Actualizacion& s, const Fuente& tabla, bool instantanea);
-  void Instantanea(const Actualizacion& s, const std::vector<const Fuente*>& tablas);
+  void Assign(const Update& s, const Source& table, bool snapshot);
+  void Snapshot(const Update& s, const std::vector<const Source*>& tables);
 
   SqlDraft& d_;
   std::string& t_;
@@ -95,20 +95,20 @@ class ChangeWriter {
 class ExpressionWriter {
  public:
   explicit ExpressionWriter(SqlDraft& draft);
-  void Valor(const Expr& e, int minimo = 0);
-  void Condicion(const Expr& e, int minimo = 0);
-  void Numero(const Expr& e, int minimo);
-  void Texto(const Expr& e);  // as "&" reads it
-  void Etiquetas(const std::vector<ExprPtr>& partes, std::size_t desde, std::size_t hasta);
+  void Value(const Expr& e, int minimum = 0);
+  void Condition(const Expr& e, int minimum = 0);
+  void Number(const Expr& e, int minimum);
+  void Text(const Expr& e);  // as "&" reads it
+  void Tags(const std::vector<ExprPtr>& parts, std::size_t from, std::size_t to);
 
  private:
-  void Columna(const Expr& e);
-  void Unario(const Expr& e, int minimo);
-  void Aritmetica(const Expr& e, int minimo);
-  void Ayudante(std::string_view nombre, const Expr& e);
-  void Concatenar(const std::vector<ExprPtr>& partes, std::size_t hasta);
-  void Logica(const Expr& e, int minimo);
-  void Cadena(const Expr& e, std::size_t desde, std::size_t hasta, int minimo);
+  void Column(const Expr& e);
+  void Unary(const Expr& e, int minimum);
+  void Arithmetic(const Expr& e, int minimum);
+  void Helper(std::string_view name, const Expr& e);
+  void Concatenate(const std::vector<ExprPtr>& parts, std::size_t to);
+  void Logic(const Expr& e, int minimum);
+  void String(const Expr& e, std::size_t from, std::size_t to, int minimum);
 
   SqlDraft& d_;
   std::string& t_;
@@ -118,19 +118,19 @@ class ExpressionWriter {
 class ComparisonWriter {
  public:
   explicit ComparisonWriter(SqlDraft& draft);
-  void Comparar(Op op, const Expr& a, const Expr& b, int minimo);
-  void EnLista(const Expr& e, int minimo);
-  void EnConsulta(const Expr& e, int minimo);
-  void Entre(const Expr& e, int minimo);
-  void Como(const Expr& e, int minimo);
-  void Cuantificada(const Expr& e);
+  void Compare(Op op, const Expr& a, const Expr& b, int minimum);
+  void InList(const Expr& e, int minimum);
+  void InQuery(const Expr& e, int minimum);
+  void Between(const Expr& e, int minimum);
+  void Like(const Expr& e, int minimum);
+  void Quantified(const Expr& e);
   // A value that is compared, grouped or ordered as it stands.
-  void Cotejado(const Expr& e, int minimo);
+  void Collated(const Expr& e, int minimum);
   // Whether SQLite compares it by JET without being told.
-  static bool Cotejada(const Expr& e);
+  static bool IsCollated(const Expr& e);
 
  private:
-  void Lado(const Expr& e, const Expr& otro, bool cotejar, int minimo);
+  void Side(const Expr& e, const Expr& other, bool collate, int minimum);
 
   SqlDraft& d_;
   std::string& t_;
@@ -140,13 +140,13 @@ class ComparisonWriter {
 class CallWriter {
  public:
   explicit CallWriter(SqlDraft& draft);
-  void Llamada(const Expr& e);
+  void Call(const Expr& e);
 
  private:
-  void Especiales(const Expr& e);
-  void Si(const Expr& e);
-  void ResultadoDeSi(const Expr& rama, const std::vector<const Expr*>& ramas);
-  void Agregado(const Expr& e);
+  void SpecialCall(const Expr& e);
+  void IIf(const Expr& e);
+  void ResultOfIf(const Expr& branch, const std::vector<const Expr*>& branches);
+  void Aggregate(const Expr& e);
   void Total(const Expr& e);
 
   SqlDraft& d_;
@@ -157,17 +157,17 @@ class CallWriter {
 class SqlDraft {
  public:
   // `depth`: of the expression that it is part of.
-  explicit SqlDraft(const OpcionesTraduccion& options_, int depth_ = 0) : options(options_), depth(depth_) {}
+  explicit SqlDraft(const TranslationOptions& options_, int depth_ = 0) : options(options_), depth(depth_) {}
   SqlDraft(const SqlDraft&) = delete;
   SqlDraft& operator=(const SqlDraft&) = delete;
 
-  void Nombre(std::string_view nombre);
+  void Name(std::string_view name);
   void Literal(const Expr& e);
   // Brackets around what binds weaker than its place asks for.
-  void Abre(int fuerza, int minimo);
-  void Cierra(int fuerza, int minimo);
+  void OpenBracket(int strength, int minimum);
+  void CloseBracket(int strength, int minimum);
 
-  OpcionesTraduccion options;
+  TranslationOptions options;
   std::string text;
   int depth;
 

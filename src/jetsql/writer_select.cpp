@@ -6,159 +6,159 @@
 namespace jetsql {
 namespace {
 
-bool EsConstante(const Expr& e) {
-  if (e.nodo == Nodo::Columna || e.nodo == Nodo::Llamada || e.consulta) return false;
-  return std::all_of(e.hijos.begin(), e.hijos.end(), [](const ExprPtr& h) { return EsConstante(*h); });
+bool IsConstant(const Expr& e) {
+  if (e.node == Node::Column || e.node == Node::Call || e.query) return false;
+  return std::all_of(e.children.begin(), e.children.end(), [](const ExprPtr& h) { return IsConstant(*h); });
 }
 
 }  // namespace
 
-void QueryWriter::EscribirConsulta(const Consulta& c, ModoLista modo) {
-  if (c.partes.size() == 1) {
-    if (c.orden_por_fuera && !c.partes[0].tope)
-      PorRango(c.partes[0], c.orden, modo);  // SQLite's ORDER BY does not see outer tables, its windows do
+void QueryWriter::WriteQuery(const Query& c, ListMode mode) {
+  if (c.parts.size() == 1) {
+    if (c.orders_by_outer && !c.parts[0].limit)
+      ByRank(c.parts[0], c.order, mode);  // SQLite's ORDER BY does not see outer tables, its windows do
     else
-      Parte(c.partes[0], c.orden, modo, false);
+      Part(c.parts[0], c.order, mode, false);
     return;
   }
-  modo.cotejar = true;  // UNION tells texts apart by it, and so does the order
-  modo.salida = &c.salida;
-  for (std::size_t i = 0; i < c.partes.size(); ++i) {
-    if (i > 0) t_ += c.todas[i - 1] ? " UNION ALL " : " UNION ";
-    Parte(c.partes[i], {}, modo, true);
+  mode.collate = true;  // UNION tells texts apart by it, and so does the order
+  mode.output = &c.output;
+  for (std::size_t i = 0; i < c.parts.size(); ++i) {
+    if (i > 0) t_ += c.all[i - 1] ? " UNION ALL " : " UNION ";
+    Part(c.parts[i], {}, mode, true);
   }
-  Orden(c.orden, true);
+  OrderBy(c.order, true);
 }
 
-void QueryWriter::Parte(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo,
-                        bool en_union) {
-  if (!s.tope) {
-    Nucleo(s, modo);
-    Orden(orden, s.distincion == Distincion::Distinct);
+void QueryWriter::Part(const Select& s, const std::vector<OrderItem>& order, const ListMode& mode,
+                       bool in_union) {
+  if (!s.limit) {
+    Core(s, mode);
+    OrderBy(order, s.distinctness == Distinctness::Distinct);
     return;
   }
-  if (!orden.empty() || s.tope_por_ciento) {
-    PorRango(s, orden, modo);
+  if (!order.empty() || s.limit_is_percent) {
+    ByRank(s, order, mode);
     return;
   }
-  if (en_union) t_ += "SELECT * FROM (";
-  Nucleo(s, modo);
+  if (in_union) t_ += "SELECT * FROM (";
+  Core(s, mode);
   t_ += " LIMIT ";
-  d_.Literal(*s.tope);
-  if (en_union) t_ += ')';
+  d_.Literal(*s.limit);
+  if (in_union) t_ += ')';
 }
 
-void QueryWriter::NombresDeLista(const Seleccion& s) {
-  for (std::size_t i = 0; i < s.lista.size(); ++i) {
+void QueryWriter::ListNames(const Select& s) {
+  for (std::size_t i = 0; i < s.list.size(); ++i) {
     if (i > 0) t_ += ", ";
-    d_.Nombre(s.lista[i].nombre_sql);
+    d_.Name(s.list[i].sql_name);
   }
 }
 
 // The rank of a row by the order of the query, and for a percentage the number of rows.
-std::string QueryWriter::Ventana(const Seleccion& s, const std::vector<ItemOrden>& orden) {
+std::string QueryWriter::Window(const Select& s, const std::vector<OrderItem>& order) {
   SqlDraft e(d_.options, d_.depth);
-  if (orden.empty()) {
+  if (order.empty()) {
     e.text = ", row_number() OVER () AS \"jet_r\"";
   } else {
     e.text = ", rank() OVER (";
-    for (std::size_t i = 0; i < orden.size(); ++i) {
+    for (std::size_t i = 0; i < order.size(); ++i) {
       e.text += i == 0 ? "ORDER BY " : ", ";
-      if (s.distincion == Distincion::Distinct)
-        e.Nombre(s.lista[static_cast<std::size_t>(orden[i].posicion)].nombre_sql);
+      if (s.distinctness == Distinctness::Distinct)
+        e.Name(s.list[static_cast<std::size_t>(order[i].position)].sql_name);
       else
-        e.query.Clave(*orden[i].expr);
-      if (orden[i].descendente) e.text += " DESC";
+        e.query.Key(*order[i].expr);
+      if (order[i].descending) e.text += " DESC";
     }
     e.text += ") AS \"jet_r\"";
   }
-  if (s.tope_por_ciento) e.text += ", count(*) OVER () AS \"jet_n\"";
+  if (s.limit_is_percent) e.text += ", count(*) OVER () AS \"jet_n\"";
   return std::move(e.text);
 }
 
 // The rows by their rank: TOP n keeps those that tie with the nth.
-void QueryWriter::PorRango(const Seleccion& s, const std::vector<ItemOrden>& orden, const ModoLista& modo) {
-  ModoLista dentro = modo;
-  dentro.nombres = dentro.cotejar = true;
-  const std::string ventana = Ventana(s, orden);
+void QueryWriter::ByRank(const Select& s, const std::vector<OrderItem>& order, const ListMode& mode) {
+  ListMode inside = mode;
+  inside.names = inside.collate = true;
+  const std::string window = Window(s, order);
   t_ += "SELECT ";
-  NombresDeLista(s);
+  ListNames(s);
   t_ += " FROM (";
-  if (s.distincion == Distincion::Distinct) {
+  if (s.distinctness == Distinctness::Distinct) {
     t_ += "SELECT ";
-    NombresDeLista(s);
-    t_.append(ventana).append(" FROM (");
-    Nucleo(s, dentro);
+    ListNames(s);
+    t_.append(window).append(" FROM (");
+    Core(s, inside);
     t_ += ')';
   } else {
-    dentro.extra = ventana;
-    Nucleo(s, dentro);
+    inside.extra = window;
+    Core(s, inside);
   }
   t_ += ')';
-  if (s.tope) {
+  if (s.limit) {
     // The nth of 100 parts, rounded up: rank <= ceil(count * n / 100).
-    t_ += s.tope_por_ciento ? " WHERE (\"jet_r\" - 1) * 100 < \"jet_n\" * " : " WHERE \"jet_r\" <= ";
-    d_.Literal(*s.tope);
+    t_ += s.limit_is_percent ? " WHERE (\"jet_r\" - 1) * 100 < \"jet_n\" * " : " WHERE \"jet_r\" <= ";
+    d_.Literal(*s.limit);
   }
-  if (!orden.empty()) t_ += " ORDER BY \"jet_r\"";
+  if (!order.empty()) t_ += " ORDER BY \"jet_r\"";
 }
 
 // A key of a group or of an order. A constant parts nothing; SQLite would take a number for a place in the
 // list.
-void QueryWriter::Clave(const Expr& e) {
-  if (EsConstante(e))
+void QueryWriter::Key(const Expr& e) {
+  if (IsConstant(e))
     t_ += "NULL";
   else
-    d_.compare.Cotejado(e, 0);
+    d_.compare.Collated(e, 0);
 }
 
-void QueryWriter::Lista(const Seleccion& s, const ModoLista& modo) {
-  for (std::size_t i = 0; i < s.lista.size(); ++i) {
+void QueryWriter::List(const Select& s, const ListMode& mode) {
+  for (std::size_t i = 0; i < s.list.size(); ++i) {
     if (i > 0) t_ += ", ";
-    const Expr& e = *s.lista[i].expr;
-    const TipoExpr salida = modo.salida != nullptr ? (*modo.salida)[i].tipo : e.tipo;
-    const bool compara = (modo.cotejar || s.distincion == Distincion::Distinct) && PuedeSerTexto(salida) &&
-                         !e.tipo.nulo && !d_.compare.Cotejada(e);
-    if (modo.destinos != nullptr)
-      d_.change.Asignado(e, (*modo.destinos)[i]);
-    else if (salida.tipo == base::Tipo::Texto && EsCantidad(e.tipo.tipo))
-      d_.expr.Texto(e);  // a date or boolean in a column of texts
+    const Expr& e = *s.list[i].expr;
+    const ExprType output = mode.output != nullptr ? (*mode.output)[i].type : e.type;
+    const bool compares = (mode.collate || s.distinctness == Distinctness::Distinct) && MayBeText(output) &&
+                          !e.type.null && !d_.compare.IsCollated(e);
+    if (mode.targets != nullptr)
+      d_.change.Assigned(e, (*mode.targets)[i]);
+    else if (output.type == base::Type::Text && IsQuantity(e.type.type))
+      d_.expr.Text(e);  // a date or boolean in a column of texts
     else
-      d_.expr.Valor(e, compara ? fuerza::kCollate : 0);
-    if (compara) t_ += " COLLATE JET";
-    if (!modo.nombres) continue;
+      d_.expr.Value(e, compares ? strength::kCollate : 0);
+    if (compares) t_ += " COLLATE JET";
+    if (!mode.names) continue;
     t_ += " AS ";
-    d_.Nombre(s.lista[i].nombre_sql);
+    d_.Name(s.list[i].sql_name);
   }
 }
 
-void QueryWriter::Nucleo(const Seleccion& s, const ModoLista& modo) {
-  t_ += s.distincion == Distincion::Distinct ? "SELECT DISTINCT " : "SELECT ";
-  Lista(s, modo);
-  t_ += modo.extra;
-  d_.from.DeYDonde(s.de, s.donde);
-  for (std::size_t i = 0; i < s.grupo.size(); ++i) {
+void QueryWriter::Core(const Select& s, const ListMode& mode) {
+  t_ += s.distinctness == Distinctness::Distinct ? "SELECT DISTINCT " : "SELECT ";
+  List(s, mode);
+  t_ += mode.extra;
+  d_.from.FromAndWhere(s.from, s.where);
+  for (std::size_t i = 0; i < s.group.size(); ++i) {
     t_ += i == 0 ? " GROUP BY " : ", ";
-    Clave(*s.grupo[i]);
+    Key(*s.group[i]);
   }
-  for (std::size_t i = 0; i < s.distintas.size(); ++i) {
+  for (std::size_t i = 0; i < s.distinct.size(); ++i) {
     t_ += i == 0 ? " GROUP BY " : ", ";
-    d_.from.FilaDe(*s.distintas[i]);
+    d_.from.RowOf(*s.distinct[i]);
   }
-  if (s.teniendo) {
+  if (s.having) {
     t_ += " HAVING ";
-    d_.expr.Condicion(*s.teniendo);
+    d_.expr.Condition(*s.having);
   }
 }
 
-void QueryWriter::Orden(const std::vector<ItemOrden>& orden, bool por_posicion) {
-  for (std::size_t i = 0; i < orden.size(); ++i) {
+void QueryWriter::OrderBy(const std::vector<OrderItem>& order, bool by_position) {
+  for (std::size_t i = 0; i < order.size(); ++i) {
     t_ += i == 0 ? " ORDER BY " : ", ";
-    if (por_posicion)
-      t_ += std::to_string(orden[i].posicion + 1);
+    if (by_position)
+      t_ += std::to_string(order[i].position + 1);
     else
-      Clave(*orden[i].expr);
-    if (orden[i].descendente) t_ += " DESC";
+      Key(*order[i].expr);
+    if (order[i].descending) t_ += " DESC";
   }
 }
 

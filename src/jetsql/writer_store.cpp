@@ -5,23 +5,23 @@
 namespace jetsql {
 namespace {
 
-using base::Tipo;
+using base::Type;
 
 // The function that makes a value of another type one of the column's; empty when it can stand as it is.
-std::string_view Conversion(Tipo of, Tipo into) {
+std::string_view Conversion(Type of, Type into) {
   switch (into) {
-    case Tipo::Booleano:
+    case Type::Boolean:
       return "jet_to_bool";
-    case Tipo::Entero:
-      return of == Tipo::Booleano ? "" : "jet_to_int";
-    case Tipo::Simple:
+    case Type::Integer:
+      return of == Type::Boolean ? "" : "jet_to_int";
+    case Type::Single:
       return "jet_to_single";
-    case Tipo::Numero:
-      return EsCantidad(of) ? "" : "jet_to_number";
-    case Tipo::Moneda:
-      return of == Tipo::Entero || of == Tipo::Booleano ? "" : "jet_to_currency";
-    case Tipo::Fecha:
-      return EsCantidad(of) ? "" : "jet_to_date";
+    case Type::Number:
+      return IsQuantity(of) ? "" : "jet_to_number";
+    case Type::Currency:
+      return of == Type::Integer || of == Type::Boolean ? "" : "jet_to_currency";
+    case Type::Date:
+      return IsQuantity(of) ? "" : "jet_to_date";
     default:
       return "";
   }
@@ -29,34 +29,34 @@ std::string_view Conversion(Tipo of, Tipo into) {
 
 // The same for a value of the column's own type: a computed single or currency is a double until it is
 // stored.
-std::string_view Rounding(const Expr& e, Tipo into) {
-  if (e.tipo.tipo != into || e.nodo == Nodo::Columna) return "";
-  if (into == Tipo::Simple) return "jet_to_single";
-  return into == Tipo::Moneda ? "jet_to_currency" : "";
+std::string_view Rounding(const Expr& e, Type into) {
+  if (e.type.type != into || e.node == Node::Column) return "";
+  if (into == Type::Single) return "jet_to_single";
+  return into == Type::Currency ? "jet_to_currency" : "";
 }
 
 }  // namespace
 
-void ChangeWriter::Asignado(const Expr& e, Tipo destino) {
-  const Tipo t = e.tipo.tipo;
-  const bool as_it_is = e.tipo.nulo || destino == Tipo::Nulo || t == destino;
-  if (!as_it_is && destino == Tipo::Booleano && EsCantidad(t)) {
+void ChangeWriter::Assigned(const Expr& e, Type target) {
+  const Type t = e.type.type;
+  const bool as_it_is = e.type.null || target == Type::Null || t == target;
+  if (!as_it_is && target == Type::Boolean && IsQuantity(t)) {
     t_ += "-(";
-    d_.expr.Valor(e, fuerza::kIgual);
+    d_.expr.Value(e, strength::kEqual);
     t_ += " <> 0)";
     return;
   }
-  if (!as_it_is && destino == Tipo::Texto) {
-    d_.expr.Texto(e);
+  if (!as_it_is && target == Type::Text) {
+    d_.expr.Text(e);
     return;
   }
-  const std::string_view function = as_it_is ? Rounding(e, destino) : Conversion(t, destino);
+  const std::string_view function = as_it_is ? Rounding(e, target) : Conversion(t, target);
   if (function.empty()) {
-    d_.expr.Valor(e);
+    d_.expr.Value(e);
     return;
   }
   t_.append(function).append("(");
-  d_.expr.Valor(e);
+  d_.expr.Value(e);
   t_ += ')';
 }
 

@@ -15,10 +15,10 @@ std::int32_t TipoDeContrato(Corrida& c, std::int32_t contrato) {
   if (contrato == c.cache.contrato) return c.cache.tipo;
   const EntradaImportacion& e = c.entrada;
   c.cache.tipo = -1;
-  base::ErrorIgnorado("AgregarDatosALiq: tipo de liquidación", &c.errores, [&] {
+  base::PassOverError("AgregarDatosALiq: tipo de liquidación", &c.errores, [&] {
     if (!c.consulta_tipos) c.consulta_tipos.emplace(e.sesion.idEmpresa, e.mes, e.condiciones);
-    const auto rs = e.sesion.conexion->Ejecutar(c.consulta_tipos->De(contrato));
-    if (!rs.Vacio()) c.cache.tipo = rs.En(0, 0).Entero();
+    const auto rs = e.sesion.conexion->Execute(c.consulta_tipos->De(contrato));
+    if (!rs.IsEmpty()) c.cache.tipo = rs.At(0, 0).Integer();
   });
   c.cache.contrato = contrato;
   return c.cache.tipo;
@@ -29,9 +29,9 @@ std::int32_t TipoDeContrato(Corrida& c, std::int32_t contrato) {
 std::optional<std::int32_t> EncabezadoYaAbierto(const EntradaImportacion& e, std::int32_t contrato,
                                                 std::int32_t tipo) {
   const auto rs =
-      e.sesion.conexion->Ejecutar(sql::EncabezadoDeContrato(e.sesion.idEmpresa, e.mes, contrato, tipo));
-  if (rs.Vacio()) return std::nullopt;
-  return rs.En(0, 0).Entero();
+      e.sesion.conexion->Execute(sql::EncabezadoDeContrato(e.sesion.idEmpresa, e.mes, contrato, tipo));
+  if (rs.IsEmpty()) return std::nullopt;
+  return rs.At(0, 0).Integer();
 }
 
 // The header that receives the datum, or the reason why there is none.
@@ -66,13 +66,13 @@ void Marcar(Corrida& c) {
 
 void Escribir(Corrida& c, const std::string& sql) {
   Marcar(c);
-  c.entrada.sesion.conexion->Ejecutar(sql);
+  c.entrada.sesion.conexion->Execute(sql);
   c.escribio = true;
 }
 
 std::int32_t IdentificadorNuevo(const Corrida& corrida, std::string_view tabla, std::string_view campo) {
   const std::int32_t mayor = db::NextId(*corrida.entrada.sesion.conexion, tabla, campo);
-  if (mayor == std::numeric_limits<std::int32_t>::max()) throw base::Error(base::DescripcionDeError(6), 6);
+  if (mayor == std::numeric_limits<std::int32_t>::max()) throw base::Error(base::ErrorDescription(6), 6);
   return mayor + 1;
 }
 

@@ -22,11 +22,11 @@ struct ContractTypeCache {
 
 // One run of the import: what it works on, and what it keeps between its lines.
 struct Corrida {
-  Corrida(const EntradaImportacion& entrada_, base::SumideroErrores& errores_)
+  Corrida(const EntradaImportacion& entrada_, base::ErrorSink& errores_)
       : entrada(entrada_), errores(errores_) {}
 
   const EntradaImportacion& entrada;
-  base::SumideroErrores& errores;
+  base::ErrorSink& errores;
 
   MonthDataTable datos;
   OpenHeaders encabezados;

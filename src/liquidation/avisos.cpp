@@ -164,12 +164,12 @@ class Avisador {
   // A single holds what its text gives back: 8,1 is no exact single, and yet comes out as it went in.
   void VerCifra(const ImportRow& fila, const LineaAImportar& linea, const std::string& persona,
                 std::string_view que, double numero) {
-    const double guardado = base::DobleDeSimple(static_cast<float>(numero));
+    const double guardado = base::DoubleOfSingle(static_cast<float>(numero));
     if (guardado == numero) return;
     Caso& caso = cifras_.De({.contrato = sin_cifras_++});
     caso.nombre = "línea " + std::to_string(fila.linea) + " (" + persona + ", " +
-                  NombreDeConcepto(linea.concepto) + "): " + std::string(que) + base::TextoDeNumero(numero) +
-                  " se guarda como " + base::TextoDeNumero(guardado);
+                  NombreDeConcepto(linea.concepto) + "): " + std::string(que) + base::NumberText(numero) +
+                  " se guarda como " + base::NumberText(guardado);
     caso.Sumar(fila.linea);
   }
 

@@ -28,7 +28,7 @@ struct EntradaImportacion {
   formula::TablasUsuario& tablas;  // reloaded before the first row and after the last
   ports::Prompts& prompts;
   ports::Progress& progreso;
-  base::Fecha mes;  // first day of the month
+  base::Date mes;  // first day of the month
   sql::CondicionesDeTipo condiciones;
   std::string texto_liquidacion;  // what cmbLiquidaciones shows
   std::int64_t centro_costo = 0;  // of cmbAgrupa; 0 when none is chosen

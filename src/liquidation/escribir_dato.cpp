@@ -61,7 +61,7 @@ void InsertarCuota(Escritura& e, std::int32_t id_Pago, std::int32_t id_Dato, con
 
 void Insertar(Escritura& e) {
   const auto [cantidad, coeficiente] = e.dato.cifras;
-  const std::string q = base::SqlDeSimple(cantidad), k = base::SqlDeSimple(coeficiente);
+  const std::string q = base::SqlSingle(cantidad), k = base::SqlSingle(coeficiente);
   const std::int32_t id_Dato = IdentificadorNuevo(e.c, "Datos_Liquidacion", "id_Dato");
   std::string par;
   if (e.TipoDato == kTipoCantidad)
@@ -90,9 +90,9 @@ DatoDelMes* FilaDelDato(Escritura& e, std::int32_t id_Dato) {
   const DatoALiquidar& d = e.dato;
   DatoDelMes* fila = e.c.datos.Buscar(d.concepto, d.contrato, d.agrupa, d.encabezado);
   if (fila != nullptr || !e.c.datos.Precargado(d.concepto, d.contrato, d.agrupa)) return fila;
-  const auto rs = e.c.entrada.sesion.conexion->Ejecutar(sql::LeerDato(e.c.entrada.sesion.idEmpresa, id_Dato));
-  const auto cantidad = static_cast<float>(rs.En(0, 0).NumeroOCero());
-  const auto coeficiente = static_cast<float>(rs.En(1, 0).NumeroOCero());
+  const auto rs = e.c.entrada.sesion.conexion->Execute(sql::LeerDato(e.c.entrada.sesion.idEmpresa, id_Dato));
+  const auto cantidad = static_cast<float>(rs.At(0, 0).NumberOrZero());
+  const auto coeficiente = static_cast<float>(rs.At(1, 0).NumberOrZero());
   const bool llena_cantidad = e.TipoDato == kTipoCantidad || e.TipoDato == kTipoCantidadYValor;
   return &e.c.datos.Agregar(DatoDelMes{.id_Concepto = d.concepto,
                                        .valor = llena_cantidad ? cantidad : coeficiente,
@@ -111,12 +111,12 @@ Cifras Actualizar(Escritura& e, std::int32_t id_Dato) {
   if (fila != nullptr) {
     coeficiente = fila->Coeficiente * fila->valor + cantidad * coeficiente;
     cantidad = fila->valor + cantidad;
-    if (base::Redondear(static_cast<double>(cantidad), 5) != 0) coeficiente = coeficiente / cantidad;
+    if (base::Round(static_cast<double>(cantidad), 5) != 0) coeficiente = coeficiente / cantidad;
     id_Pago = fila->id_Pago;
   }
-  const std::string q = base::SqlDeSimple(cantidad);
+  const std::string q = base::SqlSingle(cantidad);
   if (e.TipoDato == kTipoCantidadYValor)
-    Escribir(e.c, sql::ActualizarDatoYCoeficiente(empresa, id_Dato, q, base::SqlDeSimple(coeficiente)));
+    Escribir(e.c, sql::ActualizarDatoYCoeficiente(empresa, id_Dato, q, base::SqlSingle(coeficiente)));
   else
     Escribir(e.c, sql::ActualizarDato(empresa, id_Dato,
                                       e.TipoDato == kTipoCantidad ? "Cantidad" : "Coeficiente", q));
@@ -147,8 +147,8 @@ Cifras EscribirDato(Corrida& c, const DatoALiquidar& dato, const importfile::Imp
   Escritura e{c, dato, TipoDatoDe(fila), TipoCuotaDe(fila), {}};
   std::optional<std::int32_t> id_Dato;
   if (c.entrada.opciones.TotalizarConc) {
-    const auto rs = c.entrada.sesion.conexion->Ejecutar(sql::BuscarDato(e.Clave()));
-    if (!rs.Vacio()) id_Dato = rs.En(0, 0).Entero();
+    const auto rs = c.entrada.sesion.conexion->Execute(sql::BuscarDato(e.Clave()));
+    if (!rs.IsEmpty()) id_Dato = rs.At(0, 0).Integer();
   } else if (e.TipoDato != kTipoCantidadYValor) {
     Escribir(c, sql::BorrarDato(e.Clave()));
   }

@@ -7,13 +7,13 @@ namespace {
 
 constexpr std::size_t kCampoFecha = 4;  // of a series: id, id_Tabla, Codigo, Valor, Fecha
 
-base::Fecha FechaDeRegistro(const formula::Vector& serie, std::size_t registro, base::Fecha hoy) {
-  return base::FechaDeTexto(serie.Campo(kCampoFecha, registro), hoy).value_or(base::Fecha{});
+base::Date FechaDeRegistro(const formula::Vector& serie, std::size_t registro, base::Date hoy) {
+  return base::DateFromText(serie.Campo(kCampoFecha, registro), hoy).value_or(base::Date{});
 }
 
 // True when what holds at the month is the last value, or the next one starts more than a month later: then a
 // 0 must follow, so that the imported value holds for its month alone.
-bool DebeCerrarse(const formula::Vector& serie, base::Fecha mes, base::Fecha hoy) {
+bool DebeCerrarse(const formula::Vector& serie, base::Date mes, base::Date hoy) {
   const int vigente = formula::PosicionFecha(serie, mes, kCampoFecha, hoy);
   const auto siguiente = static_cast<std::size_t>(vigente + 1);
   if (siguiente >= serie.Cantidad()) return true;
@@ -27,8 +27,8 @@ float EscribirTablaUsuario(Corrida& c, const DatoALiquidar& dato) {
   const std::int32_t tabla = dato.concepto - 1000;
   const std::string codigo = std::to_string(dato.contrato);
   float cantidad = dato.cifras.cantidad;
-  const base::Fecha hoy = e.sesion.reloj->Hoy();
-  const base::Fecha mes_siguiente = base::DateAdd("m", 1, e.mes);
+  const base::Date hoy = e.sesion.reloj->Today();
+  const base::Date mes_siguiente = base::DateAdd("m", 1, e.mes);
   const bool tenia_valores = e.tablas.TieneValores(tabla, codigo);
   Marcar(c);
   c.escribio = true;  // a value takes several statements
@@ -37,7 +37,7 @@ float EscribirTablaUsuario(Corrida& c, const DatoALiquidar& dato) {
     // The 0 at the month is replaced by the quantity: it stands for clearing what the month had. Tables of
     // every kind are dated at the month.
     if (tenia_valores) formula::GuardarValorTablaUsuario(e.sesion, tabla, codigo, "0", e.mes);
-    formula::GuardarValorTablaUsuario(e.sesion, tabla, codigo, base::SqlDeSimple(cantidad), e.mes);
+    formula::GuardarValorTablaUsuario(e.sesion, tabla, codigo, base::SqlSingle(cantidad), e.mes);
     if (tenia_valores) formula::CerrarValorTablaUsuario(e.sesion, tabla, codigo, mes_siguiente);
     return cantidad;
   }
@@ -45,7 +45,7 @@ float EscribirTablaUsuario(Corrida& c, const DatoALiquidar& dato) {
   DatoDelMes* previo = c.datos.BuscarDeTabla(dato.concepto, dato.contrato);
   if (previo != nullptr) cantidad = previo->valor + cantidad;
   formula::GuardarValorTablaUsuario(e.sesion, tabla, codigo,
-                                    base::SqlDeNumero(base::DobleDeSimple(cantidad) + 200.0), e.mes, true);
+                                    base::SqlNumber(base::DoubleOfSingle(cantidad) + 200.0), e.mes, true);
   if (previo != nullptr)
     c.datos.Cambiar(*previo, cantidad, previo->Coeficiente);
   else

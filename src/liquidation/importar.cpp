@@ -30,8 +30,8 @@ void Precargar(Corrida& c) {
   if (!e.opciones.SumarAyaIng) return;
   const std::string conceptos = ConceptosDeRelaciones(e.relaciones);
   if (conceptos.empty()) return;
-  const auto rs = e.sesion.conexion->Ejecutar(sql::Precarga(e.sesion.idEmpresa, e.mes, conceptos));
-  for (std::size_t i = 0; i < rs.Cantidad(); ++i) c.datos.Agregar(rs.En(0, i).Texto());
+  const auto rs = e.sesion.conexion->Execute(sql::Precarga(e.sesion.idEmpresa, e.mes, conceptos));
+  for (std::size_t i = 0; i < rs.Count(); ++i) c.datos.Agregar(rs.At(0, i).Text());
 }
 
 // A step that the rows cannot do without.
@@ -41,7 +41,7 @@ void LeerAntes(std::string_view que, Paso&& paso) {
     std::forward<Paso>(paso)();
   } catch (const base::Error& e) {
     if (e.IsStorageFault()) throw;
-    throw base::Error("No se importó nada: " + std::string(que) + ": " + e.Descripcion(), e.Numero());
+    throw base::Error("No se importó nada: " + std::string(que) + ": " + e.Description(), e.Number());
   }
 }
 
@@ -62,7 +62,7 @@ void Sumar(Totales& totales, const LineaAImportar& linea, const std::string& nom
   t.concepto = linea.concepto;
   if (t.nombre.empty()) t.nombre = nombre;
   ++t.lineas;
-  t.cantidad += base::DobleDeSimple(linea.cantidad);
+  t.cantidad += base::DoubleOfSingle(linea.cantidad);
 }
 
 // A line that an error refused leaves nothing: not in the base, and not in what the run remembers of it. The
@@ -72,8 +72,8 @@ void DeshacerLinea(Corrida& c, const base::Error& motivo) {
     try {
       c.entrada.sesion.conexion->RollbackToSavepoint();
     } catch (const base::Error& e) {
-      throw base::Error(motivo.Descripcion() + "; y no se pudo deshacer la línea sola: " + e.Descripcion(),
-                        e.Numero(), e.Fuente(), base::ErrorKind::Storage);
+      throw base::Error(motivo.Description() + "; y no se pudo deshacer la línea sola: " + e.Description(),
+                        e.Number(), e.Source(), base::ErrorKind::Storage);
     }
   }
   c.datos.Deshacer();
@@ -91,7 +91,7 @@ std::string EscribirLinea(Corrida& c, const ImportRow& fila, LineaAImportar line
   } catch (const base::Error& error) {
     if (error.IsStorageFault()) throw;
     DeshacerLinea(c, error);
-    return error.Descripcion().empty() ? "Error" : error.Descripcion();
+    return error.Description().empty() ? "Error" : error.Description();
   }
 }
 
@@ -120,8 +120,8 @@ Totales ImportarFilas(Corrida& c, std::vector<ImportRow>& filas) {
 
 void ActualizarEnBloque(const EntradaImportacion& e, Importacion& r) {
   const auto ejecutar = [&](const char* donde, const char* falla, const std::string& texto) {
-    if (!base::ErrorIgnorado(donde, &r.errores, [&] { e.sesion.conexion->Ejecutar(texto); }))
-      r.actualizaciones_fallidas.push_back(std::string(falla) + ": " + r.errores.back().descripcion);
+    if (!base::PassOverError(donde, &r.errores, [&] { e.sesion.conexion->Execute(texto); }))
+      r.actualizaciones_fallidas.push_back(std::string(falla) + ": " + r.errores.back().description);
   };
   ejecutar("Importar: días trabajados", "No se actualizaron los días trabajados",
            sql::ActualizarDias(e.sesion.idEmpresa, e.mes));
@@ -133,11 +133,11 @@ void ActualizarEnBloque(const EntradaImportacion& e, Importacion& r) {
 // From the first statement to the commit. Throws base::Error when nothing may stay written.
 void Correr(const EntradaImportacion& e, std::vector<ImportRow>& filas, Importacion& r) {
   db::Connection& conexion = *e.sesion.conexion;
-  if (!conexion.EnTransaccion()) conexion.BeginTrans();
+  if (!conexion.InTransaction()) conexion.BeginTrans();
   Corrida corrida(e, r.errores);
   LeerLoNecesario(corrida);
   for (const auto& [concepto, total] : ImportarFilas(corrida, filas)) r.totales.push_back(total);
-  base::ErrorIgnorado("Importar: tablas de usuario", &r.errores,
+  base::PassOverError("Importar: tablas de usuario", &r.errores,
                       [&] { e.tablas.CargarTablasUsuario(e.sesion, -1); });
   ActualizarEnBloque(e, r);
   if (e.deshacer)
@@ -151,11 +151,11 @@ void Correr(const EntradaImportacion& e, std::vector<ImportRow>& filas, Importac
 // be committed by the next import: the base is closed instead.
 std::string DeshacerTodo(const EntradaImportacion& e, Importacion& r) {
   db::Connection& conexion = *e.sesion.conexion;
-  if (!conexion.EnTransaccion()) return {};  // a commit that fails may have undone it
+  if (!conexion.InTransaction()) return {};  // a commit that fails may have undone it
   if (base::AnyErrorNoted("Importar: deshacer", &r.errores, [&] { conexion.RollbackTrans(); })) return {};
-  const std::string motivo = "; además no se pudo deshacer lo hecho (" + r.errores.back().descripcion + ")";
-  base::AnyErrorNoted("Importar: cerrar", &r.errores, [&] { conexion.Cerrar(); });
-  if (!conexion.Abierta())
+  const std::string motivo = "; además no se pudo deshacer lo hecho (" + r.errores.back().description + ")";
+  base::AnyErrorNoted("Importar: cerrar", &r.errores, [&] { conexion.Close(); });
+  if (!conexion.IsOpen())
     return motivo + " y se cerró la base: ábrala de nuevo y revise el mes antes de volver a importar";
   return motivo +
          ": la base puede haber quedado con la transacción abierta; cierre el programa y revise el mes antes "
@@ -170,13 +170,13 @@ void NadaEscrito(const EntradaImportacion& e, const std::string& motivo, std::ve
   r.actualizaciones_fallidas.clear();
   for (ImportRow& fila : filas) fila.resultado = motivo;
   e.progreso.ActuBarra(0, true);
-  e.prompts.Mostrar({motivo, ports::Icono::Exclamacion, false});
+  e.prompts.Show({motivo, ports::Icon::Exclamation, false});
 }
 
 void Abandonar(const EntradaImportacion& e, const base::Error& error, std::vector<ImportRow>& filas,
                Importacion& r) {
   r.fallo_de_almacenamiento = error.IsStorageFault();
-  NadaEscrito(e, error.Descripcion() + DeshacerTodo(e, r), filas, r);
+  NadaEscrito(e, error.Description() + DeshacerTodo(e, r), filas, r);
 }
 
 }  // namespace

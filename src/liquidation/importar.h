@@ -14,7 +14,7 @@ namespace liquidation {
 
 // The question before an import. `cmbAgrupa` is the cost-centre combo.
 struct DatosConfirmacion {
-  base::Fecha mes;
+  base::Date mes;
   std::string cmbLiquidaciones;  // text of the combo
   const formula::ListControl* cmbAgrupa = nullptr;
   bool LiqAgrup = false, CCDefEnArch = false, TipoConstruccion = false;
@@ -42,7 +42,7 @@ struct Importacion {
   bool fallo_de_almacenamiento = false;
   // Bulk updates that failed, each with its reason, in Spanish. The quantities stand.
   std::vector<std::string> actualizaciones_fallidas;
-  base::SumideroErrores errores;  // steps that failed and were passed over
+  base::ErrorSink errores;  // steps that failed and were passed over
 };
 
 // Works through the rows in their order and leaves each row's result in it: "OK" or the reason. A row that an

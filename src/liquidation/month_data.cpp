@@ -35,7 +35,7 @@ void MonthDataTable::Reiniciar() {
 
 DatoDelMes& MonthDataTable::Agregar(std::string_view registro) {
   std::vector<std::string_view> partes;
-  base::SplitVistas(registro, "*", partes);
+  base::SplitViews(registro, "*", partes);
   std::array<double, 6> n{};
   for (std::size_t i = 0; i < n.size() && i < partes.size(); ++i)
     n[i] = base::DialectNumber(partes[i]).value_or(0);

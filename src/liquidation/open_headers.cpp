@@ -31,14 +31,13 @@ bool ClaveDeTexto(int clave) { return clave == 1 || clave == 3; }
 std::string OpenHeaders::Normalizada(std::string_view valor) const {
   if (ClaveDeTexto(clave_)) {
     while (!valor.empty() && valor.back() == ' ') valor.remove_suffix(1);
-    return "'" + base::Minusculas(valor);  // the mark keeps an empty text apart from "matches nothing"
+    return "'" + base::LowerCase(valor);  // the mark keeps an empty text apart from "matches nothing"
   }
   const auto numero = base::DialectNumber(valor);
-  return numero ? base::SqlDeNumero(*numero) : std::string();
+  return numero ? base::SqlNumber(*numero) : std::string();
 }
 
-void OpenHeaders::Abrir(const sesion::DbSession& sesion, base::Fecha mes, std::string filtro_tipo,
-                        int clave) {
+void OpenHeaders::Abrir(const sesion::DbSession& sesion, base::Date mes, std::string filtro_tipo, int clave) {
   mes_ = mes;
   filtro_tipo_ = std::move(filtro_tipo);
   clave_ = clave;
@@ -53,9 +52,9 @@ void OpenHeaders::Reabrir(const sesion::DbSession& sesion, std::int32_t id_Encab
 
 void OpenHeaders::Incorporar(const sesion::DbSession& sesion, std::optional<std::int32_t> uno) {
   const db::Recordset rs =
-      sesion.conexion->Ejecutar(sql::EncabezadosAbiertos(sesion.idEmpresa, mes_, filtro_tipo_, uno));
+      sesion.conexion->Execute(sql::EncabezadosAbiertos(sesion.idEmpresa, mes_, filtro_tipo_, uno));
   const auto columna = [&rs](std::string_view nombre) {
-    const int i = rs.Posicion(nombre);
+    const int i = rs.PositionOf(nombre);
     if (i < 0)
       throw db::Error("La consulta de encabezados abiertos no tiene la columna " + std::string(nombre));
     return static_cast<std::size_t>(i);
@@ -63,12 +62,12 @@ void OpenHeaders::Incorporar(const sesion::DbSession& sesion, std::optional<std:
   const std::size_t id = columna("id_Encabezado"), contrato = columna("id_Contrato"),
                     tipo = columna("id_TipoLiq"), terminado = columna("Terminado"),
                     clave = columna(KeyField(clave_));
-  for (std::size_t fila = 0; fila < rs.Cantidad(); ++fila) {
-    if (rs.En(clave, fila).EsNulo()) continue;  // a criterion never equals Null
-    const std::string valor = Normalizada(rs.En(clave, fila).TextoCsv());
+  for (std::size_t fila = 0; fila < rs.Count(); ++fila) {
+    if (rs.At(clave, fila).IsNull()) continue;  // a criterion never equals Null
+    const std::string valor = Normalizada(rs.At(clave, fila).CsvText());
     if (valor.empty()) continue;
-    const EncabezadoAbierto nuevo{rs.En(id, fila).Entero(), rs.En(contrato, fila).Entero(),
-                                  rs.En(tipo, fila).Entero(), rs.En(terminado, fila).Booleano()};
+    const EncabezadoAbierto nuevo{rs.At(id, fila).Integer(), rs.At(contrato, fila).Integer(),
+                                  rs.At(tipo, fila).Integer(), rs.At(terminado, fila).Boolean()};
     auto& lista = por_clave_[valor];
     const auto antes = [](const EncabezadoAbierto& a, const EncabezadoAbierto& b) {
       return a.id_Contrato != b.id_Contrato ? a.id_Contrato < b.id_Contrato : a.id_TipoLiq < b.id_TipoLiq;

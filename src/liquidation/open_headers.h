@@ -31,7 +31,7 @@ class OpenHeaders {
  public:
   // Runs the headers' query and keeps its rows by person key, in its order (contract, type). Throws
   // db::Error; the table is then empty.
-  void Abrir(const sesion::DbSession& sesion, base::Fecha mes, std::string filtro_tipo, int clave);
+  void Abrir(const sesion::DbSession& sesion, base::Date mes, std::string filtro_tipo, int clave);
   // The first record whose key field equals the value: as a criterion "field=value" finds it. Null when there
   // is none, and when that record is another contract's: two may share a card, or belong to one person. A
   // value that is no number finds nothing under a numeric kind. The pointer lives until the next Reabrir.
@@ -48,7 +48,7 @@ class OpenHeaders {
   void Incorporar(const sesion::DbSession& sesion, std::optional<std::int32_t> uno);  // or all
   std::string Normalizada(std::string_view valor) const;  // "" when it can match nothing
 
-  base::Fecha mes_;
+  base::Date mes_;
   std::string filtro_tipo_;
   int clave_ = 5;
   std::unordered_map<std::string, std::vector<EncabezadoAbierto>> por_clave_;

@@ -14,13 +14,13 @@ using importfile::ImportRow;
 constexpr std::int32_t kSinConcepto = -1;
 
 int Numero(const std::string& texto) {
-  const double n = base::ValorNumerico(texto);
+  const double n = base::NumericValue(texto);
   return std::abs(n) < 1e9 ? static_cast<int>(std::lround(n)) : 0;
 }
 
 bool MesEntero(const EntradaImportacion& e, std::size_t relacion, const ImportRow& fila) {
   return !e.opciones.LiqHCaMensuales && e.relaciones.Campo(relations::kCodigo, relacion) == "HC" &&
-         base::ValorNumerico(fila.campo[importfile::kTipoRem]) == 1;
+         base::NumericValue(fila.campo[importfile::kTipoRem]) == 1;
 }
 
 // Throws base::Error 13 or 6 when a number that the line uses is none, or too large.
@@ -31,7 +31,7 @@ void LeerNumeros(const ImportRow& fila, LineaAImportar& linea) {
   } else {
     linea.cantidad = static_cast<float>(NumeroDeLinea(fila.campo[importfile::kCantidad]));
     // A formula hides what the file said.
-    if (fila.cantidad_no_numerica) throw base::Error(base::DescripcionDeError(13), 13);
+    if (fila.cantidad_no_numerica) throw base::Error(base::ErrorDescription(13), 13);
   }
   if (TipoDatoDe(fila) == kTipoCantidadYValor)
     linea.coeficiente = static_cast<float>(NumeroDeLinea(fila.campo[importfile::kValor]));
@@ -44,9 +44,9 @@ int TipoCuotaDe(const ImportRow& fila) { return Numero(fila.campo[importfile::kT
 
 double NumeroDeLinea(std::string_view texto) {
   if (base::IsBlank(texto)) return 0;
-  const double numero = base::NumeroDeTextoOError(texto);
+  const double numero = base::NumberFromTextOrThrow(texto);
   if (std::abs(numero) > static_cast<double>(std::numeric_limits<float>::max()))
-    throw base::Error(base::DescripcionDeError(6), 6);
+    throw base::Error(base::ErrorDescription(6), 6);
   return numero;
 }
 
@@ -55,7 +55,7 @@ std::optional<std::int32_t> ConceptoDeRelacion(std::string_view texto) {
   return id == kSinConcepto ? std::nullopt : id;
 }
 
-std::int32_t Identificador32(std::string_view texto) { return base::Entero32(base::ValorNumerico(texto)); }
+std::int32_t Identificador32(std::string_view texto) { return base::Integer32(base::NumericValue(texto)); }
 
 FilaRevisada RevisarFila(const EntradaImportacion& e, const ImportRow& fila) {
   const int persona = e.personas.Buscar(fila.campo[importfile::kClave], e.opciones.Configura);
@@ -76,7 +76,7 @@ FilaRevisada RevisarFila(const EntradaImportacion& e, const ImportRow& fila) {
   try {
     LeerNumeros(fila, linea);
   } catch (const base::Error& error) {
-    return {std::nullopt, error.Descripcion()};
+    return {std::nullopt, error.Description()};
   }
   if (linea.cantidad == 0 && e.opciones.NoImpCantEn0)
     return {std::nullopt, "Cantidad En 0 (Conf. No importar)"};
@@ -88,7 +88,7 @@ std::int32_t Agrupacion(const sesion::DbSession& sesion, const settings::Setting
                         std::int64_t centro_costo) {
   if (!sesion.LiqAgrup) return 0;
   if (opciones.CCDefEnArch) return Identificador32(fila.campo[importfile::kCC]);
-  if (centro_costo != 0) return base::Entero32(static_cast<double>(centro_costo));
+  if (centro_costo != 0) return base::Integer32(static_cast<double>(centro_costo));
   return Identificador32(personas.Texto(refdata::kCC, persona));
 }
 

@@ -26,9 +26,9 @@ std::string TextoDelDetalle(std::string_view sangria) {
 
 }  // namespace
 
-std::string Literal(base::Fecha fecha) { return "#" + base::FechaMMddyyyy(fecha) + "#"; }
+std::string Literal(base::Date fecha) { return "#" + base::DateMMddyyyy(fecha) + "#"; }
 
-std::string Precarga(std::int32_t idEmpresa, base::Fecha mes, std::string_view conceptos) {
+std::string Precarga(std::int32_t idEmpresa, base::Date mes, std::string_view conceptos) {
   return "Select clh.id_Concepto &'*'& iif(clh.TipoDato=2,clh.Coeficiente,clh.Cantidad) &'*'& "
          "clh.id_Contrato &'*'& "
          "iif(isnull(id_Pago),'-1',id_Pago) &'*'& idAgrupa &'*'& Coeficiente as Dato From "
@@ -38,7 +38,7 @@ std::string Precarga(std::int32_t idEmpresa, base::Fecha mes, std::string_view c
          " and clh.id_Concepto in (" + std::string(conceptos) + ") ";
 }
 
-std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Fecha mes, std::string_view filtro_tipo,
+std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Date mes, std::string_view filtro_tipo,
                                 std::optional<std::int32_t> id_Encabezado) {
   const std::string empresa = Num(idEmpresa);
   const std::string uno = id_Encabezado ? " and id_Encabezado=" + Num(*id_Encabezado) : "";
@@ -62,16 +62,16 @@ std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Fecha mes, std::st
          "Contrato.id_Contrato,TiposLiquidacion.id_TipoLiq";
 }
 
-ConsultaDeTipos::ConsultaDeTipos(std::int32_t idEmpresa, base::Fecha mes,
+ConsultaDeTipos::ConsultaDeTipos(std::int32_t idEmpresa, base::Date mes,
                                  const CondicionesDeTipo& condiciones) {
   const std::string id = "\x01contrato\x01";  // in its place; no condition holds it
   const std::string empresa = Num(idEmpresa), fecha = Literal(mes);
-  const std::string filtro = base::Reemplazar(condiciones.TypeFilter, "TiposLiquidacion.", "TL.");
+  const std::string filtro = base::Replace(condiciones.TypeFilter, "TiposLiquidacion.", "TL.");
   std::string a, b;
   if (!condiciones.TypeCondition.empty())
-    a = base::Reemplazar(" and (" + condiciones.TypeCondition + ")", "[Consulta]", "TTL");
+    a = base::Replace(" and (" + condiciones.TypeCondition + ")", "[Consulta]", "TTL");
   if (!condiciones.CalendarCondition.empty())
-    b = base::Reemplazar(" and (" + condiciones.CalendarCondition + ")", "[Consulta]", "CL");
+    b = base::Replace(" and (" + condiciones.CalendarCondition + ")", "[Consulta]", "CL");
   const std::string texto =
       "SELECT  TTL.id_TipoLiq,C.id_Contrato From (select * From Contrato Where idEmpresa=" + empresa +
       " and id_Contrato=" + id + ") as C, (Select * From TiposLiquidacion as TL Where idEmpresa=" + empresa +
@@ -85,25 +85,25 @@ ConsultaDeTipos::ConsultaDeTipos(std::int32_t idEmpresa, base::Fecha mes,
       "E.Terminado and "
       "E.id_TipoLiq=TTL.id_TipoLiq and E.id_Contrato=" +
       id + " and E.MesDeLiq=" + fecha + ") order by TTL.id_TipoLiq";
-  tramos_ = base::Split(base::Reemplazar(texto, "idCCAplic", "idCC"), id);
+  tramos_ = base::Split(base::Replace(texto, "idCCAplic", "idCC"), id);
 }
 
 std::string ConsultaDeTipos::De(std::int32_t contrato) const { return base::Join(tramos_, Num(contrato)); }
 
-std::string TiposAplicables(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
+std::string TiposAplicables(std::int32_t idEmpresa, base::Date mes, std::int32_t contrato,
                             const CondicionesDeTipo& condiciones) {
   return ConsultaDeTipos(idEmpresa, mes, condiciones).De(contrato);
 }
 
-std::string EncabezadoDeContrato(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
+std::string EncabezadoDeContrato(std::int32_t idEmpresa, base::Date mes, std::int32_t contrato,
                                  std::int32_t tipo) {
   return "Select id_Encabezado From Encabezados Where idEmpresa=" + Num(idEmpresa) +
          " and id_Contrato=" + Num(contrato) + " and id_TipoLiq=" + Num(tipo) +
          " and MesDeLiq=" + Literal(mes) + " and Terminado=False order by id_Encabezado";
 }
 
-std::string InsertarEncabezado(std::int32_t idEmpresa, std::int32_t id, base::Fecha mes,
-                               std::int32_t contrato, std::int32_t tipo, std::int32_t usuario) {
+std::string InsertarEncabezado(std::int32_t idEmpresa, std::int32_t id, base::Date mes, std::int32_t contrato,
+                               std::int32_t tipo, std::int32_t usuario) {
   return "Insert into Encabezados (idEmpresa,id_Encabezado,MesDeLiq,id_Contrato,id_TipoLiq,Terminado,Impreso,"
          "id_Usuario) Values(" +
          Num(idEmpresa) + "," + Num(id) + "," + Literal(mes) + "," + Num(contrato) + "," + Num(tipo) +
@@ -148,17 +148,17 @@ std::string ActualizarDatoYCoeficiente(std::int32_t idEmpresa, std::int32_t id_D
          " and id_Dato=" + Num(id_Dato);
 }
 
-std::string InsertarPago(const Cuota& c, base::Fecha mes) {
+std::string InsertarPago(const Cuota& c, base::Date mes) {
   return "Insert into PagosEnSueldo (idEmpresa, Id_Pago      ,       id_Contrato                 ,Valor     "
          ",id_Moneda,CantCuotas,Nombre,               FechaInicial,                 "
          "id_Concepto,MesesFinanciado,Activa,MonTotal) "
          " Values(" +
          Num(c.idEmpresa) + "," + Num(c.id_Pago) + "," + Num(c.contrato) + "," + c.cantidad +
-         ",1,         1,'" + base::DoblarComillas(c.nombre) + "'," + Literal(mes) + "," + Num(c.concepto) +
+         ",1,         1,'" + base::EscapeQuotes(c.nombre) + "'," + Literal(mes) + "," + Num(c.concepto) +
          ",  0      ,    False," + c.cantidad + ")";
 }
 
-std::string InsertarPagoDeta(const Cuota& c, base::Fecha mes) {
+std::string InsertarPagoDeta(const Cuota& c, base::Date mes) {
   return "Insert into PagosEnSueldoDeta (idEmpresa, Id_Pago ,    Numero, Pagado,       FechaDeLiq,           "
          "       "
          "       id_DatosLiq, MontoPagado) "
@@ -177,14 +177,14 @@ std::string ActualizarPagoDeta(const Cuota& c) {
          " and  id_Pago=" + Num(c.id_Pago);
 }
 
-std::string ActualizarDias(std::int32_t idEmpresa, base::Fecha mes) {
+std::string ActualizarDias(std::int32_t idEmpresa, base::Date mes) {
   return "UPDATE Datos_Liquidacion INNER JOIN CDetaLiq_DiasTrab AS PP ON "
          "PP.id_Dato=Datos_Liquidacion.id_Dato SET "
          "Datos_Liquidacion.DTE = PP.DTE, Datos_Liquidacion.DTP = PP.DTP where Datos_Liquidacion.idEmpresa=" +
          Num(idEmpresa) + " and pp.MesDeLiq=" + Literal(mes);
 }
 
-std::string ActualizarMontos(std::int32_t idEmpresa, base::Fecha mes) {
+std::string ActualizarMontos(std::int32_t idEmpresa, base::Date mes) {
   return "UPDATE Datos_Liquidacion INNER JOIN ACambiarMontos ON "
          "Datos_Liquidacion.id_Dato=ACambiarMontos.id_Dato SET "
          "Datos_Liquidacion.Monto = ACambiarMontos.Monto, Datos_Liquidacion.Cantidad = ACambiarMontos.Cant, "
@@ -192,7 +192,7 @@ std::string ActualizarMontos(std::int32_t idEmpresa, base::Fecha mes) {
          Num(idEmpresa) + " and ACambiarMontos.MesDeLiq=" + Literal(mes);
 }
 
-std::string ActualizarDetalle(base::Fecha mes) {
+std::string ActualizarDetalle(base::Date mes) {
   return "Update  ((Conceptos INNER JOIN Monedas ON Conceptos.id_Moneda = Monedas.id_Moneda) INNER JOIN "
          "(Datos_Liquidacion LEFT JOIN Con_PagosEnSueldoSimple AS PS ON Datos_Liquidacion.id_dato = "
          "PS.id_DatosLiq) ON "

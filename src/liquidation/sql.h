@@ -12,12 +12,12 @@
 
 namespace liquidation::sql {
 
-std::string Literal(base::Fecha fecha);  // #MM/dd/yyyy#
+std::string Literal(base::Date fecha);  // #MM/dd/yyyy#
 
 // The month's data of the given concepts ("7,2") in open liquidations, one "*"-joined text a row.
-std::string Precarga(std::int32_t idEmpresa, base::Fecha mes, std::string_view conceptos);
+std::string Precarga(std::int32_t idEmpresa, base::Date mes, std::string_view conceptos);
 // The month's open headers with every person key, or one of them.
-std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Fecha mes, std::string_view filtro_tipo,
+std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Date mes, std::string_view filtro_tipo,
                                 std::optional<std::int32_t> id_Encabezado = std::nullopt);
 // The liquidation types that apply to a contract in the month and are not finished, the lowest first.
 struct CondicionesDeTipo {
@@ -25,22 +25,22 @@ struct CondicionesDeTipo {
   std::string TypeCondition;      // over [Consulta]; may be empty
   std::string CalendarCondition;  // over [Consulta]; may be empty
 };
-std::string TiposAplicables(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
+std::string TiposAplicables(std::int32_t idEmpresa, base::Date mes, std::int32_t contrato,
                             const CondicionesDeTipo& condiciones);
 // The same for many contracts: the conditions, which may be long, are put in once.
 class ConsultaDeTipos {
  public:
-  ConsultaDeTipos(std::int32_t idEmpresa, base::Fecha mes, const CondicionesDeTipo& condiciones);
+  ConsultaDeTipos(std::int32_t idEmpresa, base::Date mes, const CondicionesDeTipo& condiciones);
   std::string De(std::int32_t contrato) const;
 
  private:
   std::vector<std::string> tramos_;  // the contract stands between them
 };
 // An open header of the contract, type and month, whatever its person's keys say.
-std::string EncabezadoDeContrato(std::int32_t idEmpresa, base::Fecha mes, std::int32_t contrato,
+std::string EncabezadoDeContrato(std::int32_t idEmpresa, base::Date mes, std::int32_t contrato,
                                  std::int32_t tipo);
-std::string InsertarEncabezado(std::int32_t idEmpresa, std::int32_t id, base::Fecha mes,
-                               std::int32_t contrato, std::int32_t tipo, std::int32_t usuario);
+std::string InsertarEncabezado(std::int32_t idEmpresa, std::int32_t id, base::Date mes, std::int32_t contrato,
+                               std::int32_t tipo, std::int32_t usuario);
 
 struct ClaveDato {
   std::int32_t idEmpresa, encabezado, concepto, agrupa;
@@ -60,14 +60,14 @@ struct Cuota {
   std::int32_t idEmpresa, id_Pago, contrato, concepto, id_Dato;
   std::string cantidad, nombre;
 };
-std::string InsertarPago(const Cuota& cuota, base::Fecha mes);
-std::string InsertarPagoDeta(const Cuota& cuota, base::Fecha mes);
+std::string InsertarPago(const Cuota& cuota, base::Date mes);
+std::string InsertarPagoDeta(const Cuota& cuota, base::Date mes);
 std::string ActualizarPago(const Cuota& cuota);
 std::string ActualizarPagoDeta(const Cuota& cuota);
 
 // The three bulk updates that end an import.
-std::string ActualizarDias(std::int32_t idEmpresa, base::Fecha mes);
-std::string ActualizarMontos(std::int32_t idEmpresa, base::Fecha mes);
-std::string ActualizarDetalle(base::Fecha mes);
+std::string ActualizarDias(std::int32_t idEmpresa, base::Date mes);
+std::string ActualizarMontos(std::int32_t idEmpresa, base::Date mes);
+std::string ActualizarDetalle(base::Date mes);
 
 }  // namespace liquidation::sql

@@ -8,22 +8,22 @@ namespace ports {
 class Clock {
  public:
   virtual ~Clock() = default;
-  virtual base::Fecha Ahora() const = 0;
-  base::Fecha Hoy() const;  // Ahora without its time of day
+  virtual base::Date Now() const = 0;
+  base::Date Today() const;  // Now without its time of day
 };
 
-inline base::Fecha Clock::Hoy() const {
-  const base::PartesFecha p = base::Partes(Ahora());
-  return base::FechaDe(p.anio, p.mes, p.dia);
+inline base::Date Clock::Today() const {
+  const base::DateParts p = base::PartsOf(Now());
+  return base::MakeDate(p.year, p.month, p.day);
 }
 
-class RelojFijo final : public Clock {
+class FixedClock final : public Clock {
  public:
-  explicit RelojFijo(base::Fecha ahora) : ahora_(ahora) {}
-  base::Fecha Ahora() const override { return ahora_; }
+  explicit FixedClock(base::Date now) : now_(now) {}
+  base::Date Now() const override { return now_; }
 
  private:
-  base::Fecha ahora_;
+  base::Date now_;
 };
 
 }  // namespace ports

@@ -9,12 +9,12 @@ namespace ports {
 class FilePicker {
  public:
   virtual ~FilePicker() = default;
-  // The chosen path, or "" when cancelled. `filtro` in the form "Bases de Access (*.mdb)|*.mdb", may be
+  // The chosen path, or "" when cancelled. `filter` in the form "Bases de Access (*.mdb)|*.mdb", may be
   // empty.
-  virtual std::string AbrirArchivo(const std::string& titulo, const std::string& filtro,
-                                   const std::string& inicial) = 0;
-  // 0xBBGGRR; cancelling returns `inicial`.
-  virtual std::int32_t ElegirColor(std::int32_t inicial) = 0;
+  virtual std::string PickFile(const std::string& title, const std::string& filter,
+                               const std::string& initial) = 0;
+  // 0xBBGGRR; cancelling returns `initial`.
+  virtual std::int32_t PickColor(std::int32_t initial) = 0;
 };
 
 }  // namespace ports

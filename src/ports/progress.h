@@ -6,13 +6,13 @@ namespace ports {
 class Progress {
  public:
   virtual ~Progress() = default;
-  // paso -1: advance by the current step; 0: hide; another: start a bar with that step in percent (which
-  // fills one step at once). Unless sin_refresco, pending window events run.
-  virtual void ActuBarra(float paso, bool sin_refresco = false) = 0;
+  // step -1: advance by the current step; 0: hide; another: start a bar with that step in percent (which
+  // fills one step at once). Unless no_refresh, pending window events run.
+  virtual void ActuBarra(float step, bool no_refresh = false) = 0;
   // Lets pending window events run.
   virtual void DoEvents() = 0;
   // True when the command under way is to stop (the window is closing).
-  virtual bool Cancelado() const = 0;
+  virtual bool IsCancelled() const = 0;
 };
 
 // Lets pending window events run; a program without a window has none.
@@ -22,11 +22,11 @@ class EventPump {
   virtual void DoEvents() = 0;
 };
 
-class SinProgreso final : public Progress {
+class NoProgress final : public Progress {
  public:
   void ActuBarra(float, bool) override {}
   void DoEvents() override {}
-  bool Cancelado() const override { return false; }
+  bool IsCancelled() const override { return false; }
 };
 
 }  // namespace ports

@@ -6,21 +6,21 @@
 
 namespace ports {
 
-enum class Icono { Ninguno, Exclamacion };
+enum class Icon { None, Exclamation };
 
-struct Aviso {
-  std::string texto;  // UTF-8, lines parted by CR LF
-  Icono icono = Icono::Exclamacion;
-  bool ofrece_callar = false;  // the box also offers "No mostrar los siguientes avisos de esta carga"
+struct Notice {
+  std::string text;  // UTF-8, lines parted by CR LF
+  Icon icon = Icon::Exclamation;
+  bool offers_silence = false;  // the box also offers "No mostrar los next_level avisos de esta load"
 };
 
 class Prompts {
  public:
   virtual ~Prompts() = default;
   // A modal box with OK and the default title. True when the operator asked not to see the following ones.
-  virtual bool Mostrar(const Aviso& aviso) = 0;
+  virtual bool Show(const Notice& notice) = 0;
   // A Yes/No question with the exclamation icon and no title. True for Yes.
-  virtual bool Confirmar(const std::string& texto) = 0;
+  virtual bool Confirm(const std::string& text) = 0;
 };
 
 }  // namespace ports

@@ -6,7 +6,7 @@
 
 namespace ports {
 
-base::Fecha SystemClock::Ahora() const {
+base::Date SystemClock::Now() const {
   const std::time_t now = std::time(nullptr);
   std::tm local{};
 #ifdef _WIN32
@@ -15,8 +15,8 @@ base::Fecha SystemClock::Ahora() const {
   const bool told = localtime_r(&now, &local) != nullptr;
 #endif
   if (!told) throw base::Error("El reloj del sistema no da la hora.");
-  const double day = base::FechaDe(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday).serie;
-  return {day + base::HoraDe(local.tm_hour, local.tm_min, local.tm_sec).serie};
+  const double day = base::MakeDate(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday).serial;
+  return {day + base::MakeTime(local.tm_hour, local.tm_min, local.tm_sec).serial};
 }
 
 }  // namespace ports

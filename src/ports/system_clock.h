@@ -8,7 +8,7 @@ namespace ports {
 class SystemClock final : public Clock {
  public:
   // Throws base::Error when the machine does not tell its time.
-  base::Fecha Ahora() const override;
+  base::Date Now() const override;
 };
 
 }  // namespace ports

@@ -25,7 +25,7 @@ int ConceptsCatalogue::Buscar(std::string_view id) const {
 }
 
 void ActuLSTdeConceptos(const sesion::DbSession& sesion, const settings::Settings& opciones,
-                        ConceptsCatalogue& catalogo, base::SumideroErrores* errores) {
+                        ConceptsCatalogue& catalogo, base::ErrorSink* errores) {
   if (!sesion.Abierta()) {
     catalogo.motivo_fallo = kBaseCerrada;
     return;
@@ -38,11 +38,11 @@ void ActuLSTdeConceptos(const sesion::DbSession& sesion, const settings::Setting
   const bool bien = Cargar("ActuLSTdeConceptos", errores, catalogo.motivo_fallo, [&] {
     formula::ListControl combo;
     formula::Vector tabla;
-    base::SumideroErrores motivos;
+    base::ErrorSink motivos;
     // The filler adds to combo and table together, so that item i and entry i stay a pair.
     if (formula::LlenarLista(combo, texto, "Datos,Codigo,Nombre", "", " - ", &tabla, sesion, &motivos,
                              &kEntrada) != 0)
-      throw db::Error(motivos.empty() ? std::string() : motivos.front().descripcion);
+      throw db::Error(motivos.empty() ? std::string() : motivos.front().description);
     catalogo.cmbConceptos.items = std::move(combo.items);
     catalogo.tabla = std::move(tabla);
   });

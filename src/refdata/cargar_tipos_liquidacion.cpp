@@ -17,7 +17,7 @@ constexpr std::string_view kPorDefecto = "[Por Defecto]";
 constexpr std::string_view kEnObra = "Imp. en Obra";
 
 std::size_t Columna(const db::Recordset& filas, std::string_view nombre) {
-  const int posicion = filas.Posicion(nombre);
+  const int posicion = filas.PositionOf(nombre);
   if (posicion < 0) throw db::Error("Falta la columna " + std::string(nombre));
   return static_cast<std::size_t>(posicion);
 }
@@ -31,9 +31,9 @@ std::string CondicionDeTipos(const db::Recordset& tipos) {
   std::string condicion;
   const auto id = Columna(tipos, "id_TipoLiq");
   const auto cond = Columna(tipos, "Cond");
-  for (std::size_t fila = 0; fila < tipos.Cantidad(); ++fila) {
-    std::string alternativa = "([Consulta].id_TipoLiq=" + tipos.En(id, fila).TextoCsv();
-    const std::string propia = tipos.En(cond, fila).TextoCsv();
+  for (std::size_t fila = 0; fila < tipos.Count(); ++fila) {
+    std::string alternativa = "([Consulta].id_TipoLiq=" + tipos.At(id, fila).CsvText();
+    const std::string propia = tipos.At(cond, fila).CsvText();
     // as it stands, without brackets of its own: an "or" in it reaches over the type
     if (!propia.empty()) alternativa += " and " + propia;
     AgregarAlternativa(condicion, alternativa + ")");
@@ -53,9 +53,9 @@ struct GrupoCalendario {
   }
 };
 
-base::Fecha FechaDeCelda(const base::Valor& valor) {
-  const auto* fecha = valor.Si<base::Fecha>();
-  return fecha != nullptr ? *fecha : base::Fecha{valor.Numero()};
+base::Date FechaDeCelda(const base::Value& valor) {
+  const auto* fecha = valor.GetIf<base::Date>();
+  return fecha != nullptr ? *fecha : base::Date{valor.Number()};
 }
 
 std::string CondicionDeCalendario(const db::Recordset& calendario) {
@@ -64,37 +64,35 @@ std::string CondicionDeCalendario(const db::Recordset& calendario) {
   const auto fecha = Columna(calendario, "Fecha");
   const auto cond = Columna(calendario, "CondCalLiq");
   GrupoCalendario grupo;
-  for (std::size_t fila = 0; fila < calendario.Cantidad(); ++fila) {
-    std::string su_tipo = calendario.En(tipo, fila).TextoCsv();
-    std::string su_condicion = calendario.En(cond, fila).TextoCsv();  // Null counts as empty
+  for (std::size_t fila = 0; fila < calendario.Count(); ++fila) {
+    std::string su_tipo = calendario.At(tipo, fila).CsvText();
+    std::string su_condicion = calendario.At(cond, fila).CsvText();  // Null counts as empty
     if (fila == 0 || su_tipo != grupo.tipo || su_condicion != grupo.condicion) {
       grupo.Cerrar(condicion);
       grupo = {std::move(su_tipo), std::move(su_condicion), {}};
     }
     if (!grupo.fechas.empty()) grupo.fechas += ",";
-    grupo.fechas.append("#")
-        .append(base::FechaMMddyyyy(FechaDeCelda(calendario.En(fecha, fila))))
-        .append("#");
+    grupo.fechas.append("#").append(base::DateMMddyyyy(FechaDeCelda(calendario.At(fecha, fila)))).append("#");
   }
   grupo.Cerrar(condicion);
   return condicion;
 }
 
-std::int64_t Dato(const base::Valor& valor) {
+std::int64_t Dato(const base::Value& valor) {
   constexpr double kMaximo = 9e15;
-  const double numero = valor.NumeroOCero();
+  const double numero = valor.NumberOrZero();
   if (std::abs(numero) > kMaximo)
-    throw db::Error("El identificador " + valor.TextoCsv() + " es demasiado grande");
+    throw db::Error("El identificador " + valor.CsvText() + " es demasiado grande");
   return static_cast<std::int64_t>(numero);
 }
 
 std::vector<formula::ItemLista> Items(const db::Recordset& filas, std::size_t dato, std::size_t texto) {
   // A driver of another program may answer with less than it was asked for.
-  if (filas.Campos().size() <= std::max(dato, texto))
+  if (filas.Fields().size() <= std::max(dato, texto))
     throw db::Error("La consulta no devolvió todas sus columnas.");
   std::vector<formula::ItemLista> items;
-  for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila)
-    items.push_back({.texto = filas.En(texto, fila).TextoCsv(), .dato = Dato(filas.En(dato, fila))});
+  for (std::size_t fila = 0; fila < filas.Count(); ++fila)
+    items.push_back({.texto = filas.At(texto, fila).CsvText(), .dato = Dato(filas.At(dato, fila))});
   return items;
 }
 
@@ -112,16 +110,16 @@ void MostrarAgrupacion(LiquidationTypes& tipos, bool visible) {
 }
 
 void CargarCentrosDeCosto(const sesion::DbSession& sesion, const settings::Settings& opciones,
-                          LiquidationTypes& tipos, base::SumideroErrores* errores) {
+                          LiquidationTypes& tipos, base::ErrorSink* errores) {
   DejarPorDefecto(tipos.cmbAgrupa);
   DejarPorDefecto(tipos.cmbAgrupaDef);
-  base::ErrorIgnorado("CargarTiposLiquidacion: cmbAgrupa", errores, [&] {
+  base::PassOverError("CargarTiposLiquidacion: cmbAgrupa", errores, [&] {
     auto centros = Items(Ejecutar(sesion, sql::CentrosDeCosto()), 0, 1);
     auto& items = tipos.cmbAgrupa.items;
     items.insert(items.end(), std::make_move_iterator(centros.begin()),
                  std::make_move_iterator(centros.end()));
   });
-  base::SumideroErrores motivos;
+  base::ErrorSink motivos;
   formula::LlenarLista(tipos.cmbAgrupaDef, "CentroCosto", "++idCC,NombreCC", "", " - ", nullptr, sesion,
                        &motivos);
   AnotarLista("CargarTiposLiquidacion: cmbAgrupaDef", motivos, errores);
@@ -136,7 +134,7 @@ void CargarCentrosDeCosto(const sesion::DbSession& sesion, const settings::Setti
 }  // namespace
 
 bool CargarTiposLiquidacion(const sesion::DbSession& sesion, const settings::Settings& opciones,
-                            LiquidationTypes& tipos, base::SumideroErrores* errores) {
+                            LiquidationTypes& tipos, base::ErrorSink* errores) {
   tipos.TypeCondition.clear();
   tipos.CalendarCondition.clear();
   tipos.motivo_fallo.clear();

@@ -9,22 +9,22 @@ namespace {
 
 std::vector<PersonsIndex::Fila> LeerFilas(const db::Recordset& rs) {
   // A driver of another program may answer with less than it was asked for.
-  if (rs.Campos().size() < kColumnasPersona)
+  if (rs.Fields().size() < kColumnasPersona)
     throw db::Error("La consulta de los contratos no devolvió todas sus columnas.");
-  std::vector<PersonsIndex::Fila> filas(rs.Cantidad());
+  std::vector<PersonsIndex::Fila> filas(rs.Count());
   for (std::size_t fila = 0; fila < filas.size(); ++fila)
     for (std::size_t columna = 0; columna < kColumnasPersona; ++columna)
-      filas[fila][columna] = rs.En(columna, fila).TextoCsv();
+      filas[fila][columna] = rs.At(columna, fila).CsvText();
   return filas;
 }
 
 }  // namespace
 
-bool CargarVecDePersonas(const sesion::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
-                         ports::Prompts& prompts, base::SumideroErrores* errores) {
+bool CargarVecDePersonas(const sesion::DbSession& sesion, base::Date mes, PersonsIndex& indice,
+                         ports::Prompts& prompts, base::ErrorSink* errores) {
   if (!sesion.Abierta()) {
     indice.motivo_fallo = kBaseCerrada;
-    prompts.Mostrar({.texto = "La Base no está Abierta", .icono = ports::Icono::Exclamacion});
+    prompts.Show({.text = "La Base no está Abierta", .icon = ports::Icon::Exclamation});
     return false;
   }
   indice.Vaciar();

@@ -31,7 +31,7 @@ struct ConceptsCatalogue {
 // With the connection closed it only sets the reason. A failing query leaves the single "-1" entry and an
 // empty combo, and so does a fault of the storage, which travels on.
 void ActuLSTdeConceptos(const sesion::DbSession& sesion, const settings::Settings& opciones,
-                        ConceptsCatalogue& catalogo, base::SumideroErrores* errores = nullptr);
+                        ConceptsCatalogue& catalogo, base::ErrorSink* errores = nullptr);
 
 // Last item of that datum, or -1.
 int PosEnCombo(const formula::ListControl& combo, std::int64_t valor);

@@ -34,6 +34,6 @@ struct LiquidationTypes {
 // and travels on. Whether the window's layout is to be run again is the result (true for a company that
 // liquidates grouped).
 bool CargarTiposLiquidacion(const sesion::DbSession& sesion, const settings::Settings& opciones,
-                            LiquidationTypes& tipos, base::SumideroErrores* errores = nullptr);
+                            LiquidationTypes& tipos, base::ErrorSink* errores = nullptr);
 
 }  // namespace refdata

@@ -69,7 +69,7 @@ class PersonsIndex {
 // `errores`: that of PARFECHA is passed over, that of the contracts leaves the index empty with its reason.
 // A fault of the storage leaves it so too and travels on. The caller then reloads the concepts catalogue,
 // whatever statement failed.
-bool CargarVecDePersonas(const sesion::DbSession& sesion, base::Fecha mes, PersonsIndex& indice,
-                         ports::Prompts& prompts, base::SumideroErrores* errores = nullptr);
+bool CargarVecDePersonas(const sesion::DbSession& sesion, base::Date mes, PersonsIndex& indice,
+                         ports::Prompts& prompts, base::ErrorSink* errores = nullptr);
 
 }  // namespace refdata

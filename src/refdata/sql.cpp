@@ -2,12 +2,12 @@
 
 namespace refdata::sql {
 
-std::string GuardarMes(std::int32_t idEmpresa, base::Fecha mes) {
-  return "Update valores set Valor='#" + base::FechaMMddyyyy(mes) +
+std::string GuardarMes(std::int32_t idEmpresa, base::Date mes) {
+  return "Update valores set Valor='#" + base::DateMMddyyyy(mes) +
          "#'  where  idEmpresa=" + std::to_string(idEmpresa) + " and codigo='PARFECHA'";
 }
 
-std::string Contratos(std::int32_t idEmpresa, base::Fecha desde, base::Fecha hasta) {
+std::string Contratos(std::int32_t idEmpresa, base::Date desde, base::Date hasta) {
   const std::string empresa = std::to_string(idEmpresa);
   return "Select id_Contrato,Numero_Alternativo,iif(isnull(CC.Tarjeta),'0',CC.Tarjeta) as Tarjeta, "
          "iif(isnull(DE.idDE),'0',DE.idDE) as Dat,Val(NumeroSinGuion) as Numero, id_Persona "
@@ -15,8 +15,8 @@ std::string Contratos(std::int32_t idEmpresa, base::Fecha desde, base::Fecha has
          "Left Join (Select * From DatExtDatos Where idEmpresa=" +
          empresa +
          " and idTDE=1) as DE on DE.idLoc=CC.id_Contrato and DE.idEmpresa=CC.idEmpresa Where CC.idEmpresa=" +
-         empresa + "  and cdate(FECINI)<=#" + base::FechaMMddyyyy(hasta) +
-         "# and (Vigente OR CDATE(FECFIN)>=#" + base::FechaMMddyyyy(desde) + "#) order by Nombre_1";
+         empresa + "  and cdate(FECINI)<=#" + base::DateMMddyyyy(hasta) +
+         "# and (Vigente OR CDATE(FECFIN)>=#" + base::DateMMddyyyy(desde) + "#) order by Nombre_1";
 }
 
 std::string Conceptos(std::int32_t idEmpresa, bool solo_datos_de_reloj, bool con_cuotas) {

@@ -10,9 +10,9 @@
 namespace refdata::sql {
 
 // Stores the month as the parameter PARFECHA, "#MM/dd/yyyy#", so that it reads back as a date literal.
-std::string GuardarMes(std::int32_t idEmpresa, base::Fecha mes);
+std::string GuardarMes(std::int32_t idEmpresa, base::Date mes);
 // The contracts begun by `hasta` and in force, or ended on or after `desde`.
-std::string Contratos(std::int32_t idEmpresa, base::Fecha desde, base::Fecha hasta);
+std::string Contratos(std::int32_t idEmpresa, base::Date desde, base::Date hasta);
 
 // Concepts and user tables; the column Datos is the "*"-joined entry.
 std::string Conceptos(std::int32_t idEmpresa, bool solo_datos_de_reloj, bool con_cuotas);

@@ -10,7 +10,7 @@
 namespace relations {
 namespace {
 
-bool EnBlanco(std::string_view linea) { return base::TrimVista(linea).empty(); }
+bool EnBlanco(std::string_view linea) { return base::TrimView(linea).empty(); }
 
 FilaGridRelaciones FilaDe(const formula::Vector& tabla, std::size_t relacion) {
   return {.Codigo = tabla.Campo(kCodigo, relacion),
@@ -23,8 +23,8 @@ FilaGridRelaciones FilaDe(const formula::Vector& tabla, std::size_t relacion) {
 
 std::int32_t CodeRelations::Color(std::size_t relacion) const {
   std::int32_t color = 0;
-  base::ErrorIgnorado("CodeRelations::Color", nullptr,
-                      [&] { color = base::Entero32(base::Parse(Campo(kColor, relacion))); });
+  base::PassOverError("CodeRelations::Color", nullptr,
+                      [&] { color = base::Integer32(base::Parse(Campo(kColor, relacion))); });
   return color;
 }
 
@@ -51,7 +51,7 @@ void CodeRelations::Indexar() const {
   vistos_.clear();
   std::vector<std::string_view> piezas;
   for (std::size_t i = 0; i < Cantidad(); ++i) {
-    base::SplitVistas(Campo(kExternos, i), ",", piezas);
+    base::SplitViews(Campo(kExternos, i), ",", piezas);
     for (std::size_t p = 1; p + 1 < piezas.size(); ++p)  // the outer pieces lack a comma on one side
       vistos_.emplace(piezas[p], static_cast<int>(i));
   }
@@ -68,7 +68,7 @@ void CodeRelations::Reemplazar(std::string_view texto) {
   Vaciar();
   const std::string con_crlf = settings::ConCrLf(texto);
   std::vector<std::string_view> lineas;
-  base::SplitVistas(con_crlf, base::kCrLf, lineas);
+  base::SplitViews(con_crlf, base::kCrLf, lineas);
   for (const std::string_view linea : lineas)
     if (!EnBlanco(linea)) Agregar(linea);
 }

@@ -92,7 +92,7 @@ std::string SinComasExternas(std::string_view externos);
 // of the storage, which travels on.
 void LevantarRelaciones(const sesion::DbSession& sesion, const settings::Settings& opciones,
                         std::string_view ajustes, CodeRelations& relaciones,
-                        base::SumideroErrores* errores = nullptr);
+                        base::ErrorSink* errores = nullptr);
 
 // The relation that cbAgrQuit(0) appends.
 struct DatosRelacion {
@@ -114,6 +114,6 @@ std::optional<std::int32_t> IdentificadorDe(std::string_view texto);
 // to a savepoint of the caller's) and is noted. Returns why the relations are not stored, "" when they are or
 // when there was nothing to store. A fault of the storage travels on, undone as far as the engine could.
 std::string GuardarRelacionesEnBase(const sesion::DbSession& sesion, const CodeRelations& relaciones,
-                                    base::SumideroErrores* errores = nullptr);
+                                    base::ErrorSink* errores = nullptr);
 
 }  // namespace relations

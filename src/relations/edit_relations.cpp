@@ -13,20 +13,20 @@ int PosicionDe(const formula::ListControl& combo, std::string_view id) {
 
 // Unlike the grid, a list of just two characters stays as it is here.
 std::string CodigosAEditar(const std::string& externos) {
-  return base::Longitud(externos) > 2 ? SinComasExternas(externos) : externos;
+  return base::Length(externos) > 2 ? SinComasExternas(externos) : externos;
 }
 
 }  // namespace
 
 std::string RechazoAlAgregar(const formula::ListControl& cmbConceptos, std::string_view txtTipo) {
   if (cmbConceptos.Elegido() == nullptr) return "Debe seleccionar un concepto";
-  if (base::TrimVista(txtTipo).empty())
+  if (base::TrimView(txtTipo).empty())
     return "Debe seleccionar la relación con los codigos del sistema de reloj";
   return {};
 }
 
 std::string RechazoAlQuitar(std::string_view codigo) {
-  return base::TrimVista(codigo).empty() ? "Debe seleccionar una relación para quitar" : "";
+  return base::TrimView(codigo).empty() ? "Debe seleccionar una relación para quitar" : "";
 }
 
 std::int64_t CentroDeRelacion(const sesion::DbSession& sesion, const settings::Settings& opciones,

@@ -16,7 +16,7 @@ constexpr std::string_view kRelacionesPorDefecto =
 // A number too large names a store that cannot be: the settings' relations are not what was asked for.
 std::int32_t TipoDeDatoExterno(std::string_view valor) {
   try {
-    return base::Entero32(base::Parse(valor));
+    return base::Integer32(base::Parse(valor));
   } catch (const base::Error&) {
     throw db::Error("TomaConceptosDeBD: '" + std::string(valor) + "' no es un tipo de datos externos");
   }
@@ -26,11 +26,11 @@ std::int32_t TipoDeDatoExterno(std::string_view valor) {
 std::vector<Relacion> RelacionesDeLaBase(const sesion::DbSession& sesion, const std::string& sql,
                                          Lista lista) {
   if (!sesion.Abierta()) throw db::Error("La Base no está Abierta");
-  const db::Recordset filas = sesion.conexion->Ejecutar(sql);
-  if (filas.Campos().empty()) throw db::Error("La consulta de las relaciones no devolvió su columna.");
+  const db::Recordset filas = sesion.conexion->Execute(sql);
+  if (filas.Fields().empty()) throw db::Error("La consulta de las relaciones no devolvió su columna.");
   std::vector<Relacion> relaciones;
-  for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila)
-    relaciones.push_back(RelacionDeFila(filas.En(0, fila).TextoCsv(), lista));
+  for (std::size_t fila = 0; fila < filas.Count(); ++fila)
+    relaciones.push_back(RelacionDeFila(filas.At(0, fila).CsvText(), lista));
   return relaciones;
 }
 
@@ -42,11 +42,11 @@ std::string TextoDeAjuste(std::string_view ajustes) {
 }  // namespace
 
 void LevantarRelaciones(const sesion::DbSession& sesion, const settings::Settings& opciones,
-                        std::string_view ajustes, CodeRelations& relaciones, base::SumideroErrores* errores) {
+                        std::string_view ajustes, CodeRelations& relaciones, base::ErrorSink* errores) {
   relaciones.tipo_dato_externo = 0;
   relaciones.Reemplazar("");
   relaciones.carga_fallida = true;
-  base::ErrorIgnorado("LevantarRelaciones", errores, [&] {
+  base::PassOverError("LevantarRelaciones", errores, [&] {
     try {
       relaciones.tipo_dato_externo = TipoDeDatoExterno(settings::ValorDeTexto(ajustes, "TomaConceptosDeBD"));
       if (opciones.MismoCodigoDeOrsa)
@@ -63,7 +63,7 @@ void LevantarRelaciones(const sesion::DbSession& sesion, const settings::Setting
       relaciones.carga_fallida = false;
       relaciones.motivo_fallo.clear();
     } catch (const base::Error& e) {
-      relaciones.motivo_fallo = e.Descripcion();
+      relaciones.motivo_fallo = e.Description();
       throw;
     }
   });

@@ -18,7 +18,7 @@ std::string EnteroOTexto(std::string_view texto) {
 
 std::optional<std::int32_t> IdentificadorDe(std::string_view texto) {
   using Limites = std::numeric_limits<std::int32_t>;
-  const auto numero = base::NumeroDeTexto(texto);
+  const auto numero = base::NumberFromText(texto);
   if (!numero || *numero != std::trunc(*numero) || *numero < Limites::min() || *numero > Limites::max())
     return std::nullopt;
   return static_cast<std::int32_t>(*numero);

@@ -22,7 +22,7 @@ constexpr Forma kFormas[] = {{"XR", "XR0"}, {"*", kEstrella}, {"\r", "XR4"},
                              {"\n", "XR5"}, {"[", "XR6"},     {kSinCambio, "XR7"}};
 
 std::string Ocultar(std::string texto) {
-  for (const Forma& forma : kFormas) texto = base::Reemplazar(texto, forma.texto, forma.oculto);
+  for (const Forma& forma : kFormas) texto = base::Replace(texto, forma.texto, forma.oculto);
   return texto;
 }
 
@@ -30,7 +30,7 @@ std::string Mostrar(std::string_view texto) {
   std::string salida;
   while (!texto.empty()) {
     const auto* forma = std::find_if(std::begin(kFormas), std::end(kFormas),
-                                     [&](const Forma& f) { return base::EmpiezaCon(texto, f.oculto); });
+                                     [&](const Forma& f) { return base::StartsWith(texto, f.oculto); });
     const bool hallada = forma != std::end(kFormas);
     salida += hallada ? forma->texto : texto.substr(0, 1);
     texto.remove_prefix(hallada ? forma->oculto.size() : 1);
@@ -45,7 +45,7 @@ bool PideOcultarse(std::string_view campo) {
 }
 
 bool EsEntero(std::string_view pieza) {
-  if (base::EmpiezaCon(pieza, "-")) pieza.remove_prefix(1);
+  if (base::StartsWith(pieza, "-")) pieza.remove_prefix(1);
   return !pieza.empty() && pieza.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
@@ -88,7 +88,7 @@ std::optional<Relacion> CortarPorAnclas(const Piezas& piezas) {
 
 Relacion RelacionDeLinea(std::string_view linea) {
   Piezas piezas;
-  base::SplitVistas(linea, "*", piezas);
+  base::SplitViews(linea, "*", piezas);
   const bool con_ocultos = piezas.size() == kCamposRelacion + 1 && piezas.back() == kEstrella;
   if (auto relacion = CortarPorAnclas(piezas)) return *std::move(relacion);
   piezas.resize(kCamposRelacion);

@@ -13,7 +13,7 @@ std::string_view NumeroHastaEstrella(std::string_view texto) {
   const std::size_t estrella = texto.find('*');
   if (estrella == std::string_view::npos) return {};
   std::string_view numero = texto.substr(0, estrella), cifras = numero;
-  if (base::EmpiezaCon(cifras, "-")) cifras.remove_prefix(1);
+  if (base::StartsWith(cifras, "-")) cifras.remove_prefix(1);
   const bool es = !cifras.empty() && cifras.find_first_not_of("0123456789") == std::string_view::npos;
   return es ? numero : std::string_view();
 }

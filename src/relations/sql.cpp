@@ -32,7 +32,7 @@ std::string BorrarDatosExternos(std::int32_t tipo) {
 std::string InsertarDatoExterno(std::int32_t tipo, std::int32_t id_concepto, std::string_view codigos) {
   std::string texto = "Insert into DatExtDatos Select " + std::to_string(tipo) + " as idTDE, ";
   texto += std::to_string(id_concepto);
-  texto += " as idLoc,'" + base::DoblarComillas(codigos) + "' as idDE ";
+  texto += " as idLoc,'" + base::EscapeQuotes(codigos) + "' as idDE ";
   return texto;
 }
 

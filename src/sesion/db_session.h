@@ -17,7 +17,7 @@ struct DbSession {
   std::int32_t id_Usuario = 0;          // written into the headers that the program creates
   const ports::Clock* reloj = nullptr;  // never null once the program has started
 
-  bool Abierta() const { return conexion != nullptr && conexion->Abierta(); }
+  bool Abierta() const { return conexion != nullptr && conexion->IsOpen(); }
 };
 
 }  // namespace sesion

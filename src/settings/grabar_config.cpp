@@ -18,24 +18,24 @@ std::optional<std::string> Reescribir(std::string_view texto_dado, std::string_v
   const std::string texto = ConCrLf(texto_dado), valor = ConCrLf(valor_dado);
   const auto [apertura, cierre] = EtiquetasDe(clave);
   std::string nuevo;
-  const std::size_t desde = base::Buscar(texto, apertura, 0, base::Comparar::SinCaso);
+  const std::size_t desde = base::Find(texto, apertura, 0, base::Compare::IgnoringCase);
   if (desde == std::string_view::npos) {
     nuevo = texto;
     nuevo += base::kCrLf;
   } else {
-    const std::size_t hasta = base::Buscar(texto, cierre, desde, base::Comparar::SinCaso);
+    const std::size_t hasta = base::Find(texto, cierre, desde, base::Compare::IgnoringCase);
     if (hasta == std::string_view::npos) return std::nullopt;
     const std::string entrada = texto.substr(desde, hasta + cierre.size() - desde);
     // Every entry that reads the same goes, not only the first.
-    nuevo = base::Reemplazar(texto, entrada, "", base::Comparar::SinCaso);
-    AgregarSaltoSalvoSi(nuevo, base::TerminaCon(nuevo, base::kCrLf));
+    nuevo = base::Replace(texto, entrada, "", base::Compare::IgnoringCase);
+    AgregarSaltoSalvoSi(nuevo, base::EndsWith(nuevo, base::kCrLf));
   }
   nuevo += apertura;
-  AgregarSaltoSalvoSi(nuevo, base::EmpiezaCon(valor, base::kCrLf));
+  AgregarSaltoSalvoSi(nuevo, base::StartsWith(valor, base::kCrLf));
   nuevo += valor;
-  AgregarSaltoSalvoSi(nuevo, base::TerminaCon(valor, base::kCrLf));
+  AgregarSaltoSalvoSi(nuevo, base::EndsWith(valor, base::kCrLf));
   nuevo += cierre;
-  if (base::EmpiezaCon(nuevo, base::kCrLf)) nuevo.erase(0, base::kCrLf.size());
+  if (base::StartsWith(nuevo, base::kCrLf)) nuevo.erase(0, base::kCrLf.size());
   return nuevo;
 }
 
@@ -47,7 +47,7 @@ std::string TextoConValor(std::string_view texto, std::string_view clave, std::s
 }
 
 bool GrabarConfig(std::string_view ruta, std::string_view clave, std::string_view valor) {
-  base::CrearSiFalta(ruta);
+  base::CreateIfMissing(ruta);
   const Ajustes ajustes = LeerAjustes(ruta);
   if (ajustes.estado != EstadoAjustes::Leido) return false;
   const auto nuevo = Reescribir(ajustes.texto, clave, valor);

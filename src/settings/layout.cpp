@@ -13,7 +13,7 @@ std::int16_t Entero16DeTexto(std::string_view pieza) {
   constexpr double kMin = std::numeric_limits<std::int16_t>::min();
   constexpr double kMax = std::numeric_limits<std::int16_t>::max();
   // Clamped, not zeroed: a length of 99999 means the rest of the line.
-  return static_cast<std::int16_t>(base::Redondear(std::clamp(base::Parse(pieza), kMin, kMax), 0));
+  return static_cast<std::int16_t>(base::Round(std::clamp(base::Parse(pieza), kMin, kMax), 0));
 }
 
 }  // namespace
@@ -25,10 +25,10 @@ FixedWidthLayout LayoutDeTexto(std::string_view valor) {
   if (valor.empty()) return layout;
   const std::string texto = ConCrLf(valor);
   std::vector<std::string_view> lineas, piezas;
-  base::SplitVistas(texto, base::kCrLf, lineas);
+  base::SplitViews(texto, base::kCrLf, lineas);
   if (lineas.size() > layout.size()) layout.resize(lineas.size());
   for (std::size_t j = 0; j < lineas.size(); ++j) {
-    base::SplitVistas(lineas[j], "*", piezas);
+    base::SplitViews(lineas[j], "*", piezas);
     const auto pieza = [&](std::size_t i) {
       return i < piezas.size() ? Entero16DeTexto(piezas[i]) : std::int16_t{0};
     };

@@ -13,11 +13,11 @@ namespace {
 
 // By calls that say what fails.
 std::string LeerConMotivo(std::string_view ruta) {
-  const auto archivo = base::DiscoDelSistema().Abrir(ruta, base::ModoArchivo::Lectura);
+  const auto archivo = base::SystemDisk().Open(ruta, base::FileMode::Read);
   std::string bytes;
   std::vector<std::uint8_t> tramo(std::size_t{1} << 16);
   for (;;) {
-    const std::size_t leidos = archivo->Leer(bytes.size(), tramo);
+    const std::size_t leidos = archivo->Read(bytes.size(), tramo);
     bytes.append(tramo.begin(), tramo.begin() + static_cast<std::ptrdiff_t>(leidos));
     if (leidos < tramo.size()) break;
   }
@@ -43,12 +43,12 @@ std::string ConCrLf(std::string_view texto) {
 Ajustes LeerAjustes(std::string_view ruta) {
   Ajustes ajustes;
   try {
-    ajustes.texto = ConCrLf(base::DeCp1252(LeerConMotivo(ruta)));
+    ajustes.texto = ConCrLf(base::FromCp1252(LeerConMotivo(ruta)));
     ajustes.estado = EstadoAjustes::Leido;
-  } catch (const base::ErrorDeDisco& e) {
-    if (e.Falla() != base::FallaDisco::NoExiste) {
+  } catch (const base::DiskError& e) {
+    if (e.Fault() != base::DiskFault::NotFound) {
       ajustes.estado = EstadoAjustes::Ilegible;
-      ajustes.motivo = e.Descripcion() + " (" + std::string(ruta) + ")";
+      ajustes.motivo = e.Description() + " (" + std::string(ruta) + ")";
     }
   }
   return ajustes;
@@ -57,7 +57,7 @@ Ajustes LeerAjustes(std::string_view ruta) {
 bool GuardarAjustes(std::string_view ruta, std::string_view texto) {
   // A folder that may be written in lets a file be replaced that may not be read.
   if (LeerAjustes(ruta).estado == EstadoAjustes::Ilegible) return false;
-  return base::EscribirArchivo(ruta, base::ACp1252(ConCrLf(texto)));
+  return base::WriteWholeFile(ruta, base::ToCp1252(ConCrLf(texto)));
 }
 
 }  // namespace settings

@@ -8,8 +8,8 @@ namespace {
 
 // One line break of each side, no more: a value may hold blank lines of its own.
 std::string SinSaltosDeBorde(std::string_view valor) {
-  if (base::TerminaCon(valor, base::kCrLf)) valor.remove_suffix(base::kCrLf.size());
-  if (base::EmpiezaCon(valor, base::kCrLf)) valor.remove_prefix(base::kCrLf.size());
+  if (base::EndsWith(valor, base::kCrLf)) valor.remove_suffix(base::kCrLf.size());
+  if (base::StartsWith(valor, base::kCrLf)) valor.remove_prefix(base::kCrLf.size());
   return std::string(valor);
 }
 
@@ -18,21 +18,21 @@ std::string SinSaltosDeBorde(std::string_view valor) {
 std::string ValorDeTexto(std::string_view texto_dado, std::string_view clave) {
   const std::string entero = ConCrLf(texto_dado);
   const std::string_view texto = entero;
-  if (base::TrimVista(clave) == "*") return SinSaltosDeBorde(texto);
+  if (base::TrimView(clave) == "*") return SinSaltosDeBorde(texto);
   const auto [apertura, cierre] = EtiquetasDe(clave);
-  const std::size_t etiqueta = base::Buscar(texto, apertura, 0, base::Comparar::SinCaso);
+  const std::size_t etiqueta = base::Find(texto, apertura, 0, base::Compare::IgnoringCase);
   if (etiqueta == std::string_view::npos) return {};
   const std::size_t desde = etiqueta + apertura.size();
-  const std::size_t hasta = base::Buscar(texto, cierre, desde, base::Comparar::SinCaso);
+  const std::size_t hasta = base::Find(texto, cierre, desde, base::Compare::IgnoringCase);
   if (hasta == std::string_view::npos) return SinSaltosDeBorde(texto);
   return SinSaltosDeBorde(texto.substr(desde, hasta - desde));
 }
 
 std::string LeerConfig(std::string_view ruta, std::string_view clave) {
-  base::CrearSiFalta(ruta);
+  base::CreateIfMissing(ruta);
   return ValorDeTexto(LeerAjustes(ruta).texto, clave);
 }
 
-std::string RutaDeAjustes(std::string_view carpeta) { return base::UnirRuta(carpeta, "ImportDeMarcas.ini"); }
+std::string RutaDeAjustes(std::string_view carpeta) { return base::JoinPath(carpeta, "ImportDeMarcas.ini"); }
 
 }  // namespace settings

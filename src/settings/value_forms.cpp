@@ -15,16 +15,16 @@ constexpr int kClaves = 6;
 // How a text turns a boolean on. No two rules are alike by accident: files written by hand rely on them.
 bool EsSi(std::string_view v) { return v == "SI"; }
 bool EsSiEnCualquierCaja(std::string_view v) {
-  const std::string mayusculas = base::Mayusculas(v);
-  return base::TrimVista(mayusculas) == "SI";
+  const std::string mayusculas = base::UpperCase(v);
+  return base::TrimView(mayusculas) == "SI";
 }
 bool VacioOSi(std::string_view v) { return v.empty() || v == "SI"; }
 bool BlancoOSi(std::string_view v) {
-  const std::string_view recortado = base::TrimVista(v);
+  const std::string_view recortado = base::TrimView(v);
   return recortado.empty() || recortado == "SI";
 }
 bool BlancoSiOUno(std::string_view v) {
-  const std::string_view recortado = base::TrimVista(v);
+  const std::string_view recortado = base::TrimView(v);
   return recortado.empty() || v == "SI" || base::Parse(recortado) == 1;
 }
 bool SiOUno(std::string_view v) { return v == "SI" || base::Parse(v) == 1; }
@@ -48,7 +48,7 @@ std::string Texto(const Settings& s) {
 
 // Written as "1" when delimited, read as fixed width for a 2: files of older versions hold numbers.
 void PonerTipoArchivo(Settings& s, std::string_view v) {
-  const std::string_view recortado = base::TrimVista(v);
+  const std::string_view recortado = base::TrimView(v);
   s.AnchoFijo = recortado == "AF" || base::Parse(recortado) == 2;
 }
 std::string TipoArchivo(const Settings& s) { return s.AnchoFijo ? "AF" : "1"; }
@@ -69,7 +69,7 @@ void PonerLayout(Settings& s, std::string_view v) { s.ConfDeAF = LayoutDeTexto(v
 std::string TextoLayout(const Settings& s) { return TextoDeLayout(s.ConfDeAF); }
 
 void PonerConfigura(Settings& s, std::string_view v) {
-  const double indice = v.empty() ? kClavePorDefecto : base::Redondear(base::Parse(v), 0);
+  const double indice = v.empty() ? kClavePorDefecto : base::Round(base::Parse(v), 0);
   // An index that the list does not have selects nothing: the default stands.
   s.Configura = indice >= 0 && indice < kClaves ? static_cast<int>(indice) : kClavePorDefecto;
 }
@@ -119,7 +119,7 @@ constexpr std::array<std::string_view, 18> kOrdenDeEscritura{
 
 const Forma* FormaDe(std::string_view clave) {
   for (const Forma& forma : kFormas)
-    if (base::IgualSinCaso(forma.clave, clave)) return &forma;
+    if (base::EqualIgnoringCase(forma.clave, clave)) return &forma;
   return nullptr;
 }
 
@@ -129,8 +129,8 @@ bool NombraUnaClave(std::string_view texto) {
   if (texto.find('[') == std::string_view::npos) return false;
   const auto nombra = [&](std::string_view clave) {
     const auto [apertura, cierre] = EtiquetasDe(clave);
-    return base::Contiene(texto, apertura, base::Comparar::SinCaso) ||
-           base::Contiene(texto, cierre, base::Comparar::SinCaso);
+    return base::Contains(texto, apertura, base::Compare::IgnoringCase) ||
+           base::Contains(texto, cierre, base::Compare::IgnoringCase);
   };
   return nombra(kConceptos) || nombra("TomaConceptosDeBD") ||
          std::any_of(kClavesDeOpciones.begin(), kClavesDeOpciones.end(), nombra);

@@ -170,13 +170,13 @@ TEST_F(Archivo, AHeaderClickSortsByItsColumn) {
 }
 
 TEST_F(Archivo, ChangingTheMonthReloadsPersonsAndRows) {
-  programa_->Archivo().ObjSelMes_Change(base::FechaDe(2026, 9, 17));
-  EXPECT_EQ(programa_->Ver().mes, base::FechaDe(2026, 9, 1));
+  programa_->Archivo().ObjSelMes_Change(base::MakeDate(2026, 9, 17));
+  EXPECT_EQ(programa_->Ver().mes, base::MakeDate(2026, 9, 1));
   EXPECT_EQ(Consulta("Select Valor From valores Where codigo='PARFECHA' And idEmpresa=" +
                      std::to_string(programa_->Sesion().idEmpresa)),
             "#09/01/2026#");
   const std::size_t septiembre = programa_->Ver().personas.Cantidad();
-  programa_->Archivo().ObjSelMes_Change(base::FechaDe(2026, 10, 31));
+  programa_->Archivo().ObjSelMes_Change(base::MakeDate(2026, 10, 31));
   EXPECT_NE(programa_->Ver().personas.Cantidad(), septiembre);
 }
 
@@ -184,7 +184,7 @@ TEST_F(Archivo, ChangingTheMonthReloadsPersonsAndRows) {
 TEST_F(Archivo, ChangingTheMonthMatchesTheRowsAnew) {
   Cargar("007008;HC;8");
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "Ana");
-  programa_->Archivo().ObjSelMes_Change(base::FechaDe(1990, 1, 31));
+  programa_->Archivo().ObjSelMes_Change(base::MakeDate(1990, 1, 31));
   EXPECT_EQ(programa_->Ver().personas.Cantidad(), 0U);
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kNombre], "");
   EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kCC], "0");
@@ -221,7 +221,7 @@ TEST_F(Archivo, TheImportAnsweredYesShowsTheResults) {
   EXPECT_EQ(programa_->Ver().filas[0].resultado,
             "La Persona no existe o no tiene contrato activo en el mes seleccionado");
   EXPECT_TRUE(app::Grid(programa_->Ver().GridAImportar).Columna("Resultado")->visible);
-  EXPECT_FALSE(programa_->Sesion().conexion->EnTransaccion());
+  EXPECT_FALSE(programa_->Sesion().conexion->InTransaction());
 }
 
 // With no base every button may be pressed.
@@ -237,7 +237,7 @@ TEST_F(Archivo, WithoutABaseNothingBreaks) {
   EXPECT_EQ(p.Ver().relaciones.Cantidad(), 0U);
   cajas_.esperadas = {"La Base no está Abierta", "El Archivo '" + Ruta("no.txt") + "' no existe"};
   p.Archivo().txtRuta_Change(Ruta("no.txt"));
-  p.Archivo().ObjSelMes_Change(base::FechaDe(2026, 1, 5));
+  p.Archivo().ObjSelMes_Change(base::MakeDate(2026, 1, 5));
   cajas_.esperadas = {"La Base no está Abierta"};  // and no question
   p.Importador().cbImportar_Click(1);
   EXPECT_TRUE(p.Unload());

@@ -25,19 +25,19 @@ class Cajas final : public ports::Prompts, public ports::FilePicker {
     EXPECT_TRUE(esperadas.empty()) << "never shown: " << (esperadas.empty() ? "" : esperadas.front());
     EXPECT_TRUE(respuestas.empty()) << "an answer was not asked for";
   }
-  bool Mostrar(const ports::Aviso& aviso) override {
-    mostradas.push_back(aviso.texto);
+  bool Show(const ports::Notice& aviso) override {
+    mostradas.push_back(aviso.text);
     if (aceptar_todo) return false;
     if (esperadas.empty()) {
-      ADD_FAILURE() << "unexpected box: " << aviso.texto;
+      ADD_FAILURE() << "unexpected box: " << aviso.text;
       return false;
     }
-    EXPECT_EQ(aviso.texto, esperadas.front());
-    EXPECT_EQ(aviso.icono, ports::Icono::Exclamacion);
+    EXPECT_EQ(aviso.text, esperadas.front());
+    EXPECT_EQ(aviso.icon, ports::Icon::Exclamation);
     esperadas.pop_front();
     return false;
   }
-  bool Confirmar(const std::string& texto) override {
+  bool Confirm(const std::string& texto) override {
     if (al_preguntar) al_preguntar();
     preguntas.push_back(texto);
     if (respuestas.empty()) {
@@ -48,12 +48,12 @@ class Cajas final : public ports::Prompts, public ports::FilePicker {
     respuestas.pop_front();
     return si;
   }
-  std::string AbrirArchivo(const std::string& titulo, const std::string& filtro,
-                           const std::string& inicial) override {
+  std::string PickFile(const std::string& titulo, const std::string& filtro,
+                       const std::string& inicial) override {
     dialogos.push_back(titulo + "|" + filtro + "|" + inicial);
     return archivo;
   }
-  std::int32_t ElegirColor(std::int32_t inicial) override { return color < 0 ? inicial : color; }
+  std::int32_t PickColor(std::int32_t inicial) override { return color < 0 ? inicial : color; }
 
   bool aceptar_todo = false;  // boxes are of no interest
   std::deque<std::string> esperadas;
@@ -96,14 +96,14 @@ class Banco : public ::testing::Test {
     std::ofstream(carpeta_ / nombre, std::ios::binary) << bytes;
   }
   std::string Consulta(const std::string& sql) {
-    const auto rs = programa_->Sesion().conexion->Ejecutar(sql);
-    return rs.Vacio() ? "" : rs.En(0, 0).TextoCsv();
+    const auto rs = programa_->Sesion().conexion->Execute(sql);
+    return rs.IsEmpty() ? "" : rs.At(0, 0).CsvText();
   }
 
-  static inline const base::Fecha kMes = base::FechaDe(2026, 10, 1);
-  support::CarpetaTemporal temporal_;
-  std::filesystem::path carpeta_ = temporal_.Carpeta();
-  ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
+  static inline const base::Date kMes = base::MakeDate(2026, 10, 1);
+  support::TempFolder temporal_;
+  std::filesystem::path carpeta_ = temporal_.Folder();
+  ports::FixedClock reloj_{base::MakeDate(2026, 10, 20)};
   Cajas cajas_;
   Eventos eventos_;
   app::CarpetaDemo demo_;

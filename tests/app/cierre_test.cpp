@@ -127,8 +127,8 @@ TEST_F(Cierre, AFailedLoadOfRelationsSavesNoneOverThem) {
   {
     app::Programa& p = Crear();
     ASSERT_TRUE(p.Iniciar(demo_.referencia));
-    p.Sesion().conexion->Ejecutar("Insert into DatExtDatos (idTDE,idLoc,idDE) Values(77,7,'09')");
-    p.Sesion().conexion->Ejecutar("Drop Table Conceptos");
+    p.Sesion().conexion->Execute("Insert into DatExtDatos (idTDE,idLoc,idDE) Values(77,7,'09')");
+    p.Sesion().conexion->Execute("Drop Table Conceptos");
     p.Opciones().chkVincAutConOrsa_Click(true);
     p.Opciones().chkVincAutConOrsa_Click(false);
     EXPECT_EQ(p.Ver().relaciones.Cantidad(), 0U);

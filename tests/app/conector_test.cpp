@@ -12,7 +12,7 @@ TEST_F(Conector, OpensAnSqliteFileByItsHeader) {
   Demo(demo::Motor::Sqlite);
   const app::Conexion c = app::AbrirReferencia(Ruta("Personal.sqlite"), reloj_);
   ASSERT_NE(c.conexion, nullptr) << c.motivo;
-  EXPECT_TRUE(c.conexion->Abierta());
+  EXPECT_TRUE(c.conexion->IsOpen());
 }
 
 TEST_F(Conector, OpensAnAccessFileByItsHeader) {
@@ -20,7 +20,7 @@ TEST_F(Conector, OpensAnAccessFileByItsHeader) {
   std::filesystem::rename(Ruta("Personal.mdb"), Ruta("sueldos.dat"));
   const app::Conexion c = app::AbrirReferencia(Ruta("sueldos.dat"), reloj_);
   ASSERT_NE(c.conexion, nullptr) << c.motivo;
-  EXPECT_EQ(c.conexion->Consultar("Select Count(*) From Empresa").En(0, 0).TextoCsv(), "2");
+  EXPECT_EQ(c.conexion->Query("Select Count(*) From Empresa").At(0, 0).CsvText(), "2");
 }
 
 // An engine that is named must be that of the file.

@@ -29,21 +29,21 @@ class ConexionQueFalla final : public db::Connection {
   // Answers from now on instead of what answered.
   void Poner(std::unique_ptr<db::Connection> abajo) { abajo_ = std::move(abajo); }
 
-  bool Abierta() const override { return abajo_->Abierta(); }
-  void Cerrar() override { abajo_->Cerrar(); }
-  db::Recordset Ejecutar(std::string_view sql) override {
+  bool IsOpen() const override { return abajo_->IsOpen(); }
+  void Close() override { abajo_->Close(); }
+  db::Recordset Execute(std::string_view sql) override {
     Fallar(sql);
-    return abajo_->Ejecutar(sql);
+    return abajo_->Execute(sql);
   }
-  db::Recordset Consultar(std::string_view sql) override {
+  db::Recordset Query(std::string_view sql) override {
     Fallar(sql);
-    return abajo_->Consultar(sql);
+    return abajo_->Query(sql);
   }
-  std::int64_t FilasAfectadas() const override { return abajo_->FilasAfectadas(); }
+  std::int64_t AffectedRows() const override { return abajo_->AffectedRows(); }
   void BeginTrans() override { abajo_->BeginTrans(); }
   void CommitTrans() override { abajo_->CommitTrans(); }
   void RollbackTrans() override { abajo_->RollbackTrans(); }
-  bool EnTransaccion() const override { return abajo_->EnTransaccion(); }
+  bool InTransaction() const override { return abajo_->InTransaction(); }
   void SetSavepoint() override { abajo_->SetSavepoint(); }
   void RollbackToSavepoint() override { abajo_->RollbackToSavepoint(); }
   void ReleaseSavepoint() override { abajo_->ReleaseSavepoint(); }
@@ -51,7 +51,7 @@ class ConexionQueFalla final : public db::Connection {
  private:
   void Fallar(std::string_view sql) {
     if (desperfecto_->falla == Falla::Ninguna) return;
-    if (!base::Contiene(sql, desperfecto_->en, base::Comparar::SinCaso)) return;
+    if (!base::Contains(sql, desperfecto_->en, base::Compare::IgnoringCase)) return;
     ++desperfecto_->veces;
     if (desperfecto_->falla == Falla::Memoria) throw std::bad_alloc();
     throw db::Error(

@@ -6,16 +6,16 @@
 #include "banco.h"
 #include "base/file.h"
 #include "engine_mdb/connection_internal.h"
-#include "mdb/disco_simulado.h"
 #include "mdb/pages/page_file.h"
+#include "mdb/simulated_disk.h"
 #include "mdb/verify/verify.h"
 
 namespace {
 
 using mdb::Bytes;
-using mdb_test::DiscoSimulado;
-using Perdida = DiscoSimulado::Perdida;
-using Disco = std::shared_ptr<DiscoSimulado>;
+using mdb_test::SimulatedDisk;
+using Perdida = SimulatedDisk::Loss;
+using Disco = std::shared_ptr<SimulatedDisk>;
 
 const std::string kRuta = "a.mdb", kDiario = "a.mdb-diario";
 
@@ -29,8 +29,8 @@ class ImportarConCortes : public prueba::Banco {
     antes_.assign(base.begin(), base.end());
   }
   Disco DiscoConBase() const {
-    auto disco = std::make_shared<DiscoSimulado>();
-    disco->Poner(kRuta, antes_);
+    auto disco = std::make_shared<SimulatedDisk>();
+    disco->Put(kRuta, antes_);
     return disco;
   }
   // The window's program, ready to import, with its base on the disk.
@@ -39,19 +39,19 @@ class ImportarConCortes : public prueba::Banco {
     EXPECT_TRUE(p.IniciarCon(demo_.referencia, Ruta("pocas.txt")));
     p.Activate();
     EXPECT_EQ(p.Ver().filas.size(), 3U);
-    engine_mdb::Opciones opciones;
-    opciones.reloj = &reloj_;
+    engine_mdb::Options opciones;
+    opciones.clock = &reloj_;
     dynamic_cast<prueba::ConexionQueFalla&>(*p.Sesion().conexion)
-        .Poner(std::make_unique<engine_mdb::ConexionMdb>(
-            std::make_unique<mdb::Base>(mdb::PaginasDeArchivo::Abrir(kRuta, false, disco)), kRuta, opciones));
-    disco->ContarDeNuevo();
+        .Poner(std::make_unique<engine_mdb::MdbConnection>(
+            std::make_unique<mdb::Database>(mdb::DiskPages::Open(kRuta, false, disco)), kRuta, opciones));
+    disco->RestartCount();
     return p;
   }
   static Bytes AlAbrir(const Disco& disco) {
-    const auto paginas = mdb::PaginasDeArchivo::Abrir(kRuta, false, disco);
-    EXPECT_EQ(paginas->MotivoSoloLectura(), "");
-    EXPECT_FALSE(disco->Existe(kDiario));
-    return disco->Contenido(kRuta);
+    const auto paginas = mdb::DiskPages::Open(kRuta, false, disco);
+    EXPECT_EQ(paginas->ReadOnlyReason(), "");
+    EXPECT_FALSE(disco->Exists(kDiario));
+    return disco->Contents(kRuta);
   }
   // What an import that nothing disturbs leaves, and how many calls it takes.
   void Calcular() {
@@ -61,12 +61,12 @@ class ImportarConCortes : public prueba::Banco {
     p.Importador().Importar(false);
     EXPECT_EQ(p.Ver().importacion.error, "");
     EXPECT_EQ(p.Ver().importacion.importadas, 3U);
-    llamadas_ = disco->Llamadas();
-    despues_ = disco->Contenido(kRuta);
+    llamadas_ = disco->Calls();
+    despues_ = disco->Contents(kRuta);
     EXPECT_NE(antes_, despues_);
     ASSERT_GT(llamadas_, 10);
-    const auto paginas = mdb::PaginasDeArchivo::Abrir(kRuta, true, disco);
-    EXPECT_TRUE(mdb::Verificar(*paginas).Sano());
+    const auto paginas = mdb::DiskPages::Open(kRuta, true, disco);
+    EXPECT_TRUE(mdb::Verify(*paginas).IsSound());
   }
 
   Bytes antes_, despues_;
@@ -79,11 +79,11 @@ TEST_F(ImportarConCortes, ACutAtAnyCallLeavesAllOrNothing) {
   for (int corte = 1; corte <= llamadas_; ++corte) {
     const Disco disco = DiscoConBase();
     app::Programa& p = Preparar(disco);
-    disco->CortarEn(corte);
-    EXPECT_THROW(p.Importador().Importar(false), mdb_test::Corte) << corte;
-    for (const Perdida perdida : {Perdida::Nada, Perdida::Todo, Perdida::AlAzar}) {
+    disco->CutAt(corte);
+    EXPECT_THROW(p.Importador().Importar(false), mdb_test::Cut) << corte;
+    for (const Perdida perdida : {Perdida::Nothing, Perdida::All, Perdida::Random}) {
       std::mt19937 azar(static_cast<unsigned>(corte));
-      const Bytes queda = AlAbrir(disco->Despues(perdida, azar));
+      const Bytes queda = AlAbrir(disco->After(perdida, azar));
       ASSERT_TRUE(queda == antes_ || queda == despues_) << "cut at " << corte;
       ++(queda == antes_ ? antes : despues);
     }
@@ -99,12 +99,12 @@ TEST_F(ImportarConCortes, ACallThatFailsLeavesWhatTheProgramSays) {
     SCOPED_TRACE(falla);
     const Disco disco = DiscoConBase();
     app::Programa& p = Preparar(disco);
-    disco->FallarEn(falla);
+    disco->FailAt(falla);
     cajas_.esperadas.clear();
     cajas_.aceptar_todo = true;
     p.Importador().Importar(false);
     cajas_.aceptar_todo = false;
-    disco->Sanar();
+    disco->Heal();
     const app::Estado& e = p.Ver();
     if (!e.importacion.error.empty()) {
       ++fallidas;
@@ -114,8 +114,8 @@ TEST_F(ImportarConCortes, ACallThatFailsLeavesWhatTheProgramSays) {
     const Bytes& debe = e.importacion.error.empty() ? despues_ : antes_;
     // The connection goes on from what the file holds.
     EXPECT_EQ(Consulta("Select Count(*) From Datos_Liquidacion"),
-              std::to_string(p.Sesion().conexion->Ejecutar("Select * From Datos_Liquidacion").Cantidad()));
-    p.Sesion().conexion->Cerrar();
+              std::to_string(p.Sesion().conexion->Execute("Select * From Datos_Liquidacion").Count()));
+    p.Sesion().conexion->Close();
     ASSERT_TRUE(AlAbrir(disco) == debe);
   }
   EXPECT_GT(fallidas, 10);
@@ -126,13 +126,13 @@ TEST_F(ImportarConCortes, ADiskWithoutRoomLeavesTheFileAsItWas) {
   for (const std::uint64_t lugar : {0U, 100U, 2000U, 5000U}) {
     const Disco disco = DiscoConBase();
     app::Programa& p = Preparar(disco);
-    disco->Llenar(disco->Ocupado() + lugar);
+    disco->Fill(disco->UsedSpace() + lugar);
     cajas_.aceptar_todo = true;
     p.Importador().Importar(false);
     cajas_.aceptar_todo = false;
     EXPECT_NE(p.Ver().importacion.error, "") << lugar;
-    p.Sesion().conexion->Cerrar();
-    disco->Llenar(std::nullopt);
+    p.Sesion().conexion->Close();
+    disco->Fill(std::nullopt);
     EXPECT_TRUE(AlAbrir(disco) == antes_) << lugar;
   }
 }

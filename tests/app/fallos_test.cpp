@@ -201,7 +201,7 @@ TEST_P(Fallos, AGridLoadedOnHalfOfTheDataIsNotImported) {
 }
 
 TEST_P(Fallos, ACompanyWithoutARowStopsTheImport) {
-  { Cargado().Sesion().conexion->Ejecutar("Delete * From Empresa"); }
+  { Cargado().Sesion().conexion->Execute("Delete * From Empresa"); }
   app::Programa& p = Crear();
   ASSERT_TRUE(p.IniciarCon(demo_.referencia, Ruta("pocas.txt")));
   p.Activate();

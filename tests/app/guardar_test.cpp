@@ -63,7 +63,7 @@ TEST_F(Guardar, NorInTheBase) {
   Demo();
   Ajustes(true, "\r\n[TomaConceptosDeBD]\r\n77\r\n[/TomaConceptosDeBD]");
   Abrir();
-  programa_->Sesion().conexion->Ejecutar("Insert into DatExtDatos (idTDE,idLoc,idDE) Values(77,7,'09')");
+  programa_->Sesion().conexion->Execute("Insert into DatExtDatos (idTDE,idLoc,idDE) Values(77,7,'09')");
   CerrarCargando([](app::Programa& p) { p.Opciones().chkVincAutConOrsa_Click(false); });
   EXPECT_EQ(Consulta("Select idDE From DatExtDatos Where idTDE=77"), "09");
   EXPECT_TRUE(SiguenLasGuardadas());
@@ -144,7 +144,7 @@ TEST_F(Guardar, SettingsThatBecomeUnreadableAreKeptBeside) {
 TEST_F(Guardar, WhatAReadOnlyBaseDoesNotTakeIsKeptBeside) {
   Demo();
   Ajustes(false, "\r\n[TomaConceptosDeBD]\r\n77\r\n[/TomaConceptosDeBD]");
-  auto otro = engine_mdb::Abrir(Ruta("Personal.mdb"));
+  auto otro = engine_mdb::Open(Ruta("Personal.mdb"));
   Abrir();
   const app::Estado& e = programa_->Ver();
   ASSERT_NE(e.solo_lectura, "");
@@ -164,7 +164,7 @@ TEST_F(Guardar, WhatAReadOnlyBaseDoesNotTakeIsKeptBeside) {
 TEST_F(Guardar, AReadOnlyBaseWithoutEditsClosesInSilence) {
   Demo();
   Ajustes(false, "\r\n[TomaConceptosDeBD]\r\n77\r\n[/TomaConceptosDeBD]");
-  auto otro = engine_mdb::Abrir(Ruta("Personal.mdb"));
+  auto otro = engine_mdb::Open(Ruta("Personal.mdb"));
   Abrir();
   const std::size_t cajas = cajas_.mostradas.size();
   EXPECT_TRUE(programa_->Unload());
@@ -175,7 +175,7 @@ TEST_F(Guardar, AReadOnlyBaseWithoutEditsClosesInSilence) {
 // The other program has gone: the import opens the base for writing by itself, and the state says so.
 TEST_F(Guardar, TheStateForgetsTheOtherProgramOnceItHasGone) {
   Demo();
-  auto otro = engine_mdb::Abrir(Ruta("Personal.mdb"));
+  auto otro = engine_mdb::Open(Ruta("Personal.mdb"));
   Abrir();
   programa_->Activate();
   ASSERT_NE(programa_->Ver().solo_lectura, "");
@@ -277,7 +277,7 @@ TEST_F(Arrancando, TheKindOfKeyLoadsNoFile) {
   });
 }
 TEST_F(Arrancando, TheMonthReloadsNothing) {
-  Al_arrancar([](app::Programa& p) { p.Archivo().ObjSelMes_Change(base::FechaDe(2026, 3, 5)); });
+  Al_arrancar([](app::Programa& p) { p.Archivo().ObjSelMes_Change(base::MakeDate(2026, 3, 5)); });
 }
 TEST_F(Arrancando, TheSeparatorStartsNoTimer) {
   Al_arrancar([](app::Programa& p) { p.Formato().txtSeparador_Change(";"); });

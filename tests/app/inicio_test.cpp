@@ -128,7 +128,7 @@ TEST_F(Inicio, AnEmptyCompanyTableLeavesTheFlagsAndRunsTheLoaders) {
   {
     app::Programa& p = Crear();
     ASSERT_TRUE(p.Iniciar(demo_.referencia));
-    p.Sesion().conexion->Ejecutar("Delete * From Empresa");
+    p.Sesion().conexion->Execute("Delete * From Empresa");
   }
   app::Programa& p = Crear();
   ASSERT_TRUE(p.Iniciar(demo_.referencia));
@@ -148,11 +148,11 @@ TEST_F(Inicio, AMissingCompanyTableLeavesTheFlagsAndRunsTheLoaders) {
   {
     app::Programa& p = Crear();
     ASSERT_TRUE(p.Iniciar(demo_.referencia));
-    p.Sesion().conexion->Ejecutar("Drop Table Empresa");
+    p.Sesion().conexion->Execute("Drop Table Empresa");
     const std::string empresa = std::to_string(p.Sesion().idEmpresa);
     for (const char* tabla : {"TiposLiquidacion", "Tablas", "DatosUsuTablas"})
-      p.Sesion().conexion->Ejecutar("Update " + std::string(tabla) +
-                                    " Set idEmpresa=0 Where idEmpresa=" + empresa);
+      p.Sesion().conexion->Execute("Update " + std::string(tabla) +
+                                   " Set idEmpresa=0 Where idEmpresa=" + empresa);
   }
   app::Programa& p = Crear();
   ASSERT_TRUE(p.Iniciar(demo_.referencia));
@@ -168,14 +168,14 @@ TEST_F(Inicio, ABaseWithoutTheTablesSaysWhatIsMissing) {
   {
     app::Programa& p = Crear();
     ASSERT_TRUE(p.Iniciar(demo_.referencia));
-    p.Sesion().conexion->Ejecutar("Update Empresa Set LiqAgrup=True");
+    p.Sesion().conexion->Execute("Update Empresa Set LiqAgrup=True");
     for (const char* tabla : {"CentroCosto", "Conceptos", "Tablas"})
-      p.Sesion().conexion->Ejecutar("Drop Table " + std::string(tabla));
+      p.Sesion().conexion->Execute("Drop Table " + std::string(tabla));
   }
   app::Programa& p = Crear();
   ASSERT_TRUE(p.Iniciar(demo_.referencia));
   std::string notas;
-  for (const auto& error : p.Errores()) notas += error.donde + ": " + error.descripcion + "\n";
+  for (const auto& error : p.Errores()) notas += error.where + ": " + error.description + "\n";
   EXPECT_EQ(notas,
             "CargarTiposLiquidacion: cmbAgrupa: No se encuentra la tabla o consulta 'CentroCosto'\n"
             "CargarTiposLiquidacion: cmbAgrupaDef: No se encuentra la tabla o consulta 'CentroCosto'\n"
@@ -189,9 +189,9 @@ TEST_F(Inicio, ACompanyRowIsReadFieldByField) {
     app::Programa& p = Crear();
     ASSERT_TRUE(p.Iniciar(demo_.referencia));
     db::Connection& c = *p.Sesion().conexion;
-    c.Ejecutar("Drop Table Empresa");
-    c.Ejecutar("Create Table Empresa (TipoConstruccion TEXT(10), LiqAgrup YESNO, idEmpresa LONG)");
-    c.Ejecutar("Insert into Empresa (TipoConstruccion,LiqAgrup,idEmpresa) Values('quizá',True,2)");
+    c.Execute("Drop Table Empresa");
+    c.Execute("Create Table Empresa (TipoConstruccion TEXT(10), LiqAgrup YESNO, idEmpresa LONG)");
+    c.Execute("Insert into Empresa (TipoConstruccion,LiqAgrup,idEmpresa) Values('quizá',True,2)");
   }
   app::Programa& p = Crear();
   ASSERT_TRUE(p.Iniciar(demo_.referencia));

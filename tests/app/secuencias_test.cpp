@@ -12,12 +12,12 @@ using Azar = std::mt19937;
 // Answers whatever it is asked, one way or the other.
 struct Operador final : ports::Prompts, ports::FilePicker {
   explicit Operador(Azar& a) : azar(a) {}
-  bool Mostrar(const ports::Aviso&) override { return azar() % 3 == 0; }
-  bool Confirmar(const std::string&) override { return azar() % 2 == 0; }
-  std::string AbrirArchivo(const std::string&, const std::string&, const std::string&) override {
+  bool Show(const ports::Notice&) override { return azar() % 3 == 0; }
+  bool Confirm(const std::string&) override { return azar() % 2 == 0; }
+  std::string PickFile(const std::string&, const std::string&, const std::string&) override {
     return rutas[azar() % rutas.size()];
   }
-  std::int32_t ElegirColor(std::int32_t inicial) override {
+  std::int32_t PickColor(std::int32_t inicial) override {
     return azar() % 2 == 0 ? inicial : static_cast<std::int32_t>(azar() % 0x1000000);
   }
   Azar& azar;
@@ -49,7 +49,7 @@ std::vector<Accion> DeArchivo() {
       [](auto& p, auto& o) { p.Archivo().txtFiltro_Change(Texto(o)); },
       [](auto& p, auto& o) { p.Archivo().OptFiltro_Click(Moneda(o) ? 1 : 0); },
       [](auto& p, auto& o) {
-        p.Archivo().ObjSelMes_Change(base::FechaDe(2026, 1 + static_cast<int>(o.azar() % 12), 5));
+        p.Archivo().ObjSelMes_Change(base::MakeDate(2026, 1 + static_cast<int>(o.azar() % 12), 5));
       },
       [](auto& p, auto& o) {
         p.Archivo().cmbLiquidaciones_Click(Entrada(o, p.Ver().tipos.cmbLiquidaciones));
@@ -106,7 +106,7 @@ void VerQueVale(app::Programa& p) {
   EXPECT_EQ(e.lineas, e.filas.size() + e.aparte.size());
   EXPECT_TRUE(p.PuedeCerrar());
   EXPECT_FALSE(p.BarraDeProgreso().Visible());
-  EXPECT_FALSE(p.Sesion().conexion->EnTransaccion());
+  EXPECT_FALSE(p.Sesion().conexion->InTransaction());
   EXPECT_TRUE(e.opciones.TotalizarConc || !e.opciones.SumarAyaIng);
   EXPECT_FALSE(e.AreConf_visible[0] && e.AreConf_visible[1]);
 }

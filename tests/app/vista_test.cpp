@@ -95,9 +95,8 @@ TEST(Carpeta, TheVariableGoesBeforeTheProgramsFolder) {
   support::EnvironmentVariable variable("IMPORTDEMARCAS_CARPETA", "/una/carpeta");
   EXPECT_EQ(app::CarpetaDeAjustes(), "/una/carpeta");
   variable.Set(std::nullopt);
-  const std::string programa = base::CarpetaDelPrograma();
-  EXPECT_EQ(app::CarpetaDeAjustes(),
-            base::CarpetaEscribible(programa) ? programa : base::CarpetaConfiguracionUsuario());
+  const std::string programa = base::ProgramFolder();
+  EXPECT_EQ(app::CarpetaDeAjustes(), base::IsWritableFolder(programa) ? programa : base::UserConfigFolder());
 }
 
 // A window looks at these numbers to know what to draw anew.

@@ -16,185 +16,185 @@
 #include "base/format.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "base/valor.h"
-#include "conformance/comparar.h"
+#include "base/value.h"
+#include "conformance/compare.h"
 #include "support/source_dir.h"
 
 namespace {
 
-using base::Fecha;
+using base::Date;
 using base::Locale;
-using base::Valor;
+using base::Value;
 using conformance::Json;
 
-const Fecha kHoy = conformance::Hoy();
+const Date kToday = conformance::Today();
 
-struct Llamada {
+struct Call {
   const std::vector<Json>& args;
   const Locale& locale;
 };
 // What a function gave: a value or the number of an error; none when the row is not this module's.
-struct Resultado {
-  std::optional<Valor> valor;
+struct Result {
+  std::optional<Value> value;
   int error = 0;
 };
-using Funcion = std::function<Valor(const Llamada&)>;
+using Function = std::function<Value(const Call&)>;
 
 // Thrown by a function for arguments that its contract does not take (a Null, an Empty).
-struct NoServido {};
+struct NotServed {};
 
-Valor LeerValor(const Json& j) {
-  switch (j.clase) {
-    case Json::Clase::Nulo:
-      return base::Nulo{};
-    case Json::Clase::Booleano:
-      return j.booleano;
-    case Json::Clase::Numero:
-      return j.entero ? Valor(static_cast<std::int64_t>(j.numero)) : Valor(j.numero);
-    case Json::Clase::Texto:
-      return j.texto;
-    case Json::Clase::Lista:
-      throw NoServido{};
-    case Json::Clase::Objeto:
+Value ReadValue(const Json& j) {
+  switch (j.kind) {
+    case Json::Kind::Null:
+      return base::Null{};
+    case Json::Kind::Boolean:
+      return j.boolean;
+    case Json::Kind::Number:
+      return j.integer ? Value(static_cast<std::int64_t>(j.number)) : Value(j.number);
+    case Json::Kind::Text:
+      return j.text;
+    case Json::Kind::List:
+      throw NotServed{};
+    case Json::Kind::Object:
       break;
   }
-  if (const Json* f = j.Miembro("$date")) return Fecha{conformance::SerieDe(f->texto)};
-  if (const Json* s = j.Miembro("$single")) return static_cast<float>(s->numero);
-  if (const Json* c = j.Miembro("$currency")) return base::Moneda{std::llround(c->numero * 10000)};
-  throw NoServido{};  // Empty and variants are no values here
+  if (const Json* f = j.Member("$date")) return Date{conformance::SerialOf(f->text)};
+  if (const Json* s = j.Member("$single")) return static_cast<float>(s->number);
+  if (const Json* c = j.Member("$currency")) return base::Currency{std::llround(c->number * 10000)};
+  throw NotServed{};  // Empty and variants are no values here
 }
 
-Valor Arg(const Llamada& l, std::size_t i) { return LeerValor(l.args.at(i)); }
-double Numero(const Llamada& l, std::size_t i) { return Arg(l, i).Numero(l.locale); }
-int Entero(const Llamada& l, std::size_t i) { return static_cast<int>(Numero(l, i)); }
-int EnteroO(const Llamada& l, std::size_t i, int si_falta) {
-  return i < l.args.size() ? Entero(l, i) : si_falta;
+Value Arg(const Call& l, std::size_t i) { return ReadValue(l.args.at(i)); }
+double Number(const Call& l, std::size_t i) { return Arg(l, i).Number(l.locale); }
+int Integer(const Call& l, std::size_t i) { return static_cast<int>(Number(l, i)); }
+int IntegerOr(const Call& l, std::size_t i, int if_missing) {
+  return i < l.args.size() ? Integer(l, i) : if_missing;
 }
-Fecha LaFecha(const Llamada& l, std::size_t i) { return {Numero(l, i)}; }
-std::string Texto(const Llamada& l, std::size_t i) {
-  if (!l.args.at(i).EsTexto()) throw NoServido{};
-  return l.args[i].texto;
+Date DateArg(const Call& l, std::size_t i) { return {Number(l, i)}; }
+std::string Text(const Call& l, std::size_t i) {
+  if (!l.args.at(i).IsText()) throw NotServed{};
+  return l.args[i].text;
 }
 
-Valor SinNulo(const Llamada& l, std::size_t i) {
-  Valor v = Arg(l, i);
-  if (v.EsNulo()) throw NoServido{};
+Value NonNull(const Call& l, std::size_t i) {
+  Value v = Arg(l, i);
+  if (v.IsNull()) throw NotServed{};
   return v;
 }
 
-Valor CDate(const Llamada& l) {
-  const Valor v = Arg(l, 0);
-  if (const auto* texto = v.Si<std::string>()) {
-    const auto fecha = base::FechaDeTexto(*texto, kHoy, l.locale);
-    if (!fecha) throw base::Error(base::DescripcionDeError(13), 13);
-    return *fecha;
+Value CDate(const Call& l) {
+  const Value v = Arg(l, 0);
+  if (const auto* text = v.GetIf<std::string>()) {
+    const auto date = base::DateFromText(*text, kToday, l.locale);
+    if (!date) throw base::Error(base::ErrorDescription(13), 13);
+    return *date;
   }
-  return Fecha{v.Numero(l.locale)};
+  return Date{v.Number(l.locale)};
 }
 
-const std::map<std::string, Funcion>& Funciones() {
-  static const std::map<std::string, Funcion> kFunciones = {
-      {"Val", [](const Llamada& l) { return Valor(base::Val(Texto(l, 0))); }},
-      {"CDbl", [](const Llamada& l) { return Valor(Numero(l, 0)); }},
-      {"CSng", [](const Llamada& l) { return Valor(static_cast<float>(Numero(l, 0))); }},
-      {"CLng", [](const Llamada& l) { return Valor(Arg(l, 0).Entero(l.locale)); }},
-      {"CInt", [](const Llamada& l) { return Valor(static_cast<int>(Arg(l, 0).EnteroCorto(l.locale))); }},
-      {"CBool", [](const Llamada& l) { return Valor(Arg(l, 0).Booleano(l.locale)); }},
-      {"IsNumeric", [](const Llamada& l) { return Valor(base::IsNumeric(Texto(l, 0), l.locale)); }},
-      {"CStr", [](const Llamada& l) { return Valor(SinNulo(l, 0).Texto(l.locale)); }},
+const std::map<std::string, Function>& Functions() {
+  static const std::map<std::string, Function> kFunctions = {
+      {"Val", [](const Call& l) { return Value(base::Val(Text(l, 0))); }},
+      {"CDbl", [](const Call& l) { return Value(Number(l, 0)); }},
+      {"CSng", [](const Call& l) { return Value(static_cast<float>(Number(l, 0))); }},
+      {"CLng", [](const Call& l) { return Value(Arg(l, 0).Integer(l.locale)); }},
+      {"CInt", [](const Call& l) { return Value(static_cast<int>(Arg(l, 0).ShortInteger(l.locale))); }},
+      {"CBool", [](const Call& l) { return Value(Arg(l, 0).Boolean(l.locale)); }},
+      {"IsNumeric", [](const Call& l) { return Value(base::IsNumeric(Text(l, 0), l.locale)); }},
+      {"CStr", [](const Call& l) { return Value(NonNull(l, 0).Text(l.locale)); }},
       {"Round",
-       [](const Llamada& l) {
-         if (l.args[0].clase == Json::Clase::Booleano) throw NoServido{};
-         return Valor(base::Redondear(Numero(l, 0), EnteroO(l, 1, 0)));
+       [](const Call& l) {
+         if (l.args[0].kind == Json::Kind::Boolean) throw NotServed{};
+         return Value(base::Round(Number(l, 0), IntegerOr(l, 1, 0)));
        }},
       {"CDate", CDate},
-      {"IsDate", [](const Llamada& l) { return Valor(base::EsFecha(Texto(l, 0), kHoy, l.locale)); }},
+      {"IsDate", [](const Call& l) { return Value(base::IsDate(Text(l, 0), kToday, l.locale)); }},
       {"DateSerial",
-       [](const Llamada& l) { return Valor(base::FechaDe(Entero(l, 0), Entero(l, 1), Entero(l, 2))); }},
+       [](const Call& l) { return Value(base::MakeDate(Integer(l, 0), Integer(l, 1), Integer(l, 2))); }},
       {"TimeSerial",
-       [](const Llamada& l) { return Valor(base::HoraDe(Entero(l, 0), Entero(l, 1), Entero(l, 2))); }},
-      {"DateToSerial", [](const Llamada& l) { return Valor(Numero(l, 0)); }},
-      {"SerialToDate", [](const Llamada& l) { return Valor(LaFecha(l, 0)); }},
-      {"Year", [](const Llamada& l) { return Valor(base::Partes(LaFecha(l, 0)).anio); }},
-      {"Month", [](const Llamada& l) { return Valor(base::Partes(LaFecha(l, 0)).mes); }},
-      {"Day", [](const Llamada& l) { return Valor(base::Partes(LaFecha(l, 0)).dia); }},
-      {"Hour", [](const Llamada& l) { return Valor(base::Partes(LaFecha(l, 0)).hora); }},
-      {"Minute", [](const Llamada& l) { return Valor(base::Partes(LaFecha(l, 0)).minuto); }},
+       [](const Call& l) { return Value(base::MakeTime(Integer(l, 0), Integer(l, 1), Integer(l, 2))); }},
+      {"DateToSerial", [](const Call& l) { return Value(Number(l, 0)); }},
+      {"SerialToDate", [](const Call& l) { return Value(DateArg(l, 0)); }},
+      {"Year", [](const Call& l) { return Value(base::PartsOf(DateArg(l, 0)).year); }},
+      {"Month", [](const Call& l) { return Value(base::PartsOf(DateArg(l, 0)).month); }},
+      {"Day", [](const Call& l) { return Value(base::PartsOf(DateArg(l, 0)).day); }},
+      {"Hour", [](const Call& l) { return Value(base::PartsOf(DateArg(l, 0)).hour); }},
+      {"Minute", [](const Call& l) { return Value(base::PartsOf(DateArg(l, 0)).minute); }},
       {"Weekday",
-       [](const Llamada& l) { return Valor(base::DatePart("w", LaFecha(l, 0), EnteroO(l, 1, 1))); }},
+       [](const Call& l) { return Value(base::DatePart("w", DateArg(l, 0), IntegerOr(l, 1, 1))); }},
       {"DateAdd",
-       [](const Llamada& l) { return Valor(base::DateAdd(Texto(l, 0), Numero(l, 1), LaFecha(l, 2))); }},
+       [](const Call& l) { return Value(base::DateAdd(Text(l, 0), Number(l, 1), DateArg(l, 2))); }},
       {"DateDiff",
-       [](const Llamada& l) {
-         return Valor(static_cast<std::int64_t>(
-             base::DateDiff(Texto(l, 0), LaFecha(l, 1), LaFecha(l, 2), EnteroO(l, 3, 1), EnteroO(l, 4, 1))));
+       [](const Call& l) {
+         return Value(static_cast<std::int64_t>(base::DateDiff(Text(l, 0), DateArg(l, 1), DateArg(l, 2),
+                                                               IntegerOr(l, 3, 1), IntegerOr(l, 4, 1))));
        }},
       {"DatePart",
-       [](const Llamada& l) {
-         return Valor(base::DatePart(Texto(l, 0), LaFecha(l, 1), EnteroO(l, 2, 1), EnteroO(l, 3, 1)));
+       [](const Call& l) {
+         return Value(base::DatePart(Text(l, 0), DateArg(l, 1), IntegerOr(l, 2, 1), IntegerOr(l, 3, 1)));
        }},
       {"Format",
-       [](const Llamada& l) {
-         return Valor(
-             base::Format(Arg(l, 0), Texto(l, 1), kHoy, l.locale, EnteroO(l, 2, 1), EnteroO(l, 3, 1)));
+       [](const Call& l) {
+         return Value(
+             base::Format(Arg(l, 0), Text(l, 1), kToday, l.locale, IntegerOr(l, 2, 1), IntegerOr(l, 3, 1)));
        }},
   };
-  return kFunciones;
+  return kFunctions;
 }
 
-bool Coincide(const Resultado& r, const Json& esperado) {
-  if (r.error != 0) return conformance::EsperaError(esperado, r.error);
-  return r.valor && conformance::Igual(esperado, *r.valor);
+bool Matches(const Result& r, const Json& expected) {
+  if (r.error != 0) return conformance::ExpectsError(expected, r.error);
+  return r.value && conformance::AreEqual(expected, *r.value);
 }
 
-std::string Mostrar(const Resultado& r) {
-  std::ostringstream texto;
+std::string Show(const Result& r) {
+  std::ostringstream text;
   if (r.error != 0) {
-    texto << "error " << r.error;
-  } else if (r.valor) {
-    texto << '[' << r.valor->TextoCsv() << ']';
+    text << "error " << r.error;
+  } else if (r.value) {
+    text << '[' << r.value->CsvText() << ']';
   }
-  return texto.str();
+  return text.str();
 }
 
 class Conformance : public testing::TestWithParam<const char*> {};
 
 TEST_P(Conformance, RowsHold) {
-  const std::filesystem::path ruta = std::filesystem::path(support::SourceDir()) / "tests/data/conformance" /
+  const std::filesystem::path path = std::filesystem::path(support::SourceDir()) / "tests/data/conformance" /
                                      (std::string(GetParam()) + ".tsv");
-  int pasan = 0, fallan = 0;
-  std::map<std::string, int> ajenas;
-  for (const conformance::Fila& fila : conformance::LeerTabla(ruta).filas) {
-    const auto funcion = Funciones().find(fila.funcion);
-    if (funcion == Funciones().end()) {
-      ++ajenas[fila.funcion];
+  int passed = 0, failed = 0;
+  std::map<std::string, int> not_served;
+  for (const conformance::Row& row : conformance::ReadTable(path).rows) {
+    const auto function = Functions().find(row.function);
+    if (function == Functions().end()) {
+      ++not_served[row.function];
       continue;
     }
-    const Locale& locale = fila.locale == "en" ? Locale::ingles() : Locale::espanol();
-    Resultado r;
+    const Locale& locale = row.locale == "en" ? Locale::english() : Locale::spanish();
+    Result r;
     try {
-      r.valor = funcion->second({fila.args, locale});
+      r.value = function->second({row.args, locale});
     } catch (const base::Error& e) {
-      r.error = e.Numero();
-    } catch (const NoServido&) {
-      ++ajenas[fila.funcion + " of such an argument"];
+      r.error = e.Number();
+    } catch (const NotServed&) {
+      ++not_served[row.function + " of such an argument"];
       continue;
     }
-    const bool bien = Coincide(r, fila.espera);
-    ++(bien ? pasan : fallan);
-    EXPECT_TRUE(bien) << fila.id << " in " << fila.locale << " gave " << Mostrar(r) << ", expected "
-                      << fila.espera.Escrito();
+    const bool ok = Matches(r, row.expected);
+    ++(ok ? passed : failed);
+    EXPECT_TRUE(ok) << row.id << " in " << row.locale << " gave " << Show(r) << ", expected "
+                    << row.expected.Written();
   }
-  std::cout << GetParam() << ": " << pasan << " rows hold, " << fallan << " do not";
-  for (const auto& [que, cuantas] : ajenas) std::cout << "; " << cuantas << " not served (" << que << ")";
+  std::cout << GetParam() << ": " << passed << " rows hold, " << failed << " do not";
+  for (const auto& [what, count] : not_served) std::cout << "; " << count << " not served (" << what << ")";
   std::cout << "\n";
-  EXPECT_GT(pasan, 0);
+  EXPECT_GT(passed, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Tables, Conformance,
                          testing::Values("val", "cnum", "isnumeric", "cstr", "round", "date_parse",
                                          "date_serial", "date_math", "format_num", "format_date",
                                          "format_text"),
-                         [](const auto& caso) { return std::string(caso.param); });
+                         [](const auto& test_case) { return std::string(test_case.param); });
 
 }  // namespace

@@ -11,326 +11,326 @@
 #include "base/format.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "base/valor.h"
+#include "base/value.h"
 #include "support/data_test.h"
 
 namespace {
 
-using base::Fecha;
+using base::Date;
 using base::Locale;
-using base::Valor;
-using support::Bloque;
+using base::Value;
+using support::Block;
 
-const Fecha kHoy = base::FechaDe(2026, 5, 20);  // a Wednesday
+const Date kToday = base::MakeDate(2026, 5, 20);  // a Wednesday
 
-std::string Desescapar(const std::string& texto) {
-  std::string salida;
-  for (std::size_t i = 0; i < texto.size(); ++i) {
-    if (texto[i] != '\\' || i + 1 == texto.size()) {
-      salida += texto[i];
+std::string Unescape(const std::string& text) {
+  std::string output;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\' || i + 1 == text.size()) {
+      output += text[i];
       continue;
     }
-    const char c = texto[++i];
-    salida += c == 't' ? '\t' : c == 'n' ? '\n' : c == 'r' ? '\r' : c;
+    const char c = text[++i];
+    output += c == 't' ? '\t' : c == 'n' ? '\n' : c == 'r' ? '\r' : c;
   }
-  return salida;
+  return output;
 }
 
-std::string Argumento(std::string_view linea) {
-  if (linea.size() < 2 || linea.front() != '"' || linea.back() != '"') return std::string(linea);
-  return Desescapar(std::string(linea.substr(1, linea.size() - 2)));
+std::string Argument(std::string_view line) {
+  if (line.size() < 2 || line.front() != '"' || line.back() != '"') return std::string(line);
+  return Unescape(std::string(line.substr(1, line.size() - 2)));
 }
 
 // The fields of a line, parted by " ~ ".
-std::vector<std::string> Campos(const std::string& linea) {
-  auto campos = base::Split(linea, " ~ ");
-  for (auto& c : campos) c = Argumento(c);
-  return campos;
+std::vector<std::string> Fields(const std::string& line) {
+  auto fields = base::Split(line, " ~ ");
+  for (auto& c : fields) c = Argument(c);
+  return fields;
 }
 
-std::string Visible(const std::string& texto) { return texto.empty() ? "(empty)" : texto; }
+std::string Visible(const std::string& text) { return text.empty() ? "(empty)" : text; }
 
-std::string Fechar(Fecha f) { return base::FechaIso(f); }
+std::string ShowDate(Date f) { return base::IsoDate(f); }
 
-Fecha Leer(std::string_view texto) {
-  const auto f = base::FechaDeLiteral(texto, kHoy);
-  if (!f) throw std::runtime_error("not a date: " + std::string(texto));
+Date Read(std::string_view text) {
+  const auto f = base::DateFromLiteral(text, kToday);
+  if (!f) throw std::runtime_error("not a date: " + std::string(text));
   return *f;
 }
 
-double Doble(const std::string& texto) { return std::stod(texto); }
+double Double(const std::string& text) { return std::stod(text); }
 
 // A typed value: Null, True, False, #date#, "text", 1.5! single, 15000@ currency in ten-thousandths, 5
 // integer, 5.0 number, serial:5 a date of that serial.
-Valor Tipado(const std::string& t) {
-  if (t == "Null") return base::Nulo{};
+Value Typed(const std::string& t) {
+  if (t == "Null") return base::Null{};
   if (t == "True" || t == "False") return t == "True";
-  if (t.size() > 1 && t.front() == '#' && t.back() == '#') return Leer(t.substr(1, t.size() - 2));
-  if (t.size() > 1 && t.front() == '"' && t.back() == '"') return Argumento(t);
-  if (base::EmpiezaCon(t, "serial:")) return Fecha{Doble(t.substr(7))};
+  if (t.size() > 1 && t.front() == '#' && t.back() == '#') return Read(t.substr(1, t.size() - 2));
+  if (t.size() > 1 && t.front() == '"' && t.back() == '"') return Argument(t);
+  if (base::StartsWith(t, "serial:")) return Date{Double(t.substr(7))};
   if (t.back() == '!') return std::stof(t.substr(0, t.size() - 1));
-  if (t.back() == '@') return base::Moneda{std::stoll(t.substr(0, t.size() - 1))};
+  if (t.back() == '@') return base::Currency{std::stoll(t.substr(0, t.size() - 1))};
   if (t.find_first_of(".en") == std::string::npos) return static_cast<std::int64_t>(std::stoll(t));
-  return Doble(t);
+  return Double(t);
 }
 
-using PorLinea = std::function<std::string(const std::string& linea, const Bloque& bloque)>;
+using PerLine = std::function<std::string(const std::string& line, const Block& block)>;
 
-support::Verbo CadaLinea(PorLinea f) {
-  return [f = std::move(f)](const Bloque& bloque) {
-    std::string salida;
-    for (const auto& linea : base::Split(bloque.entrada, "\n")) {
-      if (!salida.empty()) salida += '\n';
+support::Verb ForEachLine(PerLine f) {
+  return [f = std::move(f)](const Block& block) {
+    std::string output;
+    for (const auto& line : base::Split(block.entry, "\n")) {
+      if (!output.empty()) output += '\n';
       try {
-        salida += f(linea, bloque);
+        output += f(line, block);
       } catch (const base::Error& e) {
-        salida += "error ";
-        salida += std::to_string(e.Numero());
+        output += "error ";
+        output += std::to_string(e.Number());
       }
     }
-    return salida;
+    return output;
   };
 }
 
-const Locale& LocaleDe(const Bloque& b) { return b.Tiene("en") ? Locale::ingles() : Locale::espanol(); }
+const Locale& LocaleOf(const Block& b) { return b.Has("en") ? Locale::english() : Locale::spanish(); }
 
-std::string Numero(std::optional<double> n) { return n ? base::SqlDeNumero(*n) : "none"; }
+std::string Number(std::optional<double> n) { return n ? base::SqlNumber(*n) : "none"; }
 
 std::string Infinite(double n) {
   if (std::isinf(n)) return n < 0 ? "-infinity" : "infinity";
-  return base::SqlDeNumero(n);
+  return base::SqlNumber(n);
 }
 
-void VerbosDeNumeros(support::Verbos& v) {
-  v["number"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const std::string texto = Argumento(l);
-    const auto n = base::NumeroDeTexto(texto, LocaleDe(b));
-    if (n.has_value() != base::EsNumero(texto, LocaleDe(b))) return std::string("EsNumero disagrees");
-    return Numero(n);
+void NumberVerbs(support::Verbs& v) {
+  v["number"] = ForEachLine([](const std::string& l, const Block& b) {
+    const std::string text = Argument(l);
+    const auto n = base::NumberFromText(text, LocaleOf(b));
+    if (n.has_value() != base::IsNumber(text, LocaleOf(b))) return std::string("EsNumero disagrees");
+    return Number(n);
   });
-  v["number-or-error"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    return Numero(base::NumeroDeTextoOError(Argumento(l), LocaleDe(b)));
+  v["number-or-error"] = ForEachLine([](const std::string& l, const Block& b) {
+    return Number(base::NumberFromTextOrThrow(Argument(l), LocaleOf(b)));
   });
-  v["dialect-number"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const std::string texto = Argumento(l);
-    const auto n = base::DialectNumber(texto, LocaleDe(b));
-    if (n.has_value() != base::IsNumeric(texto, LocaleDe(b))) return std::string("IsNumeric disagrees");
-    return Numero(n);
+  v["dialect-number"] = ForEachLine([](const std::string& l, const Block& b) {
+    const std::string text = Argument(l);
+    const auto n = base::DialectNumber(text, LocaleOf(b));
+    if (n.has_value() != base::IsNumeric(text, LocaleOf(b))) return std::string("IsNumeric disagrees");
+    return Number(n);
   });
-  v["cdbl"] = CadaLinea(
-      [](const std::string& l, const Bloque& b) { return Numero(base::CDbl(Argumento(l), LocaleDe(b))); });
-  v["val"] = CadaLinea([](const std::string& l, const Bloque&) { return Numero(base::Val(Argumento(l))); });
+  v["cdbl"] = ForEachLine(
+      [](const std::string& l, const Block& b) { return Number(base::CDbl(Argument(l), LocaleOf(b))); });
+  v["val"] = ForEachLine([](const std::string& l, const Block&) { return Number(base::Val(Argument(l))); });
   v["parse"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return Infinite(base::Parse(Argumento(l))); });
-  v["quantity"] = CadaLinea(
-      [](const std::string& l, const Bloque&) { return Infinite(base::ValorNumerico(Argumento(l))); });
-  v["blank"] = CadaLinea([](const std::string& l, const Bloque&) {
-    return std::string(base::IsBlank(Argumento(l)) ? "yes" : "no");
+      ForEachLine([](const std::string& l, const Block&) { return Infinite(base::Parse(Argument(l))); });
+  v["quantity"] = ForEachLine(
+      [](const std::string& l, const Block&) { return Infinite(base::NumericValue(Argument(l))); });
+  v["blank"] = ForEachLine([](const std::string& l, const Block&) {
+    return std::string(base::IsBlank(Argument(l)) ? "yes" : "no");
   });
-  v["plain"] = CadaLinea(
-      [](const std::string& l, const Bloque& b) { return base::PlainNumber(Doble(l), LocaleDe(b).decimal); });
+  v["plain"] = ForEachLine(
+      [](const std::string& l, const Block& b) { return base::PlainNumber(Double(l), LocaleOf(b).decimal); });
   v["plain-single"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return base::PlainSingle(std::stof(l)); });
-  v["double"] = CadaLinea(
-      [](const std::string& l, const Bloque& b) { return base::TextoDeNumero(Doble(l), LocaleDe(b)); });
-  v["single"] = CadaLinea(
-      [](const std::string& l, const Bloque& b) { return base::TextoDeSimple(std::stof(l), LocaleDe(b)); });
+      ForEachLine([](const std::string& l, const Block&) { return base::PlainSingle(std::stof(l)); });
+  v["double"] = ForEachLine(
+      [](const std::string& l, const Block& b) { return base::NumberText(Double(l), LocaleOf(b)); });
+  v["single"] = ForEachLine(
+      [](const std::string& l, const Block& b) { return base::SingleText(std::stof(l), LocaleOf(b)); });
   v["sql-double"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return base::SqlDeNumero(Doble(l)); });
+      ForEachLine([](const std::string& l, const Block&) { return base::SqlNumber(Double(l)); });
   v["sql-single"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return base::SqlDeSimple(std::stof(l)); });
-  v["widen"] = CadaLinea([](const std::string& l, const Bloque&) {
-    return base::SqlDeNumero(base::DobleDeSimple(std::stof(l)));
+      ForEachLine([](const std::string& l, const Block&) { return base::SqlSingle(std::stof(l)); });
+  v["widen"] = ForEachLine(
+      [](const std::string& l, const Block&) { return base::SqlNumber(base::DoubleOfSingle(std::stof(l))); });
+  v["round"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
+    return base::SqlNumber(base::Round(Double(c.at(0)), std::stoi(c.at(1))));
   });
-  v["round"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
-    return base::SqlDeNumero(base::Redondear(Doble(c.at(0)), std::stoi(c.at(1))));
+  v["whole"] = ForEachLine([](const std::string& l, const Block& b) {
+    const double n = Double(l);
+    if (b.Has("16")) return std::to_string(base::Integer16(n));
+    return std::to_string(b.Has("32") ? base::Integer32(n) : base::BankersInteger(n));
   });
-  v["whole"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const double n = Doble(l);
-    if (b.Tiene("16")) return std::to_string(base::Entero16(n));
-    return std::to_string(b.Tiene("32") ? base::Entero32(n) : base::EnteroBancario(n));
-  });
-  v["hex"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const auto n = base::EnteroHexOctal(Argumento(l), std::stoi(b.Opcion("bits")));
+  v["hex"] = ForEachLine([](const std::string& l, const Block& b) {
+    const auto n = base::HexOctalInteger(Argument(l), std::stoi(b.Option("bits")));
     return n ? std::to_string(*n) : std::string("none");
   });
 }
 
-void VerbosDeFechas(support::Verbos& v) {
-  v["date"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const auto f = base::FechaDeTexto(Argumento(l), kHoy, LocaleDe(b));
-    return f ? Fechar(*f) : std::string("none");
+void DateVerbs(support::Verbs& v) {
+  v["date"] = ForEachLine([](const std::string& l, const Block& b) {
+    const auto f = base::DateFromText(Argument(l), kToday, LocaleOf(b));
+    return f ? ShowDate(*f) : std::string("none");
   });
-  v["isdate"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    return std::string(base::EsFecha(Argumento(l), kHoy, LocaleDe(b)) ? "yes" : "no");
+  v["isdate"] = ForEachLine([](const std::string& l, const Block& b) {
+    return std::string(base::IsDate(Argument(l), kToday, LocaleOf(b)) ? "yes" : "no");
   });
-  v["literal"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto f = base::FechaDeLiteral(Argumento(l), kHoy);
-    return f ? Fechar(*f) : std::string("none");
+  v["literal"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto f = base::DateFromLiteral(Argument(l), kToday);
+    return f ? ShowDate(*f) : std::string("none");
   });
-  v["serial"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
-    return Fechar(base::FechaDe(std::stoi(c.at(0)), std::stoi(c.at(1)), std::stoi(c.at(2))));
+  v["serial"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
+    return ShowDate(base::MakeDate(std::stoi(c.at(0)), std::stoi(c.at(1)), std::stoi(c.at(2))));
   });
-  v["time"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
-    return Fechar(base::HoraDe(std::stoi(c.at(0)), std::stoi(c.at(1)), std::stoi(c.at(2))));
+  v["time"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
+    return ShowDate(base::MakeTime(std::stoi(c.at(0)), std::stoi(c.at(1)), std::stoi(c.at(2))));
   });
-  v["from-serial"] = CadaLinea([](const std::string& l, const Bloque&) { return Fechar({Doble(l)}); });
+  v["from-serial"] = ForEachLine([](const std::string& l, const Block&) { return ShowDate({Double(l)}); });
   v["to-serial"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return base::SqlDeNumero(Leer(l).serie); });
-  v["show-date"] = CadaLinea(
-      [](const std::string& l, const Bloque& b) { return base::TextoDeFecha(Leer(l), LocaleDe(b)); });
-  v["sql-date"] = CadaLinea([](const std::string& l, const Bloque&) { return base::FechaMMddyyyy(Leer(l)); });
-  v["first-day"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return Fechar(base::PrimerDiaDelMes(Leer(l))); });
+      ForEachLine([](const std::string& l, const Block&) { return base::SqlNumber(Read(l).serial); });
+  v["show-date"] =
+      ForEachLine([](const std::string& l, const Block& b) { return base::DateText(Read(l), LocaleOf(b)); });
+  v["sql-date"] = ForEachLine([](const std::string& l, const Block&) { return base::DateMMddyyyy(Read(l)); });
+  v["first-day"] = ForEachLine(
+      [](const std::string& l, const Block&) { return ShowDate(base::FirstDayOfMonth(Read(l))); });
   v["last-day"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return Fechar(base::LastDayOfMonth(Leer(l))); });
+      ForEachLine([](const std::string& l, const Block&) { return ShowDate(base::LastDayOfMonth(Read(l))); });
   v["weekday"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return std::to_string(base::DiaSemana(Leer(l))); });
-  v["dateadd"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
-    return Fechar(base::DateAdd(c.at(0), Doble(c.at(1)), Leer(c.at(2))));
+      ForEachLine([](const std::string& l, const Block&) { return std::to_string(base::Weekday(Read(l))); });
+  v["dateadd"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
+    return ShowDate(base::DateAdd(c.at(0), Double(c.at(1)), Read(c.at(2))));
   });
-  v["datediff"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const auto c = Campos(l);
+  v["datediff"] = ForEachLine([](const std::string& l, const Block& b) {
+    const auto c = Fields(l);
     return std::to_string(
-        base::DateDiff(c.at(0), Leer(c.at(1)), Leer(c.at(2)), std::stoi(b.Opcion("first", "1"))));
+        base::DateDiff(c.at(0), Read(c.at(1)), Read(c.at(2)), std::stoi(b.Option("first", "1"))));
   });
-  v["datepart"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const auto c = Campos(l);
-    return std::to_string(base::DatePart(c.at(0), Leer(c.at(1)), std::stoi(b.Opcion("first", "1")),
-                                         std::stoi(b.Opcion("week", "1"))));
+  v["datepart"] = ForEachLine([](const std::string& l, const Block& b) {
+    const auto c = Fields(l);
+    return std::to_string(base::DatePart(c.at(0), Read(c.at(1)), std::stoi(b.Option("first", "1")),
+                                         std::stoi(b.Option("week", "1"))));
   });
 }
 
-void VerbosDeValores(support::Verbos& v) {
+void ValueVerbs(support::Verbs& v) {
   // value ~ mask
-  v["format"] = CadaLinea([](const std::string& l, const Bloque& b) {
+  v["format"] = ForEachLine([](const std::string& l, const Block& b) {
     const auto c = base::Split(l, " ~ ");
-    return Visible(base::Format(Tipado(c.at(0)), c.at(1), kHoy, LocaleDe(b),
-                                std::stoi(b.Opcion("first", "1")), std::stoi(b.Opcion("week", "1"))));
+    return Visible(base::Format(Typed(c.at(0)), c.at(1), kToday, LocaleOf(b),
+                                std::stoi(b.Option("first", "1")), std::stoi(b.Option("week", "1"))));
   });
   v["cstr"] =
-      CadaLinea([](const std::string& l, const Bloque& b) { return Visible(Tipado(l).Texto(LocaleDe(b))); });
-  v["csv"] = CadaLinea([](const std::string& l, const Bloque&) { return Visible(Tipado(l).TextoCsv()); });
+      ForEachLine([](const std::string& l, const Block& b) { return Visible(Typed(l).Text(LocaleOf(b))); });
+  v["csv"] = ForEachLine([](const std::string& l, const Block&) { return Visible(Typed(l).CsvText()); });
   v["cdbl-value"] =
-      CadaLinea([](const std::string& l, const Bloque& b) { return Numero(Tipado(l).Numero(LocaleDe(b))); });
+      ForEachLine([](const std::string& l, const Block& b) { return Number(Typed(l).Number(LocaleOf(b))); });
   v["number-or-0"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return Numero(Tipado(l).NumeroOCero()); });
-  v["clng"] = CadaLinea(
-      [](const std::string& l, const Bloque& b) { return std::to_string(Tipado(l).Entero(LocaleDe(b))); });
-  v["cint"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    return std::to_string(Tipado(l).EnteroCorto(LocaleDe(b)));
+      ForEachLine([](const std::string& l, const Block&) { return Number(Typed(l).NumberOrZero()); });
+  v["clng"] = ForEachLine(
+      [](const std::string& l, const Block& b) { return std::to_string(Typed(l).Integer(LocaleOf(b))); });
+  v["cint"] = ForEachLine([](const std::string& l, const Block& b) {
+    return std::to_string(Typed(l).ShortInteger(LocaleOf(b)));
   });
-  v["cbool"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    return std::string(Tipado(l).Booleano(LocaleDe(b)) ? "True" : "False");
+  v["cbool"] = ForEachLine([](const std::string& l, const Block& b) {
+    return std::string(Typed(l).Boolean(LocaleOf(b)) ? "True" : "False");
   });
 }
 
-base::Comparar Modo(const Bloque& b) {
-  return b.Tiene("nocase") ? base::Comparar::SinCaso : base::Comparar::Exacto;
+base::Compare ModeOf(const Block& b) {
+  return b.Has("nocase") ? base::Compare::IgnoringCase : base::Compare::Exact;
 }
 
-void VerbosDeTextos(support::Verbos& v) {
-  v["upper"] = CadaLinea([](const std::string& l, const Bloque&) { return base::Mayusculas(Argumento(l)); });
-  v["lower"] = CadaLinea([](const std::string& l, const Bloque&) { return base::Minusculas(Argumento(l)); });
-  v["equal-nocase"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
-    return std::string(base::IgualSinCaso(c.at(0), c.at(1)) ? "yes" : "no");
+void TextVerbs(support::Verbs& v) {
+  v["upper"] = ForEachLine([](const std::string& l, const Block&) { return base::UpperCase(Argument(l)); });
+  v["lower"] = ForEachLine([](const std::string& l, const Block&) { return base::LowerCase(Argument(l)); });
+  v["equal-nocase"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
+    return std::string(base::EqualIgnoringCase(c.at(0), c.at(1)) ? "yes" : "no");
   });
-  v["trim"] = CadaLinea([](const std::string& l, const Bloque&) {
-    return base::Join({"[", base::Reemplazar(base::Trim(Argumento(l)), "\t", "\\t"), "]"}, "");
+  v["trim"] = ForEachLine([](const std::string& l, const Block&) {
+    return base::Join({"[", base::Replace(base::Trim(Argument(l)), "\t", "\\t"), "]"}, "");
   });
-  v["length"] = CadaLinea(
-      [](const std::string& l, const Bloque&) { return std::to_string(base::Longitud(Argumento(l))); });
-  v["mid"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
+  v["length"] = ForEachLine(
+      [](const std::string& l, const Block&) { return std::to_string(base::Length(Argument(l))); });
+  v["mid"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
     if (c.size() == 2) return Visible(base::Mid(c[0], std::stol(c[1])));
     return Visible(base::Mid(c.at(0), std::stol(c.at(1)), std::stol(c.at(2))));
   });
-  v["left"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
+  v["left"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
     return Visible(base::Left(c.at(0), std::stol(c.at(1))));
   });
-  v["right"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
+  v["right"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
     return Visible(base::Right(c.at(0), std::stol(c.at(1))));
   });
-  v["find"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const auto c = Campos(l);
-    const std::size_t desde = c.size() > 2 ? std::stoul(c[2]) : 0;
-    const std::size_t i = base::Buscar(c.at(0), c.at(1), desde, Modo(b));
+  v["find"] = ForEachLine([](const std::string& l, const Block& b) {
+    const auto c = Fields(l);
+    const std::size_t from = c.size() > 2 ? std::stoul(c[2]) : 0;
+    const std::size_t i = base::Find(c.at(0), c.at(1), from, ModeOf(b));
     return i == std::string::npos ? std::string("none") : std::to_string(i);
   });
-  v["replace"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const auto c = Campos(l);
-    return Visible(base::Reemplazar(c.at(0), c.at(1), c.at(2), Modo(b)));
+  v["replace"] = ForEachLine([](const std::string& l, const Block& b) {
+    const auto c = Fields(l);
+    return Visible(base::Replace(c.at(0), c.at(1), c.at(2), ModeOf(b)));
   });
-  v["split"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
-    const auto piezas = base::Split(c.at(0), c.at(1));
-    return base::Join({std::to_string(piezas.size()), base::Join(piezas, "|")}, " ");
+  v["split"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
+    const auto pieces = base::Split(c.at(0), c.at(1));
+    return base::Join({std::to_string(pieces.size()), base::Join(pieces, "|")}, " ");
   });
-  v["lines"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const std::string text = Argumento(l);
+  v["lines"] = ForEachLine([](const std::string& l, const Block&) {
+    const std::string text = Argument(l);
     std::string shown;
     for (const auto line : base::SplitLines(text)) shown.append("[").append(line).append("]");
     return shown;
   });
-  v["starts"] = CadaLinea([](const std::string& l, const Bloque& b) {
-    const auto c = Campos(l);
-    return std::string(base::EmpiezaCon(c.at(0), c.at(1), Modo(b)) ? "yes" : "no");
+  v["starts"] = ForEachLine([](const std::string& l, const Block& b) {
+    const auto c = Fields(l);
+    return std::string(base::StartsWith(c.at(0), c.at(1), ModeOf(b)) ? "yes" : "no");
   });
-  v["ends"] = CadaLinea([](const std::string& l, const Bloque&) {
-    const auto c = Campos(l);
-    return std::string(base::TerminaCon(c.at(0), c.at(1)) ? "yes" : "no");
+  v["ends"] = ForEachLine([](const std::string& l, const Block&) {
+    const auto c = Fields(l);
+    return std::string(base::EndsWith(c.at(0), c.at(1)) ? "yes" : "no");
   });
   v["quotes"] =
-      CadaLinea([](const std::string& l, const Bloque&) { return base::DoblarComillas(Argumento(l)); });
+      ForEachLine([](const std::string& l, const Block&) { return base::EscapeQuotes(Argument(l)); });
 }
 
-std::string DeHex(const std::string& texto) {
+std::string FromHex(const std::string& text) {
   std::string bytes;
-  for (const auto& par : base::Split(texto, " "))
-    if (!par.empty()) bytes += static_cast<char>(std::stoi(par, nullptr, 16));
+  for (const auto& pair : base::Split(text, " "))
+    if (!pair.empty()) bytes += static_cast<char>(std::stoi(pair, nullptr, 16));
   return bytes;
 }
 
-std::string AHex(std::string_view bytes) {
-  constexpr std::string_view kCifras = "0123456789ABCDEF";
-  std::string texto;
+std::string ToHex(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text;
   for (const char c : bytes) {
     const auto b = static_cast<unsigned char>(c);
-    if (!texto.empty()) texto += ' ';
-    texto += kCifras[b >> 4];
-    texto += kCifras[b & 15];
+    if (!text.empty()) text += ' ';
+    text += kDigits[b >> 4];
+    text += kDigits[b & 15];
   }
-  return Visible(texto);
+  return Visible(text);
 }
 
-void VerbosDePaginas(support::Verbos& v) {
-  v["decode-page"] = CadaLinea([](const std::string& l, const Bloque&) { return base::DeCp1252(DeHex(l)); });
-  v["encode-page"] = CadaLinea([](const std::string& l, const Bloque&) {
-    std::size_t perdidos = 99;
-    const std::string bytes = base::ACp1252(l, &perdidos);
-    return base::Join({AHex(bytes), "lost", std::to_string(perdidos)}, " ");
+void CodePageVerbs(support::Verbs& v) {
+  v["decode-page"] =
+      ForEachLine([](const std::string& l, const Block&) { return base::FromCp1252(FromHex(l)); });
+  v["encode-page"] = ForEachLine([](const std::string& l, const Block&) {
+    std::size_t lost = 99;
+    const std::string bytes = base::ToCp1252(l, &lost);
+    return base::Join({ToHex(bytes), "lost", std::to_string(lost)}, " ");
   });
-  v["decode-file"] = CadaLinea(
-      [](const std::string& l, const Bloque&) { return Visible(base::DecodificarArchivo(DeHex(l))); });
+  v["decode-file"] =
+      ForEachLine([](const std::string& l, const Block&) { return Visible(base::DecodeFile(FromHex(l))); });
 }
 
-support::Verbos Preparar() {
-  support::Verbos v;
-  VerbosDeNumeros(v);
-  VerbosDeFechas(v);
-  VerbosDeValores(v);
-  VerbosDeTextos(v);
-  VerbosDePaginas(v);
+support::Verbs Prepare() {
+  support::Verbs v;
+  NumberVerbs(v);
+  DateVerbs(v);
+  ValueVerbs(v);
+  TextVerbs(v);
+  CodePageVerbs(v);
   return v;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) { return support::EjecutarArchivos(argc, argv, Preparar); }
+int main(int argc, char** argv) { return support::RunFiles(argc, argv, Prepare); }

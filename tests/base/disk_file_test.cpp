@@ -15,114 +15,113 @@
 
 namespace {
 
-using base::DiscoDelSistema;
-using base::ErrorDeDisco;
-using base::FallaDisco;
-using base::ModoArchivo;
-using support::CarpetaTemporal;
+using base::DiskError;
+using base::DiskFault;
+using base::FileMode;
+using base::SystemDisk;
+using support::TempFolder;
 
-using Tres = std::array<std::uint8_t, 3>;
+using Three = std::array<std::uint8_t, 3>;
 
 // The failure of an action, and its text.
-template <typename Accion>
-std::pair<FallaDisco, std::string> Falla(Accion&& accion) {
+template <typename Action>
+std::pair<DiskFault, std::string> FailureOf(Action&& action) {
   try {
-    accion();
-  } catch (const ErrorDeDisco& e) {
-    return {e.Falla(), e.Descripcion()};
+    action();
+  } catch (const DiskError& e) {
+    return {e.Fault(), e.Description()};
   }
   ADD_FAILURE() << "no error";
   return {};
 }
 
-TEST(DiscoDelSistema, ReadsAndWritesInPlace) {
-  const CarpetaTemporal c;
-  DiscoDelSistema disco;
-  const auto a = disco.Abrir(c.Escribir("ñandú.bin", "0123456789"), ModoArchivo::Escritura);
-  a->Escribir(4, Tres{'a', 'b', 'c'});
-  a->Escribir(11, Tres{'x', 'y', 'z'});
-  EXPECT_EQ(a->Largo(), 14U);
-  EXPECT_EQ(c.Leer("ñandú.bin"), std::string("0123abc789\0xyz", 14));
-  Tres leido{};
-  EXPECT_EQ(a->Leer(5, leido), 3U);
-  EXPECT_EQ(leido, (Tres{'b', 'c', '7'}));
-  EXPECT_EQ(a->Leer(13, leido), 1U);
-  EXPECT_EQ(a->Leer(14, leido), 0U);
-  EXPECT_EQ(a->Leer(std::uint64_t{1} << 40, leido), 0U);
-  a->CambiarLargo(2);
-  a->CambiarLargo(4);
-  a->Sincronizar();
-  EXPECT_EQ(c.Leer("ñandú.bin"), std::string("01\0\0", 4));
+TEST(SystemDisk, ReadsAndWritesInPlace) {
+  const TempFolder c;
+  SystemDisk disk;
+  const auto a = disk.Open(c.Write("ñandú.bin", "0123456789"), FileMode::Write);
+  a->Write(4, Three{'a', 'b', 'c'});
+  a->Write(11, Three{'x', 'y', 'z'});
+  EXPECT_EQ(a->Length(), 14U);
+  EXPECT_EQ(c.Read("ñandú.bin"), std::string("0123abc789\0xyz", 14));
+  Three read{};
+  EXPECT_EQ(a->Read(5, read), 3U);
+  EXPECT_EQ(read, (Three{'b', 'c', '7'}));
+  EXPECT_EQ(a->Read(13, read), 1U);
+  EXPECT_EQ(a->Read(14, read), 0U);
+  EXPECT_EQ(a->Read(std::uint64_t{1} << 40, read), 0U);
+  a->Resize(2);
+  a->Resize(4);
+  a->Sync();
+  EXPECT_EQ(c.Read("ñandú.bin"), std::string("01\0\0", 4));
 }
 
-TEST(DiscoDelSistema, PositionsAre64BitsWide) {
-  const CarpetaTemporal c;
-  DiscoDelSistema disco;
-  const auto a = disco.Abrir(c.Ruta("grande"), ModoArchivo::Nuevo);
-  const std::uint64_t lejos = (std::uint64_t{1} << 32) + 5;
-  a->Escribir(lejos, Tres{1, 2, 3});
-  EXPECT_EQ(a->Largo(), lejos + 3);
-  Tres leido{};
-  EXPECT_EQ(a->Leer(5, leido), 3U);
-  EXPECT_EQ(leido, Tres{});
-  EXPECT_EQ(a->Leer(lejos, leido), 3U);
-  EXPECT_EQ(leido, (Tres{1, 2, 3}));
+TEST(SystemDisk, PositionsAre64BitsWide) {
+  const TempFolder c;
+  SystemDisk disk;
+  const auto a = disk.Open(c.Path("grande"), FileMode::New);
+  const std::uint64_t far_away = (std::uint64_t{1} << 32) + 5;
+  a->Write(far_away, Three{1, 2, 3});
+  EXPECT_EQ(a->Length(), far_away + 3);
+  Three read{};
+  EXPECT_EQ(a->Read(5, read), 3U);
+  EXPECT_EQ(read, Three{});
+  EXPECT_EQ(a->Read(far_away, read), 3U);
+  EXPECT_EQ(read, (Three{1, 2, 3}));
 }
 
-TEST(DiscoDelSistema, OpeningAndReadingLeaveTheDateAndSettingItWorks) {
-  const CarpetaTemporal c;
-  DiscoDelSistema disco;
-  const std::string ruta = c.Escribir("a", "abc");
-  const auto ayer = std::filesystem::last_write_time(ruta) - std::chrono::hours(24);
-  std::filesystem::last_write_time(ruta, ayer);
+TEST(SystemDisk, OpeningAndReadingLeaveTheDateAndSettingItWorks) {
+  const TempFolder c;
+  SystemDisk disk;
+  const std::string path = c.Write("a", "abc");
+  const auto yesterday = std::filesystem::last_write_time(path) - std::chrono::hours(24);
+  std::filesystem::last_write_time(path, yesterday);
   {
-    const auto a = disco.Abrir(ruta, ModoArchivo::Escritura);
-    Tres leido{};
-    a->Leer(0, leido);
-    a->Sincronizar();
+    const auto a = disk.Open(path, FileMode::Write);
+    Three read{};
+    a->Read(0, read);
+    a->Sync();
   }
-  EXPECT_EQ(std::filesystem::last_write_time(ruta), ayer);
-  const auto a = disco.Abrir(ruta, ModoArchivo::Escritura);
-  const std::int64_t antes = a->Fecha();
-  a->Escribir(0, Tres{1, 2, 3});
-  EXPECT_GT(a->Fecha(), antes);
+  EXPECT_EQ(std::filesystem::last_write_time(path), yesterday);
+  const auto a = disk.Open(path, FileMode::Write);
+  const std::int64_t before = a->Date();
+  a->Write(0, Three{1, 2, 3});
+  EXPECT_GT(a->Date(), before);
   // A second, in either direction, and a microsecond that is told apart.
-  for (const std::int64_t fecha : {disco.Ahora(), disco.Ahora() - 1'000'000 * disco.Microsegundo(),
-                                   disco.Ahora() + disco.Microsegundo()}) {
-    a->PonerFecha(fecha);
-    EXPECT_LT(std::abs(a->Fecha() - fecha), disco.Microsegundo()) << "a disk whose dates are coarse";
+  for (const std::int64_t date :
+       {disk.Now(), disk.Now() - 1'000'000 * disk.Microsecond(), disk.Now() + disk.Microsecond()}) {
+    a->SetDate(date);
+    EXPECT_LT(std::abs(a->Date() - date), disk.Microsecond()) << "a disk whose dates are coarse";
   }
 }
 
-TEST(DiscoDelSistema, ErrorsTellTheReason) {
-  const CarpetaTemporal c;
-  DiscoDelSistema disco;
-  const std::string hay = c.Escribir("hay.bin", "x"), falta = c.Ruta("falta.bin");
-  EXPECT_EQ(Falla([&] { disco.Abrir(falta, ModoArchivo::Lectura); }),
-            std::pair(FallaDisco::NoExiste, std::string("No se puede abrir falta.bin: no existe")));
-  EXPECT_EQ(Falla([&] { disco.Abrir(c.Ruta("no/hay"), ModoArchivo::Escritura); }).first,
-            FallaDisco::NoExiste);
-  EXPECT_EQ(Falla([&] { disco.Abrir(hay, ModoArchivo::Nuevo); }),
-            std::pair(FallaDisco::YaExiste, std::string("No se puede crear hay.bin: ya existe")));
-  EXPECT_EQ(Falla([&] { disco.Borrar(falta); }).first, FallaDisco::NoExiste);
-  EXPECT_EQ(Falla([&] { disco.Mover(hay, c.Escribir("otro.bin", "y")); }).first, FallaDisco::YaExiste);
-  EXPECT_EQ(c.Leer("otro.bin"), "y");
+TEST(SystemDisk, ErrorsTellTheReason) {
+  const TempFolder c;
+  SystemDisk disk;
+  const std::string found = c.Write("hay.bin", "x"), missing = c.Path("falta.bin");
+  EXPECT_EQ(FailureOf([&] { disk.Open(missing, FileMode::Read); }),
+            std::pair(DiskFault::NotFound, std::string("No se puede abrir falta.bin: no existe")));
+  EXPECT_EQ(FailureOf([&] { disk.Open(c.Path("no/hay"), FileMode::Write); }).first, DiskFault::NotFound);
+  EXPECT_EQ(FailureOf([&] { disk.Open(found, FileMode::New); }),
+            std::pair(DiskFault::AlreadyExists, std::string("No se puede crear hay.bin: ya existe")));
+  EXPECT_EQ(FailureOf([&] { disk.Delete(missing); }).first, DiskFault::NotFound);
+  EXPECT_EQ(FailureOf([&] { disk.Move(found, c.Write("otro.bin", "y")); }).first, DiskFault::AlreadyExists);
+  EXPECT_EQ(c.Read("otro.bin"), "y");
   // A folder is no file, however it is asked for.
-  for (const auto modo : {ModoArchivo::Lectura, ModoArchivo::Escritura})
-    EXPECT_THROW(disco.Abrir(c.Carpeta(), modo), ErrorDeDisco);
-  EXPECT_EQ(ErrorDeDisco("No se puede escribir", "/x/a.mdb", FallaDisco::DiscoLleno, {}).Descripcion(),
+  for (const auto mode : {FileMode::Read, FileMode::Write})
+    EXPECT_THROW(disk.Open(c.Folder(), mode), DiskError);
+  EXPECT_EQ(DiskError("No se puede escribir", "/x/a.mdb", DiskFault::DiskFull, {}).Description(),
             "No se puede escribir a.mdb: el disco está lleno");
-  EXPECT_EQ(ErrorDeDisco("No se puede leer", "a.mdb", FallaDisco::Otra, "EIO").Descripcion(),
+  EXPECT_EQ(DiskError("No se puede leer", "a.mdb", DiskFault::Other, "EIO").Description(),
             "No se puede leer a.mdb: falló el disco (EIO)");
 }
 
 #ifndef _WIN32
-TEST(DiscoDelSistema, OnlyRegularFilesAreOpened) {
-  DiscoDelSistema disco;
-  EXPECT_THROW(disco.Abrir("/dev/null", ModoArchivo::Escritura), ErrorDeDisco);
-  const CarpetaTemporal c;
-  ASSERT_EQ(mkfifo(c.Ruta("tubo").c_str(), 0600), 0);
-  EXPECT_THROW(disco.Abrir(c.Ruta("tubo"), ModoArchivo::Lectura), ErrorDeDisco);  // and does not wait
+TEST(SystemDisk, OnlyRegularFilesAreOpened) {
+  SystemDisk disk;
+  EXPECT_THROW(disk.Open("/dev/null", FileMode::Write), DiskError);
+  const TempFolder c;
+  ASSERT_EQ(mkfifo(c.Path("tubo").c_str(), 0600), 0);
+  EXPECT_THROW(disk.Open(c.Path("tubo"), FileMode::Read), DiskError);  // and does not wait
 }
 
 // The administrator may write whatever the permissions say, so a child that gives up that right asks. Its
@@ -132,12 +131,12 @@ int AskedWithoutRights(const std::string& path) {
   if (child == 0) {
     constexpr unsigned kNobody = 65534;
     if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) _exit(1);
-    DiscoDelSistema disk;
-    if (Falla([&] { disk.Abrir(path, ModoArchivo::Escritura); }).first != FallaDisco::SinPermiso) _exit(2);
+    SystemDisk disk;
+    if (FailureOf([&] { disk.Open(path, FileMode::Write); }).first != DiskFault::NoPermission) _exit(2);
     std::array<std::uint8_t, 1> byte{};
     try {
-      _exit(disk.Abrir(path, ModoArchivo::Lectura)->Leer(0, byte) == 1 && byte[0] == 'x' ? 0 : 3);
-    } catch (const ErrorDeDisco&) {
+      _exit(disk.Open(path, FileMode::Read)->Read(0, byte) == 1 && byte[0] == 'x' ? 0 : 3);
+    } catch (const DiskError&) {
       _exit(4);
     }
   }
@@ -146,68 +145,68 @@ int AskedWithoutRights(const std::string& path) {
   return WEXITSTATUS(status);
 }
 
-TEST(DiscoDelSistema, AFileThatMayNotBeWrittenIsTold) {
-  const CarpetaTemporal c;
-  const std::string path = c.Escribir("a", "x");
+TEST(SystemDisk, AFileThatMayNotBeWrittenIsTold) {
+  const TempFolder c;
+  const std::string path = c.Write("a", "x");
   using enum std::filesystem::perms;
-  std::filesystem::permissions(c.Carpeta(), owner_all | group_read | group_exec | others_read | others_exec);
+  std::filesystem::permissions(c.Folder(), owner_all | group_read | group_exec | others_read | others_exec);
   std::filesystem::permissions(path, owner_read | group_read | others_read);
   EXPECT_EQ(AskedWithoutRights(path), 0);
 }
 #endif
 
-TEST(DiscoDelSistema, LocksBelongToOneOpening) {
-  const CarpetaTemporal c;
-  DiscoDelSistema disco;
-  const std::string ruta = c.Escribir("a", "x");
-  auto uno = disco.Abrir(ruta, ModoArchivo::Escritura);
-  const auto otro = disco.Abrir(ruta, ModoArchivo::Lectura);
-  const std::uint64_t lejos = 0x90000000;
-  EXPECT_TRUE(uno->Bloquear(lejos, 1, true));
-  EXPECT_FALSE(otro->Bloquear(lejos, 1, false));
-  EXPECT_TRUE(otro->Bloquear(lejos + 1, 1, false));
-  EXPECT_TRUE(uno->Bloquear(lejos + 1, 1, false));
-  EXPECT_EQ(otro->PrimerBloqueado(lejos, 1), lejos);
-  EXPECT_EQ(otro->PrimerBloqueado(lejos - 10, 10), std::nullopt);
+TEST(SystemDisk, LocksBelongToOneOpening) {
+  const TempFolder c;
+  SystemDisk disk;
+  const std::string path = c.Write("a", "x");
+  auto one = disk.Open(path, FileMode::Write);
+  const auto other = disk.Open(path, FileMode::Read);
+  const std::uint64_t far_away = 0x90000000;
+  EXPECT_TRUE(one->Lock(far_away, 1, true));
+  EXPECT_FALSE(other->Lock(far_away, 1, false));
+  EXPECT_TRUE(other->Lock(far_away + 1, 1, false));
+  EXPECT_TRUE(one->Lock(far_away + 1, 1, false));
+  EXPECT_EQ(other->FirstLocked(far_away, 1), far_away);
+  EXPECT_EQ(other->FirstLocked(far_away - 10, 10), std::nullopt);
   // A third opening that is closed leaves the locks of the others alone.
-  disco.Abrir(ruta, ModoArchivo::Lectura).reset();
-  EXPECT_FALSE(otro->Bloquear(lejos, 1, false));
-  uno->Desbloquear(lejos, 1);
-  EXPECT_TRUE(otro->Bloquear(lejos, 1, false));
-  otro->Desbloquear(lejos, 1);
-  EXPECT_TRUE(uno->Bloquear(lejos, 1, true));
-  uno.reset();
-  EXPECT_EQ(otro->PrimerBloqueado(lejos, 1), std::nullopt);
+  disk.Open(path, FileMode::Read).reset();
+  EXPECT_FALSE(other->Lock(far_away, 1, false));
+  one->Unlock(far_away, 1);
+  EXPECT_TRUE(other->Lock(far_away, 1, false));
+  other->Unlock(far_away, 1);
+  EXPECT_TRUE(one->Lock(far_away, 1, true));
+  one.reset();
+  EXPECT_EQ(other->FirstLocked(far_away, 1), std::nullopt);
 }
 
-TEST(DiscoDelSistema, TheFirstOfManyLocksIsFound) {
-  const CarpetaTemporal c;
-  DiscoDelSistema disco;
-  const std::string ruta = c.Escribir("a", "x");
-  const auto uno = disco.Abrir(ruta, ModoArchivo::Escritura), dos = disco.Abrir(ruta, ModoArchivo::Escritura),
-             tres = disco.Abrir(ruta, ModoArchivo::Escritura);
-  ASSERT_TRUE(uno->Bloquear(0x10000050, 1, true));
-  ASSERT_TRUE(dos->Bloquear(0x10000010, 1, true));
-  ASSERT_TRUE(uno->Bloquear(0x10000030, 1, true));
-  EXPECT_EQ(tres->PrimerBloqueado(0x10000001, 255), 0x10000010U);
-  EXPECT_EQ(dos->PrimerBloqueado(0x10000001, 255), 0x10000030U);  // one's own do not count
-  EXPECT_EQ(tres->PrimerBloqueado(0x10000031, 255), 0x10000050U);
+TEST(SystemDisk, TheFirstOfManyLocksIsFound) {
+  const TempFolder c;
+  SystemDisk disk;
+  const std::string path = c.Write("a", "x");
+  const auto one = disk.Open(path, FileMode::Write), two = disk.Open(path, FileMode::Write),
+             three = disk.Open(path, FileMode::Write);
+  ASSERT_TRUE(one->Lock(0x10000050, 1, true));
+  ASSERT_TRUE(two->Lock(0x10000010, 1, true));
+  ASSERT_TRUE(one->Lock(0x10000030, 1, true));
+  EXPECT_EQ(three->FirstLocked(0x10000001, 255), 0x10000010U);
+  EXPECT_EQ(two->FirstLocked(0x10000001, 255), 0x10000030U);  // one's own do not count
+  EXPECT_EQ(three->FirstLocked(0x10000031, 255), 0x10000050U);
 }
 
-TEST(DiscoDelSistema, MovesAndTellsWhatStandsInAFilesPlace) {
-  const CarpetaTemporal c;
-  DiscoDelSistema disco;
-  const std::string a = c.Escribir("a", "1"), b = c.Ruta("b");
-  const auto abierto = disco.Abrir(a, ModoArchivo::Lectura);
-  EXPECT_TRUE(abierto->SigueEnSuLugar());
-  disco.Mover(a, b);
-  EXPECT_FALSE(disco.Existe(a));
-  EXPECT_EQ(c.Leer("b"), "1");
-  EXPECT_FALSE(abierto->SigueEnSuLugar());
-  c.Escribir("a", "2");
-  EXPECT_FALSE(abierto->SigueEnSuLugar());
-  disco.SincronizarCarpetaDe(a);
-  EXPECT_TRUE(disco.CarpetaAdmiteNuevos(a));
+TEST(SystemDisk, MovesAndTellsWhatStandsInAFilesPlace) {
+  const TempFolder c;
+  SystemDisk disk;
+  const std::string a = c.Write("a", "1"), b = c.Path("b");
+  const auto opened = disk.Open(a, FileMode::Read);
+  EXPECT_TRUE(opened->IsStillInPlace());
+  disk.Move(a, b);
+  EXPECT_FALSE(disk.Exists(a));
+  EXPECT_EQ(c.Read("b"), "1");
+  EXPECT_FALSE(opened->IsStillInPlace());
+  c.Write("a", "2");
+  EXPECT_FALSE(opened->IsStillInPlace());
+  disk.SyncFolderOf(a);
+  EXPECT_TRUE(disk.FolderAllowsNewFiles(a));
 }
 
 }  // namespace

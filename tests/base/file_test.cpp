@@ -11,102 +11,101 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Archivos : public testing::Test {
+class Files : public testing::Test {
  protected:
-  std::string Ruta(const std::string& nombre) const { return base::UnirRuta(carpeta_.string(), nombre); }
-  std::size_t Cuantos() const {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(carpeta_), fs::directory_iterator()));
+  std::string Path(const std::string& name) const { return base::JoinPath(folder_.string(), name); }
+  std::size_t CountFiles() const {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
   }
 
-  support::CarpetaTemporal temporal_;
-  fs::path carpeta_ = temporal_.Carpeta();
+  support::TempFolder temp_;
+  fs::path folder_ = temp_.Folder();
 };
 
-TEST_F(Archivos, BytesComeBackAsTheyWereWritten) {
+TEST_F(Files, BytesComeBackAsTheyWereWritten) {
   std::string bytes("a\r\nb\n\0\xFF\x1A", 8);
   bytes += std::string(200000, 'x');
-  ASSERT_TRUE(base::EscribirArchivo(Ruta("año.ini"), bytes));
-  EXPECT_EQ(base::LeerArchivo(Ruta("año.ini")), bytes);
-  ASSERT_TRUE(base::EscribirArchivo(Ruta("año.ini"), ""));
-  EXPECT_EQ(base::LeerArchivo(Ruta("año.ini")), "");
-  EXPECT_EQ(Cuantos(), 1U);  // nothing is left beside it
+  ASSERT_TRUE(base::WriteWholeFile(Path("año.ini"), bytes));
+  EXPECT_EQ(base::ReadWholeFile(Path("año.ini")), bytes);
+  ASSERT_TRUE(base::WriteWholeFile(Path("año.ini"), ""));
+  EXPECT_EQ(base::ReadWholeFile(Path("año.ini")), "");
+  EXPECT_EQ(CountFiles(), 1U);  // nothing is left beside it
 }
 
-TEST_F(Archivos, WhatIsNotThereIsNotRead) {
-  EXPECT_EQ(base::LeerArchivo(Ruta("falta")), std::nullopt);
-  EXPECT_EQ(base::LeerArchivo(carpeta_.string()), std::nullopt);
-  EXPECT_EQ(base::LeerArchivo(""), std::nullopt);
-  EXPECT_FALSE(base::ExisteArchivo(Ruta("falta")));
-  EXPECT_FALSE(base::ExisteArchivo(carpeta_.string()));
+TEST_F(Files, WhatIsNotThereIsNotRead) {
+  EXPECT_EQ(base::ReadWholeFile(Path("falta")), std::nullopt);
+  EXPECT_EQ(base::ReadWholeFile(folder_.string()), std::nullopt);
+  EXPECT_EQ(base::ReadWholeFile(""), std::nullopt);
+  EXPECT_FALSE(base::FileExists(Path("falta")));
+  EXPECT_FALSE(base::FileExists(folder_.string()));
 }
 
-TEST_F(Archivos, AFailedWriteLeavesTheOldFile) {
-  EXPECT_FALSE(base::EscribirArchivo(Ruta("no/existe.ini"), "x"));
+TEST_F(Files, AFailedWriteLeavesTheOldFile) {
+  EXPECT_FALSE(base::WriteWholeFile(Path("no/existe.ini"), "x"));
   // A folder of that name cannot be replaced.
-  fs::create_directories(carpeta_ / "ocupado" / "dentro");
-  EXPECT_FALSE(base::EscribirArchivo(Ruta("ocupado"), "x"));
-  EXPECT_EQ(Cuantos(), 1U);
+  fs::create_directories(folder_ / "ocupado" / "dentro");
+  EXPECT_FALSE(base::WriteWholeFile(Path("ocupado"), "x"));
+  EXPECT_EQ(CountFiles(), 1U);
 }
 
-TEST_F(Archivos, AWriteReplacesTheFileAndNotItsContents) {
-  ASSERT_TRUE(base::EscribirArchivo(Ruta("a.ini"), "viejo"));
-  std::ifstream abierto(carpeta_ / "a.ini", std::ios::binary);
-  ASSERT_TRUE(base::EscribirArchivo(Ruta("a.ini"), "nuevo texto"));
+TEST_F(Files, AWriteReplacesTheFileAndNotItsContents) {
+  ASSERT_TRUE(base::WriteWholeFile(Path("a.ini"), "viejo"));
+  std::ifstream opened(folder_ / "a.ini", std::ios::binary);
+  ASSERT_TRUE(base::WriteWholeFile(Path("a.ini"), "nuevo texto"));
   // Who had it open still reads the old one, whole.
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(abierto), {}), "viejo");
-  EXPECT_EQ(base::LeerArchivo(Ruta("a.ini")), "nuevo texto");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(opened), {}), "viejo");
+  EXPECT_EQ(base::ReadWholeFile(Path("a.ini")), "nuevo texto");
 }
 
-TEST_F(Archivos, RightsAndLinksAreKept) {
-  ASSERT_TRUE(base::EscribirArchivo(Ruta("real.ini"), "viejo"));
-  const auto derechos = fs::perms::owner_read | fs::perms::owner_write;
-  fs::permissions(carpeta_ / "real.ini", derechos);
-  fs::create_symlink("real.ini", carpeta_ / "enlace.ini");
-  ASSERT_TRUE(base::EscribirArchivo(Ruta("enlace.ini"), "nuevo"));
-  EXPECT_TRUE(fs::is_symlink(carpeta_ / "enlace.ini"));
-  EXPECT_EQ(base::LeerArchivo(Ruta("real.ini")), "nuevo");
-  EXPECT_EQ(fs::status(carpeta_ / "real.ini").permissions(), derechos);
+TEST_F(Files, RightsAndLinksAreKept) {
+  ASSERT_TRUE(base::WriteWholeFile(Path("real.ini"), "viejo"));
+  const auto rights = fs::perms::owner_read | fs::perms::owner_write;
+  fs::permissions(folder_ / "real.ini", rights);
+  fs::create_symlink("real.ini", folder_ / "enlace.ini");
+  ASSERT_TRUE(base::WriteWholeFile(Path("enlace.ini"), "nuevo"));
+  EXPECT_TRUE(fs::is_symlink(folder_ / "enlace.ini"));
+  EXPECT_EQ(base::ReadWholeFile(Path("real.ini")), "nuevo");
+  EXPECT_EQ(fs::status(folder_ / "real.ini").permissions(), rights);
 }
 
-TEST_F(Archivos, CreatingNeverTouchesWhatExists) {
-  EXPECT_TRUE(base::CrearSiFalta(Ruta("a.ini")));
-  EXPECT_EQ(base::LeerArchivo(Ruta("a.ini")), "");
-  ASSERT_TRUE(base::EscribirArchivo(Ruta("a.ini"), "x"));
-  EXPECT_TRUE(base::CrearSiFalta(Ruta("a.ini")));
-  EXPECT_EQ(base::LeerArchivo(Ruta("a.ini")), "x");
-  EXPECT_FALSE(base::CrearSiFalta(Ruta("no/existe.ini")));
-  EXPECT_FALSE(base::CrearSiFalta(carpeta_.string()));
+TEST_F(Files, CreatingNeverTouchesWhatExists) {
+  EXPECT_TRUE(base::CreateIfMissing(Path("a.ini")));
+  EXPECT_EQ(base::ReadWholeFile(Path("a.ini")), "");
+  ASSERT_TRUE(base::WriteWholeFile(Path("a.ini"), "x"));
+  EXPECT_TRUE(base::CreateIfMissing(Path("a.ini")));
+  EXPECT_EQ(base::ReadWholeFile(Path("a.ini")), "x");
+  EXPECT_FALSE(base::CreateIfMissing(Path("no/existe.ini")));
+  EXPECT_FALSE(base::CreateIfMissing(folder_.string()));
 }
 
-TEST_F(Archivos, Folders) {
-  EXPECT_TRUE(base::CrearCarpeta(Ruta("una/dos")));
-  EXPECT_TRUE(base::CrearCarpeta(Ruta("una/dos")));
-  EXPECT_TRUE(base::CarpetaEscribible(Ruta("una/dos")));
-  EXPECT_TRUE(fs::is_empty(carpeta_ / "una" / "dos"));  // the trial leaves nothing
-  EXPECT_FALSE(base::CarpetaEscribible(Ruta("tres")));
-  ASSERT_TRUE(base::EscribirArchivo(Ruta("archivo"), ""));
-  EXPECT_FALSE(base::CrearCarpeta(Ruta("archivo")));
-  EXPECT_FALSE(base::CarpetaEscribible(Ruta("archivo")));
+TEST_F(Files, Folders) {
+  EXPECT_TRUE(base::CreateFolder(Path("una/dos")));
+  EXPECT_TRUE(base::CreateFolder(Path("una/dos")));
+  EXPECT_TRUE(base::IsWritableFolder(Path("una/dos")));
+  EXPECT_TRUE(fs::is_empty(folder_ / "una" / "dos"));  // the trial leaves nothing
+  EXPECT_FALSE(base::IsWritableFolder(Path("tres")));
+  ASSERT_TRUE(base::WriteWholeFile(Path("archivo"), ""));
+  EXPECT_FALSE(base::CreateFolder(Path("archivo")));
+  EXPECT_FALSE(base::IsWritableFolder(Path("archivo")));
 }
 
-TEST(Rutas, Parts) {
-  EXPECT_EQ(base::NombreDe("/una/carpeta/año.mdb"), "año.mdb");
-  EXPECT_EQ(base::CarpetaDe("/una/carpeta/año.mdb"), "/una/carpeta");
-  EXPECT_EQ(base::CarpetaDe("solo.txt"), "");
-  EXPECT_EQ(base::UnirRuta("", "solo.txt"), "solo.txt");
-  EXPECT_EQ(base::NombreDe(base::UnirRuta("/una", "dos")), "dos");
+TEST(Paths, Parts) {
+  EXPECT_EQ(base::NameOf("/una/carpeta/año.mdb"), "año.mdb");
+  EXPECT_EQ(base::FolderOf("/una/carpeta/año.mdb"), "/una/carpeta");
+  EXPECT_EQ(base::FolderOf("solo.txt"), "");
+  EXPECT_EQ(base::JoinPath("", "solo.txt"), "solo.txt");
+  EXPECT_EQ(base::NameOf(base::JoinPath("/una", "dos")), "dos");
 }
 
-TEST(Rutas, TheProgramsOwnFolderHoldsIt) {
-  const std::string carpeta = base::CarpetaDelPrograma();
-  ASSERT_FALSE(carpeta.empty());
-  EXPECT_TRUE(fs::is_directory(carpeta));
+TEST(Paths, TheProgramsOwnFolderHoldsIt) {
+  const std::string folder = base::ProgramFolder();
+  ASSERT_FALSE(folder.empty());
+  EXPECT_TRUE(fs::is_directory(folder));
 }
 
-TEST(Rutas, Environment) {
-  EXPECT_EQ(base::VariableEntorno("IDM_NO_SUCH_VARIABLE_AT_ALL"), "");
-  EXPECT_FALSE(base::VariableEntorno("PATH").empty());
+TEST(Paths, Environment) {
+  EXPECT_EQ(base::EnvironmentValue("IDM_NO_SUCH_VARIABLE_AT_ALL"), "");
+  EXPECT_FALSE(base::EnvironmentValue("PATH").empty());
 }
 
 }  // namespace

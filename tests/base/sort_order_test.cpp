@@ -13,125 +13,124 @@
 
 namespace {
 
-using base::ClaveDeIndice;
-using base::ClaveDeOrden;
-using base::CompararTexto;
-using base::Orden;
+using base::CompareText;
+using base::IndexKey;
+using base::SortKey;
+using base::SortOrder;
 
-constexpr Orden kOrdenes[] = {Orden::General, Orden::EspanolModerno, Orden::EspanolTradicional};
+constexpr SortOrder kOrders[] = {SortOrder::General, SortOrder::ModernSpanish, SortOrder::TraditionalSpanish};
 
-std::string Hexa(const std::string& bytes) {
-  constexpr char kCifras[] = "0123456789ABCDEF";
-  std::string salida;
+std::string Hex(const std::string& bytes) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string output;
   for (const char c : bytes) {
-    if (!salida.empty()) salida += ' ';
-    salida += kCifras[static_cast<unsigned char>(c) >> 4];
-    salida += kCifras[static_cast<unsigned char>(c) & 15];
+    if (!output.empty()) output += ' ';
+    output += kDigits[static_cast<unsigned char>(c) >> 4];
+    output += kDigits[static_cast<unsigned char>(c) & 15];
   }
-  return salida;
+  return output;
 }
 
-struct CasoClave {
-  const char* texto;
-  Orden orden;
-  const char* clave;
+struct KeyCase {
+  const char* text;
+  SortOrder order;
+  const char* key;
 };
 
 // Keys without the start flag 7F.
-const CasoClave kClaves[] = {
-    {"", Orden::General, "01 00"},
-    {"Muñoz", Orden::General, "60 6F 62 64 78 01 02 02 19 00"},
-    {"O'Neil", Orden::General, "64 62 51 59 5E 01 01 01 01 80 0B 06 80 00"},
+const KeyCase kKeys[] = {
+    {"", SortOrder::General, "01 00"},
+    {"Muñoz", SortOrder::General, "60 6F 62 64 78 01 02 02 19 00"},
+    {"O'Neil", SortOrder::General, "64 62 51 59 5E 01 01 01 01 80 0B 06 80 00"},
     // Every plain place before the last accent is written, none after it; the apostrophe stands at place 8.
-    {"Forêts d'érables", Orden::General,
+    {"Forêts d'érables", SortOrder::General,
      "53 64 69 51 6D 6B 07 4F 51 69 4A 4C 5E 51 6B 01 02 02 02 12 02 02 02 02 0E 01 01 01 80 27 06 80 00"},
-    {"abc", Orden::EspanolModerno, "4A 4C 4D 01 00"},
-    {"ABC   ", Orden::EspanolModerno, "4A 4C 4D 01 00"},
-    {"a b", Orden::EspanolModerno, "4A 07 4C 01 00"},
+    {"abc", SortOrder::ModernSpanish, "4A 4C 4D 01 00"},
+    {"ABC   ", SortOrder::ModernSpanish, "4A 4C 4D 01 00"},
+    {"a b", SortOrder::ModernSpanish, "4A 07 4C 01 00"},
     // In the Spanish orders ñ is a letter of its own and takes one plain place.
-    {"ñ", Orden::EspanolModerno, "63 04 01 00"},
-    {"Ñá", Orden::EspanolModerno, "63 04 4A 01 02 0E 00"},
-    {"ñ", Orden::General, "62 01 19 00"},
+    {"ñ", SortOrder::ModernSpanish, "63 04 01 00"},
+    {"Ñá", SortOrder::ModernSpanish, "63 04 4A 01 02 0E 00"},
+    {"ñ", SortOrder::General, "62 01 19 00"},
     // ch and ll are letters of the traditional order alone, whatever their case.
-    {"chico", Orden::EspanolModerno, "4D 57 59 4D 64 01 00"},
-    {"chico", Orden::EspanolTradicional, "4E 04 59 4D 64 01 00"},
-    {"CHICO", Orden::EspanolTradicional, "4E 04 59 4D 64 01 00"},
-    {"calle", Orden::EspanolTradicional, "4D 4A 5F 04 51 01 00"},
-    {"cHá", Orden::EspanolTradicional, "4E 04 4A 01 02 0E 00"},
-    {"lll", Orden::EspanolTradicional, "5F 04 5E 01 00"},
+    {"chico", SortOrder::ModernSpanish, "4D 57 59 4D 64 01 00"},
+    {"chico", SortOrder::TraditionalSpanish, "4E 04 59 4D 64 01 00"},
+    {"CHICO", SortOrder::TraditionalSpanish, "4E 04 59 4D 64 01 00"},
+    {"calle", SortOrder::TraditionalSpanish, "4D 4A 5F 04 51 01 00"},
+    {"cHá", SortOrder::TraditionalSpanish, "4E 04 4A 01 02 0E 00"},
+    {"lll", SortOrder::TraditionalSpanish, "5F 04 5E 01 00"},
     // ß is two letters and two places.
-    {"ßá", Orden::General, "6B 6B 4A 01 02 02 0E 00"},
-    {"1º", Orden::General, "38 64 01 02 03 00"},
-    {"-", Orden::General, "01 01 01 01 80 07 06 82 00"},
-    {"a-b-", Orden::General, "4A 4C 01 01 01 01 80 0B 06 82 80 0F 06 82 00"},
+    {"ßá", SortOrder::General, "6B 6B 4A 01 02 02 0E 00"},
+    {"1º", SortOrder::General, "38 64 01 02 03 00"},
+    {"-", SortOrder::General, "01 01 01 01 80 07 06 82 00"},
+    {"a-b-", SortOrder::General, "4A 4C 01 01 01 01 80 0B 06 82 80 0F 06 82 00"},
 };
 
-TEST(ClaveDeOrden, SonLosBytesDelIndice) {
-  for (const CasoClave& c : kClaves) EXPECT_EQ(Hexa(ClaveDeOrden(c.texto, c.orden)), c.clave) << c.texto;
+TEST(SortKey, AreTheBytesOfTheIndex) {
+  for (const KeyCase& c : kKeys) EXPECT_EQ(Hex(SortKey(c.text, c.order)), c.key) << c.text;
 }
 
 // The table of the file format: columns code point, character, class, inline bytes, accent byte, special
 // byte.
-TEST(ClaveDeOrden, LosPesosSonLosDeLaTabla) {
-  const std::filesystem::path ruta =
+TEST(SortKey, TheWeightsAreThoseOfTheTable) {
+  const std::filesystem::path path =
       std::filesystem::path(support::SourceDir()) / "tests/data/mdb" / "sort_general_legacy.tsv";
-  std::ifstream archivo(ruta, std::ios::binary);
-  int filas = 0;
-  for (std::string linea; std::getline(archivo, linea);) {
-    const auto campos = base::Split(linea, "\t");
-    if (campos.size() < 6 || campos[0].rfind("U+", 0) != 0) continue;
-    ++filas;
-    const auto punto = static_cast<char32_t>(std::stoul(campos[0].substr(2), nullptr, 16));
+  std::ifstream file(path, std::ios::binary);
+  int rows = 0;
+  for (std::string line; std::getline(file, line);) {
+    const auto fields = base::Split(line, "\t");
+    if (fields.size() < 6 || fields[0].rfind("U+", 0) != 0) continue;
+    ++rows;
+    const auto point = static_cast<char32_t>(std::stoul(fields[0].substr(2), nullptr, 16));
     // An "a" behind keeps a blank from being cut.
-    const std::string texto = base::DePuntos(std::u32string(1, punto) + U"a");
-    std::string espera = campos[3] + "4A01";
-    if (campos[2] == "accent") espera += campos[4];
-    if (campos[2] == "special") espera += "0101018007" + std::string("06") + campos[5];
-    EXPECT_EQ(base::Reemplazar(Hexa(ClaveDeOrden(texto, Orden::General)), " ", ""), espera + "00")
-        << campos[0];
-    EXPECT_TRUE(base::TienePesos(texto));
+    const std::string text = base::FromPoints(std::u32string(1, point) + U"a");
+    std::string expected = fields[3] + "4A01";
+    if (fields[2] == "accent") expected += fields[4];
+    if (fields[2] == "special") expected += "0101018007" + std::string("06") + fields[5];
+    EXPECT_EQ(base::Replace(Hex(SortKey(text, SortOrder::General)), " ", ""), expected + "00") << fields[0];
+    EXPECT_TRUE(base::HasWeights(text));
   }
-  EXPECT_EQ(filas, 251);
+  EXPECT_EQ(rows, 251);
 }
 
-TEST(ClaveDeOrden, LoQueNoTienePesoVaDetrasPorSuMayuscula) {
+TEST(SortKey, WhatHasNoWeightComesBehindByItsUpperCase) {
   // Д (U+0414) and its small letter have one key, after every letter of the code page.
-  EXPECT_EQ(ClaveDeOrden("д", Orden::General), ClaveDeOrden("Д", Orden::General));
-  EXPECT_EQ(Hexa(ClaveDeOrden("Д", Orden::General)), "F0 80 90 94 01 00");
-  EXPECT_EQ(CompararTexto("z", "Д", Orden::General), -1);
-  EXPECT_EQ(CompararTexto("™", "Д", Orden::General), -1);
+  EXPECT_EQ(SortKey("д", SortOrder::General), SortKey("Д", SortOrder::General));
+  EXPECT_EQ(Hex(SortKey("Д", SortOrder::General)), "F0 80 90 94 01 00");
+  EXPECT_EQ(CompareText("z", "Д", SortOrder::General), -1);
+  EXPECT_EQ(CompareText("™", "Д", SortOrder::General), -1);
   // A stray byte of a text that is no UTF-8 is a character too.
-  EXPECT_NE(ClaveDeOrden("a\xFF", Orden::General), ClaveDeOrden("a\xFE", Orden::General));
-  EXPECT_FALSE(base::TienePesos("Дон"));
-  EXPECT_FALSE(base::TienePesos("a\xFF"));
-  EXPECT_TRUE(base::TienePesos("Ñandú – 5 €\r\n"));
+  EXPECT_NE(SortKey("a\xFF", SortOrder::General), SortKey("a\xFE", SortOrder::General));
+  EXPECT_FALSE(base::HasWeights("Дон"));
+  EXPECT_FALSE(base::HasWeights("a\xFF"));
+  EXPECT_TRUE(base::HasWeights("Ñandú – 5 €\r\n"));
 }
 
-TEST(ClaveDeIndice, TomaLasPrimeras255Unidades) {
-  const std::string largo(255, 'a');
-  EXPECT_EQ(ClaveDeIndice(largo + "b", Orden::General), ClaveDeIndice(largo + "c", Orden::General));
-  EXPECT_NE(ClaveDeOrden(largo + "b", Orden::General), ClaveDeOrden(largo + "c", Orden::General));
+TEST(IndexKey, TakesTheFirst255Units) {
+  const std::string length(255, 'a');
+  EXPECT_EQ(IndexKey(length + "b", SortOrder::General), IndexKey(length + "c", SortOrder::General));
+  EXPECT_NE(SortKey(length + "b", SortOrder::General), SortKey(length + "c", SortOrder::General));
   // The blanks that then stand at the end are cut like any others.
-  EXPECT_EQ(ClaveDeIndice("a" + std::string(254, ' ') + "b", Orden::General),
-            ClaveDeOrden("a", Orden::General));
+  EXPECT_EQ(IndexKey("a" + std::string(254, ' ') + "b", SortOrder::General),
+            SortKey("a", SortOrder::General));
   // A character beyond U+FFFF counts twice and is not halved.
-  const std::string casi(254, 'a');
-  EXPECT_EQ(ClaveDeIndice(casi + "😀", Orden::General), ClaveDeOrden(casi, Orden::General));
+  const std::string almost(254, 'a');
+  EXPECT_EQ(IndexKey(almost + "😀", SortOrder::General), SortKey(almost, SortOrder::General));
 }
 
-TEST(ClaveDeOrden, LosSignosLejanosSiguenDistintos) {
+TEST(SortKey, DistantSignsStayDistinct) {
   const std::string a(9000, 'x'), b(100, 'x');
-  EXPECT_NE(ClaveDeOrden(a + "-" + b, Orden::General), ClaveDeOrden(a + b + "-", Orden::General));
-  EXPECT_NE(ClaveDeOrden(a + "x-" + b, Orden::General), ClaveDeOrden(a + "-x" + b, Orden::General));
+  EXPECT_NE(SortKey(a + "-" + b, SortOrder::General), SortKey(a + b + "-", SortOrder::General));
+  EXPECT_NE(SortKey(a + "x-" + b, SortOrder::General), SortKey(a + "-x" + b, SortOrder::General));
 }
 
-struct CasoOrden {
+struct OrderCase {
   const char* a;
   const char* b;
-  int general, moderno, tradicional;
+  int general, modern, traditional;
 };
 
-const CasoOrden kComparaciones[] = {
+const OrderCase kComparisons[] = {
     {"a", "A", 0, 0, 0},
     {"José", "Jose", 1, 1, 1},
     {"José", "JOSÉ", 0, 0, 0},
@@ -161,79 +160,79 @@ const CasoOrden kComparaciones[] = {
     {"à", "á", 1, 1, 1},
 };
 
-TEST(CompararTexto, OrdenaComoElFormato) {
-  for (const CasoOrden& c : kComparaciones) {
-    EXPECT_EQ(CompararTexto(c.a, c.b, Orden::General), c.general) << c.a << " " << c.b;
-    EXPECT_EQ(CompararTexto(c.a, c.b, Orden::EspanolModerno), c.moderno) << c.a << " " << c.b;
-    EXPECT_EQ(CompararTexto(c.a, c.b, Orden::EspanolTradicional), c.tradicional) << c.a << " " << c.b;
+TEST(CompareText, OrdersAsTheFormatDoes) {
+  for (const OrderCase& c : kComparisons) {
+    EXPECT_EQ(CompareText(c.a, c.b, SortOrder::General), c.general) << c.a << " " << c.b;
+    EXPECT_EQ(CompareText(c.a, c.b, SortOrder::ModernSpanish), c.modern) << c.a << " " << c.b;
+    EXPECT_EQ(CompareText(c.a, c.b, SortOrder::TraditionalSpanish), c.traditional) << c.a << " " << c.b;
   }
 }
 
 // All texts of up to four pieces out of a set that mixes plain letters, digraphs, accents and signs.
-std::vector<std::string> TextosDePrueba() {
-  const std::vector<std::string> piezas = {"a", "B", "c", "h", "L", "ñ", "é",
+std::vector<std::string> TestTexts() {
+  const std::vector<std::string> pieces = {"a", "B", "c", "h", "L", "ñ", "é",
                                            "-", "'", " ", "ß", "1", "Д", "\x80"};
-  std::vector<std::string> textos = {""};
-  std::size_t desde = 0;
-  for (int largo = 0; largo < 3; ++largo) {
-    const std::size_t hasta = textos.size();
-    for (; desde < hasta; ++desde)
-      for (const std::string& p : piezas) textos.push_back(textos[desde] + p);
+  std::vector<std::string> texts = {""};
+  std::size_t from = 0;
+  for (int length = 0; length < 3; ++length) {
+    const std::size_t to = texts.size();
+    for (; from < to; ++from)
+      for (const std::string& p : pieces) texts.push_back(texts[from] + p);
   }
-  return textos;
+  return texts;
 }
 
-TEST(CompararTexto, EsLaComparacionDeLasClaves) {
-  const std::vector<std::string> textos = TextosDePrueba();
-  ASSERT_EQ(textos.size(), 1U + 14 + 14 * 14 + 14 * 14 * 14);
-  for (const Orden orden : kOrdenes) {
-    std::vector<std::string> claves;
-    for (const std::string& t : textos) claves.push_back(ClaveDeOrden(t, orden));
-    std::size_t distintos = 0;
-    for (std::size_t i = 0; i < textos.size(); ++i) {
-      for (std::size_t j = i % 7; j < textos.size(); j += 7) {
-        const int por_clave = claves[i].compare(claves[j]);
-        const int esperado = por_clave < 0 ? -1 : (por_clave > 0 ? 1 : 0);
-        if (CompararTexto(textos[i], textos[j], orden) != esperado) {
-          ++distintos;
-          ADD_FAILURE() << "[" << textos[i] << "] [" << textos[j] << "] orden " << static_cast<int>(orden);
+TEST(CompareText, IsTheComparisonOfTheKeys) {
+  const std::vector<std::string> texts = TestTexts();
+  ASSERT_EQ(texts.size(), 1U + 14 + 14 * 14 + 14 * 14 * 14);
+  for (const SortOrder order : kOrders) {
+    std::vector<std::string> keys;
+    for (const std::string& t : texts) keys.push_back(SortKey(t, order));
+    std::size_t different = 0;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      for (std::size_t j = i % 7; j < texts.size(); j += 7) {
+        const int by_key = keys[i].compare(keys[j]);
+        const int expected = by_key < 0 ? -1 : (by_key > 0 ? 1 : 0);
+        if (CompareText(texts[i], texts[j], order) != expected) {
+          ++different;
+          ADD_FAILURE() << "[" << texts[i] << "] [" << texts[j] << "] orden " << static_cast<int>(order);
         }
-        ASSERT_LT(distintos, 5U);
+        ASSERT_LT(different, 5U);
       }
     }
   }
 }
 
-TEST(Plegar, JuntaElCasoYGuardaLosAcentos) {
-  EXPECT_EQ(base::Plegar(U'a'), U'A');
-  EXPECT_EQ(base::Plegar(U'ñ'), base::Plegar(U'Ñ'));
-  EXPECT_EQ(base::Plegar(U'š'), base::Plegar(U'Š'));
-  EXPECT_EQ(base::Plegar(U'ÿ'), base::Plegar(U'Ÿ'));
-  EXPECT_EQ(base::Plegar(U'д'), base::Plegar(U'Д'));
-  EXPECT_NE(base::Plegar(U'é'), base::Plegar(U'e'));
-  EXPECT_NE(base::Plegar(U'-'), base::Plegar(U'\''));
-  EXPECT_NE(base::Plegar(U'_'), base::Plegar(U'^'));
+TEST(Fold, JoinsCaseAndKeepsAccents) {
+  EXPECT_EQ(base::Fold(U'a'), U'A');
+  EXPECT_EQ(base::Fold(U'ñ'), base::Fold(U'Ñ'));
+  EXPECT_EQ(base::Fold(U'š'), base::Fold(U'Š'));
+  EXPECT_EQ(base::Fold(U'ÿ'), base::Fold(U'Ÿ'));
+  EXPECT_EQ(base::Fold(U'д'), base::Fold(U'Д'));
+  EXPECT_NE(base::Fold(U'é'), base::Fold(U'e'));
+  EXPECT_NE(base::Fold(U'-'), base::Fold(U'\''));
+  EXPECT_NE(base::Fold(U'_'), base::Fold(U'^'));
 }
 
-TEST(SiguientePunto, LeeUtf8YDejaPasarLosBytesSueltos) {
-  const auto todos = [](std::string_view s) {
-    std::u32string puntos;
-    for (std::size_t i = 0; i < s.size();) puntos += base::SiguientePunto(s, i);
-    return puntos;
+TEST(NextPoint, ReadsUtf8AndLetsStrayBytesPass) {
+  const auto all = [](std::string_view s) {
+    std::u32string points;
+    for (std::size_t i = 0; i < s.size();) points += base::NextPoint(s, i);
+    return points;
   };
-  EXPECT_EQ(todos("añ€😀"), U"añ€😀");
-  const auto suelto = [](int b) { return static_cast<char32_t>(0xDC00 + b); };
-  EXPECT_EQ(todos("\xC3"), std::u32string(1, suelto(0xC3)));
-  EXPECT_EQ(todos("\xC3z"), std::u32string({suelto(0xC3), U'z'}));
-  EXPECT_EQ(todos("\xC0\x80"), std::u32string({suelto(0xC0), suelto(0x80)}));                    // overlong
-  EXPECT_EQ(todos("\xED\xA0\x80"), std::u32string({suelto(0xED), suelto(0xA0), suelto(0x80)}));  // surrogate
+  EXPECT_EQ(all("añ€😀"), U"añ€😀");
+  const auto stray = [](int b) { return static_cast<char32_t>(0xDC00 + b); };
+  EXPECT_EQ(all("\xC3"), std::u32string(1, stray(0xC3)));
+  EXPECT_EQ(all("\xC3z"), std::u32string({stray(0xC3), U'z'}));
+  EXPECT_EQ(all("\xC0\x80"), std::u32string({stray(0xC0), stray(0x80)}));                   // overlong
+  EXPECT_EQ(all("\xED\xA0\x80"), std::u32string({stray(0xED), stray(0xA0), stray(0x80)}));  // surrogate
 }
 
 TEST(SortOrder, AnOrderIsNamedByItsLanguage) {
-  EXPECT_EQ(base::LanguageOf(Orden::General), 1033);
-  EXPECT_EQ(base::LanguageOf(Orden::EspanolModerno), 3082);
-  EXPECT_EQ(base::LanguageOf(Orden::EspanolTradicional), 1034);
-  for (const Orden order : {Orden::General, Orden::EspanolModerno, Orden::EspanolTradicional})
+  EXPECT_EQ(base::LanguageOf(SortOrder::General), 1033);
+  EXPECT_EQ(base::LanguageOf(SortOrder::ModernSpanish), 3082);
+  EXPECT_EQ(base::LanguageOf(SortOrder::TraditionalSpanish), 1034);
+  for (const SortOrder order : {SortOrder::General, SortOrder::ModernSpanish, SortOrder::TraditionalSpanish})
     EXPECT_EQ(base::OrderOfLanguage(base::LanguageOf(order)), order);
   EXPECT_EQ(base::OrderOfLanguage(0), std::nullopt);
   EXPECT_EQ(base::OrderOfLanguage(1031), std::nullopt);

@@ -26,27 +26,27 @@
 
 namespace {
 
-using support::Bloque;
+using support::Block;
 
 class Prueba {
  public:
-  std::string Demo(const Bloque&) {
+  std::string Demo(const Block&) {
     const prueba::Salida s = mesa_.Demo();
     return s.codigo == 0 ? "" : s.err;
   }
 
-  std::string Archivo(const Bloque& b) {
-    std::string texto = base::Reemplazar(b.entrada, "\n", "\r\n");
-    if (b.Tiene("crlf")) texto += "\r\n";
-    mesa_.Escribir(b.opciones.at(0), base::ACp1252(ConCarpeta(texto)));
+  std::string Archivo(const Block& b) {
+    std::string texto = base::Replace(b.entry, "\n", "\r\n");
+    if (b.Has("crlf")) texto += "\r\n";
+    mesa_.Escribir(b.options.at(0), base::ToCp1252(ConCarpeta(texto)));
     return {};
   }
 
-  std::string Correr(const Bloque& b) {
+  std::string Correr(const Block& b) {
     std::vector<std::string> argumentos;
     std::string entrada;
     bool a_la_entrada = false;
-    for (const std::string& linea : base::Split(b.entrada, "\n")) {
+    for (const std::string& linea : base::Split(b.entry, "\n")) {
       if (a_la_entrada)
         entrada += linea + "\n";
       else if (linea == "<")
@@ -54,37 +54,37 @@ class Prueba {
       else
         argumentos.push_back(ConCarpeta(linea));
     }
-    if (b.entrada.empty()) argumentos.clear();
+    if (b.entry.empty()) argumentos.clear();
     const prueba::Salida s = mesa_.Correr(argumentos, entrada);
     return "exit " + std::to_string(s.codigo) + Lineas("|", s.out) + Lineas("!", s.err);
   }
 
-  std::string Importar(const std::string& verbo, const Bloque& b) {
-    Bloque completo = b;
-    completo.entrada = verbo + "\n--base\n{dir}/ConfBase.cfg\n--archivo\n{dir}/" + b.Opcion("file") +
-                       "\n--mes\n2026-10\n--salida\ncsv" + (b.entrada.empty() ? "" : "\n" + b.entrada);
+  std::string Importar(const std::string& verbo, const Block& b) {
+    Block completo = b;
+    completo.entry = verbo + "\n--base\n{dir}/ConfBase.cfg\n--archivo\n{dir}/" + b.Option("file") +
+                     "\n--mes\n2026-10\n--salida\ncsv" + (b.entry.empty() ? "" : "\n" + b.entry);
     return Correr(completo);
   }
 
-  std::string Query(const Bloque& b) {
+  std::string Query(const Block& b) {
     const auto conexion = mesa_.Abrir();
-    const db::Recordset rs = conexion->Consultar(b.entrada);
+    const db::Recordset rs = conexion->Query(b.entry);
     std::vector<std::string> filas;
-    for (std::size_t f = 0; f < rs.Cantidad(); ++f) {
+    for (std::size_t f = 0; f < rs.Count(); ++f) {
       std::vector<std::string> celdas;
-      for (std::size_t i = 0; i < rs.Campos().size(); ++i)
-        celdas.push_back(rs.En(i, f).EsNulo() ? "NULL" : rs.En(i, f).TextoCsv());
+      for (std::size_t i = 0; i < rs.Fields().size(); ++i)
+        celdas.push_back(rs.At(i, f).IsNull() ? "NULL" : rs.At(i, f).CsvText());
       filas.push_back(base::Join(celdas, "|"));
     }
     return base::Join(filas, "\n");
   }
 
-  std::string Marcar(const Bloque&) {
+  std::string Marcar(const Block&) {
     marca_ = Filas();
     return {};
   }
 
-  std::string Cambios(const Bloque&) {
+  std::string Cambios(const Block&) {
     const std::multiset<std::string> ahora = Filas();
     std::vector<std::string> cambios, quitadas, puestas;
     std::set_difference(marca_.begin(), marca_.end(), ahora.begin(), ahora.end(),
@@ -98,14 +98,14 @@ class Prueba {
 
  private:
   std::string ConCarpeta(const std::string& texto) const {
-    return base::Reemplazar(texto, "{dir}", mesa_.Carpeta());
+    return base::Replace(texto, "{dir}", mesa_.Carpeta());
   }
 
   std::string Lineas(const std::string& marca, const std::string& texto) const {
     std::string salida;
-    std::istringstream lineas(base::Reemplazar(texto, mesa_.Carpeta(), "{dir}"));
+    std::istringstream lineas(base::Replace(texto, mesa_.Carpeta(), "{dir}"));
     for (std::string linea; std::getline(lineas, linea);)
-      salida += base::TerminaCon(linea, " ") ? "\n" + marca + linea + "$" : "\n" + marca + linea;
+      salida += base::EndsWith(linea, " ") ? "\n" + marca + linea + "$" : "\n" + marca + linea;
     return salida;
   }
 
@@ -130,17 +130,17 @@ class Prueba {
 }  // namespace
 
 int main(int argc, char** argv) {
-  return support::EjecutarArchivos(argc, argv, [] {
+  return support::RunFiles(argc, argv, [] {
     auto p = std::make_shared<Prueba>();
-    return support::Verbos{
-        {"demo", [p](const Bloque& b) { return p->Demo(b); }},
-        {"file", [p](const Bloque& b) { return p->Archivo(b); }},
-        {"run", [p](const Bloque& b) { return p->Correr(b); }},
-        {"import", [p](const Bloque& b) { return p->Importar("importar", b); }},
-        {"review", [p](const Bloque& b) { return p->Importar("revisar", b); }},
-        {"query", [p](const Bloque& b) { return p->Query(b); }},
-        {"mark", [p](const Bloque& b) { return p->Marcar(b); }},
-        {"changes", [p](const Bloque& b) { return p->Cambios(b); }},
+    return support::Verbs{
+        {"demo", [p](const Block& b) { return p->Demo(b); }},
+        {"file", [p](const Block& b) { return p->Archivo(b); }},
+        {"run", [p](const Block& b) { return p->Correr(b); }},
+        {"import", [p](const Block& b) { return p->Importar("importar", b); }},
+        {"review", [p](const Block& b) { return p->Importar("revisar", b); }},
+        {"query", [p](const Block& b) { return p->Query(b); }},
+        {"mark", [p](const Block& b) { return p->Marcar(b); }},
+        {"changes", [p](const Block& b) { return p->Cambios(b); }},
     };
   });
 }

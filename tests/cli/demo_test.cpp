@@ -66,11 +66,11 @@ class DemoEntera : public ::testing::TestWithParam<const char*> {
 
   std::string Consulta(const std::string& sql) const {
     const auto conexion = mesa_.Abrir();
-    const db::Recordset rs = conexion->Consultar(sql);
+    const db::Recordset rs = conexion->Query(sql);
     std::string texto;
-    for (std::size_t f = 0; f < rs.Cantidad(); ++f) {
-      for (std::size_t i = 0; i < rs.Campos().size(); ++i)
-        texto += (i > 0 && !rs.En(i, f).EsNulo() ? "|" : "") + rs.En(i, f).TextoCsv();
+    for (std::size_t f = 0; f < rs.Count(); ++f) {
+      for (std::size_t i = 0; i < rs.Fields().size(); ++i)
+        texto += (i > 0 && !rs.At(i, f).IsNull() ? "|" : "") + rs.At(i, f).CsvText();
       texto += "\n";
     }
     return texto;
@@ -214,13 +214,13 @@ TEST(DemoEnAccess, ReviewingAndAskingLeaveTheFileAlone) {
   ASSERT_EQ(mesa.Demo().codigo, cli::kTodo);
   const std::string ruta = mesa.Ruta("Personal.mdb");
   const auto fecha = std::filesystem::last_write_time(std::filesystem::u8path(ruta));
-  const auto bytes = base::LeerArchivo(ruta);
+  const auto bytes = base::ReadWholeFile(ruta);
   EXPECT_EQ(mesa.Correr({"revisar", "--base", ruta, "--archivo", mesa.Ruta("horas.txt"), "--mes", "2026-10"})
                 .codigo,
             cli::kAlgunaNo);
   EXPECT_EQ(mesa.Correr({"consulta", "--base", ruta, "SELECT Count(*) FROM Personas"}).codigo, cli::kTodo);
   EXPECT_EQ(mesa.Correr({"verificar", ruta}).codigo, cli::kTodo);
-  EXPECT_EQ(base::LeerArchivo(ruta), bytes);
+  EXPECT_EQ(base::ReadWholeFile(ruta), bytes);
   EXPECT_EQ(std::filesystem::last_write_time(std::filesystem::u8path(ruta)), fecha);
 }
 

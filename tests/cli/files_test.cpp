@@ -54,16 +54,15 @@ TEST_F(Archivos, AnOutputThatFails) {
 // A file that is there and cannot be read: this one cannot, whoever asks.
 TEST_F(Archivos, WhatCannotBeReadIsNotTakenForEmpty) {
   const std::string ilegible = "/proc/self/mem";
-  if (!base::ExisteArchivo(ilegible) || base::LeerArchivo(ilegible))
-    GTEST_SKIP() << "no unreadable file here";
+  if (!base::FileExists(ilegible) || base::ReadWholeFile(ilegible)) GTEST_SKIP() << "no unreadable file here";
   const std::string antes = mesa_.Filas();
   prueba::Salida s = Importar(ilegible);
   EXPECT_EQ(s.codigo, cli::kEntradaSalida);
   EXPECT_EQ(s.err, "El Archivo '/proc/self/mem' no se puede leer\n");
   s = Importar(mesa_.Ruta("horas.txt"), {"--ajustes", ilegible});
   EXPECT_EQ(s.codigo, cli::kEntradaSalida);
-  EXPECT_TRUE(base::EmpiezaCon(s.err, "No se pueden leer los ajustes. ")) << s.err;
-  EXPECT_TRUE(base::Contiene(s.err, ilegible)) << s.err;
+  EXPECT_TRUE(base::StartsWith(s.err, "No se pueden leer los ajustes. ")) << s.err;
+  EXPECT_TRUE(base::Contains(s.err, ilegible)) << s.err;
   EXPECT_EQ(s.out, "");
   EXPECT_EQ(mesa_.Filas(), antes);
 }
@@ -75,7 +74,7 @@ TEST_F(Archivos, ABaseThatIsHeldIsNotOpened) {
   otro->BeginTrans();
   const prueba::Salida s = Importar(mesa_.Ruta("horas.txt"), {}, "revisar");
   otro->RollbackTrans();
-  otro->Cerrar();
+  otro->Close();
   EXPECT_EQ(s.codigo, cli::kSinBase);
   EXPECT_EQ(s.out, "");
   EXPECT_EQ(s.err, "Error al abrir la base ubicada en " + mesa_.Ruta("ConfBase.cfg") +
@@ -86,10 +85,10 @@ TEST_F(Archivos, ABaseThatIsHeldIsNotOpened) {
 TEST_F(Archivos, TheFilesReadAreNeverWritten) {
   const std::vector<std::string> nombres = {"ImportDeMarcas.ini", "ConfBase.cfg", "horas.txt"};
   std::vector<std::string> antes;
-  for (const auto& nombre : nombres) antes.push_back(*base::LeerArchivo(mesa_.Ruta(nombre)));
+  for (const auto& nombre : nombres) antes.push_back(*base::ReadWholeFile(mesa_.Ruta(nombre)));
   EXPECT_EQ(Importar(mesa_.Ruta("horas.txt"), {"--opcion", "TotalizarConc=NO"}).codigo, cli::kAlgunaNo);
   for (std::size_t i = 0; i < nombres.size(); ++i)
-    EXPECT_EQ(*base::LeerArchivo(mesa_.Ruta(nombres[i])), antes[i]) << nombres[i];
+    EXPECT_EQ(*base::ReadWholeFile(mesa_.Ruta(nombres[i])), antes[i]) << nombres[i];
 }
 
 // Without --ajustes the file of the program's folder counts; with no file there, the defaults, and none is
@@ -97,7 +96,7 @@ TEST_F(Archivos, TheFilesReadAreNeverWritten) {
 TEST_F(Archivos, TheSettingsOfTheProgramFolder) {
   const std::string horas = mesa_.Ruta("horas.txt"), referencia = mesa_.Ruta("ConfBase.cfg");
   const std::string vacia = mesa_.Ruta("sin ajustes");
-  ASSERT_TRUE(base::CrearCarpeta(vacia));
+  ASSERT_TRUE(base::CreateFolder(vacia));
   std::istringstream in;
   std::ostringstream out, err;
   const std::vector<std::string> argumentos = {"revisar",     "--base",   referencia,   "--archivo",
@@ -106,7 +105,7 @@ TEST_F(Archivos, TheSettingsOfTheProgramFolder) {
   // The codes of a new installation are numbers, and the file's are not: no relation has any of its lines.
   EXPECT_EQ(cli::Ejecutar(argumentos, "x", vacia, {in, out, err}), cli::kNada);
   EXPECT_NE(out.str().find("filtradas: 54 "), std::string::npos) << out.str();
-  EXPECT_FALSE(base::ExisteArchivo(base::UnirRuta(vacia, "ImportDeMarcas.ini")));
+  EXPECT_FALSE(base::FileExists(base::JoinPath(vacia, "ImportDeMarcas.ini")));
   EXPECT_EQ(
       Importar(horas, {"--salida", "csv"}, "revisar").out,
       Importar(horas, {"--salida", "csv", "--ajustes", mesa_.Ruta("ImportDeMarcas.ini")}, "revisar").out);
@@ -118,18 +117,18 @@ TEST_F(Archivos, TheCheckOfABase) {
   prueba::Salida s = verificar();
   EXPECT_EQ(s.codigo, cli::kTodo);
   EXPECT_NE(s.out.find("Tablas: 24. Filas: 649. Índices: 35 (998 entradas)."), std::string::npos) << s.out;
-  EXPECT_TRUE(base::TerminaCon(s.out, "\nSin errores.\n"));
+  EXPECT_TRUE(base::EndsWith(s.out, "\nSin errores.\n"));
   EXPECT_EQ(Importar(mesa_.Ruta("horas.txt")).codigo, cli::kAlgunaNo);
   s = verificar();
   EXPECT_EQ(s.codigo, cli::kTodo);
   EXPECT_NE(s.out.find("Filas: 710."), std::string::npos) << s.out;
 
-  std::string bytes = *base::LeerArchivo(mesa_.Base());
+  std::string bytes = *base::ReadWholeFile(mesa_.Base());
   constexpr std::size_t kPagina = 4096;
   std::size_t pagina = 20;  // behind the system's
   while (bytes[pagina * kPagina] != 1) ++pagina;
   bytes[pagina * kPagina] = 9;
-  ASSERT_TRUE(base::EscribirArchivo(mesa_.Base(), bytes));
+  ASSERT_TRUE(base::WriteWholeFile(mesa_.Base(), bytes));
   s = verificar();
   EXPECT_EQ(s.codigo, cli::kAlgunaNo);
   EXPECT_NE(s.out.find("Error (página " + std::to_string(pagina) + "): "), std::string::npos) << s.out;

@@ -23,14 +23,14 @@ class Mesa {
  public:
   // `motor`: of the demo base.
   explicit Mesa(std::string motor = "mdb")
-      : motor_(std::move(motor)), carpeta_(base::UnirRuta(temporal_.Carpeta(), "una demo ñandú")) {
-    base::CrearCarpeta(carpeta_);
+      : motor_(std::move(motor)), carpeta_(base::JoinPath(temporal_.Folder(), "una demo ñandú")) {
+    base::CreateFolder(carpeta_);
   }
 
   const std::string& Carpeta() const { return carpeta_; }
-  std::string Ruta(const std::string& nombre) const { return base::UnirRuta(carpeta_, nombre); }
+  std::string Ruta(const std::string& nombre) const { return base::JoinPath(carpeta_, nombre); }
   void Escribir(const std::string& nombre, const std::string& bytes) const {
-    if (!base::EscribirArchivo(Ruta(nombre), bytes)) throw std::runtime_error("cannot write " + nombre);
+    if (!base::WriteWholeFile(Ruta(nombre), bytes)) throw std::runtime_error("cannot write " + nombre);
   }
 
   // The settings folder is the demo's own, so that a run without --ajustes finds its file.
@@ -51,7 +51,7 @@ class Mesa {
 
   // The demo base, for as long as the answer is needed.
   std::unique_ptr<db::Connection> Abrir() const {
-    const ports::RelojFijo reloj(base::FechaDe(2026, 10, 20));
+    const ports::FixedClock reloj(base::MakeDate(2026, 10, 20));
     app::Conexion c = app::AbrirReferencia(Base(), reloj);
     if (c.conexion == nullptr) throw std::runtime_error(c.motivo);
     return std::move(c.conexion);
@@ -62,15 +62,15 @@ class Mesa {
     const auto conexion = Abrir();
     std::string texto;
     for (const char* tabla : kTablas) {
-      const db::Recordset filas = conexion->Consultar("SELECT * FROM [" + std::string(tabla) + "]");
+      const db::Recordset filas = conexion->Query("SELECT * FROM [" + std::string(tabla) + "]");
       texto += std::string(tabla) + "\n";
-      for (std::size_t f = 0; f < filas.Cantidad(); ++f) {
+      for (std::size_t f = 0; f < filas.Count(); ++f) {
         texto += "  ";
-        for (std::size_t i = 0; i < filas.Campos().size(); ++i) {
-          const base::Valor& v = filas.En(i, f);
-          texto += v.EsNulo()                      ? "NULL|"
-                   : v.tipo() == base::Tipo::Texto ? "'" + v.TextoCsv() + "'|"
-                                                   : v.TextoCsv() + "|";
+        for (std::size_t i = 0; i < filas.Fields().size(); ++i) {
+          const base::Value& v = filas.At(i, f);
+          texto += v.IsNull()                     ? "NULL|"
+                   : v.type() == base::Type::Text ? "'" + v.CsvText() + "'|"
+                                                  : v.CsvText() + "|";
         }
         texto += "\n";
       }
@@ -101,7 +101,7 @@ class Mesa {
                                             "DatosUsuTablas"};
 
   std::string motor_;
-  support::CarpetaTemporal temporal_;
+  support::TempFolder temporal_;
   std::string carpeta_;
 };
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "demo/demo_base.h"
-#include "engine_odbc/embedded_motor.h"
+#include "engine_odbc/embedded_engine.h"
 #include "mesa.h"
 
 namespace {
@@ -12,10 +12,10 @@ class ImportarOdbc : public testing::Test {
  protected:
   // A demo of its own, under the name that the table's reader knows.
   static void Llenar(const prueba::Mesa& mesa, const std::string& motor, const std::string& base) {
-    const base::Fecha mes = base::FechaDe(2026, 10, 1);
-    engine_sqlite::Opciones opciones;
-    opciones.crear = true;
-    demo::LlenarBase(*engine_sqlite::Abrir(mesa.Ruta("Personal.sqlite"), opciones), mes);
+    const base::Date mes = base::MakeDate(2026, 10, 1);
+    engine_sqlite::Options opciones;
+    opciones.create = true;
+    demo::LlenarBase(*engine_sqlite::Open(mesa.Ruta("Personal.sqlite"), opciones), mes);
     for (const demo::ArchivoDemo& a : demo::ArchivosDemo(mes)) mesa.Escribir(a.nombre, a.bytes);
     mesa.Escribir("ConfBase.cfg", "[Motor]\r\n" + motor + "\r\n[/Motor]\r\n[Base]\r\n" + base +
                                       "\r\n[/Base]\r\n[Usuario]\r\n6\r\n[/Usuario]");
@@ -26,7 +26,7 @@ class ImportarOdbc : public testing::Test {
   }
 };
 
-TEST_F(ImportarOdbc, DaLoMismoQueSinOdbc) {
+TEST_F(ImportarOdbc, GivesTheSameAsWithoutOdbc) {
   prueba::Mesa directa{"sqlite"}, por_odbc{"sqlite"};
   Llenar(directa, "sqlite", "Personal.sqlite");
   Llenar(por_odbc, "odbc", "Driver=" IDM_ODBC_PRUEBA ";Motor=" + por_odbc.Ruta("Personal.sqlite"));
@@ -42,7 +42,7 @@ TEST_F(ImportarOdbc, DaLoMismoQueSinOdbc) {
 }
 
 // The same file again replaces and sums what is there.
-TEST_F(ImportarOdbc, UnaSegundaVezTambien) {
+TEST_F(ImportarOdbc, ASecondTimeToo) {
   prueba::Mesa directa{"sqlite"}, por_odbc{"sqlite"};
   Llenar(directa, "sqlite", "Personal.sqlite");
   Llenar(por_odbc, "odbc", "Driver=" IDM_ODBC_PRUEBA ";Motor=" + por_odbc.Ruta("Personal.sqlite"));
@@ -51,7 +51,7 @@ TEST_F(ImportarOdbc, UnaSegundaVezTambien) {
   EXPECT_EQ(directa.Filas(), por_odbc.Filas());
 }
 
-TEST_F(ImportarOdbc, SinTransaccionesNoImportaNada) {
+TEST_F(ImportarOdbc, WithoutTransactionsItImportsNothing) {
   prueba::Mesa mesa{"sqlite"};
   Llenar(mesa, "odbc", "Driver=" IDM_ODBC_PRUEBA ";Txn=0;Motor=" + mesa.Ruta("Personal.sqlite"));
   const std::string antes = mesa.Filas();
@@ -60,7 +60,7 @@ TEST_F(ImportarOdbc, SinTransaccionesNoImportaNada) {
   EXPECT_EQ(mesa.Filas(), antes);
 }
 
-TEST_F(ImportarOdbc, UnCommitQueFallaNoDejaNada) {
+TEST_F(ImportarOdbc, ACommitThatFailsLeavesNothing) {
   prueba::Mesa mesa{"sqlite"};
   Llenar(mesa, "odbc", "Driver=" IDM_ODBC_PRUEBA ";Commit=falla;Motor=" + mesa.Ruta("Personal.sqlite"));
   const std::string antes = mesa.Filas();
@@ -74,6 +74,6 @@ TEST_F(ImportarOdbc, UnCommitQueFallaNoDejaNada) {
 
 }  // namespace
 
-extern "C" falso::Motor* CrearMotorDePrueba(const char16_t* nombre) {
-  return new falso::MotorEmbebido(base::DeUtf16(nombre));
+extern "C" fake::Engine* CreateTestEngine(const char16_t* nombre) {
+  return new fake::EmbeddedEngine(base::FromUtf16(nombre));
 }

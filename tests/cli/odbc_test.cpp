@@ -29,7 +29,7 @@ TEST_F(ConsultaOdbc, EscribeYLee) {
   EXPECT_EQ(Correr("Select k, v From t Order by k", false).out, "k,v\n1,ñandú\n2,\n");
 }
 
-TEST_F(ConsultaOdbc, SinPermisoNoEscribe) {
+TEST_F(ConsultaOdbc, WithoutLeaveItDoesNotWrite) {
   EXPECT_EQ(Correr("Create Table t (k INTEGER)", true).codigo, 0);
   const prueba::Salida s = Correr("Insert into t Values (1)", false);
   EXPECT_NE(s.codigo, 0);
@@ -37,7 +37,7 @@ TEST_F(ConsultaOdbc, SinPermisoNoEscribe) {
   EXPECT_EQ(Correr("Select Count(*) as n From t", false).out, "n\n0\n");
 }
 
-TEST_F(ConsultaOdbc, LosErroresSonLosDelDriver) {
+TEST_F(ConsultaOdbc, TheErrorsAreTheDrivers) {
   const prueba::Salida s = Correr("Select * From nada", false);
   EXPECT_NE(s.codigo, 0);
   EXPECT_EQ(s.err, "La base no pudo ejecutar la sentencia: [SQLite]no such table: nada (1)\n");

@@ -26,12 +26,12 @@ class WholeImport : public testing::TestWithParam<const char*> {
     rows_after_ = table_.Filas();
     ASSERT_NE(rows_before_, rows_after_);
   }
-  std::string Bytes() const { return *base::LeerArchivo(table_.Base()); }
+  std::string Bytes() const { return *base::ReadWholeFile(table_.Base()); }
   // A base of these bytes, without what another run may have left beside it.
   void Put(const std::string& bytes) const {
     for (const char* beside : {"-wal", "-shm", "-journal", "-diario"})
       std::filesystem::remove(std::filesystem::u8path(table_.Base() + beside));
-    ASSERT_TRUE(base::EscribirArchivo(table_.Base(), bytes));
+    ASSERT_TRUE(base::WriteWholeFile(table_.Base(), bytes));
   }
   prueba::Salida Import() const {
     // The embedded file is the company's base only when its reference says so.

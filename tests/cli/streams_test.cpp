@@ -50,8 +50,8 @@ class Streams : public ::testing::TestWithParam<std::tuple<const char*, Closed>>
     waitpid(child, &status, 0);
     Ended run;
     if (WIFEXITED(status)) run.code = WEXITSTATUS(status);
-    run.out = base::LeerArchivo(out).value_or("");
-    run.err = base::LeerArchivo(err).value_or("");
+    run.out = base::ReadWholeFile(out).value_or("");
+    run.err = base::ReadWholeFile(err).value_or("");
     return run;
   }
   static std::vector<std::string> Import(const prueba::Mesa& desk, const char* verb) {
@@ -68,12 +68,12 @@ class Streams : public ::testing::TestWithParam<std::tuple<const char*, Closed>>
             "2026-10-20"};
   }
   static void ExpectSound(const prueba::Mesa& desk, const std::string& first) {
-    const std::string now = base::LeerPrincipio(desk.Base(), first.size()).value_or("");
+    const std::string now = base::ReadBeginning(desk.Base(), first.size()).value_or("");
     EXPECT_EQ(now, first);
     if (desk.Base().ends_with(".mdb")) {
       const app::Verificacion v = app::VerificarArchivo(desk.Base());
       EXPECT_EQ(v.acceso, app::Acceso::Bien) << v.motivo;
-      EXPECT_TRUE(v.informe.Sano());
+      EXPECT_TRUE(v.informe.IsSound());
     }
   }
 };
@@ -90,7 +90,7 @@ TEST_P(Streams, ClosedByTheCaller) {
   const prueba::Mesa desk(engine);
   ASSERT_EQ(desk.Demo().codigo, cli::kTodo);
   // What an engine puts at the start of its file and no import changes.
-  const std::string first = base::LeerPrincipio(desk.Base(), 16).value_or("");
+  const std::string first = base::ReadBeginning(desk.Base(), 16).value_or("");
   const bool no_output = (closed & 2) != 0;
 
   Ended run = Start(desk, Import(desk, "revisar"), closed);
@@ -116,10 +116,10 @@ TEST_P(Streams, AQueryPrintsNothingIntoTheBase) {
   const auto [engine, closed] = GetParam();
   const prueba::Mesa desk(engine);
   ASSERT_EQ(desk.Demo().codigo, cli::kTodo);
-  const std::string bytes = base::LeerArchivo(desk.Base()).value_or("");
+  const std::string bytes = base::ReadWholeFile(desk.Base()).value_or("");
   for (const char* sql : {"Select * From Personas", "esto no es una consulta"})
     Start(desk, {"consulta", "--base", desk.Base(), "--escribir", sql}, closed);
-  EXPECT_TRUE(base::LeerArchivo(desk.Base()) == bytes);
+  EXPECT_TRUE(base::ReadWholeFile(desk.Base()) == bytes);
   const Ended run = Start(desk, {"consulta", "--base", desk.Base(), "Select * From Personas"}, closed);
   EXPECT_EQ(run.code, (closed & 2) != 0 ? cli::kEntradaSalida : cli::kTodo) << run.err;
   EXPECT_EQ(run.err, closed == 2 || closed == 3 ? "No se pudo escribir el resultado\n" : "");

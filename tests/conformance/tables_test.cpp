@@ -4,41 +4,41 @@
 #include <filesystem>
 #include <iostream>
 
-#include "conformance/correr.h"
+#include "conformance/run.h"
 #include "support/source_dir.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-class Tablas : public testing::TestWithParam<const char*> {};
+class Tables : public testing::TestWithParam<const char*> {};
 
-TEST_P(Tablas, LasFilasValen) {
-  const fs::path ruta = fs::path(support::SourceDir()) / "tests/data/conformance" / GetParam();
-  const conformance::Tabla tabla = conformance::LeerTabla(ruta);
-  const auto motor = conformance::MotorPorNombre("sqlite");
-  conformance::Corredor corredor(*motor);
-  conformance::Cuenta cuenta;
-  const auto anotar = [&](const std::string& id, const conformance::Resultado& r) {
-    cuenta.Sumar(r);
-    EXPECT_NE(r.que, conformance::Resultado::Que::Falla)
-        << id << ": got " << r.dio << ", expected " << r.espera;
+TEST_P(Tables, TheRowsHold) {
+  const fs::path path = fs::path(support::SourceDir()) / "tests/data/conformance" / GetParam();
+  const conformance::Table table = conformance::ReadTable(path);
+  const auto engine = conformance::EngineByName("sqlite");
+  conformance::Runner runner(*engine);
+  conformance::Tally tally;
+  const auto note = [&](const std::string& id, const conformance::Result& r) {
+    tally.Add(r);
+    EXPECT_NE(r.outcome, conformance::Result::Outcome::Fail)
+        << id << ": got " << r.got << ", expected " << r.expected;
   };
-  for (const auto& fila : tabla.filas) anotar(fila.id, corredor.Correr(fila));
-  for (const auto& s : tabla.sentencias) anotar(s.id, corredor.Correr(s));
-  std::cout << tabla.nombre << ": " << cuenta.Texto() << "\n";
-  EXPECT_GT(cuenta.pasan, 0);
+  for (const auto& row : table.rows) note(row.id, runner.Run(row));
+  for (const auto& s : table.statements) note(s.id, runner.Run(s));
+  std::cout << table.name << ": " << tally.Text() << "\n";
+  EXPECT_GT(tally.passed, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Hechos, Tablas,
+INSTANTIATE_TEST_SUITE_P(Hechos, Tables,
                          testing::Values("cnum.tsv", "compare.tsv", "cstr.tsv", "date_math.tsv",
                                          "date_parse.tsv", "date_serial.tsv", "format_date.tsv",
                                          "format_num.tsv", "format_text.tsv", "isnumeric.tsv", "jetfunc.tsv",
                                          "jetsort.tsv", "round.tsv", "strings.tsv", "val.tsv",
                                          "jetsql.jsonl"),
-                         [](const auto& caso) {
-                           const std::string nombre = caso.param;
-                           return nombre.substr(0, nombre.find('.'));
+                         [](const auto& test_case) {
+                           const std::string name = test_case.param;
+                           return name.substr(0, name.find('.'));
                          });
 
 }  // namespace

@@ -24,24 +24,24 @@
 
 namespace {
 
-base::Fecha MesDe(const support::Bloque& bloque) {
-  const std::string texto = bloque.Opcion("mes", "2024-06");
-  return base::FechaDe(std::atoi(texto.substr(0, 4).c_str()), std::atoi(texto.substr(5).c_str()), 1);
+base::Date MesDe(const support::Block& bloque) {
+  const std::string texto = bloque.Option("mes", "2024-06");
+  return base::MakeDate(std::atoi(texto.substr(0, 4).c_str()), std::atoi(texto.substr(5).c_str()), 1);
 }
 
-std::string Celda(const base::Valor& valor) {
-  if (valor.EsNulo()) return "NULL";
-  std::string texto = valor.TextoCsv();
+std::string Celda(const base::Value& valor) {
+  if (valor.IsNull()) return "NULL";
+  std::string texto = valor.CsvText();
   return texto.empty() ? "(empty)" : texto;
 }
 
 std::string Filas(const db::Recordset& rs, bool ordenar) {
   std::vector<std::string> filas;
-  for (std::size_t f = 0; f < rs.Cantidad(); ++f) {
+  for (std::size_t f = 0; f < rs.Count(); ++f) {
     std::string fila;
-    for (std::size_t c = 0; c < rs.Campos().size(); ++c) {
+    for (std::size_t c = 0; c < rs.Fields().size(); ++c) {
       if (c > 0) fila += '|';
-      fila += Celda(rs.En(c, f));
+      fila += Celda(rs.At(c, f));
     }
     filas.push_back(std::move(fila));
   }
@@ -51,29 +51,29 @@ std::string Filas(const db::Recordset& rs, bool ordenar) {
 
 class BasesDeDemo {
  public:
-  db::Connection& Del(base::Fecha mes) {
-    auto& conexion = bases_[mes.serie];
+  db::Connection& Del(base::Date mes) {
+    auto& conexion = bases_[mes.serial];
     if (conexion == nullptr) {
-      engine_sqlite::Opciones opciones;
-      opciones.reloj = &reloj_;
-      conexion = engine_sqlite::Abrir(":memory:", opciones);
+      engine_sqlite::Options opciones;
+      opciones.clock = &reloj_;
+      conexion = engine_sqlite::Open(":memory:", opciones);
       demo::LlenarBase(*conexion, mes);
     }
     return *conexion;
   }
 
  private:
-  ports::RelojFijo reloj_{base::FechaDe(2024, 6, 18)};
+  ports::FixedClock reloj_{base::MakeDate(2024, 6, 18)};
   std::map<double, std::unique_ptr<db::Connection>> bases_;
 };
 
-std::string Archivo(const support::Bloque& bloque) {
+std::string Archivo(const support::Block& bloque) {
   for (const demo::ArchivoDemo& archivo : demo::ArchivosDemo(MesDe(bloque))) {
-    if (archivo.nombre != bloque.entrada) continue;
-    const auto lineas = base::Split(base::DeCp1252(archivo.bytes), base::kCrLf);
-    if (const std::string clave = bloque.Opcion("setting"); !clave.empty())
-      return base::Reemplazar(settings::ValorDeTexto(base::DeCp1252(archivo.bytes), clave), "\r\n", "\n");
-    if (const std::string tramo = bloque.Opcion("lines"); !tramo.empty()) {
+    if (archivo.nombre != bloque.entry) continue;
+    const auto lineas = base::Split(base::FromCp1252(archivo.bytes), base::kCrLf);
+    if (const std::string clave = bloque.Option("setting"); !clave.empty())
+      return base::Replace(settings::ValorDeTexto(base::FromCp1252(archivo.bytes), clave), "\r\n", "\n");
+    if (const std::string tramo = bloque.Option("lines"); !tramo.empty()) {
       const auto desde = static_cast<std::size_t>(std::atoi(tramo.c_str()));
       const auto hasta = static_cast<std::size_t>(std::atoi(tramo.substr(tramo.find('-') + 1).c_str()));
       std::vector<std::string> elegidas;
@@ -83,14 +83,14 @@ std::string Archivo(const support::Bloque& bloque) {
     const auto cuenta = [&](char c) { return std::count(archivo.bytes.begin(), archivo.bytes.end(), c); };
     return "lines " + std::to_string(lineas.size()) + ", CR " + std::to_string(cuenta('\r')) + ", LF " +
            std::to_string(cuenta('\n')) + ", n with tilde as F1 " + std::to_string(cuenta('\xF1')) +
-           ", utf-8 " + (base::EsUtf8Valido(archivo.bytes) ? "yes" : "no");
+           ", utf-8 " + (base::IsValidUtf8(archivo.bytes) ? "yes" : "no");
   }
   return "no such file";
 }
 
-std::string Ajustes(const support::Bloque& bloque) {
-  const std::string bytes = demo::AjustesDemo(MesDe(bloque), bloque.Tiene("fixed"));
-  const settings::Settings s = settings::LeerSettings(base::DeCp1252(bytes));
+std::string Ajustes(const support::Block& bloque) {
+  const std::string bytes = demo::AjustesDemo(MesDe(bloque), bloque.Has("fixed"));
+  const settings::Settings s = settings::LeerSettings(base::FromCp1252(bytes));
   const auto si = [](bool v) { return v ? "1" : "0"; };
   std::string texto = std::string("AnchoFijo ") + si(s.AnchoFijo) + ", Separador " + s.Separador +
                       ", Configura " + std::to_string(s.Configura) + ", SoloDatosDeRel " +
@@ -108,37 +108,37 @@ std::string Ajustes(const support::Bloque& bloque) {
   return texto;
 }
 
-support::Verbos Preparar() {
+support::Verbs Preparar() {
   const auto bases = std::make_shared<BasesDeDemo>();
-  support::Verbos verbos;
-  verbos["query"] = [bases](const support::Bloque& b) {
-    return Filas(bases->Del(MesDe(b)).Consultar(b.entrada), b.Tiene("rowsort"));
+  support::Verbs verbos;
+  verbos["query"] = [bases](const support::Block& b) {
+    return Filas(bases->Del(MesDe(b)).Query(b.entry), b.Has("rowsort"));
   };
-  verbos["twice"] = [bases](const support::Bloque& b) -> std::string {
+  verbos["twice"] = [bases](const support::Block& b) -> std::string {
     db::Connection& conexion = bases->Del(MesDe(b));
     try {
       demo::LlenarBase(conexion, MesDe(b));
     } catch (const db::Error&) {
-      return std::string("db::Error, transaction ") + (conexion.EnTransaccion() ? "open" : "closed") +
-             ", contracts " + Filas(conexion.Consultar("Select count(*) from Contrato"), false);
+      return std::string("db::Error, transaction ") + (conexion.InTransaction() ? "open" : "closed") +
+             ", contracts " + Filas(conexion.Query("Select count(*) from Contrato"), false);
     }
     return "filled twice";
   };
-  verbos["expand"] = [](const support::Bloque& b) -> std::string {
+  verbos["expand"] = [](const support::Block& b) -> std::string {
     try {
-      return demo::ExpandirPlantilla(b.entrada, MesDe(b));
+      return demo::ExpandirPlantilla(b.entry, MesDe(b));
     } catch (const base::Error& e) {
-      return "ERROR " + e.Descripcion();
+      return "ERROR " + e.Description();
     }
   };
-  verbos["statements"] = [](const support::Bloque& b) -> std::string {
+  verbos["statements"] = [](const support::Block& b) -> std::string {
     try {
       std::vector<std::string> lineas;
-      for (const std::string& s : demo::SepararSentencias(b.entrada))
+      for (const std::string& s : demo::SepararSentencias(b.entry))
         lineas.push_back(std::string("- ").append(s));
       return base::Join(lineas, "\n");
     } catch (const base::Error& e) {
-      return "ERROR " + e.Descripcion();
+      return "ERROR " + e.Description();
     }
   };
   verbos["file"] = Archivo;
@@ -148,4 +148,4 @@ support::Verbos Preparar() {
 
 }  // namespace
 
-int main(int argc, char** argv) { return support::EjecutarArchivos(argc, argv, Preparar); }
+int main(int argc, char** argv) { return support::RunFiles(argc, argv, Preparar); }

@@ -1,5 +1,5 @@
 // What an engine gives the suite: a new base of its own, to be filled by the cases. Each engine's program has
-// one file that defines Crear.
+// one file that defines Create.
 #pragma once
 
 #include <memory>
@@ -9,23 +9,23 @@
 #include "db/connection.h"
 #include "ports/clock.h"
 
-namespace pruebas {
+namespace tests {
 
-struct Deseos {
-  const ports::Clock* reloj = nullptr;
+struct Wishes {
+  const ports::Clock* clock = nullptr;
   const base::Locale* locale = nullptr;
-  base::Orden orden = base::Orden::EspanolModerno;
-  bool comodines_dao = false;
+  base::SortOrder order = base::SortOrder::ModernSpanish;
+  bool dao_wildcards = false;
 };
 
-class BaseDePrueba {
+class TestDatabase {
  public:
-  virtual ~BaseDePrueba() = default;
-  virtual db::Connection& Conexion() = 0;
+  virtual ~TestDatabase() = default;
+  virtual db::Connection& Connection() = 0;
   // Closes it, and opens it again with what it holds.
-  virtual void Reabrir() = 0;
+  virtual void Reopen() = 0;
 };
 
-std::unique_ptr<BaseDePrueba> Crear(const Deseos& deseos);
+std::unique_ptr<TestDatabase> Create(const Wishes& wishes);
 
-}  // namespace pruebas
+}  // namespace tests

@@ -2,36 +2,36 @@
 #include "engine_mdb/mdb_connection.h"
 #include "support/temp_folder.h"
 
-namespace pruebas {
+namespace tests {
 namespace {
 
-std::uint16_t LcidDe(base::Orden orden) {
-  if (orden == base::Orden::General) return 1033;
-  return orden == base::Orden::EspanolTradicional ? 1034 : 3082;
+std::uint16_t LcidOf(base::SortOrder order) {
+  if (order == base::SortOrder::General) return 1033;
+  return order == base::SortOrder::TraditionalSpanish ? 1034 : 3082;
 }
 
-class BaseMdb final : public BaseDePrueba {
+class BaseMdb final : public TestDatabase {
  public:
-  explicit BaseMdb(const Deseos& deseos) {
-    opciones_.reloj = deseos.reloj;
-    opciones_.locale = deseos.locale;
-    opciones_.comodines_dao = deseos.comodines_dao;
-    conexion_ = engine_mdb::Crear(carpeta_.Ruta("base.mdb"), opciones_, LcidDe(deseos.orden));
+  explicit BaseMdb(const Wishes& wishes) {
+    options_.clock = wishes.clock;
+    options_.locale = wishes.locale;
+    options_.dao_wildcards = wishes.dao_wildcards;
+    connection_ = engine_mdb::Create(folder_.Path("base.mdb"), options_, LcidOf(wishes.order));
   }
-  db::Connection& Conexion() override { return *conexion_; }
-  void Reabrir() override {
-    conexion_.reset();
-    conexion_ = engine_mdb::Abrir(carpeta_.Ruta("base.mdb"), opciones_);
+  db::Connection& Connection() override { return *connection_; }
+  void Reopen() override {
+    connection_.reset();
+    connection_ = engine_mdb::Open(folder_.Path("base.mdb"), options_);
   }
 
  private:
-  support::CarpetaTemporal carpeta_;
-  engine_mdb::Opciones opciones_;
-  std::unique_ptr<db::Connection> conexion_;
+  support::TempFolder folder_;
+  engine_mdb::Options options_;
+  std::unique_ptr<db::Connection> connection_;
 };
 
 }  // namespace
 
-std::unique_ptr<BaseDePrueba> Crear(const Deseos& deseos) { return std::make_unique<BaseMdb>(deseos); }
+std::unique_ptr<TestDatabase> Create(const Wishes& wishes) { return std::make_unique<BaseMdb>(wishes); }
 
-}  // namespace pruebas
+}  // namespace tests

@@ -3,26 +3,26 @@
 #include "engine_odbc/odbc_connection.h"
 #include "support/temp_folder.h"
 
-namespace pruebas {
+namespace tests {
 namespace {
 
-class BaseOdbc final : public BaseDePrueba {
+class BaseOdbc final : public TestDatabase {
  public:
-  BaseOdbc() { Reabrir(); }
-  db::Connection& Conexion() override { return *conexion_; }
-  void Reabrir() override {
-    conexion_.reset();
-    conexion_ = engine_odbc::Abrir("Driver=" IDM_ODBC_SQLITE ";Database=" + carpeta_.Ruta("base.sqlite"));
+  BaseOdbc() { Reopen(); }
+  db::Connection& Connection() override { return *connection_; }
+  void Reopen() override {
+    connection_.reset();
+    connection_ = engine_odbc::Open("Driver=" IDM_ODBC_SQLITE ";Database=" + folder_.Path("base.sqlite"));
   }
 
  private:
-  support::CarpetaTemporal carpeta_;
-  std::unique_ptr<db::Connection> conexion_;
+  support::TempFolder folder_;
+  std::unique_ptr<db::Connection> connection_;
 };
 
 }  // namespace
 
 // The driver has its own clock, locale and order.
-std::unique_ptr<BaseDePrueba> Crear(const Deseos&) { return std::make_unique<BaseOdbc>(); }
+std::unique_ptr<TestDatabase> Create(const Wishes&) { return std::make_unique<BaseOdbc>(); }
 
-}  // namespace pruebas
+}  // namespace tests

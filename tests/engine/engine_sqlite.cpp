@@ -2,33 +2,33 @@
 #include "engine_sqlite/sqlite_connection.h"
 #include "support/temp_folder.h"
 
-namespace pruebas {
+namespace tests {
 namespace {
 
-class BaseSqlite final : public BaseDePrueba {
+class BaseSqlite final : public TestDatabase {
  public:
-  explicit BaseSqlite(const Deseos& deseos) {
-    opciones_.crear = true;
-    opciones_.reloj = deseos.reloj;
-    opciones_.locale = deseos.locale;
-    opciones_.orden = deseos.orden;
-    opciones_.comodines_dao = deseos.comodines_dao;
-    conexion_ = engine_sqlite::Abrir(carpeta_.Ruta("base.sqlite"), opciones_);
+  explicit BaseSqlite(const Wishes& wishes) {
+    options_.create = true;
+    options_.clock = wishes.clock;
+    options_.locale = wishes.locale;
+    options_.order = wishes.order;
+    options_.dao_wildcards = wishes.dao_wildcards;
+    connection_ = engine_sqlite::Open(folder_.Path("base.sqlite"), options_);
   }
-  db::Connection& Conexion() override { return *conexion_; }
-  void Reabrir() override {
-    conexion_.reset();
-    conexion_ = engine_sqlite::Abrir(carpeta_.Ruta("base.sqlite"), opciones_);
+  db::Connection& Connection() override { return *connection_; }
+  void Reopen() override {
+    connection_.reset();
+    connection_ = engine_sqlite::Open(folder_.Path("base.sqlite"), options_);
   }
 
  private:
-  support::CarpetaTemporal carpeta_;
-  engine_sqlite::Opciones opciones_;
-  std::unique_ptr<db::Connection> conexion_;
+  support::TempFolder folder_;
+  engine_sqlite::Options options_;
+  std::unique_ptr<db::Connection> connection_;
 };
 
 }  // namespace
 
-std::unique_ptr<BaseDePrueba> Crear(const Deseos& deseos) { return std::make_unique<BaseSqlite>(deseos); }
+std::unique_ptr<TestDatabase> Create(const Wishes& wishes) { return std::make_unique<BaseSqlite>(wishes); }
 
-}  // namespace pruebas
+}  // namespace tests

@@ -25,154 +25,162 @@
 
 namespace {
 
-using support::Bloque;
+using support::Block;
 
-struct Mesa {
-  std::unique_ptr<ports::RelojFijo> reloj;
-  std::unique_ptr<pruebas::BaseDePrueba> prueba;
+struct TestBench {
+  std::unique_ptr<ports::FixedClock> clock;
+  std::unique_ptr<tests::TestDatabase> fixture;
   db::Connection* base = nullptr;
 };
 
-base::Fecha LeerReloj(const std::string& texto) {
+base::Date ReadClock(const std::string& text) {
   int a = 0, m = 0, d = 0, h = 0, n = 0, s = 0;
-  if (std::sscanf(texto.c_str(), "%d-%d-%dT%d:%d:%d", &a, &m, &d, &h, &n, &s) < 3)
-    throw std::runtime_error("bad clock " + texto);
-  return {base::FechaDe(a, m, d).serie + base::HoraDe(h, n, s).serie};
+  if (std::sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d", &a, &m, &d, &h, &n, &s) < 3)
+    throw std::runtime_error("bad clock " + text);
+  return {base::MakeDate(a, m, d).serial + base::MakeTime(h, n, s).serial};
 }
 
-void Abrir(Mesa& mesa, const Bloque& bloque) {
-  mesa.prueba = nullptr;
-  mesa.reloj = std::make_unique<ports::RelojFijo>(LeerReloj(bloque.Opcion("clock", "2024-03-15T10:20:30")));
-  pruebas::Deseos deseos;
-  deseos.reloj = mesa.reloj.get();
-  if (bloque.Opcion("locale") == "en") deseos.locale = &base::Locale::ingles();
-  deseos.comodines_dao = bloque.Opcion("mode") == "dao";
-  const std::string orden = bloque.Opcion("order");
-  if (orden == "general") deseos.orden = base::Orden::General;
-  if (orden == "traditional") deseos.orden = base::Orden::EspanolTradicional;
-  mesa.prueba = pruebas::Crear(deseos);
-  mesa.base = &mesa.prueba->Conexion();
+void Open(TestBench& bench, const Block& block) {
+  bench.fixture = nullptr;
+  bench.clock = std::make_unique<ports::FixedClock>(ReadClock(block.Option("clock", "2024-03-15T10:20:30")));
+  tests::Wishes wishes;
+  wishes.clock = bench.clock.get();
+  if (block.Option("locale") == "en") wishes.locale = &base::Locale::english();
+  wishes.dao_wildcards = block.Option("mode") == "dao";
+  const std::string order = block.Option("order");
+  if (order == "general") wishes.order = base::SortOrder::General;
+  if (order == "traditional") wishes.order = base::SortOrder::TraditionalSpanish;
+  bench.fixture = tests::Create(wishes);
+  bench.base = &bench.fixture->Connection();
 }
 
-std::vector<std::string> Sentencias(const std::string& entrada) {
-  std::vector<std::string> todas;
-  std::istringstream lineas(entrada);
-  std::string actual;
-  for (std::string linea; std::getline(lineas, linea);) {
-    if (!actual.empty()) actual += '\n';
-    actual += linea;
-    if (linea.empty() || linea.back() != ';') continue;
-    actual.pop_back();
-    todas.push_back(actual);
-    actual.clear();
+std::vector<std::string> SplitStatements(const std::string& entry) {
+  std::vector<std::string> all;
+  std::istringstream lines(entry);
+  std::string current;
+  for (std::string line; std::getline(lines, line);) {
+    if (!current.empty()) current += '\n';
+    current += line;
+    if (line.empty() || line.back() != ';') continue;
+    current.pop_back();
+    all.push_back(current);
+    current.clear();
   }
-  if (!actual.empty()) todas.push_back(actual);
-  if (todas.empty()) throw std::runtime_error("a block without statements");
-  return todas;
+  if (!current.empty()) all.push_back(current);
+  if (all.empty()) throw std::runtime_error("a block without statements");
+  return all;
 }
 
 // Runs all but the last one.
-std::string Ultima(Mesa& mesa, const Bloque& bloque) {
-  std::vector<std::string> todas = Sentencias(bloque.entrada);
-  for (std::size_t i = 0; i + 1 < todas.size(); ++i) mesa.base->Ejecutar(todas[i]);
-  return todas.back();
+std::string Last(TestBench& bench, const Block& block) {
+  std::vector<std::string> all = SplitStatements(block.entry);
+  for (std::size_t i = 0; i + 1 < all.size(); ++i) bench.base->Execute(all[i]);
+  return all.back();
 }
 
-std::string Consultar(Mesa& mesa, const Bloque& bloque) {
-  const db::Recordset filas = mesa.base->Ejecutar(Ultima(mesa, bloque));
-  std::string salida;
-  if (bloque.Tiene("head")) salida = support::Cabecera(filas);
-  if (!salida.empty() && !filas.Vacio()) salida += '\n';
-  salida += support::Filas(filas, bloque.Tiene("rowsort"));
-  return salida;
+std::string Query(TestBench& bench, const Block& block) {
+  const db::Recordset rows = bench.base->Execute(Last(bench, block));
+  std::string output;
+  if (block.Has("head")) output = support::Header(rows);
+  if (!output.empty() && !rows.IsEmpty()) output += '\n';
+  output += support::Rows(rows, block.Has("rowsort"));
+  return output;
 }
 
-std::string Fallar(Mesa& mesa, const Bloque& bloque) {
-  const std::string sql = Ultima(mesa, bloque);
+std::string Fail(TestBench& bench, const Block& block) {
+  const std::string sql = Last(bench, block);
   try {
-    bloque.Tiene("read") ? mesa.base->Consultar(sql) : mesa.base->Ejecutar(sql);
+    block.Has("read") ? bench.base->Query(sql) : bench.base->Execute(sql);
   } catch (const db::Error& e) {
-    return support::TextoDeError(e);
+    return support::ErrorText(e);
   }
   return "no error";
 }
 
-std::string Bounded(Mesa& mesa, const Bloque& bloque) {
+std::string Bounded(TestBench& bench, const Block& block) {
   db::QueryBudget budget;
   const auto size = [&](const char* name, std::int64_t& part) {
-    if (const std::string text = bloque.Opcion(name); !text.empty()) part = std::stoll(text);
+    if (const std::string text = block.Option(name); !text.empty()) part = std::stoll(text);
   };
   size("steps", budget.steps);
   size("rows", budget.rows);
   size("bytes", budget.bytes);
   db::Recordset rows;
   try {
-    for (const std::string& sql : Sentencias(bloque.entrada)) rows = mesa.base->QueryBounded(sql, budget);
+    for (const std::string& sql : SplitStatements(block.entry)) rows = bench.base->QueryBounded(sql, budget);
   } catch (const db::QueryInterrupted& e) {
-    return e.IsStorageFault() ? "a fault of the storage" : support::TextoDeError(e);
+    return e.IsStorageFault() ? "a fault of the storage" : support::ErrorText(e);
   } catch (const db::Error& e) {
-    return "no interruption: " + support::TextoDeError(e);
+    return "no interruption: " + support::ErrorText(e);
   }
-  return support::Filas(rows, bloque.Tiene("rowsort"));
+  return support::Rows(rows, block.Has("rowsort"));
 }
 
-std::string Tablas(Mesa& mesa, const Bloque& bloque) {
-  std::string salida;
-  std::istringstream nombres(bloque.entrada);
-  for (std::string nombre; std::getline(nombres, nombre);) {
+std::string Tables(TestBench& bench, const Block& block) {
+  std::string output;
+  std::istringstream names(block.entry);
+  for (std::string name; std::getline(names, name);) {
     std::string sql = "SELECT * FROM [";
-    sql += nombre;
+    sql += name;
     sql += ']';
-    const db::Recordset filas = mesa.base->Ejecutar(sql);
-    if (!salida.empty()) salida += '\n';
-    salida += nombre;
-    salida += ':';
-    if (!filas.Vacio()) salida += '\n';
-    salida += support::Filas(filas, true);
+    const db::Recordset rows = bench.base->Execute(sql);
+    if (!output.empty()) output += '\n';
+    output += name;
+    output += ':';
+    if (!rows.IsEmpty()) output += '\n';
+    output += support::Rows(rows, true);
   }
-  return salida;
+  return output;
 }
 
-template <typename Paso>
-std::string Transaccion(Paso&& paso) {
+template <typename Step>
+std::string TransactionStep(Step&& step) {
   try {
-    paso();
+    step();
   } catch (const db::Error& e) {
-    return support::TextoDeError(e);
+    return support::ErrorText(e);
   }
   return "ok";
 }
 
-support::Verbos Preparar() {
-  const auto mesa = std::make_shared<Mesa>();
-  Abrir(*mesa, {});
-  support::Verbos verbos;
-  verbos["open"] = [mesa](const Bloque& b) {
-    Abrir(*mesa, b);
+support::Verbs Prepare() {
+  const auto bench = std::make_shared<TestBench>();
+  Open(*bench, {});
+  support::Verbs verbs;
+  verbs["open"] = [bench](const Block& b) {
+    Open(*bench, b);
     return std::string();
   };
-  verbos["reopen"] = [mesa](const Bloque&) {
-    mesa->prueba->Reabrir();
-    mesa->base = &mesa->prueba->Conexion();
+  verbs["reopen"] = [bench](const Block&) {
+    bench->fixture->Reopen();
+    bench->base = &bench->fixture->Connection();
     return std::string();
   };
-  verbos["exec"] = [mesa](const Bloque& b) {
-    mesa->base->Ejecutar(Ultima(*mesa, b));
-    return std::to_string(mesa->base->FilasAfectadas());
+  verbs["exec"] = [bench](const Block& b) {
+    bench->base->Execute(Last(*bench, b));
+    return std::to_string(bench->base->AffectedRows());
   };
-  verbos["query"] = [mesa](const Bloque& b) { return Consultar(*mesa, b); };
-  verbos["error"] = [mesa](const Bloque& b) { return Fallar(*mesa, b); };
-  verbos["bounded"] = [mesa](const Bloque& b) { return Bounded(*mesa, b); };
-  verbos["tables"] = [mesa](const Bloque& b) { return Tablas(*mesa, b); };
-  verbos["begin"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->BeginTrans(); }); };
-  verbos["commit"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->CommitTrans(); }); };
-  verbos["rollback"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->RollbackTrans(); }); };
-  verbos["savepoint"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->SetSavepoint(); }); };
-  verbos["undo"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->RollbackToSavepoint(); }); };
-  verbos["release"] = [mesa](const Bloque&) { return Transaccion([&] { mesa->base->ReleaseSavepoint(); }); };
-  return verbos;
+  verbs["query"] = [bench](const Block& b) { return Query(*bench, b); };
+  verbs["error"] = [bench](const Block& b) { return Fail(*bench, b); };
+  verbs["bounded"] = [bench](const Block& b) { return Bounded(*bench, b); };
+  verbs["tables"] = [bench](const Block& b) { return Tables(*bench, b); };
+  verbs["begin"] = [bench](const Block&) { return TransactionStep([&] { bench->base->BeginTrans(); }); };
+  verbs["commit"] = [bench](const Block&) { return TransactionStep([&] { bench->base->CommitTrans(); }); };
+  verbs["rollback"] = [bench](const Block&) {
+    return TransactionStep([&] { bench->base->RollbackTrans(); });
+  };
+  verbs["savepoint"] = [bench](const Block&) {
+    return TransactionStep([&] { bench->base->SetSavepoint(); });
+  };
+  verbs["undo"] = [bench](const Block&) {
+    return TransactionStep([&] { bench->base->RollbackToSavepoint(); });
+  };
+  verbs["release"] = [bench](const Block&) {
+    return TransactionStep([&] { bench->base->ReleaseSavepoint(); });
+  };
+  return verbs;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) { return support::EjecutarArchivos(argc, argv, Preparar); }
+int main(int argc, char** argv) { return support::RunFiles(argc, argv, Prepare); }

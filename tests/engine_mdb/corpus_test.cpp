@@ -4,13 +4,13 @@
 #include "engine_mdb/query_text.h"
 #include "mdb/rows/table.h"
 #include "mdb/samples.h"
-#include "mesa.h"
+#include "test_bench.h"
 
 namespace {
 
-std::size_t FilasDe(mdb::Base& base, const std::string& tabla) {
+std::size_t RowsOf(mdb::Database& base, const std::string& table) {
   std::size_t n = 0;
-  mdb::RecorrerFilas(base.Hojas(), *base.Indice().Tabla(tabla), [&](mdb::IdFila, const mdb::Fila&) {
+  mdb::WalkRows(base.Pages(), *base.Catalog().Table(table), [&](mdb::RowId, const mdb::Row&) {
     ++n;
     return true;
   });
@@ -18,98 +18,97 @@ std::size_t FilasDe(mdb::Base& base, const std::string& tabla) {
 }
 
 // Why a query gives no rows here; empty when it must.
-std::string Reason(const mdb::ConsultaGuardada& query, bool sample) {
-  const auto kind = mdb::ClaseDe(query);
-  if (kind == mdb::ClaseConsulta::Seleccion) return {};
+std::string Reason(const mdb::SavedQuery& query, bool sample) {
+  const auto kind = mdb::KindOf(query);
+  if (kind == mdb::QueryKind::Select) return {};
   // Those of the further files have SELECTs without a FROM.
-  if (kind == mdb::ClaseConsulta::Union) return sample ? "" : "No se encuentra la columna 'Table1.col1'";
-  if (kind == mdb::ClaseConsulta::Cruzada) return {};
-  return "La consulta '" + query.nombre + "' es " + engine_mdb::KindName(kind) +
+  if (kind == mdb::QueryKind::Union) return sample ? "" : "No se encuentra la columna 'Table1.col1'";
+  if (kind == mdb::QueryKind::Crosstab) return {};
+  return "La consulta '" + query.name + "' es " + engine_mdb::KindName(kind) +
          ": no da filas y no se puede usar como tabla";
 }
 
-void Comprobar(const std::string& ruta, const std::string& password) {
-  SCOPED_TRACE(ruta);
+void Check(const std::string& path, const std::string& password) {
+  SCOPED_TRACE(path);
   const bool sample = password != "ucanaccess";
-  const std::string antes = *base::LeerArchivo(ruta);
-  const auto fecha = std::filesystem::last_write_time(ruta);
+  const std::string before = *base::ReadWholeFile(path);
+  const auto date = std::filesystem::last_write_time(path);
   {
-    engine_mdb::Opciones o;
-    o.contrasena = password;
-    const auto conexion = engine_mdb::Abrir(ruta, o);
-    const auto base = mdb::Base::Abrir(ruta, {true, password});
-    for (const mdb::Objeto& objeto : base->Indice().Objetos()) {
-      if (objeto.tipo == mdb::Objeto::Tabla) {
-        SCOPED_TRACE(objeto.nombre);
+    engine_mdb::Options o;
+    o.password = password;
+    const auto connection = engine_mdb::Open(path, o);
+    const auto base = mdb::Database::Open(path, {true, password});
+    for (const mdb::Object& object : base->Catalog().Objects()) {
+      if (object.type == mdb::Object::Table) {
+        SCOPED_TRACE(object.name);
         db::Recordset r;
-        ASSERT_NO_THROW(r = conexion->Consultar("SELECT * FROM [" + objeto.nombre + "]"));
-        EXPECT_EQ(r.Cantidad(), FilasDe(*base, objeto.nombre)) << objeto.nombre;
-        EXPECT_EQ(r.Campos().size(), base->Indice().Tabla(objeto.nombre)->columnas.size()) << objeto.nombre;
-      } else if (objeto.tipo == mdb::Objeto::Consulta) {
-        std::string falla;
+        ASSERT_NO_THROW(r = connection->Query("SELECT * FROM [" + object.name + "]"));
+        EXPECT_EQ(r.Count(), RowsOf(*base, object.name)) << object.name;
+        EXPECT_EQ(r.Fields().size(), base->Catalog().Table(object.name)->columns.size()) << object.name;
+      } else if (object.type == mdb::Object::Query) {
+        std::string failure;
         try {
-          conexion->Consultar("SELECT * FROM [" + objeto.nombre + "]");
+          connection->Query("SELECT * FROM [" + object.name + "]");
         } catch (const db::Error& e) {
-          falla = e.Descripcion();
+          failure = e.Description();
         }
-        if (objeto.nombre == "CrosstabQuery") {
-          EXPECT_NE(falla, "") << "it has a total in its WHERE";
+        if (object.name == "CrosstabQuery") {
+          EXPECT_NE(failure, "") << "it has a total in its WHERE";
         } else {
-          EXPECT_EQ(falla, Reason(base->Indice().ConsultaDe(objeto.nombre), sample)) << objeto.nombre;
+          EXPECT_EQ(failure, Reason(base->Catalog().QueryOf(object.name), sample)) << object.name;
         }
       }
     }
   }
-  EXPECT_EQ(*base::LeerArchivo(ruta), antes);
-  EXPECT_EQ(std::filesystem::last_write_time(ruta), fecha);
+  EXPECT_EQ(*base::ReadWholeFile(path), before);
+  EXPECT_EQ(std::filesystem::last_write_time(path), date);
 }
 
-TEST(CorpusMdb, CadaTablaYCadaConsulta) {
-  const support::CarpetaTemporal carpeta;
+TEST(CorpusMdb, EachTableAndEachQuery) {
+  const support::TempFolder folder;
   for (const std::string& path : mdb_test::EveryFile()) {
     const auto name = std::filesystem::path(path).filename();
-    const std::string further = mdb_test::CarpetaDeCorpus();
+    const std::string further = mdb_test::CorpusFolder();
     const bool sample = further.empty() || !path.starts_with(further);
-    const std::string copy = carpeta.Ruta((sample ? "muestra " : "") + name.string());
+    const std::string copy = folder.Path((sample ? "muestra " : "") + name.string());
     std::filesystem::copy_file(path, copy);
     std::filesystem::permissions(copy, std::filesystem::perms::owner_all);
-    Comprobar(copy, sample ? "contraseña" : "ucanaccess");
+    Check(copy, sample ? "contraseña" : "ucanaccess");
   }
 }
 
 // A file of another writer with relationships: one deletes with its parent, the other changes its key with
 // it.
-TEST(CorpusMdb, LasRelacionesDeUnArchivoAjeno) {
-  const support::CarpetaTemporal carpeta;
-  const std::string ruta =
-      carpeta.Escribir("r.mdb", *base::LeerArchivo(mdb_test::SamplePath("relations.mdb")));
+TEST(CorpusMdb, TheRelationshipsOfAForeignFile) {
+  const support::TempFolder folder;
+  const std::string path = folder.Write("r.mdb", *base::ReadWholeFile(mdb_test::SamplePath("relations.mdb")));
   {
-    const auto c = engine_mdb::Abrir(ruta);
-    const auto falla = [&](const char* sql) -> std::string {
+    const auto c = engine_mdb::Open(path);
+    const auto failure = [&](const char* sql) -> std::string {
       try {
-        c->Ejecutar(sql);
+        c->Execute(sql);
       } catch (const db::Error& e) {
-        return e.Descripcion();
+        return e.Description();
       }
       return "no error";
     };
-    EXPECT_EQ(falla("INSERT INTO Table1 (id, otherfk1, otherfk2, data) VALUES (100, 999, 11, 'x')"),
+    EXPECT_EQ(failure("INSERT INTO Table1 (id, otherfk1, otherfk2, data) VALUES (100, 999, 11, 'x')"),
               "No se puede guardar el registro en la tabla Table1: falta el registro relacionado en la tabla "
               "Table2 "
               "(relación Table2Table1).");
-    EXPECT_EQ(falla("UPDATE Table2 SET id = 77 WHERE id = 1"),
+    EXPECT_EQ(failure("UPDATE Table2 SET id = 77 WHERE id = 1"),
               "No se puede borrar el registro de la tabla Table2 ni cambiar su clave: la tabla Table1 tiene "
               "registros "
               "relacionados (relación Table2Table1).");
-    EXPECT_EQ(falla("DELETE FROM Table3 WHERE id = 10"),
+    EXPECT_EQ(failure("DELETE FROM Table3 WHERE id = 10"),
               "No se puede borrar el registro de la tabla Table3 ni cambiar su clave: la tabla Table1 tiene "
               "registros "
               "relacionados (relación Table3Table1).");
-    c->Ejecutar("DELETE FROM Table2 WHERE id = 1");
-    EXPECT_EQ(c->FilasAfectadas(), 1);
-    c->Ejecutar("UPDATE Table3 SET id = 50 WHERE id = 10");
+    c->Execute("DELETE FROM Table2 WHERE id = 1");
+    EXPECT_EQ(c->AffectedRows(), 1);
+    c->Execute("UPDATE Table3 SET id = 50 WHERE id = 10");
   }
-  EXPECT_EQ(support::Filas(engine_mdb::Abrir(ruta)->Ejecutar("SELECT id, otherfk2 FROM Table1 ORDER BY id")),
+  EXPECT_EQ(support::Rows(engine_mdb::Open(path)->Execute("SELECT id, otherfk2 FROM Table1 ORDER BY id")),
             "0|50\n3|13");
 }
 

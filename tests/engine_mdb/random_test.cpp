@@ -3,45 +3,45 @@
 #include <random>
 
 #include "engine_sqlite/sqlite_connection.h"
-#include "mesa.h"
+#include "test_bench.h"
 
 namespace {
 
-class AlAzar : public prueba::MesaMdb {
+class AtRandom : public test::MdbTestBench {
  protected:
   void SetUp() override {
-    Nueva();
-    modelo_ = engine_sqlite::Abrir(":memory:");
+    NewDatabase();
+    model_ = engine_sqlite::Open(":memory:");
     for (const char* sql :
          {"CREATE TABLE grupo (g LONG CONSTRAINT pk PRIMARY KEY, n TEXT(12))",
           "CREATE TABLE pieza (p LONG CONSTRAINT pk PRIMARY KEY, g LONG CONSTRAINT de REFERENCES grupo (g) "
           "ON UPDATE "
           "CASCADE ON DELETE CASCADE, t TEXT(30), m MEMO, d DOUBLE, f DATETIME, b YESNO)",
           "CREATE UNIQUE INDEX por_t ON pieza (t, b)", "CREATE INDEX por_f ON pieza (f DESC)"}) {
-      base_->Ejecutar(sql);
-      modelo_->Ejecutar(sql);
+      base_->Execute(sql);
+      model_->Execute(sql);
     }
   }
 
-  int N(int hasta) { return static_cast<int>(azar_() % static_cast<unsigned>(hasta)); }
-  std::string Texto() {
-    static const char* const kTextos[] = {"Ñandú", "ñandu", "coté", "CÔTE", "O''Neil",
-                                          "co-op", "",      "zz",   "Äther"};
-    return "'" + std::string(kTextos[N(9)]) + std::to_string(N(40)) + "'";
+  int N(int to) { return static_cast<int>(random_() % static_cast<unsigned>(to)); }
+  std::string Text() {
+    static const char* const kTexts[] = {"Ñandú", "ñandu", "coté", "CÔTE", "O''Neil",
+                                         "co-op", "",      "zz",   "Äther"};
+    return "'" + std::string(kTexts[N(9)]) + std::to_string(N(40)) + "'";
   }
   std::string Memo() { return "String(" + std::to_string(N(4) == 0 ? N(9000) : N(60)) + ", 'mñ')"; }
-  std::string Sentencia() {
+  std::string Statement() {
     const std::string p = std::to_string(N(300)), g = std::to_string(N(12));
     switch (N(9)) {
       case 0:
-        return "INSERT INTO grupo VALUES (" + g + ", " + Texto() + ")";
+        return "INSERT INTO grupo VALUES (" + g + ", " + Text() + ")";
       case 1:
         return "UPDATE grupo SET g = " + std::to_string(N(14)) + " WHERE g = " + g;
       case 2:
         return N(4) == 0 ? "DELETE FROM grupo WHERE g = " + g
-                         : "UPDATE grupo SET n = " + Texto() + " WHERE g < " + g;
+                         : "UPDATE grupo SET n = " + Text() + " WHERE g < " + g;
       case 3:
-        return "UPDATE pieza SET t = " + Texto() + ", m = " + Memo() + " WHERE p = " + p;
+        return "UPDATE pieza SET t = " + Text() + ", m = " + Memo() + " WHERE p = " + p;
       case 4:
         return "UPDATE pieza SET d = Iif(d Is Null, 0, d) + 1.5, b = Not b WHERE p < " + p;
       case 5:
@@ -50,51 +50,50 @@ class AlAzar : public prueba::MesaMdb {
         return "UPDATE pieza SET g = " + (N(3) == 0 ? std::string("Null") : g) + " WHERE p = " + p;
       default:
         return "INSERT INTO pieza VALUES (" + p + ", " + (N(5) == 0 ? std::string("Null") : g) + ", " +
-               Texto() + ", " + Memo() + ", " + std::to_string(N(1000)) + ".25, #01/" +
+               Text() + ", " + Memo() + ", " + std::to_string(N(1000)) + ".25, #01/" +
                std::to_string(N(28) + 1) + "/2024#, " + (N(2) == 0 ? "True" : "False") + ")";
     }
   }
-  void UnaEnLosDos(const std::string& sql) {
-    const std::string a = FallaDe([&] { base_->Ejecutar(sql); });
-    const std::string b = FallaDe([&] { modelo_->Ejecutar(sql); });
+  void RunInBoth(const std::string& sql) {
+    const std::string a = FailureOfStep([&] { base_->Execute(sql); });
+    const std::string b = FailureOfStep([&] { model_->Execute(sql); });
     ASSERT_EQ(a == "no error", b == "no error") << sql << "\n" << a << "\n" << b;
-    if (a == "no error") ++hechas_;
-    ASSERT_EQ(base_->FilasAfectadas(), modelo_->FilasAfectadas()) << sql;
+    if (a == "no error") ++done_;
+    ASSERT_EQ(base_->AffectedRows(), model_->AffectedRows()) << sql;
   }
-  void Comparar() {
+  void Compare() {
     for (const char* sql :
          {"SELECT * FROM grupo ORDER BY g", "SELECT * FROM pieza ORDER BY p",
           "SELECT Count(*) FROM pieza WHERE f > #01/14/2024#", "SELECT t, p FROM pieza ORDER BY t, p"})
-      ASSERT_EQ(support::Filas(base_->Ejecutar(sql)), support::Filas(modelo_->Ejecutar(sql))) << sql;
+      ASSERT_EQ(support::Rows(base_->Execute(sql)), support::Rows(model_->Execute(sql))) << sql;
   }
 
-  std::mt19937 azar_{20261120};
-  std::unique_ptr<db::Connection> modelo_;
-  int hechas_ = 0;
+  std::mt19937 random_{20261120};
+  std::unique_ptr<db::Connection> model_;
+  int done_ = 0;
 };
 
-TEST_F(AlAzar, DanLoMismoQueElOtroMotor) {
-  constexpr int kVueltas = 120, kPorVuelta = 40;
-  for (int vuelta = 0; vuelta < kVueltas; ++vuelta) {
-    const bool transaccion = N(3) != 0;
-    if (transaccion) {
+TEST_F(AtRandom, TheyGiveTheSameAsTheOtherEngine) {
+  constexpr int kRounds = 120, kPerRound = 40;
+  for (int round = 0; round < kRounds; ++round) {
+    const bool transaction = N(3) != 0;
+    if (transaction) {
       base_->BeginTrans();
-      modelo_->BeginTrans();
+      model_->BeginTrans();
     }
-    for (int i = 0; i < (transaccion ? kPorVuelta : 4); ++i)
-      ASSERT_NO_FATAL_FAILURE(UnaEnLosDos(Sentencia()));
-    if (transaccion) {
-      const bool queda = N(4) != 0;
-      queda ? base_->CommitTrans() : base_->RollbackTrans();
-      queda ? modelo_->CommitTrans() : modelo_->RollbackTrans();
+    for (int i = 0; i < (transaction ? kPerRound : 4); ++i) ASSERT_NO_FATAL_FAILURE(RunInBoth(Statement()));
+    if (transaction) {
+      const bool stays = N(4) != 0;
+      stays ? base_->CommitTrans() : base_->RollbackTrans();
+      stays ? model_->CommitTrans() : model_->RollbackTrans();
     }
-    if (N(5) == 0) Abrir();
-    ASSERT_NO_FATAL_FAILURE(Comparar()) << vuelta;
+    if (N(5) == 0) OpenConnection();
+    ASSERT_NO_FATAL_FAILURE(Compare()) << round;
   }
-  EXPECT_GT(hechas_, 1000);
-  Abrir();
-  ASSERT_NO_FATAL_FAILURE(Comparar());
-  Revisar();
+  EXPECT_GT(done_, 1000);
+  OpenConnection();
+  ASSERT_NO_FATAL_FAILURE(Compare());
+  Check();
 }
 
 }  // namespace

@@ -2,28 +2,28 @@
 #include "engine_mdb/save_query.h"
 
 #include "jetsql/parser.h"
-#include "mesa.h"
+#include "test_bench.h"
 
 namespace {
 
-class Guardadas : public prueba::MesaMdb {
+class SavedQueries : public test::MdbTestBench {
  protected:
   void SetUp() override {
-    Nueva();
-    Correr("CREATE TABLE a (k LONG, x TEXT(10), f DATETIME)");
-    Correr("CREATE TABLE b (k LONG, y TEXT(10), [con blanco] LONG)");
-    Correr("CREATE TABLE c (k LONG, j LONG, z DOUBLE)");
+    NewDatabase();
+    RunSql("CREATE TABLE a (k LONG, x TEXT(10), f DATETIME)");
+    RunSql("CREATE TABLE b (k LONG, y TEXT(10), [con blanco] LONG)");
+    RunSql("CREATE TABLE c (k LONG, j LONG, z DOUBLE)");
     for (int i = 0; i < 8; ++i) {
       const std::string n = std::to_string(i);
-      Correr("INSERT INTO a VALUES (" + n + ", 'x" + std::to_string(i % 3) + "', #02/0" +
+      RunSql("INSERT INTO a VALUES (" + n + ", 'x" + std::to_string(i % 3) + "', #02/0" +
              std::to_string(i % 5 + 1) + "/2024#)");
-      if (i != 3) Correr("INSERT INTO b VALUES (" + n + ", 'Y" + n + "', " + std::to_string(i * i) + ")");
-      if (i % 2 == 0) Correr("INSERT INTO c VALUES (" + n + ", " + std::to_string(8 - i) + ", " + n + ".5)");
+      if (i != 3) RunSql("INSERT INTO b VALUES (" + n + ", 'Y" + n + "', " + std::to_string(i * i) + ")");
+      if (i % 2 == 0) RunSql("INSERT INTO c VALUES (" + n + ", " + std::to_string(8 - i) + ", " + n + ".5)");
     }
   }
 };
 
-constexpr const char* kConsultas[] = {
+constexpr const char* kQueries[] = {
     "SELECT * FROM a",
     "SELECT *, k * 2 AS doble FROM a ORDER BY k DESC",
     "SELECT a.*, b.y FROM a INNER JOIN b ON a.k = b.k ORDER BY a.k",
@@ -50,46 +50,45 @@ constexpr const char* kConsultas[] = {
     "SELECT 1 AS uno, Date() AS hoy",
 };
 
-TEST_F(Guardadas, DanLasMismasFilas) {
+TEST_F(SavedQueries, GiveTheSameRows) {
   int n = 0;
-  for (const char* sql : kConsultas) Correr("CREATE VIEW v" + std::to_string(n++) + " AS " + sql);
-  Abrir();
+  for (const char* sql : kQueries) RunSql("CREATE VIEW v" + std::to_string(n++) + " AS " + sql);
+  OpenConnection();
   n = 0;
-  for (const char* sql : kConsultas) {
-    const std::string vista = "v" + std::to_string(n++);
-    const db::Recordset directas = base_->Ejecutar(sql),
-                        guardadas = base_->Ejecutar("SELECT * FROM " + vista);
-    EXPECT_EQ(support::Filas(guardadas), support::Filas(directas)) << sql;
-    EXPECT_EQ(support::Cabecera(guardadas), support::Cabecera(directas)) << sql;
-    EXPECT_FALSE(directas.Vacio()) << sql;
+  for (const char* sql : kQueries) {
+    const std::string view = "v" + std::to_string(n++);
+    const db::Recordset direct = base_->Execute(sql), saved = base_->Execute("SELECT * FROM " + view);
+    EXPECT_EQ(support::Rows(saved), support::Rows(direct)) << sql;
+    EXPECT_EQ(support::Header(saved), support::Header(direct)) << sql;
+    EXPECT_FALSE(direct.IsEmpty()) << sql;
   }
-  Correr("CREATE VIEW sobre AS SELECT v0.k FROM v0 INNER JOIN v9 ON v0.x = v9.x");
-  EXPECT_EQ(Filas("SELECT Count(*) FROM sobre"), "8");
-  EXPECT_EQ(Falla("CREATE VIEW V0 AS SELECT 1"), "[3010] La tabla o consulta 'V0' ya existe");
-  Correr("DROP VIEW v0");
-  EXPECT_EQ(Falla("SELECT * FROM sobre"), "No se encuentra la tabla o consulta 'v0'");
-  Revisar();
+  RunSql("CREATE VIEW sobre AS SELECT v0.k FROM v0 INNER JOIN v9 ON v0.x = v9.x");
+  EXPECT_EQ(RowsOf("SELECT Count(*) FROM sobre"), "8");
+  EXPECT_EQ(FailureOfSql("CREATE VIEW V0 AS SELECT 1"), "[3010] La tabla o consulta 'V0' ya existe");
+  RunSql("DROP VIEW v0");
+  EXPECT_EQ(FailureOfSql("SELECT * FROM sobre"), "No se encuentra la tabla o consulta 'v0'");
+  Check();
 }
 
 // The rows themselves, by the words of the format.
-TEST_F(Guardadas, LasFilasQueGuardaAccess) {
-  class Nada final : public jetsql::Catalogo {
-    const jetsql::TablaInfo* Tabla(std::string_view) override { return nullptr; }
-    const std::string* Consulta(std::string_view) override { return nullptr; }
+TEST_F(SavedQueries, TheRowsThatAccessSaves) {
+  class EmptyCatalog final : public jetsql::Catalog {
+    const jetsql::TableInfo* Table(std::string_view) override { return nullptr; }
+    const std::string* Query(std::string_view) override { return nullptr; }
   };
-  const auto s = jetsql::Analizar(
+  const auto s = jetsql::Parse(
       "SELECT DISTINCT TOP 5 P.k AS uno, P.* FROM a AS P LEFT JOIN b ON P.k = b.k AND P.x = b.y WHERE P.k > "
       "1 ORDER BY "
       "P.k DESC",
-      jetsql::Literales::EnTexto);
-  Nada nothing;
-  const auto c = engine_mdb::DescomponerConsulta("q", *std::get<jetsql::ConsultaPtr>(s), nothing);
-  std::string texto;
-  for (const auto& f : c.filas)
-    texto += std::to_string(f.atributo) + "." + std::to_string(f.orden) + " " + f.nombre1.value_or("-") +
-             " " + f.nombre2.value_or("-") + " [" + f.expresion.value_or("-") + "] " +
-             (f.bandera ? std::to_string(*f.bandera) : "-") + "\n";
-  EXPECT_EQ(texto,
+      jetsql::Literals::InText);
+  EmptyCatalog nothing;
+  const auto c = engine_mdb::DecomposeQuery("q", *std::get<jetsql::QueryPtr>(s), nothing);
+  std::string text;
+  for (const auto& f : c.rows)
+    text += std::to_string(f.attribute) + "." + std::to_string(f.order) + " " + f.name1.value_or("-") + " " +
+            f.name2.value_or("-") + " [" + f.expression.value_or("-") + "] " +
+            (f.flag ? std::to_string(*f.flag) : "-") + "\n";
+  EXPECT_EQ(text,
             "0.1 - - [-] 0\n"
             "1.1 - - [-] 1\n"
             "3.1 5 - [-] 18\n"

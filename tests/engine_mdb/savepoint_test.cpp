@@ -3,30 +3,30 @@
 #include <random>
 
 #include "engine_sqlite/sqlite_connection.h"
-#include "mesa.h"
+#include "test_bench.h"
 
 namespace {
 
-class MdbSavepoints : public prueba::MesaMdb {
+class MdbSavepoints : public test::MdbTestBench {
  protected:
   static constexpr const char* kTables[] = {"a", "b", "c"};
 
   static void Make(db::Connection& c) {
-    c.Ejecutar("CREATE TABLE a (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(20), d DOUBLE)");
-    c.Ejecutar("CREATE TABLE b (id COUNTER CONSTRAINT pk PRIMARY KEY, k LONG, v TEXT(20))");
-    c.Ejecutar("CREATE TABLE c (k LONG, m MEMO, CONSTRAINT pk PRIMARY KEY (k))");
-    c.Ejecutar("CREATE INDEX por_v ON a (v)");
+    c.Execute("CREATE TABLE a (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(20), d DOUBLE)");
+    c.Execute("CREATE TABLE b (id COUNTER CONSTRAINT pk PRIMARY KEY, k LONG, v TEXT(20))");
+    c.Execute("CREATE TABLE c (k LONG, m MEMO, CONSTRAINT pk PRIMARY KEY (k))");
+    c.Execute("CREATE INDEX por_v ON a (v)");
     for (int i = 0; i < 30; ++i) {
       const std::string n = std::to_string(i);
-      c.Ejecutar("INSERT INTO a VALUES (" + n + ", 'a" + n + "', " + n + ")");
-      c.Ejecutar("INSERT INTO b (k, v) VALUES (" + n + ", 'b')");
-      c.Ejecutar("INSERT INTO c VALUES (" + n + ", String(" + n + "0, 'm'))");
+      c.Execute("INSERT INTO a VALUES (" + n + ", 'a" + n + "', " + n + ")");
+      c.Execute("INSERT INTO b (k, v) VALUES (" + n + ", 'b')");
+      c.Execute("INSERT INTO c VALUES (" + n + ", String(" + n + "0, 'm'))");
     }
   }
   static std::string Rows(db::Connection& c) {
     std::string all;
     for (const char* t : kTables)
-      all += support::Filas(c.Ejecutar("SELECT * FROM " + std::string(t)), true) + "\n--\n";
+      all += support::Rows(c.Execute("SELECT * FROM " + std::string(t)), true) + "\n--\n";
     return all;
   }
 };
@@ -69,15 +69,15 @@ TEST_F(MdbSavepoints, RandomLinesSomeOfThemUndone) {
   for (unsigned seed = 0; seed < 16; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
-    std::filesystem::remove(std::filesystem::u8path(ruta_));
-    Nueva();
-    engine_sqlite::Opciones o;
-    o.reloj = &reloj_;
-    const auto model = engine_sqlite::Abrir(":memory:", o);
+    std::filesystem::remove(std::filesystem::u8path(path_));
+    NewDatabase();
+    engine_sqlite::Options o;
+    o.clock = &clock_;
+    const auto model = engine_sqlite::Open(":memory:", o);
     Make(*base_);
     Make(*model);
     for (int run = 0; run < 3; ++run) {
-      if (random() % 2 == 0) Abrir();
+      if (random() % 2 == 0) OpenConnection();
       for (db::Connection* c : {base_.get(), model.get()}) c->BeginTrans();
       for (int line = 0; line < 12; ++line) {
         const bool mark = random() % 5 != 0;
@@ -86,7 +86,8 @@ TEST_F(MdbSavepoints, RandomLinesSomeOfThemUndone) {
         for (auto n = random() % 5; n > 0; --n) {
           const std::string sql = Statement(random, seed % 2 == 1);
           std::string told[2];
-          for (int i = 0; i < 2; ++i) told[i] = FallaDe([&] { (i == 0 ? base_ : model)->Ejecutar(sql); });
+          for (int i = 0; i < 2; ++i)
+            told[i] = FailureOfStep([&] { (i == 0 ? base_ : model)->Execute(sql); });
           ASSERT_EQ(told[0] == "no error", told[1] == "no error")
               << sql << ": " << told[0] << " / " << told[1];
         }
@@ -100,58 +101,58 @@ TEST_F(MdbSavepoints, RandomLinesSomeOfThemUndone) {
       for (db::Connection* c : {base_.get(), model.get()}) keep ? c->CommitTrans() : c->RollbackTrans();
       ASSERT_EQ(Rows(*base_), Rows(*model));
     }
-    Abrir();
+    OpenConnection();
     ASSERT_EQ(Rows(*base_), Rows(*model));
-    Revisar();
+    Check();
   }
 }
 
 // What an undone line had read, indexed or made ready is there for the next one.
 TEST_F(MdbSavepoints, UndoneLinesDoNotReadTheirTablesAgain) {
-  Nueva();
+  NewDatabase();
   Make(*base_);
-  Abrir();
+  OpenConnection();
   base_->BeginTrans();
-  Correr("UPDATE a SET d = 0 WHERE k = 1");
+  RunSql("UPDATE a SET d = 0 WHERE k = 1");
   for (int line = 0; line < 50; ++line) {
     base_->SetSavepoint();
-    Correr("INSERT INTO a VALUES (" + std::to_string(1000 + line) + ", 'x', 0)");
-    EXPECT_EQ(Filas("SELECT Count(*) FROM b"), "30");
-    Correr("INSERT INTO c VALUES (1000, 'x')");
+    RunSql("INSERT INTO a VALUES (" + std::to_string(1000 + line) + ", 'x', 0)");
+    EXPECT_EQ(RowsOf("SELECT Count(*) FROM b"), "30");
+    RunSql("INSERT INTO c VALUES (1000, 'x')");
     base_->RollbackToSavepoint();
   }
-  const engine_mdb::Contadores& counts = *engine_mdb::ContadoresDe(*base_);
-  EXPECT_LE(counts.espejos, 6);
+  const engine_mdb::Counters& counts = *engine_mdb::CountersOf(*base_);
+  EXPECT_LE(counts.mirrors, 6);
   base_->CommitTrans();
-  EXPECT_EQ(counts.filas_escritas, 1);
-  Revisar();
+  EXPECT_EQ(counts.rows_written, 1);
+  Check();
 }
 
 // An undone definition leaves the file as if it had not been.
 TEST_F(MdbSavepoints, WhatIsUndoneIsNotInTheFile) {
-  Nueva();
+  NewDatabase();
   Make(*base_);
   base_.reset();
-  const Estado before = Archivo();
-  Abrir();
+  const State before = File();
+  OpenConnection();
   base_->BeginTrans();
   base_->SetSavepoint();
-  Correr("INSERT INTO a VALUES (500, 'x', 0)");
-  Correr("CREATE TABLE x (k LONG)");
-  Correr("DROP TABLE c");
-  Correr("ALTER TABLE b ADD COLUMN n LONG");
+  RunSql("INSERT INTO a VALUES (500, 'x', 0)");
+  RunSql("CREATE TABLE x (k LONG)");
+  RunSql("DROP TABLE c");
+  RunSql("ALTER TABLE b ADD COLUMN n LONG");
   base_->RollbackToSavepoint();
   base_->CommitTrans();
-  base_->Cerrar();
-  EXPECT_EQ(Archivo(), before);
+  base_->Close();
+  EXPECT_EQ(File(), before);
 }
 
 TEST_F(MdbSavepoints, NoMarkOutsideATransaction) {
-  Nueva();
-  EXPECT_EQ(FallaDe([&] { base_->SetSavepoint(); }), "No hay ninguna transacción abierta.");
-  EXPECT_EQ(FallaDe([&] { base_->RollbackToSavepoint(); }), "No hay ninguna marca en la transacción.");
-  Abrir(true);
-  EXPECT_EQ(FallaDe([&] { base_->SetSavepoint(); }), "No hay ninguna transacción abierta.");
+  NewDatabase();
+  EXPECT_EQ(FailureOfStep([&] { base_->SetSavepoint(); }), "No hay ninguna transacción abierta.");
+  EXPECT_EQ(FailureOfStep([&] { base_->RollbackToSavepoint(); }), "No hay ninguna marca en la transacción.");
+  OpenConnection(true);
+  EXPECT_EQ(FailureOfStep([&] { base_->SetSavepoint(); }), "No hay ninguna transacción abierta.");
 }
 
 }  // namespace

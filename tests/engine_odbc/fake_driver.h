@@ -1,10 +1,10 @@
 // An ODBC driver for tests, which does what a driver may do and real ones seldom show: the connection string
 // and the statements say what.
 //
-// Connection string: Txn=0 (no transactions), Catalogo=T:a,b/U:c (its tables and columns; "roto": fails),
-// Savepoints=si (understands SAVEPOINT idm_marca and its kin: answers as to CAMBIA 0), Commit=falla,
-// Rollback=falla, Total=no (never tells the length of what is left), Clave=x (PWD must be it), Motor=x
-// (statements go to the database that the program's own CrearMotorDePrueba makes of x).
+// Connection string: Txn=0 (no transactions), Catalog=T:a,b/U:c (its tables and columns; "roto": fails),
+// Savepoints=si (understands SAVEPOINT idm_marca and its kin: answers as to CAMBIA 0), Commit=failure,
+// Rollback=failure, Total=no (never tells the length of what is left), Key=x (PWD must be it), Motor=x
+// (statements go to the database that the program's own CreateTestEngine makes of x).
 //
 // Statements of a connection without Motor, words parted by blanks:
 //   FILAS name:type[:driver's name for the type] …   then a line a row, cells parted by "|"; NULL is Null,
@@ -30,84 +30,84 @@
 #include <utility>
 #include <vector>
 
-namespace falso {
+namespace fake {
 
-using Ancho = std::u16string;
+using WideString = std::u16string;
 
-struct Registro {
-  std::string estado;
-  Ancho texto;
+struct Record {
+  std::string state;
+  WideString text;
   SQLINTEGER native = 0;
 };
 
-struct Objeto {  // what every handle is
-  std::vector<Registro> registros;
+struct Object {  // what every handle is
+  std::vector<Record> records;
 };
 
-struct Ambiente : Objeto {};
+struct Environment : Object {};
 
 struct Cursor;
 
 // A database behind the driver.
-class Motor {
+class Engine {
  public:
-  virtual ~Motor() = default;
+  virtual ~Engine() = default;
   // Fills columns and rows, or the rows changed; false with a record of what went wrong.
-  virtual bool Correr(Cursor& c, const Ancho& sql) = 0;
-  virtual bool Empezar() = 0;
-  virtual bool Terminar(bool confirmar) = 0;
+  virtual bool Run(Cursor& c, const WideString& sql) = 0;
+  virtual bool Begin() = 0;
+  virtual bool End(bool commit) = 0;
 };
 
-struct Enlace : Objeto {
-  bool con_transacciones = true, commit_falla = false, rollback_falla = false, con_total = true;
+struct Link : Object {
+  bool has_transactions = true, commit_fails = false, rollback_fails = false, tells_total = true;
   bool savepoints = false;
   std::string marks;  // the first letters of each that came
-  bool muerto = false, autocommit = true, catalogo_roto = false;
-  int confirmadas = 0, deshechas = 0;
-  std::vector<std::pair<Ancho, std::vector<Ancho>>> catalogo;
-  std::unique_ptr<Motor> motor;
-  bool en_transaccion = false;  // of the database behind
+  bool dead = false, autocommit = true, broken_catalog = false;
+  int committed = 0, rolled_back = 0;
+  std::vector<std::pair<WideString, std::vector<WideString>>> catalog;
+  std::unique_ptr<Engine> engine;
+  bool in_transaction = false;  // of the database behind
 };
 
-struct Columna {
-  Ancho nombre, nombre_de_tipo;
-  SQLSMALLINT tipo = SQL_WVARCHAR;
+struct Column {
+  WideString name, type_name;
+  SQLSMALLINT type = SQL_WVARCHAR;
 };
 
-struct Celda {
-  bool nula = false;
-  Ancho texto;
+struct Cell {
+  bool null = false;
+  WideString text;
 };
 
-struct Cursor : Objeto {
-  Enlace* enlace = nullptr;
-  std::vector<Columna> columnas;
-  std::vector<std::vector<Celda>> filas;
-  std::size_t fila = 0;  // of the last SQLFetch, from 1
-  SQLUSMALLINT leyendo = 0;
-  std::size_t leido = 0;  // bytes of the cell that is being read
-  SQLLEN cambiadas = -1;
-  bool pierde_al_final = false;
+struct Cursor : Object {
+  Link* link = nullptr;
+  std::vector<Column> columns;
+  std::vector<std::vector<Cell>> rows;
+  std::size_t row = 0;  // of the last SQLFetch, from 1
+  SQLUSMALLINT reading = 0;
+  std::size_t read = 0;  // bytes of the cell that is being read
+  SQLLEN changed = -1;
+  bool loses_at_end = false;
   SQLULEN timeout = 0;
 };
 
 // As the driver manager wants a text back: what fits, a NUL, and the whole length in characters.
-void Dar(const Ancho& texto, SQLWCHAR* destino, SQLSMALLINT caben, SQLSMALLINT* largo);
-Ancho DeAscii(const std::string& texto);
-// `largo` characters, or up to the NUL for SQL_NTS.
-Ancho Leer(const SQLWCHAR* texto, SQLINTEGER largo);
+void Give(const WideString& text, SQLWCHAR* target, SQLSMALLINT room, SQLSMALLINT* length);
+WideString FromAscii(const std::string& text);
+// `length` characters, or up to the NUL for SQL_NTS.
+WideString Read(const SQLWCHAR* text, SQLINTEGER length);
 
-SQLRETURN Fallar(Objeto* objeto, const std::string& estado, const std::string& texto);
-SQLRETURN Perder(Cursor& c);
+SQLRETURN Fail(Object* object, const std::string& state, const std::string& text);
+SQLRETURN Lose(Cursor& c);
 
 // What the connection string asks for; false when its password is not the right one.
-bool Configurar(Enlace& e, const Ancho& cadena);
-SQLRETURN Correr(Cursor& c, const Ancho& texto);
-void Vaciar(Cursor& c);
-SQLRETURN DarCelda(Cursor& c, const Celda& celda, SQLSMALLINT tipo_c, SQLPOINTER destino, SQLLEN caben,
-                   SQLLEN* largo);
+bool Configure(Link& e, const WideString& connection_string);
+SQLRETURN Run(Cursor& c, const WideString& text);
+void Clear(Cursor& c);
+SQLRETURN GiveCell(Cursor& c, const Cell& cell, SQLSMALLINT c_type, SQLPOINTER target, SQLLEN room,
+                   SQLLEN* length);
 
-}  // namespace falso
+}  // namespace fake
 
 // Of a test program that has a database to offer; linked with its symbols exported.
-extern "C" falso::Motor* CrearMotorDePrueba(const char16_t* nombre);
+extern "C" fake::Engine* CreateTestEngine(const char16_t* name);

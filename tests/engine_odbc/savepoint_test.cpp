@@ -1,17 +1,17 @@
 // The mark inside a transaction, with a driver that has savepoints and with one that has none, and what kind
 // of failure each state is.
-#include "embedded_motor.h"
-#include "entorno.h"
+#include "embedded_engine.h"
+#include "odbc_settings.h"
 
 namespace {
 
-class OdbcSavepoints : public pruebas::DriverDePrueba {
+class OdbcSavepoints : public tests::TestDriver {
  protected:
   // autocommit, commits, rollbacks
-  std::string Counts() { return Filas("CUENTAS"); }
+  std::string Counts() { return Rows("CUENTAS"); }
   bool Faults(const std::string& sql) {
     try {
-      Correr(sql);
+      Run(sql);
     } catch (const db::Error& e) {
       return e.IsStorageFault();
     }
@@ -21,30 +21,30 @@ class OdbcSavepoints : public pruebas::DriverDePrueba {
 };
 
 TEST_F(OdbcSavepoints, TheDriversOwn) {
-  Abrir("Savepoints=si");
+  Open("Savepoints=si");
   base_->BeginTrans();
-  Correr("CAMBIA 1");
+  Run("CAMBIA 1");
   base_->SetSavepoint();
-  Correr("CAMBIA 2");
+  Run("CAMBIA 2");
   base_->RollbackToSavepoint();
   base_->SetSavepoint();
   base_->ReleaseSavepoint();
-  EXPECT_EQ(Filas("MARCAS"), "SARORESARE");
+  EXPECT_EQ(Rows("MARCAS"), "SARORESARE");
   base_->CommitTrans();
   EXPECT_EQ(Counts(), "1 1 0");
 }
 
 TEST_F(OdbcSavepoints, WithoutAnyNothingToUndoCostsNothing) {
-  Abrir();
+  Open();
   base_->BeginTrans();
-  Correr("CAMBIA 1");
+  Run("CAMBIA 1");
   base_->SetSavepoint();
-  Correr("FILAS k:integer\n1");
-  Correr("NADA");
-  EXPECT_NE(ErrorDe("FALLA 23000 x"), "no error");
+  Run("FILAS k:integer\n1");
+  Run("NADA");
+  EXPECT_NE(ErrorOf("FALLA 23000 x"), "no error");
   base_->RollbackToSavepoint();
   EXPECT_EQ(Counts(), "0 0 0");
-  Correr("CAMBIA 1");
+  Run("CAMBIA 1");
   base_->RollbackToSavepoint();
   EXPECT_EQ(Counts(), "0 0 1");
   base_->CommitTrans();
@@ -52,17 +52,17 @@ TEST_F(OdbcSavepoints, WithoutAnyNothingToUndoCostsNothing) {
 }
 
 TEST_F(OdbcSavepoints, TheLossOfTheConnectionIsAFault) {
-  Abrir();
+  Open();
   EXPECT_TRUE(Faults("PIERDE"));
   EXPECT_TRUE(Faults("Select 1"));
-  Abrir();
+  Open();
   EXPECT_TRUE(Faults("MUERE"));
-  Abrir();
+  Open();
   EXPECT_TRUE(Faults("PIERDE_LEYENDO"));
 }
 
 TEST_F(OdbcSavepoints, KindsByState) {
-  Abrir();
+  Open();
   for (const char* state : {"HY001", "HYT00", "HYT01", "S1T00", "S1001", "40001", "40003", "57014", "58030",
                             "53100", "55P03", "XX001", "25P02", "HY013"})
     EXPECT_TRUE(Faults(std::string("FALLA ") + state + " x")) << state;
@@ -77,7 +77,7 @@ TEST_F(OdbcSavepoints, KindsByState) {
 }
 
 TEST_F(OdbcSavepoints, ACommitOrRollbackThatFailsIsAFault) {
-  Abrir("Commit=falla");
+  Open("Commit=falla");
   base_->BeginTrans();
   try {
     base_->CommitTrans();
@@ -85,17 +85,17 @@ TEST_F(OdbcSavepoints, ACommitOrRollbackThatFailsIsAFault) {
   } catch (const db::Error& e) {
     EXPECT_TRUE(e.IsStorageFault());
   }
-  Abrir("Rollback=falla");
+  Open("Rollback=falla");
   base_->BeginTrans();
   base_->SetSavepoint();
-  Correr("CAMBIA 1");
+  Run("CAMBIA 1");
   try {
     base_->RollbackToSavepoint();
     ADD_FAILURE();
   } catch (const db::Error& e) {
     EXPECT_TRUE(e.IsStorageFault());
   }
-  EXPECT_FALSE(base_->Abierta());
+  EXPECT_FALSE(base_->IsOpen());
 }
 
 // Over a driver without savepoints and a base that another program writes: from the rollback to the last
@@ -103,57 +103,57 @@ TEST_F(OdbcSavepoints, ACommitOrRollbackThatFailsIsAFault) {
 class OdbcReplay : public testing::Test {
  protected:
   void SetUp() override {
-    base_ = engine_odbc::Abrir("Driver=" IDM_ODBC_PRUEBA ";Motor=" + path_);
-    base_->Ejecutar("CREATE TABLE t (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(10))");
-    base_->Ejecutar("INSERT INTO t VALUES (1, 'a')");
+    base_ = engine_odbc::Open("Driver=" IDM_ODBC_PRUEBA ";Motor=" + path_);
+    base_->Execute("CREATE TABLE t (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(10))");
+    base_->Execute("INSERT INTO t VALUES (1, 'a')");
     base_->BeginTrans();
   }
-  std::string Rows() { return support::Filas(base_->Ejecutar("SELECT * FROM t ORDER BY k")); }
+  std::string Rows() { return support::Rows(base_->Execute("SELECT * FROM t ORDER BY k")); }
 
-  support::CarpetaTemporal folder_;
-  std::string path_ = folder_.Ruta("base.sqlite");
+  support::TempFolder folder_;
+  std::string path_ = folder_.Path("base.sqlite");
   std::unique_ptr<db::Connection> base_;
 };
 
 TEST_F(OdbcReplay, WhatStoodBeforeTheMarkIsRunAgain) {
-  base_->Ejecutar("INSERT INTO t VALUES (2, 'b')");
-  base_->Ejecutar("UPDATE t SET v = 'x' WHERE k = 1");
-  EXPECT_THROW(base_->Ejecutar("INSERT INTO t VALUES (2, 'c')"), db::Error);
+  base_->Execute("INSERT INTO t VALUES (2, 'b')");
+  base_->Execute("UPDATE t SET v = 'x' WHERE k = 1");
+  EXPECT_THROW(base_->Execute("INSERT INTO t VALUES (2, 'c')"), db::Error);
   base_->SetSavepoint();
-  base_->Ejecutar("DELETE FROM t");
-  base_->Ejecutar("INSERT INTO t VALUES (3, 'd')");
+  base_->Execute("DELETE FROM t");
+  base_->Execute("INSERT INTO t VALUES (3, 'd')");
   base_->RollbackToSavepoint();
   EXPECT_EQ(Rows(), "1|x\n2|b");
-  base_->Ejecutar("INSERT INTO t VALUES (4, 'e')");
+  base_->Execute("INSERT INTO t VALUES (4, 'e')");
   base_->RollbackToSavepoint();
-  base_->Ejecutar("INSERT INTO t VALUES (5, 'f')");
+  base_->Execute("INSERT INTO t VALUES (5, 'f')");
   base_->CommitTrans();
   EXPECT_EQ(Rows(), "1|x\n2|b\n5|f");
 }
 
 // Rnd gives another number of rows the second time.
 TEST_F(OdbcReplay, ARepetitionThatDoesSomethingElseIsAFault) {
-  for (int i = 10; i < 500; ++i) base_->Ejecutar("INSERT INTO t VALUES (" + std::to_string(i) + ", 'z')");
-  base_->Ejecutar("DELETE FROM t WHERE k > 9 AND Rnd(k) < 0.5");
+  for (int i = 10; i < 500; ++i) base_->Execute("INSERT INTO t VALUES (" + std::to_string(i) + ", 'z')");
+  base_->Execute("DELETE FROM t WHERE k > 9 AND Rnd(k) < 0.5");
   base_->SetSavepoint();
-  base_->Ejecutar("INSERT INTO t VALUES (3, 'd')");
+  base_->Execute("INSERT INTO t VALUES (3, 'd')");
   try {
     base_->RollbackToSavepoint();
     ADD_FAILURE();
   } catch (const db::Error& e) {
-    EXPECT_TRUE(e.IsStorageFault()) << e.Descripcion();
+    EXPECT_TRUE(e.IsStorageFault()) << e.Description();
   }
   // Nothing more is written into it, and what it had done is gone.
-  EXPECT_THROW(base_->Ejecutar("INSERT INTO t VALUES (6, 'g')"), db::Error);
+  EXPECT_THROW(base_->Execute("INSERT INTO t VALUES (6, 'g')"), db::Error);
   EXPECT_THROW(base_->CommitTrans(), db::Error);
-  EXPECT_FALSE(base_->EnTransaccion());
+  EXPECT_FALSE(base_->InTransaction());
   EXPECT_EQ(Rows(), "1|a");
 }
 
 }  // namespace
 
-extern "C" falso::Motor* CrearMotorDePrueba(const char16_t* name) {
-  engine_sqlite::Opciones options;
-  options.crear = true;
-  return new falso::MotorEmbebido(base::DeUtf16(name), options);
+extern "C" fake::Engine* CreateTestEngine(const char16_t* name) {
+  engine_sqlite::Options options;
+  options.create = true;
+  return new fake::EmbeddedEngine(base::FromUtf16(name), options);
 }

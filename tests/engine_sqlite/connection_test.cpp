@@ -8,84 +8,84 @@
 
 namespace {
 
-using base::Tipo;
-using base::Valor;
+using base::Type;
+using base::Value;
 
-class Conexion : public testing::Test {
+class Connections : public testing::Test {
  protected:
-  void SetUp() override { base_ = engine_sqlite::Abrir(":memory:"); }
+  void SetUp() override { base_ = engine_sqlite::Open(":memory:"); }
 
-  db::Recordset Correr(std::string_view sql) { return base_->Ejecutar(sql); }
-  std::string Filas(std::string_view sql) { return support::Filas(base_->Ejecutar(sql)); }
+  db::Recordset Run(std::string_view sql) { return base_->Execute(sql); }
+  std::string Rows(std::string_view sql) { return support::Rows(base_->Execute(sql)); }
   // The description of the failure, or "no error".
   std::string Error(std::string_view sql) {
     try {
-      base_->Ejecutar(sql);
+      base_->Execute(sql);
     } catch (const db::Error& e) {
-      return support::TextoDeError(e);
+      return support::ErrorText(e);
     }
     return "no error";
   }
-  void LlenarTextos() {
-    Correr("CREATE TABLE t (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(20), n LONG)");
-    Correr("INSERT INTO t VALUES (1, '10', 0)");
-    Correr("INSERT INTO t VALUES (2, '20', 0)");
-    Correr("INSERT INTO t VALUES (3, 'x', 0)");
+  void FillTexts() {
+    Run("CREATE TABLE t (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(20), n LONG)");
+    Run("INSERT INTO t VALUES (1, '10', 0)");
+    Run("INSERT INTO t VALUES (2, '20', 0)");
+    Run("INSERT INTO t VALUES (3, 'x', 0)");
   }
 
   std::unique_ptr<db::Connection> base_;
 };
 
-TEST_F(Conexion, UnaSentenciaQueFallaAMediasNoCambiaNada) {
-  LlenarTextos();
+TEST_F(Connections, AStatementThatFailsHalfWayChangesNothing) {
+  FillTexts();
   EXPECT_EQ(Error("UPDATE t SET n = CLng(v)"), "[13] No coinciden los tipos");
-  EXPECT_EQ(Filas("SELECT k, n FROM t ORDER BY k"), "1|0\n2|0\n3|0");
+  EXPECT_EQ(Rows("SELECT k, n FROM t ORDER BY k"), "1|0\n2|0\n3|0");
   EXPECT_EQ(Error("INSERT INTO t (k, n) SELECT k + 10, CLng(v) FROM t ORDER BY k"),
             "[13] No coinciden los tipos");
-  EXPECT_EQ(Filas("SELECT Count(*) FROM t"), "3");
+  EXPECT_EQ(Rows("SELECT Count(*) FROM t"), "3");
   EXPECT_EQ(Error("UPDATE t SET k = 3 - k"),  // 1 becomes 2, which is there; 3 would become 0
             "Ya existe un registro con el mismo valor en k de la tabla t.");
-  EXPECT_EQ(Filas("SELECT k FROM t ORDER BY k"), "1\n2\n3");
+  EXPECT_EQ(Rows("SELECT k FROM t ORDER BY k"), "1\n2\n3");
   EXPECT_EQ(Error("DELETE FROM t WHERE CLng(v) > 0"), "[13] No coinciden los tipos");
-  EXPECT_EQ(Filas("SELECT Count(*) FROM t"), "3");
+  EXPECT_EQ(Rows("SELECT Count(*) FROM t"), "3");
 }
 
-TEST_F(Conexion, EnUnaTransaccionLoAnteriorSigueYLaTransaccionSirve) {
-  LlenarTextos();
+TEST_F(Connections, InATransactionWhatWentBeforeStaysAndItGoesOn) {
+  FillTexts();
   base_->BeginTrans();
-  EXPECT_TRUE(base_->EnTransaccion());
-  Correr("INSERT INTO t VALUES (4, '40', 7)");
+  EXPECT_TRUE(base_->InTransaction());
+  Run("INSERT INTO t VALUES (4, '40', 7)");
   EXPECT_EQ(Error("UPDATE t SET n = CLng(v)"), "[13] No coinciden los tipos");
   EXPECT_EQ(Error("INSERT INTO t VALUES (4, 'otra', 0)"),
             "Ya existe un registro con el mismo valor en k de la tabla t.");
-  EXPECT_EQ(Filas("SELECT k, n FROM t ORDER BY k"), "1|0\n2|0\n3|0\n4|7");
-  Correr("UPDATE t SET n = 5 WHERE k = 1");
+  EXPECT_EQ(Rows("SELECT k, n FROM t ORDER BY k"), "1|0\n2|0\n3|0\n4|7");
+  Run("UPDATE t SET n = 5 WHERE k = 1");
   base_->CommitTrans();
-  EXPECT_FALSE(base_->EnTransaccion());
-  EXPECT_EQ(Filas("SELECT k, n FROM t ORDER BY k"), "1|5\n2|0\n3|0\n4|7");
+  EXPECT_FALSE(base_->InTransaction());
+  EXPECT_EQ(Rows("SELECT k, n FROM t ORDER BY k"), "1|5\n2|0\n3|0\n4|7");
 }
 
 // An UPDATE over a join runs in several steps; one that fails leaves nothing of the others.
-TEST_F(Conexion, UnaSentenciaDeVariosPasosEsTodaONada) {
-  LlenarTextos();
-  Correr("CREATE TABLE u (k LONG, w TEXT(20))");
-  Correr("INSERT INTO u SELECT k, v AS w FROM t");
-  for (const bool en_transaccion : {false, true}) {
-    if (en_transaccion) base_->BeginTrans();
+TEST_F(Connections, AStatementOfSeveralStepsIsAllOrNothing) {
+  FillTexts();
+  Run("CREATE TABLE u (k LONG, w TEXT(20))");
+  Run("INSERT INTO u SELECT k, v AS w FROM t");
+  for (const bool in_transaction : {false, true}) {
+    if (in_transaction) base_->BeginTrans();
     EXPECT_EQ(Error("UPDATE t INNER JOIN u ON t.k = u.k SET t.n = CLng(u.w), u.w = 'cambiado'"),
               "[13] No coinciden los tipos");
-    EXPECT_EQ(Filas("SELECT t.n, u.w FROM t INNER JOIN u ON t.k = u.k ORDER BY t.k"), "0|10\n0|20\n0|x");
-    EXPECT_EQ(base_->EnTransaccion(), en_transaccion);
+    EXPECT_EQ(Rows("SELECT t.n, u.w FROM t INNER JOIN u ON t.k = u.k ORDER BY t.k"), "0|10\n0|20\n0|x");
+    EXPECT_EQ(base_->InTransaction(), in_transaction);
   }
   base_->RollbackTrans();
 }
 
-TEST_F(Conexion, LasTransaccionesTienenUnSoloNivel) {
-  const auto error = [](auto&& paso) -> std::string {
+TEST_F(Connections, TransactionsHaveOneLevel) {
+  const auto error = [](auto&& step) -> std::string {
     try {
-      paso();
+      step();
     } catch (const db::Error& e) {
-      return e.Descripcion();
+      return e.Description();
     }
     return "no error";
   };
@@ -93,196 +93,194 @@ TEST_F(Conexion, LasTransaccionesTienenUnSoloNivel) {
   EXPECT_EQ(error([&] { base_->RollbackTrans(); }), "No hay ninguna transacción abierta.");
   base_->BeginTrans();
   EXPECT_EQ(error([&] { base_->BeginTrans(); }), "Ya hay una transacción abierta.");
-  EXPECT_TRUE(base_->EnTransaccion());
+  EXPECT_TRUE(base_->InTransaction());
   base_->RollbackTrans();
-  EXPECT_FALSE(base_->EnTransaccion());
+  EXPECT_FALSE(base_->InTransaction());
 }
 
-TEST_F(Conexion, DeshacerTambienDeshaceLasDefiniciones) {
+TEST_F(Connections, RollingBackUndoesDefinitionsToo) {
   base_->BeginTrans();
-  Correr("CREATE TABLE nueva (k LONG)");
-  Correr("INSERT INTO nueva VALUES (1)");
-  Correr("CREATE VIEW vista AS SELECT k FROM nueva");
-  EXPECT_EQ(Filas("SELECT k FROM vista"), "1");
+  Run("CREATE TABLE nueva (k LONG)");
+  Run("INSERT INTO nueva VALUES (1)");
+  Run("CREATE VIEW vista AS SELECT k FROM nueva");
+  EXPECT_EQ(Rows("SELECT k FROM vista"), "1");
   base_->RollbackTrans();
   EXPECT_NE(Error("SELECT k FROM nueva"), "no error");
   EXPECT_NE(Error("SELECT k FROM vista"), "no error");
-  Correr("CREATE TABLE nueva (otra TEXT(5))");
-  EXPECT_EQ(Filas("SELECT Count(otra) FROM nueva"), "0");
+  Run("CREATE TABLE nueva (otra TEXT(5))");
+  EXPECT_EQ(Rows("SELECT Count(otra) FROM nueva"), "0");
 }
 
-TEST_F(Conexion, CerradaNoSirve) {
+TEST_F(Connections, ClosedItServesNothing) {
   base_->BeginTrans();
-  base_->Cerrar();
-  EXPECT_FALSE(base_->Abierta());
-  EXPECT_FALSE(base_->EnTransaccion());
+  base_->Close();
+  EXPECT_FALSE(base_->IsOpen());
+  EXPECT_FALSE(base_->InTransaction());
   EXPECT_EQ(Error("SELECT 1"), "La base no está abierta.");
-  base_->Cerrar();
+  base_->Close();
   EXPECT_THROW(base_->BeginTrans(), db::Error);
 }
 
-TEST_F(Conexion, ConsultarSoloLee) {
-  LlenarTextos();
+TEST_F(Connections, QueryingOnlyReads) {
+  FillTexts();
   for (const char* sql :
        {"DELETE FROM t", "UPDATE t SET n = 1", "INSERT INTO t VALUES (9, '', 0)", "SELECT * INTO c FROM t",
         "DROP TABLE t", "CREATE TABLE z (k LONG)", "CREATE VIEW z AS SELECT 1 AS x",
         "ALTER TABLE t ADD COLUMN z LONG", "CREATE INDEX i ON t (n)"}) {
     try {
-      base_->Consultar(sql);
+      base_->Query(sql);
       ADD_FAILURE() << sql;
     } catch (const db::Error& e) {
-      EXPECT_EQ(e.Descripcion(), "La sentencia no es de consulta: aquí solo se puede leer.") << sql;
+      EXPECT_EQ(e.Description(), "La sentencia no es de consulta: aquí solo se puede leer.") << sql;
     }
   }
-  EXPECT_EQ(support::Filas(base_->Consultar("SELECT Sum(n), Count(*) FROM t")), "0|3");
+  EXPECT_EQ(support::Rows(base_->Query("SELECT Sum(n), Count(*) FROM t")), "0|3");
 }
 
-TEST_F(Conexion, LosValoresVienenConSuTipo) {
-  Correr(
-      "CREATE TABLE v (b YESNO, e BYTE, i SHORT, l LONG, s SINGLE, d DOUBLE, c CURRENCY, f DATETIME, t "
+TEST_F(Connections, ValuesComeWithTheirType) {
+  Run("CREATE TABLE v (b YESNO, e BYTE, i SHORT, l LONG, s SINGLE, d DOUBLE, c CURRENCY, f DATETIME, t "
       "TEXT(9), m MEMO)");
-  Correr(
-      "INSERT INTO v VALUES (True, 255, -32768, 2147483647, 0.1, 0.1, 1234.5678, #03/05/2024 06:00#, 'ñ', "
+  Run("INSERT INTO v VALUES (True, 255, -32768, 2147483647, 0.1, 0.1, 1234.5678, #03/05/2024 06:00#, 'ñ', "
       "'m')");
-  Correr("INSERT INTO v (t) VALUES (Null)");
-  const db::Recordset filas = Correr("SELECT * FROM v");
-  EXPECT_EQ(filas.En(0, 0), Valor(true));
-  EXPECT_EQ(filas.En(1, 0), Valor(255));
-  EXPECT_EQ(filas.En(2, 0), Valor(-32768));
-  EXPECT_EQ(filas.En(3, 0), Valor(2147483647));
-  EXPECT_EQ(filas.En(4, 0), Valor(0.1F));
-  EXPECT_EQ(filas.En(5, 0), Valor(0.1));
-  EXPECT_EQ(filas.En(6, 0), Valor(base::Moneda{12345678}));
-  EXPECT_EQ(filas.En(7, 0), Valor(base::Fecha{base::FechaDe(2024, 3, 5).serie + 0.25}));
-  EXPECT_EQ(filas.En(8, 0), Valor("ñ"));
-  EXPECT_EQ(filas.En(9, 0), Valor("m"));
-  EXPECT_EQ(filas.En(0, 1), Valor(false));  // a YESNO is never Null
-  for (std::size_t c = 1; c < filas.Campos().size(); ++c) EXPECT_TRUE(filas.En(c, 1).EsNulo()) << c;
-  EXPECT_EQ(filas.Fuente(), "SELECT * FROM v");
+  Run("INSERT INTO v (t) VALUES (Null)");
+  const db::Recordset rows = Run("SELECT * FROM v");
+  EXPECT_EQ(rows.At(0, 0), Value(true));
+  EXPECT_EQ(rows.At(1, 0), Value(255));
+  EXPECT_EQ(rows.At(2, 0), Value(-32768));
+  EXPECT_EQ(rows.At(3, 0), Value(2147483647));
+  EXPECT_EQ(rows.At(4, 0), Value(0.1F));
+  EXPECT_EQ(rows.At(5, 0), Value(0.1));
+  EXPECT_EQ(rows.At(6, 0), Value(base::Currency{12345678}));
+  EXPECT_EQ(rows.At(7, 0), Value(base::Date{base::MakeDate(2024, 3, 5).serial + 0.25}));
+  EXPECT_EQ(rows.At(8, 0), Value("ñ"));
+  EXPECT_EQ(rows.At(9, 0), Value("m"));
+  EXPECT_EQ(rows.At(0, 1), Value(false));  // a YESNO is never Null
+  for (std::size_t c = 1; c < rows.Fields().size(); ++c) EXPECT_TRUE(rows.At(c, 1).IsNull()) << c;
+  EXPECT_EQ(rows.Source(), "SELECT * FROM v");
 }
 
 // An expression keeps its type even where SQLite computes with plain numbers.
-TEST_F(Conexion, LasExpresionesTienenTipo) {
-  const db::Recordset f = Correr(
+TEST_F(Connections, ExpressionsHaveAType) {
+  const db::Recordset f = Run(
       "SELECT 1 = 1, 7 / 2, 6 / 2, 7 \\ 2, CCur(2), CSng(0.1), CDate(0.5), 'a' & 1, Null, IIf(True, 1, 2.5)");
-  EXPECT_EQ(f.En(0, 0), Valor(true));
-  EXPECT_EQ(f.En(1, 0), Valor(3.5));
-  EXPECT_EQ(f.En(2, 0), Valor(3.0));
-  EXPECT_EQ(f.En(3, 0), Valor(3));
-  EXPECT_EQ(f.En(4, 0), Valor(base::Moneda{20000}));
-  EXPECT_EQ(f.En(5, 0), Valor(0.1F));
-  EXPECT_EQ(f.En(6, 0), Valor(base::Fecha{0.5}));
-  EXPECT_EQ(f.En(7, 0), Valor("a1"));
-  EXPECT_TRUE(f.En(8, 0).EsNulo());
-  EXPECT_EQ(f.En(9, 0), Valor(1.0));
+  EXPECT_EQ(f.At(0, 0), Value(true));
+  EXPECT_EQ(f.At(1, 0), Value(3.5));
+  EXPECT_EQ(f.At(2, 0), Value(3.0));
+  EXPECT_EQ(f.At(3, 0), Value(3));
+  EXPECT_EQ(f.At(4, 0), Value(base::Currency{20000}));
+  EXPECT_EQ(f.At(5, 0), Value(0.1F));
+  EXPECT_EQ(f.At(6, 0), Value(base::Date{0.5}));
+  EXPECT_EQ(f.At(7, 0), Value("a1"));
+  EXPECT_TRUE(f.At(8, 0).IsNull());
+  EXPECT_EQ(f.At(9, 0), Value(1.0));
 }
 
 // Each reading of this clock is a second later.
-class RelojQueAnda final : public ports::Clock {
+class RunningClock final : public ports::Clock {
  public:
-  base::Fecha Ahora() const override {
-    ++lecturas;
-    return {base::FechaDe(2024, 3, 5).serie + lecturas / 86400.0};
+  base::Date Now() const override {
+    ++readings;
+    return {base::MakeDate(2024, 3, 5).serial + readings / 86400.0};
   }
-  mutable int lecturas = 0;
+  mutable int readings = 0;
 };
 
-TEST(RelojDeLaConexion, EstaQuietoDuranteUnaSentencia) {
-  const RelojQueAnda reloj;
-  engine_sqlite::Opciones opciones;
-  opciones.reloj = &reloj;
-  const auto base = engine_sqlite::Abrir(":memory:", opciones);
-  base->Ejecutar("CREATE TABLE t (k LONG, f DATETIME)");
-  for (int i = 0; i < 3; ++i) base->Ejecutar("INSERT INTO t VALUES (" + std::to_string(i) + ", Null)");
-  EXPECT_EQ(reloj.lecturas, 0);
-  base->Ejecutar("UPDATE t SET f = IIf(k = 1, Now(), DateAdd('s', 0, Now()))");
-  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT f FROM t")),
+TEST(ConnectionClock, StandsStillDuringAStatement) {
+  const RunningClock clock;
+  engine_sqlite::Options options;
+  options.clock = &clock;
+  const auto base = engine_sqlite::Open(":memory:", options);
+  base->Execute("CREATE TABLE t (k LONG, f DATETIME)");
+  for (int i = 0; i < 3; ++i) base->Execute("INSERT INTO t VALUES (" + std::to_string(i) + ", Null)");
+  EXPECT_EQ(clock.readings, 0);
+  base->Execute("UPDATE t SET f = IIf(k = 1, Now(), DateAdd('s', 0, Now()))");
+  EXPECT_EQ(support::Rows(base->Execute("SELECT f FROM t")),
             "2024-03-05 00:00:01\n2024-03-05 00:00:01\n2024-03-05 00:00:01");
-  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT Now()")), "2024-03-05 00:00:02");
-  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT Now()")), "2024-03-05 00:00:03");
+  EXPECT_EQ(support::Rows(base->Execute("SELECT Now()")), "2024-03-05 00:00:02");
+  EXPECT_EQ(support::Rows(base->Execute("SELECT Now()")), "2024-03-05 00:00:03");
 }
 
-TEST_F(Conexion, LasFilasAfectadasSonDeLaUltimaSentencia) {
-  LlenarTextos();
-  EXPECT_EQ(base_->FilasAfectadas(), 1);
-  Correr("UPDATE t SET n = 1 WHERE k < 3");
-  EXPECT_EQ(base_->FilasAfectadas(), 2);
-  Correr("SELECT * FROM t");
-  EXPECT_EQ(base_->FilasAfectadas(), 0);
-  Correr("DELETE FROM t WHERE k = 99");
-  EXPECT_EQ(base_->FilasAfectadas(), 0);
+TEST_F(Connections, TheAffectedRowsAreTheLastStatements) {
+  FillTexts();
+  EXPECT_EQ(base_->AffectedRows(), 1);
+  Run("UPDATE t SET n = 1 WHERE k < 3");
+  EXPECT_EQ(base_->AffectedRows(), 2);
+  Run("SELECT * FROM t");
+  EXPECT_EQ(base_->AffectedRows(), 0);
+  Run("DELETE FROM t WHERE k = 99");
+  EXPECT_EQ(base_->AffectedRows(), 0);
   EXPECT_NE(Error("DELETE FROM nada"), "no error");
-  EXPECT_EQ(base_->FilasAfectadas(), 0);
-  Correr("DELETE FROM t");
-  EXPECT_EQ(base_->FilasAfectadas(), 3);
+  EXPECT_EQ(base_->AffectedRows(), 0);
+  Run("DELETE FROM t");
+  EXPECT_EQ(base_->AffectedRows(), 3);
 }
 
-std::string Repetir(const std::string& pieza, int veces) {
-  std::string salida;
-  salida.reserve(pieza.size() * static_cast<std::size_t>(veces));
-  for (int i = 0; i < veces; ++i) salida += pieza;
-  return salida;
+std::string Repeat(const std::string& piece, int times) {
+  std::string output;
+  output.reserve(piece.size() * static_cast<std::size_t>(times));
+  for (int i = 0; i < times; ++i) output += piece;
+  return output;
 }
 
 // A month's calendar becomes a long chain of OR; every length that an office can have must work.
-TEST_F(Conexion, LasCondicionesLargasValen) {
-  LlenarTextos();
-  for (const int terminos : {100, 1500}) {
+TEST_F(Connections, LongConditionsHold) {
+  FillTexts();
+  for (const int terms : {100, 1500}) {
     std::string sql = "SELECT Count(*) FROM t WHERE k = 1";
-    for (int i = 0; i < terminos; ++i) {
+    for (int i = 0; i < terms; ++i) {
       sql += " or (k = 2 and n in (";
       sql += std::to_string(i + 1);
       sql += ",0))";
     }
-    EXPECT_EQ(Filas(sql), "2") << terminos;
+    EXPECT_EQ(Rows(sql), "2") << terms;
   }
-  std::string lista = "SELECT Count(*) FROM t WHERE k In (0";
+  std::string list = "SELECT Count(*) FROM t WHERE k In (0";
   for (int i = 3; i < 5000; ++i) {
-    lista += ',';
-    lista += std::to_string(i);
+    list += ',';
+    list += std::to_string(i);
   }
-  EXPECT_EQ(Filas(lista + ")"), "1");
-  EXPECT_EQ(Error("SELECT Count(*) FROM t WHERE k In (0" + Repetir(",1", 40000) + ")"),
+  EXPECT_EQ(Rows(list + ")"), "1");
+  EXPECT_EQ(Error("SELECT Count(*) FROM t WHERE k In (0" + Repeat(",1", 40000) + ")"),
             "La lista de IN no puede tener más de 20000 (línea 1, columna 40037)");
-  EXPECT_EQ(Filas("SELECT 1" + Repetir(" + 1", 300)), "301");
-  EXPECT_EQ(Filas("SELECT Len('a'" + Repetir(" & 'b'", 900) + ")"), "901");
+  EXPECT_EQ(Rows("SELECT 1" + Repeat(" + 1", 300)), "301");
+  EXPECT_EQ(Rows("SELECT Len('a'" + Repeat(" & 'b'", 900) + ")"), "901");
 }
 
-TEST_F(Conexion, NingunTextoLaHaceCaer) {
-  LlenarTextos();
-  const std::string hondos[] = {
-      "SELECT " + Repetir("(", 100000) + "1" + Repetir(")", 100000),
-      "SELECT " + Repetir("Not ", 100000) + "True",
-      "SELECT " + Repetir("-", 100000) + "1",
-      "SELECT " + Repetir("Len(", 100000) + "1" + Repetir(")", 100000),
-      "SELECT * FROM " + Repetir("(", 100000) + "t" + Repetir(")", 100000),
-      "SELECT 1" + Repetir(" + 1", 100000),
-      "SELECT Count(*) FROM t WHERE k = 1" + Repetir(" or k = 2", 100000),
-      "SELECT 1" + Repetir(" UNION ALL SELECT 1", 20000),
-      Repetir("SELECT * FROM (", 5000) + "t" + Repetir(")", 5000),
-      Repetir("\x01\xFF[", 1000),
+TEST_F(Connections, NoTextBringsItDown) {
+  FillTexts();
+  const std::string deep[] = {
+      "SELECT " + Repeat("(", 100000) + "1" + Repeat(")", 100000),
+      "SELECT " + Repeat("Not ", 100000) + "True",
+      "SELECT " + Repeat("-", 100000) + "1",
+      "SELECT " + Repeat("Len(", 100000) + "1" + Repeat(")", 100000),
+      "SELECT * FROM " + Repeat("(", 100000) + "t" + Repeat(")", 100000),
+      "SELECT 1" + Repeat(" + 1", 100000),
+      "SELECT Count(*) FROM t WHERE k = 1" + Repeat(" or k = 2", 100000),
+      "SELECT 1" + Repeat(" UNION ALL SELECT 1", 20000),
+      Repeat("SELECT * FROM (", 5000) + "t" + Repeat(")", 5000),
+      Repeat("\x01\xFF[", 1000),
       std::string("SELECT 'a\0b'", 12),
-      "SELECT '" + Repetir("x", 1000) + "' LIKE '" + Repetir("%x", 500) + "y'",
+      "SELECT '" + Repeat("x", 1000) + "' LIKE '" + Repeat("%x", 500) + "y'",
       "SELECT String(2000000000, 'x')",
       "SELECT Replace(String(60000000, 'x'), 'x', 'yyyyyyyyyy')",
       "",
       ";",
   };
-  for (const std::string& sql : hondos) {
+  for (const std::string& sql : deep) {
     try {
-      base_->Ejecutar(sql);  // rows or an error, both are answers
+      base_->Execute(sql);  // rows or an error, both are answers
     } catch (const db::Error& e) {
-      EXPECT_FALSE(e.Descripcion().empty());
+      EXPECT_FALSE(e.Description().empty());
     }
   }
-  EXPECT_EQ(Filas("SELECT Count(*) FROM t"), "3");
+  EXPECT_EQ(Rows("SELECT Count(*) FROM t"), "3");
 }
 
-TEST_F(Conexion, UnTextoLargoVuelveEntero) {
-  Correr("CREATE TABLE l (m MEMO)");
-  const std::string largo = Repetir("ñandú ", 200000);
-  Correr("INSERT INTO l VALUES ('" + largo + "')");
-  EXPECT_EQ(Correr("SELECT m FROM l").En(0, 0), Valor(largo));
+TEST_F(Connections, ALongTextComesBackWhole) {
+  Run("CREATE TABLE l (m MEMO)");
+  const std::string length = Repeat("ñandú ", 200000);
+  Run("INSERT INTO l VALUES ('" + length + "')");
+  EXPECT_EQ(Run("SELECT m FROM l").At(0, 0), Value(length));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-namespace prueba {
+namespace test {
 namespace {
 
 // The real file stands behind this one, in the same piece of memory.
@@ -114,4 +114,4 @@ bool FailingVfs::Count(const char* what) {
   return true;
 }
 
-}  // namespace prueba
+}  // namespace test

@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace prueba {
+namespace test {
 
 class FailingVfs {
  public:
@@ -39,4 +39,4 @@ class FailingVfs {
   std::string what_;
 };
 
-}  // namespace prueba
+}  // namespace test

@@ -8,78 +8,78 @@
 namespace support {
 namespace {
 
-const char* NombreDeTipo(base::Tipo tipo) {
-  switch (tipo) {
-    case base::Tipo::Nulo:
+const char* TypeName(base::Type type) {
+  switch (type) {
+    case base::Type::Null:
       return "?";
-    case base::Tipo::Booleano:
+    case base::Type::Boolean:
       return "bool";
-    case base::Tipo::Entero:
+    case base::Type::Integer:
       return "int";
-    case base::Tipo::Simple:
+    case base::Type::Single:
       return "single";
-    case base::Tipo::Numero:
+    case base::Type::Number:
       return "number";
-    case base::Tipo::Moneda:
+    case base::Type::Currency:
       return "currency";
-    case base::Tipo::Fecha:
+    case base::Type::Date:
       return "date";
-    case base::Tipo::Texto:
+    case base::Type::Text:
       return "text";
   }
   return "";
 }
 
-std::string Unir(const std::vector<std::string>& lineas) {
-  std::string salida;
-  for (std::size_t i = 0; i < lineas.size(); ++i) {
-    if (i > 0) salida += '\n';
-    salida += lineas[i];
+std::string Join(const std::vector<std::string>& lines) {
+  std::string output;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (i > 0) output += '\n';
+    output += lines[i];
   }
-  return salida;
+  return output;
 }
 
 }  // namespace
 
-std::string Celda(const base::Valor& valor) {
-  if (valor.EsNulo()) return "NULL";
-  const std::string texto = valor.TextoCsv();
-  return texto.empty() ? "(empty)" : Escapado(texto);
+std::string Cell(const base::Value& value) {
+  if (value.IsNull()) return "NULL";
+  const std::string text = value.CsvText();
+  return text.empty() ? "(empty)" : Escaped(text);
 }
 
-std::string Filas(const db::Recordset& filas, bool ordenar) {
-  std::vector<std::string> lineas;
-  const std::size_t ancho = filas.Campos().size();
-  for (std::size_t f = 0; f < filas.Cantidad(); ++f) {
-    std::string linea;
-    for (std::size_t c = 0; c < ancho; ++c) {
-      if (c > 0) linea += '|';
-      linea += Celda(filas.En(c, f));
+std::string Rows(const db::Recordset& rows, bool sorted) {
+  std::vector<std::string> lines;
+  const std::size_t width = rows.Fields().size();
+  for (std::size_t f = 0; f < rows.Count(); ++f) {
+    std::string line;
+    for (std::size_t c = 0; c < width; ++c) {
+      if (c > 0) line += '|';
+      line += Cell(rows.At(c, f));
     }
-    lineas.push_back(linea);
+    lines.push_back(line);
   }
-  if (ordenar) std::sort(lineas.begin(), lineas.end());
-  return Unir(lineas);
+  if (sorted) std::sort(lines.begin(), lines.end());
+  return Join(lines);
 }
 
-std::string Cabecera(const db::Recordset& filas) {
-  std::string salida;
-  for (const db::Columna& c : filas.Campos()) {
-    if (!salida.empty()) salida += '|';
-    salida += c.nombre;
-    salida += ':';
-    salida += NombreDeTipo(c.tipo);
+std::string Header(const db::Recordset& rows) {
+  std::string output;
+  for (const db::Column& c : rows.Fields()) {
+    if (!output.empty()) output += '|';
+    output += c.name;
+    output += ':';
+    output += TypeName(c.type);
   }
-  return salida;
+  return output;
 }
 
-std::string TextoDeError(const base::Error& error) {
-  if (error.Numero() == 0) return error.Descripcion();
-  std::string salida = "[";
-  salida += std::to_string(error.Numero());
-  salida += "] ";
-  salida += error.Descripcion();
-  return salida;
+std::string ErrorText(const base::Error& error) {
+  if (error.Number() == 0) return error.Description();
+  std::string output = "[";
+  output += std::to_string(error.Number());
+  output += "] ";
+  output += error.Description();
+  return output;
 }
 
 }  // namespace support

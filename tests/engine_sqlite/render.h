@@ -9,12 +9,12 @@ namespace support {
 
 // Numbers with ".", booleans -1 and 0, dates AAAA-MM-DD[ hh:mm:ss], NULL, (empty); control characters
 // escaped.
-std::string Celda(const base::Valor& valor);
+std::string Cell(const base::Value& value);
 // One line a row, cells joined with "|", sorted as lines when asked.
-std::string Filas(const db::Recordset& filas, bool ordenar = false);
-// "nombre:tipo|…" of the columns.
-std::string Cabecera(const db::Recordset& filas);
+std::string Rows(const db::Recordset& rows, bool sorted = false);
+// "name:type|…" of the columns.
+std::string Header(const db::Recordset& rows);
 // The description, with its number in front when it has one: "[13] …".
-std::string TextoDeError(const base::Error& error);
+std::string ErrorText(const base::Error& error);
 
 }  // namespace support

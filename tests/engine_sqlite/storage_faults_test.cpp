@@ -18,30 +18,30 @@ using base::ErrorKind;
 
 class SqliteFaults : public testing::Test {
  protected:
-  SqliteFaults() : path_(folder_.Ruta("base.sqlite")) {}
+  SqliteFaults() : path_(folder_.Path("base.sqlite")) {}
 
   std::unique_ptr<db::Connection> Open(bool create = false) const {
-    engine_sqlite::Opciones o;
-    o.crear = create;
-    o.espera_ms = 10;
-    return engine_sqlite::Abrir(path_, o);
+    engine_sqlite::Options o;
+    o.create = create;
+    o.wait_ms = 10;
+    return engine_sqlite::Open(path_, o);
   }
   void SetUp() override {
     const auto base = Open(true);
-    base->Ejecutar("CREATE TABLE t (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(250))");
-    base->Ejecutar("CREATE TABLE u (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(250))");
+    base->Execute("CREATE TABLE t (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(250))");
+    base->Execute("CREATE TABLE u (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(250))");
     base->BeginTrans();
     for (int i = 0; i < 200; ++i) {
       const std::string row = std::to_string(i) + ", '" + std::string(200, static_cast<char>('a' + i % 20));
-      base->Ejecutar("INSERT INTO t VALUES (" + row + "')");
-      base->Ejecutar("INSERT INTO u VALUES (" + row + "')");
+      base->Execute("INSERT INTO t VALUES (" + row + "')");
+      base->Execute("INSERT INTO u VALUES (" + row + "')");
     }
     base->CommitTrans();
   }
   std::string Rows() const {
     const auto base = Open();
-    return support::Filas(base->Ejecutar("SELECT * FROM t ORDER BY k")) + "\n" +
-           support::Filas(base->Ejecutar("SELECT * FROM u ORDER BY k"));
+    return support::Rows(base->Execute("SELECT * FROM t ORDER BY k")) + "\n" +
+           support::Rows(base->Execute("SELECT * FROM u ORDER BY k"));
   }
 
   // As an import does: a statement that fails is passed over, and only its kind tells whether to go on.
@@ -50,7 +50,7 @@ class SqliteFaults : public testing::Test {
     committing_ = false;
     const auto base = Open();
     const auto passing_over = [&](const char* sql) {
-      base::ErrorIgnorado("", nullptr, [&] { base->Ejecutar(sql); });
+      base::PassOverError("", nullptr, [&] { base->Execute(sql); });
     };
     base->BeginTrans();
     passing_over("SELECT Max(k) FROM t");
@@ -69,14 +69,14 @@ class SqliteFaults : public testing::Test {
 
   void FailEach(bool always) {
     const std::string before = Rows();
-    const auto bytes = base::LeerArchivo(path_);
+    const auto bytes = base::ReadWholeFile(path_);
     ASSERT_TRUE(Run());
     const std::string after = Rows();
     ASSERT_NE(before, after);
     int faults = 0, unnoticed = 0, call = 1;
     for (bool reached = true; reached; ++call) {
-      ASSERT_TRUE(base::EscribirArchivo(path_, *bytes));
-      prueba::FailingVfs vfs;
+      ASSERT_TRUE(base::WriteWholeFile(path_, *bytes));
+      test::FailingVfs vfs;
       vfs.FailAt(call, always);
       bool done = false;
       try {
@@ -84,7 +84,7 @@ class SqliteFaults : public testing::Test {
         ++unnoticed;
       } catch (const db::Error& e) {
         ++faults;
-        EXPECT_TRUE(e.IsStorageFault()) << call << " " << vfs.What() << ": " << e.Descripcion();
+        EXPECT_TRUE(e.IsStorageFault()) << call << " " << vfs.What() << ": " << e.Description();
       }
       reached = vfs.Failed() > 0;
       vfs.Heal();
@@ -98,7 +98,7 @@ class SqliteFaults : public testing::Test {
     EXPECT_LT(unnoticed, call / 2);  // those of the end, when the log is put away
   }
 
-  support::CarpetaTemporal folder_;
+  support::TempFolder folder_;
   std::string path_;
   bool committing_ = false;
 };
@@ -107,17 +107,17 @@ TEST_F(SqliteFaults, EachCallOnce) { FailEach(false); }
 TEST_F(SqliteFaults, EachCallAndAllAfterIt) { FailEach(true); }
 
 TEST_F(SqliteFaults, ADamagedPageIsAFault) {
-  const auto bytes = base::LeerArchivo(path_);
+  const auto bytes = base::ReadWholeFile(path_);
   int faults = 0;
   for (std::size_t page = 1; page * 4096 < bytes->size(); ++page) {
     std::string damaged = *bytes;
     for (std::size_t i = 0; i < 4096; ++i) damaged[page * 4096 + i] = static_cast<char>(0xA5);
-    ASSERT_TRUE(base::EscribirArchivo(path_, damaged));
+    ASSERT_TRUE(base::WriteWholeFile(path_, damaged));
     try {
       Run();
     } catch (const db::Error& e) {
       ++faults;
-      EXPECT_TRUE(e.IsStorageFault()) << page << ": " << e.Descripcion();
+      EXPECT_TRUE(e.IsStorageFault()) << page << ": " << e.Description();
     }
   }
   EXPECT_GT(faults, 10);
@@ -130,9 +130,9 @@ TEST_F(SqliteFaults, WhatSqlRefusesIsNone) {
         "INSERT INTO t VALUES ('x', 'x')", "UPDATE t SET v = String(300, 'x')", "SELECT 1/0 FROM t",
         "INSERT INTO t VALUES (1)", "CREATE TABLE t (k LONG)", "SELECT CInt(100000)"}) {
     try {
-      base->Ejecutar(sql);
+      base->Execute(sql);
     } catch (const db::Error& e) {
-      EXPECT_FALSE(e.IsStorageFault()) << sql << ": " << e.Descripcion();
+      EXPECT_FALSE(e.IsStorageFault()) << sql << ": " << e.Description();
     }
   }
 }
@@ -160,21 +160,21 @@ TEST_F(SqliteFaults, ABaseThatAnotherProgramWritesIsAFault) {
   } catch (const db::Error& e) {
     EXPECT_TRUE(e.IsStorageFault());
   }
-  EXPECT_FALSE(base->EnTransaccion());
+  EXPECT_FALSE(base->InTransaction());
 }
 
 // Opened for reading it refuses what writes, and can be read all the same.
 TEST_F(SqliteFaults, ARefusalToWriteIsNone) {
-  engine_sqlite::Opciones o;
-  o.solo_lectura = true;
-  const auto base = engine_sqlite::Abrir(path_, o);
+  engine_sqlite::Options o;
+  o.read_only = true;
+  const auto base = engine_sqlite::Open(path_, o);
   try {
-    base->Ejecutar("DELETE FROM t");
+    base->Execute("DELETE FROM t");
     ADD_FAILURE();
   } catch (const db::Error& e) {
-    EXPECT_FALSE(e.IsStorageFault()) << e.Descripcion();
+    EXPECT_FALSE(e.IsStorageFault()) << e.Description();
   }
-  EXPECT_EQ(support::Filas(base->Ejecutar("SELECT Count(*) FROM t")), "200");
+  EXPECT_EQ(support::Rows(base->Execute("SELECT Count(*) FROM t")), "200");
 }
 
 }  // namespace

@@ -15,16 +15,14 @@ class AvisosDePrueba final : public ports::Prompts {
   std::vector<std::string> cajas;  // "[!] text" with the exclamation icon, "[ ] text" without; CR LF as " / "
   std::size_t callar = 0;          // the box, from 1, at which the operator asks to see no more; 0: none
 
-  bool Mostrar(const ports::Aviso& aviso) override {
-    std::string linea = aviso.icono == ports::Icono::Exclamacion ? "[!] " : "[ ] ";
-    linea += base::Reemplazar(aviso.texto, base::kCrLf, " / ");
-    if (aviso.ofrece_callar) linea += " (ofrece callar)";
+  bool Show(const ports::Notice& aviso) override {
+    std::string linea = aviso.icon == ports::Icon::Exclamation ? "[!] " : "[ ] ";
+    linea += base::Replace(aviso.text, base::kCrLf, " / ");
+    if (aviso.offers_silence) linea += " (ofrece callar)";
     cajas.push_back(linea);
     return cajas.size() == callar;
   }
-  bool Confirmar(const std::string& texto) override {
-    throw std::logic_error("unexpected question: " + texto);
-  }
+  bool Confirm(const std::string& texto) override { throw std::logic_error("unexpected question: " + texto); }
 };
 
 }  // namespace prueba

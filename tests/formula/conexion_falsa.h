@@ -12,7 +12,7 @@ namespace prueba {
 
 struct Respuesta {
   std::vector<std::string> columnas;
-  std::vector<base::Valor> celdas;  // row by row
+  std::vector<base::Value> celdas;  // row by row
   std::string error;                // not empty: the statement fails
   base::ErrorKind kind = base::ErrorKind::Statement;
 };
@@ -23,15 +23,15 @@ class ConexionFalsa final : public db::Connection {
   std::deque<Respuesta> respuestas;  // one a statement; none left: no rows
   bool abierta = true;
 
-  bool Abierta() const override { return abierta; }
-  void Cerrar() override { abierta = false; }
-  db::Recordset Ejecutar(std::string_view sql) override { return Responder("hacer: ", sql); }
-  db::Recordset Consultar(std::string_view sql) override { return Responder("leer: ", sql); }
-  std::int64_t FilasAfectadas() const override { return 0; }
+  bool IsOpen() const override { return abierta; }
+  void Close() override { abierta = false; }
+  db::Recordset Execute(std::string_view sql) override { return Responder("hacer: ", sql); }
+  db::Recordset Query(std::string_view sql) override { return Responder("leer: ", sql); }
+  std::int64_t AffectedRows() const override { return 0; }
   void BeginTrans() override {}
   void CommitTrans() override {}
   void RollbackTrans() override {}
-  bool EnTransaccion() const override { return false; }
+  bool InTransaction() const override { return false; }
   void SetSavepoint() override {}
   void RollbackToSavepoint() override {}
   void ReleaseSavepoint() override {}
@@ -45,8 +45,8 @@ class ConexionFalsa final : public db::Connection {
       respuestas.pop_front();
     }
     if (!r.error.empty()) throw db::Error(r.error, 0, {}, r.kind);
-    auto columnas = std::make_shared<db::Columnas>();
-    for (const auto& nombre : r.columnas) columnas->push_back({nombre, base::Tipo::Nulo});
+    auto columnas = std::make_shared<db::Columns>();
+    for (const auto& nombre : r.columnas) columnas->push_back({nombre, base::Type::Null});
     return db::Recordset(columnas, std::move(r.celdas), std::string(sql));
   }
 };

@@ -16,7 +16,7 @@ namespace {
 std::string LeerPagina() {
   std::ifstream f(support::SourceDir() + "/docs/formulas.md", std::ios::binary);
   const std::string todo(std::istreambuf_iterator<char>(f), {});
-  return base::Reemplazar(todo, "\n", " ");
+  return base::Replace(todo, "\n", " ");
 }
 
 class Pagina : public testing::Test {
@@ -25,7 +25,7 @@ class Pagina : public testing::Test {
     ev.prompts = &avisos;
     ev.reloj = &reloj;
   }
-  ports::RelojFijo reloj{base::FechaDe(2024, 8, 15)};
+  ports::FixedClock reloj{base::MakeDate(2024, 8, 15)};
   prueba::AvisosDePrueba avisos;
   formula::Evaluador ev;
 };
@@ -68,7 +68,7 @@ TEST_F(Pagina, EveryErrorShowsItsBox) {
     ev.avisos_mostrados = 0;
     formula::EvaluarTexto(ev, ejemplo);
     ASSERT_EQ(avisos.cajas.size(), 1U) << ejemplo;
-    EXPECT_TRUE(base::TerminaCon(avisos.cajas[0], aviso)) << avisos.cajas[0];
+    EXPECT_TRUE(base::EndsWith(avisos.cajas[0], aviso)) << avisos.cajas[0];
     ++vistos;
   }
   EXPECT_EQ(vistos, 4);

@@ -13,9 +13,9 @@ namespace {
 class EnMotor : public ::testing::Test {
  protected:
   EnMotor() {
-    engine_sqlite::Opciones opciones;
-    opciones.reloj = &reloj;
-    sesion.conexion = engine_sqlite::Abrir(":memory:", opciones);
+    engine_sqlite::Options opciones;
+    opciones.clock = &reloj;
+    sesion.conexion = engine_sqlite::Open(":memory:", opciones);
     sesion.idEmpresa = 3;
     sesion.reloj = &reloj;
     ev.sesion = &sesion;
@@ -36,18 +36,18 @@ class EnMotor : public ::testing::Test {
           "Insert into Tablas values (5,3,'BONO','Bono',3,1,Null)",
           "Insert into Tablas values (6,3,'VACIA','Sin valores',1,1,Null)",
           "Insert into Tablas values (7,4,'OTRA','De otra empresa',1,1,Null)"})
-      sesion.conexion->Ejecutar(sql);
+      sesion.conexion->Execute(sql);
   }
 
   std::string Evaluar(const std::string& formula) { return formula::EvaluarTexto(ev, formula); }
   std::string Fila(const std::string& sql) {
-    const db::Recordset filas = sesion.conexion->Consultar(sql);
+    const db::Recordset filas = sesion.conexion->Query(sql);
     std::string texto;
-    for (std::size_t i = 0; i < filas.Cantidad(); ++i) {
+    for (std::size_t i = 0; i < filas.Count(); ++i) {
       if (i > 0) texto += "; ";
-      for (std::size_t c = 0; c < filas.Campos().size(); ++c) {
+      for (std::size_t c = 0; c < filas.Fields().size(); ++c) {
         if (c > 0) texto += "|";
-        texto += filas.En(c, i).EsNulo() ? "NULL" : filas.En(c, i).TextoCsv();
+        texto += filas.At(c, i).IsNull() ? "NULL" : filas.At(c, i).CsvText();
       }
     }
     return texto;
@@ -55,13 +55,13 @@ class EnMotor : public ::testing::Test {
   std::string Valores() {
     return Fila("select Id,Id_Tabla,Codigo,Valor,Fecha from DatosUsuTablas order by Id_Tabla,Codigo,Fecha");
   }
-  int Guardar(const std::string& codigo, const std::string& valor, base::Fecha fecha, bool sumado = false) {
+  int Guardar(const std::string& codigo, const std::string& valor, base::Date fecha, bool sumado = false) {
     int registros = -1;
     formula::GuardarValorTablaUsuario(sesion, 5, codigo, valor, fecha, sumado, false, &registros);
     return registros;
   }
 
-  ports::RelojFijo reloj{base::FechaDe(2024, 8, 15)};
+  ports::FixedClock reloj{base::MakeDate(2024, 8, 15)};
   prueba::AvisosDePrueba avisos;
   sesion::DbSession sesion;
   formula::Evaluador ev;
@@ -113,7 +113,7 @@ TEST_F(EnMotor, AListHasAnEnd) {
 
 TEST_F(EnMotor, AnInterruptedQueryLosesNothingOfTheTransaction) {
   sesion.conexion->BeginTrans();
-  sesion.conexion->Ejecutar("Update CentroCosto set NombreCC='Cambiada' where idCC=12");
+  sesion.conexion->Execute("Update CentroCosto set NombreCC='Cambiada' where idCC=12");
   std::string tablas = "CentroCosto C0";
   for (int i = 1; i < 40; ++i) tablas += ", CentroCosto C" + std::to_string(i);
   Evaluar("SQL(CAMPO COUNT(*) EN " + tablas + ")");
@@ -163,7 +163,7 @@ TEST_F(EnMotor, AFormulaNeverWrites) {
   EXPECT_EQ(Evaluar("SQL(CAMPO 1; DELETE FROM Conceptos)"), "0");
   EXPECT_EQ(Evaluar("LISTA(CAMPO 1; DELETE FROM Conceptos)"), "1");
   EXPECT_EQ(Fila("select * from Conceptos order by id_Concepto"), antes);
-  EXPECT_THROW(sesion.conexion->Consultar("select * from Nueva"), db::Error);
+  EXPECT_THROW(sesion.conexion->Query("select * from Nueva"), db::Error);
 }
 
 TEST_F(EnMotor, Lists) {
@@ -230,70 +230,70 @@ TEST_F(EnMotor, AListFilledAnewHasNothingChosen) {
 TEST_F(EnMotor, WhyAListWasNotFilledIsNoted) {
   formula::ListControl combo;
   const auto motivo = [&](const char* tabla, const char* campos) {
-    base::SumideroErrores errores;
+    base::ErrorSink errores;
     EXPECT_EQ(formula::LlenarLista(combo, tabla, campos, "", " - ", nullptr, sesion, &errores), -1);
-    return errores.size() == 1 ? errores.front().descripcion : "not noted once";
+    return errores.size() == 1 ? errores.front().description : "not noted once";
   };
   EXPECT_EQ(motivo("Select idCC From CentroCosto", "idCC,[NombreCC]"),
             "La consulta no devolvió la columna NombreCC.");
-  sesion.conexion->Cerrar();
+  sesion.conexion->Close();
   EXPECT_EQ(motivo("CentroCosto", "idCC"), "La Base no está Abierta");
 }
 
 TEST_F(EnMotor, UserTablesAreWrittenByDate) {
-  EXPECT_EQ(Guardar("101", "8.5", base::FechaDe(2024, 6, 1)), 1);
-  EXPECT_EQ(Guardar("101", "7", base::FechaDe(2024, 1, 1)), 2);
+  EXPECT_EQ(Guardar("101", "8.5", base::MakeDate(2024, 6, 1)), 1);
+  EXPECT_EQ(Guardar("101", "7", base::MakeDate(2024, 1, 1)), 2);
   EXPECT_EQ(Guardar("101", "6", {}), 3);
-  EXPECT_EQ(Guardar("102", "a*b'c", base::FechaDe(2024, 1, 1)), 1);
+  EXPECT_EQ(Guardar("102", "a*b'c", base::MakeDate(2024, 1, 1)), 1);
   EXPECT_EQ(Valores(),
             "3|5|101|6|NULL; 2|5|101|7|2024-01-01; 1|5|101|8.5|2024-06-01; 4|5|102|a*b'c|2024-01-01");
   // The same date: replaced, its number kept; other codes untouched.
-  EXPECT_EQ(Guardar("101", "7.5", base::FechaDe(2024, 1, 1)), 3);
+  EXPECT_EQ(Guardar("101", "7.5", base::MakeDate(2024, 1, 1)), 3);
   EXPECT_EQ(Guardar("101", "208.1", {}, true), 3);
   EXPECT_EQ(Valores(),
             "3|5|101|8.1|NULL; 2|5|101|7.5|2024-01-01; 1|5|101|8.5|2024-06-01; 4|5|102|a*b'c|2024-01-01");
 }
 
 TEST_F(EnMotor, AClosingZeroReplacesNothing) {
-  const auto cerrar = [&](base::Fecha fecha) {
+  const auto cerrar = [&](base::Date fecha) {
     return formula::CerrarValorTablaUsuario(sesion, 5, "101", fecha);
   };
-  Guardar("101", "7", base::FechaDe(2024, 1, 1));
-  sesion.conexion->Ejecutar("Insert into DatosUsuTablas values (3,2,5,'101','8',#06/01/2024 12:00:00#)");
-  EXPECT_FALSE(cerrar(base::FechaDe(2024, 1, 1)));
-  EXPECT_FALSE(cerrar(base::FechaDe(2024, 6, 1)));
-  EXPECT_TRUE(cerrar(base::FechaDe(2024, 7, 1)));
-  EXPECT_FALSE(cerrar(base::FechaDe(2024, 7, 1)));
+  Guardar("101", "7", base::MakeDate(2024, 1, 1));
+  sesion.conexion->Execute("Insert into DatosUsuTablas values (3,2,5,'101','8',#06/01/2024 12:00:00#)");
+  EXPECT_FALSE(cerrar(base::MakeDate(2024, 1, 1)));
+  EXPECT_FALSE(cerrar(base::MakeDate(2024, 6, 1)));
+  EXPECT_TRUE(cerrar(base::MakeDate(2024, 7, 1)));
+  EXPECT_FALSE(cerrar(base::MakeDate(2024, 7, 1)));
   EXPECT_EQ(Valores(), "1|5|101|7|2024-01-01; 2|5|101|8|2024-06-01; 3|5|101|0|2024-07-01");
-  sesion.conexion->Cerrar();
+  sesion.conexion->Close();
   try {
     cerrar({});
     FAIL() << "written";
   } catch (const db::Error& e) {
-    EXPECT_EQ(e.Descripcion(), "No se ha conectado con la base de datos");
+    EXPECT_EQ(e.Description(), "No se ha conectado con la base de datos");
   }
 }
 
 TEST_F(EnMotor, AnEmptyValueRemovesTheOneBefore) {
   Guardar("101", "6", {});
-  Guardar("101", "7", base::FechaDe(2024, 1, 1));
-  Guardar("101", "8", base::FechaDe(2024, 6, 1));
+  Guardar("101", "7", base::MakeDate(2024, 1, 1));
+  Guardar("101", "8", base::MakeDate(2024, 6, 1));
   // Not the one of the date itself, but the latest before it.
-  EXPECT_EQ(Guardar("101", "", base::FechaDe(2024, 6, 1)), 2);
+  EXPECT_EQ(Guardar("101", "", base::MakeDate(2024, 6, 1)), 2);
   EXPECT_EQ(Valores(), "1|5|101|6|NULL; 3|5|101|8|2024-06-01");
-  EXPECT_EQ(Guardar("101", "", base::FechaDe(2020, 1, 1)), 1);
+  EXPECT_EQ(Guardar("101", "", base::MakeDate(2020, 1, 1)), 1);
   EXPECT_EQ(Valores(), "3|5|101|8|2024-06-01");
-  EXPECT_EQ(Guardar("101", "", base::FechaDe(2020, 1, 1)), 1);
+  EXPECT_EQ(Guardar("101", "", base::MakeDate(2020, 1, 1)), 1);
 }
 
 TEST_F(EnMotor, UserTablesAreLoadedByCompany) {
   formula::TablasUsuario tablas;
   tablas.CargarTablasUsuario(sesion, -1);
   EXPECT_EQ(tablas.Cantidad(), 0U);
-  Guardar("101", "8", base::FechaDe(2024, 6, 1));
+  Guardar("101", "8", base::MakeDate(2024, 6, 1));
   Guardar("101", "7", {});
-  sesion.conexion->Ejecutar("Insert into DatosUsuTablas values (3,90,6,Null,Null,Null)");
-  sesion.conexion->Ejecutar("Insert into DatosUsuTablas values (4,91,7,'101','9',Null)");
+  sesion.conexion->Execute("Insert into DatosUsuTablas values (3,90,6,Null,Null,Null)");
+  sesion.conexion->Execute("Insert into DatosUsuTablas values (4,91,7,'101','9',Null)");
   tablas.CargarTablasUsuario(sesion, -1);
   EXPECT_EQ(tablas.Cantidad(), 3U);
   EXPECT_EQ(formula::UnirVector(tablas.Serie(5, "101"), -1, "|", "; "),
@@ -313,8 +313,8 @@ TEST_F(EnMotor, WithoutAConnection) {
     tablas.CargarTablasUsuario(sesion, -1);
     FAIL() << "loaded";
   } catch (const base::Error& e) {
-    EXPECT_EQ(e.Fuente(), "Error al cargar Valores de Tablas de Usuarios");
-    EXPECT_EQ(e.Descripcion(), "No se ha conectado con la base de datos");
+    EXPECT_EQ(e.Source(), "Error al cargar Valores de Tablas de Usuarios");
+    EXPECT_EQ(e.Description(), "No se ha conectado con la base de datos");
   }
   EXPECT_THROW(Guardar("101", "8", {}), db::Error);
   EXPECT_EQ(Evaluar("SQL(CAMPO COUNT(*) EN Conceptos)"), "0");
@@ -325,14 +325,14 @@ TEST_F(EnMotor, WithoutAConnection) {
 TEST_F(EnMotor, EveryStatementRuns) {
   for (const auto& sql : {formula::sql::CargarTablas(3, -1), formula::sql::CargarTablas(3, 5),
                           formula::sql::Serie(3, 5, "O'Brien")})
-    EXPECT_NO_THROW(sesion.conexion->Consultar(sql)) << sql;
+    EXPECT_NO_THROW(sesion.conexion->Query(sql)) << sql;
   for (const auto& sql :
        {formula::sql::InsertarValor(3, "1", "5", "O'Brien", "a'b", {}),
-        formula::sql::InsertarValor(3, "2", "5", "O'Brien", "a'b", base::FechaDe(2024, 12, 31)),
-        formula::sql::BorrarAnterior(3, 5, "O'Brien", base::FechaDe(2025, 1, 1)),
+        formula::sql::InsertarValor(3, "2", "5", "O'Brien", "a'b", base::MakeDate(2024, 12, 31)),
+        formula::sql::BorrarAnterior(3, 5, "O'Brien", base::MakeDate(2025, 1, 1)),
         formula::sql::BorrarSerie(3, 5, "O'Brien")}) {
-    EXPECT_NO_THROW(sesion.conexion->Ejecutar(sql)) << sql;
-    EXPECT_EQ(sesion.conexion->FilasAfectadas(), 1) << sql;
+    EXPECT_NO_THROW(sesion.conexion->Execute(sql)) << sql;
+    EXPECT_EQ(sesion.conexion->AffectedRows(), 1) << sql;
   }
   EXPECT_EQ(Valores(), "");
 }

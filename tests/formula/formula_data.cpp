@@ -18,10 +18,10 @@
 
 namespace {
 
-using support::Bloque;
+using support::Block;
 
 struct Estado {
-  ports::RelojFijo reloj{base::Fecha{base::FechaDe(2024, 8, 15).serie + base::HoraDe(10, 30, 0).serie}};
+  ports::FixedClock reloj{base::Date{base::MakeDate(2024, 8, 15).serial + base::MakeTime(10, 30, 0).serial}};
   sesion::DbSession sesion;
   prueba::ConexionFalsa* conexion = nullptr;
   prueba::AvisosDePrueba avisos;
@@ -47,15 +47,15 @@ std::string OVacio(const std::string& texto) { return texto.empty() ? "(empty)" 
 
 std::vector<std::string> Lineas(const std::string& texto) { return base::Split(texto, "\n"); }
 
-base::Fecha LeerFecha(const std::string& texto) {
-  const auto fecha = base::FechaDeTexto(texto, base::FechaDe(2024, 8, 15));
+base::Date LeerFecha(const std::string& texto) {
+  const auto fecha = base::DateFromText(texto, base::MakeDate(2024, 8, 15));
   if (!fecha) throw std::runtime_error("no date: " + texto);
   return *fecha;
 }
 
-base::Valor LeerCelda(const std::string& crudo) {
+base::Value LeerCelda(const std::string& crudo) {
   const std::string texto = base::Trim(crudo);
-  if (texto == "null") return base::Nulo{};
+  if (texto == "null") return base::Null{};
   if (texto.size() < 2 || texto[1] != ':') return texto;
   const std::string resto = texto.substr(2);
   switch (texto[0]) {
@@ -94,11 +94,11 @@ bool EsRespuesta(Estado& e, const std::string& linea) {
 }
 
 // The lines of a block that are no answers of the connection.
-std::vector<std::string> Preparar(Estado& e, const Bloque& b) {
+std::vector<std::string> Preparar(Estado& e, const Block& b) {
   e.conexion->textos.clear();
   e.conexion->respuestas.clear();
   std::vector<std::string> otras;
-  for (const auto& linea : Lineas(b.entrada))
+  for (const auto& linea : Lineas(b.entry))
     if (!EsRespuesta(e, linea)) otras.push_back(linea);
   return otras;
 }
@@ -109,36 +109,36 @@ std::string ConCajas(Estado& e, std::string texto) {
   return texto;
 }
 
-void Recomenzar(Estado& e, const Bloque& b) {
+void Recomenzar(Estado& e, const Block& b) {
   e.ev.avisos_mostrados = 0;
   e.ev.avisos_callados = false;
-  e.avisos.callar = std::stoul(b.Opcion("callar", "0"));
+  e.avisos.callar = std::stoul(b.Option("callar", "0"));
 }
 
 // eval [par] [crlf] [callar=n]: the value, then the boxes that were shown.
-std::string Eval(Estado& e, const Bloque& b) {
+std::string Eval(Estado& e, const Block& b) {
   Recomenzar(e, b);
-  std::string texto = b.entrada;
-  if (b.Tiene("crlf")) texto = base::Reemplazar(texto, "\n", "\r\n");
-  bool par = b.Tiene("par");
+  std::string texto = b.entry;
+  if (b.Has("crlf")) texto = base::Replace(texto, "\n", "\r\n");
+  bool par = b.Has("par");
   const std::string valor = formula::EvaluarExpresion(e.ev, texto, par);
   return ConCajas(e, OVacio(valor));
 }
 
 // eval_queda: the text that the caller gets back, and the flag.
-std::string EvalQueda(Estado& e, const Bloque& b) {
+std::string EvalQueda(Estado& e, const Block& b) {
   Recomenzar(e, b);
-  std::string texto = b.entrada;
-  bool par = b.Tiene("par");
+  std::string texto = b.entry;
+  bool par = b.Has("par");
   formula::EvaluarExpresion(e.ev, texto, par);
   return ConCajas(e, OVacio(texto) + (par ? "\npar" : ""));
 }
 
 // sql [cerrada]: the texts that ran, then the value.
-std::string Sql(Estado& e, const Bloque& b) {
+std::string Sql(Estado& e, const Block& b) {
   Recomenzar(e, b);
   const auto lineas = Preparar(e, b);
-  e.conexion->abierta = !b.Tiene("cerrada");
+  e.conexion->abierta = !b.Has("cerrada");
   const std::string valor = formula::EvaluarTexto(e.ev, lineas.at(0));
   std::string salida;
   for (const auto& texto : e.conexion->textos) salida += texto + "\n";
@@ -146,9 +146,9 @@ std::string Sql(Estado& e, const Bloque& b) {
 }
 
 // campos: lines "number=text" set fields of the line; the others are emptied.
-std::string Campos(Estado& e, const Bloque& b) {
+std::string Campos(Estado& e, const Block& b) {
   e.linea = {};
-  for (const auto& l : Lineas(b.entrada)) {
+  for (const auto& l : Lineas(b.entry)) {
     const auto igual = l.find('=');
     e.linea.at(std::stoul(l.substr(0, igual))) = l.substr(igual + 1);
   }
@@ -156,7 +156,7 @@ std::string Campos(Estado& e, const Bloque& b) {
 }
 
 // calcular: the formula, and answers of the connection.
-std::string Calcular(Estado& e, const Bloque& b) {
+std::string Calcular(Estado& e, const Block& b) {
   Recomenzar(e, b);
   const float q = formula::CalcularFormula(e.ev, Preparar(e, b).at(0), e.linea);
   if (std::isinf(q)) return ConCajas(e, q < 0 ? "-infinity" : "infinity");
@@ -170,130 +170,129 @@ std::string MostrarVector(const formula::Vector& v) {
 }
 
 // vector: sets it from lines (fields parted by "|"); dim=1|2.
-std::string PonerVector(Estado& e, const Bloque& b) {
+std::string PonerVector(Estado& e, const Block& b) {
   e.vector = {};
-  e.vector.dimensiones = std::stoi(b.Opcion("dim", "2"));
-  if (!b.entrada.empty())
-    for (const auto& l : Lineas(b.entrada)) e.vector.registros.push_back(base::Split(l, "|"));
+  e.vector.dimensiones = std::stoi(b.Option("dim", "2"));
+  if (!b.entry.empty())
+    for (const auto& l : Lineas(b.entry)) e.vector.registros.push_back(base::Split(l, "|"));
   return MostrarVector(e.vector);
 }
 
-std::string Insertar(Estado& e, const Bloque& b) {
-  std::ptrdiff_t posicion = std::stol(b.Opcion("pos", "-1"));
-  formula::ManejoVector(e.vector, b.entrada, posicion, true);
+std::string Insertar(Estado& e, const Block& b) {
+  std::ptrdiff_t posicion = std::stol(b.Option("pos", "-1"));
+  formula::ManejoVector(e.vector, b.entry, posicion, true);
   return "pos " + std::to_string(posicion) + "\n" + MostrarVector(e.vector);
 }
 
-std::string Quitar(Estado& e, const Bloque& b) {
-  std::ptrdiff_t posicion = std::stol(b.Opcion("pos"));
-  formula::ManejoVector(e.vector, b.entrada, posicion, false);
+std::string Quitar(Estado& e, const Block& b) {
+  std::ptrdiff_t posicion = std::stol(b.Option("pos"));
+  formula::ManejoVector(e.vector, b.entry, posicion, false);
   return MostrarVector(e.vector);
 }
 
-std::string Unir(Estado& e, const Bloque& b) {
-  const std::string reg = b.Opcion("reg", ";");
-  return OVacio(base::Reemplazar(formula::UnirVector(e.vector, std::stoi(b.Opcion("campo", "-1")),
-                                                     b.Opcion("sep"), reg == "crlf" ? "\r\n" : reg),
-                                 "\r\n", "<CRLF>"));
+std::string Unir(Estado& e, const Block& b) {
+  const std::string reg = b.Option("reg", ";");
+  return OVacio(base::Replace(formula::UnirVector(e.vector, std::stoi(b.Option("campo", "-1")),
+                                                  b.Option("sep"), reg == "crlf" ? "\r\n" : reg),
+                              "\r\n", "<CRLF>"));
 }
 
-std::string Ordenar(Estado& e, const Bloque& b) {
-  formula::OrdenarVector(e.vector, std::stoi(b.Opcion("columna", "0")), e.reloj.Hoy());
+std::string Ordenar(Estado& e, const Block& b) {
+  formula::OrdenarVector(e.vector, std::stoi(b.Option("columna", "0")), e.reloj.Today());
   return MostrarVector(e.vector);
 }
 
-std::string Clase(Estado& e, const Bloque& b) {
-  const auto lineas = Lineas(b.entrada);
-  return std::string(1, formula::ClaseDeColumna({lineas.begin(), lineas.end()}, e.reloj.Hoy()));
+std::string Clase(Estado& e, const Block& b) {
+  const auto lineas = Lineas(b.entry);
+  return std::string(1, formula::ClaseDeColumna({lineas.begin(), lineas.end()}, e.reloj.Today()));
 }
 
 // buscar columna=n: the value of a column.
-std::string Buscar(Estado& e, const Bloque& b) {
-  return std::to_string(formula::FindInColumn(b.entrada, e.vector, std::stoul(b.Opcion("columna"))));
+std::string Buscar(Estado& e, const Block& b) {
+  return std::to_string(formula::FindInColumn(b.entry, e.vector, std::stoul(b.Option("columna"))));
 }
 
 // lista [con_vector] [cerrada]: lines tabla, campos, condicion, separador ("-" stands for " - ") and answers.
-std::string Lista(Estado& e, const Bloque& b) {
+std::string Lista(Estado& e, const Block& b) {
   const auto l = Preparar(e, b);
-  e.conexion->abierta = !b.Tiene("cerrada");
+  e.conexion->abierta = !b.Has("cerrada");
   const int estado = formula::LlenarLista(e.control, l.at(0), l.at(1), l.at(2) == "-" ? "" : l.at(2), " - ",
-                                          b.Tiene("con_vector") ? &e.vector : nullptr, e.sesion);
+                                          b.Has("con_vector") ? &e.vector : nullptr, e.sesion);
   std::string salida;
   for (const auto& texto : e.conexion->textos) salida += texto + "\n";
   salida += "estado " + std::to_string(estado);
   for (const auto& item : e.control.items)
     salida.append("\n").append(std::to_string(item.dato)).append(": ").append(OVacio(item.texto));
-  if (b.Tiene("con_vector")) salida.append("\n").append(MostrarVector(e.vector));
+  if (b.Has("con_vector")) salida.append("\n").append(MostrarVector(e.vector));
   return salida;
 }
 
 // sentencia: lines tabla, campos, condicion ("-": empty).
-std::string Sentencia(Estado&, const Bloque& b) {
-  const auto l = Lineas(b.entrada);
+std::string Sentencia(Estado&, const Block& b) {
+  const auto l = Lineas(b.entry);
   return formula::SentenciaDeLista(l.at(0), l.at(1), l.at(2) == "-" ? "" : l.at(2));
 }
 
 // cargar tabla=n [cerrada]: the query, then how many values were loaded.
-std::string Cargar(Estado& e, const Bloque& b) {
+std::string Cargar(Estado& e, const Block& b) {
   Preparar(e, b);
-  e.conexion->abierta = !b.Tiene("cerrada");
+  e.conexion->abierta = !b.Has("cerrada");
   std::string salida;
   try {
-    e.tablas.CargarTablasUsuario(e.sesion, std::stoi(b.Opcion("tabla", "-1")));
+    e.tablas.CargarTablasUsuario(e.sesion, std::stoi(b.Option("tabla", "-1")));
   } catch (const base::Error& error) {
-    salida = "[" + error.Fuente() + "] " + error.Descripcion() + "\n";
+    salida = "[" + error.Source() + "] " + error.Description() + "\n";
   }
   for (const auto& texto : e.conexion->textos) salida += texto + "\n";
   return salida + std::to_string(e.tablas.Cantidad()) + " valores";
 }
 
-std::string Serie(Estado& e, const Bloque& b) {
-  const std::int32_t tabla = std::stoi(b.Opcion("tabla"));
-  const auto serie = formula::Vector(e.tablas.Serie(tabla, b.entrada));
-  return (e.tablas.TieneValores(tabla, b.entrada) ? "tiene, tipo " : "no tiene, tipo ") +
+std::string Serie(Estado& e, const Block& b) {
+  const std::int32_t tabla = std::stoi(b.Option("tabla"));
+  const auto serie = formula::Vector(e.tablas.Serie(tabla, b.entry));
+  return (e.tablas.TieneValores(tabla, b.entry) ? "tiene, tipo " : "no tiene, tipo ") +
          std::to_string(e.tablas.Tipo(tabla)) + "\n" + MostrarVector(serie);
 }
 
-std::string Posicion(Estado& e, const Bloque& b) {
-  return std::to_string(formula::PosicionFecha(e.vector, LeerFecha(b.entrada),
-                                               std::stoul(b.Opcion("campo", "1")), e.reloj.Hoy()));
+std::string Posicion(Estado& e, const Block& b) {
+  return std::to_string(formula::PosicionFecha(e.vector, LeerFecha(b.entry),
+                                               std::stoul(b.Option("campo", "1")), e.reloj.Today()));
 }
 
 // guardar [sumado] [sin_borrado] [cuenta] tabla=n: lines codigo, valor ("-": empty), fecha, and answers. Each
 // statement on its line, then the count.
-std::string Guardar(Estado& e, const Bloque& b) {
+std::string Guardar(Estado& e, const Block& b) {
   const auto l = Preparar(e, b);
-  e.conexion->abierta = !b.Tiene("cerrada");
+  e.conexion->abierta = !b.Has("cerrada");
   std::string salida;
   int registros = -1;
   try {
-    formula::GuardarValorTablaUsuario(e.sesion, std::stoi(b.Opcion("tabla")), l.at(0),
-                                      l.at(1) == "-" ? "" : l.at(1), LeerFecha(l.at(2)), b.Tiene("sumado"),
-                                      b.Tiene("sin_borrado"), b.Tiene("cuenta") ? &registros : nullptr);
+    formula::GuardarValorTablaUsuario(e.sesion, std::stoi(b.Option("tabla")), l.at(0),
+                                      l.at(1) == "-" ? "" : l.at(1), LeerFecha(l.at(2)), b.Has("sumado"),
+                                      b.Has("sin_borrado"), b.Has("cuenta") ? &registros : nullptr);
   } catch (const base::Error& error) {
-    salida = "error: " + error.Descripcion() + "\n";
+    salida = "error: " + error.Description() + "\n";
   }
   std::string textos;
   for (const auto& texto : e.conexion->textos) textos += texto + "\n";
   salida = textos + salida;
-  if (b.Tiene("cuenta")) salida += std::to_string(registros) + " registros\n";
+  if (b.Has("cuenta")) salida += std::to_string(registros) + " registros\n";
   if (!salida.empty()) salida.pop_back();
   return salida;
 }
 
-support::Verbos Verbos() {
+support::Verbs Verbos() {
   auto e = std::make_shared<Estado>();
-  const auto con = [e](std::string (*verbo)(Estado&, const Bloque&)) {
-    return [e, verbo](const Bloque& b) { return verbo(*e, b); };
+  const auto con = [e](std::string (*verbo)(Estado&, const Block&)) {
+    return [e, verbo](const Block& b) { return verbo(*e, b); };
   };
   return {
       {"eval", con(Eval)},
       {"eval_queda", con(EvalQueda)},
       {"sql", con(Sql)},
-      {"traducir", [](const Bloque& b) { return formula::sql::DeFormula(b.entrada); }},
+      {"traducir", [](const Block& b) { return formula::sql::DeFormula(b.entry); }},
       {"campos", con(Campos)},
-      {"comodines",
-       [e](const Bloque& b) { return OVacio(formula::ReemplazaComodines(b.entrada, e->linea)); }},
+      {"comodines", [e](const Block& b) { return OVacio(formula::ReemplazaComodines(b.entry, e->linea)); }},
       {"calcular", con(Calcular)},
       {"vector", con(PonerVector)},
       {"insertar", con(Insertar)},
@@ -303,8 +302,8 @@ support::Verbos Verbos() {
       {"clase", con(Clase)},
       {"buscar", con(Buscar)},
       {"en_lista",
-       [](const Bloque& b) {
-         const auto l = Lineas(b.entrada);
+       [](const Block& b) {
+         const auto l = Lineas(b.entry);
          return std::to_string(formula::FindInColumn(l.at(0), base::Split(l.at(1), "|")));
        }},
       {"lista", con(Lista)},
@@ -318,4 +317,4 @@ support::Verbos Verbos() {
 
 }  // namespace
 
-int main(int argc, char** argv) { return support::EjecutarArchivos(argc, argv, Verbos); }
+int main(int argc, char** argv) { return support::RunFiles(argc, argv, Verbos); }

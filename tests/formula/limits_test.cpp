@@ -29,19 +29,19 @@ class SiempreLoMismo : public db::Connection {
   explicit SiempreLoMismo(std::string texto) : texto_(std::move(texto)) {}
   std::size_t consultas = 0;
 
-  bool Abierta() const override { return true; }
-  void Cerrar() override {}
-  db::Recordset Ejecutar(std::string_view) override { throw db::Error("the evaluator may only read"); }
-  db::Recordset Consultar(std::string_view sql) override {
+  bool IsOpen() const override { return true; }
+  void Close() override {}
+  db::Recordset Execute(std::string_view) override { throw db::Error("the evaluator may only read"); }
+  db::Recordset Query(std::string_view sql) override {
     ++consultas;
-    auto columnas = std::make_shared<db::Columnas>(db::Columnas{{"a", base::Tipo::Texto}});
-    return db::Recordset(columnas, {base::Valor(texto_)}, std::string(sql));
+    auto columnas = std::make_shared<db::Columns>(db::Columns{{"a", base::Type::Text}});
+    return db::Recordset(columnas, {base::Value(texto_)}, std::string(sql));
   }
-  std::int64_t FilasAfectadas() const override { return 0; }
+  std::int64_t AffectedRows() const override { return 0; }
   void BeginTrans() override {}
   void CommitTrans() override {}
   void RollbackTrans() override {}
-  bool EnTransaccion() const override { return false; }
+  bool InTransaction() const override { return false; }
   void SetSavepoint() override {}
   void RollbackToSavepoint() override {}
   void ReleaseSavepoint() override {}
@@ -268,7 +268,7 @@ TEST_F(Limites, WithoutSessionClockOrPrompts) {
 }
 
 TEST_F(Limites, TheClockMayBeTheSessions) {
-  const ports::RelojFijo reloj(base::FechaDe(2024, 8, 15));
+  const ports::FixedClock reloj(base::MakeDate(2024, 8, 15));
   sesion.reloj = &reloj;
   ev.sesion = &sesion;
   EXPECT_EQ(formula::EvaluarTexto(ev, "HOY()"), "15/08/2024");
@@ -341,7 +341,7 @@ TEST_F(Limites, AListEndsAtTheSameLength) {
     auto conexion = std::make_unique<prueba::ConexionFalsa>();
     prueba::Respuesta filas;
     filas.columnas = {"a"};
-    filas.celdas = {base::Valor(Repetir("9", primera)), base::Valor(std::string("8"))};
+    filas.celdas = {base::Value(Repetir("9", primera)), base::Value(std::string("8"))};
     conexion->respuestas.push_back(std::move(filas));
     sesion.conexion = std::move(conexion);
     ev.sesion = &sesion;

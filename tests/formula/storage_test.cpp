@@ -44,7 +44,7 @@ TEST_P(StorageFault, TravelsOut) {
     FAIL() << "passed over";
   } catch (const base::Error& e) {
     EXPECT_TRUE(e.IsStorageFault());
-    EXPECT_EQ(e.Descripcion(), "No se pudo leer la página 7");
+    EXPECT_EQ(e.Description(), "No se pudo leer la página 7");
   }
   EXPECT_EQ(conexion->textos.size(), 1U) << "it went on after the fault";
   ExpectAsBefore();
@@ -77,7 +77,7 @@ TEST(StorageFaultInASeries, EndsTheWriting) {
   conexion->respuestas.back().error = "No se pudo escribir la página 7";
   conexion->respuestas.back().kind = base::ErrorKind::Storage;
   try {
-    formula::GuardarValorTablaUsuario(sesion, 5, "101", "9", base::FechaDe(2024, 6, 1));
+    formula::GuardarValorTablaUsuario(sesion, 5, "101", "9", base::MakeDate(2024, 6, 1));
     FAIL() << "passed over";
   } catch (const base::Error& e) {
     EXPECT_TRUE(e.IsStorageFault());

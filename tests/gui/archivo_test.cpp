@@ -84,7 +84,7 @@ TEST_F(Archivo, AMonthLoadsItsPersonsAndTheFile) {
   const std::size_t octubre = programa_->Ver().personas.Cantidad();
   Escribir("x.txt", "101;HC;8\r\n102;HC;8");
   Hallar<QDateEdit>("ObjSelMes")->setDate(QDate(2026, 9, 17));
-  EXPECT_EQ(programa_->Ver().mes, base::FechaDe(2026, 9, 1));
+  EXPECT_EQ(programa_->Ver().mes, base::MakeDate(2026, 9, 1));
   EXPECT_EQ(Hallar<QDateEdit>("ObjSelMes")->date(), QDate(2026, 9, 1)) << "any day yields the first";
   EXPECT_NE(programa_->Ver().personas.Cantidad(), octubre);
   EXPECT_EQ(Columna0("Id"), "101 102 ");
@@ -98,7 +98,7 @@ TEST_F(Archivo, TheArrowsStepMonthsAcrossTheYear) {
   mes->setCurrentSection(QDateTimeEdit::MonthSection);
   QTest::keyClick(mes, Qt::Key_Up);
   EXPECT_EQ(mes->date(), QDate(2027, 1, 1));
-  EXPECT_EQ(programa_->Ver().mes, base::FechaDe(2027, 1, 1));
+  EXPECT_EQ(programa_->Ver().mes, base::MakeDate(2027, 1, 1));
   mes->setCurrentSection(QDateTimeEdit::YearSection);
   QTest::keyClick(mes, Qt::Key_Down);
   EXPECT_EQ(mes->date(), QDate(2026, 1, 1));
@@ -113,7 +113,7 @@ TEST_F(Archivo, TheSheetOfMonthsPicksOne) {
   mes->Hoja()->findChild<QPushButton*>(QStringLiteral("anio_siguiente"))->click();
   EXPECT_FALSE(mes->Hoja()->findChild<QPushButton*>(QStringLiteral("mes_10"))->isChecked());
   mes->Hoja()->findChild<QPushButton*>(QStringLiteral("mes_3"))->click();
-  EXPECT_EQ(programa_->Ver().mes, base::FechaDe(2027, 3, 1));
+  EXPECT_EQ(programa_->Ver().mes, base::MakeDate(2027, 3, 1));
 }
 
 TEST_F(Archivo, TheWheelTurnsNoChoice) {
@@ -129,7 +129,7 @@ TEST_F(Archivo, TheWheelTurnsNoChoice) {
   EXPECT_EQ(Combo("cmbLiquidaciones")->currentIndex(), antes);
   Hallar<QDateEdit>("ObjSelMes")->setFocus();
   rodar(Hallar<QDateEdit>("ObjSelMes"));
-  EXPECT_EQ(programa_->Ver().mes, base::FechaDe(2026, 10, 1));
+  EXPECT_EQ(programa_->Ver().mes, base::MakeDate(2026, 10, 1));
 }
 
 TEST_F(Archivo, ChoicesGoToTheProgram) {

@@ -29,7 +29,7 @@ TEST_F(Avisos, NothingToSayTakesNoRoom) {
 
 TEST_F(Avisos, ABaseThatAnotherProgramHasSaysSo) {
   Demo();
-  auto otro = engine_mdb::Abrir(Ruta("Personal.mdb"));
+  auto otro = engine_mdb::Open(Ruta("Personal.mdb"));
   cajas_.aceptar_todo = true;
   ASSERT_TRUE(Iniciar(demo_.referencia + "*" + demo_.archivo));
   Mostrar();

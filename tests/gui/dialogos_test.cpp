@@ -32,7 +32,7 @@ TEST(Dialogos, AMessage) {
     EXPECT_EQ(caja.checkBox(), nullptr);
     caja.button(QMessageBox::Ok)->click();
   });
-  EXPECT_FALSE(dialogos.Mostrar({"El Archivo 'ñ' no existe\r\nsegunda"}));
+  EXPECT_FALSE(dialogos.Show({"El Archivo 'ñ' no existe\r\nsegunda"}));
 }
 
 // A text is a text: a formula's "<b>" is not taken for bold.
@@ -42,13 +42,13 @@ TEST(Dialogos, TextsAreNotMarkup) {
     EXPECT_EQ(caja.textFormat(), Qt::PlainText);
     caja.button(QMessageBox::Ok)->click();
   });
-  dialogos.Mostrar({"1<2 <b>x</b>"});
+  dialogos.Show({"1<2 <b>x</b>"});
 }
 
 TEST(Dialogos, TheFollowingOnesCanBeSilenced) {
   gui::Dialogos dialogos;
   const auto aviso = [] {
-    return ports::Aviso{"Formato incorrecto en la linea 2", ports::Icono::Exclamacion, true};
+    return ports::Notice{"Formato incorrecto en la linea 2", ports::Icon::Exclamation, true};
   };
   AlAbrirse<QMessageBox>([](QMessageBox& caja) {
     ASSERT_NE(caja.checkBox(), nullptr);
@@ -56,12 +56,12 @@ TEST(Dialogos, TheFollowingOnesCanBeSilenced) {
     EXPECT_FALSE(caja.checkBox()->isChecked());
     caja.button(QMessageBox::Ok)->click();
   });
-  EXPECT_FALSE(dialogos.Mostrar(aviso()));
+  EXPECT_FALSE(dialogos.Show(aviso()));
   AlAbrirse<QMessageBox>([](QMessageBox& caja) {
     caja.checkBox()->click();
     caja.button(QMessageBox::Ok)->click();
   });
-  EXPECT_TRUE(dialogos.Mostrar(aviso()));
+  EXPECT_TRUE(dialogos.Show(aviso()));
 }
 
 TEST(Dialogos, AQuestion) {
@@ -73,14 +73,14 @@ TEST(Dialogos, AQuestion) {
     EXPECT_EQ(caja.button(QMessageBox::No)->text(), QStringLiteral("No"));
     caja.button(QMessageBox::Yes)->click();
   });
-  EXPECT_TRUE(dialogos.Confirmar("¿Confirma importar los datos?"));
+  EXPECT_TRUE(dialogos.Confirm("¿Confirma importar los datos?"));
   AlAbrirse<QMessageBox>([](QMessageBox& caja) { caja.button(QMessageBox::No)->click(); });
-  EXPECT_FALSE(dialogos.Confirmar("x"));
+  EXPECT_FALSE(dialogos.Confirm("x"));
   // Anything but Yes is No.
   AlAbrirse<QMessageBox>([](QMessageBox& caja) { QTest::keyClick(&caja, Qt::Key_Escape); });
-  EXPECT_FALSE(dialogos.Confirmar("x"));
+  EXPECT_FALSE(dialogos.Confirm("x"));
   AlAbrirse<QMessageBox>([](QMessageBox& caja) { caja.close(); });
-  EXPECT_FALSE(dialogos.Confirmar("x"));
+  EXPECT_FALSE(dialogos.Confirm("x"));
 }
 
 TEST(Dialogos, TheOpenDialogHasItsTitleAndFilter) {
@@ -92,8 +92,7 @@ TEST(Dialogos, TheOpenDialogHasItsTitleAndFilter) {
     caja.reject();
   });
   EXPECT_EQ(
-      dialogos.AbrirArchivo("Seleccionar la base a ingresar las Horas", "Bases de Access (*.mdb)|*.mdb", ""),
-      "");
+      dialogos.PickFile("Seleccionar la base a ingresar las Horas", "Bases de Access (*.mdb)|*.mdb", ""), "");
 }
 
 TEST(Dialogos, AnEmptyFilterShowsEverything) {
@@ -107,12 +106,12 @@ TEST(Dialogos, TheColourStartsAtTheSwatch) {
     caja.setCurrentColor(QColor(255, 0, 0));
     caja.accept();
   });
-  EXPECT_EQ(dialogos.ElegirColor(0x804020), 0x0000FF);
+  EXPECT_EQ(dialogos.PickColor(0x804020), 0x0000FF);
   AlAbrirse<QColorDialog>([](QColorDialog& caja) {
     caja.setCurrentColor(QColor(255, 0, 0));
     caja.reject();
   });
-  EXPECT_EQ(dialogos.ElegirColor(0x804020), 0x804020);
+  EXPECT_EQ(dialogos.PickColor(0x804020), 0x804020);
 }
 
 }  // namespace

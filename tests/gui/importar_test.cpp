@@ -94,7 +94,7 @@ TEST_F(Importar, TheChosenTypeIsAskedAboutAndUsed) {
   const std::string texto = gui::A(Combo("cmbLiquidaciones")->currentText());
   cajas_.respuestas = {false};
   Pulsar("cbImportar");
-  const std::string nombre = base::Mayusculas(base::Trim(texto.substr(texto.find('-') + 1)));
+  const std::string nombre = base::UpperCase(base::Trim(texto.substr(texto.find('-') + 1)));
   EXPECT_NE(cajas_.preguntas[0].find("de tipo '" + nombre + "'"), std::string::npos) << cajas_.preguntas[0];
 }
 
@@ -154,9 +154,9 @@ TEST_F(Importar, TheSameAsTheCommandLine) {
     for (const char* sql :
          {"Select * From Encabezados Order by id_Encabezado",
           "Select * From Datos_Liquidacion Order by id_Dato", "Select * From DatosUsuTablas Order by Id"}) {
-      const db::Recordset rs = conexion.Consultar(sql);
-      for (std::size_t fila = 0; fila < rs.Cantidad(); ++fila) {
-        for (std::size_t i = 0; i < rs.Campos().size(); ++i) texto += rs.En(i, fila).TextoCsv() + "|";
+      const db::Recordset rs = conexion.Query(sql);
+      for (std::size_t fila = 0; fila < rs.Count(); ++fila) {
+        for (std::size_t i = 0; i < rs.Fields().size(); ++i) texto += rs.At(i, fila).CsvText() + "|";
         texto += "\n";
       }
     }

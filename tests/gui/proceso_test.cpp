@@ -21,11 +21,13 @@ namespace {
 class Proceso : public ::testing::Test {
  protected:
   void SetUp() override {
-    const ports::RelojFijo reloj(base::FechaDe(2026, 10, 20));
+    const ports::FixedClock reloj(base::MakeDate(2026, 10, 20));
     demo_ =
-        app::CrearCarpetaDemo(base::UnirRuta(carpeta_.Carpeta(), "demo"), base::FechaDe(2026, 10, 1), reloj);
+        app::CrearCarpetaDemo(base::JoinPath(carpeta_.Folder(), "demo"), base::MakeDate(2026, 10, 1), reloj);
   }
-  std::string Ajustes() const { return base::LeerArchivo(carpeta_.Ruta("ImportDeMarcas.ini")).value_or(""); }
+  std::string Ajustes() const {
+    return base::ReadWholeFile(carpeta_.Path("ImportDeMarcas.ini")).value_or("");
+  }
 
   // Starts the window in the temporary folder; `cerradas`, bits 1, 2, 4: the standard streams that it does
   // not get.
@@ -34,7 +36,7 @@ class Proceso : public ::testing::Test {
     if (hijo < 0) throw std::runtime_error("no fork");
     if (hijo == 0) {
       setenv("QT_QPA_PLATFORM", "offscreen", 1);
-      setenv("IMPORTDEMARCAS_CARPETA", carpeta_.Carpeta().c_str(), 1);
+      setenv("IMPORTDEMARCAS_CARPETA", carpeta_.Folder().c_str(), 1);
       for (int i = 0; i < 3; ++i) {
         if ((cerradas >> i & 1) != 0)
           close(i);
@@ -48,14 +50,14 @@ class Proceso : public ::testing::Test {
   }
   // The start has read its settings: it makes the file when there is none.
   void EsperarArranque() const {
-    for (int i = 0; i < 600 && !base::ExisteArchivo(carpeta_.Ruta("ImportDeMarcas.ini")); ++i)
+    for (int i = 0; i < 600 && !base::FileExists(carpeta_.Path("ImportDeMarcas.ini")); ++i)
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }
   // It holds the signals back: before that they would simply end it.
   static void EsperarSenales(pid_t hijo) {
     const std::string estado = "/proc/" + std::to_string(hijo) + "/status", clave = "SigBlk:\t";
     for (int i = 0; i < 600; ++i) {
-      const std::string texto = base::LeerArchivo(estado).value_or("");
+      const std::string texto = base::ReadWholeFile(estado).value_or("");
       const std::size_t donde = texto.find(clave);
       if (donde != std::string::npos && std::stoull(texto.substr(donde + clave.size()), nullptr, 16) != 0)
         return;
@@ -69,13 +71,13 @@ class Proceso : public ::testing::Test {
     return WIFEXITED(estado) ? WEXITSTATUS(estado) : 1000 + WTERMSIG(estado);
   }
 
-  support::CarpetaTemporal carpeta_;
+  support::TempFolder carpeta_;
   app::CarpetaDemo demo_;
 };
 
 TEST_F(Proceso, TheSystemsRequestToEndSavesAsClosingDoes) {
   for (const int senal : {SIGTERM, SIGHUP}) {
-    std::filesystem::remove(carpeta_.Ruta("ImportDeMarcas.ini"));
+    std::filesystem::remove(carpeta_.Path("ImportDeMarcas.ini"));
     const pid_t hijo = Lanzar(demo_.referencia);
     EsperarArranque();
     EXPECT_EQ(Terminar(hijo, senal), 0);
@@ -95,20 +97,20 @@ TEST_F(Proceso, AlsoWithABoxOpen) {
 
 // What a library prints must not go into the base.
 TEST_F(Proceso, WithoutStandardStreamsTheBaseStaysWhole) {
-  const std::string base = base::UnirRuta(base::CarpetaDe(demo_.referencia), "Personal.mdb");
+  const std::string base = base::JoinPath(base::FolderOf(demo_.referencia), "Personal.mdb");
   const pid_t hijo = Lanzar(demo_.referencia, 7);
   EsperarArranque();
   EXPECT_EQ(Terminar(hijo, SIGTERM), 0);
-  EXPECT_TRUE(app::VerificarArchivo(base).informe.Sano());
+  EXPECT_TRUE(app::VerificarArchivo(base).informe.IsSound());
 }
 
 TEST_F(Proceso, UnreadableSettingsEndItWithAnError) {
-  std::filesystem::create_directories(carpeta_.Ruta("ImportDeMarcas.ini/dentro"));
+  std::filesystem::create_directories(carpeta_.Path("ImportDeMarcas.ini/dentro"));
   const pid_t hijo = Lanzar(demo_.referencia);
   EsperarSenales(hijo);
   std::this_thread::sleep_for(std::chrono::milliseconds(500));  // its box is open
   EXPECT_EQ(Terminar(hijo, SIGTERM), 74);
-  EXPECT_TRUE(std::filesystem::is_directory(carpeta_.Ruta("ImportDeMarcas.ini/dentro")));
+  EXPECT_TRUE(std::filesystem::is_directory(carpeta_.Path("ImportDeMarcas.ini/dentro")));
 }
 
 }  // namespace

@@ -11,10 +11,10 @@ namespace {
 // Answers anything with "no", and counts.
 class Paciente final : public ports::Prompts, public ports::FilePicker {
  public:
-  bool Mostrar(const ports::Aviso&) override { return ++avisos > 0; }
-  bool Confirmar(const std::string&) override { return ++preguntas % 2 == 0; }
-  std::string AbrirArchivo(const std::string&, const std::string&, const std::string&) override { return {}; }
-  std::int32_t ElegirColor(std::int32_t inicial) override { return inicial ^ 0xFF; }
+  bool Show(const ports::Notice&) override { return ++avisos > 0; }
+  bool Confirm(const std::string&) override { return ++preguntas % 2 == 0; }
+  std::string PickFile(const std::string&, const std::string&, const std::string&) override { return {}; }
+  std::int32_t PickColor(std::int32_t inicial) override { return inicial ^ 0xFF; }
   int avisos = 0, preguntas = 0;
 };
 

@@ -27,7 +27,7 @@
 
 namespace {
 
-using support::Bloque;
+using support::Block;
 
 struct Mundo {
   refdata::PersonsIndex personas;
@@ -39,12 +39,12 @@ struct AvisosDePrueba final : ports::Prompts {
   std::string salida;
   int mostrados = 0;
   int calla = 0;
-  bool Mostrar(const ports::Aviso& aviso) override {
-    salida.append("! ").append(aviso.texto).append(aviso.ofrece_callar ? " [+]" : "");
-    salida.append(aviso.icono == ports::Icono::Ninguno ? " (i)\n" : "\n");
+  bool Show(const ports::Notice& aviso) override {
+    salida.append("! ").append(aviso.text).append(aviso.offers_silence ? " [+]" : "");
+    salida.append(aviso.icon == ports::Icon::None ? " (i)\n" : "\n");
     return ++mostrados == calla;
   }
-  bool Confirmar(const std::string& texto) override {
+  bool Confirm(const std::string& texto) override {
     throw std::runtime_error("unexpected question: " + texto);
   }
 };
@@ -60,17 +60,17 @@ struct ProgresoDePrueba final : ports::Progress {
     salida.append(o.str()).append(sin_refresco ? "!" : "");
   }
   void DoEvents() override { salida += " ev"; }
-  bool Cancelado() const override { return ++preguntas == cancela || (cancela > 0 && preguntas > cancela); }
+  bool IsCancelled() const override { return ++preguntas == cancela || (cancela > 0 && preguntas > cancela); }
 };
 
 std::string Entero(std::size_t n) { return std::to_string(n); }
 
-std::string Preparar(Mundo& mundo, const Bloque& b) {
+std::string Preparar(Mundo& mundo, const Block& b) {
   std::vector<refdata::PersonsIndex::Fila> personas;
   std::string relaciones;
   mundo.conceptos = {};
   mundo.conceptos.tabla.dimensiones = 2;
-  for (const std::string& linea : base::Split(b.entrada, "\n")) {
+  for (const std::string& linea : base::Split(b.entry, "\n")) {
     const std::size_t blanco = linea.find(' ');
     const std::string clase = linea.substr(0, blanco), resto = linea.substr(blanco + 1);
     if (clase == "persona") {
@@ -93,12 +93,12 @@ std::string Preparar(Mundo& mundo, const Bloque& b) {
          Entero(mundo.conceptos.tabla.Cantidad()) + " concepts";
 }
 
-settings::Settings OpcionesDe(const Bloque& b) {
+settings::Settings OpcionesDe(const Block& b) {
   settings::Settings s;
-  for (const std::string& o : b.opciones) {
+  for (const std::string& o : b.options) {
     const std::size_t igual = o.find('=');
     if (igual != std::string::npos)
-      settings::AplicarValor(s, o.substr(0, igual), support::Desescapar(o.substr(igual + 1)));
+      settings::AplicarValor(s, o.substr(0, igual), support::Unescape(o.substr(igual + 1)));
   }
   return s;
 }
@@ -111,24 +111,23 @@ std::string Utf16(std::string_view utf8, bool grande) {
     bytes += grande ? bajo : alto;
   };
   unidad(0xFEFF);
-  for (const char16_t u : base::AUtf16(utf8)) unidad(u);
+  for (const char16_t u : base::ToUtf16(utf8)) unidad(u);
   return bytes;
 }
 
-std::string BytesDelArchivo(const Bloque& b) {
-  const std::string texto = base::Reemplazar(b.entrada, "\n", b.Tiene("crudo") ? "" : "\r\n");
-  const std::string codigo = b.Opcion("codigo", "cp1252");
-  if (codigo == "cp1252") return support::Desescapar(base::ACp1252(texto));
-  if (codigo == "utf8") return support::Desescapar(texto);
-  if (codigo == "utf8bom") return "\xEF\xBB\xBF" + support::Desescapar(texto);
-  if (codigo == "utf16le" || codigo == "utf16be")
-    return Utf16(support::Desescapar(texto), codigo == "utf16be");
+std::string BytesDelArchivo(const Block& b) {
+  const std::string texto = base::Replace(b.entry, "\n", b.Has("crudo") ? "" : "\r\n");
+  const std::string codigo = b.Option("codigo", "cp1252");
+  if (codigo == "cp1252") return support::Unescape(base::ToCp1252(texto));
+  if (codigo == "utf8") return support::Unescape(texto);
+  if (codigo == "utf8bom") return "\xEF\xBB\xBF" + support::Unescape(texto);
+  if (codigo == "utf16le" || codigo == "utf16be") return Utf16(support::Unescape(texto), codigo == "utf16be");
   throw std::runtime_error("unknown codigo " + codigo);
 }
 
-std::string Campos(const Bloque& b, const formula::CamposDeLinea& campo) {
+std::string Campos(const Block& b, const formula::CamposDeLinea& campo) {
   std::string salida;
-  const std::string ver = b.Opcion("ver");
+  const std::string ver = b.Option("ver");
   std::vector<std::size_t> cuales;
   for (std::size_t i = 0; ver.empty() && i < campo.size(); ++i) cuales.push_back(i);
   if (!ver.empty())
@@ -137,17 +136,17 @@ std::string Campos(const Bloque& b, const formula::CamposDeLinea& campo) {
   for (std::size_t k = 0; k < cuales.size(); ++k) {
     const std::string& texto = campo[cuales[k]];
     if (k > 0) salida += '|';
-    salida += texto.size() > 60 ? Entero(texto.size()) + " bytes" : support::Escapado(texto);
+    salida += texto.size() > 60 ? Entero(texto.size()) + " bytes" : support::Escaped(texto);
   }
   return salida;
 }
 
-std::string Contar(const Bloque& b, const importfile::Carga& carga) {
+std::string Contar(const Block& b, const importfile::Carga& carga) {
   static const char* const kFines[] = {"Completa", "SinArchivo", "FormatoIncorrecto", "Cancelada"};
   std::string salida;
   for (const auto& fila : carga.filas) {
     if (!fila.resultado.empty()) throw std::runtime_error("a loaded row has a result");
-    salida += Entero(fila.linea) + (b.Tiene("numero") && fila.cantidad_no_numerica ? "!> " : "> ") +
+    salida += Entero(fila.linea) + (b.Has("numero") && fila.cantidad_no_numerica ? "!> " : "> ") +
               Campos(b, fila.campo) + "\n";
   }
   for (const auto& a : carga.aparte)
@@ -155,78 +154,77 @@ std::string Contar(const Bloque& b, const importfile::Carga& carga) {
   if (carga.fin == importfile::FinDeCarga::Completa &&
       carga.lineas != carga.filas.size() + carga.aparte.size())
     salida += "LINES LOST\n";
-  if (b.Tiene("previa")) salida += "preview " + support::Escapado(carga.previa) + "\n";
-  if (b.Tiene("valor")) salida += carga.hay_valor ? "with value\n" : "without value\n";
+  if (b.Has("previa")) salida += "preview " + support::Escaped(carga.previa) + "\n";
+  if (b.Has("valor")) salida += carga.hay_valor ? "with value\n" : "without value\n";
   return salida + kFines[static_cast<int>(carga.fin)] + " " + Entero(carga.lineas);
 }
 
-std::string Cargar(const Mundo& mundo, const Bloque& b) {
-  support::CarpetaTemporal carpeta;
+std::string Cargar(const Mundo& mundo, const Block& b) {
+  support::TempFolder carpeta;
   const settings::Settings opciones = OpcionesDe(b);
   AvisosDePrueba avisos;
   ProgresoDePrueba progreso;
-  const ports::RelojFijo reloj(base::FechaDe(2024, 5, 10));
+  const ports::FixedClock reloj(base::MakeDate(2024, 5, 10));
   formula::Evaluador evaluador;
   evaluador.prompts = &avisos;
   evaluador.reloj = &reloj;
   evaluador.avisos_callados = true;  // left over from a load before
   evaluador.avisos_mostrados = 7;
   importfile::EntradaCarga entrada;
-  entrada.txtRuta = carpeta.Ruta("marcas.txt");
-  if (b.Opcion("archivo") == "carpeta") entrada.txtRuta = carpeta.Carpeta();
-  if (b.Opcion("archivo").empty()) carpeta.Escribir("marcas.txt", BytesDelArchivo(b));
+  entrada.txtRuta = carpeta.Path("marcas.txt");
+  if (b.Option("archivo") == "carpeta") entrada.txtRuta = carpeta.Folder();
+  if (b.Option("archivo").empty()) carpeta.Write("marcas.txt", BytesDelArchivo(b));
   entrada.opciones = &opciones;
   entrada.filtro =
-      b.Opcion("filtro") == "texto" ? importfile::FiltroPor::Texto : importfile::FiltroPor::Relacion;
-  entrada.columna_orden = std::stoi(b.Opcion("orden", "0"));
+      b.Option("filtro") == "texto" ? importfile::FiltroPor::Texto : importfile::FiltroPor::Relacion;
+  entrada.columna_orden = std::stoi(b.Option("orden", "0"));
   entrada.personas = &mundo.personas;
   entrada.conceptos = &mundo.conceptos;
   entrada.relaciones = &mundo.relaciones;
   entrada.evaluador = &evaluador;
   entrada.prompts = &avisos;
   entrada.progreso = &progreso;
-  avisos.calla = std::stoi(b.Opcion("calla", "0"));
-  progreso.cancela = std::stoi(b.Opcion("cancela", "0"));
+  avisos.calla = std::stoi(b.Option("calla", "0"));
+  progreso.cancela = std::stoi(b.Option("cancela", "0"));
   const std::string resultado = Contar(b, importfile::CargarDatos(entrada));
-  std::string salida = base::Reemplazar(avisos.salida, carpeta.Carpeta(), "CARPETA") + resultado;
-  if (b.Tiene("barra")) salida += "\n" + progreso.salida;
-  if (b.Opcion("archivo") == "ausente" && std::filesystem::exists(entrada.txtRuta))
+  std::string salida = base::Replace(avisos.salida, carpeta.Folder(), "CARPETA") + resultado;
+  if (b.Has("barra")) salida += "\n" + progreso.salida;
+  if (b.Option("archivo") == "ausente" && std::filesystem::exists(entrada.txtRuta))
     salida += "\nFILE CREATED";
   return salida;
 }
 
-std::string Cortar(const Bloque& b) {
+std::string Cortar(const Block& b) {
   const settings::Settings opciones = OpcionesDe(b);
-  const std::string linea = support::Desescapar(b.entrada);
+  const std::string linea = support::Unescape(b.entry);
   const importfile::ResultadoCorte corte = opciones.AnchoFijo
                                                ? importfile::DevLineaAF(linea, opciones.ConfDeAF)
                                                : importfile::CortarDelimitada(linea, opciones.Separador);
   std::string salida;
   for (const std::string& campo : corte.campos)
-    salida.append("<").append(support::Escapado(campo)).append(">");
-  return salida + "\n" + support::Escapado(corte.estrella);
+    salida.append("<").append(support::Escaped(campo)).append(">");
+  return salida + "\n" + support::Escaped(corte.estrella);
 }
 
-std::string Previsualizar(const Bloque& b) {
-  const auto filas =
-      importfile::CargarDatosPrevisual(base::Reemplazar(b.entrada, "\n", "\r\n"), OpcionesDe(b));
+std::string Previsualizar(const Block& b) {
+  const auto filas = importfile::CargarDatosPrevisual(base::Replace(b.entry, "\n", "\r\n"), OpcionesDe(b));
   std::string salida;
   for (const auto& fila : filas)
     salida.append(salida.empty() ? "<" : "\n<").append(base::Join(fila, "><")).append(">");
   return salida.empty() ? "(none)" : salida;
 }
 
-std::string Validar(const Bloque& b) { return importfile::ValidoLinea(b.entrada) ? "true" : "false"; }
+std::string Validar(const Block& b) { return importfile::ValidoLinea(b.entry) ? "true" : "false"; }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  return support::EjecutarArchivos(argc, argv, [] {
+  return support::RunFiles(argc, argv, [] {
     const auto mundo = std::make_shared<Mundo>();
-    return support::Verbos{{"mundo", [mundo](const Bloque& b) { return Preparar(*mundo, b); }},
-                           {"load", [mundo](const Bloque& b) { return Cargar(*mundo, b); }},
-                           {"cut", Cortar},
-                           {"preview", Previsualizar},
-                           {"valid", Validar}};
+    return support::Verbs{{"mundo", [mundo](const Block& b) { return Preparar(*mundo, b); }},
+                          {"load", [mundo](const Block& b) { return Cargar(*mundo, b); }},
+                          {"cut", Cortar},
+                          {"preview", Previsualizar},
+                          {"valid", Validar}};
   });
 }

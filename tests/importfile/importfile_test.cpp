@@ -22,7 +22,7 @@ struct Tablas {
   relations::CodeRelations relaciones;
   refdata::ConceptsCatalogue conceptos;
   settings::Settings opciones;
-  support::CarpetaTemporal carpeta;
+  support::TempFolder carpeta;
 
   Tablas() {
     std::vector<refdata::PersonsIndex::Fila> filas;
@@ -38,7 +38,7 @@ struct Tablas {
   }
   EntradaCarga Entrada(const std::string& texto) {
     EntradaCarga entrada;
-    entrada.txtRuta = carpeta.Escribir("marcas.txt", texto);
+    entrada.txtRuta = carpeta.Write("marcas.txt", texto);
     entrada.opciones = &opciones;
     entrada.personas = &personas;
     entrada.conceptos = &conceptos;
@@ -62,8 +62,8 @@ TEST(TextoDeDecimal, IsWhatTheGeneralConversionGives) {
     const auto sencillo = importfile::TextoDeDecimal(texto);
     if (!sencillo) continue;
     ++sencillos;
-    ASSERT_EQ(*sencillo, base::SqlDeNumero(base::ValorNumerico(texto))) << texto;
-    ASSERT_EQ(importfile::ValeCero(texto), base::ValorNumerico(texto) == 0) << texto;
+    ASSERT_EQ(*sencillo, base::SqlNumber(base::NumericValue(texto))) << texto;
+    ASSERT_EQ(importfile::ValeCero(texto), base::NumericValue(texto) == 0) << texto;
   }
   EXPECT_GT(sencillos, 8000);
 }
@@ -133,7 +133,7 @@ struct CambiaOpciones final : ports::Progress {
     opciones.Separador.assign(1, '|');
     opciones.CodTipoNumerico = false;
   }
-  bool Cancelado() const override { return false; }
+  bool IsCancelled() const override { return false; }
   settings::Settings& opciones;
 };
 
@@ -193,15 +193,15 @@ TEST(DevLineaAF, CutsByCharacters) {
 class DamagedBase final : public db::Connection {
  public:
   int statements = 0;
-  bool Abierta() const override { return true; }
-  void Cerrar() override {}
-  db::Recordset Ejecutar(std::string_view) override { Fail(); }
-  db::Recordset Consultar(std::string_view) override { Fail(); }
-  std::int64_t FilasAfectadas() const override { return 0; }
+  bool IsOpen() const override { return true; }
+  void Close() override {}
+  db::Recordset Execute(std::string_view) override { Fail(); }
+  db::Recordset Query(std::string_view) override { Fail(); }
+  std::int64_t AffectedRows() const override { return 0; }
   void BeginTrans() override {}
   void CommitTrans() override {}
   void RollbackTrans() override {}
-  bool EnTransaccion() const override { return false; }
+  bool InTransaction() const override { return false; }
   void SetSavepoint() override {}
   void RollbackToSavepoint() override {}
   void ReleaseSavepoint() override {}

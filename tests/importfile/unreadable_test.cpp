@@ -17,11 +17,11 @@ using importfile::FinDeCarga;
 
 struct Cajas final : ports::Prompts {
   std::vector<std::string> textos;
-  bool Mostrar(const ports::Aviso& aviso) override {
-    textos.push_back(aviso.texto);
+  bool Show(const ports::Notice& aviso) override {
+    textos.push_back(aviso.text);
     return false;
   }
-  bool Confirmar(const std::string&) override { return true; }
+  bool Confirm(const std::string&) override { return true; }
 };
 
 struct Mesa {
@@ -57,10 +57,10 @@ TEST(CargarDatos, AFileThatCannotBeReadIsRefused) {
 // "15/05" is of today's year, which is later than June of the year before.
 TEST(CargarDatos, ADateWithoutAYearIsSortedAsOneOfToday) {
   Mesa mesa;
-  const support::CarpetaTemporal carpeta;
-  mesa.entrada.txtRuta = carpeta.Escribir("marcas.txt", "1;1;8;15/05\r\n2;1;9;01/06/2023");
+  const support::TempFolder carpeta;
+  mesa.entrada.txtRuta = carpeta.Write("marcas.txt", "1;1;8;15/05\r\n2;1;9;01/06/2023");
   mesa.entrada.columna_orden = importfile::kDatoExtra;
-  const ports::RelojFijo reloj(base::FechaDe(2024, 8, 15));
+  const ports::FixedClock reloj(base::MakeDate(2024, 8, 15));
   formula::Evaluador evaluador;
   evaluador.reloj = &reloj;
   mesa.entrada.evaluador = &evaluador;
@@ -73,8 +73,8 @@ TEST(CargarDatos, ADateWithoutAYearIsSortedAsOneOfToday) {
 // The value is the last column there is; what lies beyond sorts by the key.
 TEST(CargarDatos, SortsByTheValue) {
   Mesa mesa;
-  const support::CarpetaTemporal carpeta;
-  mesa.entrada.txtRuta = carpeta.Escribir("marcas.txt", "1;1;8;;30\r\n2;1;9;;4\r\n");
+  const support::TempFolder carpeta;
+  mesa.entrada.txtRuta = carpeta.Write("marcas.txt", "1;1;8;;30\r\n2;1;9;;4\r\n");
   for (const int columna : {static_cast<int>(importfile::kValor), static_cast<int>(importfile::kValor) + 1}) {
     mesa.entrada.columna_orden = columna;
     const Carga carga = CargarDatos(mesa.entrada);

@@ -16,125 +16,124 @@
 
 namespace {
 
-class CatalogoDePrueba : public jetsql::Catalogo {
+class TestCatalog : public jetsql::Catalog {
  public:
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) override {
-    for (const auto& t : tablas_)
-      if (base::IgualSinCaso(t->nombre, nombre)) return t.get();
+  const jetsql::TableInfo* Table(std::string_view name) override {
+    for (const auto& t : tables_)
+      if (base::EqualIgnoringCase(t->name, name)) return t.get();
     return nullptr;
   }
-  const std::string* Consulta(std::string_view nombre) override {
-    for (const auto& c : consultas_)
-      if (base::IgualSinCaso(c->first, nombre)) return &c->second;
+  const std::string* Query(std::string_view name) override {
+    for (const auto& c : queries_)
+      if (base::EqualIgnoringCase(c->first, name)) return &c->second;
     return nullptr;
   }
-  void Agregar(const jetsql::Definicion& d) {
-    if (d.que == jetsql::Definicion::Que::CrearTabla)
-      tablas_.push_back(std::make_unique<jetsql::TablaInfo>(jetsql::TablaInfo{d.nombre, d.columnas}));
-    if (d.que == jetsql::Definicion::Que::CrearVista)
-      consultas_.push_back(std::make_unique<std::pair<std::string, std::string>>(d.nombre, d.texto_vista));
+  void Add(const jetsql::Definition& d) {
+    if (d.what == jetsql::Definition::What::CreateTable)
+      tables_.push_back(std::make_unique<jetsql::TableInfo>(jetsql::TableInfo{d.name, d.columns}));
+    if (d.what == jetsql::Definition::What::CreateView)
+      queries_.push_back(std::make_unique<std::pair<std::string, std::string>>(d.name, d.view_text));
   }
   // A saved query whose text nobody has checked.
-  void AgregarConsulta(std::string nombre, std::string texto) {
-    consultas_.push_back(
-        std::make_unique<std::pair<std::string, std::string>>(std::move(nombre), std::move(texto)));
+  void AddQuery(std::string name, std::string text) {
+    queries_.push_back(
+        std::make_unique<std::pair<std::string, std::string>>(std::move(name), std::move(text)));
   }
 
  private:
-  std::vector<std::unique_ptr<jetsql::TablaInfo>> tablas_;
-  std::vector<std::unique_ptr<std::pair<std::string, std::string>>> consultas_;
+  std::vector<std::unique_ptr<jetsql::TableInfo>> tables_;
+  std::vector<std::unique_ptr<std::pair<std::string, std::string>>> queries_;
 };
 
-std::string Tipo(base::Tipo tipo) {
-  static constexpr const char* kNombres[] = {"unknown", "boolean",  "integer", "single",
-                                             "number",  "currency", "date",    "text"};
-  return kNombres[static_cast<std::size_t>(tipo)];
+std::string Type(base::Type type) {
+  static constexpr const char* kNames[] = {"unknown", "boolean",  "integer", "single",
+                                           "number",  "currency", "date",    "text"};
+  return kNames[static_cast<std::size_t>(type)];
 }
 
-std::string Clase(jetsql::Clase clase) {
-  static constexpr const char* kNombres[] = {"query", "insert", "update", "delete", "definition"};
-  return kNombres[static_cast<std::size_t>(clase)];
+std::string Kind(jetsql::Kind kind) {
+  static constexpr const char* kNames[] = {"query", "insert", "update", "delete", "definition"};
+  return kNames[static_cast<std::size_t>(kind)];
 }
 
-std::string Reimpresa(const std::string& sql) {
-  const std::string una = jetsql::Imprimir(jetsql::Analizar(sql));
-  const std::string otra = jetsql::Imprimir(jetsql::Analizar(una));
-  return una == otra ? una : "PRINTED AGAIN: " + otra + "\nFIRST: " + una;
+std::string Reprinted(const std::string& sql) {
+  const std::string one = jetsql::Print(jetsql::Parse(sql));
+  const std::string other = jetsql::Print(jetsql::Parse(one));
+  return one == other ? one : "PRINTED AGAIN: " + other + "\nFIRST: " + one;
 }
 
 std::string Error(const base::Error& e) {
-  std::string texto = "ERROR " + e.Descripcion();
-  if (e.Numero() != 0) texto.append(" [").append(std::to_string(e.Numero())).append("]");
-  if (const auto* s = dynamic_cast<const jetsql::ErrorSintaxis*>(&e))
-    texto.append(" @").append(std::to_string(s->Linea())).append(":").append(std::to_string(s->Columna()));
-  return texto;
+  std::string text = "ERROR " + e.Description();
+  if (e.Number() != 0) text.append(" [").append(std::to_string(e.Number())).append("]");
+  if (const auto* s = dynamic_cast<const jetsql::SyntaxError*>(&e))
+    text.append(" @").append(std::to_string(s->Line())).append(":").append(std::to_string(s->Column()));
+  return text;
 }
 
-std::string Definir(CatalogoDePrueba& catalogo, const support::Bloque& b) {
-  for (const auto& linea : base::Split(b.entrada, "\n")) {
-    const auto partes = base::Split(linea, " := ");
-    if (partes.size() == 2)
-      catalogo.AgregarConsulta(partes[0], partes[1]);
+std::string Define(TestCatalog& catalog, const support::Block& b) {
+  for (const auto& line : base::Split(b.entry, "\n")) {
+    const auto parts = base::Split(line, " := ");
+    if (parts.size() == 2)
+      catalog.AddQuery(parts[0], parts[1]);
     else
-      catalogo.Agregar(jetsql::Traducir(linea, catalogo).definicion);
+      catalog.Add(jetsql::Translate(line, catalog).definition);
   }
   return "";
 }
 
-std::string Traducida(CatalogoDePrueba& catalogo, const support::Bloque& b) {
-  jetsql::OpcionesTraduccion opciones;
-  opciones.comodines_dao = b.Tiene("dao");
-  const jetsql::Traduccion t = jetsql::Traducir(b.entrada, catalogo, opciones);
+std::string Translated(TestCatalog& catalog, const support::Block& b) {
+  jetsql::TranslationOptions options;
+  options.dao_wildcards = b.Has("dao");
+  const jetsql::Translation t = jetsql::Translate(b.entry, catalog, options);
   // What is printed must mean the same: it has the same columns, of the same types.
-  const std::string impresa = Reimpresa(b.entrada);
-  const jetsql::Traduccion de_impresa = jetsql::Traducir(impresa, catalogo, opciones);
-  std::vector<std::string> lineas = t.pasos;
-  if (b.Tiene("class"))
-    lineas.insert(lineas.begin(), Clase(t.clase) + (t.determinista ? "" : ", changes by itself"));
-  if (b.Tiene("columns"))
-    for (const auto& c : t.columnas) lineas.push_back(c.nombre + ": " + Tipo(c.tipo));
-  if (b.Tiene("fixed")) {
-    std::string fijos = "fixed";
-    for (const int i : t.fijos) fijos.append(" ?").append(std::to_string(i + 1));
-    lineas.push_back(fijos);
+  const std::string printed = Reprinted(b.entry);
+  const jetsql::Translation of_printed = jetsql::Translate(printed, catalog, options);
+  std::vector<std::string> lines = t.steps;
+  if (b.Has("class"))
+    lines.insert(lines.begin(), Kind(t.kind) + (t.deterministic ? "" : ", changes by itself"));
+  if (b.Has("columns"))
+    for (const auto& c : t.columns) lines.push_back(c.name + ": " + Type(c.type));
+  if (b.Has("fixed")) {
+    std::string fixed = "fixed";
+    for (const int i : t.fixed) fixed.append(" ?").append(std::to_string(i + 1));
+    lines.push_back(fixed);
   }
-  if (de_impresa.pasos.size() != t.pasos.size() || de_impresa.columnas.size() != t.columnas.size())
-    lineas.push_back("THE PRINTED STATEMENT DIFFERS: " + impresa);
-  for (std::size_t i = 0; i < t.columnas.size() && i < de_impresa.columnas.size(); ++i)
-    if (t.columnas[i].nombre != de_impresa.columnas[i].nombre ||
-        t.columnas[i].tipo != de_impresa.columnas[i].tipo)
-      lineas.push_back("THE PRINTED STATEMENT HAS ANOTHER COLUMN " + de_impresa.columnas[i].nombre);
-  return base::Join(lineas, "\n");
+  if (of_printed.steps.size() != t.steps.size() || of_printed.columns.size() != t.columns.size())
+    lines.push_back("THE PRINTED STATEMENT DIFFERS: " + printed);
+  for (std::size_t i = 0; i < t.columns.size() && i < of_printed.columns.size(); ++i)
+    if (t.columns[i].name != of_printed.columns[i].name || t.columns[i].type != of_printed.columns[i].type)
+      lines.push_back("THE PRINTED STATEMENT HAS ANOTHER COLUMN " + of_printed.columns[i].name);
+  return base::Join(lines, "\n");
 }
 
-std::string FormaDe(const support::Bloque& b) {
-  jetsql::Forma forma;
-  if (!jetsql::SepararLiterales(b.entrada, forma)) return "MALFORMED";
-  std::string texto;
-  for (const char c : forma.clave) {
-    static constexpr const char* kMarcas[] = {"", "<i>", "<n>", "<t>", "<d>"};
+std::string ShapeOf(const support::Block& b) {
+  jetsql::Shape shape;
+  if (!jetsql::SeparateLiterals(b.entry, shape)) return "MALFORMED";
+  std::string text;
+  for (const char c : shape.key) {
+    static constexpr const char* kMarks[] = {"", "<i>", "<n>", "<t>", "<d>"};
     if (c >= 1 && c <= 4)
-      texto += kMarcas[static_cast<std::size_t>(c)];
+      text += kMarks[static_cast<std::size_t>(c)];
     else
-      texto += c;
+      text += c;
   }
-  for (const auto& v : forma.literales)
-    texto.append("\n").append(Tipo(v.tipo())).append(" ").append(v.TextoCsv());
-  return texto;
+  for (const auto& v : shape.literals)
+    text.append("\n").append(Type(v.type())).append(" ").append(v.CsvText());
+  return text;
 }
 
-std::string MismaForma(const support::Bloque& b) {
-  const auto lineas = base::Split(b.entrada, "\n");
-  jetsql::Forma a, otra;
-  if (!jetsql::SepararLiterales(lineas.at(0), a) || !jetsql::SepararLiterales(lineas.at(1), otra))
+std::string SameShape(const support::Block& b) {
+  const auto lines = base::Split(b.entry, "\n");
+  jetsql::Shape a, other;
+  if (!jetsql::SeparateLiterals(lines.at(0), a) || !jetsql::SeparateLiterals(lines.at(1), other))
     return "MALFORMED";
-  return a.clave == otra.clave ? "same" : "different";
+  return a.key == other.key ? "same" : "different";
 }
 
-support::Verbos Preparar() {
-  const auto catalogo = std::make_shared<CatalogoDePrueba>();
-  const auto con_errores = [](auto f) {
-    return [f](const support::Bloque& b) -> std::string {
+support::Verbs Prepare() {
+  const auto catalog = std::make_shared<TestCatalog>();
+  const auto with_errors = [](auto f) {
+    return [f](const support::Block& b) -> std::string {
       try {
         return f(b);
       } catch (const base::Error& e) {
@@ -142,15 +141,15 @@ support::Verbos Preparar() {
       }
     };
   };
-  support::Verbos verbos;
-  verbos["define"] = con_errores([catalogo](const support::Bloque& b) { return Definir(*catalogo, b); });
-  verbos["translate"] = con_errores([catalogo](const support::Bloque& b) { return Traducida(*catalogo, b); });
-  verbos["print"] = con_errores([](const support::Bloque& b) { return Reimpresa(b.entrada); });
-  verbos["shape"] = con_errores(FormaDe);
-  verbos["same"] = con_errores(MismaForma);
-  return verbos;
+  support::Verbs verbs;
+  verbs["define"] = with_errors([catalog](const support::Block& b) { return Define(*catalog, b); });
+  verbs["translate"] = with_errors([catalog](const support::Block& b) { return Translated(*catalog, b); });
+  verbs["print"] = with_errors([](const support::Block& b) { return Reprinted(b.entry); });
+  verbs["shape"] = with_errors(ShapeOf);
+  verbs["same"] = with_errors(SameShape);
+  return verbs;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) { return support::EjecutarArchivos(argc, argv, Preparar); }
+int main(int argc, char** argv) { return support::RunFiles(argc, argv, Prepare); }

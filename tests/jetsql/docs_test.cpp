@@ -13,64 +13,64 @@
 
 namespace {
 
-class Catalogo : public jetsql::Catalogo {
+class Catalog : public jetsql::Catalog {
  public:
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) override {
-    const auto it = tablas_.find(base::Mayusculas(nombre));
-    return it == tablas_.end() ? nullptr : &it->second;
+  const jetsql::TableInfo* Table(std::string_view name) override {
+    const auto it = tables_.find(base::UpperCase(name));
+    return it == tables_.end() ? nullptr : &it->second;
   }
-  const std::string* Consulta(std::string_view nombre) override {
-    const auto it = consultas_.find(base::Mayusculas(nombre));
-    return it == consultas_.end() ? nullptr : &it->second;
+  const std::string* Query(std::string_view name) override {
+    const auto it = queries_.find(base::UpperCase(name));
+    return it == queries_.end() ? nullptr : &it->second;
   }
-  void Crear(std::string_view sql) {
-    const jetsql::Definicion d = jetsql::Traducir(sql, *this).definicion;
-    if (d.que == jetsql::Definicion::Que::CrearTabla)
-      tablas_[base::Mayusculas(d.nombre)] = {d.nombre, d.columnas};
+  void Create(std::string_view sql) {
+    const jetsql::Definition d = jetsql::Translate(sql, *this).definition;
+    if (d.what == jetsql::Definition::What::CreateTable)
+      tables_[base::UpperCase(d.name)] = {d.name, d.columns};
     else
-      consultas_[base::Mayusculas(d.nombre)] = d.texto_vista;
+      queries_[base::UpperCase(d.name)] = d.view_text;
   }
 
  private:
-  std::map<std::string, jetsql::TablaInfo> tablas_;
-  std::map<std::string, std::string> consultas_;
+  std::map<std::string, jetsql::TableInfo> tables_;
+  std::map<std::string, std::string> queries_;
 };
 
-std::string LeerPagina() {
+std::string ReadPage() {
   std::ifstream f(support::SourceDir() + "/docs/sql-dialect.md", std::ios::binary);
   return {std::istreambuf_iterator<char>(f), {}};
 }
 
 TEST(Docs, EveryExampleIsTranslatedAsWritten) {
-  Catalogo catalogo;
-  std::string ejemplo;
-  int vistos = 0;
-  const auto piezas = base::Split(LeerPagina(), "```");
-  for (std::size_t i = 1; i < piezas.size(); i += 2) {  // every second piece is inside a block
-    const std::size_t fin = piezas[i].find('\n');
-    ASSERT_NE(fin, std::string::npos) << piezas[i];
-    const std::string clase = piezas[i].substr(0, fin);
-    const std::string texto = base::Trim(base::Reemplazar(piezas[i].substr(fin), "\n", " "));
-    if (clase == "tables") {
-      for (const auto& linea : base::Split(base::Trim(piezas[i].substr(fin + 1)), "\n"))
-        if (!linea.empty()) catalogo.Crear(linea);
-    } else if (clase == "jet") {
-      ASSERT_EQ(ejemplo, "") << "an example without its translation";
-      ejemplo = texto;
-    } else if (clase == "sqlite") {
-      EXPECT_EQ(base::Join(jetsql::Traducir(ejemplo, catalogo).pasos, " "), texto) << ejemplo;
-      ejemplo.clear();
-      ++vistos;
+  Catalog catalog;
+  std::string example;
+  int seen = 0;
+  const auto pieces = base::Split(ReadPage(), "```");
+  for (std::size_t i = 1; i < pieces.size(); i += 2) {  // every second piece is inside a block
+    const std::size_t end = pieces[i].find('\n');
+    ASSERT_NE(end, std::string::npos) << pieces[i];
+    const std::string kind = pieces[i].substr(0, end);
+    const std::string text = base::Trim(base::Replace(pieces[i].substr(end), "\n", " "));
+    if (kind == "tables") {
+      for (const auto& line : base::Split(base::Trim(pieces[i].substr(end + 1)), "\n"))
+        if (!line.empty()) catalog.Create(line);
+    } else if (kind == "jet") {
+      ASSERT_EQ(example, "") << "an example without its translation";
+      example = text;
+    } else if (kind == "sqlite") {
+      EXPECT_EQ(base::Join(jetsql::Translate(example, catalog).steps, " "), text) << example;
+      example.clear();
+      ++seen;
     }
   }
-  EXPECT_GT(vistos, 20);
+  EXPECT_GT(seen, 20);
 }
 
 TEST(Docs, EveryFunctionIsNamed) {
-  const std::string pagina = base::Reemplazar(LeerPagina(), "\n", " ");
-  for (const jetsql::Funcion& f : jetsql::Funciones()) {
-    const std::string nombre = std::string(" ").append(f.nombre);
-    EXPECT_TRUE(base::Contiene(pagina, nombre + ",") || base::Contiene(pagina, nombre + ".")) << f.nombre;
+  const std::string page = base::Replace(ReadPage(), "\n", " ");
+  for (const jetsql::Function& f : jetsql::Functions()) {
+    const std::string name = std::string(" ").append(f.name);
+    EXPECT_TRUE(base::Contains(page, name + ",") || base::Contains(page, name + ".")) << f.name;
   }
 }
 

@@ -7,38 +7,38 @@
 
 namespace {
 
-using jetsql::BuscarFuncion;
+using jetsql::FindFunction;
 
-TEST(Funciones, SeHallanSinImportarElCasoNiElSignoDeTexto) {
-  for (const char* nombre : {"left", "LEFT", "Left", "LEFT$", "left$"}) {
-    const jetsql::Funcion* f = BuscarFuncion(nombre);
-    ASSERT_NE(f, nullptr) << nombre;
-    EXPECT_EQ(f->nombre, "LEFT");
-    EXPECT_EQ(f->tipo, base::Tipo::Texto);
-    EXPECT_TRUE(f->etiquetada);
+TEST(Functions, AreFoundWhateverTheCaseOrTheTextSign) {
+  for (const char* name : {"left", "LEFT", "Left", "LEFT$", "left$"}) {
+    const jetsql::Function* f = FindFunction(name);
+    ASSERT_NE(f, nullptr) << name;
+    EXPECT_EQ(f->name, "LEFT");
+    EXPECT_EQ(f->type, base::Type::Text);
+    EXPECT_TRUE(f->tagged);
   }
 }
 
-TEST(Funciones, LasDelTraductorYLasDesconocidasNoEstan) {
-  for (const char* nombre : {"IIF", "SWITCH", "CHOOSE", "ISNULL", "SUM", "COUNT", "", "$", "NADA", "LEFTT",
-                             "UNNOMBREMUYLARGODEVERDAD", "Lef"})
-    EXPECT_EQ(BuscarFuncion(nombre), nullptr) << nombre;
+TEST(Functions, TheTranslatorsOwnAndUnknownOnesAreNotThere) {
+  for (const char* name : {"IIF", "SWITCH", "CHOOSE", "ISNULL", "SUM", "COUNT", "", "$", "NADA", "LEFTT",
+                           "UNNOMBREMUYLARGODEVERDAD", "Lef"})
+    EXPECT_EQ(FindFunction(name), nullptr) << name;
 }
 
-TEST(Funciones, CadaUnaSeHallaPorSuNombreYTieneArgumentosPosibles) {
-  ASSERT_FALSE(jetsql::Funciones().empty());
-  for (const jetsql::Funcion& f : jetsql::Funciones()) {
-    EXPECT_EQ(BuscarFuncion(f.nombre), &f);
-    EXPECT_GE(f.minimo, 0);
-    EXPECT_TRUE(f.maximo == -1 || f.maximo >= f.minimo) << f.nombre;
+TEST(Functions, EachIsFoundByItsNameAndHasPossibleArguments) {
+  ASSERT_FALSE(jetsql::Functions().empty());
+  for (const jetsql::Function& f : jetsql::Functions()) {
+    EXPECT_EQ(FindFunction(f.name), &f);
+    EXPECT_GE(f.minimum, 0);
+    EXPECT_TRUE(f.maximum == -1 || f.maximum >= f.minimum) << f.name;
   }
 }
 
-TEST(Funciones, SoloElRelojYElAzarCambian) {
-  std::string cambian;
-  for (const jetsql::Funcion& f : jetsql::Funciones())
-    if (!f.determinista) cambian += std::string(f.nombre) + " ";
-  EXPECT_EQ(cambian, "DATE NOW RND TIME TIMER ");
+TEST(Functions, OnlyTheClockAndRandomnessChange) {
+  std::string changing;
+  for (const jetsql::Function& f : jetsql::Functions())
+    if (!f.deterministic) changing += std::string(f.name) + " ";
+  EXPECT_EQ(changing, "DATE NOW RND TIME TIMER ");
 }
 
 }  // namespace

@@ -12,79 +12,79 @@
 
 namespace {
 
-class UnaTabla : public jetsql::Catalogo {
+class OneTable : public jetsql::Catalog {
  public:
-  const jetsql::TablaInfo* Tabla(std::string_view nombre) override {
-    return base::IgualSinCaso(nombre, "t") ? &tabla_ : nullptr;
+  const jetsql::TableInfo* Table(std::string_view name) override {
+    return base::EqualIgnoringCase(name, "t") ? &table_ : nullptr;
   }
-  const std::string* Consulta(std::string_view) override { return nullptr; }
+  const std::string* Query(std::string_view) override { return nullptr; }
 
  private:
-  jetsql::TablaInfo tabla_{"t",
-                           {{"a", base::Tipo::Entero}, {"f", base::Tipo::Fecha}, {"x", base::Tipo::Texto}}};
+  jetsql::TableInfo table_{"t",
+                           {{"a", base::Type::Integer}, {"f", base::Type::Date}, {"x", base::Type::Text}}};
 };
 
-std::string Repetido(std::string_view texto, int veces) {
+std::string Repeated(std::string_view text, int times) {
   std::string s;
-  for (int i = 0; i < veces; ++i) s += texto;
+  for (int i = 0; i < times; ++i) s += text;
   return s;
 }
 
-std::string Traducido(const std::string& sql) {
-  UnaTabla catalog;
-  return jetsql::Traducir(sql, catalog).pasos.at(0);
+std::string Translated(const std::string& sql) {
+  OneTable catalog;
+  return jetsql::Translate(sql, catalog).steps.at(0);
 }
 
-int HonduraDeParentesis(const std::string& sql) {
-  int ahora = 0, mayor = 0;
+int BracketDepth(const std::string& sql) {
+  int now = 0, largest = 0;
   for (const char c : sql) {
-    if (c == '(') mayor = std::max(mayor, ++ahora);
-    if (c == ')') --ahora;
+    if (c == '(') largest = std::max(largest, ++now);
+    if (c == ')') --now;
   }
-  return mayor;
+  return largest;
 }
 
 TEST(Limits, BracketsMayNestButNotWithoutEnd) {
-  EXPECT_EQ(Traducido("select " + Repetido("(", 90) + "a" + Repetido(")", 90) + " from t"),
+  EXPECT_EQ(Translated("select " + Repeated("(", 90) + "a" + Repeated(")", 90) + " from t"),
             "SELECT \"t\".\"a\" FROM \"t\"");
-  EXPECT_THROW(Traducido("select " + Repetido("(", 100000) + "a" + Repetido(")", 100000) + " from t"),
-               jetsql::ErrorSintaxis);
+  EXPECT_THROW(Translated("select " + Repeated("(", 100000) + "a" + Repeated(")", 100000) + " from t"),
+               jetsql::SyntaxError);
 }
 
 TEST(Limits, NestingOfEveryKindEnds) {
-  for (const std::string pieza : {"not ", "- ", "+", "iif(a,1,", "(select ", "a in (", "a + (", "x & ("})
-    EXPECT_THROW(Traducido("select " + Repetido(pieza, 50000) + "a from t"), jetsql::ErrorSintaxis) << pieza;
-  EXPECT_THROW(Traducido("select * from " + Repetido("(", 50000) + "t"), jetsql::ErrorSintaxis);
-  EXPECT_THROW(Traducido("select * from " + Repetido("(select * from ", 50000) + "t"), jetsql::ErrorSintaxis);
-  EXPECT_THROW(Traducido(Repetido("(", 50000) + "select a from t"), jetsql::ErrorSintaxis);
+  for (const std::string piece : {"not ", "- ", "+", "iif(a,1,", "(select ", "a in (", "a + (", "x & ("})
+    EXPECT_THROW(Translated("select " + Repeated(piece, 50000) + "a from t"), jetsql::SyntaxError) << piece;
+  EXPECT_THROW(Translated("select * from " + Repeated("(", 50000) + "t"), jetsql::SyntaxError);
+  EXPECT_THROW(Translated("select * from " + Repeated("(select * from ", 50000) + "t"), jetsql::SyntaxError);
+  EXPECT_THROW(Translated(Repeated("(", 50000) + "select a from t"), jetsql::SyntaxError);
 }
 
 // The calendar's condition grows with the calendar: one alternative a type, one date a month.
 TEST(Limits, ALongChainIsABalancedTree) {
   const std::string sql =
-      Traducido("select a from t where a=0" + Repetido(" or (a=1 and f in (#01/01/2020#))", 4000));
-  EXPECT_LT(HonduraDeParentesis(sql), 20);
+      Translated("select a from t where a=0" + Repeated(" or (a=1 and f in (#01/01/2020#))", 4000));
+  EXPECT_LT(BracketDepth(sql), 20);
   EXPECT_EQ(std::count(sql.begin(), sql.end(), '?'), 8001);
 }
 
 TEST(Limits, ALongConcatenationIsCutIntoCalls) {
-  const std::string sql = Traducido("select x" + Repetido(" & x", 499) + " from t");
-  std::size_t llamadas = 0, letras = 0;
+  const std::string sql = Translated("select x" + Repeated(" & x", 499) + " from t");
+  std::size_t calls = 0, letters = 0;
   for (std::size_t i = sql.find("jet_concat('"); i != std::string::npos;
        i = sql.find("jet_concat('", i + 1)) {
-    const std::size_t fin = sql.find('\'', i + 12);
-    EXPECT_LE(fin - i - 12, 100u);  // SQLite's functions take 127 arguments
-    letras += fin - i - 12;
-    ++llamadas;
+    const std::size_t end = sql.find('\'', i + 12);
+    EXPECT_LE(end - i - 12, 100u);  // SQLite's functions take 127 arguments
+    letters += end - i - 12;
+    ++calls;
   }
-  EXPECT_EQ(letras, 500 + llamadas - 1);  // every piece, and every inner call once
+  EXPECT_EQ(letters, 500 + calls - 1);  // every piece, and every inner call once
 }
 
 std::string Refusal(const std::string& sql) {
   try {
-    Traducido(sql);
+    Translated(sql);
   } catch (const base::Error& e) {
-    return e.Descripcion().substr(0, e.Descripcion().find(" (línea"));
+    return e.Description().substr(0, e.Description().find(" (línea"));
   }
   return "no error";
 }
@@ -114,8 +114,8 @@ TEST(Limits, ListsHaveAnEnd) {
         List{"PARAMETERS [p] long", ",[p] long", "; select a from t", "PARAMETERS", 255},
         List{"select 1 from t", ",t", "", "FROM", 64}}) {
     const std::string refusal = std::string(l.what) + " no puede tener más de " + std::to_string(l.most);
-    EXPECT_NE(Refusal(l.start + Repetido(l.piece, l.most - 1) + l.end), refusal) << l.start;
-    EXPECT_EQ(Refusal(l.start + Repetido(l.piece, l.most) + l.end), refusal) << l.start;
+    EXPECT_NE(Refusal(l.start + Repeated(l.piece, l.most - 1) + l.end), refusal) << l.start;
+    EXPECT_EQ(Refusal(l.start + Repeated(l.piece, l.most) + l.end), refusal) << l.start;
   }
 }
 
@@ -142,7 +142,7 @@ TEST(Limits, AMegabyteIsReadOrRefusedInAMoment) {
     for (const List& l : texts) {
       const std::size_t fixed = std::string(l.start).size() + std::string(l.end).size();
       const auto times = static_cast<int>((size - fixed) / std::string(l.piece).size());
-      const std::string sql = l.start + Repetido(l.piece, times) + l.end;
+      const std::string sql = l.start + Repeated(l.piece, times) + l.end;
       const std::clock_t before = std::clock();
       Refusal(sql);
       EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 1) << l.start << l.piece;
@@ -165,8 +165,8 @@ TEST(Limits, OnlyTheFirstQueryOfAStatementMakesATable) {
 }
 
 TEST(Limits, ALongSumEndsInAnError) {
-  EXPECT_NO_THROW(Traducido("select a" + Repetido("+a", 300) + " from t"));
-  EXPECT_THROW(Traducido("select a" + Repetido("+a", 30000) + " from t"), jetsql::ErrorSintaxis);
+  EXPECT_NO_THROW(Translated("select a" + Repeated("+a", 300) + " from t"));
+  EXPECT_THROW(Translated("select a" + Repeated("+a", 30000) + " from t"), jetsql::SyntaxError);
 }
 
 // Each alias doubles the one before.
@@ -174,7 +174,7 @@ TEST(Limits, AliasesThatGrowEndInAnError) {
   std::string sql = "select a & a as a0";
   for (int i = 1; i < 60; ++i)
     sql += ", a" + std::to_string(i - 1) + " & a" + std::to_string(i - 1) + " as a" + std::to_string(i);
-  EXPECT_THROW(Traducido(sql + " from t"), base::Error);
+  EXPECT_THROW(Translated(sql + " from t"), base::Error);
 }
 
 TEST(Limits, EveryPrefixOfAStatementIsReadOrRefused) {
@@ -184,42 +184,42 @@ TEST(Limits, EveryPrefixOfAStatementIsReadOrRefused) {
       "on t.a=d.a)) Where a between 1 and 2.5 and x like '%' & x and not exists (select * from t as u) group "
       "by a "
       "having count(*)>1 union all select * from [select x from t]. as q order by 1 desc, n;";
-  int leidas = 0, rechazadas = 0;
+  int parsed = 0, rejected = 0;
   for (std::size_t n = 0; n <= sql.size(); ++n) {
-    const std::string trozo = sql.substr(0, n);
-    jetsql::Forma forma;
-    jetsql::SepararLiterales(trozo, forma);
+    const std::string slice = sql.substr(0, n);
+    jetsql::Shape shape;
+    jetsql::SeparateLiterals(slice, shape);
     try {
-      Traducido(trozo);
-      ++leidas;
+      Translated(slice);
+      ++parsed;
     } catch (const base::Error& e) {
-      EXPECT_NE(e.Descripcion(), "");
-      ++rechazadas;
+      EXPECT_NE(e.Description(), "");
+      ++rejected;
     }
   }
-  EXPECT_EQ(leidas + rechazadas, static_cast<int>(sql.size()) + 1);
-  EXPECT_GT(rechazadas, 100);
+  EXPECT_EQ(parsed + rejected, static_cast<int>(sql.size()) + 1);
+  EXPECT_GT(rejected, 100);
 }
 
 // The literals of the shape are the literals of the tree, in the same order.
 TEST(Limits, TheShapeAndTheParserAgreeOnLiterals) {
   const std::string sql =
       "select 'uno', 2 & 'x', [a 3], a4, .5, #01/01/2020#, -6 from t where a in (7,8) and x='9'";
-  jetsql::Forma forma;
-  ASSERT_TRUE(jetsql::SepararLiterales(sql, forma));
-  const jetsql::Sentencia s = jetsql::Analizar(sql);
-  std::vector<const jetsql::Expr*> literales;
-  const auto recorre = [&](const auto& yo, const jetsql::Expr& e) -> void {
-    if (e.nodo == jetsql::Nodo::Literal) literales.push_back(&e);
-    for (const auto& h : e.hijos) yo(yo, *h);
+  jetsql::Shape shape;
+  ASSERT_TRUE(jetsql::SeparateLiterals(sql, shape));
+  const jetsql::Statement s = jetsql::Parse(sql);
+  std::vector<const jetsql::Expr*> literals;
+  const auto walk = [&](const auto& self, const jetsql::Expr& e) -> void {
+    if (e.node == jetsql::Node::Literal) literals.push_back(&e);
+    for (const auto& h : e.children) self(self, *h);
   };
-  const auto& parte = std::get<jetsql::ConsultaPtr>(s)->partes[0];
-  for (const auto& item : parte.lista) recorre(recorre, *item.expr);
-  recorre(recorre, *parte.donde);
-  ASSERT_EQ(literales.size(), forma.literales.size());
-  for (std::size_t i = 0; i < literales.size(); ++i) {
-    EXPECT_EQ(literales[i]->indice, static_cast<int>(i));
-    EXPECT_EQ(literales[i]->literal, forma.literales[i]);
+  const auto& part = std::get<jetsql::QueryPtr>(s)->parts[0];
+  for (const auto& item : part.list) walk(walk, *item.expr);
+  walk(walk, *part.where);
+  ASSERT_EQ(literals.size(), shape.literals.size());
+  for (std::size_t i = 0; i < literals.size(); ++i) {
+    EXPECT_EQ(literals[i]->index, static_cast<int>(i));
+    EXPECT_EQ(literals[i]->literal, shape.literals[i]);
   }
 }
 

@@ -6,37 +6,37 @@
 
 namespace {
 
-using jetsql::Clase;
+using jetsql::Kind;
 
 struct Example {
   const char* sql;
-  Clase kind;
+  Kind kind;
 };
 
 constexpr Example kExamples[] = {
-    {"select a from t", Clase::Consulta},
-    {" \r\n((SELECT a FROM t) UNION SELECT b FROM u)", Clase::Consulta},
-    {"(select a from t) union select b from u", Clase::Consulta},
-    {"TABLE t", Clase::Consulta},
-    {"PARAMETERS [into] Text(20), x Long; SELECT a FROM t WHERE a = x", Clase::Consulta},
-    {"TRANSFORM Sum(h) SELECT a FROM t GROUP BY a PIVOT b", Clase::Consulta},
-    {"SELECT 'x into y' AS a, [into], t.into, b AS into FROM t", Clase::Consulta},
-    {"insert into t (a) values (1)", Clase::Insercion},
-    {"Insert Into t Select 1 as a", Clase::Insercion},
-    {"update t set a = 'into'", Clase::Actualizacion},
-    {"DELETE * FROM t WHERE a = 1", Clase::Borrado},
-    {"SELECT a INTO u FROM t", Clase::Definicion},
-    {"PARAMETERS x Long; select a into u from t", Clase::Definicion},
-    {"create table t (a long)", Clase::Definicion},
-    {"CREATE UNIQUE INDEX i ON t (a)", Clase::Definicion},
-    {"CREATE VIEW v AS SELECT a FROM t", Clase::Definicion},
-    {"DROP TABLE t", Clase::Definicion},
-    {"ALTER TABLE t ADD COLUMN b TEXT(5)", Clase::Definicion},
+    {"select a from t", Kind::Query},
+    {" \r\n((SELECT a FROM t) UNION SELECT b FROM u)", Kind::Query},
+    {"(select a from t) union select b from u", Kind::Query},
+    {"TABLE t", Kind::Query},
+    {"PARAMETERS [into] Text(20), x Long; SELECT a FROM t WHERE a = x", Kind::Query},
+    {"TRANSFORM Sum(h) SELECT a FROM t GROUP BY a PIVOT b", Kind::Query},
+    {"SELECT 'x into y' AS a, [into], t.into, b AS into FROM t", Kind::Query},
+    {"insert into t (a) values (1)", Kind::Insert},
+    {"Insert Into t Select 1 as a", Kind::Insert},
+    {"update t set a = 'into'", Kind::Update},
+    {"DELETE * FROM t WHERE a = 1", Kind::Delete},
+    {"SELECT a INTO u FROM t", Kind::Definition},
+    {"PARAMETERS x Long; select a into u from t", Kind::Definition},
+    {"create table t (a long)", Kind::Definition},
+    {"CREATE UNIQUE INDEX i ON t (a)", Kind::Definition},
+    {"CREATE VIEW v AS SELECT a FROM t", Kind::Definition},
+    {"DROP TABLE t", Kind::Definition},
+    {"ALTER TABLE t ADD COLUMN b TEXT(5)", Kind::Definition},
 };
 
 TEST(StatementKindTest, TheWordsSayWhatTheTreeSays) {
   for (const Example& e : kExamples) {
-    EXPECT_EQ(jetsql::KindOf(jetsql::Analizar(e.sql)), e.kind) << e.sql;
+    EXPECT_EQ(jetsql::KindOf(jetsql::Parse(e.sql)), e.kind) << e.sql;
     EXPECT_EQ(jetsql::KindOfText(e.sql), e.kind) << e.sql;
   }
 }
@@ -55,10 +55,10 @@ TEST(StatementKindTest, AQueryBeginsWithItsWord) {
 }
 
 TEST(StatementKindTest, LiteralsOfADefinitionAreInItsText) {
-  const jetsql::Sentencia s = jetsql::Analizar("CREATE TABLE t (a LONG DEFAULT 5)");
-  const auto& column = std::get<jetsql::CrearTabla>(s).columnas.at(0);
-  ASSERT_NE(column.defecto, nullptr);
-  EXPECT_EQ(column.defecto->indice, -1);
+  const jetsql::Statement s = jetsql::Parse("CREATE TABLE t (a LONG DEFAULT 5)");
+  const auto& column = std::get<jetsql::CreateTable>(s).columns.at(0);
+  ASSERT_NE(column.default_value, nullptr);
+  EXPECT_EQ(column.default_value->index, -1);
 }
 
 }  // namespace

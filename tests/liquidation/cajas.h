@@ -10,11 +10,11 @@ namespace prueba {
 
 class Cajas final : public ports::Prompts {
  public:
-  bool Mostrar(const ports::Aviso& aviso) override {
-    textos.push_back(aviso.texto);
+  bool Show(const ports::Notice& aviso) override {
+    textos.push_back(aviso.text);
     return false;
   }
-  bool Confirmar(const std::string&) override { return true; }
+  bool Confirm(const std::string&) override { return true; }
   std::vector<std::string> textos;
 };
 

@@ -28,24 +28,24 @@ class ConexionConFallas final : public db::Connection {
   std::function<void(std::string_view)> al_ejecutar;  // before each statement that succeeds
   std::string quitar;                                 // a piece that no statement has any more
 
-  bool Abierta() const override { return motor_->Abierta(); }
-  void Cerrar() override {
+  bool IsOpen() const override { return motor_->IsOpen(); }
+  void Close() override {
     if (falla_cerrar) throw db::Error("no cierra", 0, {}, base::ErrorKind::Storage);
-    motor_->Cerrar();
+    motor_->Close();
   }
-  db::Recordset Ejecutar(std::string_view sql) override {
+  db::Recordset Execute(std::string_view sql) override {
     Probar(sql);
-    if (!quitar.empty()) return motor_->Ejecutar(base::Reemplazar(sql, quitar, ""));
-    return motor_->Ejecutar(sql);
+    if (!quitar.empty()) return motor_->Execute(base::Replace(sql, quitar, ""));
+    return motor_->Execute(sql);
   }
-  db::Recordset Consultar(std::string_view sql) override {
+  db::Recordset Query(std::string_view sql) override {
     Probar(sql);
-    return motor_->Consultar(sql);
+    return motor_->Query(sql);
   }
   db::Recordset QueryBounded(std::string_view sql, db::QueryBudget& budget) override {
     return motor_->QueryBounded(sql, budget);
   }
-  std::int64_t FilasAfectadas() const override { return motor_->FilasAfectadas(); }
+  std::int64_t AffectedRows() const override { return motor_->AffectedRows(); }
   void BeginTrans() override {
     if (falla_begin) throw db::Error("no comienza");
     motor_->BeginTrans();
@@ -58,7 +58,7 @@ class ConexionConFallas final : public db::Connection {
     if (falla_rollback) throw db::Error("no deshace", 0, {}, base::ErrorKind::Storage);
     motor_->RollbackTrans();
   }
-  bool EnTransaccion() const override { return motor_->EnTransaccion(); }
+  bool InTransaction() const override { return motor_->InTransaction(); }
   void SetSavepoint() override { motor_->SetSavepoint(); }
   void RollbackToSavepoint() override {
     if (falla_savepoint) throw db::Error("no vuelve", 0, {}, base::ErrorKind::Storage);
@@ -68,7 +68,7 @@ class ConexionConFallas final : public db::Connection {
 
  private:
   void Probar(std::string_view sql) {
-    if (vez_ > 0 && base::EmpiezaCon(base::TrimVista(sql), comienzo_) && --vez_ == 0) {
+    if (vez_ > 0 && base::StartsWith(base::TrimView(sql), comienzo_) && --vez_ == 0) {
       if (falla_memoria) throw std::bad_alloc();
       throw db::Error("falla de prueba", 0, {}, clase_);
     }

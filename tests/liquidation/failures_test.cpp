@@ -25,9 +25,9 @@ using prueba::ConexionConFallas;
 class Fallas : public ::testing::Test {
  protected:
   Fallas() {
-    engine_sqlite::Opciones de_motor;
-    de_motor.reloj = &reloj_;
-    auto propia = std::make_unique<ConexionConFallas>(engine_sqlite::Abrir(":memory:", de_motor));
+    engine_sqlite::Options de_motor;
+    de_motor.clock = &reloj_;
+    auto propia = std::make_unique<ConexionConFallas>(engine_sqlite::Open(":memory:", de_motor));
     conexion_ = propia.get();
     sesion_.conexion = std::move(propia);
     sesion_.reloj = &reloj_;
@@ -66,9 +66,9 @@ class Fallas : public ::testing::Test {
   }
 
   std::string Valor(const std::string& sql) {
-    const db::Recordset rs = conexion_->Consultar(sql);
+    const db::Recordset rs = conexion_->Query(sql);
     std::string texto;
-    for (std::size_t i = 0; i < rs.Cantidad(); ++i) texto += (i > 0 ? "|" : "") + rs.En(0, i).TextoCsv();
+    for (std::size_t i = 0; i < rs.Count(); ++i) texto += (i > 0 ? "|" : "") + rs.At(0, i).CsvText();
     return texto;
   }
   std::string Horas() {
@@ -78,8 +78,8 @@ class Fallas : public ::testing::Test {
   }
   std::string Encabezados() { return Valor("Select Count(*) From Encabezados Where id_Contrato=117"); }
 
-  static inline const base::Fecha kMes = base::FechaDe(2026, 10, 1);
-  ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
+  static inline const base::Date kMes = base::MakeDate(2026, 10, 1);
+  ports::FixedClock reloj_{base::MakeDate(2026, 10, 20)};
   sesion::DbSession sesion_;
   ConexionConFallas* conexion_ = nullptr;
   settings::Settings opciones_;
@@ -89,7 +89,7 @@ class Fallas : public ::testing::Test {
   relations::CodeRelations relaciones_;
   formula::TablasUsuario tablas_;
   formula::Evaluador evaluador_;
-  ports::SinProgreso progreso_;
+  ports::NoProgress progreso_;
   Cajas cajas_;
   liquidation::Importacion importacion_;
   bool deshacer_ = false;
@@ -122,8 +122,8 @@ TEST_F(Fallas, ADatumThatIsGoneIsNotAddedTo) {
   opciones_.SumarAyaIng = true;
   EXPECT_EQ(Importar({{"1", "8"}}), "OK");
   conexion_->al_ejecutar = [this](std::string_view sql) {
-    if (base::EmpiezaCon(sql, "Select Cantidad,Coeficiente From"))
-      conexion_->Ejecutar("Delete From Datos_Liquidacion Where id_Concepto=7");
+    if (base::StartsWith(sql, "Select Cantidad,Coeficiente From"))
+      conexion_->Execute("Delete From Datos_Liquidacion Where id_Concepto=7");
   };
   EXPECT_EQ(Importar({{"1", "2"}}), "No existe la fila 0 en el resultado, que tiene 0");
   EXPECT_EQ(importacion_.importadas, 0U);
@@ -155,7 +155,7 @@ TEST_F(Fallas, AHeaderThatIsNotReadBackIsNotMadeTwice) {
 TEST_F(Fallas, AHeaderOfTheLineBeforeStaysKnown) {
   int asked = 0;
   conexion_->al_ejecutar = [&](std::string_view sql) {
-    asked += base::EmpiezaCon(sql, "Select id_Encabezado From Encabezados Where") ? 1 : 0;
+    asked += base::StartsWith(sql, "Select id_Encabezado From Encabezados Where") ? 1 : 0;
   };
   conexion_->Fallar("Update Datos_Liquidacion", 1);
   EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}, {"1", "1"}}), "OK|falla de prueba|OK");
@@ -187,8 +187,8 @@ TEST_F(Fallas, AFinishedHeaderIsNotWrittenTo) {
 
 // That of another contract counts as not found: it refuses nobody.
 TEST_F(Fallas, AFinishedHeaderOfAnotherContractRefusesNobody) {
-  conexion_->Ejecutar("Update Encabezados Set id_Contrato=101 Where Terminado and MesDeLiq=#10/01/2026#");
-  conexion_->Ejecutar("Update Contrato Set Tarjeta=7005 Where id_Contrato=101");
+  conexion_->Execute("Update Encabezados Set id_Contrato=101 Where Terminado and MesDeLiq=#10/01/2026#");
+  conexion_->Execute("Update Contrato Set Tarjeta=7005 Where id_Contrato=101");
   conexion_->quitar = " and Terminado=False";
   EXPECT_EQ(Importar({{"1", "8"}}), "OK");
   EXPECT_EQ(Horas(), "8");
@@ -198,7 +198,7 @@ TEST_F(Fallas, BulkUpdatesThatFailAreNotedAndTheOthersRun) {
   conexion_->Fallar("UPDATE Datos_Liquidacion INNER JOIN CDeta", 1);
   EXPECT_EQ(Importar({{"1", "8"}}), "OK");
   ASSERT_EQ(importacion_.errores.size(), 1U);
-  EXPECT_EQ(importacion_.errores[0].donde, "Importar: días trabajados");
+  EXPECT_EQ(importacion_.errores[0].where, "Importar: días trabajados");
   EXPECT_EQ(Valor("Select D.DetLiq From Datos_Liquidacion as D inner join Encabezados as E on "
                   "D.id_Encabezado=E.id_Encabezado Where E.id_Contrato=117"),
             "8 x 281");
@@ -212,7 +212,7 @@ TEST_F(Fallas, ACommitThatFailsIsEveryLinesResultAndIsShownOnce) {
   EXPECT_EQ(importacion_.importadas, 0U);
   EXPECT_TRUE(importacion_.totales.empty());
   EXPECT_TRUE(importacion_.errores.empty());
-  EXPECT_FALSE(conexion_->EnTransaccion());
+  EXPECT_FALSE(conexion_->InTransaction());
   EXPECT_EQ(Horas(), "");
   EXPECT_EQ(Encabezados(), "0");
 }
@@ -221,7 +221,7 @@ TEST_F(Fallas, AStorageFaultIsToldApartFromAStatement) {
   conexion_->Fallar("insert into Datos_Liquidacion", 2, base::ErrorKind::Storage);
   EXPECT_EQ(Importar({{"1", "8"}, {"9", "2"}, {"1", "3"}}, "7005"), "OK|OK|OK");
   EXPECT_FALSE(importacion_.fallo_de_almacenamiento);
-  conexion_->Ejecutar("Delete From Datos_Liquidacion");
+  conexion_->Execute("Delete From Datos_Liquidacion");
   conexion_->Fallar("insert into Datos_Liquidacion", 1, base::ErrorKind::Storage);
   EXPECT_EQ(Importar({{"1", "8"}, {"77", "2"}}), "falla de prueba|falla de prueba");
   EXPECT_TRUE(importacion_.fallo_de_almacenamiento);
@@ -230,7 +230,7 @@ TEST_F(Fallas, AStorageFaultIsToldApartFromAStatement) {
   EXPECT_EQ(importacion_.importadas, 0U);
   EXPECT_TRUE(importacion_.totales.empty());
   EXPECT_EQ(cajas_.textos, std::vector<std::string>{"falla de prueba"});
-  EXPECT_FALSE(conexion_->EnTransaccion());
+  EXPECT_FALSE(conexion_->InTransaction());
 }
 
 TEST_F(Fallas, MemoryThatRunsOutIsAFaultOfTheStorage) {
@@ -253,7 +253,7 @@ TEST_F(Fallas, ARunThatCannotBeUndoneClosesTheBase) {
   EXPECT_EQ(Importar({{"1", "8"}}), motivo);
   EXPECT_EQ(cajas_.textos, std::vector<std::string>{motivo});
   EXPECT_TRUE(importacion_.fallo_de_almacenamiento);
-  EXPECT_FALSE(conexion_->Abierta());
+  EXPECT_FALSE(conexion_->IsOpen());
 }
 
 // One that cannot even be closed is the operator's to close.
@@ -287,10 +287,10 @@ TEST_F(Fallas, ALineWhoseFirstStatementFailsIsRefusedAlone) {
 
 TEST_F(Fallas, ADefectTravelsOnAndLeavesNoTransactionOpen) {
   conexion_->al_ejecutar = [](std::string_view sql) {
-    if (base::EmpiezaCon(sql, "insert into Datos_Liquidacion")) throw std::logic_error("defect");
+    if (base::StartsWith(sql, "insert into Datos_Liquidacion")) throw std::logic_error("defect");
   };
   EXPECT_THROW(Importar({{"1", "8"}}), std::logic_error);
-  EXPECT_FALSE(conexion_->EnTransaccion());
+  EXPECT_FALSE(conexion_->InTransaction());
   conexion_->al_ejecutar = nullptr;
   EXPECT_EQ(Encabezados(), "0");
 }
@@ -299,7 +299,7 @@ TEST_F(Fallas, ADefectTravelsOnAndLeavesNoTransactionOpen) {
 TEST_F(Fallas, TheUserTablesAreReadAgainAfterARun) {
   EXPECT_EQ(Importar({{"9", "8"}}), "OK");
   EXPECT_TRUE(tablas_.TieneValores(5, "117"));
-  conexion_->Ejecutar("Delete From DatosUsuTablas Where Codigo='117'");
+  conexion_->Execute("Delete From DatosUsuTablas Where Codigo='117'");
   conexion_->falla_commit = true;
   EXPECT_EQ(Importar({{"9", "8"}}), "no termina");
   EXPECT_FALSE(tablas_.TieneValores(5, "117"));
@@ -314,7 +314,7 @@ TEST_F(Fallas, TheUserTablesAreReadAgainAfterARunThatIsUndone) {
 // An error without a word is an error all the same: the line was not written.
 TEST_F(Fallas, AnErrorWithoutADescriptionIsNoOk) {
   conexion_->al_ejecutar = [](std::string_view sql) {
-    if (base::EmpiezaCon(sql, "insert into Datos_Liquidacion")) throw db::Error("");
+    if (base::StartsWith(sql, "insert into Datos_Liquidacion")) throw db::Error("");
   };
   EXPECT_EQ(Importar({{"1", "8"}}), "Error");
   EXPECT_EQ(importacion_.importadas, 0U);
@@ -324,21 +324,21 @@ TEST_F(Fallas, AnErrorWithoutADescriptionIsNoOk) {
 TEST_F(Fallas, ATransactionUnderWayIsTheRuns) {
   conexion_->BeginTrans();
   EXPECT_EQ(Importar({{"1", "8"}}), "OK");
-  EXPECT_FALSE(conexion_->EnTransaccion());
+  EXPECT_FALSE(conexion_->InTransaction());
   EXPECT_EQ(Horas(), "8");
 }
 
 TEST_F(Fallas, ATransactionThatDoesNotBeginWritesNothing) {
   conexion_->falla_begin = true;
   bool corrio = false;
-  conexion_->al_ejecutar = [&](std::string_view sql) { corrio = corrio || !base::EmpiezaCon(sql, "Select"); };
+  conexion_->al_ejecutar = [&](std::string_view sql) { corrio = corrio || !base::StartsWith(sql, "Select"); };
   EXPECT_EQ(Importar({{"1", "8"}}), "no comienza");
   EXPECT_FALSE(corrio);
   EXPECT_EQ(cajas_.textos, std::vector<std::string>{"no comienza"});
 }
 
 TEST_F(Fallas, AClosedBaseSaysSoOnEveryLine) {
-  conexion_->Cerrar();
+  conexion_->Close();
   EXPECT_EQ(Importar({{"1", "8"}, {"1", "9"}}), "La Base no está Abierta|La Base no está Abierta");
   EXPECT_EQ(cajas_.textos, std::vector<std::string>{"La Base no está Abierta"});
 }

@@ -10,7 +10,7 @@
 //                               the bulk updates that failed, then boxes and passed-over errors, and with
 //                               "bar" the steps of the progress bar ("!" without refresh)
 //   query [rowsort]             a statement; rows joined with |
-//   warn [nocatalogue]          as import: what is told before, one a line; nothing is written
+//   warn                        as import: what is told before, one a line; nothing is written
 //   confirm mes=… liq=… cc=…    the question before the import, with settings as in import
 #include <algorithm>
 #include <memory>
@@ -91,10 +91,10 @@ using prueba::Cajas;
 class Bar final : public ports::Progress {
  public:
   void ActuBarra(float paso, bool sin_refresco) override {
-    steps += " " + base::SqlDeSimple(paso) + (sin_refresco ? "!" : "");
+    steps += " " + base::SqlSingle(paso) + (sin_refresco ? "!" : "");
   }
   void DoEvents() override { steps += " ev"; }
-  bool Cancelado() const override { return false; }
+  bool IsCancelled() const override { return false; }
   std::string steps;
 };
 
@@ -102,40 +102,40 @@ class Mesa {
  public:
   explicit Mesa(bool mdb) : mdb_(mdb) { sesion_.reloj = &reloj_; }
 
-  std::string Mundo(const support::Bloque& b) {
+  std::string Mundo(const support::Block& b) {
     Conectar(NuevaBase());
     sesion_.idEmpresa = 1;
     sesion_.id_Usuario = 3;
-    sesion_.LiqAgrup = b.Tiene("agrup");
-    sesion_.TipoConstruccion = b.Tiene("constr");
+    sesion_.LiqAgrup = b.Has("agrup");
+    sesion_.TipoConstruccion = b.Has("constr");
     demo::CrearEsquema(*sesion_.conexion);
-    for (const char* sql : kMundo) sesion_.conexion->Ejecutar(sql);
+    for (const char* sql : kMundo) sesion_.conexion->Execute(sql);
     return {};
   }
 
-  std::string Exec(const support::Bloque& b) {
-    std::istringstream lineas(b.entrada);
-    for (std::string linea; std::getline(lineas, linea);) sesion_.conexion->Ejecutar(linea);
+  std::string Exec(const support::Block& b) {
+    std::istringstream lineas(b.entry);
+    for (std::string linea; std::getline(lineas, linea);) sesion_.conexion->Execute(linea);
     return {};
   }
 
-  std::string Query(const support::Bloque& b) {
-    const db::Recordset rs = sesion_.conexion->Ejecutar(b.entrada);
+  std::string Query(const support::Block& b) {
+    const db::Recordset rs = sesion_.conexion->Execute(b.entry);
     std::vector<std::string> filas;
-    for (std::size_t f = 0; f < rs.Cantidad(); ++f) {
+    for (std::size_t f = 0; f < rs.Count(); ++f) {
       std::string fila;
-      for (std::size_t i = 0; i < rs.Campos().size(); ++i) {
-        const base::Valor& v = rs.En(i, f);
-        const std::string texto = v.EsNulo() ? "NULL" : v.TextoCsv();
+      for (std::size_t i = 0; i < rs.Fields().size(); ++i) {
+        const base::Value& v = rs.At(i, f);
+        const std::string texto = v.IsNull() ? "NULL" : v.CsvText();
         fila += (i > 0 ? "|" : "") + (texto.empty() ? "(empty)" : texto);
       }
       filas.push_back(fila);
     }
-    if (b.Tiene("rowsort")) std::sort(filas.begin(), filas.end());
+    if (b.Has("rowsort")) std::sort(filas.begin(), filas.end());
     return base::Join(filas, "\n");
   }
 
-  std::string Importar(const support::Bloque& b) {
+  std::string Importar(const support::Block& b) {
     Preparar(b);
     importfile::Carga carga = Cargar();
     for (const Falla& f : fallas_) conexion_->Fallar(f.comienzo, f.vez, f.clase);
@@ -150,26 +150,25 @@ class Mesa {
                 fila.campo[importfile::kCantidad] + "|" + fila.resultado + "\n";
     for (const auto& t : r.totales)
       salida += "TOTAL " + std::to_string(t.concepto) + " " + t.nombre + " " + std::to_string(t.lineas) +
-                " " + base::SqlDeNumero(t.cantidad) + "\n";
+                " " + base::SqlNumber(t.cantidad) + "\n";
     if (r.fallo_de_almacenamiento) salida += "FAULT\n";
     for (const auto& texto : r.actualizaciones_fallidas) salida += "UPDATE " + texto + "\n";
     for (const auto& texto : cajas_.textos)
-      salida += "BOX " + base::Reemplazar(texto, base::kCrLf, " / ") + "\n";
-    for (const auto& error : r.errores) salida += "ERR " + error.donde + ": " + error.descripcion + "\n";
-    if (b.Tiene("bar")) salida += "BAR" + bar_.steps + "\n";
+      salida += "BOX " + base::Replace(texto, base::kCrLf, " / ") + "\n";
+    for (const auto& error : r.errores) salida += "ERR " + error.where + ": " + error.description + "\n";
+    if (b.Has("bar")) salida += "BAR" + bar_.steps + "\n";
     if (!salida.empty()) salida.pop_back();
     return salida;
   }
 
-  std::string Avisos(const support::Bloque& b) {
+  std::string Avisos(const support::Block& b) {
     Preparar(b);
     const importfile::Carga carga = Cargar();
     liquidation::EntradaImportacion e = Entrada(b);
-    if (b.Tiene("nocatalogue")) e.conceptos = nullptr;
     return base::Join(liquidation::AvisosDeImportacion(e, carga.filas), "\n");
   }
 
-  std::string Confirmar(const support::Bloque& b) {
+  std::string Confirmar(const support::Block& b) {
     Preparar(b);
     liquidation::DatosConfirmacion d;
     d.mes = mes_;
@@ -178,19 +177,19 @@ class Mesa {
     d.LiqAgrup = sesion_.LiqAgrup;
     d.TipoConstruccion = sesion_.TipoConstruccion;
     d.CCDefEnArch = opciones_.CCDefEnArch;
-    return base::Reemplazar(liquidation::TextoConfirmacion(d), base::kCrLf, "\n");
+    return base::Replace(liquidation::TextoConfirmacion(d), base::kCrLf, "\n");
   }
 
  private:
   std::unique_ptr<db::Connection> NuevaBase() {
     if (mdb_) {
-      engine_mdb::Opciones opciones;
-      opciones.reloj = &reloj_;
-      return engine_mdb::Crear(carpeta_.Ruta(std::to_string(++bases_) + ".mdb"), opciones);
+      engine_mdb::Options opciones;
+      opciones.clock = &reloj_;
+      return engine_mdb::Create(carpeta_.Path(std::to_string(++bases_) + ".mdb"), opciones);
     }
-    engine_sqlite::Opciones opciones;
-    opciones.reloj = &reloj_;
-    return engine_sqlite::Abrir(":memory:", opciones);
+    engine_sqlite::Options opciones;
+    opciones.clock = &reloj_;
+    return engine_sqlite::Open(":memory:", opciones);
   }
   void Conectar(std::unique_ptr<db::Connection> motor) {
     auto propia = std::make_unique<prueba::ConexionConFallas>(std::move(motor));
@@ -201,19 +200,19 @@ class Mesa {
   void Reabrir() {
     if (!mdb_) return;
     sesion_.conexion.reset();
-    engine_mdb::Opciones opciones;
-    opciones.reloj = &reloj_;
-    Conectar(engine_mdb::Abrir(carpeta_.Ruta(std::to_string(bases_) + ".mdb"), opciones));
+    engine_mdb::Options opciones;
+    opciones.clock = &reloj_;
+    Conectar(engine_mdb::Open(carpeta_.Path(std::to_string(bases_) + ".mdb"), opciones));
   }
 
   // Settings, relations and the file of a block, and the reference data of its month.
-  void Preparar(const support::Bloque& b) {
+  void Preparar(const support::Block& b) {
     opciones_ = settings::LeerSettings("");
     opciones_.Separador = ";";
     archivo_.clear();
     fallas_.clear();
     std::string relaciones;
-    std::istringstream lineas(b.entrada);
+    std::istringstream lineas(b.entry);
     for (std::string linea; std::getline(lineas, linea);) {
       if (!linea.empty() && linea[0] == '@') {
         const std::size_t igual = linea.find('=');
@@ -228,8 +227,8 @@ class Mesa {
         archivo_ += (archivo_.empty() ? "" : "\r\n") + linea;
       }
     }
-    const std::string mes = b.Opcion("mes", "2026-10");
-    mes_ = base::FechaDe(std::stoi(mes.substr(0, 4)), std::stoi(mes.substr(5, 2)), 1);
+    const std::string mes = b.Option("mes", "2026-10");
+    mes_ = base::MakeDate(std::stoi(mes.substr(0, 4)), std::stoi(mes.substr(5, 2)), 1);
     cajas_.textos.clear();
     evaluador_ = {};
     evaluador_.sesion = &sesion_;
@@ -240,18 +239,18 @@ class Mesa {
     refdata::CargarTiposLiquidacion(sesion_, opciones_, tipos_);
     tablas_.CargarTablasUsuario(sesion_, -1);
     relaciones_.Reemplazar(relaciones);
-    Elegir(tipos_.cmbLiquidaciones, b.Opcion("liq"));
-    Elegir(tipos_.cmbAgrupa, b.Opcion("cc"));
+    Elegir(tipos_.cmbLiquidaciones, b.Option("liq"));
+    Elegir(tipos_.cmbAgrupa, b.Option("cc"));
   }
 
-  liquidation::EntradaImportacion Entrada(const support::Bloque& b) {
+  liquidation::EntradaImportacion Entrada(const support::Block& b) {
     liquidation::EntradaImportacion e{sesion_, opciones_, personas_, relaciones_, conceptos_, evaluador_,
                                       tablas_, cajas_,    bar_,      mes_,        {},         {}};
     e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
                      tipos_.CalendarCondition};
     e.texto_liquidacion = tipos_.cmbLiquidaciones.Elegido() ? tipos_.cmbLiquidaciones.Elegido()->texto : "";
-    e.centro_costo = std::stoll(b.Opcion("cc", "0"));
-    e.deshacer = b.Tiene("rollback");
+    e.centro_costo = std::stoll(b.Option("cc", "0"));
+    e.deshacer = b.Has("rollback");
     return e;
   }
 
@@ -264,7 +263,7 @@ class Mesa {
 
   importfile::Carga Cargar() {
     importfile::EntradaCarga e;
-    e.txtRuta = carpeta_.Escribir("horas.txt", archivo_);
+    e.txtRuta = carpeta_.Write("horas.txt", archivo_);
     e.opciones = &opciones_;
     e.filtro = importfile::FiltroPor::Texto;  // with no text: every line stays
     e.personas = &personas_;
@@ -283,9 +282,9 @@ class Mesa {
   };
 
   const bool mdb_;
-  const support::CarpetaTemporal carpeta_;
+  const support::TempFolder carpeta_;
   int bases_ = 0;
-  ports::RelojFijo reloj_{base::FechaDe(2026, 10, 20)};
+  ports::FixedClock reloj_{base::MakeDate(2026, 10, 20)};
   sesion::DbSession sesion_;
   prueba::ConexionConFallas* conexion_ = nullptr;  // the session's
   std::vector<Falla> fallas_;
@@ -298,7 +297,7 @@ class Mesa {
   formula::Evaluador evaluador_;
   Bar bar_;
   Cajas cajas_;
-  base::Fecha mes_;
+  base::Date mes_;
   std::string archivo_;
 };
 
@@ -307,15 +306,15 @@ class Mesa {
 int main(int argc, char** argv) {
   const bool mdb = argc > 1 && std::string_view(argv[1]) == "--mdb";
   const int primero = mdb ? 1 : 0;
-  return support::EjecutarArchivos(argc - primero, argv + primero, [mdb] {
+  return support::RunFiles(argc - primero, argv + primero, [mdb] {
     auto mesa = std::make_shared<Mesa>(mdb);
-    return support::Verbos{
-        {"world", [mesa](const support::Bloque& b) { return mesa->Mundo(b); }},
-        {"exec", [mesa](const support::Bloque& b) { return mesa->Exec(b); }},
-        {"query", [mesa](const support::Bloque& b) { return mesa->Query(b); }},
-        {"import", [mesa](const support::Bloque& b) { return mesa->Importar(b); }},
-        {"warn", [mesa](const support::Bloque& b) { return mesa->Avisos(b); }},
-        {"confirm", [mesa](const support::Bloque& b) { return mesa->Confirmar(b); }},
+    return support::Verbs{
+        {"world", [mesa](const support::Block& b) { return mesa->Mundo(b); }},
+        {"exec", [mesa](const support::Block& b) { return mesa->Exec(b); }},
+        {"query", [mesa](const support::Block& b) { return mesa->Query(b); }},
+        {"import", [mesa](const support::Block& b) { return mesa->Importar(b); }},
+        {"warn", [mesa](const support::Block& b) { return mesa->Avisos(b); }},
+        {"confirm", [mesa](const support::Block& b) { return mesa->Confirmar(b); }},
     };
   });
 }

@@ -24,9 +24,9 @@ enum class Answer { OneColumnFewer, NoColumns, NoRows };
 class NarrowConnection final : public db::Connection {
  public:
   explicit NarrowConnection(const ports::Clock& reloj) {
-    engine_sqlite::Opciones opciones;
-    opciones.reloj = &reloj;
-    motor_ = engine_sqlite::Abrir(":memory:", opciones);
+    engine_sqlite::Options opciones;
+    opciones.clock = &reloj;
+    motor_ = engine_sqlite::Open(":memory:", opciones);
   }
   void Narrow(Answer answer, int which) {
     answer_ = answer;
@@ -37,31 +37,31 @@ class NarrowConnection final : public db::Connection {
   void Whole() { on_ = false; }
   int Queries() const { return queries_; }
 
-  bool Abierta() const override { return motor_->Abierta(); }
-  void Cerrar() override { motor_->Cerrar(); }
-  db::Recordset Ejecutar(std::string_view sql) override { return Cut(motor_->Ejecutar(sql)); }
-  db::Recordset Consultar(std::string_view sql) override { return Cut(motor_->Consultar(sql)); }
-  std::int64_t FilasAfectadas() const override { return motor_->FilasAfectadas(); }
+  bool IsOpen() const override { return motor_->IsOpen(); }
+  void Close() override { motor_->Close(); }
+  db::Recordset Execute(std::string_view sql) override { return Cut(motor_->Execute(sql)); }
+  db::Recordset Query(std::string_view sql) override { return Cut(motor_->Query(sql)); }
+  std::int64_t AffectedRows() const override { return motor_->AffectedRows(); }
   void BeginTrans() override { motor_->BeginTrans(); }
   void CommitTrans() override { motor_->CommitTrans(); }
   void RollbackTrans() override { motor_->RollbackTrans(); }
-  bool EnTransaccion() const override { return motor_->EnTransaccion(); }
+  bool InTransaction() const override { return motor_->InTransaction(); }
   void SetSavepoint() override { motor_->SetSavepoint(); }
   void RollbackToSavepoint() override { motor_->RollbackToSavepoint(); }
   void ReleaseSavepoint() override { motor_->ReleaseSavepoint(); }
 
  private:
   db::Recordset Cut(db::Recordset whole) {
-    if (!on_ || whole.Campos().empty()) return whole;
+    if (!on_ || whole.Fields().empty()) return whole;
     ++queries_;
     if (which_ != 0 && which_ != queries_) return whole;
-    auto columns = std::make_shared<db::Columnas>(whole.Campos());
+    auto columns = std::make_shared<db::Columns>(whole.Fields());
     if (answer_ == Answer::NoColumns) columns->clear();
     if (answer_ == Answer::OneColumnFewer) columns->pop_back();
-    std::vector<base::Valor> cells;
-    for (std::size_t row = 0; answer_ != Answer::NoRows && row < whole.Cantidad(); ++row)
-      for (std::size_t c = 0; c < columns->size(); ++c) cells.push_back(whole.En(c, row));
-    return {std::move(columns), std::move(cells), whole.Fuente()};
+    std::vector<base::Value> cells;
+    for (std::size_t row = 0; answer_ != Answer::NoRows && row < whole.Count(); ++row)
+      for (std::size_t c = 0; c < columns->size(); ++c) cells.push_back(whole.At(c, row));
+    return {std::move(columns), std::move(cells), whole.Source()};
   }
 
   std::unique_ptr<db::Connection> motor_;
@@ -77,11 +77,11 @@ struct Outcome {
   double hours = 0;                  // written for the contract
 };
 
-const base::Fecha kMonth = base::FechaDe(2026, 10, 1);
+const base::Date kMonth = base::MakeDate(2026, 10, 1);
 
 // A whole run over the demo's month: contract 117, card 7005, 8 and 2 hours and one ticket.
 Outcome WholeRun(Answer answer, int which, bool narrow = true) {
-  const ports::RelojFijo reloj(base::FechaDe(2026, 10, 20));
+  const ports::FixedClock reloj(base::MakeDate(2026, 10, 20));
   auto own = std::make_unique<NarrowConnection>(reloj);
   NarrowConnection& base = *own;
   demo::LlenarBase(base, kMonth);
@@ -97,7 +97,7 @@ Outcome WholeRun(Answer answer, int which, bool narrow = true) {
   opciones.FactMultiplica = "*SQL(CAMPO COUNT(*) EN Empresa SOLOSI idEmpresa=1)";
   opciones.TextoDeFiltro = "LISTA(CAMPO id_Moneda,id_Moneda EN Monedas;,)<>X";
   prueba::Cajas cajas;
-  base::SumideroErrores errores;
+  base::ErrorSink errores;
   formula::Evaluador evaluador;
   evaluador.sesion = &sesion;
   evaluador.prompts = &cajas;
@@ -107,18 +107,18 @@ Outcome WholeRun(Answer answer, int which, bool narrow = true) {
   refdata::LiquidationTypes tipos;
   relations::CodeRelations relaciones;
   formula::TablasUsuario tablas;
-  ports::SinProgreso progreso;
-  const support::CarpetaTemporal carpeta;
+  ports::NoProgress progreso;
+  const support::TempFolder carpeta;
 
   if (narrow) base.Narrow(answer, which);
   refdata::CargarTiposLiquidacion(sesion, opciones, tipos, &errores);
-  base::ErrorIgnorado("tablas", &errores, [&] { tablas.CargarTablasUsuario(sesion, -1); });
+  base::PassOverError("tablas", &errores, [&] { tablas.CargarTablasUsuario(sesion, -1); });
   refdata::CargarVecDePersonas(sesion, kMonth, personas, cajas, &errores);
   refdata::ActuLSTdeConceptos(sesion, opciones, conceptos, &errores);
   relaciones.Reemplazar("NOR*65535*,1,*7*Horas Comunes*0\r\nTK*65535*,9,*1005*Tickets*0");
 
   importfile::EntradaCarga c;
-  c.txtRuta = carpeta.Escribir("horas.txt", "7005;1;8\r\n7005;1;2\r\n7005;9;1");
+  c.txtRuta = carpeta.Write("horas.txt", "7005;1;8\r\n7005;1;2\r\n7005;9;1");
   c.opciones = &opciones;
   c.filtro = importfile::FiltroPor::Texto;
   c.personas = &personas;
@@ -141,10 +141,10 @@ Outcome WholeRun(Answer answer, int which, bool narrow = true) {
   base.Whole();
   for (const auto& fila : carga.filas) outcome.results.push_back(fila.resultado);
   outcome.noted = errores.size() + importacion.errores.size() + cajas.textos.size();
-  const auto rs = base.Consultar(
+  const auto rs = base.Query(
       "Select Sum(D.Cantidad) From Datos_Liquidacion as D inner join Encabezados as E on "
       "D.id_Encabezado=E.id_Encabezado Where E.id_Contrato=117 and D.id_Concepto=7");
-  outcome.hours = rs.En(0, 0).NumeroOCero();
+  outcome.hours = rs.At(0, 0).NumberOrZero();
   return outcome;
 }
 

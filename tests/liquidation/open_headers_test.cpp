@@ -12,7 +12,7 @@
 
 namespace {
 
-using base::Valor;
+using base::Value;
 using liquidation::OpenHeaders;
 
 // Answers every statement with the rows that stand ready, and keeps the statements.
@@ -21,30 +21,30 @@ class Canned final : public db::Connection {
   std::vector<std::string> columns = {"id_Encabezado",      "id_Contrato", "id_TipoLiq",
                                       "Terminado",          "Tarjeta",     "NUMERO",
                                       "Numero_Alternativo", "Dat",         "id_Persona"};
-  std::vector<Valor> cells;
+  std::vector<Value> cells;
   std::vector<std::string> asked;
 
   // The key stands in every key column but the contract's.
-  void Row(std::int32_t header, std::int32_t contract, std::int32_t type, const Valor& key,
+  void Row(std::int32_t header, std::int32_t contract, std::int32_t type, const Value& key,
            bool finished = false) {
-    cells.insert(cells.end(), {Valor(header), Valor(contract), Valor(type), Valor(finished)});
+    cells.insert(cells.end(), {Value(header), Value(contract), Value(type), Value(finished)});
     cells.insert(cells.end(), 5, key);
   }
 
-  bool Abierta() const override { return true; }
-  void Cerrar() override {}
-  db::Recordset Ejecutar(std::string_view sql) override {
+  bool IsOpen() const override { return true; }
+  void Close() override {}
+  db::Recordset Execute(std::string_view sql) override {
     asked.emplace_back(sql);
-    auto of = std::make_shared<db::Columnas>();
-    for (const std::string& name : columns) of->push_back({name, base::Tipo::Nulo});
+    auto of = std::make_shared<db::Columns>();
+    for (const std::string& name : columns) of->push_back({name, base::Type::Null});
     return {std::move(of), std::exchange(cells, {})};
   }
-  db::Recordset Consultar(std::string_view sql) override { return Ejecutar(sql); }
-  std::int64_t FilasAfectadas() const override { return 0; }
+  db::Recordset Query(std::string_view sql) override { return Execute(sql); }
+  std::int64_t AffectedRows() const override { return 0; }
   void BeginTrans() override {}
   void CommitTrans() override {}
   void RollbackTrans() override {}
-  bool EnTransaccion() const override { return false; }
+  bool InTransaction() const override { return false; }
   void SetSavepoint() override {}
   void RollbackToSavepoint() override {}
   void ReleaseSavepoint() override {}
@@ -57,7 +57,7 @@ struct Headers : ::testing::Test {
     session.conexion = std::move(own);
     session.idEmpresa = 3;
   }
-  void Open(int kind) { headers.Abrir(session, base::FechaDe(2026, 10, 1), "TL", kind); }
+  void Open(int kind) { headers.Abrir(session, base::MakeDate(2026, 10, 1), "TL", kind); }
   // The header that the key finds for the contract, 0 when none.
   std::int32_t Found(std::string_view key, std::int32_t contract = 10) const {
     const auto* header = headers.Find(key, contract);
@@ -70,10 +70,10 @@ struct Headers : ::testing::Test {
 };
 
 TEST_F(Headers, AKeyOfDigitsIsANumber) {
-  base->Row(50, 10, 1, Valor(210.5));
-  base->Row(51, 10, 1, Valor("0012"));
-  base->Row(52, 10, 1, Valor("abc"));
-  base->Row(53, 10, 1, Valor());
+  base->Row(50, 10, 1, Value(210.5));
+  base->Row(51, 10, 1, Value("0012"));
+  base->Row(52, 10, 1, Value("abc"));
+  base->Row(53, 10, 1, Value());
   Open(2);
   EXPECT_EQ(Found("210,5"), 50);
   EXPECT_EQ(Found("210.50"), 50);
@@ -86,10 +86,10 @@ TEST_F(Headers, AKeyOfDigitsIsANumber) {
 
 TEST_F(Headers, AKeyOfTextIsATextWithoutCase) {
   for (const int kind : {1, 3}) {
-    base->Row(50, 10, 1, Valor("Ñu  "));
-    base->Row(51, 10, 1, Valor("7"));
-    base->Row(52, 10, 1, Valor("007"));
-    base->Row(53, 10, 1, Valor());
+    base->Row(50, 10, 1, Value("Ñu  "));
+    base->Row(51, 10, 1, Value("7"));
+    base->Row(52, 10, 1, Value("007"));
+    base->Row(53, 10, 1, Value());
     Open(kind);
     EXPECT_EQ(Found("ñU"), 50) << kind;
     EXPECT_EQ(Found("ÑU "), 50) << kind;
@@ -99,7 +99,7 @@ TEST_F(Headers, AKeyOfTextIsATextWithoutCase) {
     EXPECT_EQ(Found("7,0"), 0) << kind;
     EXPECT_EQ(Found(""), 0) << kind;
   }
-  base->Row(54, 10, 1, Valor("  "));
+  base->Row(54, 10, 1, Value("  "));
   Open(1);
   EXPECT_EQ(Found(""), 54);
 }
@@ -107,22 +107,22 @@ TEST_F(Headers, AKeyOfTextIsATextWithoutCase) {
 // The first record is the one of the lowest contract and, of one contract, the lowest type; it is found by
 // its own contract alone.
 TEST_F(Headers, TheFirstRecordDecides) {
-  base->Row(50, 9, 2, Valor(1));
-  base->Row(51, 10, 1, Valor(1));
+  base->Row(50, 9, 2, Value(1));
+  base->Row(51, 10, 1, Value(1));
   Open(2);
   EXPECT_EQ(Found("1", 9), 50);
   EXPECT_EQ(Found("1", 10), 0);
   EXPECT_EQ(headers.Find("1", 9)->id_TipoLiq, 2);
   EXPECT_FALSE(headers.Find("1", 9)->Terminado);
 
-  base->Row(52, 9, 1, Valor(1), true);
+  base->Row(52, 9, 1, Value(1), true);
   headers.Reabrir(session, 52);
   EXPECT_EQ(Found("1", 9), 52);
   EXPECT_TRUE(headers.Find("1", 9)->Terminado);
-  base->Row(53, 9, 1, Valor(1));
+  base->Row(53, 9, 1, Value(1));
   headers.Reabrir(session, 53);
   EXPECT_EQ(Found("1", 9), 52);
-  base->Row(54, 8, 7, Valor(1));
+  base->Row(54, 8, 7, Value(1));
   headers.Reabrir(session, 54);
   EXPECT_EQ(Found("1", 8), 54);
   EXPECT_EQ(Found("1", 9), 0);
@@ -132,20 +132,20 @@ TEST_F(Headers, ANewHeaderIsReadAlone) {
   Open(5);
   headers.Reabrir(session, 52);
   ASSERT_EQ(base->asked.size(), 2U);
-  const base::Fecha month = base::FechaDe(2026, 10, 1);
+  const base::Date month = base::MakeDate(2026, 10, 1);
   EXPECT_EQ(base->asked[0], liquidation::sql::EncabezadosAbiertos(3, month, "TL"));
   EXPECT_EQ(base->asked[1], liquidation::sql::EncabezadosAbiertos(3, month, "TL", 52));
 }
 
 // What was there before the mark stays, also under the key of what goes.
 TEST_F(Headers, GoesBackToItsMark) {
-  base->Row(50, 10, 2, Valor(1));
+  base->Row(50, 10, 2, Value(1));
   Open(2);
-  base->Row(51, 10, 1, Valor(1));
+  base->Row(51, 10, 1, Value(1));
   headers.Reabrir(session, 51);
   headers.Marcar();
-  base->Row(52, 9, 1, Valor(1));
-  base->Row(53, 10, 1, Valor(2));
+  base->Row(52, 9, 1, Value(1));
+  base->Row(53, 10, 1, Value(2));
   headers.Reabrir(session, 52);
   EXPECT_EQ(Found("2"), 53);
   headers.Deshacer();
@@ -156,11 +156,11 @@ TEST_F(Headers, GoesBackToItsMark) {
 }
 
 TEST_F(Headers, OpeningForgetsWhatWasThere) {
-  base->Row(50, 10, 2, Valor(1));
+  base->Row(50, 10, 2, Value(1));
   Open(2);
-  base->Row(51, 10, 1, Valor(2));
+  base->Row(51, 10, 1, Value(2));
   headers.Reabrir(session, 51);
-  base->Row(51, 10, 1, Valor(2));
+  base->Row(51, 10, 1, Value(2));
   Open(2);
   EXPECT_EQ(Found("1"), 0);
   headers.Deshacer();
@@ -173,7 +173,7 @@ TEST_F(Headers, AQueryWithoutItsColumnsIsRefused) {
     Open(5);
     FAIL();
   } catch (const db::Error& error) {
-    EXPECT_EQ(error.Descripcion(), "La consulta de encabezados abiertos no tiene la columna id_Persona");
+    EXPECT_EQ(error.Description(), "La consulta de encabezados abiertos no tiene la columna id_Persona");
   }
 }
 

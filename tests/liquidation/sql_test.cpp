@@ -6,7 +6,7 @@
 using namespace liquidation;
 
 namespace {
-const base::Fecha kOctubre = base::FechaDe(2026, 10, 1);
+const base::Date kOctubre = base::MakeDate(2026, 10, 1);
 }
 
 TEST(Sql, Preload) {

@@ -9,33 +9,33 @@
 namespace mdb_test {
 namespace fs = std::filesystem;
 
-std::string CarpetaDeCorpus() {
-  const std::string carpeta = support::SharedDir() + "/mdb/corpus";
-  return !support::SharedDir().empty() && fs::is_directory(carpeta) ? carpeta : std::string();
+std::string CorpusFolder() {
+  const std::string folder = support::SharedDir() + "/mdb/corpus";
+  return !support::SharedDir().empty() && fs::is_directory(folder) ? folder : std::string();
 }
 
-std::vector<std::string> ArchivosDeCorpus() {
-  std::vector<std::string> rutas;
-  const std::string carpeta = CarpetaDeCorpus();
-  if (carpeta.empty()) return rutas;
-  for (const auto& e : fs::directory_iterator(carpeta))
+std::vector<std::string> CorpusFiles() {
+  std::vector<std::string> paths;
+  const std::string folder = CorpusFolder();
+  if (folder.empty()) return paths;
+  for (const auto& e : fs::directory_iterator(folder))
     if (e.path().extension() == ".mdb" || e.path().extension() == ".accdb")
-      rutas.push_back(e.path().string());
-  std::sort(rutas.begin(), rutas.end());
-  return rutas;
+      paths.push_back(e.path().string());
+  std::sort(paths.begin(), paths.end());
+  return paths;
 }
 
-std::string HerramientaDeControl() {
-  const std::string ruta = support::SharedDir() + "/tools/mdbcheck/jetcheck.py";
-  return !support::SharedDir().empty() && fs::exists(ruta) ? ruta : std::string();
+std::string CheckingTool() {
+  const std::string path = support::SharedDir() + "/tools/mdbcheck/jetcheck.py";
+  return !support::SharedDir().empty() && fs::exists(path) ? path : std::string();
 }
 
-std::unique_ptr<mdb::PaginasEnMemoria> Cargar(const std::string& ruta) {
-  const auto texto = base::LeerArchivo(ruta);
-  if (!texto) throw base::Error("cannot read " + ruta);
-  mdb::Bytes bytes(texto->begin(), texto->end());
-  const mdb::Cabecera cabecera = mdb::LeerCabecera(bytes);
-  return std::make_unique<mdb::PaginasEnMemoria>(cabecera, std::move(bytes));
+std::unique_ptr<mdb::MemoryPages> Load(const std::string& path) {
+  const auto text = base::ReadWholeFile(path);
+  if (!text) throw base::Error("cannot read " + path);
+  mdb::Bytes bytes(text->begin(), text->end());
+  const mdb::FileHeader header = mdb::ReadHeader(bytes);
+  return std::make_unique<mdb::MemoryPages>(header, std::move(bytes));
 }
 
 }  // namespace mdb_test

@@ -10,10 +10,10 @@
 
 namespace mdb_test {
 
-std::string CarpetaDeCorpus();                // empty when it is not there
-std::vector<std::string> ArchivosDeCorpus();  // full paths, sorted; empty when it is not there
-std::string HerramientaDeControl();           // path of the independent checker; empty when it is not there
+std::string CorpusFolder();              // empty when it is not there
+std::vector<std::string> CorpusFiles();  // full paths, sorted; empty when it is not there
+std::string CheckingTool();              // path of the independent checker; empty when it is not there
 // The file read into memory. Changes stay there.
-std::unique_ptr<mdb::PaginasEnMemoria> Cargar(const std::string& ruta);
+std::unique_ptr<mdb::MemoryPages> Load(const std::string& path);
 
 }  // namespace mdb_test

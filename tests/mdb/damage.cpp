@@ -7,35 +7,35 @@
 
 namespace mdb_test {
 
-Obra::Obra(const std::string& archivo) : paginas(LoadSample(archivo)) {}
+Workpiece::Workpiece(const std::string& file) : pages(LoadSample(file)) {}
 
-mdb::Definicion Obra::Def(const std::string& tabla) {
-  const auto d = mdb::Catalogo(*paginas).Tabla(tabla);
-  if (d == nullptr) throw base::Error("no table " + tabla);
+mdb::Definition Workpiece::Def(const std::string& table) {
+  const auto d = mdb::SystemCatalog(*pages).Table(table);
+  if (d == nullptr) throw base::Error("no table " + table);
   return *d;
 }
 
-NumPagina Obra::Datos(const std::string& tabla, std::size_t k) {
-  return mdb::LeerMapa(*paginas, Def(tabla).propias).at(k);
+PageNumber Workpiece::DataPage(const std::string& table, std::size_t k) {
+  return mdb::ReadMap(*pages, Def(table).owned_pages).at(k);
 }
 
-std::vector<IdFila> Obra::Filas(const std::string& tabla) {
-  std::vector<IdFila> ids;
-  mdb::RecorrerFilas(*paginas, Def(tabla), [&](IdFila id, const mdb::Fila&) {
+std::vector<RowId> Workpiece::Rows(const std::string& table) {
+  std::vector<RowId> ids;
+  mdb::WalkRows(*pages, Def(table), [&](RowId id, const mdb::Row&) {
     ids.push_back(id);
     return true;
   });
   return ids;
 }
 
-mdb::ArbolDeIndice Obra::Arbol(const std::string& tabla, std::size_t indice) {
-  const auto d = Def(tabla);
-  return {*paginas, d.Pagina(), d.reales.at(indice)};
+mdb::IndexTree Workpiece::Tree(const std::string& table, std::size_t index) {
+  const auto d = Def(table);
+  return {*pages, d.Page(), d.reals.at(index)};
 }
 
-std::vector<mdb::Entrada> Obra::Entradas(const std::string& tabla, std::size_t indice) {
-  std::vector<mdb::Entrada> v;
-  Arbol(tabla, indice).Recorrer([&](const mdb::Entrada& e) {
+std::vector<mdb::Entry> Workpiece::Entries(const std::string& table, std::size_t index) {
+  std::vector<mdb::Entry> v;
+  Tree(table, index).Walk([&](const mdb::Entry& e) {
     v.push_back(e);
     return true;
   });
@@ -43,79 +43,80 @@ std::vector<mdb::Entrada> Obra::Entradas(const std::string& tabla, std::size_t i
 }
 
 // Where the bytes of a row, or of one of its columns, stand.
-Obra::Lugar Obra::Fila(const std::string& tabla, IdFila id) {
-  const auto f = mdb::BuscarFila(*paginas, Def(tabla), id).value();
-  return {f.lugar.pagina, static_cast<std::size_t>(f.bytes.data() - f.imagen->data()), f.bytes.size()};
+Workpiece::Place Workpiece::Row(const std::string& table, RowId id) {
+  const auto f = mdb::FindRow(*pages, Def(table), id).value();
+  return {f.place.page, static_cast<std::size_t>(f.bytes.data() - f.image->data()), f.bytes.size()};
 }
 
-Obra::Lugar Obra::Celda(const std::string& tabla, IdFila id, const std::string& columna) {
-  const auto d = Def(tabla);
-  const auto f = mdb::BuscarFila(*paginas, d, id).value();
-  const auto celda = mdb::PartirFila(paginas->Cab(), d, f.bytes).at(d.PorNombre(columna).value()).value();
-  return {f.lugar.pagina, static_cast<std::size_t>(celda.data() - f.imagen->data()), celda.size()};
+Workpiece::Place Workpiece::Cell(const std::string& table, RowId id, const std::string& column) {
+  const auto d = Def(table);
+  const auto f = mdb::FindRow(*pages, d, id).value();
+  const auto cell = mdb::SplitRow(pages->Header(), d, f.bytes).at(d.ByName(column).value()).value();
+  return {f.place.page, static_cast<std::size_t>(cell.data() - f.image->data()), cell.size()};
 }
 
 // The first row whose column is this.
-IdFila Obra::Donde(const std::string& tabla, const std::string& columna, const mdb::Dato& valor) {
-  const auto d = Def(tabla);
-  const auto i = d.PorNombre(columna).value();
-  IdFila hallada;
-  mdb::RecorrerFilas(*paginas, d, [&](IdFila id, const mdb::Fila& fila) {
-    if (fila[i] == valor) hallada = id;
-    return hallada.pagina == 0;
+RowId Workpiece::Where(const std::string& table, const std::string& column, const mdb::Datum& value) {
+  const auto d = Def(table);
+  const auto i = d.ByName(column).value();
+  RowId found;
+  mdb::WalkRows(*pages, d, [&](RowId id, const mdb::Row& row) {
+    if (row[i] == value) found = id;
+    return found.page == 0;
   });
-  EXPECT_NE(hallada.pagina, 0U);
-  return hallada;
+  EXPECT_NE(found.page, 0U);
+  return found;
 }
 
 // In the first page of a definition: its columns, and its real and logical indexes.
-std::size_t Obra::PosColumna(const std::string& tabla, std::size_t k) {
-  return 63 + 12 * Def(tabla).reales.size() + 25 * k;
+std::size_t Workpiece::ColumnPos(const std::string& table, std::size_t k) {
+  return 63 + 12 * Def(table).reals.size() + 25 * k;
 }
 
-std::size_t Obra::PosReal(const std::string& tabla, std::size_t k) {
-  const auto d = Def(tabla);
-  const auto imagen = paginas->Leer(d.Pagina());
-  std::size_t pos = PosColumna(tabla, d.columnas.size());
-  for (std::size_t i = 0; i < d.columnas.size(); ++i) pos += 2 + mdb::U16(*imagen, pos);
+std::size_t Workpiece::RealPos(const std::string& table, std::size_t k) {
+  const auto d = Def(table);
+  const auto image = pages->Read(d.Page());
+  std::size_t pos = ColumnPos(table, d.columns.size());
+  for (std::size_t i = 0; i < d.columns.size(); ++i) pos += 2 + mdb::U16(*image, pos);
   return pos + 52 * k;
 }
 
-std::size_t Obra::PosLogico(const std::string& tabla, std::size_t k) {
-  return PosReal(tabla, Def(tabla).reales.size()) + 28 * k;
+std::size_t Workpiece::LogicalPos(const std::string& table, std::size_t k) {
+  return RealPos(table, Def(table).reals.size()) + 28 * k;
 }
 
 // The row of a map.
-Obra::Lugar Obra::Mapa(mdb::Puntero mapa) {
-  const auto r = mdb::LeerRanura(mapa.pagina, *paginas->Leer(mapa.pagina), mapa.fila);
-  return {mapa.pagina, r.desde, r.largo};
+Workpiece::Place Workpiece::Map(mdb::Pointer map) {
+  const auto r = mdb::ReadSlot(map.page, *pages->Read(map.page), map.row);
+  return {map.page, r.from, r.length};
 }
 namespace {
-std::string Todo(const mdb::Informe& informe) {
+std::string AllFindings(const mdb::Report& report) {
   std::string t;
-  for (const auto& h : informe.hallazgos)
-    t += (h.grado == mdb::Hallazgo::Grado::Error ? "\n  error: " : "\n  note: ") + h.texto;
+  for (const auto& h : report.findings)
+    t += (h.severity == mdb::Finding::Severity::Error ? "\n  error: " : "\n  note: ") + h.text;
   return t;
 }
 
 }  // namespace
 
-void Plantar(const std::vector<Dano>& danos) {
-  for (const Dano& dano : danos) {
-    SCOPED_TRACE(dano.nombre);
-    Obra obra(dano.archivo);
-    EXPECT_TRUE(mdb::Verificar(*obra.paginas).Sano());
-    const NumPagina pagina = dano.plantar(obra);
-    const mdb::Informe informe = mdb::Verificar(*obra.paginas);
-    EXPECT_FALSE(informe.Sano());
-    const std::string numero = "Página " + std::to_string(pagina);
-    EXPECT_TRUE(std::any_of(
-        informe.hallazgos.begin(), informe.hallazgos.end(),
-        [&](const mdb::Hallazgo& h) {
-          return h.grado == mdb::Hallazgo::Grado::Error && h.texto.find(dano.hallazgo) != std::string::npos &&
-                 (pagina == 0 || (h.pagina == pagina && h.texto.compare(0, numero.size(), numero) == 0));
-        }))
-        << dano.hallazgo << " on page " << pagina << Todo(informe);
+void Plant(const std::vector<PlantedDamage>& damages) {
+  for (const PlantedDamage& damage : damages) {
+    SCOPED_TRACE(damage.name);
+    Workpiece workpiece(damage.file);
+    EXPECT_TRUE(mdb::Verify(*workpiece.pages).IsSound());
+    const PageNumber page = damage.plant(workpiece);
+    const mdb::Report report = mdb::Verify(*workpiece.pages);
+    EXPECT_FALSE(report.IsSound());
+    const std::string number = "Página " + std::to_string(page);
+    EXPECT_TRUE(std::any_of(report.findings.begin(), report.findings.end(),
+                            [&](const mdb::Finding& h) {
+                              return h.severity == mdb::Finding::Severity::Error &&
+                                     h.text.find(damage.finding) != std::string::npos &&
+                                     (page == 0 ||
+                                      (h.page == page && h.text.compare(0, number.size(), number) == 0));
+                            }))
+        << damage.finding << " on page " << page << AllFindings(report);
   }
 }
 

@@ -19,60 +19,60 @@
 namespace mdb_test {
 
 using mdb::Bytes;
-using mdb::IdFila;
-using mdb::NumPagina;
+using mdb::PageNumber;
+using mdb::RowId;
 
-constexpr std::size_t kMascara = 27, kEntradas = 480;  // of an index page
+constexpr std::size_t kMask = 27, kEntries = 480;  // of an index page
 
 // A copy of a file, with what one needs to find the right byte.
-class Obra {
+class Workpiece {
  public:
-  explicit Obra(const std::string& archivo);
+  explicit Workpiece(const std::string& file);
 
-  std::unique_ptr<mdb::PaginasEnMemoria> paginas;
+  std::unique_ptr<mdb::MemoryPages> pages;
 
-  Bytes& P(NumPagina n) { return paginas->Modificar(n); }
-  mdb::Definicion Def(const std::string& tabla);
-  NumPagina Datos(const std::string& tabla, std::size_t k = 0);  // its k-th page of rows
-  std::vector<IdFila> Filas(const std::string& tabla);
-  mdb::ArbolDeIndice Arbol(const std::string& tabla, std::size_t indice);
-  mdb::PaginaDeIndice Indice(NumPagina n) { return mdb::PaginaDeIndice::Leer(*paginas, n, 0); }
-  std::vector<mdb::Entrada> Entradas(const std::string& tabla, std::size_t indice);
-  struct Lugar {
-    NumPagina pagina;
-    std::size_t pos, largo;
+  Bytes& P(PageNumber n) { return pages->Modify(n); }
+  mdb::Definition Def(const std::string& table);
+  PageNumber DataPage(const std::string& table, std::size_t k = 0);  // its k-th page of rows
+  std::vector<RowId> Rows(const std::string& table);
+  mdb::IndexTree Tree(const std::string& table, std::size_t index);
+  mdb::IndexPage Index(PageNumber n) { return mdb::IndexPage::Read(*pages, n, 0); }
+  std::vector<mdb::Entry> Entries(const std::string& table, std::size_t index);
+  struct Place {
+    PageNumber page;
+    std::size_t pos, length;
   };
   // Where the bytes of a row, or of one of its columns, stand.
-  Lugar Fila(const std::string& tabla, IdFila id);
-  Lugar Celda(const std::string& tabla, IdFila id, const std::string& columna);
+  Place Row(const std::string& table, RowId id);
+  Place Cell(const std::string& table, RowId id, const std::string& column);
   // The first row whose column is this.
-  IdFila Donde(const std::string& tabla, const std::string& columna, const mdb::Dato& valor);
+  RowId Where(const std::string& table, const std::string& column, const mdb::Datum& value);
   // In the first page of a definition: its columns, and its real and logical indexes.
-  std::size_t PosColumna(const std::string& tabla, std::size_t k);
-  std::size_t PosReal(const std::string& tabla, std::size_t k);
-  std::size_t PosLogico(const std::string& tabla, std::size_t k);
+  std::size_t ColumnPos(const std::string& table, std::size_t k);
+  std::size_t RealPos(const std::string& table, std::size_t k);
+  std::size_t LogicalPos(const std::string& table, std::size_t k);
   // The row of a map.
-  Lugar Mapa(mdb::Puntero mapa);
+  Place Map(mdb::Pointer map);
 };
 
-constexpr std::size_t Ranura(std::size_t fila) { return 14 + 2 * fila; }
+constexpr std::size_t Slot(std::size_t row) { return 14 + 2 * row; }
 
-inline void Sumar16(Bytes& v, std::size_t pos, int n) {
-  mdb::Poner16(v, pos, static_cast<std::uint16_t>(mdb::U16(v, pos) + n));
+inline void Add16(Bytes& v, std::size_t pos, int n) {
+  mdb::Put16(v, pos, static_cast<std::uint16_t>(mdb::U16(v, pos) + n));
 }
 
-struct Dano {
-  const char* nombre;
-  const char* archivo;
-  std::function<NumPagina(Obra&)> plantar;  // returns the page that the finding must name, or 0
-  const char* hallazgo;
+struct PlantedDamage {
+  const char* name;
+  const char* file;
+  std::function<PageNumber(Workpiece&)> plant;  // returns the page that the finding must name, or 0
+  const char* finding;
 };
 
-constexpr const char *kCompuesto = "compound.mdb", *kIndices = "relations.mdb", *kMovidas = "moved.mdb",
-                     *kConsultas = "queries.mdb", *kDosPaginas = "long.mdb";
+constexpr const char *kCompound = "compound.mdb", *kIndices = "relations.mdb", *kMoved = "moved.mdb",
+                     *kQueries = "queries.mdb", *kTwoPages = "long.mdb";
 
 // Each in a copy of its own: the check finds nothing before, and afterwards an error with these words that
 // names the page.
-void Plantar(const std::vector<Dano>& danos);
+void Plant(const std::vector<PlantedDamage>& damages);
 
 }  // namespace mdb_test

@@ -10,60 +10,61 @@
 
 namespace {
 
-using mdb_test::Azar;
+using mdb_test::Random;
 
 // Mostly where the page says what it is and where its rows are.
-void Danar(mdb::Paginas& paginas, Azar& azar) {
-  for (unsigned i = 1 + azar.Hasta(12); i > 0; --i) {
-    mdb::Bytes& p = paginas.Modificar(1 + azar.Hasta(paginas.Cantidad() - 1));
-    const std::size_t donde = azar.Uno(2) ? azar.Hasta(64) : azar.Hasta(4096);
-    p[donde] = static_cast<std::uint8_t>(azar.Uno(2) ? azar.Hasta(256) : p[donde] ^ 1U << azar.Hasta(8));
+void Corrupt(mdb::PageFile& pages, Random& random) {
+  for (unsigned i = 1 + random.Below(12); i > 0; --i) {
+    mdb::Bytes& p = pages.Modify(1 + random.Below(pages.Count() - 1));
+    const std::size_t where = random.One(2) ? random.Below(64) : random.Below(4096);
+    p[where] =
+        static_cast<std::uint8_t>(random.One(2) ? random.Below(256) : p[where] ^ 1U << random.Below(8));
   }
 }
 
-void CambiarAlgo(mdb::Paginas& paginas, mdb::Definicion d, Azar& azar) {
-  mdb::Cambios cambios;
-  mdb::RecorrerFilas(paginas, d, [&](mdb::IdFila id, const mdb::Fila&) {
-    if (azar.Uno(3)) {
-      cambios.borradas.push_back(id);
-    } else if (azar.Uno(2)) {
-      const std::size_t c = azar.Hasta(static_cast<unsigned>(d.columnas.size()));
-      cambios.cambiadas.push_back({id, {{c, mdb_test::DatoAlAzar(azar, d.columnas[c], true)}}});
+void ChangeSomething(mdb::PageFile& pages, mdb::Definition d, Random& random) {
+  mdb::Changes changes;
+  mdb::WalkRows(pages, d, [&](mdb::RowId id, const mdb::Row&) {
+    if (random.One(3)) {
+      changes.deleted.push_back(id);
+    } else if (random.One(2)) {
+      const std::size_t c = random.Below(static_cast<unsigned>(d.columns.size()));
+      changes.changed.push_back({id, {{c, mdb_test::RandomDatum(random, d.columns[c], true)}}});
     }
-    return cambios.borradas.size() < 30;
+    return changes.deleted.size() < 30;
   });
-  for (unsigned i = azar.Hasta(40); i > 0; --i) {
-    mdb::Fila fila;
-    for (const auto& c : d.columnas) fila.push_back(mdb_test::DatoAlAzar(azar, c, true));
-    cambios.nuevas.push_back(std::move(fila));
+  for (unsigned i = random.Below(40); i > 0; --i) {
+    mdb::Row row;
+    for (const auto& c : d.columns) row.push_back(mdb_test::RandomDatum(random, c, true));
+    changes.inserted.push_back(std::move(row));
   }
-  mdb::Aplicar(paginas, d, cambios);
+  mdb::Apply(pages, d, changes);
 }
 
-TEST(EscribirEnDanados, EndsInAnErrorOrAChange) {
-  unsigned errores = 0, cambios = 0;
-  for (const char* archivo : {"relations.mdb", "long.mdb", "types.mdb", "moved.mdb"}) {
-    const auto paginas = mdb_test::LoadSample(archivo);
-    std::vector<mdb::NumPagina> tablas;
-    const mdb::Catalogo catalogo(*paginas);
-    for (const auto& o : catalogo.Objetos())
-      if (o.tipo == mdb::Objeto::Tabla && !o.nombre.starts_with("MSys"))
-        tablas.push_back(static_cast<mdb::NumPagina>(o.id));
-    for (unsigned semilla = 0; semilla < 150; ++semilla) {
-      Azar azar(semilla);
-      Danar(*paginas, azar);
-      for (const auto tabla : tablas) {
+TEST(WriteToDamaged, EndsInAnErrorOrAChange) {
+  unsigned errors = 0, changes = 0;
+  for (const char* file : {"relations.mdb", "long.mdb", "types.mdb", "moved.mdb"}) {
+    const auto pages = mdb_test::LoadSample(file);
+    std::vector<mdb::PageNumber> tables;
+    const mdb::SystemCatalog catalog(*pages);
+    for (const auto& o : catalog.Objects())
+      if (o.type == mdb::Object::Table && !o.name.starts_with("MSys"))
+        tables.push_back(static_cast<mdb::PageNumber>(o.id));
+    for (unsigned seed = 0; seed < 150; ++seed) {
+      Random random(seed);
+      Corrupt(*pages, random);
+      for (const auto table : tables) {
         // The damage may lie in the catalog alone, and a batch may be refused for its keys.
-        const bool hecho = base::AnyErrorNoted("damaged", nullptr, [&] {
-          for (int i = 0; i < 3; ++i) CambiarAlgo(*paginas, mdb::LeerDefinicion(*paginas, tabla), azar);
+        const bool done = base::AnyErrorNoted("damaged", nullptr, [&] {
+          for (int i = 0; i < 3; ++i) ChangeSomething(*pages, mdb::ReadDefinition(*pages, table), random);
         });
-        ++(hecho ? cambios : errores);
+        ++(done ? changes : errors);
       }
-      paginas->Deshacer();
+      pages->Rollback();
     }
   }
-  EXPECT_GT(errores, 100U);
-  EXPECT_GT(cambios, 20U);
+  EXPECT_GT(errors, 100U);
+  EXPECT_GT(changes, 20U);
 }
 
 }  // namespace

@@ -10,212 +10,212 @@
 
 namespace {
 
-using support::Bloque;
+using support::Block;
 
-std::vector<std::string> Lineas(const Bloque& b) { return base::Split(b.entrada, "\n"); }
+std::vector<std::string> Lines(const Block& b) { return base::Split(b.entry, "\n"); }
 
-mdb::Bytes DeHexadecimal(std::string_view texto) {
+mdb::Bytes FromHex(std::string_view text) {
   mdb::Bytes bytes;
-  int alto = -1;
-  for (const char c : texto) {
-    const int n = support::CifraHexa(c);
+  int high = -1;
+  for (const char c : text) {
+    const int n = support::HexDigit(c);
     if (n < 0) continue;
-    if (alto < 0) {
-      alto = n;
+    if (high < 0) {
+      high = n;
     } else {
-      bytes.push_back(static_cast<std::uint8_t>(alto * 16 + n));
-      alto = -1;
+      bytes.push_back(static_cast<std::uint8_t>(high * 16 + n));
+      high = -1;
     }
   }
   return bytes;
 }
 
-std::string Hexadecimal(mdb::Vista bytes) {
-  std::string texto;
+std::string Hexadecimal(mdb::View bytes) {
+  std::string text;
   for (const auto b : bytes) {
-    texto += "0123456789ABCDEF"[b >> 4];
-    texto += "0123456789ABCDEF"[b & 15];
+    text += "0123456789ABCDEF"[b >> 4];
+    text += "0123456789ABCDEF"[b & 15];
   }
-  return texto;
+  return text;
 }
 
-mdb::Cabecera Cabecera(const Bloque& b) {
-  mdb::Cabecera c;
-  if (b.Tiene("jet3")) {
+mdb::FileHeader Header(const Block& b) {
+  mdb::FileHeader c;
+  if (b.Has("jet3")) {
     c.version = mdb::Version::Jet3;
-    c.tamano_pagina = 2048;
+    c.page_size = 2048;
   }
-  c.pagina_de_codigos = static_cast<std::uint16_t>(std::stoi(b.Opcion("codigos", "1252")));
+  c.code_page = static_cast<std::uint16_t>(std::stoi(b.Option("codigos", "1252")));
   return c;
 }
 
 // What the step gives, or its error.
-template <typename Paso>
-std::string ConError(Paso&& paso) {
+template <typename Step>
+std::string WithError(Step&& step) {
   try {
-    return paso();
+    return step();
   } catch (const base::Error& e) {
-    return "error: " + e.Descripcion();
+    return "error: " + e.Description();
   }
 }
-template <typename Paso>
-std::string CadaLinea(const Bloque& b, Paso&& paso) {
-  std::string salida;
-  for (const auto& linea : Lineas(b)) salida += ConError([&] { return paso(linea); }) + "\n";
-  salida.pop_back();
-  return salida;
+template <typename Step>
+std::string ForEachLine(const Block& b, Step&& step) {
+  std::string output;
+  for (const auto& line : Lines(b)) output += WithError([&] { return step(line); }) + "\n";
+  output.pop_back();
+  return output;
 }
 
 // "attribute|order|name1|name2|expression|flag|extra"; "-" is Null, and so is what is missing at the end.
-mdb::FilaDeConsulta Fila(const std::string& linea) {
-  const auto piezas = base::Split(linea, "|");
-  const auto texto = [&](std::size_t i) -> std::optional<std::string> {
-    if (i >= piezas.size() || piezas[i] == "-") return {};
-    return support::Desescapar(piezas[i]);
+mdb::QueryRow Row(const std::string& line) {
+  const auto pieces = base::Split(line, "|");
+  const auto text = [&](std::size_t i) -> std::optional<std::string> {
+    if (i >= pieces.size() || pieces[i] == "-") return {};
+    return support::Unescape(pieces[i]);
   };
-  mdb::FilaDeConsulta f;
-  f.atributo = static_cast<std::uint8_t>(std::stoi(piezas[0]));
-  f.orden = static_cast<std::uint32_t>(std::stoul(piezas[1]));
-  f.nombre1 = texto(2);
-  f.nombre2 = texto(3);
-  f.expresion = texto(4);
-  if (const auto n = texto(5)) f.bandera = static_cast<std::int16_t>(std::stoi(*n));
-  if (const auto n = texto(6)) f.extra = std::stoi(*n);
+  mdb::QueryRow f;
+  f.attribute = static_cast<std::uint8_t>(std::stoi(pieces[0]));
+  f.order = static_cast<std::uint32_t>(std::stoul(pieces[1]));
+  f.name1 = text(2);
+  f.name2 = text(3);
+  f.expression = text(4);
+  if (const auto n = text(5)) f.flag = static_cast<std::int16_t>(std::stoi(*n));
+  if (const auto n = text(6)) f.extra = std::stoi(*n);
   return f;
 }
 
-mdb::ConsultaGuardada Consulta(const Bloque& b) {
-  mdb::ConsultaGuardada c;
-  c.nombre = "Q";
-  c.banderas = static_cast<std::uint32_t>(std::stoul(b.Opcion("banderas", "0"), nullptr, 0));
-  for (const auto& linea : Lineas(b))
-    if (!linea.empty()) c.filas.push_back(Fila(linea));
+mdb::SavedQuery Query(const Block& b) {
+  mdb::SavedQuery c;
+  c.name = "Q";
+  c.flags = static_cast<std::uint32_t>(std::stoul(b.Option("banderas", "0"), nullptr, 0));
+  for (const auto& line : Lines(b))
+    if (!line.empty()) c.rows.push_back(Row(line));
   return c;
 }
 
-std::string TextoDeClase(const Bloque& b) {
-  return ConError([&] {
-    const auto clase = mdb::ClaseDe(Consulta(b));
-    return std::string(engine_mdb::KindName(clase)) + (engine_mdb::GivesRows(clase) ? ", gives rows" : "");
+std::string KindText(const Block& b) {
+  return WithError([&] {
+    const auto kind = mdb::KindOf(Query(b));
+    return std::string(engine_mdb::KindName(kind)) + (engine_mdb::GivesRows(kind) ? ", gives rows" : "");
   });
 }
 
-std::string TextoDeDecimal(const mdb::Decimal& d) {
-  std::string magnitud;
-  for (const auto palabra : d.magnitud) {
+std::string DecimalText(const mdb::Decimal& d) {
+  std::string magnitude;
+  for (const auto word : d.magnitude) {
     mdb::Bytes bytes;
-    mdb::Agregar32(bytes, palabra);
-    magnitud += Hexadecimal(mdb::Bytes(bytes.rbegin(), bytes.rend()));
+    mdb::Append32(bytes, word);
+    magnitude += Hexadecimal(mdb::Bytes(bytes.rbegin(), bytes.rend()));
   }
-  magnitud.erase(0, std::min(magnitud.find_first_not_of('0'), magnitud.size() - 1));
-  return d.Texto() + " " + (d.negativo ? "-" : "+") + magnitud;
+  magnitude.erase(0, std::min(magnitude.find_first_not_of('0'), magnitude.size() - 1));
+  return d.Text() + " " + (d.negative ? "-" : "+") + magnitude;
 }
 
-struct MostrarDato {
-  std::string operator()(base::Nulo) const { return "NULL"; }
+struct ShowDatum {
+  std::string operator()(base::Null) const { return "NULL"; }
   std::string operator()(bool v) const { return v ? "True" : "False"; }
   std::string operator()(std::int64_t v) const { return std::to_string(v); }
-  std::string operator()(float v) const { return base::Valor(v).TextoCsv() + "f"; }
-  std::string operator()(double v) const { return base::Valor(v).TextoCsv(); }
-  std::string operator()(base::Moneda v) const { return base::Valor(v).TextoCsv() + "$"; }
-  std::string operator()(base::Fecha v) const { return base::FechaIso(v); }
-  std::string operator()(const std::string& v) const { return v.empty() ? "(empty)" : support::Escapado(v); }
+  std::string operator()(float v) const { return base::Value(v).CsvText() + "f"; }
+  std::string operator()(double v) const { return base::Value(v).CsvText(); }
+  std::string operator()(base::Currency v) const { return base::Value(v).CsvText() + "$"; }
+  std::string operator()(base::Date v) const { return base::IsoDate(v); }
+  std::string operator()(const std::string& v) const { return v.empty() ? "(empty)" : support::Escaped(v); }
   std::string operator()(const mdb::Bytes& v) const { return "0x" + Hexadecimal(v); }
-  std::string operator()(const mdb::Guid& v) const { return v.Texto(); }
-  std::string operator()(const mdb::Decimal& v) const { return v.Texto(); }
+  std::string operator()(const mdb::Guid& v) const { return v.Text(); }
+  std::string operator()(const mdb::Decimal& v) const { return v.Text(); }
 };
 
 // Lines "name type number fixed offset length" or "name type number variable place length", then "--", then
 // rows in hexadecimal. One line a row.
-std::string Filas(const Bloque& b) {
-  const auto cabecera = Cabecera(b);
-  mdb::PaginasEnMemoria paginas(cabecera, {});
-  mdb::Definicion d;
-  bool columnas = true;
-  std::string salida;
-  for (const auto& linea : Lineas(b)) {
-    if (linea == "--") {
-      columnas = false;
-    } else if (columnas) {
-      const auto p = base::Split(linea, " ");
-      mdb::Columna c;
-      c.nombre = p.at(0);
-      c.tipo = static_cast<mdb::TipoColumna>(std::stoi(p.at(1)));
-      c.numero = static_cast<std::uint16_t>(std::stoi(p.at(2)));
-      const auto lugar = static_cast<std::uint16_t>(std::stoi(p.at(4)));
+std::string Rows(const Block& b) {
+  const auto header = Header(b);
+  mdb::MemoryPages pages(header, {});
+  mdb::Definition d;
+  bool columns = true;
+  std::string output;
+  for (const auto& line : Lines(b)) {
+    if (line == "--") {
+      columns = false;
+    } else if (columns) {
+      const auto p = base::Split(line, " ");
+      mdb::Column c;
+      c.name = p.at(0);
+      c.type = static_cast<mdb::ColumnType>(std::stoi(p.at(1)));
+      c.number = static_cast<std::uint16_t>(std::stoi(p.at(2)));
+      const auto place = static_cast<std::uint16_t>(std::stoi(p.at(4)));
       if (p.at(3) == "fixed") {
-        c.banderas |= mdb::Columna::kFija;
-        c.desplazamiento = lugar;
+        c.flags |= mdb::Column::kFixed;
+        c.offset = place;
       } else {
-        c.variable = lugar;
-        d.variables = std::max<std::uint16_t>(d.variables, static_cast<std::uint16_t>(lugar + 1));
+        c.variable = place;
+        d.variables = std::max<std::uint16_t>(d.variables, static_cast<std::uint16_t>(place + 1));
       }
-      if (p.size() > 5) c.largo = static_cast<std::uint16_t>(std::stoi(p.at(5)));
-      if (p.size() > 6) c.banderas_ext = static_cast<std::uint8_t>(std::stoi(p.at(6)));
-      d.columnas.push_back(c);
-      d.max_columnas = std::max<std::uint16_t>(d.max_columnas, static_cast<std::uint16_t>(c.numero + 1));
+      if (p.size() > 5) c.length = static_cast<std::uint16_t>(std::stoi(p.at(5)));
+      if (p.size() > 6) c.extended_flags = static_cast<std::uint8_t>(std::stoi(p.at(6)));
+      d.columns.push_back(c);
+      d.max_columns = std::max<std::uint16_t>(d.max_columns, static_cast<std::uint16_t>(c.number + 1));
     } else {
-      const auto bytes = DeHexadecimal(linea);
-      salida += ConError([&] {
-        std::vector<std::string> celdas;
-        const auto crudos = mdb::PartirFila(cabecera, d, bytes);
-        for (std::size_t i = 0; i < crudos.size(); ++i)
-          celdas.push_back(
-              crudos[i] ? std::visit(MostrarDato{}, mdb::Decodificar(paginas, d.columnas[i], *crudos[i]))
-                        : "NULL");
-        return base::Join(celdas, "|");
+      const auto bytes = FromHex(line);
+      output += WithError([&] {
+        std::vector<std::string> cells;
+        const auto raw_values = mdb::SplitRow(header, d, bytes);
+        for (std::size_t i = 0; i < raw_values.size(); ++i)
+          cells.push_back(raw_values[i]
+                              ? std::visit(ShowDatum{}, mdb::Decode(pages, d.columns[i], *raw_values[i]))
+                              : "NULL");
+        return base::Join(cells, "|");
       });
-      salida += "\n";
+      output += "\n";
     }
   }
-  if (!salida.empty()) salida.pop_back();
-  return salida;
+  if (!output.empty()) output.pop_back();
+  return output;
 }
 
-std::string Propiedades(const Bloque& b) {
-  return ConError([&] {
-    const auto bytes = DeHexadecimal(b.entrada);
-    const auto propiedades = mdb::LeerPropiedades(Cabecera(b), bytes);
-    std::string salida;
-    for (const auto& [dueno, lista] : propiedades)
-      for (const auto& p : lista)
-        salida += (dueno.empty() ? "(table)" : dueno) + "." + p.nombre + " " + std::to_string(p.tipo) +
-                  (p.ddl ? " ddl " : " ") + std::visit(MostrarDato{}, p.valor) + "\n";
-    if (b.Tiene("igual"))
-      salida += mdb::SerializarPropiedades(propiedades) == bytes ? "the same when written\n"
-                                                                 : "written otherwise\n";
-    if (!salida.empty()) salida.pop_back();
-    return salida.empty() ? std::string("(none)") : salida;
+std::string PropertiesText(const Block& b) {
+  return WithError([&] {
+    const auto bytes = FromHex(b.entry);
+    const auto properties = mdb::ReadProperties(Header(b), bytes);
+    std::string output;
+    for (const auto& [owner, list] : properties)
+      for (const auto& p : list)
+        output += (owner.empty() ? "(table)" : owner) + "." + p.name + " " + std::to_string(p.type) +
+                  (p.ddl ? " ddl " : " ") + std::visit(ShowDatum{}, p.value) + "\n";
+    if (b.Has("igual"))
+      output +=
+          mdb::SerializeProperties(properties) == bytes ? "the same when written\n" : "written otherwise\n";
+    if (!output.empty()) output.pop_back();
+    return output.empty() ? std::string("(none)") : output;
   });
 }
 
-support::Verbos Preparar() {
-  support::Verbos v;
-  v["query"] = [](const Bloque& b) {
-    return ConError([&] { return support::Escapado(engine_mdb::QueryText(Consulta(b))); });
+support::Verbs Prepare() {
+  support::Verbs v;
+  v["query"] = [](const Block& b) {
+    return WithError([&] { return support::Escaped(engine_mdb::QueryText(Query(b))); });
   };
-  v["kind"] = TextoDeClase;
-  v["decimal"] = [](const Bloque& b) {
-    const auto escala = static_cast<std::uint8_t>(std::stoi(b.Opcion("escala", "0")));
-    return CadaLinea(b, [&](const std::string& linea) {
-      const auto d = mdb::DecimalDeTexto(linea, escala);
-      return TextoDeDecimal(d);
+  v["kind"] = KindText;
+  v["decimal"] = [](const Block& b) {
+    const auto scale = static_cast<std::uint8_t>(std::stoi(b.Option("escala", "0")));
+    return ForEachLine(b, [&](const std::string& line) {
+      const auto d = mdb::DecimalFromText(line, scale);
+      return DecimalText(d);
     });
   };
-  v["guid"] = [](const Bloque& b) {
-    return CadaLinea(b, [](const std::string& linea) { return mdb::GuidDeTexto(linea).Texto(); });
+  v["guid"] = [](const Block& b) {
+    return ForEachLine(b, [](const std::string& line) { return mdb::GuidFromText(line).Text(); });
   };
-  v["text"] = [](const Bloque& b) {
-    return CadaLinea(b, [&](const std::string& linea) {
-      const auto texto = mdb::DecodificarTexto(Cabecera(b), DeHexadecimal(linea));
-      return texto.empty() ? std::string("(empty)") : support::Escapado(texto);
+  v["text"] = [](const Block& b) {
+    return ForEachLine(b, [&](const std::string& line) {
+      const auto text = mdb::DecodeText(Header(b), FromHex(line));
+      return text.empty() ? std::string("(empty)") : support::Escaped(text);
     });
   };
-  v["rows"] = Filas;
-  v["properties"] = Propiedades;
+  v["rows"] = Rows;
+  v["properties"] = PropertiesText;
   return v;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) { return support::EjecutarArchivos(argc, argv, Preparar); }
+int main(int argc, char** argv) { return support::RunFiles(argc, argv, Prepare); }

@@ -11,7 +11,7 @@
 namespace {
 
 // Prints what the independent reader finds in the definitions of a file's tables.
-const char* const kPrograma = R"PY(
+const char* const kProgram = R"PY(
 import sys
 sys.path.insert(0, sys.argv[1].rsplit('/', 1)[0])
 import jet
@@ -35,51 +35,51 @@ for pg, r, row in cat.rows():
         print('L', x.name, x.num, x.data, x.rtype, x.rnum, x.rpage, x.cu, x.cd, x.type)
 )PY";
 
-std::string Descrita(const mdb::Definicion& d) {
+std::string Described(const mdb::Definition& d) {
   std::string s = "T";
   const auto n = [&](auto v) { s += " " + std::to_string(v); };
-  const auto puntero = [&](mdb::Puntero p) {
-    n(p.pagina);
-    n(p.fila);
+  const auto pointer = [&](mdb::Pointer p) {
+    n(p.page);
+    n(p.row);
   };
-  n(d.Pagina());
-  n(d.filas);
-  n(d.ultimo_automatico);
-  n(d.clase);
-  n(d.max_columnas);
+  n(d.Page());
+  n(d.rows);
+  n(d.last_auto_number);
+  n(d.kind);
+  n(d.max_columns);
   n(d.variables);
-  puntero(d.propias);
-  puntero(d.libres);
-  for (const auto p : d.paginas) n(p);
-  for (const auto& c : d.columnas) {
-    s += "\nC " + c.nombre;
-    n(static_cast<int>(c.tipo));
-    for (const int v : {c.numero, c.variable, c.posicion, c.lcid}) n(v);
-    for (const int v : {int{c.banderas}, int{c.banderas_ext}, int{c.desplazamiento}, int{c.largo}}) n(v);
-    puntero(c.lv_propias);
-    puntero(c.lv_libres);
+  pointer(d.owned_pages);
+  pointer(d.free_pages);
+  for (const auto p : d.pages) n(p);
+  for (const auto& c : d.columns) {
+    s += "\nC " + c.name;
+    n(static_cast<int>(c.type));
+    for (const int v : {c.number, c.variable, c.position, c.lcid}) n(v);
+    for (const int v : {int{c.flags}, int{c.extended_flags}, int{c.offset}, int{c.length}}) n(v);
+    pointer(c.lv_owned_pages);
+    pointer(c.lv_free_pages);
     n(c.precision);
-    n(c.escala);
+    n(c.scale);
   }
-  for (const auto& r : d.reales) {
+  for (const auto& r : d.reals) {
     s += "\nR";
-    for (const auto& p : r.partes) s += " " + std::to_string(p.columna) + (p.descendente ? "-" : "+");
-    puntero(r.mapa);
-    n(r.raiz);
-    n(r.banderas);
-    n(r.entradas);
-    n(r.distintas);
+    for (const auto& p : r.parts) s += " " + std::to_string(p.column) + (p.descending ? "-" : "+");
+    pointer(r.map);
+    n(r.root);
+    n(r.flags);
+    n(r.entries);
+    n(r.distinct);
   }
-  for (const auto& l : d.logicos) {
-    s += "\nL " + l.nombre;
-    n(l.numero);
+  for (const auto& l : d.logicals) {
+    s += "\nL " + l.name;
+    n(l.number);
     n(l.real);
-    n(l.lado);
-    n(l.otro_indice);
-    n(l.otra_tabla);
-    n(l.actualiza_en_cascada);
-    n(l.borra_en_cascada);
-    n(l.clase);
+    n(l.side);
+    n(l.other_index);
+    n(l.other_table);
+    n(l.cascades_updates);
+    n(l.cascades_deletes);
+    n(l.kind);
   }
   return s + "\n";
 }
@@ -89,21 +89,21 @@ class Definitions : public testing::TestWithParam<std::string> {};
 // The reader is an extra, beside the further files: without it there is no such case. What the samples hold
 // is compared with what was put in (samples_test.cpp).
 TEST_P(Definitions, AreReadAsTheIndependentReaderReadsThem) {
-  const auto paginas = mdb_test::Cargar(GetParam());
-  const mdb::Catalogo catalogo(*paginas);
-  std::string nuestro;
-  for (const auto& o : catalogo.Objetos())
-    if (o.tipo == mdb::Objeto::Tabla)
-      nuestro += Descrita(mdb::LeerDefinicion(*paginas, static_cast<mdb::NumPagina>(o.id)));
-  const std::string suyo = mdb_test::Salida("python3 -c " + mdb_test::Entrecomillado(kPrograma) + " " +
-                                            mdb_test::Entrecomillado(mdb_test::HerramientaDeControl()) + " " +
-                                            mdb_test::Entrecomillado(GetParam()));
-  EXPECT_EQ(nuestro, suyo);
-  EXPECT_NE(nuestro, "");
+  const auto pages = mdb_test::Load(GetParam());
+  const mdb::SystemCatalog catalog(*pages);
+  std::string ours;
+  for (const auto& o : catalog.Objects())
+    if (o.type == mdb::Object::Table)
+      ours += Described(mdb::ReadDefinition(*pages, static_cast<mdb::PageNumber>(o.id)));
+  const std::string theirs =
+      mdb_test::Output("python3 -c " + mdb_test::Quoted(kProgram) + " " +
+                       mdb_test::Quoted(mdb_test::CheckingTool()) + " " + mdb_test::Quoted(GetParam()));
+  EXPECT_EQ(ours, theirs);
+  EXPECT_NE(ours, "");
 }
 
 std::vector<std::string> FilesOfTheReader() {
-  if (mdb_test::HerramientaDeControl().empty()) return {};
+  if (mdb_test::CheckingTool().empty()) return {};
   auto paths = mdb_test::EveryFile();
   std::erase_if(paths, [](const std::string& p) { return p.find("encrypted") != std::string::npos; });
   return paths;

@@ -10,130 +10,130 @@
 
 namespace {
 
-mdb::PaginasEnMemoria Nueva() {
-  mdb::Bytes bytes = mdb::NuevaBase(3082, base::FechaDe(2026, 11, 21));
-  const mdb::Cabecera cabecera = mdb::LeerCabecera(bytes);
-  return {cabecera, std::move(bytes)};
+mdb::MemoryPages MakeNew() {
+  mdb::Bytes bytes = mdb::MakeDatabase(3082, base::MakeDate(2026, 11, 21));
+  const mdb::FileHeader header = mdb::ReadHeader(bytes);
+  return {header, std::move(bytes)};
 }
 
 // What is read from the pages, serialized: two definitions are alike exactly when these bytes are.
-mdb::Bytes DePaginas(mdb::Paginas& paginas, mdb::NumPagina numero) {
-  return mdb::SerializarDefinicion(mdb::LeerDefinicion(paginas, numero));
+mdb::Bytes PageBytes(mdb::PageFile& pages, mdb::PageNumber number) {
+  return mdb::SerializeDefinition(mdb::ReadDefinition(pages, number));
 }
 
-mdb::Columna Texto(std::uint16_t numero, std::size_t letras) {
-  mdb::Columna c;
-  c.nombre = std::to_string(numero);
-  c.nombre.resize(letras, 'x');
-  c.tipo = mdb::TipoColumna::Texto;
-  c.numero = c.variable = numero;
+mdb::Column Text(std::uint16_t number, std::size_t letters) {
+  mdb::Column c;
+  c.name = std::to_string(number);
+  c.name.resize(letters, 'x');
+  c.type = mdb::ColumnType::Text;
+  c.number = c.variable = number;
   c.lcid = 3082;
-  c.largo = 510;
+  c.length = 510;
   return c;
 }
 
-mdb::Definicion DeTextos(std::uint16_t cantidad, std::size_t letras) {
-  mdb::Definicion d;
-  for (std::uint16_t i = 0; i < cantidad; ++i) d.columnas.push_back(Texto(i, letras));
-  d.max_columnas = d.variables = cantidad;
+mdb::Definition TableOfTexts(std::uint16_t count, std::size_t letters) {
+  mdb::Definition d;
+  for (std::uint16_t i = 0; i < count; ++i) d.columns.push_back(Text(i, letters));
+  d.max_columns = d.variables = count;
   return d;
 }
 
 // Every table of every file, written again in place: the same pages, the same definition, a sound file.
-TEST(EscribirDefinicion, WritesTheTablesOfOthersAsTheyWere) {
-  int tablas = 0;
-  for (const auto& ruta : mdb_test::EveryFile()) {
-    SCOPED_TRACE(ruta);
-    const auto paginas = mdb_test::Cargar(ruta);
-    if (paginas->Cab().version != mdb::Version::Jet4) continue;
-    const mdb::Catalogo catalogo(*paginas);
-    for (const auto& o : catalogo.Objetos()) {
-      if (o.tipo != mdb::Objeto::Tabla) continue;
-      SCOPED_TRACE(o.nombre);
-      auto d = mdb::LeerDefinicion(*paginas, static_cast<mdb::NumPagina>(o.id));
-      const auto antes = mdb::SerializarDefinicion(d);
+TEST(WriteDefinition, WritesTheTablesOfOthersAsTheyWere) {
+  int tables = 0;
+  for (const auto& path : mdb_test::EveryFile()) {
+    SCOPED_TRACE(path);
+    const auto pages = mdb_test::Load(path);
+    if (pages->Header().version != mdb::Version::Jet4) continue;
+    const mdb::SystemCatalog catalog(*pages);
+    for (const auto& o : catalog.Objects()) {
+      if (o.type != mdb::Object::Table) continue;
+      SCOPED_TRACE(o.name);
+      auto d = mdb::ReadDefinition(*pages, static_cast<mdb::PageNumber>(o.id));
+      const auto before = mdb::SerializeDefinition(d);
       // The whole length is what the original program wrote too.
-      EXPECT_EQ(antes.size(), mdb::U32(*paginas->Leer(d.Pagina()), 8));
-      const auto suyas = d.paginas;
-      const auto libres = mdb::U16(*paginas->Leer(d.Pagina()), 2);
-      mdb::EscribirDefinicion(*paginas, d);
-      EXPECT_EQ(d.paginas, suyas);
-      EXPECT_EQ(mdb::U16(*paginas->Leer(d.Pagina()), 2), libres);
-      EXPECT_EQ(DePaginas(*paginas, d.Pagina()), antes);
-      ++tablas;
+      EXPECT_EQ(before.size(), mdb::U32(*pages->Read(d.Page()), 8));
+      const auto its = d.pages;
+      const auto free_bytes = mdb::U16(*pages->Read(d.Page()), 2);
+      mdb::WriteDefinition(*pages, d);
+      EXPECT_EQ(d.pages, its);
+      EXPECT_EQ(mdb::U16(*pages->Read(d.Page()), 2), free_bytes);
+      EXPECT_EQ(PageBytes(*pages, d.Page()), before);
+      ++tables;
     }
-    paginas->Confirmar();
-    if (paginas->Cab().clave == 0) {  // the checker does not decrypt
-      EXPECT_EQ(mdb_test::Controlar(paginas->Guardado(), false), "");
+    pages->Commit();
+    if (pages->Header().key == 0) {  // the checker does not decrypt
+      EXPECT_EQ(mdb_test::RunChecker(pages->Stored(), false), "");
     }
   }
-  EXPECT_GT(tablas, 50);
+  EXPECT_GT(tables, 50);
 }
 
-TEST(EscribirDefinicion, GrowsOverPagesAndShrinksBackKeepingTheFirst) {
-  auto paginas = Nueva();
-  auto d = DeTextos(3, 10);
-  mdb::EscribirDefinicion(paginas, d);
-  ASSERT_EQ(d.paginas.size(), 1U);
-  const auto primera = d.Pagina();
-  d = DeTextos(255, 60);
-  d.paginas = {primera};
-  mdb::EscribirDefinicion(paginas, d);
+TEST(WriteDefinition, GrowsOverPagesAndShrinksBackKeepingTheFirst) {
+  auto pages = MakeNew();
+  auto d = TableOfTexts(3, 10);
+  mdb::WriteDefinition(pages, d);
+  ASSERT_EQ(d.pages.size(), 1U);
+  const auto first = d.Page();
+  d = TableOfTexts(255, 60);
+  d.pages = {first};
+  mdb::WriteDefinition(pages, d);
   // 63 + 255 * (25 + 2 + 120) + 2 bytes: 4096 on the first page, 4088 on each other.
-  ASSERT_EQ(d.paginas.size(), 10U);
-  EXPECT_EQ(d.Pagina(), primera);
-  EXPECT_EQ(DePaginas(paginas, primera), mdb::SerializarDefinicion(d));
-  EXPECT_EQ(mdb::LeerDefinicion(paginas, primera).paginas, d.paginas);
-  const auto todas = paginas.Cantidad();
-  auto corta = DeTextos(100, 10);
-  corta.paginas = d.paginas;
-  mdb::EscribirDefinicion(paginas, corta);
-  EXPECT_EQ(corta.paginas.size(), 2U);
-  EXPECT_EQ(DePaginas(paginas, primera), mdb::SerializarDefinicion(corta));
+  ASSERT_EQ(d.pages.size(), 10U);
+  EXPECT_EQ(d.Page(), first);
+  EXPECT_EQ(PageBytes(pages, first), mdb::SerializeDefinition(d));
+  EXPECT_EQ(mdb::ReadDefinition(pages, first).pages, d.pages);
+  const auto all = pages.Count();
+  auto shorter = TableOfTexts(100, 10);
+  shorter.pages = d.pages;
+  mdb::WriteDefinition(pages, shorter);
+  EXPECT_EQ(shorter.pages.size(), 2U);
+  EXPECT_EQ(PageBytes(pages, first), mdb::SerializeDefinition(shorter));
   // The pages that it gave back serve the next one.
-  auto otra = DeTextos(200, 60);
-  mdb::EscribirDefinicion(paginas, otra);
-  EXPECT_EQ(paginas.Cantidad(), todas);
+  auto other = TableOfTexts(200, 60);
+  mdb::WriteDefinition(pages, other);
+  EXPECT_EQ(pages.Count(), all);
 }
 
 // A definition that ends exactly with its page has no second one; one byte more has.
-TEST(EscribirDefinicion, FillsAPageToItsLastByte) {
+TEST(WriteDefinition, FillsAPageToItsLastByte) {
   // Names have whole characters of two bytes: 65 bytes and 27 a column are odd or even with the columns.
-  for (const std::size_t sobran : {0U, 1U}) {
-    auto paginas = Nueva();
-    const std::uint16_t columnas = 31;
-    std::size_t faltan = 4096 + sobran - (63 + columnas * 27 + 2);
-    ASSERT_EQ(faltan % 2, sobran == 0 ? 0U : 1U);
-    if (sobran != 0) faltan += 1;
-    auto d = DeTextos(columnas, 2);
-    faltan -= columnas * 4;
-    for (auto& c : d.columnas) {
-      const std::size_t letras = std::min<std::size_t>(faltan / 2, 62);
-      c.nombre.resize(2 + letras, 'y');
-      faltan -= letras * 2;
+  for (const std::size_t surplus : {0U, 1U}) {
+    auto pages = MakeNew();
+    const std::uint16_t columns = 31;
+    std::size_t missing = 4096 + surplus - (63 + columns * 27 + 2);
+    ASSERT_EQ(missing % 2, surplus == 0 ? 0U : 1U);
+    if (surplus != 0) missing += 1;
+    auto d = TableOfTexts(columns, 2);
+    missing -= columns * 4;
+    for (auto& c : d.columns) {
+      const std::size_t letters = std::min<std::size_t>(missing / 2, 62);
+      c.name.resize(2 + letters, 'y');
+      missing -= letters * 2;
     }
-    ASSERT_EQ(faltan, 0U);
-    mdb::EscribirDefinicion(paginas, d);
-    EXPECT_EQ(d.paginas.size(), sobran == 0 ? 1U : 2U);
-    EXPECT_EQ(mdb::U16(*paginas.Leer(d.Pagina()), 2), 0);
-    EXPECT_EQ(DePaginas(paginas, d.Pagina()), mdb::SerializarDefinicion(d));
+    ASSERT_EQ(missing, 0U);
+    mdb::WriteDefinition(pages, d);
+    EXPECT_EQ(d.pages.size(), surplus == 0 ? 1U : 2U);
+    EXPECT_EQ(mdb::U16(*pages.Read(d.Page()), 2), 0);
+    EXPECT_EQ(PageBytes(pages, d.Page()), mdb::SerializeDefinition(d));
   }
 }
 
-TEST(EscribirDefinicion, RefusesWhatTheFormatCannotHold) {
-  auto paginas = Nueva();
-  auto d = DeTextos(256, 5);
-  EXPECT_THROW(mdb::EscribirDefinicion(paginas, d), base::Error);
-  d = DeTextos(3, 5);
-  d.reales.emplace_back().partes.resize(11);
-  EXPECT_THROW(mdb::EscribirDefinicion(paginas, d), base::Error);
-  EXPECT_FALSE(paginas.HayCambios());
+TEST(WriteDefinition, RefusesWhatTheFormatCannotHold) {
+  auto pages = MakeNew();
+  auto d = TableOfTexts(256, 5);
+  EXPECT_THROW(mdb::WriteDefinition(pages, d), base::Error);
+  d = TableOfTexts(3, 5);
+  d.reals.emplace_back().parts.resize(11);
+  EXPECT_THROW(mdb::WriteDefinition(pages, d), base::Error);
+  EXPECT_FALSE(pages.HasChanges());
 }
 
-TEST(EscribirDefinicion, OtherFormatsAreOnlyRead) {
-  const auto paginas = mdb_test::LoadSample("queries97.mdb");
-  auto d = mdb::LeerDefinicion(*paginas, 2);
-  EXPECT_THROW(mdb::EscribirDefinicion(*paginas, d), base::Error);
+TEST(WriteDefinition, OtherFormatsAreOnlyRead) {
+  const auto pages = mdb_test::LoadSample("queries97.mdb");
+  auto d = mdb::ReadDefinition(*pages, 2);
+  EXPECT_THROW(mdb::WriteDefinition(*pages, d), base::Error);
 }
 
 }  // namespace

@@ -8,25 +8,25 @@
 
 namespace mdb_test {
 
-struct TablaExportada {
-  bool hay = false;  // mdb-export knows the table
-  std::vector<std::string> columnas;
-  std::vector<std::vector<std::string>> filas;
+struct ExportedTable {
+  bool found = false;  // mdb-export knows the table
+  std::vector<std::string> columns;
+  std::vector<std::vector<std::string>> rows;
 };
 
-// What mdb-export says of a table of the file at `ruta`: binary as hexadecimal, dates as ISO with their time,
-// Null as the text kNuloExportado.
-TablaExportada Exportar(const std::string& ruta, const std::string& tabla);
-inline const std::string kNuloExportado = "<~null~>";
+// What mdb-export says of a table of the file at `path`: binary as hexadecimal, dates as ISO with their time,
+// Null as the text kExportedNull.
+ExportedTable Export(const std::string& path, const std::string& table);
+inline const std::string kExportedNull = "<~null~>";
 
 // The same from our reading, columns in the order of display.
-TablaExportada Leida(mdb::Paginas& paginas, const mdb::Definicion& definicion);
+ExportedTable TableAsRead(mdb::PageFile& pages, const mdb::Definition& definition);
 // One value as mdb-export prints it.
-std::string TextoExportado(const mdb::Columna& columna, const mdb::Dato& dato);
+std::string ExportedText(const mdb::Column& column, const mdb::Datum& datum);
 
 // Runs a command and gives its standard output.
-std::string Salida(const std::string& orden);
+std::string Output(const std::string& order);
 // For the shell.
-std::string Entrecomillado(const std::string& texto);
+std::string Quoted(const std::string& text);
 
 }  // namespace mdb_test

@@ -13,127 +13,127 @@
 
 namespace {
 
-struct Cuenta {
-  std::size_t leidos = 0, errores = 0, filas = 0;
+struct Tally {
+  std::size_t read_count = 0, errors = 0, rows = 0;
 };
 
-template <typename Paso>
-void Intentar(Cuenta& cuenta, Paso&& paso) {
+template <typename Step>
+void Try(Tally& tally, Step&& step) {
   try {
-    paso();
-    ++cuenta.leidos;
+    step();
+    ++tally.read_count;
   } catch (const base::Error& e) {
-    EXPECT_FALSE(e.Descripcion().empty());
-    ++cuenta.errores;
+    EXPECT_FALSE(e.Description().empty());
+    ++tally.errors;
   }
 }
 
-void LeerTabla(mdb::Paginas& paginas, const mdb::Objeto& o, Cuenta& cuenta) {
-  const auto definicion = mdb::LeerDefinicion(paginas, static_cast<mdb::NumPagina>(o.id));
-  std::vector<mdb::IdFila> filas;
-  Intentar(cuenta, [&] {
-    mdb::RecorrerFilas(paginas, definicion, [&](mdb::IdFila id, const mdb::Fila&) {
-      filas.push_back(id);
-      ++cuenta.filas;
-      return filas.size() < 3000;
+void ReadTable(mdb::PageFile& pages, const mdb::Object& o, Tally& tally) {
+  const auto definition = mdb::ReadDefinition(pages, static_cast<mdb::PageNumber>(o.id));
+  std::vector<mdb::RowId> rows;
+  Try(tally, [&] {
+    mdb::WalkRows(pages, definition, [&](mdb::RowId id, const mdb::Row&) {
+      rows.push_back(id);
+      ++tally.rows;
+      return rows.size() < 3000;
     });
   });
-  for (std::size_t i = 0; i < filas.size(); i += 7)
-    Intentar(cuenta, [&] { mdb::LeerFila(paginas, definicion, filas[i]); });
-  for (const auto mapa : {definicion.propias, definicion.libres}) {
-    Intentar(cuenta, [&] { mdb::PaginasDelMapa(paginas, mapa); });
-    Intentar(cuenta, [&] { mdb::EnMapa(paginas, mapa, 40); });
+  for (std::size_t i = 0; i < rows.size(); i += 7)
+    Try(tally, [&] { mdb::ReadRow(pages, definition, rows[i]); });
+  for (const auto map : {definition.owned_pages, definition.free_pages}) {
+    Try(tally, [&] { mdb::PagesOfMap(pages, map); });
+    Try(tally, [&] { mdb::IsInMap(pages, map, 40); });
   }
-  for (const auto& indice : definicion.reales) Intentar(cuenta, [&] { mdb::LeerMapa(paginas, indice.mapa); });
+  for (const auto& index : definition.reals) Try(tally, [&] { mdb::ReadMap(pages, index.map); });
 }
 
 // All that this side of the module reads.
-Cuenta LeerTodo(const mdb::Bytes& bytes) {
-  Cuenta cuenta;
-  Intentar(cuenta, [&] {
-    const auto cabecera = mdb::LeerCabecera(bytes);
-    mdb::PaginasEnMemoria paginas(cabecera, bytes);
-    Intentar(cuenta, [&] { mdb::LeerMapa(paginas, {1, 0}); });
-    const mdb::Catalogo catalogo(paginas);
-    Intentar(cuenta, [&] { catalogo.Relaciones(); });
-    for (const auto& o : catalogo.Objetos()) {
-      Intentar(cuenta, [&] { mdb::LeerPropiedades(cabecera, o.propiedades); });
-      if (o.tipo == mdb::Objeto::Tabla) Intentar(cuenta, [&] { LeerTabla(paginas, o, cuenta); });
-      if (o.tipo == mdb::Objeto::Consulta)
-        Intentar(cuenta, [&] { engine_mdb::QueryText(catalogo.ConsultaDe(o.nombre)); });
+Tally ReadAll(const mdb::Bytes& bytes) {
+  Tally tally;
+  Try(tally, [&] {
+    const auto header = mdb::ReadHeader(bytes);
+    mdb::MemoryPages pages(header, bytes);
+    Try(tally, [&] { mdb::ReadMap(pages, {1, 0}); });
+    const mdb::SystemCatalog catalog(pages);
+    Try(tally, [&] { catalog.Relationships(); });
+    for (const auto& o : catalog.Objects()) {
+      Try(tally, [&] { mdb::ReadProperties(header, o.properties); });
+      if (o.type == mdb::Object::Table) Try(tally, [&] { ReadTable(pages, o, tally); });
+      if (o.type == mdb::Object::Query) Try(tally, [&] { engine_mdb::QueryText(catalog.QueryOf(o.name)); });
     }
   });
-  return cuenta;
+  return tally;
 }
 
-class Danador {
+class Corrupter {
  public:
-  explicit Danador(unsigned semilla) : azar_(semilla) {}
+  explicit Corrupter(unsigned seed) : random_(seed) {}
 
   // A few bytes changed: mostly those that say where things are, at the start and the end of a page.
-  void Danar(mdb::Bytes& bytes, std::size_t pagina) {
-    for (unsigned i = 0, veces = 1 + azar_() % 8; i < veces; ++i) {
-      const std::size_t base = azar_() % (bytes.size() / pagina) * pagina;
-      std::size_t lugar = azar_() % pagina;
-      if (const unsigned cual = azar_() % 4; cual == 0) {
-        lugar = azar_() % 128;
-      } else if (cual == 1) {
-        lugar = pagina - 1 - azar_() % 256;
+  void Corrupt(mdb::Bytes& bytes, std::size_t page) {
+    for (unsigned i = 0, times = 1 + random_() % 8; i < times; ++i) {
+      const std::size_t base = random_() % (bytes.size() / page) * page;
+      std::size_t place = random_() % page;
+      if (const unsigned which = random_() % 4; which == 0) {
+        place = random_() % 128;
+      } else if (which == 1) {
+        place = page - 1 - random_() % 256;
       }
-      Cambiar(bytes, base + lugar);
+      Change(bytes, base + place);
     }
   }
 
  private:
-  void Cambiar(mdb::Bytes& bytes, std::size_t lugar) {
+  void Change(mdb::Bytes& bytes, std::size_t place) {
     constexpr std::uint32_t kNotables[] = {0,    1,      2,          0x7F,       0x80,
                                            0xFF, 0xFFFF, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
-    switch (azar_() % 4) {
+    switch (random_() % 4) {
       case 0:
-        bytes[lugar] ^= static_cast<std::uint8_t>(1U << azar_() % 8);
+        bytes[place] ^= static_cast<std::uint8_t>(1U << random_() % 8);
         break;
       case 1:
-        bytes[lugar] = static_cast<std::uint8_t>(azar_());
+        bytes[place] = static_cast<std::uint8_t>(random_());
         break;
       default: {
-        const std::uint32_t n = kNotables[azar_() % std::size(kNotables)];
-        const std::size_t ancho = std::min<std::size_t>(std::size_t{1} << azar_() % 3, bytes.size() - lugar);
-        for (std::size_t i = 0; i < ancho; ++i) bytes[lugar + i] = static_cast<std::uint8_t>(n >> (8 * i));
+        const std::uint32_t n = kNotables[random_() % std::size(kNotables)];
+        const std::size_t width =
+            std::min<std::size_t>(std::size_t{1} << random_() % 3, bytes.size() - place);
+        for (std::size_t i = 0; i < width; ++i) bytes[place + i] = static_cast<std::uint8_t>(n >> (8 * i));
       }
     }
   }
-  std::mt19937 azar_;
+  std::mt19937 random_;
 };
 
-class Danados : public testing::TestWithParam<std::string> {};
+class Damaged : public testing::TestWithParam<std::string> {};
 
-TEST_P(Danados, AreReadToTheirEndOrRefused) {
-  const auto entero = mdb_test::Cargar(GetParam());
-  const mdb::Bytes bytes = entero->Guardado();
-  const auto sano = LeerTodo(bytes);
-  ASSERT_EQ(sano.errores, 0U);
-  ASSERT_GT(sano.leidos, 30U);
-  std::size_t danados = 0;
-  for (unsigned semilla = 0; semilla < 700; ++semilla) {
-    SCOPED_TRACE(semilla);
-    mdb::Bytes copia = bytes;
-    Danador(semilla).Danar(copia, entero->Tamano());
-    const auto antes = std::chrono::steady_clock::now();
-    danados += LeerTodo(copia).errores > 0 ? 1 : 0;
-    EXPECT_LT(std::chrono::steady_clock::now() - antes, std::chrono::seconds(10));
+TEST_P(Damaged, AreReadToTheirEndOrRefused) {
+  const auto integer = mdb_test::Load(GetParam());
+  const mdb::Bytes bytes = integer->Stored();
+  const auto sound = ReadAll(bytes);
+  ASSERT_EQ(sound.errors, 0U);
+  ASSERT_GT(sound.read_count, 30U);
+  std::size_t corrupted = 0;
+  for (unsigned seed = 0; seed < 700; ++seed) {
+    SCOPED_TRACE(seed);
+    mdb::Bytes copy = bytes;
+    Corrupter(seed).Corrupt(copy, integer->PageSize());
+    const auto before = std::chrono::steady_clock::now();
+    corrupted += ReadAll(copy).errors > 0 ? 1 : 0;
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(10));
   }
   // Most changes hit free space; enough of them must have been noticed for the test to mean anything.
-  EXPECT_GT(danados, 30U);
+  EXPECT_GT(corrupted, 30U);
 }
 
 // A file cut short must never pass for one with fewer rows.
-TEST_P(Danados, CutShortLoseNoRowInSilence) {
-  const auto entero = mdb_test::Cargar(GetParam());
-  const mdb::Bytes& bytes = entero->Guardado();
-  const auto sano = LeerTodo(bytes);
-  for (std::size_t largo = 0; largo < bytes.size(); largo += entero->Tamano() / 2 + 100) {
-    const auto cortado = LeerTodo({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(largo)});
-    EXPECT_TRUE(cortado.errores > 0 || cortado.filas == sano.filas) << largo;
+TEST_P(Damaged, CutShortLoseNoRowInSilence) {
+  const auto integer = mdb_test::Load(GetParam());
+  const mdb::Bytes& bytes = integer->Stored();
+  const auto sound = ReadAll(bytes);
+  for (std::size_t length = 0; length < bytes.size(); length += integer->PageSize() / 2 + 100) {
+    const auto cut = ReadAll({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)});
+    EXPECT_TRUE(cut.errors > 0 || cut.rows == sound.rows) << length;
   }
 }
 
@@ -143,11 +143,11 @@ std::vector<std::string> Files() {
        {"empty.mdb", "types97.mdb", "types.mdb", "types.accdb", "texts_3082.mdb", "long.mdb", "moved97.mdb",
         "moved.mdb", "compound.mdb", "relations97.mdb", "relations.mdb", "queries.mdb", "names.mdb"})
     paths.push_back(mdb_test::SamplePath(name));
-  for (const std::string& path : mdb_test::ArchivosDeCorpus()) paths.push_back(path);
+  for (const std::string& path : mdb_test::CorpusFiles()) paths.push_back(path);
   return paths;
 }
 
-INSTANTIATE_TEST_SUITE_P(Archivos, Danados, testing::ValuesIn(Files()),
+INSTANTIATE_TEST_SUITE_P(Files, Damaged, testing::ValuesIn(Files()),
                          [](const auto& c) { return mdb_test::CaseName(c.param); });
 
 }  // namespace

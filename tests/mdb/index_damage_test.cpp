@@ -11,154 +11,154 @@
 namespace {
 
 using mdb::Bytes;
-using mdb::Entrada;
+using mdb::Entry;
 using namespace mdb_test;
 
-void EsperaDanio(const std::function<void()>& accion, mdb::NumPagina pagina, const char* motivo) {
+void ExpectDamage(const std::function<void()>& action, mdb::PageNumber page, const char* reason) {
   try {
-    accion();
-    ADD_FAILURE() << "no damage found: " << motivo;
-  } catch (const mdb::Danio& d) {
-    EXPECT_NE(d.Descripcion().find("página " + std::to_string(pagina) + ":"), std::string::npos)
-        << d.Descripcion();
-    EXPECT_NE(d.Descripcion().find(motivo), std::string::npos) << d.Descripcion();
+    action();
+    ADD_FAILURE() << "no damage found: " << reason;
+  } catch (const mdb::Damage& d) {
+    EXPECT_NE(d.Description().find("página " + std::to_string(page) + ":"), std::string::npos)
+        << d.Description();
+    EXPECT_NE(d.Description().find(reason), std::string::npos) << d.Description();
   }
 }
 
-Arbol DeTresNiveles() {
-  Arbol arbol = mdb_test::ArbolNuevo();
+Tree ThreeLevels() {
+  Tree tree = mdb_test::NewTree();
   for (std::uint32_t i = 0; i < 400; ++i) {
-    Bytes clave(400, static_cast<std::uint8_t>(i));
-    clave[0] = static_cast<std::uint8_t>(i >> 8);
-    arbol.Abrir().Insertar(clave, Fila(i));
+    Bytes key(400, static_cast<std::uint8_t>(i));
+    key[0] = static_cast<std::uint8_t>(i >> 8);
+    tree.Open().Insert(key, Row(i));
   }
-  EXPECT_EQ(mdb_test::Revisar(arbol).niveles, 3U);
-  return arbol;
+  EXPECT_EQ(mdb_test::Check(tree).levels, 3U);
+  return tree;
 }
 
-TEST(ArbolDeIndice, DamageIsNamedWithItsPage) {
-  const Arbol arbol = DeTresNiveles();
-  auto& paginas = *arbol.paginas;
-  const auto raiz = arbol.indice.raiz;
-  const auto hijo = mdb::PaginaDeIndice::Leer(paginas, raiz, arbol.tabla).Hijo(0);
-  const auto hoja = mdb::PaginaDeIndice::Leer(paginas, hijo, arbol.tabla).Hijo(0);
-  const auto recorrer = [&] { arbol.Abrir().Recorrer([](const Entrada&) { return true; }); };
-  const auto con = [&](mdb::NumPagina pagina, const std::function<void(Bytes&)>& dano,
-                       const std::function<void()>& accion, mdb::NumPagina nombrada, const char* motivo) {
-    const auto punto = paginas.Guardar();
-    dano(paginas.Modificar(pagina));
-    EsperaDanio(accion, nombrada, motivo);
-    paginas.Volver(punto);
+TEST(IndexTree, DamageIsNamedWithItsPage) {
+  const Tree tree = ThreeLevels();
+  auto& pages = *tree.pages;
+  const auto root = tree.index.root;
+  const auto child = mdb::IndexPage::Read(pages, root, tree.table).Child(0);
+  const auto leaf = mdb::IndexPage::Read(pages, child, tree.table).Child(0);
+  const auto walk = [&] { tree.Open().Walk([](const Entry&) { return true; }); };
+  const auto with = [&](mdb::PageNumber page, const std::function<void(Bytes&)>& damage,
+                        const std::function<void()>& action, mdb::PageNumber named, const char* reason) {
+    const auto point = pages.Save();
+    damage(pages.Modify(page));
+    ExpectDamage(action, named, reason);
+    pages.RollbackTo(point);
   };
-  const Bytes primera(400, 0);
-  const auto bajar = [&] { arbol.Abrir().Tiene(primera, Fila(0)); };
-  const auto ponerHijo = [](Bytes& p, mdb::NumPagina valor) {  // of the first entry of a node
-    std::size_t fin = 0;
-    while ((p[27 + fin / 8] >> fin % 8 & 1) == 0) ++fin;
-    for (int k = 0; k < 4; ++k) p[480 + fin - 4 + k] = static_cast<std::uint8_t>(valor >> (24 - 8 * k));
+  const Bytes first(400, 0);
+  const auto descend = [&] { tree.Open().Has(first, Row(0)); };
+  const auto put_child = [](Bytes& p, mdb::PageNumber value) {  // of the first entry of a node
+    std::size_t end = 0;
+    while ((p[27 + end / 8] >> end % 8 & 1) == 0) ++end;
+    for (int k = 0; k < 4; ++k) p[480 + end - 4 + k] = static_cast<std::uint8_t>(value >> (24 - 8 * k));
   };
-  for (const auto& accion : {std::function<void()>(recorrer), std::function<void()>(bajar)}) {
-    con(
-        hijo, [&](Bytes& p) { ponerHijo(p, raiz); }, accion, raiz, "dos veces");
-    con(
-        hijo, [&](Bytes& p) { ponerHijo(p, hijo); }, accion, hijo, "dos veces");
-    con(
-        hijo, [&](Bytes& p) { ponerHijo(p, 1); }, accion, 1, "se esperaba una página de índice");
-    con(
-        hijo, [&](Bytes& p) { ponerHijo(p, 0x00FFFFFF); }, accion, 0x00FFFFFF, "páginas");
-    con(
-        hoja, [](Bytes& p) { p[4] = 9; }, accion, hoja, "otra tabla");
-    con(
-        hoja, [](Bytes& p) { p[0] = 1; }, accion, hoja, "se esperaba una página de índice");
-    con(
-        hoja, [](Bytes& p) { p[24] = 0xFF, p[25] = 0x03; }, accion, hoja, "más corta que la parte común");
-    con(
-        hoja, [](Bytes& p) { p[27] |= 2; }, accion, hoja, "demasiado corta");
-    con(
-        hoja, [](Bytes& p) { p[479] |= 0x80; }, accion, hoja, "no caben");
+  for (const auto& action : {std::function<void()>(walk), std::function<void()>(descend)}) {
+    with(
+        child, [&](Bytes& p) { put_child(p, root); }, action, root, "dos veces");
+    with(
+        child, [&](Bytes& p) { put_child(p, child); }, action, child, "dos veces");
+    with(
+        child, [&](Bytes& p) { put_child(p, 1); }, action, 1, "se esperaba una página de índice");
+    with(
+        child, [&](Bytes& p) { put_child(p, 0x00FFFFFF); }, action, 0x00FFFFFF, "páginas");
+    with(
+        leaf, [](Bytes& p) { p[4] = 9; }, action, leaf, "otra tabla");
+    with(
+        leaf, [](Bytes& p) { p[0] = 1; }, action, leaf, "se esperaba una página de índice");
+    with(
+        leaf, [](Bytes& p) { p[24] = 0xFF, p[25] = 0x03; }, action, leaf, "más corta que la parte común");
+    with(
+        leaf, [](Bytes& p) { p[27] |= 2; }, action, leaf, "demasiado corta");
+    with(
+        leaf, [](Bytes& p) { p[479] |= 0x80; }, action, leaf, "no caben");
   }
-  con(
-      raiz,
+  with(
+      root,
       [](Bytes& p) {
         std::fill(p.begin() + 20, p.begin() + 24, std::uint8_t{0});
         std::fill(p.begin() + 27, p.begin() + 480, std::uint8_t{0});
       },
-      recorrer, raiz, "no tiene hijos");
+      walk, root, "no tiene hijos");
 }
 
-TEST(ArbolDeIndice, AChainOfEmptyLeavesThatComesBackEnds) {
-  Arbol arbol = ConNumeros({1});
-  auto& paginas = *arbol.paginas;
-  mdb::Poner32(paginas.Modificar(arbol.indice.raiz), 16, arbol.indice.raiz);
-  EXPECT_TRUE(arbol.Abrir().Hay(Numero(1)));
-  std::fill_n(paginas.Modificar(arbol.indice.raiz).begin() + 27, 453, std::uint8_t{0});
-  EsperaDanio([&] { arbol.Abrir().Hay(Numero(1)); }, arbol.indice.raiz, "dos veces");
+TEST(IndexTree, AChainOfEmptyLeavesThatComesBackEnds) {
+  Tree tree = WithNumbers({1});
+  auto& pages = *tree.pages;
+  mdb::Put32(pages.Modify(tree.index.root), 16, tree.index.root);
+  EXPECT_TRUE(tree.Open().Has(Number(1)));
+  std::fill_n(pages.Modify(tree.index.root).begin() + 27, 453, std::uint8_t{0});
+  ExpectDamage([&] { tree.Open().Has(Number(1)); }, tree.index.root, "dos veces");
 }
 
 // Whatever the bytes of the pages are, a tree gives an answer or an error of the data.
-TEST(ArbolDeIndice, EndsOnDamagedPages) {
-  Azar azar(23);
-  const Arbol bueno = DeTresNiveles();
-  bueno.paginas->Confirmar();
-  const auto suyas = mdb::LeerMapa(*bueno.paginas, bueno.indice.mapa);
-  std::size_t errores = 0, hechas = 0;
-  for (int ronda = 0; ronda < 400; ++ronda) {
-    Arbol arbol;
-    arbol.tabla = bueno.tabla;
-    arbol.indice = bueno.indice;
-    Bytes bytes = bueno.paginas->Guardado();
-    for (std::uint32_t k = 0, n = 1 + Uno(azar, ronda % 2 == 0 ? 3 : 60); k < n; ++k) {
-      const std::size_t pagina = suyas[Uno(azar, static_cast<std::uint32_t>(suyas.size()))];
-      bytes[pagina * 4096 + Uno(azar, Uno(azar, 2) == 0 ? 28 : 4096)] =
-          static_cast<std::uint8_t>(Uno(azar, 2) == 0 ? Uno(azar, 256) : suyas[Uno(azar, 8)]);
+TEST(IndexTree, EndsOnDamagedPages) {
+  Random random(23);
+  const Tree good = ThreeLevels();
+  good.pages->Commit();
+  const auto its = mdb::ReadMap(*good.pages, good.index.map);
+  std::size_t errors = 0, done = 0;
+  for (int round = 0; round < 400; ++round) {
+    Tree tree;
+    tree.table = good.table;
+    tree.index = good.index;
+    Bytes bytes = good.pages->Stored();
+    for (std::uint32_t k = 0, n = 1 + One(random, round % 2 == 0 ? 3 : 60); k < n; ++k) {
+      const std::size_t page = its[One(random, static_cast<std::uint32_t>(its.size()))];
+      bytes[page * 4096 + One(random, One(random, 2) == 0 ? 28 : 4096)] =
+          static_cast<std::uint8_t>(One(random, 2) == 0 ? One(random, 256) : its[One(random, 8)]);
     }
-    arbol.paginas = std::make_unique<mdb::PaginasEnMemoria>(bueno.paginas->Cab(), std::move(bytes));
-    for (std::uint32_t i = 0; i < 60; ++i, ++hechas) {
-      Bytes clave(400, static_cast<std::uint8_t>(Uno(azar, 256)));
-      clave[0] = static_cast<std::uint8_t>(Uno(azar, 2));
-      const auto fila = Fila(Uno(azar, 400));
-      const auto punto = arbol.paginas->Guardar();
+    tree.pages = std::make_unique<mdb::MemoryPages>(good.pages->Header(), std::move(bytes));
+    for (std::uint32_t i = 0; i < 60; ++i, ++done) {
+      Bytes key(400, static_cast<std::uint8_t>(One(random, 256)));
+      key[0] = static_cast<std::uint8_t>(One(random, 2));
+      const auto row = Row(One(random, 400));
+      const auto point = tree.pages->Save();
       try {
         if (i % 5 == 0)
-          arbol.Abrir().Recorrer([](const Entrada&) { return true; });
+          tree.Open().Walk([](const Entry&) { return true; });
         else if (i % 5 == 1)
-          arbol.Abrir().Hay(clave);
+          tree.Open().Has(key);
         else if (i % 5 == 2)
-          arbol.Abrir().BorrarPorFila(fila);
+          tree.Open().DeleteByRow(row);
         else if (i % 5 == 3)
-          arbol.Abrir().Insertar(clave, Fila(1000 + i));
+          tree.Open().Insert(key, Row(1000 + i));
         else
-          arbol.Abrir().Borrar(clave, fila);
+          tree.Open().Delete(key, row);
       } catch (const base::Error&) {
-        arbol.paginas->Volver(punto);
-        ++errores;
+        tree.pages->RollbackTo(point);
+        ++errors;
       }
     }
     try {
-      arbol.Abrir().Vaciar();
+      tree.Open().Clear();
     } catch (const base::Error&) {
-      ++errores;
+      ++errors;
     }
   }
-  std::cout << hechas << " operations, " << errores << " errors\n";
-  EXPECT_GT(errores, 100U);
+  std::cout << done << " operations, " << errors << " errors\n";
+  EXPECT_GT(errors, 100U);
 }
 
 // A node of another program may hold its last child as an entry, without a tail.
-TEST(ArbolDeIndice, ANodeWithoutATailGetsOne) {
-  Arbol arbol = ConNumeros({});
-  for (std::uint32_t i = 0; i < 800; ++i) arbol.Abrir().Insertar(Numero(i), Fila(i));
-  auto& paginas = *arbol.paginas;
-  auto raiz = mdb::PaginaDeIndice::Leer(paginas, arbol.indice.raiz, arbol.tabla);
-  raiz.Insertar(raiz.Cantidad(), mdb::EntradaCompleta(Numero(799), Fila(799), raiz.cola));
-  raiz.cola = 0;
-  raiz.Escribir(paginas, arbol.tabla);
-  EXPECT_TRUE(arbol.Abrir().Tiene(Numero(799), Fila(799)));
-  EXPECT_FALSE(arbol.Abrir().Tiene(Numero(900), Fila(900)));
-  arbol.Abrir().Insertar(Numero(900), Fila(900));
-  std::vector<Entrada> entradas;
-  mdb_test::Revisar(arbol, &entradas);
-  EXPECT_EQ(entradas.size(), 801U);
+TEST(IndexTree, ANodeWithoutATailGetsOne) {
+  Tree tree = WithNumbers({});
+  for (std::uint32_t i = 0; i < 800; ++i) tree.Open().Insert(Number(i), Row(i));
+  auto& pages = *tree.pages;
+  auto root = mdb::IndexPage::Read(pages, tree.index.root, tree.table);
+  root.Insert(root.Count(), mdb::MakeEntry(Number(799), Row(799), root.tail));
+  root.tail = 0;
+  root.Write(pages, tree.table);
+  EXPECT_TRUE(tree.Open().Has(Number(799), Row(799)));
+  EXPECT_FALSE(tree.Open().Has(Number(900), Row(900)));
+  tree.Open().Insert(Number(900), Row(900));
+  std::vector<Entry> entries;
+  mdb_test::Check(tree, &entries);
+  EXPECT_EQ(entries.size(), 801U);
 }
 
 }  // namespace

@@ -11,132 +11,132 @@ namespace {
 
 class Revision {
  public:
-  explicit Revision(const Arbol& arbol) : arbol_(arbol) {}
+  explicit Revision(const Tree& tree) : tree_(tree) {}
 
-  // Returns the level of the page; `ultima` becomes the last entry below it.
-  int Pagina(mdb::NumPagina numero, mdb::Entrada& ultima) {
-    if (!vistas_.insert(numero).second) {
-      ADD_FAILURE() << "page " << numero << " met twice";
+  // Returns the level of the page; `last` becomes the last entry below it.
+  int CheckPage(mdb::PageNumber number, mdb::Entry& last) {
+    if (!seen_.insert(number).second) {
+      ADD_FAILURE() << "page " << number << " met twice";
       return 0;
     }
-    const auto p = mdb::PaginaDeIndice::Leer(*arbol_.paginas, numero, arbol_.tabla);
-    EXPECT_EQ(p.libres, p.libres_segun_pagina) << numero;
-    EXPECT_EQ((*arbol_.paginas->Leer(numero))[1], 1) << numero;
-    aspecto_.bytes += p.BytesSinPrefijo();
-    const int nivel = p.hoja ? Hoja(p, ultima) : Nodo(p, ultima);
-    EXPECT_EQ(p.nivel, nivel) << numero;
-    if (static_cast<std::size_t>(nivel) >= niveles_.size())
-      niveles_.resize(static_cast<std::size_t>(nivel) + 1);
-    niveles_[static_cast<std::size_t>(nivel)].push_back(p);
-    return nivel;
+    const auto p = mdb::IndexPage::Read(*tree_.pages, number, tree_.table);
+    EXPECT_EQ(p.free_bytes, p.free_bytes_on_page) << number;
+    EXPECT_EQ((*tree_.pages->Read(number))[1], 1) << number;
+    shape_.bytes += p.BytesWithoutPrefix();
+    const int level = p.leaf ? CheckLeaf(p, last) : CheckNode(p, last);
+    EXPECT_EQ(p.level, level) << number;
+    if (static_cast<std::size_t>(level) >= levels_.size())
+      levels_.resize(static_cast<std::size_t>(level) + 1);
+    levels_[static_cast<std::size_t>(level)].push_back(p);
+    return level;
   }
 
-  void Enlaces() const {
-    for (const auto& nivel : niveles_)
-      for (std::size_t i = 0; i < nivel.size(); ++i) {
-        EXPECT_EQ(nivel[i].anterior, i == 0 ? 0 : nivel[i - 1].numero) << nivel[i].numero;
-        EXPECT_EQ(nivel[i].siguiente, i + 1 == nivel.size() ? 0 : nivel[i + 1].numero) << nivel[i].numero;
+  void CheckLinks() const {
+    for (const auto& level : levels_)
+      for (std::size_t i = 0; i < level.size(); ++i) {
+        EXPECT_EQ(level[i].previous, i == 0 ? 0 : level[i - 1].number) << level[i].number;
+        EXPECT_EQ(level[i].next, i + 1 == level.size() ? 0 : level[i + 1].number) << level[i].number;
       }
   }
-  void Mapa() const {
-    const auto en_mapa = mdb::LeerMapa(*arbol_.paginas, arbol_.indice.mapa);
-    EXPECT_EQ(std::set<mdb::NumPagina>(en_mapa.begin(), en_mapa.end()), vistas_);
-    const auto libres = mdb::LeerMapa(*arbol_.paginas, {1, 0});
-    for (const auto libre : libres) EXPECT_FALSE(vistas_.contains(libre)) << libre;
+  void CheckMap() const {
+    const auto in_map = mdb::ReadMap(*tree_.pages, tree_.index.map);
+    EXPECT_EQ(std::set<mdb::PageNumber>(in_map.begin(), in_map.end()), seen_);
+    const auto free_pages = mdb::ReadMap(*tree_.pages, {1, 0});
+    for (const auto free_page : free_pages) EXPECT_FALSE(seen_.contains(free_page)) << free_page;
   }
-  std::vector<mdb::Entrada>& Entradas() { return entradas_; }
-  Aspecto Fin() {
-    aspecto_.niveles = niveles_.size();
-    aspecto_.paginas = vistas_.size();
-    return aspecto_;
+  std::vector<mdb::Entry>& Entries() { return entries_; }
+  Shape End() {
+    shape_.levels = levels_.size();
+    shape_.pages = seen_.size();
+    return shape_;
   }
 
  private:
-  static mdb::Entrada De(const mdb::PaginaDeIndice& p, std::size_t i) {
-    const auto clave = p.Clave(i);
-    return {mdb::Bytes(clave.begin(), clave.end()), p.FilaDe(i)};
+  static mdb::Entry Of(const mdb::IndexPage& p, std::size_t i) {
+    const auto key = p.Key(i);
+    return {mdb::Bytes(key.begin(), key.end()), p.RowOf(i)};
   }
 
-  int Hoja(const mdb::PaginaDeIndice& p, mdb::Entrada& ultima) {
-    EXPECT_EQ(p.cola, 0U) << p.numero;
-    EXPECT_TRUE(p.Cantidad() > 0 || p.numero == arbol_.indice.raiz) << p.numero;
-    for (std::size_t i = 0; i < p.Cantidad(); ++i) entradas_.push_back(De(p, i));
-    if (p.Cantidad() > 0) ultima = entradas_.back();
+  int CheckLeaf(const mdb::IndexPage& p, mdb::Entry& last) {
+    EXPECT_EQ(p.tail, 0U) << p.number;
+    EXPECT_TRUE(p.Count() > 0 || p.number == tree_.index.root) << p.number;
+    for (std::size_t i = 0; i < p.Count(); ++i) entries_.push_back(Of(p, i));
+    if (p.Count() > 0) last = entries_.back();
     return 0;
   }
 
-  int Nodo(const mdb::PaginaDeIndice& p, mdb::Entrada& ultima) {
-    EXPECT_NE(p.cola, 0U) << p.numero;
-    EXPECT_GT(p.Cantidad(), 0U) << "a node with one child: " << p.numero;
-    int nivel = -1;
-    for (std::size_t i = 0; i <= p.Cantidad(); ++i) {
-      const int debajo = Pagina(p.Hijo(i), ultima);
-      EXPECT_TRUE(nivel < 0 || nivel == debajo) << p.numero;
-      nivel = debajo;
-      if (i < p.Cantidad()) {
-        EXPECT_TRUE(De(p, i) == ultima) << "key " << i << " of node " << p.numero;
+  int CheckNode(const mdb::IndexPage& p, mdb::Entry& last) {
+    EXPECT_NE(p.tail, 0U) << p.number;
+    EXPECT_GT(p.Count(), 0U) << "a node with one child: " << p.number;
+    int level = -1;
+    for (std::size_t i = 0; i <= p.Count(); ++i) {
+      const int below = CheckPage(p.Child(i), last);
+      EXPECT_TRUE(level < 0 || level == below) << p.number;
+      level = below;
+      if (i < p.Count()) {
+        EXPECT_TRUE(Of(p, i) == last) << "key " << i << " of node " << p.number;
       }
     }
-    return nivel + 1;
+    return level + 1;
   }
 
-  const Arbol& arbol_;
-  std::set<mdb::NumPagina> vistas_;
-  std::vector<std::vector<mdb::PaginaDeIndice>> niveles_;
-  std::vector<mdb::Entrada> entradas_;
-  Aspecto aspecto_;
+  const Tree& tree_;
+  std::set<mdb::PageNumber> seen_;
+  std::vector<std::vector<mdb::IndexPage>> levels_;
+  std::vector<mdb::Entry> entries_;
+  Shape shape_;
 };
 
 }  // namespace
 
-Arbol ArbolNuevo() {
-  Arbol arbol;
-  mdb::Bytes bytes = mdb::NuevaBase(3082, base::FechaDe(2026, 11, 21));
-  const mdb::Cabecera cabecera = mdb::LeerCabecera(bytes);
-  arbol.paginas = std::make_unique<mdb::PaginasEnMemoria>(cabecera, std::move(bytes));
-  arbol.tabla = 2;
-  arbol.indice.mapa = mdb::NuevoMapa(*arbol.paginas);
-  arbol.indice.raiz = mdb::NuevaRaiz(*arbol.paginas, arbol.tabla, arbol.indice.mapa);
-  return arbol;
+Tree NewTree() {
+  Tree tree;
+  mdb::Bytes bytes = mdb::MakeDatabase(3082, base::MakeDate(2026, 11, 21));
+  const mdb::FileHeader header = mdb::ReadHeader(bytes);
+  tree.pages = std::make_unique<mdb::MemoryPages>(header, std::move(bytes));
+  tree.table = 2;
+  tree.index.map = mdb::CreateMap(*tree.pages);
+  tree.index.root = mdb::CreateRoot(*tree.pages, tree.table, tree.index.map);
+  return tree;
 }
 
-std::uint32_t Uno(Azar& azar, std::uint32_t hasta) { return static_cast<std::uint32_t>(azar()) % hasta; }
+std::uint32_t One(Random& random, std::uint32_t to) { return static_cast<std::uint32_t>(random()) % to; }
 
-mdb::Bytes Numero(std::uint32_t n) {
+mdb::Bytes Number(std::uint32_t n) {
   return {0x7F, static_cast<std::uint8_t>(n >> 24), static_cast<std::uint8_t>(n >> 16),
           static_cast<std::uint8_t>(n >> 8), static_cast<std::uint8_t>(n)};
 }
 
-mdb::IdFila Fila(std::uint32_t n) { return {n / 200 + 7, static_cast<std::uint8_t>(n % 200)}; }
+mdb::RowId Row(std::uint32_t n) { return {n / 200 + 7, static_cast<std::uint8_t>(n % 200)}; }
 
-Arbol ConNumeros(const std::vector<std::uint32_t>& numeros) {
-  Arbol arbol = ArbolNuevo();
-  for (const auto n : numeros) arbol.Abrir().Insertar(Numero(n), Fila(n));
-  return arbol;
+Tree WithNumbers(const std::vector<std::uint32_t>& numbers) {
+  Tree tree = NewTree();
+  for (const auto n : numbers) tree.Open().Insert(Number(n), Row(n));
+  return tree;
 }
 
-Aspecto Revisar(const Arbol& arbol, std::vector<mdb::Entrada>* entradas) {
-  Revision revision(arbol);
-  mdb::Entrada ultima;
-  revision.Pagina(arbol.indice.raiz, ultima);
-  revision.Enlaces();
-  revision.Mapa();
-  const auto& todas = revision.Entradas();
-  const auto desorden = std::adjacent_find(todas.begin(), todas.end(), [](const auto& a, const auto& b) {
-    return std::tie(a.clave, a.fila) >= std::tie(b.clave, b.fila);
+Shape Check(const Tree& tree, std::vector<mdb::Entry>* entries) {
+  Revision revision(tree);
+  mdb::Entry last;
+  revision.CheckPage(tree.index.root, last);
+  revision.CheckLinks();
+  revision.CheckMap();
+  const auto& all = revision.Entries();
+  const auto disorder = std::adjacent_find(all.begin(), all.end(), [](const auto& a, const auto& b) {
+    return std::tie(a.key, a.row) >= std::tie(b.key, b.row);
   });
-  EXPECT_EQ(desorden, todas.end()) << "entry " << desorden - todas.begin() << " out of order";
-  if (entradas != nullptr) *entradas = std::move(revision.Entradas());
-  return revision.Fin();
+  EXPECT_EQ(disorder, all.end()) << "entry " << disorder - all.begin() << " out of order";
+  if (entries != nullptr) *entries = std::move(revision.Entries());
+  return revision.End();
 }
 
-::testing::AssertionResult EsIgual(const Arbol& arbol, const std::set<mdb::Entrada>& modelo) {
-  std::vector<mdb::Entrada> entradas;
-  Revisar(arbol, &entradas);
-  if (std::equal(entradas.begin(), entradas.end(), modelo.begin(), modelo.end()))
+::testing::AssertionResult IsEqual(const Tree& tree, const std::set<mdb::Entry>& model) {
+  std::vector<mdb::Entry> entries;
+  Check(tree, &entries);
+  if (std::equal(entries.begin(), entries.end(), model.begin(), model.end()))
     return ::testing::AssertionSuccess();
   return ::testing::AssertionFailure()
-         << "the tree has " << entradas.size() << " entries, the model " << modelo.size();
+         << "the tree has " << entries.size() << " entries, the model " << model.size();
 }
 
 }  // namespace mdb_test

@@ -14,35 +14,35 @@
 
 namespace mdb_test {
 
-struct Arbol {
-  std::unique_ptr<mdb::PaginasEnMemoria> paginas;
-  mdb::NumPagina tabla = 0;
-  mdb::IndiceReal indice;
-  mdb::ArbolDeIndice Abrir() const { return {*paginas, tabla, indice}; }
+struct Tree {
+  std::unique_ptr<mdb::MemoryPages> pages;
+  mdb::PageNumber table = 0;
+  mdb::RealIndex index;
+  mdb::IndexTree Open() const { return {*pages, table, index}; }
 };
 
 // An empty tree in a new file.
-Arbol ArbolNuevo();
+Tree NewTree();
 
-// Fixed random numbers: one below `hasta`.
-using Azar = std::mt19937;
-std::uint32_t Uno(Azar& azar, std::uint32_t hasta);
+// Fixed random numbers: one below `to`.
+using Random = std::mt19937;
+std::uint32_t One(Random& random, std::uint32_t to);
 
 // Keys and rows of short trees, in the order of their numbers.
-mdb::Bytes Numero(std::uint32_t n);
-mdb::IdFila Fila(std::uint32_t n);
-Arbol ConNumeros(const std::vector<std::uint32_t>& numeros);
+mdb::Bytes Number(std::uint32_t n);
+mdb::RowId Row(std::uint32_t n);
+Tree WithNumbers(const std::vector<std::uint32_t>& numbers);
 
-struct Aspecto {
-  std::size_t niveles = 0, paginas = 0, bytes = 0;  // bytes of entries, prefixes undone
+struct Shape {
+  std::size_t levels = 0, pages = 0, bytes = 0;  // bytes of entries, prefixes undone
 };
 
 // Walks the tree by its bytes and holds it to every rule of its format: types, owners, free fields, order,
 // tails, keys of nodes, links of each level, level bytes, the page map, children a node has. Every violation
-// is a failure of the running test. Returns the entries through `entradas` when given.
-Aspecto Revisar(const Arbol& arbol, std::vector<mdb::Entrada>* entradas = nullptr);
+// is a failure of the running test. Returns the entries through `entries` when given.
+Shape Check(const Tree& tree, std::vector<mdb::Entry>* entries = nullptr);
 
-// Revisar, and the entries compared with the model.
-::testing::AssertionResult EsIgual(const Arbol& arbol, const std::set<mdb::Entrada>& modelo);
+// Check, and the entries compared with the model.
+::testing::AssertionResult IsEqual(const Tree& tree, const std::set<mdb::Entry>& model);
 
 }  // namespace mdb_test

@@ -17,328 +17,323 @@
 namespace {
 
 using mdb::Bytes;
-using mdb::Entrada;
-using mdb_test::Arbol;
-using mdb_test::Azar;
-using mdb_test::ConNumeros;
-using mdb_test::Fila;
-using mdb_test::Numero;
-using mdb_test::Uno;
+using mdb::Entry;
+using mdb_test::Number;
+using mdb_test::One;
+using mdb_test::Random;
+using mdb_test::Row;
+using mdb_test::Tree;
+using mdb_test::WithNumbers;
 
-Bytes Cualquiera(Azar& azar, std::size_t largo) {
-  Bytes v(largo);
-  for (auto& b : v) b = static_cast<std::uint8_t>(azar());
+Bytes AnyKey(Random& random, std::size_t length) {
+  Bytes v(length);
+  for (auto& b : v) b = static_cast<std::uint8_t>(random());
   return v;
 }
 
-struct Modelo {
-  const char* nombre;
-  std::function<Bytes(Azar&)> clave;
-  std::uint32_t filas;
+struct Model {
+  const char* name;
+  std::function<Bytes(Random&)> key;
+  std::uint32_t rows;
 };
 
 // Keys as they come in real indexes, and worse.
-std::vector<Modelo> Modelos() {
+std::vector<Model> Models() {
   return {
-      {"short", [](Azar& a) { return Numero(Uno(a, 100000)); }, 50000},
-      {"few keys, many rows", [](Azar& a) { return Numero(Uno(a, 5)); }, 5000},
-      {"any length up to 510", [](Azar& a) { return Cualquiera(a, 1 + Uno(a, 510)); }, 50000},
-      {"510 bytes", [](Azar& a) { return Cualquiera(a, 510); }, 50000},
-      {"the longest",
-       [](Azar& a) { return Cualquiera(a, mdb::PaginaDeIndice::kClaveMaxima - Uno(a, 2) * 900); }, 50000},
+      {"short", [](Random& a) { return Number(One(a, 100000)); }, 50000},
+      {"few keys, many rows", [](Random& a) { return Number(One(a, 5)); }, 5000},
+      {"any length up to 510", [](Random& a) { return AnyKey(a, 1 + One(a, 510)); }, 50000},
+      {"510 bytes", [](Random& a) { return AnyKey(a, 510); }, 50000},
+      {"the longest", [](Random& a) { return AnyKey(a, mdb::IndexPage::kMaxKey - One(a, 2) * 900); }, 50000},
       {"a long common part",
-       [](Azar& a) {
-         Bytes v(200, static_cast<std::uint8_t>(0x40 + Uno(a, 3)));
-         const Bytes resto = Cualquiera(a, 1 + Uno(a, 6));
-         v.insert(v.end(), resto.begin(), resto.end());
+       [](Random& a) {
+         Bytes v(200, static_cast<std::uint8_t>(0x40 + One(a, 3)));
+         const Bytes rest = AnyKey(a, 1 + One(a, 6));
+         v.insert(v.end(), rest.begin(), rest.end());
          return v;
        },
        50000},
       // One key begins another: the order is that of the keys, whatever follows them in the entry.
-      {"one begins another", [](Azar& a) { return Bytes(1 + Uno(a, 300), 0x7F); }, 300},
+      {"one begins another", [](Random& a) { return Bytes(1 + One(a, 300), 0x7F); }, 300},
   };
 }
 
-class Corrida {
+class Trial {
  public:
-  Corrida(Arbol& arbol, const Modelo& modelo, unsigned semilla)
-      : arbol_(arbol), modelo_(modelo), azar_(semilla) {}
+  Trial(Tree& tree, const Model& model, unsigned seed) : tree_(tree), model_(model), random_(seed) {}
 
-  void Insertar() {
-    Entrada e{modelo_.clave(azar_), Fila(Uno(azar_, modelo_.filas))};
-    const auto [it, nueva] = claves_.insert(e);
-    EXPECT_EQ(arbol_.Abrir().Tiene(e.clave, e.fila), !nueva);
-    if (nueva) arbol_.Abrir().Insertar(e.clave, e.fila);
-    ++hechas;
+  void Insert() {
+    Entry e{model_.key(random_), Row(One(random_, model_.rows))};
+    const auto [it, is_new] = keys_.insert(e);
+    EXPECT_EQ(tree_.Open().Has(e.key, e.row), !is_new);
+    if (is_new) tree_.Open().Insert(e.key, e.row);
+    ++done;
   }
-  void Borrar() {
-    Entrada e{modelo_.clave(azar_), Fila(Uno(azar_, modelo_.filas))};
-    auto it = claves_.lower_bound(e);
-    if (it == claves_.end()) {
-      EXPECT_FALSE(arbol_.Abrir().Borrar(e.clave, e.fila));
+  void Delete() {
+    Entry e{model_.key(random_), Row(One(random_, model_.rows))};
+    auto it = keys_.lower_bound(e);
+    if (it == keys_.end()) {
+      EXPECT_FALSE(tree_.Open().Delete(e.key, e.row));
     } else {
-      EXPECT_TRUE(arbol_.Abrir().Borrar(it->clave, it->fila));
-      claves_.erase(it);
+      EXPECT_TRUE(tree_.Open().Delete(it->key, it->row));
+      keys_.erase(it);
     }
-    ++hechas;
+    ++done;
   }
-  void Preguntar() {
-    const Bytes clave = modelo_.clave(azar_);
-    const auto it = claves_.lower_bound({clave, {}});
-    EXPECT_EQ(arbol_.Abrir().Hay(clave), it != claves_.end() && it->clave == clave);
+  void Ask() {
+    const Bytes key = model_.key(random_);
+    const auto it = keys_.lower_bound({key, {}});
+    EXPECT_EQ(tree_.Open().Has(key), it != keys_.end() && it->key == key);
   }
-  // `inserta` in a hundred are insertions.
-  void Mezclar(int veces, std::uint32_t inserta) {
-    for (int i = 0; i < veces; ++i) {
-      if (Uno(azar_, 100) < inserta)
-        Insertar();
+  // `inserts` in a hundred are insertions.
+  void Mix(int times, std::uint32_t inserts) {
+    for (int i = 0; i < times; ++i) {
+      if (One(random_, 100) < inserts)
+        Insert();
       else
-        Borrar();
-      if (i % 7 == 0) Preguntar();
+        Delete();
+      if (i % 7 == 0) Ask();
     }
-    EXPECT_TRUE(mdb_test::EsIgual(arbol_, claves_));
+    EXPECT_TRUE(mdb_test::IsEqual(tree_, keys_));
   }
-  void BorrarTodo() {
-    std::vector<Entrada> orden(claves_.begin(), claves_.end());
-    std::shuffle(orden.begin(), orden.end(), azar_);
-    for (const Entrada& e : orden) EXPECT_TRUE(arbol_.Abrir().Borrar(e.clave, e.fila));
-    hechas += orden.size();
-    claves_.clear();
-    EXPECT_TRUE(mdb_test::EsIgual(arbol_, claves_));
+  void DeleteAll() {
+    std::vector<Entry> order(keys_.begin(), keys_.end());
+    std::shuffle(order.begin(), order.end(), random_);
+    for (const Entry& e : order) EXPECT_TRUE(tree_.Open().Delete(e.key, e.row));
+    done += order.size();
+    keys_.clear();
+    EXPECT_TRUE(mdb_test::IsEqual(tree_, keys_));
   }
-  const std::set<Entrada>& Claves() const { return claves_; }
-  std::size_t hechas = 0;
+  const std::set<Entry>& Keys() const { return keys_; }
+  std::size_t done = 0;
 
  private:
-  Arbol& arbol_;
-  const Modelo& modelo_;
-  Azar azar_;
-  std::set<Entrada> claves_;
+  Tree& tree_;
+  const Model& model_;
+  Random random_;
+  std::set<Entry> keys_;
 };
 
-TEST(ArbolDeIndice, HoldsWhatAModelHoldsThroughRandomChanges) {
-  std::size_t hechas = 0;
-  for (const Modelo& modelo : Modelos())
-    for (unsigned semilla = 1; semilla <= 3; ++semilla) {
-      SCOPED_TRACE(std::string(modelo.nombre) + ", seed " + std::to_string(semilla));
-      Arbol arbol = mdb_test::ArbolNuevo();
-      const auto raiz = arbol.indice.raiz;
-      Corrida corrida(arbol, modelo, semilla);
-      corrida.Mezclar(1500, 90);
-      for (const std::uint32_t inserta : {50U, 20U, 70U, 10U, 95U, 40U}) corrida.Mezclar(700, inserta);
-      corrida.BorrarTodo();
-      EXPECT_EQ(mdb_test::Revisar(arbol).paginas, 1U);
-      corrida.Mezclar(800, 80);
-      EXPECT_EQ(arbol.indice.raiz, raiz);
-      hechas += corrida.hechas;
+TEST(IndexTree, HoldsWhatAModelHoldsThroughRandomChanges) {
+  std::size_t done = 0;
+  for (const Model& model : Models())
+    for (unsigned seed = 1; seed <= 3; ++seed) {
+      SCOPED_TRACE(std::string(model.name) + ", seed " + std::to_string(seed));
+      Tree tree = mdb_test::NewTree();
+      const auto root = tree.index.root;
+      Trial trial(tree, model, seed);
+      trial.Mix(1500, 90);
+      for (const std::uint32_t inserts : {50U, 20U, 70U, 10U, 95U, 40U}) trial.Mix(700, inserts);
+      trial.DeleteAll();
+      EXPECT_EQ(mdb_test::Check(tree).pages, 1U);
+      trial.Mix(800, 80);
+      EXPECT_EQ(tree.index.root, root);
+      done += trial.done;
       if (::testing::Test::HasFailure()) return;
     }
-  std::cout << hechas << " insertions and removals\n";
-  EXPECT_GT(hechas, 100000U);
+  std::cout << done << " insertions and removals\n";
+  EXPECT_GT(done, 100000U);
 }
 
-TEST(ArbolDeIndice, ThePagesOfAnEmptiedTreeAreFreeAgain) {
-  Arbol arbol = mdb_test::ArbolNuevo();
-  const Modelo modelo = Modelos()[3];
-  Corrida corrida(arbol, modelo, 5);
-  corrida.Mezclar(1000, 100);
-  const auto cantidad = arbol.paginas->Cantidad();
-  EXPECT_GT(cantidad, 150U);
-  corrida.BorrarTodo();
-  std::size_t libres = mdb::LeerMapa(*arbol.paginas, {1, 0}).size();
-  EXPECT_GE(libres + 20, cantidad);
-  corrida.Mezclar(1000, 100);
-  EXPECT_LE(arbol.paginas->Cantidad(), cantidad + 20);
+TEST(IndexTree, ThePagesOfAnEmptiedTreeAreFreeAgain) {
+  Tree tree = mdb_test::NewTree();
+  const Model model = Models()[3];
+  Trial trial(tree, model, 5);
+  trial.Mix(1000, 100);
+  const auto count = tree.pages->Count();
+  EXPECT_GT(count, 150U);
+  trial.DeleteAll();
+  std::size_t free_pages = mdb::ReadMap(*tree.pages, {1, 0}).size();
+  EXPECT_GE(free_pages + 20, count);
+  trial.Mix(1000, 100);
+  EXPECT_LE(tree.pages->Count(), count + 20);
 }
 
-TEST(ArbolDeIndice, RisingAndFallingRunsLeaveFullPages) {
-  std::vector<std::uint32_t> numeros(20000);
-  for (std::uint32_t i = 0; i < numeros.size(); ++i) numeros[i] = i;
-  const auto lleno = [&](const Arbol& arbol) {
-    std::vector<Entrada> entradas;
-    const auto a = mdb_test::Revisar(arbol, &entradas);
-    EXPECT_EQ(entradas.size(), numeros.size());
-    EXPECT_EQ(a.niveles, 2U);
-    return static_cast<double>(a.bytes) / static_cast<double>(a.paginas * mdb::PaginaDeIndice::kCapacidad);
+TEST(IndexTree, RisingAndFallingRunsLeaveFullPages) {
+  std::vector<std::uint32_t> numbers(20000);
+  for (std::uint32_t i = 0; i < numbers.size(); ++i) numbers[i] = i;
+  const auto full = [&](const Tree& tree) {
+    std::vector<Entry> entries;
+    const auto a = mdb_test::Check(tree, &entries);
+    EXPECT_EQ(entries.size(), numbers.size());
+    EXPECT_EQ(a.levels, 2U);
+    return static_cast<double>(a.bytes) / static_cast<double>(a.pages * mdb::IndexPage::kCapacity);
   };
-  EXPECT_GT(lleno(ConNumeros(numeros)), 0.95);
-  std::reverse(numeros.begin(), numeros.end());
-  EXPECT_GT(lleno(ConNumeros(numeros)), 0.95);
-  std::shuffle(numeros.begin(), numeros.end(), Azar(3));
-  EXPECT_GT(lleno(ConNumeros(numeros)), 0.6);
+  EXPECT_GT(full(WithNumbers(numbers)), 0.95);
+  std::reverse(numbers.begin(), numbers.end());
+  EXPECT_GT(full(WithNumbers(numbers)), 0.95);
+  std::shuffle(numbers.begin(), numbers.end(), Random(3));
+  EXPECT_GT(full(WithNumbers(numbers)), 0.6);
 }
 
-TEST(ArbolDeIndice, RunsAreRemovedFromEitherEndAndFromTheMiddle) {
-  constexpr std::uint32_t kCantidad = 6000;
-  std::vector<std::uint32_t> numeros(kCantidad);
-  for (std::uint32_t i = 0; i < kCantidad; ++i) numeros[i] = i;
-  const auto quitar = [&](const std::vector<std::uint32_t>& orden) {
-    Arbol arbol = ConNumeros(numeros);
-    std::set<Entrada> quedan;
-    for (const auto n : numeros) quedan.insert({Numero(n), Fila(n)});
-    for (std::size_t i = 0; i < orden.size(); ++i) {
-      EXPECT_TRUE(arbol.Abrir().Borrar(Numero(orden[i]), Fila(orden[i])));
-      quedan.erase({Numero(orden[i]), Fila(orden[i])});
+TEST(IndexTree, RunsAreRemovedFromEitherEndAndFromTheMiddle) {
+  constexpr std::uint32_t kCount = 6000;
+  std::vector<std::uint32_t> numbers(kCount);
+  for (std::uint32_t i = 0; i < kCount; ++i) numbers[i] = i;
+  const auto remove = [&](const std::vector<std::uint32_t>& order) {
+    Tree tree = WithNumbers(numbers);
+    std::set<Entry> remaining;
+    for (const auto n : numbers) remaining.insert({Number(n), Row(n)});
+    for (std::size_t i = 0; i < order.size(); ++i) {
+      EXPECT_TRUE(tree.Open().Delete(Number(order[i]), Row(order[i])));
+      remaining.erase({Number(order[i]), Row(order[i])});
       if (i % 500 == 499) {
-        EXPECT_TRUE(mdb_test::EsIgual(arbol, quedan));
+        EXPECT_TRUE(mdb_test::IsEqual(tree, remaining));
       }
     }
-    EXPECT_TRUE(mdb_test::EsIgual(arbol, quedan));
+    EXPECT_TRUE(mdb_test::IsEqual(tree, remaining));
   };
-  quitar(numeros);
-  quitar({numeros.rbegin(), numeros.rend()});
-  std::vector<std::uint32_t> medio = numeros;
-  std::rotate(medio.begin(), medio.begin() + 2000, medio.end());
-  quitar(medio);
+  remove(numbers);
+  remove({numbers.rbegin(), numbers.rend()});
+  std::vector<std::uint32_t> middle = numbers;
+  std::rotate(middle.begin(), middle.begin() + 2000, middle.end());
+  remove(middle);
 }
 
-TEST(ArbolDeIndice, MergesPagesThatHaveBecomeSmall) {
-  std::vector<std::uint32_t> numeros(20000);
-  for (std::uint32_t i = 0; i < numeros.size(); ++i) numeros[i] = i;
-  Arbol arbol = ConNumeros(numeros);
-  const auto antes = mdb_test::Revisar(arbol).paginas;
-  for (const auto n : numeros)
+TEST(IndexTree, MergesPagesThatHaveBecomeSmall) {
+  std::vector<std::uint32_t> numbers(20000);
+  for (std::uint32_t i = 0; i < numbers.size(); ++i) numbers[i] = i;
+  Tree tree = WithNumbers(numbers);
+  const auto before = mdb_test::Check(tree).pages;
+  for (const auto n : numbers)
     if (n % 10 != 0) {
-      EXPECT_TRUE(arbol.Abrir().Borrar(Numero(n), Fila(n)));
+      EXPECT_TRUE(tree.Open().Delete(Number(n), Row(n)));
     }
-  const auto despues = mdb_test::Revisar(arbol).paginas;
-  EXPECT_LT(despues * 2, antes);
+  const auto after = mdb_test::Check(tree).pages;
+  EXPECT_LT(after * 2, before);
 }
 
-TEST(ArbolDeIndice, BuildsTreesOfAnySizeAtOnce) {
-  Azar azar(11);
-  for (const Modelo& modelo : Modelos())
-    for (const std::size_t cantidad : {0U, 1U, 2U, 3U, 4U, 5U, 7U, 20U, 120U, 300U, 1000U, 4000U}) {
-      SCOPED_TRACE(std::string(modelo.nombre) + " " + std::to_string(cantidad));
-      std::set<Entrada> claves;
-      for (std::size_t i = 0; i < cantidad; ++i)
-        claves.insert({modelo.clave(azar), Fila(Uno(azar, modelo.filas))});
-      Arbol arbol = mdb_test::ArbolNuevo();
-      arbol.Abrir().Construir({claves.begin(), claves.end()});
-      EXPECT_TRUE(mdb_test::EsIgual(arbol, claves));
+TEST(IndexTree, BuildsTreesOfAnySizeAtOnce) {
+  Random random(11);
+  for (const Model& model : Models())
+    for (const std::size_t count : {0U, 1U, 2U, 3U, 4U, 5U, 7U, 20U, 120U, 300U, 1000U, 4000U}) {
+      SCOPED_TRACE(std::string(model.name) + " " + std::to_string(count));
+      std::set<Entry> keys;
+      for (std::size_t i = 0; i < count; ++i) keys.insert({model.key(random), Row(One(random, model.rows))});
+      Tree tree = mdb_test::NewTree();
+      tree.Open().Build({keys.begin(), keys.end()});
+      EXPECT_TRUE(mdb_test::IsEqual(tree, keys));
       // It goes on as any other.
       for (int i = 0; i < 20; ++i) {
-        const Entrada e{modelo.clave(azar), Fila(60000 + static_cast<std::uint32_t>(i))};
-        if (claves.insert(e).second) arbol.Abrir().Insertar(e.clave, e.fila);
-        arbol.Abrir().Borrar(claves.begin()->clave, claves.begin()->fila);
-        claves.erase(claves.begin());
+        const Entry e{model.key(random), Row(60000 + static_cast<std::uint32_t>(i))};
+        if (keys.insert(e).second) tree.Open().Insert(e.key, e.row);
+        tree.Open().Delete(keys.begin()->key, keys.begin()->row);
+        keys.erase(keys.begin());
       }
-      EXPECT_TRUE(mdb_test::EsIgual(arbol, claves));
-      arbol.Abrir().Vaciar();
-      EXPECT_TRUE(mdb_test::EsIgual(arbol, {}));
-      arbol.Abrir().Construir({claves.begin(), claves.end()});
-      EXPECT_TRUE(mdb_test::EsIgual(arbol, claves));
+      EXPECT_TRUE(mdb_test::IsEqual(tree, keys));
+      tree.Open().Clear();
+      EXPECT_TRUE(mdb_test::IsEqual(tree, {}));
+      tree.Open().Build({keys.begin(), keys.end()});
+      EXPECT_TRUE(mdb_test::IsEqual(tree, keys));
     }
 }
 
-TEST(ArbolDeIndice, BuildsOnlyOverAnEmptyTree) {
-  Arbol arbol = ConNumeros({1});
-  EXPECT_THROW(arbol.Abrir().Construir({{Numero(2), Fila(2)}}), base::Error);
+TEST(IndexTree, BuildsOnlyOverAnEmptyTree) {
+  Tree tree = WithNumbers({1});
+  EXPECT_THROW(tree.Open().Build({{Number(2), Row(2)}}), base::Error);
 }
 
-TEST(ArbolDeIndice, RemovesAnEntryByItsRowAlone) {
-  std::vector<std::uint32_t> numeros(3000);
-  std::set<Entrada> modelo;
-  for (std::uint32_t i = 0; i < numeros.size(); ++i) {
-    numeros[i] = i;
-    modelo.insert({Numero(i), Fila(i)});
+TEST(IndexTree, RemovesAnEntryByItsRowAlone) {
+  std::vector<std::uint32_t> numbers(3000);
+  std::set<Entry> model;
+  for (std::uint32_t i = 0; i < numbers.size(); ++i) {
+    numbers[i] = i;
+    model.insert({Number(i), Row(i)});
   }
-  Arbol arbol = ConNumeros(numeros);
+  Tree tree = WithNumbers(numbers);
   for (const std::uint32_t n : {0U, 2999U, 1500U, 1499U, 361U, 360U}) {
-    EXPECT_TRUE(arbol.Abrir().BorrarPorFila(Fila(n)));
-    EXPECT_FALSE(arbol.Abrir().BorrarPorFila(Fila(n)));
-    modelo.erase({Numero(n), Fila(n)});
+    EXPECT_TRUE(tree.Open().DeleteByRow(Row(n)));
+    EXPECT_FALSE(tree.Open().DeleteByRow(Row(n)));
+    model.erase({Number(n), Row(n)});
   }
-  EXPECT_TRUE(mdb_test::EsIgual(arbol, modelo));
+  EXPECT_TRUE(mdb_test::IsEqual(tree, model));
 }
 
-TEST(ArbolDeIndice, RefusesAKeyThatIsTooLongAndAnEntryThatIsThere) {
-  Arbol arbol = ConNumeros({1, 2, 3});
-  EXPECT_THROW(arbol.Abrir().Insertar(Numero(2), Fila(2)), mdb::Danio);
-  EXPECT_NO_THROW(arbol.Abrir().Insertar(Numero(2), Fila(5)));
-  EXPECT_THROW(arbol.Abrir().Insertar(Bytes(mdb::PaginaDeIndice::kClaveMaxima + 1, 1), Fila(1)), base::Error);
-  EXPECT_FALSE(arbol.Abrir().Borrar(Numero(4), Fila(4)));
-  EXPECT_FALSE(arbol.Abrir().Borrar(Numero(3), Fila(4)));
+TEST(IndexTree, RefusesAKeyThatIsTooLongAndAnEntryThatIsThere) {
+  Tree tree = WithNumbers({1, 2, 3});
+  EXPECT_THROW(tree.Open().Insert(Number(2), Row(2)), mdb::Damage);
+  EXPECT_NO_THROW(tree.Open().Insert(Number(2), Row(5)));
+  EXPECT_THROW(tree.Open().Insert(Bytes(mdb::IndexPage::kMaxKey + 1, 1), Row(1)), base::Error);
+  EXPECT_FALSE(tree.Open().Delete(Number(4), Row(4)));
+  EXPECT_FALSE(tree.Open().Delete(Number(3), Row(4)));
 }
 
-TEST(ArbolDeIndice, CompressesALeafBeforeItSplitsAndKeepsItSo) {
-  Arbol arbol = mdb_test::ArbolNuevo();
-  std::set<Entrada> modelo;
+TEST(IndexTree, CompressesALeafBeforeItSplitsAndKeepsItSo) {
+  Tree tree = mdb_test::NewTree();
+  std::set<Entry> model;
   for (std::uint32_t i = 0; i < 40; ++i) {
-    Bytes clave(100, 0x55);
-    const Bytes n = Numero(i);
-    clave.insert(clave.end(), n.begin(), n.end());
-    modelo.insert({clave, Fila(i)});
-    arbol.Abrir().Insertar(clave, Fila(i));
+    Bytes key(100, 0x55);
+    const Bytes n = Number(i);
+    key.insert(key.end(), n.begin(), n.end());
+    model.insert({key, Row(i)});
+    tree.Open().Insert(key, Row(i));
   }
   // 40 entries of 109 bytes are more than a page holds, but their common part is stored once.
-  EXPECT_EQ(mdb_test::Revisar(arbol).paginas, 1U);
-  EXPECT_TRUE(mdb_test::EsIgual(arbol, modelo));
-  const auto prefijo = [&] {
-    return mdb::PaginaDeIndice::Leer(*arbol.paginas, arbol.indice.raiz, arbol.tabla).prefijo;
-  };
-  EXPECT_EQ(prefijo(), 104U);
-  while (modelo.size() > 3) {
-    const Entrada e = *modelo.begin();
-    EXPECT_TRUE(arbol.Abrir().Borrar(e.clave, e.fila));
-    modelo.erase(e);
+  EXPECT_EQ(mdb_test::Check(tree).pages, 1U);
+  EXPECT_TRUE(mdb_test::IsEqual(tree, model));
+  const auto prefix = [&] { return mdb::IndexPage::Read(*tree.pages, tree.index.root, tree.table).prefix; };
+  EXPECT_EQ(prefix(), 104U);
+  while (model.size() > 3) {
+    const Entry e = *model.begin();
+    EXPECT_TRUE(tree.Open().Delete(e.key, e.row));
+    model.erase(e);
   }
-  EXPECT_EQ(prefijo(), 104U);
-  arbol.Abrir().Insertar(Bytes{0x56}, Fila(99));
-  EXPECT_EQ(prefijo(), 0U);
-  modelo.insert({{0x56}, Fila(99)});
-  EXPECT_TRUE(mdb_test::EsIgual(arbol, modelo));
+  EXPECT_EQ(prefix(), 104U);
+  tree.Open().Insert(Bytes{0x56}, Row(99));
+  EXPECT_EQ(prefix(), 0U);
+  model.insert({{0x56}, Row(99)});
+  EXPECT_TRUE(mdb_test::IsEqual(tree, model));
 }
 
 // --- the trees that others wrote ---
 
-TEST(ArbolDeIndice, TakesEveryTreeOfEveryFileApartAndTogetherAgain) {
-  std::size_t arboles = 0, entradas = 0;
-  Azar azar(17);
-  for (const std::string& ruta : mdb_test::EveryFile()) {
-    SCOPED_TRACE(ruta);
-    Arbol arbol;
-    arbol.paginas = mdb_test::Cargar(ruta);
-    if (arbol.paginas->Cab().Jet3()) continue;
-    const mdb::Catalogo catalogo(*arbol.paginas);
-    for (const mdb::Objeto& o : catalogo.Objetos()) {
-      if (o.tipo != mdb::Objeto::Tabla) continue;
-      SCOPED_TRACE(o.nombre);
-      const auto d = mdb::LeerDefinicion(*arbol.paginas, static_cast<mdb::NumPagina>(o.id));
-      arbol.tabla = d.Pagina();
-      for (const auto& indice : d.reales) {
-        arbol.indice = indice;
-        std::set<Entrada> modelo;
-        arbol.Abrir().Recorrer([&](const Entrada& e) { return modelo.insert(e).second; });
-        std::vector<Entrada> orden(modelo.begin(), modelo.end());
-        std::shuffle(orden.begin(), orden.end(), azar);
-        for (std::size_t i = 0; i < orden.size(); ++i) {
-          EXPECT_TRUE(arbol.Abrir().Borrar(orden[i].clave, orden[i].fila));
-          modelo.erase(orden[i]);
+TEST(IndexTree, TakesEveryTreeOfEveryFileApartAndTogetherAgain) {
+  std::size_t trees = 0, entries = 0;
+  Random random(17);
+  for (const std::string& path : mdb_test::EveryFile()) {
+    SCOPED_TRACE(path);
+    Tree tree;
+    tree.pages = mdb_test::Load(path);
+    if (tree.pages->Header().Jet3()) continue;
+    const mdb::SystemCatalog catalog(*tree.pages);
+    for (const mdb::Object& o : catalog.Objects()) {
+      if (o.type != mdb::Object::Table) continue;
+      SCOPED_TRACE(o.name);
+      const auto d = mdb::ReadDefinition(*tree.pages, static_cast<mdb::PageNumber>(o.id));
+      tree.table = d.Page();
+      for (const auto& index : d.reals) {
+        tree.index = index;
+        std::set<Entry> model;
+        tree.Open().Walk([&](const Entry& e) { return model.insert(e).second; });
+        std::vector<Entry> order(model.begin(), model.end());
+        std::shuffle(order.begin(), order.end(), random);
+        for (std::size_t i = 0; i < order.size(); ++i) {
+          EXPECT_TRUE(tree.Open().Delete(order[i].key, order[i].row));
+          model.erase(order[i]);
           if (i % 97 == 0) {
-            EXPECT_TRUE(mdb_test::EsIgual(arbol, modelo));
+            EXPECT_TRUE(mdb_test::IsEqual(tree, model));
           }
         }
-        std::shuffle(orden.begin(), orden.end(), azar);
-        for (std::size_t i = 0; i < orden.size(); ++i) {
-          arbol.Abrir().Insertar(orden[i].clave, orden[i].fila);
-          modelo.insert(orden[i]);
+        std::shuffle(order.begin(), order.end(), random);
+        for (std::size_t i = 0; i < order.size(); ++i) {
+          tree.Open().Insert(order[i].key, order[i].row);
+          model.insert(order[i]);
           if (i % 97 == 0) {
-            EXPECT_TRUE(mdb_test::EsIgual(arbol, modelo));
+            EXPECT_TRUE(mdb_test::IsEqual(tree, model));
           }
         }
-        EXPECT_TRUE(mdb_test::EsIgual(arbol, modelo));
-        ++arboles;
-        entradas += orden.size();
+        EXPECT_TRUE(mdb_test::IsEqual(tree, model));
+        ++trees;
+        entries += order.size();
       }
     }
-    arbol.paginas->Confirmar();
-    if (arbol.paginas->Cab().clave == 0) {  // the checker does not decrypt
-      EXPECT_EQ(mdb_test::Controlar(arbol.paginas->Guardado(), false), "");
+    tree.pages->Commit();
+    if (tree.pages->Header().key == 0) {  // the checker does not decrypt
+      EXPECT_EQ(mdb_test::RunChecker(tree.pages->Stored(), false), "");
     }
   }
-  std::cout << arboles << " trees, " << entradas << " entries\n";
-  EXPECT_GT(entradas, 5000U);
+  std::cout << trees << " trees, " << entries << " entries\n";
+  EXPECT_GT(entries, 5000U);
 }
 
 }  // namespace

@@ -2,269 +2,269 @@
 
 #include <gtest/gtest.h>
 
-#include "mdb/disco_simulado.h"
-#include "mdb/muestra.h"
+#include "mdb/bare_file.h"
 #include "mdb/pages/page_file.h"
+#include "mdb/simulated_disk.h"
 #include "support/temp_folder.h"
 
 namespace {
 
-using base::ModoArchivo;
-using mdb::PaginasDeArchivo;
-using mdb_test::BaseDeMuestra;
-using mdb_test::ComoTexto;
-using support::CarpetaTemporal;
+using base::FileMode;
+using mdb::DiskPages;
+using mdb_test::AsText;
+using mdb_test::SampleDatabase;
+using support::TempFolder;
 
-std::string Ranura(std::string equipo, std::string usuario) {
-  equipo += '\0';
-  equipo.resize(32, ' ');
-  usuario += '\0';
-  usuario.resize(32, ' ');
-  return equipo + usuario;
+std::string Slot(std::string machine, std::string user) {
+  machine += '\0';
+  machine.resize(32, ' ');
+  user += '\0';
+  user.resize(32, ' ');
+  return machine + user;
 }
 
-TEST(Bloqueo, OneWritesAndTheNextOnlyReads) {
-  const CarpetaTemporal c;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(4)));
-  auto primero = PaginasDeArchivo::Abrir(ruta);
-  EXPECT_EQ(primero->MotivoSoloLectura(), "");
-  const auto segundo = PaginasDeArchivo::Abrir(ruta);
-  EXPECT_EQ(segundo->MotivoSoloLectura(), "Otro programa tiene abierta la base");
-  EXPECT_THROW(segundo->Modificar(1), base::Error);
-  EXPECT_EQ(*segundo->Leer(2), *primero->Leer(2));
-  primero.reset();
-  EXPECT_EQ(PaginasDeArchivo::Abrir(ruta)->MotivoSoloLectura(), "");
+TEST(HeldLock, OneWritesAndTheNextOnlyReads) {
+  const TempFolder c;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(4)));
+  auto first = DiskPages::Open(path);
+  EXPECT_EQ(first->ReadOnlyReason(), "");
+  const auto second = DiskPages::Open(path);
+  EXPECT_EQ(second->ReadOnlyReason(), "Otro programa tiene abierta la base");
+  EXPECT_THROW(second->Modify(1), base::Error);
+  EXPECT_EQ(*second->Read(2), *first->Read(2));
+  first.reset();
+  EXPECT_EQ(DiskPages::Open(path)->ReadOnlyReason(), "");
 }
 
-TEST(Bloqueo, ClosingAReaderDoesNotDropTheWritersLock) {
-  const CarpetaTemporal c;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(4)));
-  const auto primero = PaginasDeArchivo::Abrir(ruta);
-  PaginasDeArchivo::Abrir(ruta, true)->Leer(1);
-  EXPECT_NE(PaginasDeArchivo::Abrir(ruta)->MotivoSoloLectura(), "");
+TEST(HeldLock, ClosingAReaderDoesNotDropTheWritersLock) {
+  const TempFolder c;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(4)));
+  const auto first = DiskPages::Open(path);
+  DiskPages::Open(path, true)->Read(1);
+  EXPECT_NE(DiskPages::Open(path)->ReadOnlyReason(), "");
 }
 
-TEST(Bloqueo, WhoReadsDoesNotHinderWhoWritesAndIsToldOfTheChange) {
-  const CarpetaTemporal c;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(60)));
-  const auto lector = PaginasDeArchivo::Abrir(ruta, true);
-  const auto vista = lector->Leer(1);
-  const auto escritor = PaginasDeArchivo::Abrir(ruta);
-  ASSERT_EQ(escritor->MotivoSoloLectura(), "");
-  EXPECT_NO_THROW(lector->Leer(2));
+TEST(HeldLock, WhoReadsDoesNotHinderWhoWritesAndIsToldOfTheChange) {
+  const TempFolder c;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(60)));
+  const auto reader = DiskPages::Open(path, true);
+  const auto view = reader->Read(1);
+  const auto writer = DiskPages::Open(path);
+  ASSERT_EQ(writer->ReadOnlyReason(), "");
+  EXPECT_NO_THROW(reader->Read(2));
   // At once: in the same tick of the disk's clock.
-  escritor->Modificar(1)[0] ^= 1;
-  escritor->Confirmar();
-  EXPECT_EQ(*lector->Leer(1), *vista);  // read before: as it was
-  EXPECT_THROW(lector->Leer(50), mdb::ArchivoCambio);
-  EXPECT_EQ(*PaginasDeArchivo::Abrir(ruta, true)->Leer(1), *escritor->Leer(1));
+  writer->Modify(1)[0] ^= 1;
+  writer->Commit();
+  EXPECT_EQ(*reader->Read(1), *view);  // read before: as it was
+  EXPECT_THROW(reader->Read(50), mdb::FileChanged);
+  EXPECT_EQ(*DiskPages::Open(path, true)->Read(1), *writer->Read(1));
 }
 
-TEST(Bloqueo, AFailedCommitDoesNotDisturbWhoReads) {
-  const auto disco = std::make_shared<mdb_test::DiscoSimulado>();
-  disco->Poner("a.mdb", BaseDeMuestra(4));
-  const auto lector = PaginasDeArchivo::Abrir("a.mdb", true, disco);
-  const auto escritor = PaginasDeArchivo::Abrir("a.mdb", false, disco);
-  disco->ContarDeNuevo();
-  disco->FallarEn(7);  // crear, escribir, sincronizar, escribir, sincronizar, carpeta: the first page
-  escritor->Modificar(1)[0] ^= 1;
-  EXPECT_THROW(escritor->Confirmar(), base::Error);
-  ASSERT_EQ(disco->Diario()[6], "escribir a.mdb 4096");
-  EXPECT_EQ(*lector->Leer(1), *escritor->Leer(1));
+TEST(HeldLock, AFailedCommitDoesNotDisturbWhoReads) {
+  const auto disk = std::make_shared<mdb_test::SimulatedDisk>();
+  disk->Put("a.mdb", SampleDatabase(4));
+  const auto reader = DiskPages::Open("a.mdb", true, disk);
+  const auto writer = DiskPages::Open("a.mdb", false, disk);
+  disk->RestartCount();
+  disk->FailAt(7);  // crear, escribir, sincronizar, escribir, sincronizar, folder: the first page
+  writer->Modify(1)[0] ^= 1;
+  EXPECT_THROW(writer->Commit(), base::Error);
+  ASSERT_EQ(disk->Log()[6], "escribir a.mdb 4096");
+  EXPECT_EQ(*reader->Read(1), *writer->Read(1));
 }
 
-TEST(Bloqueo, ALiveLockFileOfAnotherProgramIsNamed) {
-  const CarpetaTemporal c;
-  base::DiscoDelSistema disco;
-  for (const auto& [base, bloqueo] : std::vector<std::pair<std::string, std::string>>{
+TEST(HeldLock, ALiveLockFileOfAnotherProgramIsNamed) {
+  const TempFolder c;
+  base::SystemDisk disk;
+  for (const auto& [base, lock_file] : std::vector<std::pair<std::string, std::string>>{
            {"Personal.mdb", "Personal.ldb"}, {"Otra.MDB", "Otra.LDB"}, {"Sin", "Sin.ldb"}}) {
-    const std::string ruta = c.Escribir(base, ComoTexto(BaseDeMuestra(4)));
+    const std::string path = c.Write(base, AsText(SampleDatabase(4)));
     // A slot of somebody who has gone, and one of somebody who is there.
-    const std::string ldb = c.Escribir(bloqueo, Ranura("VIEJA", "admin") + Ranura("SUELDOS-2", "Admin"));
-    EXPECT_EQ(PaginasDeArchivo::Abrir(ruta)->MotivoSoloLectura(), "");
-    const auto ajeno = disco.Abrir(ldb, ModoArchivo::Escritura);
-    ASSERT_TRUE(ajeno->Bloquear(0x10000002, 1, true));
-    EXPECT_EQ(PaginasDeArchivo::Abrir(ruta)->MotivoSoloLectura(),
+    const std::string ldb = c.Write(lock_file, Slot("VIEJA", "admin") + Slot("SUELDOS-2", "Admin"));
+    EXPECT_EQ(DiskPages::Open(path)->ReadOnlyReason(), "");
+    const auto foreign = disk.Open(ldb, FileMode::Write);
+    ASSERT_TRUE(foreign->Lock(0x10000002, 1, true));
+    EXPECT_EQ(DiskPages::Open(path)->ReadOnlyReason(),
               "No se puede escribir en la base: está abierta en el equipo SUELDOS-2 (usuario Admin)");
     // Asked only to read, there is nothing to say about it.
-    EXPECT_EQ(PaginasDeArchivo::Abrir(ruta, true)->MotivoSoloLectura(), "La base se abrió solo para leer");
-    EXPECT_EQ(PaginasDeArchivo::Abrir(ruta, true)->WhyReadOnly(), mdb::ReadOnlyCause::Asked);
+    EXPECT_EQ(DiskPages::Open(path, true)->ReadOnlyReason(), "La base se abrió solo para leer");
+    EXPECT_EQ(DiskPages::Open(path, true)->WhyReadOnly(), mdb::ReadOnlyCause::Asked);
   }
 }
 
-TEST(Bloqueo, NothingIsWrittenOnceAnotherProgramOpensTheBase) {
-  const CarpetaTemporal c;
-  base::DiscoDelSistema disco;
-  const std::string bytes(ComoTexto(BaseDeMuestra(4))), ruta = c.Escribir("a.mdb", bytes);
-  const auto p = PaginasDeArchivo::Abrir(ruta);
-  auto ajeno = disco.Abrir(c.Escribir("a.ldb", Ranura("CAJA", "ana")), ModoArchivo::Escritura);
-  ASSERT_TRUE(ajeno->Bloquear(0x10000001, 1, true));
-  p->Modificar(1)[0] ^= 1;
+TEST(HeldLock, NothingIsWrittenOnceAnotherProgramOpensTheBase) {
+  const TempFolder c;
+  base::SystemDisk disk;
+  const std::string bytes(AsText(SampleDatabase(4))), path = c.Write("a.mdb", bytes);
+  const auto p = DiskPages::Open(path);
+  auto foreign = disk.Open(c.Write("a.ldb", Slot("CAJA", "ana")), FileMode::Write);
+  ASSERT_TRUE(foreign->Lock(0x10000001, 1, true));
+  p->Modify(1)[0] ^= 1;
   try {
-    p->Confirmar();
+    p->Commit();
     FAIL() << "no error";
   } catch (const base::Error& e) {
-    EXPECT_EQ(e.Descripcion(), "No se guardó nada en la base: está abierta en el equipo CAJA (usuario ana)");
+    EXPECT_EQ(e.Description(), "No se guardó nada en la base: está abierta en el equipo CAJA (usuario ana)");
   }
-  EXPECT_EQ(c.Leer("a.mdb"), bytes);
-  ajeno.reset();
-  p->Modificar(1)[0] ^= 1;
-  EXPECT_NO_THROW(p->Confirmar());
+  EXPECT_EQ(c.Read("a.mdb"), bytes);
+  foreign.reset();
+  p->Modify(1)[0] ^= 1;
+  EXPECT_NO_THROW(p->Commit());
 }
 
-TEST(Bloqueo, ALockFileWithoutReadableSlotIsStillOne) {
-  const CarpetaTemporal c;
-  base::DiscoDelSistema disco;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(4)));
-  const auto ajeno = disco.Abrir(c.Escribir("a.ldb", "x"), ModoArchivo::Escritura);
-  ASSERT_TRUE(ajeno->Bloquear(0x10000001, 255, false));  // whatever kind of lock
-  EXPECT_EQ(PaginasDeArchivo::Abrir(ruta)->MotivoSoloLectura(),
+TEST(HeldLock, ALockFileWithoutReadableSlotIsStillOne) {
+  const TempFolder c;
+  base::SystemDisk disk;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(4)));
+  const auto foreign = disk.Open(c.Write("a.ldb", "x"), FileMode::Write);
+  ASSERT_TRUE(foreign->Lock(0x10000001, 255, false));  // whatever kind of lock
+  EXPECT_EQ(DiskPages::Open(path)->ReadOnlyReason(),
             "No se puede escribir en la base: otro programa la tiene abierta");
 }
 
-TEST(Bloqueo, OtherLocksOfTheLockFileAreNoUsers) {
-  const CarpetaTemporal c;
-  base::DiscoDelSistema disco;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(4)));
-  const auto ajeno = disco.Abrir(c.Escribir("a.ldb", Ranura("X", "Y")), ModoArchivo::Escritura);
-  ASSERT_TRUE(ajeno->Bloquear(0x10000100, 16, true));
-  EXPECT_EQ(PaginasDeArchivo::Abrir(ruta)->MotivoSoloLectura(), "");
+TEST(HeldLock, OtherLocksOfTheLockFileAreNoUsers) {
+  const TempFolder c;
+  base::SystemDisk disk;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(4)));
+  const auto foreign = disk.Open(c.Write("a.ldb", Slot("X", "Y")), FileMode::Write);
+  ASSERT_TRUE(foreign->Lock(0x10000100, 16, true));
+  EXPECT_EQ(DiskPages::Open(path)->ReadOnlyReason(), "");
 }
 
-TEST(Bloqueo, AnyLockOfAnotherProgramOnTheBaseKeepsFromWriting) {
-  const CarpetaTemporal c;
-  base::DiscoDelSistema disco;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(4)));
-  if (disco.BloqueosObligan()) GTEST_SKIP() << "here the sharing of files does this";
-  const auto ajeno = disco.Abrir(ruta, ModoArchivo::Lectura);
-  ASSERT_TRUE(ajeno->Bloquear(4096, 512, false));
-  EXPECT_EQ(PaginasDeArchivo::Abrir(ruta)->MotivoSoloLectura(), "Otro programa tiene abierta la base");
+TEST(HeldLock, AnyLockOfAnotherProgramOnTheBaseKeepsFromWriting) {
+  const TempFolder c;
+  base::SystemDisk disk;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(4)));
+  if (disk.LocksAreMandatory()) GTEST_SKIP() << "here the sharing of files does this";
+  const auto foreign = disk.Open(path, FileMode::Read);
+  ASSERT_TRUE(foreign->Lock(4096, 512, false));
+  EXPECT_EQ(DiskPages::Open(path)->ReadOnlyReason(), "Otro programa tiene abierta la base");
 }
 
 // A disk whose waits are counted instead of waited.
-class DiscoSinEspera : public mdb_test::DiscoSimulado {
+class DiskWithoutWait : public mdb_test::SimulatedDisk {
  public:
-  void Esperar(int ms) override {
-    esperado += ms;
-    if (soltar != nullptr && esperado >= 500) soltar->Desbloquear(mdb::kByteCommit, 1);
+  void Wait(int ms) override {
+    waited += ms;
+    if (to_release != nullptr && waited >= 500) to_release->Unlock(mdb::kByteCommit, 1);
   }
-  int esperado = 0;
-  base::ArchivoAbierto* soltar = nullptr;
+  int waited = 0;
+  base::OpenFile* to_release = nullptr;
 };
 
-TEST(Bloqueo, AReaderWaitsForACommitButNotForEver) {
-  const auto disco = std::make_shared<DiscoSinEspera>();
-  disco->Poner("a.mdb", BaseDeMuestra(4));
-  const auto otro = disco->Abrir("a.mdb", ModoArchivo::Escritura);
-  ASSERT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, true));
-  EXPECT_THROW(PaginasDeArchivo::Abrir("a.mdb", true, disco), base::Error);
-  EXPECT_EQ(disco->esperado, 10'000);
-  disco->esperado = 0;
-  disco->soltar = otro.get();
-  EXPECT_EQ(PaginasDeArchivo::Abrir("a.mdb", true, disco)->Cantidad(), 4U);
-  EXPECT_EQ(disco->esperado, 500);
+TEST(HeldLock, AReaderWaitsForACommitButNotForEver) {
+  const auto disk = std::make_shared<DiskWithoutWait>();
+  disk->Put("a.mdb", SampleDatabase(4));
+  const auto other = disk->Open("a.mdb", FileMode::Write);
+  ASSERT_TRUE(other->Lock(mdb::kByteCommit, 1, true));
+  EXPECT_THROW(DiskPages::Open("a.mdb", true, disk), base::Error);
+  EXPECT_EQ(disk->waited, 10'000);
+  disk->waited = 0;
+  disk->to_release = other.get();
+  EXPECT_EQ(DiskPages::Open("a.mdb", true, disk)->Count(), 4U);
+  EXPECT_EQ(disk->waited, 500);
 }
 
-TEST(Bloqueo, WhoHasItOpenForReadingWaitsForACommitToo) {
-  const auto disco = std::make_shared<DiscoSinEspera>();
-  disco->Poner("a.mdb", BaseDeMuestra(4));
-  const auto lector = PaginasDeArchivo::Abrir("a.mdb", true, disco);
-  const auto otro = disco->Abrir("a.mdb", ModoArchivo::Escritura);
-  ASSERT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, true));
-  EXPECT_THROW(lector->Leer(1), base::Error);
-  disco->esperado = 0;
-  disco->soltar = otro.get();
-  EXPECT_NO_THROW(lector->Leer(1));
-  EXPECT_EQ(disco->esperado, 500);
+TEST(HeldLock, WhoHasItOpenForReadingWaitsForACommitToo) {
+  const auto disk = std::make_shared<DiskWithoutWait>();
+  disk->Put("a.mdb", SampleDatabase(4));
+  const auto reader = DiskPages::Open("a.mdb", true, disk);
+  const auto other = disk->Open("a.mdb", FileMode::Write);
+  ASSERT_TRUE(other->Lock(mdb::kByteCommit, 1, true));
+  EXPECT_THROW(reader->Read(1), base::Error);
+  disk->waited = 0;
+  disk->to_release = other.get();
+  EXPECT_NO_THROW(reader->Read(1));
+  EXPECT_EQ(disk->waited, 500);
   // And gives the lock back.
-  EXPECT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, true));
+  EXPECT_TRUE(other->Lock(mdb::kByteCommit, 1, true));
 }
 
-TEST(Bloqueo, ACommitWaitsForWhoReads) {
-  const auto disco = std::make_shared<DiscoSinEspera>();
-  disco->Poner("a.mdb", BaseDeMuestra(4));
-  const auto escritor = PaginasDeArchivo::Abrir("a.mdb", false, disco);
-  const auto otro = disco->Abrir("a.mdb", ModoArchivo::Lectura);
-  ASSERT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, false));
-  disco->ContarDeNuevo();
-  escritor->Modificar(1)[0] ^= 1;
-  EXPECT_THROW(escritor->Confirmar(), base::Error);
-  EXPECT_EQ(disco->Llamadas(), 0);  // not even a journal
-  disco->esperado = 0;
-  disco->soltar = otro.get();
-  escritor->Modificar(1)[0] ^= 1;
-  EXPECT_NO_THROW(escritor->Confirmar());
-  EXPECT_EQ(disco->esperado, 500);
-  EXPECT_TRUE(otro->Bloquear(mdb::kByteCommit, 1, false));
+TEST(HeldLock, ACommitWaitsForWhoReads) {
+  const auto disk = std::make_shared<DiskWithoutWait>();
+  disk->Put("a.mdb", SampleDatabase(4));
+  const auto writer = DiskPages::Open("a.mdb", false, disk);
+  const auto other = disk->Open("a.mdb", FileMode::Read);
+  ASSERT_TRUE(other->Lock(mdb::kByteCommit, 1, false));
+  disk->RestartCount();
+  writer->Modify(1)[0] ^= 1;
+  EXPECT_THROW(writer->Commit(), base::Error);
+  EXPECT_EQ(disk->Calls(), 0);  // not even a journal
+  disk->waited = 0;
+  disk->to_release = other.get();
+  writer->Modify(1)[0] ^= 1;
+  EXPECT_NO_THROW(writer->Commit());
+  EXPECT_EQ(disk->waited, 500);
+  EXPECT_TRUE(other->Lock(mdb::kByteCommit, 1, false));
 }
 
-TEST(Bloqueo, ACommitIsNoticedThoughTheClockStandsStill) {
-  const auto disco = std::make_shared<mdb_test::DiscoSimulado>();
-  disco->Poner("a.mdb", BaseDeMuestra(4));
-  disco->DetenerElReloj();
-  const auto escritor = PaginasDeArchivo::Abrir("a.mdb", false, disco);
+TEST(HeldLock, ACommitIsNoticedThoughTheClockStandsStill) {
+  const auto disk = std::make_shared<mdb_test::SimulatedDisk>();
+  disk->Put("a.mdb", SampleDatabase(4));
+  disk->StopClock();
+  const auto writer = DiskPages::Open("a.mdb", false, disk);
   for (int i = 0; i < 3; ++i) {
-    const auto lector = PaginasDeArchivo::Abrir("a.mdb", true, disco);
-    escritor->Modificar(1)[0] ^= 1;
-    escritor->Confirmar();
-    EXPECT_THROW(lector->Leer(2), mdb::ArchivoCambio);
+    const auto reader = DiskPages::Open("a.mdb", true, disk);
+    writer->Modify(1)[0] ^= 1;
+    writer->Commit();
+    EXPECT_THROW(reader->Read(2), mdb::FileChanged);
   }
 }
 
-TEST(Bloqueo, ADiskWithoutLocksIsOnlyRead) {
-  const auto disco = std::make_shared<mdb_test::DiscoSimulado>();
-  disco->Poner("a.mdb", BaseDeMuestra(4));
-  disco->Poner("a.ldb", mdb::Bytes(64));
-  disco->QuitarBloqueos();
-  const auto p = PaginasDeArchivo::Abrir("a.mdb", false, disco);
-  EXPECT_EQ(p->MotivoSoloLectura(), "No se puede escribir en la base: su disco no permite bloquear archivos");
+TEST(HeldLock, ADiskWithoutLocksIsOnlyRead) {
+  const auto disk = std::make_shared<mdb_test::SimulatedDisk>();
+  disk->Put("a.mdb", SampleDatabase(4));
+  disk->Put("a.ldb", mdb::Bytes(64));
+  disk->RemoveLocks();
+  const auto p = DiskPages::Open("a.mdb", false, disk);
+  EXPECT_EQ(p->ReadOnlyReason(), "No se puede escribir en la base: su disco no permite bloquear archivos");
   EXPECT_EQ(p->WhyReadOnly(), mdb::ReadOnlyCause::Denied);
-  EXPECT_EQ((*p->Leer(2))[0], 14);
+  EXPECT_EQ((*p->Read(2))[0], 14);
 }
 
-class DiscoSinCarpeta : public mdb_test::DiscoSimulado {
+class DiskWithoutFolder : public mdb_test::SimulatedDisk {
  public:
-  bool CarpetaAdmiteNuevos(std::string_view) override { return false; }
+  bool FolderAllowsNewFiles(std::string_view) override { return false; }
 };
 
-TEST(Bloqueo, AFolderThatTakesNoJournalIsToldAtOnce) {
-  const auto disco = std::make_shared<DiscoSinCarpeta>();
-  disco->Poner("a.mdb", BaseDeMuestra(4));
-  EXPECT_EQ(PaginasDeArchivo::Abrir("a.mdb", false, disco)->MotivoSoloLectura(),
+TEST(HeldLock, AFolderThatTakesNoJournalIsToldAtOnce) {
+  const auto disk = std::make_shared<DiskWithoutFolder>();
+  disk->Put("a.mdb", SampleDatabase(4));
+  EXPECT_EQ(DiskPages::Open("a.mdb", false, disk)->ReadOnlyReason(),
             "No se puede escribir en la base: no hay permiso para crear archivos en su carpeta");
 }
 
-TEST(Bloqueo, AReaderIsToldOfAnotherFileInItsPlace) {
-  const CarpetaTemporal c;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(60)));
-  const auto lector = PaginasDeArchivo::Abrir(ruta, true);
-  EXPECT_FALSE(lector->CambioAfuera());
-  std::filesystem::rename(c.Escribir("b.mdb", ComoTexto(BaseDeMuestra(4))), ruta);
-  EXPECT_TRUE(lector->CambioAfuera());
-  EXPECT_NO_THROW(lector->Leer(50));  // of the one that was opened
+TEST(HeldLock, AReaderIsToldOfAnotherFileInItsPlace) {
+  const TempFolder c;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(60)));
+  const auto reader = DiskPages::Open(path, true);
+  EXPECT_FALSE(reader->ChangedOutside());
+  std::filesystem::rename(c.Write("b.mdb", AsText(SampleDatabase(4))), path);
+  EXPECT_TRUE(reader->ChangedOutside());
+  EXPECT_NO_THROW(reader->Read(50));  // of the one that was opened
 }
 
-TEST(Bloqueo, NothingIsWrittenOverWhatAnotherProgramDidMeanwhile) {
-  const CarpetaTemporal c;
-  const mdb::Bytes bytes = BaseDeMuestra(4);
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(bytes));
+TEST(HeldLock, NothingIsWrittenOverWhatAnotherProgramDidMeanwhile) {
+  const TempFolder c;
+  const mdb::Bytes bytes = SampleDatabase(4);
+  const std::string path = c.Write("a.mdb", AsText(bytes));
   // Written into by one that asks for no lock.
-  auto p = PaginasDeArchivo::Abrir(ruta);
-  mdb::Bytes otros = bytes;
-  otros[9000] ^= 1;
-  c.Escribir("a.mdb", ComoTexto(otros));
-  std::filesystem::last_write_time(ruta, std::filesystem::last_write_time(ruta) + std::chrono::seconds(2));
-  p->Modificar(1)[0] ^= 1;
-  EXPECT_THROW(p->Confirmar(), base::Error);
-  EXPECT_EQ(c.Leer("a.mdb"), ComoTexto(otros));
+  auto p = DiskPages::Open(path);
+  mdb::Bytes others = bytes;
+  others[9000] ^= 1;
+  c.Write("a.mdb", AsText(others));
+  std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) + std::chrono::seconds(2));
+  p->Modify(1)[0] ^= 1;
+  EXPECT_THROW(p->Commit(), base::Error);
+  EXPECT_EQ(c.Read("a.mdb"), AsText(others));
   // Another file put in its place.
   p.reset();
-  p = PaginasDeArchivo::Abrir(ruta);
-  std::filesystem::rename(c.Escribir("b.mdb", ComoTexto(bytes)), ruta);
-  p->Modificar(1)[0] ^= 1;
-  EXPECT_THROW(p->Confirmar(), base::Error);
-  EXPECT_EQ(c.Leer("a.mdb"), ComoTexto(bytes));
-  EXPECT_FALSE(std::filesystem::exists(ruta + "-diario"));
+  p = DiskPages::Open(path);
+  std::filesystem::rename(c.Write("b.mdb", AsText(bytes)), path);
+  p->Modify(1)[0] ^= 1;
+  EXPECT_THROW(p->Commit(), base::Error);
+  EXPECT_EQ(c.Read("a.mdb"), AsText(bytes));
+  EXPECT_FALSE(std::filesystem::exists(path + "-diario"));
 }
 
 }  // namespace

@@ -11,8 +11,8 @@
 
 namespace {
 
-#define SALTAR_SIN_MDBTOOLS() \
-  if (!mdb_test::HayMdbtools()) GTEST_SKIP() << "mdbtools is not installed"
+#define SKIP_WITHOUT_MDBTOOLS() \
+  if (!mdb_test::HasMdbtools()) GTEST_SKIP() << "mdbtools is not installed"
 
 // It knows neither the types of new_types.accdb nor an order of display that is not that of the numbers.
 std::vector<std::string> FilesOfMdbtools() {
@@ -23,191 +23,190 @@ std::vector<std::string> FilesOfMdbtools() {
 
 // Once a column of fixed length has been deleted, it looks for a Boolean that is newer than the row behind
 // the row's end, where the next row stands. samples_test.cpp says what those are.
-std::vector<std::size_t> UnknownToMdbtools(const mdb::Definicion& d) {
+std::vector<std::size_t> UnknownToMdbtools(const mdb::Definition& d) {
   std::vector<std::size_t> cells;
-  const auto order = d.EnOrden();
+  const auto order = d.InOrder();
   for (std::size_t i = 0; i < order.size(); ++i)
-    if (d.columnas[order[i]].tipo == mdb::TipoColumna::Booleano && d.max_columnas > d.columnas.size())
+    if (d.columns[order[i]].type == mdb::ColumnType::Boolean && d.max_columns > d.columns.size())
       cells.push_back(i);
   return cells;
 }
 
 TEST(Mdbtools, EveryTableOfEveryFileIsReadAlike) {
-  SALTAR_SIN_MDBTOOLS();
-  std::size_t tablas = 0, filas = 0, celdas = 0;
-  for (const auto& ruta : FilesOfMdbtools()) {
-    const auto paginas = mdb_test::Cargar(ruta);
-    const mdb::Catalogo catalogo(*paginas);
-    for (const auto& o : catalogo.Objetos()) {
-      if (o.tipo != mdb::Objeto::Tabla) continue;
-      SCOPED_TRACE(ruta + " " + o.nombre);
-      auto suya = mdb_test::Exportar(ruta, o.nombre);
-      ASSERT_TRUE(suya.hay);
-      auto nuestra = mdb_test::Leida(*paginas, *catalogo.Tabla(o.nombre));
-      EXPECT_EQ(nuestra.columnas, suya.columnas);
-      for (const std::size_t cell : UnknownToMdbtools(*catalogo.Tabla(o.nombre)))
-        for (auto* rows : {&nuestra.filas, &suya.filas})
-          for (auto& row : *rows) row.at(cell).clear();
+  SKIP_WITHOUT_MDBTOOLS();
+  std::size_t tables = 0, rows = 0, cells = 0;
+  for (const auto& path : FilesOfMdbtools()) {
+    const auto pages = mdb_test::Load(path);
+    const mdb::SystemCatalog catalog(*pages);
+    for (const auto& o : catalog.Objects()) {
+      if (o.type != mdb::Object::Table) continue;
+      SCOPED_TRACE(path + " " + o.name);
+      auto its_own = mdb_test::Export(path, o.name);
+      ASSERT_TRUE(its_own.found);
+      auto ours = mdb_test::TableAsRead(*pages, *catalog.Table(o.name));
+      EXPECT_EQ(ours.columns, its_own.columns);
+      for (const std::size_t cell : UnknownToMdbtools(*catalog.Table(o.name)))
+        for (auto* side : {&ours.rows, &its_own.rows})
+          for (auto& row : *side) row.at(cell).clear();
       // A row that has moved comes out where it stands now.
-      std::sort(nuestra.filas.begin(), nuestra.filas.end());
-      std::sort(suya.filas.begin(), suya.filas.end());
-      ASSERT_EQ(nuestra.filas.size(), suya.filas.size());
-      for (std::size_t i = 0; i < nuestra.filas.size(); ++i) EXPECT_EQ(nuestra.filas[i], suya.filas[i]);
-      ++tablas;
-      filas += nuestra.filas.size();
-      celdas += nuestra.filas.size() * nuestra.columnas.size();
+      std::sort(ours.rows.begin(), ours.rows.end());
+      std::sort(its_own.rows.begin(), its_own.rows.end());
+      ASSERT_EQ(ours.rows.size(), its_own.rows.size());
+      for (std::size_t i = 0; i < ours.rows.size(); ++i) EXPECT_EQ(ours.rows[i], its_own.rows[i]);
+      ++tables;
+      rows += ours.rows.size();
+      cells += ours.rows.size() * ours.columns.size();
     }
   }
-  std::cout << tablas << " tables, " << filas << " rows, " << celdas << " cells compared\n";
-  EXPECT_GT(filas, 1000U);
+  std::cout << tables << " tables, " << rows << " rows, " << cells << " cells compared\n";
+  EXPECT_GT(rows, 1000U);
 }
 
 // The type of a column as mdb-schema writes it for Access.
-std::string TextoDeTipo(const mdb::Columna& c) {
-  switch (c.tipo) {
-    case mdb::TipoColumna::Booleano:
+std::string TypeText(const mdb::Column& c) {
+  switch (c.type) {
+    case mdb::ColumnType::Boolean:
       return "Boolean";
-    case mdb::TipoColumna::Byte:
+    case mdb::ColumnType::Byte:
       return "Byte";
-    case mdb::TipoColumna::Entero:
+    case mdb::ColumnType::Integer:
       return "Integer";
-    case mdb::TipoColumna::Largo:
+    case mdb::ColumnType::Long:
       return "Long Integer";
-    case mdb::TipoColumna::Moneda:
+    case mdb::ColumnType::Currency:
       return "Currency";
-    case mdb::TipoColumna::Simple:
+    case mdb::ColumnType::Single:
       return "Single";
-    case mdb::TipoColumna::Doble:
+    case mdb::ColumnType::Double:
       return "Double";
-    case mdb::TipoColumna::Fecha:
+    case mdb::ColumnType::Date:
       return "DateTime";
-    case mdb::TipoColumna::Binario:
+    case mdb::ColumnType::Binary:
       return "Binary";
-    case mdb::TipoColumna::Guid:
+    case mdb::ColumnType::Guid:
       return "Replication ID";
-    case mdb::TipoColumna::Memo:
+    case mdb::ColumnType::Memo:
       return "Memo/Hyperlink (255)";
-    case mdb::TipoColumna::Ole:
+    case mdb::ColumnType::Ole:
       return "OLE (255)";
-    case mdb::TipoColumna::Decimal:
-      return "Numeric (" + std::to_string(c.precision) + ", " + std::to_string(c.escala) + ")";
+    case mdb::ColumnType::Decimal:
+      return "Numeric (" + std::to_string(c.precision) + ", " + std::to_string(c.scale) + ")";
     default: {
       char b[32];
-      std::snprintf(b, sizeof b, "Unknown_%04x", static_cast<unsigned>(c.tipo));
+      std::snprintf(b, sizeof b, "Unknown_%04x", static_cast<unsigned>(c.type));
       return b;
     }
   }
 }
 
-std::string EsquemaNuestro(const mdb::Catalogo& catalogo, const mdb::Definicion& d, bool jet3) {
-  std::string texto;
-  for (const auto i : d.EnOrden()) {
-    const auto& c = d.columnas[i];
-    texto += c.nombre + ": ";
-    if (c.tipo == mdb::TipoColumna::Texto) {
-      texto += "Text (" + std::to_string(jet3 ? c.largo : c.largo / 2) + ")";
+std::string OurSchema(const mdb::SystemCatalog& catalog, const mdb::Definition& d, bool jet3) {
+  std::string text;
+  for (const auto i : d.InOrder()) {
+    const auto& c = d.columns[i];
+    text += c.name + ": ";
+    if (c.type == mdb::ColumnType::Text) {
+      text += "Text (" + std::to_string(jet3 ? c.length : c.length / 2) + ")";
     } else {
-      texto += TextoDeTipo(c);
+      text += TypeText(c);
     }
-    const auto* requerida = mdb::Buscar(catalogo.PropiedadesDe(d.nombre), c.nombre, "Required");
-    const bool exige = requerida != nullptr && *requerida == mdb::Dato(true);
-    texto += exige || c.tipo == mdb::TipoColumna::Booleano ? " NOT NULL\n" : "\n";
+    const auto* required = mdb::Find(catalog.PropertiesOf(d.name), c.name, "Required");
+    const bool is_required = required != nullptr && *required == mdb::Datum(true);
+    text += is_required || c.type == mdb::ColumnType::Boolean ? " NOT NULL\n" : "\n";
   }
-  return texto;
+  return text;
 }
 
-// "nombre: tipo" of the lines that mdb-schema prints for a table.
-std::string EsquemaSuyo(const std::string& ruta, const std::string& tabla) {
-  std::string texto;
-  for (std::string linea :
-       base::Split(mdb_test::Salida("mdb-schema --no-default-values -T " + mdb_test::Entrecomillado(tabla) +
-                                    " " + mdb_test::Entrecomillado(ruta) + " access 2>/dev/null"),
+// "name: type" of the lines that mdb-schema prints for a table.
+std::string TheirSchema(const std::string& path, const std::string& table) {
+  std::string text;
+  for (std::string line :
+       base::Split(mdb_test::Output("mdb-schema --no-default-values -T " + mdb_test::Quoted(table) + " " +
+                                    mdb_test::Quoted(path) + " access 2>/dev/null"),
                    "\n")) {
-    const auto fin = linea.find("]\t");
-    if (linea.compare(0, 2, "\t[") != 0 || fin == std::string::npos) continue;
-    std::string tipo = linea.substr(linea.find_first_not_of('\t', fin + 1));
-    while (!tipo.empty() && (tipo.back() == ' ' || tipo.back() == ',')) tipo.pop_back();
-    texto += linea.substr(2, fin - 2) + ": " + tipo + "\n";
+    const auto end = line.find("]\t");
+    if (line.compare(0, 2, "\t[") != 0 || end == std::string::npos) continue;
+    std::string type = line.substr(line.find_first_not_of('\t', end + 1));
+    while (!type.empty() && (type.back() == ' ' || type.back() == ',')) type.pop_back();
+    text += line.substr(2, end - 2) + ": " + type + "\n";
   }
-  return texto;
+  return text;
 }
 
-// Calls `ver(path, catalog, table, header)` for each table of every file, with a trace.
-template <typename Ver>
-void PorCadaTabla(Ver&& ver) {
-  for (const auto& ruta : FilesOfMdbtools()) {
-    const auto paginas = mdb_test::Cargar(ruta);
-    const mdb::Catalogo catalogo(*paginas);
-    for (const auto& o : catalogo.Objetos()) {
-      if (o.tipo != mdb::Objeto::Tabla) continue;
-      SCOPED_TRACE(ruta + " " + o.nombre);
-      ver(ruta, catalogo, o.nombre, paginas->Cab());
+// Calls `look(path, catalog, table, header)` for each table of every file, with a trace.
+template <typename Visit>
+void ForEachTable(Visit&& look) {
+  for (const auto& path : FilesOfMdbtools()) {
+    const auto pages = mdb_test::Load(path);
+    const mdb::SystemCatalog catalog(*pages);
+    for (const auto& o : catalog.Objects()) {
+      if (o.type != mdb::Object::Table) continue;
+      SCOPED_TRACE(path + " " + o.name);
+      look(path, catalog, o.name, pages->Header());
     }
   }
 }
 
 TEST(Mdbtools, ColumnsAndTypesAreReadAlike) {
-  SALTAR_SIN_MDBTOOLS();
-  std::size_t tablas = 0;
-  PorCadaTabla([&](const std::string& ruta, const mdb::Catalogo& catalogo, const std::string& tabla,
-                   const mdb::Cabecera& cabecera) {
-    EXPECT_EQ(EsquemaNuestro(catalogo, *catalogo.Tabla(tabla), cabecera.Jet3()), EsquemaSuyo(ruta, tabla));
-    ++tablas;
+  SKIP_WITHOUT_MDBTOOLS();
+  std::size_t tables = 0;
+  ForEachTable([&](const std::string& path, const mdb::SystemCatalog& catalog, const std::string& table,
+                   const mdb::FileHeader& header) {
+    EXPECT_EQ(OurSchema(catalog, *catalog.Table(table), header.Jet3()), TheirSchema(path, table));
+    ++tables;
   });
-  EXPECT_GT(tablas, 100U);
+  EXPECT_GT(tables, 100U);
 }
 
 // mdb-schema prints at most one relationship of a table, so that each of its own must be among ours.
 TEST(Mdbtools, RelationshipsAreReadAlike) {
-  SALTAR_SIN_MDBTOOLS();
-  std::size_t relaciones = 0;
-  PorCadaTabla([&](const std::string& ruta, const mdb::Catalogo& catalogo, const std::string& tabla,
-                   const mdb::Cabecera&) {
-    const std::string suyo =
-        mdb_test::Salida("mdb-schema --no-indexes --relations -T " + mdb_test::Entrecomillado(tabla) + " " +
-                         mdb_test::Entrecomillado(ruta) + " mysql 2>/dev/null");
-    const auto desde = suyo.find(" FOREIGN KEY ");
-    if (desde == std::string::npos) return;
-    const std::string texto = suyo.substr(desde + 1, suyo.find('\n', desde) - desde - 1);
-    bool hay = false;
-    for (const auto& r : catalogo.Relaciones()) {
-      std::string nuestro = "FOREIGN KEY (`" + base::Join(r.columnas, "`, `") + "`) REFERENCES `" +
-                            r.tabla_referida + "`(`" + base::Join(r.columnas_referidas, "`, `") + "`)";
-      if ((r.banderas & mdb::RelacionDeTablas::kActualizaEnCascada) != 0) nuestro += " ON UPDATE CASCADE";
-      if ((r.banderas & mdb::RelacionDeTablas::kBorraEnCascada) != 0) nuestro += " ON DELETE CASCADE";
-      hay = hay || (r.tabla == tabla && nuestro + ";" == texto);
+  SKIP_WITHOUT_MDBTOOLS();
+  std::size_t relationships = 0;
+  ForEachTable([&](const std::string& path, const mdb::SystemCatalog& catalog, const std::string& table,
+                   const mdb::FileHeader&) {
+    const std::string theirs =
+        mdb_test::Output("mdb-schema --no-indexes --relations -T " + mdb_test::Quoted(table) + " " +
+                         mdb_test::Quoted(path) + " mysql 2>/dev/null");
+    const auto from = theirs.find(" FOREIGN KEY ");
+    if (from == std::string::npos) return;
+    const std::string text = theirs.substr(from + 1, theirs.find('\n', from) - from - 1);
+    bool found = false;
+    for (const auto& r : catalog.Relationships()) {
+      std::string ours = "FOREIGN KEY (`" + base::Join(r.columns, "`, `") + "`) REFERENCES `" +
+                         r.referenced_table + "`(`" + base::Join(r.referenced_columns, "`, `") + "`)";
+      if ((r.flags & mdb::TableRelationship::kCascadesUpdates) != 0) ours += " ON UPDATE CASCADE";
+      if ((r.flags & mdb::TableRelationship::kCascadesDeletes) != 0) ours += " ON DELETE CASCADE";
+      found = found || (r.table == table && ours + ";" == text);
     }
-    EXPECT_TRUE(hay) << texto;
-    ++relaciones;
+    EXPECT_TRUE(found) << text;
+    ++relationships;
   });
-  EXPECT_GE(relaciones, mdb_test::CarpetaDeCorpus().empty() ? 2U : 6U);
+  EXPECT_GE(relationships, mdb_test::CorpusFolder().empty() ? 2U : 6U);
 }
 
 TEST(Mdbtools, TablesShownToUsersAreTheSame) {
-  SALTAR_SIN_MDBTOOLS();
-  for (const auto& ruta : FilesOfMdbtools()) {
-    SCOPED_TRACE(ruta);
-    const auto paginas = mdb_test::Cargar(ruta);
-    const mdb::Catalogo catalogo(*paginas);
-    const auto listar = [&](mdb::Objeto::Tipo tipo) {
-      std::vector<std::string> nombres;
-      for (const auto& o : catalogo.Objetos())
-        if (o.tipo == tipo && !o.DeSistema()) nombres.push_back(o.nombre);
-      std::sort(nombres.begin(), nombres.end());
-      return nombres;
+  SKIP_WITHOUT_MDBTOOLS();
+  for (const auto& path : FilesOfMdbtools()) {
+    SCOPED_TRACE(path);
+    const auto pages = mdb_test::Load(path);
+    const mdb::SystemCatalog catalog(*pages);
+    const auto list = [&](mdb::Object::Type type) {
+      std::vector<std::string> names;
+      for (const auto& o : catalog.Objects())
+        if (o.type == type && !o.IsSystem()) names.push_back(o.name);
+      std::sort(names.begin(), names.end());
+      return names;
     };
-    const auto suyos = [&](const std::string& orden) {
-      auto nombres =
-          base::Split(mdb_test::Salida(orden + mdb_test::Entrecomillado(ruta) + " 2>/dev/null"), "\n");
+    const auto theirs = [&](const std::string& order) {
+      auto names = base::Split(mdb_test::Output(order + mdb_test::Quoted(path) + " 2>/dev/null"), "\n");
       // It does not know those that Access keeps for itself.
-      std::erase_if(nombres, [](const auto& n) { return n.starts_with("~sq_"); });
-      std::sort(nombres.begin(), nombres.end());
-      nombres.erase(nombres.begin(),
-                    std::find_if(nombres.begin(), nombres.end(), [](const auto& n) { return !n.empty(); }));
-      return nombres;
+      std::erase_if(names, [](const auto& n) { return n.starts_with("~sq_"); });
+      std::sort(names.begin(), names.end());
+      names.erase(names.begin(),
+                  std::find_if(names.begin(), names.end(), [](const auto& n) { return !n.empty(); }));
+      return names;
     };
-    EXPECT_EQ(listar(mdb::Objeto::Tabla), suyos("mdb-tables -1 "));
-    EXPECT_EQ(listar(mdb::Objeto::Consulta), suyos("mdb-queries -L -1 "));
+    EXPECT_EQ(list(mdb::Object::Table), theirs("mdb-tables -1 "));
+    EXPECT_EQ(list(mdb::Object::Query), theirs("mdb-queries -L -1 "));
   }
 }
 

@@ -9,55 +9,53 @@
 
 namespace mdb_test {
 
-inline mdb::NuevaColumna Columna(std::string nombre, mdb::TipoColumna tipo, std::uint16_t largo = 0) {
-  mdb::NuevaColumna c;
-  c.nombre = std::move(nombre);
-  c.tipo = tipo;
-  c.largo = largo;
+inline mdb::NewColumn Column(std::string name, mdb::ColumnType type, std::uint16_t length = 0) {
+  mdb::NewColumn c;
+  c.name = std::move(name);
+  c.type = type;
+  c.length = length;
   return c;
 }
 
-inline mdb::CambioDeFila Cambio(mdb::IdFila fila, std::vector<std::pair<std::size_t, mdb::Dato>> valores) {
-  return {fila, std::move(valores)};
+inline mdb::RowChange ChangeOf(mdb::RowId row, std::vector<std::pair<std::size_t, mdb::Datum>> values) {
+  return {row, std::move(values)};
 }
 
 // The findings of our own check, one a line; notes are what files of Access have too.
-inline std::string Hallazgos(mdb::Paginas& paginas, bool con_notas) {
-  std::string texto;
-  for (const auto& h : mdb::Verificar(paginas).hallazgos)
-    if (con_notas || h.grado == mdb::Hallazgo::Grado::Error) texto += h.texto + "\n";
-  return texto;
+inline std::string Findings(mdb::PageFile& pages, bool with_notes) {
+  std::string text;
+  for (const auto& h : mdb::Verify(pages).findings)
+    if (with_notes || h.severity == mdb::Finding::Severity::Error) text += h.text + "\n";
+  return text;
 }
 
-class BaseNueva {
+class NewDatabase {
  public:
-  explicit BaseNueva(std::uint16_t orden = 3082) {
-    mdb::Bytes bytes = mdb::NuevaBase(orden, kAhora);
-    const mdb::Cabecera cabecera = mdb::LeerCabecera(bytes);
-    auto paginas = std::make_unique<mdb::PaginasEnMemoria>(cabecera, std::move(bytes));
-    paginas_ = paginas.get();
-    base_ = std::make_unique<mdb::Base>(std::move(paginas));
+  explicit NewDatabase(std::uint16_t order = 3082) {
+    mdb::Bytes bytes = mdb::MakeDatabase(order, kNow);
+    const mdb::FileHeader header = mdb::ReadHeader(bytes);
+    auto pages = std::make_unique<mdb::MemoryPages>(header, std::move(bytes));
+    pages_ = pages.get();
+    base_ = std::make_unique<mdb::Database>(std::move(pages));
   }
-  mdb::Base* operator->() { return base_.get(); }
-  mdb::Paginas& Hojas() { return *paginas_; }
-  mdb::Definicion Crear(const mdb::NuevaTabla& tabla) {
-    base_->CrearTabla(tabla, kAhora);
-    return *base_->Indice().Tabla(tabla.nombre);
+  mdb::Database* operator->() { return base_.get(); }
+  mdb::PageFile& Pages() { return *pages_; }
+  mdb::Definition Create(const mdb::NewTable& table) {
+    base_->CreateTable(table, kNow);
+    return *base_->Catalog().Table(table.name);
   }
-  const mdb::Bytes& Guardado() {
-    base_->Confirmar();
-    return paginas_->Guardado();
+  const mdb::Bytes& Saved() {
+    base_->Commit();
+    return pages_->Stored();
   }
-  // What the independent checker, or our own, finds wrong with the file as it is. Not `estricto`: the other
+  // What the independent checker, or our own, finds wrong with the file as it is. Not `strict`: the other
   // one counts the bitmap pages of an index's map as lost, which only big files have.
-  std::string Control(bool estricto = true) {
-    return Controlar(Guardado(), estricto) + Hallazgos(*paginas_, true);
-  }
+  std::string Control(bool strict = true) { return RunChecker(Saved(), strict) + Findings(*pages_, true); }
 
  private:
-  const base::Fecha kAhora{46347};  // 21 November 2026
-  mdb::PaginasEnMemoria* paginas_ = nullptr;
-  std::unique_ptr<mdb::Base> base_;
+  const base::Date kNow{46347};  // 21 November 2026
+  mdb::MemoryPages* pages_ = nullptr;
+  std::unique_ptr<mdb::Database> base_;
 };
 
 }  // namespace mdb_test

@@ -10,52 +10,51 @@
 namespace mdb_test {
 namespace {
 
-std::string Entre(const std::string& texto) { return "'" + texto + "'"; }
+std::string InQuotes(const std::string& text) { return "'" + text + "'"; }
 
-std::string Correr(const std::string& orden, int* codigo) {
-  FILE* tubo = popen(orden.c_str(), "r");
-  if (tubo == nullptr) throw std::runtime_error("cannot run " + orden);
-  std::string salida;
-  char trozo[4096];
-  while (const std::size_t n = std::fread(trozo, 1, sizeof trozo, tubo)) salida.append(trozo, n);
-  *codigo = pclose(tubo);
-  return salida;
+std::string Run(const std::string& command, int* code) {
+  FILE* stream = popen(command.c_str(), "r");
+  if (stream == nullptr) throw std::runtime_error("cannot run " + command);
+  std::string output;
+  char slice[4096];
+  while (const std::size_t n = std::fread(slice, 1, sizeof slice, stream)) output.append(slice, n);
+  *code = pclose(stream);
+  return output;
 }
 
-bool Corre(const std::string& orden) {
-  int codigo = 0;
-  Correr(orden + " >/dev/null 2>&1", &codigo);
-  return codigo == 0;
+bool Runs(const std::string& command) {
+  int code = 0;
+  Run(command + " >/dev/null 2>&1", &code);
+  return code == 0;
 }
 
-std::string Guardar(const support::CarpetaTemporal& carpeta, const mdb::Bytes& archivo) {
-  return carpeta.Escribir("prueba.mdb", {reinterpret_cast<const char*>(archivo.data()), archivo.size()});
+std::string Save(const support::TempFolder& folder, const mdb::Bytes& file) {
+  return folder.Write("prueba.mdb", {reinterpret_cast<const char*>(file.data()), file.size()});
 }
 
 }  // namespace
 
-bool HayControl() { return !HerramientaDeControl().empty() && Corre("python3 --version"); }
+bool HasChecker() { return !CheckingTool().empty() && Runs("python3 --version"); }
 
-bool HayMdbtools() { return Corre("command -v mdb-tables mdb-schema mdb-export mdb-queries"); }
+bool HasMdbtools() { return Runs("command -v mdb-tables mdb-schema mdb-export mdb-queries"); }
 
-std::string Controlar(const mdb::Bytes& archivo, bool estricto) {
-  if (!HayControl()) return {};
-  const support::CarpetaTemporal carpeta;
-  int codigo = 0;
-  std::string salida = Correr("python3 " + Entre(HerramientaDeControl()) + " -q " +
-                                  (estricto ? "--strict " : "") + Entre(Guardar(carpeta, archivo)) + " 2>&1",
-                              &codigo);
-  if (codigo == 0) return {};
-  return salida.empty() ? "the checker failed" : salida;
+std::string RunChecker(const mdb::Bytes& file, bool strict) {
+  if (!HasChecker()) return {};
+  const support::TempFolder folder;
+  int code = 0;
+  std::string output = Run("python3 " + InQuotes(CheckingTool()) + " -q " + (strict ? "--strict " : "") +
+                               InQuotes(Save(folder, file)) + " 2>&1",
+                           &code);
+  if (code == 0) return {};
+  return output.empty() ? "the checker failed" : output;
 }
 
-std::string Mdbtools(const std::string& programa, const std::string& opciones, const mdb::Bytes& archivo,
-                     const std::string& tras) {
-  const support::CarpetaTemporal carpeta;
-  int codigo = 0;
-  return Correr(
-      programa + " " + opciones + " " + Entre(Guardar(carpeta, archivo)) + " " + tras + " 2>/dev/null",
-      &codigo);
+std::string Mdbtools(const std::string& program, const std::string& options, const mdb::Bytes& file,
+                     const std::string& after) {
+  const support::TempFolder folder;
+  int code = 0;
+  return Run(program + " " + options + " " + InQuotes(Save(folder, file)) + " " + after + " 2>/dev/null",
+             &code);
 }
 
 }  // namespace mdb_test

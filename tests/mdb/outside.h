@@ -9,16 +9,16 @@
 
 namespace mdb_test {
 
-bool HayControl();   // the checker, and a Python to run it
-bool HayMdbtools();  // mdb-tables, mdb-schema, mdb-export, mdb-queries
+bool HasChecker();   // the checker, and a Python to run it
+bool HasMdbtools();  // mdb-tables, mdb-schema, mdb-export, mdb-queries
 
-// What the checker finds wrong; empty when it finds nothing or is not there. `estricto` is for files written
+// What the checker finds wrong; empty when it finds nothing or is not there. `strict` is for files written
 // by us from nothing.
-std::string Controlar(const mdb::Bytes& archivo, bool estricto);
+std::string RunChecker(const mdb::Bytes& file, bool strict);
 
-// Standard output of a program of mdbtools; the file stands last, or before `tras`. Standard error is
+// Standard output of a program of mdbtools; the file stands last, or before `after`. Standard error is
 // dropped.
-std::string Mdbtools(const std::string& programa, const std::string& opciones, const mdb::Bytes& archivo,
-                     const std::string& tras = {});
+std::string Mdbtools(const std::string& program, const std::string& options, const mdb::Bytes& file,
+                     const std::string& after = {});
 
 }  // namespace mdb_test

@@ -12,169 +12,169 @@
 #include <random>
 #include <thread>
 
-#include "mdb/muestra.h"
+#include "mdb/bare_file.h"
 #include "mdb/pages/page_file.h"
 #include "support/temp_folder.h"
 
 namespace {
 
-using mdb::NumPagina;
-using mdb::PaginasDeArchivo;
-using mdb_test::BaseDeMuestra;
-using mdb_test::ComoTexto;
+using mdb::DiskPages;
+using mdb::PageNumber;
+using mdb_test::AsText;
+using mdb_test::SampleDatabase;
 
-constexpr NumPagina kPaginas = 24;
+constexpr PageNumber kPages = 24;
 
 // One commit: every page but the header holds nothing but the number of the commit; the file grows at every
 // third.
-void Commit(PaginasDeArchivo& p, std::uint32_t numero) {
-  if (numero % 3 == 0) p.Agregar();
-  for (NumPagina n = 1; n < p.Cantidad(); ++n) {
-    mdb::Bytes& pagina = p.Modificar(n);
-    for (std::size_t i = 0; i < pagina.size(); i += 4) mdb::Poner32(pagina, i, numero);
+void Commit(DiskPages& p, std::uint32_t number) {
+  if (number % 3 == 0) p.Add();
+  for (PageNumber n = 1; n < p.Count(); ++n) {
+    mdb::Bytes& page = p.Modify(n);
+    for (std::size_t i = 0; i < page.size(); i += 4) mdb::Put32(page, i, number);
   }
-  p.Confirmar();
+  p.Commit();
 }
 
 // The number of the commit that the file holds, whole; 0 before the first. Fails the test when pages differ.
-std::uint32_t CommitDe(PaginasDeArchivo& p) {
-  const std::uint32_t numero = mdb::U32(*p.Leer(1), 0);
-  if (numero == mdb::U32(BaseDeMuestra(2), 4096)) return 0;
-  for (NumPagina n = 1; n < p.Cantidad(); ++n) {
-    const auto pagina = p.Leer(n);
-    for (std::size_t i = 0; i < pagina->size(); i += 4) {
-      if (mdb::U32(*pagina, i) != numero) {
-        ADD_FAILURE() << "page " << n << " at " << i << " is of commit " << mdb::U32(*pagina, i)
-                      << ", page 1 of " << numero;
-        return numero;
+std::uint32_t CommitOf(DiskPages& p) {
+  const std::uint32_t number = mdb::U32(*p.Read(1), 0);
+  if (number == mdb::U32(SampleDatabase(2), 4096)) return 0;
+  for (PageNumber n = 1; n < p.Count(); ++n) {
+    const auto page = p.Read(n);
+    for (std::size_t i = 0; i < page->size(); i += 4) {
+      if (mdb::U32(*page, i) != number) {
+        ADD_FAILURE() << "page " << n << " at " << i << " is of commit " << mdb::U32(*page, i)
+                      << ", page 1 of " << number;
+        return number;
       }
     }
   }
-  return numero;
+  return number;
 }
 
-TEST(PaginasDeArchivo, AProgramKilledAtAnyMomentLeavesAWholeCommit) {
-  const support::CarpetaTemporal c;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(kPaginas)));
-  std::mt19937 azar(20261121);
-  std::uint32_t ultimo = 3;
+TEST(DiskPages, AProgramKilledAtAnyMomentLeavesAWholeCommit) {
+  const support::TempFolder c;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(kPages)));
+  std::mt19937 random(20261121);
+  std::uint32_t last = 3;
   // How long a commit takes here: most kills are to fall into one of the first few.
-  const auto empezado = std::chrono::steady_clock::now();
+  const auto started = std::chrono::steady_clock::now();
   {
-    const auto p = PaginasDeArchivo::Abrir(ruta);
-    for (std::uint32_t n = 1; n <= ultimo; ++n) Commit(*p, n);
+    const auto p = DiskPages::Open(path);
+    for (std::uint32_t n = 1; n <= last; ++n) Commit(*p, n);
   }
-  const auto tres = std::chrono::steady_clock::now() - empezado;
-  const auto us = static_cast<unsigned>(std::chrono::duration_cast<std::chrono::microseconds>(tres).count());
+  const auto three = std::chrono::steady_clock::now() - started;
+  const auto us = static_cast<unsigned>(std::chrono::duration_cast<std::chrono::microseconds>(three).count());
   // With others at work on the machine it may take many times as long: then the wait grows, and there are
   // more rounds.
   unsigned longest = 2 * us + 2000, idle = 0;
-  int con_diario = 0, avances = 0;
-  for (int vuelta = 0; vuelta < 60 || (vuelta < 300 && (avances <= 5 || con_diario <= 5)); ++vuelta) {
-    const pid_t hijo = fork();
-    ASSERT_GE(hijo, 0);
-    if (hijo == 0) {
+  int with_journal = 0, advances = 0;
+  for (int round = 0; round < 60 || (round < 300 && (advances <= 5 || with_journal <= 5)); ++round) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
       // Only the kill ends it, or a failure that the parent sees.
       try {
-        const auto p = PaginasDeArchivo::Abrir(ruta);
-        for (std::uint32_t n = ultimo + 1;; ++n) Commit(*p, n);
+        const auto p = DiskPages::Open(path);
+        for (std::uint32_t n = last + 1;; ++n) Commit(*p, n);
       } catch (const base::Error&) {
         _exit(3);
       }
     }
-    std::this_thread::sleep_for(std::chrono::microseconds(azar() % longest));
-    kill(hijo, SIGKILL);
-    int estado = 0;
-    ASSERT_EQ(waitpid(hijo, &estado, 0), hijo);
-    ASSERT_TRUE(WIFSIGNALED(estado)) << "ended by itself: " << WEXITSTATUS(estado);
-    if (std::filesystem::exists(ruta + "-diario")) ++con_diario;
-    const auto p = PaginasDeArchivo::Abrir(ruta, vuelta % 2 == 0);
-    ASSERT_FALSE(std::filesystem::exists(ruta + "-diario"));
-    const std::uint32_t ahora = CommitDe(*p);
-    ASSERT_GE(ahora, ultimo);
-    ASSERT_EQ(p->Cantidad(), kPaginas + ahora / 3);
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % longest));
+    kill(child, SIGKILL);
+    int state = 0;
+    ASSERT_EQ(waitpid(child, &state, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(state)) << "ended by itself: " << WEXITSTATUS(state);
+    if (std::filesystem::exists(path + "-diario")) ++with_journal;
+    const auto p = DiskPages::Open(path, round % 2 == 0);
+    ASSERT_FALSE(std::filesystem::exists(path + "-diario"));
+    const std::uint32_t now = CommitOf(*p);
+    ASSERT_GE(now, last);
+    ASSERT_EQ(p->Count(), kPages + now / 3);
     if (HasFailure()) return;
-    if (ahora > ultimo) ++avances;
-    idle = ahora > ultimo ? 0 : idle + 1;
+    if (now > last) ++advances;
+    idle = now > last ? 0 : idle + 1;
     if (idle == 4 && longest < 500000) {
       longest *= 2;
       idle = 0;
     }
-    ultimo = ahora;
+    last = now;
   }
-  EXPECT_GT(avances, 5);
-  EXPECT_GT(con_diario, 5);
+  EXPECT_GT(advances, 5);
+  EXPECT_GT(with_journal, 5);
 }
 
 // The system itself says that there is no more room, in the middle of a page.
-TEST(PaginasDeArchivo, ARealLimitOfRoomLeavesTheFileAsItWas) {
-  const support::CarpetaTemporal c;
-  const mdb::Bytes bytes = BaseDeMuestra(kPaginas);
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(bytes));
-  const pid_t hijo = fork();
-  ASSERT_GE(hijo, 0);
-  if (hijo == 0) {
+TEST(DiskPages, ARealLimitOfRoomLeavesTheFileAsItWas) {
+  const support::TempFolder c;
+  const mdb::Bytes bytes = SampleDatabase(kPages);
+  const std::string path = c.Write("a.mdb", AsText(bytes));
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
     signal(SIGXFSZ, SIG_IGN);
-    rlimit tope{};
-    tope.rlim_cur = tope.rlim_max = bytes.size() + 3 * 4096 + 1000;
-    if (setrlimit(RLIMIT_FSIZE, &tope) != 0) _exit(4);
+    rlimit limit{};
+    limit.rlim_cur = limit.rlim_max = bytes.size() + 3 * 4096 + 1000;
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(4);
     try {
-      const auto p = PaginasDeArchivo::Abrir(ruta);
-      p->Modificar(2)[0] ^= 1;
-      for (int i = 0; i < 5; ++i) p->Modificar(p->Agregar())[7] = 7;
-      p->Confirmar();
+      const auto p = DiskPages::Open(path);
+      p->Modify(2)[0] ^= 1;
+      for (int i = 0; i < 5; ++i) p->Modify(p->Add())[7] = 7;
+      p->Commit();
     } catch (const base::Error& e) {
-      const bool bien = e.Descripcion() ==
-                        "No se pudo guardar en la base, que quedó como estaba. "
-                        "No se puede escribir a.mdb: el disco está lleno";
-      _exit(bien ? 0 : 3);
+      const bool ok = e.Description() ==
+                      "No se pudo guardar en la base, que quedó como estaba. "
+                      "No se puede escribir a.mdb: el disco está lleno";
+      _exit(ok ? 0 : 3);
     }
     _exit(5);
   }
-  int estado = 0;
-  ASSERT_EQ(waitpid(hijo, &estado, 0), hijo);
-  ASSERT_TRUE(WIFEXITED(estado));
-  EXPECT_EQ(WEXITSTATUS(estado), 0);
-  EXPECT_EQ(c.Leer("a.mdb"), ComoTexto(bytes));
-  EXPECT_FALSE(std::filesystem::exists(ruta + "-diario"));
+  int state = 0;
+  ASSERT_EQ(waitpid(child, &state, 0), child);
+  ASSERT_TRUE(WIFEXITED(state));
+  EXPECT_EQ(WEXITSTATUS(state), 0);
+  EXPECT_EQ(c.Read("a.mdb"), AsText(bytes));
+  EXPECT_FALSE(std::filesystem::exists(path + "-diario"));
 }
 
-TEST(PaginasDeArchivo, ReadersNeverSeeHalfACommit) {
-  const support::CarpetaTemporal c;
-  const std::string ruta = c.Escribir("a.mdb", ComoTexto(BaseDeMuestra(kPaginas)));
-  std::atomic<bool> basta{false};
-  std::string error_del_escritor;
-  std::thread escritor([&] {
+TEST(DiskPages, ReadersNeverSeeHalfACommit) {
+  const support::TempFolder c;
+  const std::string path = c.Write("a.mdb", AsText(SampleDatabase(kPages)));
+  std::atomic<bool> stop{false};
+  std::string writer_error;
+  std::thread writer([&] {
     try {
-      const auto p = PaginasDeArchivo::Abrir(ruta);
-      for (std::uint32_t n = 1; !basta; ++n) {
+      const auto p = DiskPages::Open(path);
+      for (std::uint32_t n = 1; !stop; ++n) {
         Commit(*p, n);
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
       }
     } catch (const base::Error& e) {
-      error_del_escritor = e.Descripcion();
+      writer_error = e.Description();
     }
   });
-  int enteras = 0;
-  std::uint32_t ultimo = 0;
+  int whole = 0;
+  std::uint32_t last = 0;
   // Until a good number of commits were seen, however slow the disk is.
-  for (int i = 0; i < 1'000'000 && (ultimo < 25 || enteras < 25) && !HasFailure(); ++i) {
+  for (int i = 0; i < 1'000'000 && (last < 25 || whole < 25) && !HasFailure(); ++i) {
     try {
-      const auto p = PaginasDeArchivo::Abrir(ruta, true);
-      const std::uint32_t ahora = CommitDe(*p);
-      EXPECT_GE(ahora, ultimo);
-      EXPECT_EQ(p->Cantidad(), kPaginas + ahora / 3);
-      ultimo = ahora;
-      ++enteras;
-    } catch (const mdb::ArchivoCambio&) {
+      const auto p = DiskPages::Open(path, true);
+      const std::uint32_t now = CommitOf(*p);
+      EXPECT_GE(now, last);
+      EXPECT_EQ(p->Count(), kPages + now / 3);
+      last = now;
+      ++whole;
+    } catch (const mdb::FileChanged&) {
       // Between opening and reading on; nothing mixed was seen.
     }
   }
-  basta = true;
-  escritor.join();
-  EXPECT_EQ(error_del_escritor, "");
-  EXPECT_GE(enteras, 25);
-  EXPECT_GE(ultimo, 25U);
+  stop = true;
+  writer.join();
+  EXPECT_EQ(writer_error, "");
+  EXPECT_GE(whole, 25);
+  EXPECT_GE(last, 25U);
 }
 
 }  // namespace

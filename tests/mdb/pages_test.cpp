@@ -4,49 +4,49 @@
 
 namespace {
 
-mdb::PaginasEnMemoria DosPaginas() { return {mdb::Cabecera{}, mdb::Bytes(8192, 1)}; }
+mdb::MemoryPages TwoPages() { return {mdb::FileHeader{}, mdb::Bytes(8192, 1)}; }
 
-TEST(Paginas, ImagesHandedOutDoNotChange) {
-  auto p = DosPaginas();
-  const auto antes = p.Leer(1);
-  p.Modificar(1)[0] = 9;
-  const auto medio = p.Leer(1);
-  p.Modificar(1)[0] = 10;
-  EXPECT_EQ((*antes)[0], 1);
-  EXPECT_EQ((*medio)[0], 9);
-  EXPECT_EQ((*p.Leer(1))[0], 10);
+TEST(PageFile, ImagesHandedOutDoNotChange) {
+  auto p = TwoPages();
+  const auto before = p.Read(1);
+  p.Modify(1)[0] = 9;
+  const auto middle = p.Read(1);
+  p.Modify(1)[0] = 10;
+  EXPECT_EQ((*before)[0], 1);
+  EXPECT_EQ((*middle)[0], 9);
+  EXPECT_EQ((*p.Read(1))[0], 10);
 }
 
-TEST(Paginas, RollbackAndPointsGiveBackPagesAndLength) {
-  auto p = DosPaginas();
-  p.Modificar(0)[5] = 2;
-  const auto punto = p.Guardar();
-  p.Modificar(0)[5] = 3;
-  EXPECT_EQ(p.Agregar(), 2U);
-  EXPECT_EQ((*p.Leer(2))[4095], 0);
-  p.Volver(punto);
-  EXPECT_EQ(p.Cantidad(), 2U);
-  EXPECT_EQ((*p.Leer(0))[5], 2);
-  p.Deshacer();
-  EXPECT_EQ((*p.Leer(0))[5], 1);
-  EXPECT_FALSE(p.HayCambios());
-  EXPECT_EQ(p.Guardado(), mdb::Bytes(8192, 1));
+TEST(PageFile, RollbackAndPointsGiveBackPagesAndLength) {
+  auto p = TwoPages();
+  p.Modify(0)[5] = 2;
+  const auto point = p.Save();
+  p.Modify(0)[5] = 3;
+  EXPECT_EQ(p.Add(), 2U);
+  EXPECT_EQ((*p.Read(2))[4095], 0);
+  p.RollbackTo(point);
+  EXPECT_EQ(p.Count(), 2U);
+  EXPECT_EQ((*p.Read(0))[5], 2);
+  p.Rollback();
+  EXPECT_EQ((*p.Read(0))[5], 1);
+  EXPECT_FALSE(p.HasChanges());
+  EXPECT_EQ(p.Stored(), mdb::Bytes(8192, 1));
 }
 
-TEST(Paginas, CommitWritesWhatWasChanged) {
-  auto p = DosPaginas();
-  p.Modificar(p.Agregar())[0] = 8;
-  p.Confirmar();
-  p.Deshacer();
-  EXPECT_EQ(p.Cantidad(), 3U);
-  EXPECT_EQ((*p.Leer(2))[0], 8);
-  EXPECT_EQ(p.Guardado().size(), 3U * 4096);
+TEST(PageFile, CommitWritesWhatWasChanged) {
+  auto p = TwoPages();
+  p.Modify(p.Add())[0] = 8;
+  p.Commit();
+  p.Rollback();
+  EXPECT_EQ(p.Count(), 3U);
+  EXPECT_EQ((*p.Read(2))[0], 8);
+  EXPECT_EQ(p.Stored().size(), 3U * 4096);
 }
 
-TEST(Paginas, APageBeyondTheEndIsDamage) {
-  auto p = DosPaginas();
-  EXPECT_THROW(p.Leer(2), mdb::Danio);
-  EXPECT_THROW(p.Modificar(7), mdb::Danio);
+TEST(PageFile, APageBeyondTheEndIsDamage) {
+  auto p = TwoPages();
+  EXPECT_THROW(p.Read(2), mdb::Damage);
+  EXPECT_THROW(p.Modify(7), mdb::Damage);
 }
 
 }  // namespace

@@ -12,292 +12,291 @@
 namespace mdb_test {
 namespace {
 
-using mdb::Dato;
-using mdb::TipoColumna;
+using mdb::ColumnType;
+using mdb::Datum;
 
-std::string TextoAlAzar(Azar& azar, std::size_t unidades, bool ordenable) {
-  static const char* const kLetras[] = {"a", "e", "N", "o", "z", "B", "1", "9", " ",  "ñ", "Ñ", "á",
-                                        "É", "ü", "ç", "c", "h", "l", "l", "-", "\'", ".", "_", "ª"};
-  static const char* const kOtras[] = {"€", "Ж", "中", "\u00ad", "\u0100"};
-  std::string texto;
-  const unsigned raras = ordenable ? 0 : azar.Hasta(4) == 0 ? 3 : 0;
-  for (std::size_t i = 0; i < unidades; ++i)
-    texto += raras != 0 && azar.Uno(raras) ? kOtras[azar.Hasta(5)] : kLetras[azar.Hasta(24)];
-  return texto;
+std::string RandomText(Random& random, std::size_t units, bool sortable) {
+  static const char* const kLetters[] = {"a", "e", "N", "o", "z", "B", "1", "9", " ",  "ñ", "Ñ", "á",
+                                         "É", "ü", "ç", "c", "h", "l", "l", "-", "\'", ".", "_", "ª"};
+  static const char* const kOthers[] = {"€", "Ж", "中", "\u00ad", "\u0100"};
+  std::string text;
+  const unsigned rare = sortable ? 0 : random.Below(4) == 0 ? 3 : 0;
+  for (std::size_t i = 0; i < units; ++i)
+    text += rare != 0 && random.One(rare) ? kOthers[random.Below(5)] : kLetters[random.Below(24)];
+  return text;
 }
 
 // Mostly short, now and then as long as the column takes.
-std::size_t LargoAlAzar(Azar& azar, std::size_t mas) {
-  if (azar.Uno(12)) return mas;
-  return azar.Hasta(static_cast<unsigned>(std::min<std::size_t>(mas, azar.Uno(3) ? 200 : 12) + 1));
+std::size_t RandomLength(Random& random, std::size_t more) {
+  if (random.One(12)) return more;
+  return random.Below(static_cast<unsigned>(std::min<std::size_t>(more, random.One(3) ? 200 : 12) + 1));
 }
 
-std::int64_t EnteroAlAzar(Azar& azar, int bits) {
-  if (azar.Uno(2)) return azar.Hasta(40);
+std::int64_t RandomInteger(Random& random, int bits) {
+  if (random.One(2)) return random.Below(40);
   const auto n =
-      static_cast<std::int64_t>(std::uint64_t{azar.Hasta(0xFFFFFFFF)} << 32 | azar.Hasta(0xFFFFFFFF));
+      static_cast<std::int64_t>(std::uint64_t{random.Below(0xFFFFFFFF)} << 32 | random.Below(0xFFFFFFFF));
   return n >> (64 - bits);
 }
 
-std::size_t LargoDeMemo(Azar& azar) {
-  switch (azar.Hasta(6)) {
+std::size_t MemoLength(Random& random) {
+  switch (random.Below(6)) {
     case 0:
-      return azar.Hasta(34);  // in the row
+      return random.Below(34);  // in the row
     case 1:
-      return 30 + azar.Hasta(6) * 17;
+      return 30 + random.Below(6) * 17;
     case 2:
-      return azar.Hasta(300);
+      return random.Below(300);
     case 3:
-      return 2000 + azar.Hasta(100);  // about a whole page
+      return 2000 + random.Below(100);  // about a whole page
     case 4:
-      return azar.Hasta(20000);  // a chain
+      return random.Below(20000);  // a chain
     default:
       return 0;
   }
 }
 
-mdb::Bytes BytesAlAzar(Azar& azar, std::size_t largo) {
-  mdb::Bytes b(largo);
-  for (auto& x : b) x = static_cast<std::uint8_t>(azar.Hasta(256));
+mdb::Bytes RandomBytes(Random& random, std::size_t length) {
+  mdb::Bytes b(length);
+  for (auto& x : b) x = static_cast<std::uint8_t>(random.Below(256));
   return b;
 }
 
-mdb::Decimal DecimalAlAzar(Azar& azar, const mdb::Columna& c) {
-  std::string texto = azar.Uno(3) ? "-" : "";
-  const unsigned cifras = 1 + azar.Hasta(c.precision);
-  for (unsigned i = 0; i < cifras; ++i) texto += static_cast<char>('0' + azar.Hasta(10));
-  return mdb::DecimalDeTexto(texto + "e-" + std::to_string(c.escala), c.escala);
+mdb::Decimal RandomDecimal(Random& random, const mdb::Column& c) {
+  std::string text = random.One(3) ? "-" : "";
+  const unsigned digits = 1 + random.Below(c.precision);
+  for (unsigned i = 0; i < digits; ++i) text += static_cast<char>('0' + random.Below(10));
+  return mdb::DecimalFromText(text + "e-" + std::to_string(c.scale), c.scale);
 }
 
 }  // namespace
 
-Dato DatoAlAzar(Azar& azar, const mdb::Columna& c, bool ordenable) {
-  if (c.tipo != TipoColumna::Booleano && azar.Uno(7)) return base::Nulo{};
-  switch (c.tipo) {
-    case TipoColumna::Booleano:
-      return azar.Uno(2);
-    case TipoColumna::Byte:
-      return std::int64_t{azar.Hasta(256)};
-    case TipoColumna::Entero:
-      return EnteroAlAzar(azar, 16);
-    case TipoColumna::Largo:
-      return EnteroAlAzar(azar, 32);
-    case TipoColumna::Moneda:
-      return base::Moneda{EnteroAlAzar(azar, 50)};
-    case TipoColumna::Simple:
-      return static_cast<float>(EnteroAlAzar(azar, 20)) / 8;
-    case TipoColumna::Doble:
-      return static_cast<double>(EnteroAlAzar(azar, 40)) / 16;
-    case TipoColumna::Fecha:
-      return base::Fecha{static_cast<double>(EnteroAlAzar(azar, 19)) + azar.Hasta(24) / 24.0};
-    case TipoColumna::Texto:
-      return TextoAlAzar(azar, LargoAlAzar(azar, c.largo / 2), ordenable);
-    case TipoColumna::Memo:
-      return TextoAlAzar(azar, LargoDeMemo(azar), ordenable);
-    case TipoColumna::Ole:
-      return BytesAlAzar(azar, LargoDeMemo(azar));
-    case TipoColumna::Guid: {
+Datum RandomDatum(Random& random, const mdb::Column& c, bool sortable) {
+  if (c.type != ColumnType::Boolean && random.One(7)) return base::Null{};
+  switch (c.type) {
+    case ColumnType::Boolean:
+      return random.One(2);
+    case ColumnType::Byte:
+      return std::int64_t{random.Below(256)};
+    case ColumnType::Integer:
+      return RandomInteger(random, 16);
+    case ColumnType::Long:
+      return RandomInteger(random, 32);
+    case ColumnType::Currency:
+      return base::Currency{RandomInteger(random, 50)};
+    case ColumnType::Single:
+      return static_cast<float>(RandomInteger(random, 20)) / 8;
+    case ColumnType::Double:
+      return static_cast<double>(RandomInteger(random, 40)) / 16;
+    case ColumnType::Date:
+      return base::Date{static_cast<double>(RandomInteger(random, 19)) + random.Below(24) / 24.0};
+    case ColumnType::Text:
+      return RandomText(random, RandomLength(random, c.length / 2), sortable);
+    case ColumnType::Memo:
+      return RandomText(random, MemoLength(random), sortable);
+    case ColumnType::Ole:
+      return RandomBytes(random, MemoLength(random));
+    case ColumnType::Guid: {
       mdb::Guid g;
-      for (auto& b : g.bytes) b = static_cast<std::uint8_t>(azar.Hasta(256));
+      for (auto& b : g.bytes) b = static_cast<std::uint8_t>(random.Below(256));
       return g;
     }
-    case TipoColumna::Decimal:
-      return DecimalAlAzar(azar, c);
+    case ColumnType::Decimal:
+      return RandomDecimal(random, c);
     default:
-      return BytesAlAzar(azar, LargoAlAzar(azar, c.largo));
+      return RandomBytes(random, RandomLength(random, c.length));
   }
 }
 
 namespace {
 
 // The unique and required indexes of a table, over the rows put in so far.
-class Reglas {
+class Rules {
  public:
-  Reglas(const mdb::Cabecera& cabecera, const mdb::Definicion& d) : cabecera_(cabecera), d_(d) {
-    for (std::size_t i = 0; i < d.reales.size(); ++i) {
-      const bool primario = std::any_of(d.logicos.begin(), d.logicos.end(), [&](const auto& l) {
-        return l.real == i && l.clase == mdb::IndiceLogico::Primario;
+  Rules(const mdb::FileHeader& header, const mdb::Definition& d) : header_(header), d_(d) {
+    for (std::size_t i = 0; i < d.reals.size(); ++i) {
+      const bool primary = std::any_of(d.logicals.begin(), d.logicals.end(), [&](const auto& l) {
+        return l.real == i && l.kind == mdb::LogicalIndex::Primary;
       });
-      indices_.push_back({i, d.reales[i].Unico() || primario, d.reales[i].Requerido() || primario, {}});
+      indexes_.push_back({i, d.reals[i].IsUnique() || primary, d.reals[i].IsRequired() || primary, {}});
     }
   }
   // False, and the row left out, when an index does not take it.
-  bool Poner(const mdb::Fila& fila) {
-    for (auto& u : indices_) {
-      if (u.requerido && mdb::AlgunNulo(d_, Real(u), fila)) return false;
-      if (u.unico && !mdb::TodosNulos(d_, Real(u), fila) && u.claves.contains(Clave(u, fila))) return false;
+  bool Put(const mdb::Row& row) {
+    for (auto& u : indexes_) {
+      if (u.required && mdb::AnyNull(d_, Real(u), row)) return false;
+      if (u.unique && !mdb::AllNull(d_, Real(u), row) && u.keys.contains(Key(u, row))) return false;
     }
-    for (auto& u : indices_)
-      if (u.unico) u.claves.insert(Clave(u, fila));
+    for (auto& u : indexes_)
+      if (u.unique) u.keys.insert(Key(u, row));
     return true;
   }
-  void Quitar(const mdb::Fila& fila) {
-    for (auto& u : indices_)
-      if (u.unico) u.claves.erase(u.claves.find(Clave(u, fila)));
+  void Remove(const mdb::Row& row) {
+    for (auto& u : indexes_)
+      if (u.unique) u.keys.erase(u.keys.find(Key(u, row)));
   }
 
  private:
-  struct Uno {
-    std::size_t cual;
-    bool unico, requerido;
-    std::multiset<mdb::Bytes> claves;
+  struct One {
+    std::size_t which;
+    bool unique, required;
+    std::multiset<mdb::Bytes> keys;
   };
-  const mdb::IndiceReal& Real(const Uno& u) const { return d_.reales[u.cual]; }
-  mdb::Bytes Clave(const Uno& u, const mdb::Fila& fila) const {
-    mdb::Bytes clave;
-    mdb::ClaveDeFila(cabecera_, d_, Real(u), fila, clave);
-    return clave;
+  const mdb::RealIndex& Real(const One& u) const { return d_.reals[u.which]; }
+  mdb::Bytes Key(const One& u, const mdb::Row& row) const {
+    mdb::Bytes key;
+    mdb::MakeRowKey(header_, d_, Real(u), row, key);
+    return key;
   }
-  const mdb::Cabecera& cabecera_;
-  const mdb::Definicion& d_;
-  std::vector<Uno> indices_;
+  const mdb::FileHeader& header_;
+  const mdb::Definition& d_;
+  std::vector<One> indexes_;
 };
 
 }  // namespace
 
-TablaConModelo::TablaConModelo(mdb::Paginas& paginas, mdb::NumPagina definicion, std::string nombre)
-    : paginas_(paginas), definicion_(mdb::LeerDefinicion(paginas, definicion)) {
-  definicion_.nombre = std::move(nombre);
-  ordenable_.resize(definicion_.columnas.size());
-  for (const auto& i : definicion_.reales)
-    for (const auto& p : i.partes) ordenable_[*definicion_.PorNumero(p.columna)] = true;
-  mdb::RecorrerFilas(paginas, definicion_, [&](mdb::IdFila id, const mdb::Fila& fila) {
-    filas_.emplace(id, fila);
+ModelledTable::ModelledTable(mdb::PageFile& pages, mdb::PageNumber definition, std::string name)
+    : pages_(pages), definition_(mdb::ReadDefinition(pages, definition)) {
+  definition_.name = std::move(name);
+  sortable_.resize(definition_.columns.size());
+  for (const auto& i : definition_.reals)
+    for (const auto& p : i.parts) sortable_[*definition_.ByNumber(p.column)] = true;
+  mdb::WalkRows(pages, definition_, [&](mdb::RowId id, const mdb::Row& row) {
+    rows_.emplace(id, row);
     return true;
   });
 }
 
-mdb::Fila TablaConModelo::FilaAlAzar(Azar& azar) {
-  mdb::Fila fila;
-  for (std::size_t i = 0; i < definicion_.columnas.size(); ++i)
-    fila.push_back(DatoAlAzar(azar, definicion_.columnas[i], ordenable_[i]));
-  return fila;
+mdb::Row ModelledTable::RandomRow(Random& random) {
+  mdb::Row row;
+  for (std::size_t i = 0; i < definition_.columns.size(); ++i)
+    row.push_back(RandomDatum(random, definition_.columns[i], sortable_[i]));
+  return row;
 }
 
-bool TablaConModelo::SeAdmite(const Contenido& filas, const std::vector<mdb::Fila>& nuevas) const {
-  Reglas reglas(paginas_.Cab(), definicion_);
-  for (const auto& [id, fila] : filas)
-    if (!reglas.Poner(fila)) return false;
-  for (const auto& fila : nuevas)
-    if (!reglas.Poner(fila)) return false;
+bool ModelledTable::IsAdmitted(const Contents& rows, const std::vector<mdb::Row>& inserted) const {
+  Rules rules(pages_.Header(), definition_);
+  for (const auto& [id, row] : rows)
+    if (!rules.Put(row)) return false;
+  for (const auto& row : inserted)
+    if (!rules.Put(row)) return false;
   return true;
 }
 
-void TablaConModelo::Aplicar(const mdb::Cambios& cambios, Contenido despues) {
-  const bool se_admite = SeAdmite(despues, cambios.nuevas);
-  const auto punto = paginas_.Guardar();
-  const mdb::Definicion antes = definicion_;
+void ModelledTable::Apply(const mdb::Changes& changes, Contents after) {
+  const bool admitted = IsAdmitted(after, changes.inserted);
+  const auto point = pages_.Save();
+  const mdb::Definition before = definition_;
   try {
-    const auto ids = mdb::Aplicar(paginas_, definicion_, cambios);
-    ASSERT_TRUE(se_admite) << "a batch that breaks an index was taken";
-    ASSERT_EQ(ids.size(), cambios.nuevas.size());
+    const auto ids = mdb::Apply(pages_, definition_, changes);
+    ASSERT_TRUE(admitted) << "a batch that breaks an index was taken";
+    ASSERT_EQ(ids.size(), changes.inserted.size());
     for (std::size_t i = 0; i < ids.size(); ++i)
-      ASSERT_TRUE(despues.emplace(ids[i], cambios.nuevas[i]).second) << "an identity was given twice";
-    filas_ = std::move(despues);
-    cuentas.nuevas += static_cast<unsigned>(ids.size());
-    cuentas.cambiadas += static_cast<unsigned>(cambios.cambiadas.size());
-    cuentas.borradas += static_cast<unsigned>(cambios.borradas.size());
-  } catch (const mdb::ErrorDeClave& e) {
-    ASSERT_FALSE(se_admite) << e.what();
-    definicion_ = antes;
-    paginas_.Volver(punto);
-    ++cuentas.rechazadas;
+      ASSERT_TRUE(after.emplace(ids[i], changes.inserted[i]).second) << "an identity was given twice";
+    rows_ = std::move(after);
+    counts.inserted += static_cast<unsigned>(ids.size());
+    counts.changed += static_cast<unsigned>(changes.changed.size());
+    counts.deleted += static_cast<unsigned>(changes.deleted.size());
+  } catch (const mdb::KeyError& e) {
+    ASSERT_FALSE(admitted) << e.what();
+    definition_ = before;
+    pages_.RollbackTo(point);
+    ++counts.rejected;
   }
 }
 
-void TablaConModelo::Cambiar(Azar& azar, unsigned largo) {
-  constexpr int kIntentos = 8;
-  mdb::Cambios cambios;
-  Contenido despues = filas_;
-  const bool con_cuidado = !azar.Uno(8), lleno = filas_.size() > filas_de_mas;
-  Reglas reglas(paginas_.Cab(), definicion_);
-  for (const auto& [id, fila] : filas_) ASSERT_TRUE(reglas.Poner(fila));
-  for (const auto& [id, fila] : filas_) {
-    if (cambios.borradas.size() + cambios.cambiadas.size() >= largo) break;
-    if (!azar.Uno(1 + static_cast<unsigned>(filas_.size()) / largo)) continue;
-    reglas.Quitar(fila);
-    if (azar.Uno(lleno ? 2 : 4)) {
-      cambios.borradas.push_back(id);
-      despues.erase(id);
+void ModelledTable::Change(Random& random, unsigned length) {
+  constexpr int kAttempts = 8;
+  mdb::Changes changes;
+  Contents after = rows_;
+  const bool careful = !random.One(8), full = rows_.size() > many_rows;
+  Rules rules(pages_.Header(), definition_);
+  for (const auto& [id, row] : rows_) ASSERT_TRUE(rules.Put(row));
+  for (const auto& [id, row] : rows_) {
+    if (changes.deleted.size() + changes.changed.size() >= length) break;
+    if (!random.One(1 + static_cast<unsigned>(rows_.size()) / length)) continue;
+    rules.Remove(row);
+    if (random.One(full ? 2 : 4)) {
+      changes.deleted.push_back(id);
+      after.erase(id);
       continue;
     }
-    for (int intento = 0; intento < kIntentos; ++intento) {
-      mdb::CambioDeFila cambio{id, {}};
-      mdb::Fila nueva = fila;
-      for (std::size_t c = 0; c < definicion_.columnas.size(); ++c) {
-        if (!azar.Uno(3)) continue;
-        cambio.valores.emplace_back(c, DatoAlAzar(azar, definicion_.columnas[c], ordenable_[c]));
-        nueva[c] = cambio.valores.back().second;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+      mdb::RowChange change{id, {}};
+      mdb::Row fresh = row;
+      for (std::size_t c = 0; c < definition_.columns.size(); ++c) {
+        if (!random.One(3)) continue;
+        change.values.emplace_back(c, RandomDatum(random, definition_.columns[c], sortable_[c]));
+        fresh[c] = change.values.back().second;
       }
-      const bool cabe = reglas.Poner(nueva);
-      if (con_cuidado && !cabe) continue;
-      despues[id] = std::move(nueva);
-      cambios.cambiadas.push_back(std::move(cambio));
+      const bool fits = rules.Put(fresh);
+      if (careful && !fits) continue;
+      after[id] = std::move(fresh);
+      changes.changed.push_back(std::move(change));
       break;
     }
-    if (con_cuidado && despues[id] == fila &&
-        (cambios.cambiadas.empty() || cambios.cambiadas.back().fila != id))
-      reglas.Poner(fila);
+    if (careful && after[id] == row && (changes.changed.empty() || changes.changed.back().row != id))
+      rules.Put(row);
   }
-  for (unsigned i = azar.Hasta(lleno ? largo / 2 + 1 : largo + 1); i > 0; --i) {
-    for (int intento = 0; intento < kIntentos; ++intento) {
-      mdb::Fila fila = FilaAlAzar(azar);
-      if (!reglas.Poner(fila) && con_cuidado) continue;
-      cambios.nuevas.push_back(std::move(fila));
+  for (unsigned i = random.Below(full ? length / 2 + 1 : length + 1); i > 0; --i) {
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+      mdb::Row row = RandomRow(random);
+      if (!rules.Put(row) && careful) continue;
+      changes.inserted.push_back(std::move(row));
       break;
     }
   }
-  Aplicar(cambios, std::move(despues));
+  Apply(changes, std::move(after));
 }
 
 // Every row takes the values that the next one had: what unique indexes allow only when all is done at once.
-void TablaConModelo::Rotar() {
-  mdb::Cambios cambios;
-  Contenido despues;
-  for (auto it = filas_.begin(); it != filas_.end(); ++it) {
-    const auto siguiente = std::next(it) == filas_.end() ? filas_.begin() : std::next(it);
-    mdb::CambioDeFila cambio{it->first, {}};
-    for (std::size_t c = 0; c < definicion_.columnas.size(); ++c)
-      cambio.valores.emplace_back(c, siguiente->second[c]);
-    despues.emplace(it->first, siguiente->second);
-    cambios.cambiadas.push_back(std::move(cambio));
+void ModelledTable::Rotate() {
+  mdb::Changes changes;
+  Contents after;
+  for (auto it = rows_.begin(); it != rows_.end(); ++it) {
+    const auto next = std::next(it) == rows_.end() ? rows_.begin() : std::next(it);
+    mdb::RowChange change{it->first, {}};
+    for (std::size_t c = 0; c < definition_.columns.size(); ++c)
+      change.values.emplace_back(c, next->second[c]);
+    after.emplace(it->first, next->second);
+    changes.changed.push_back(std::move(change));
   }
-  Aplicar(cambios, std::move(despues));
+  Apply(changes, std::move(after));
 }
 
-void TablaConModelo::BorrarTodo() {
-  mdb::Cambios cambios;
-  for (const auto& [id, fila] : filas_) cambios.borradas.push_back(id);
-  Aplicar(cambios, {});
+void ModelledTable::DeleteAll() {
+  mdb::Changes changes;
+  for (const auto& [id, row] : rows_) changes.deleted.push_back(id);
+  Apply(changes, {});
 }
 
-void TablaConModelo::Comparar() {
+void ModelledTable::Compare() {
   // What counts is what the pages say, not what the writer still has at hand.
-  mdb::Definicion guardada = mdb::LeerDefinicion(paginas_, definicion_.Pagina());
-  EXPECT_EQ(guardada.filas, definicion_.filas);
-  EXPECT_EQ(guardada.ultimo_automatico, definicion_.ultimo_automatico);
-  std::size_t vistas = 0, iguales = 0;
-  mdb::RecorrerFilas(paginas_, guardada, [&](mdb::IdFila id, const mdb::Fila& fila) {
-    ++vistas;
-    const auto it = filas_.find(id);
-    iguales += it != filas_.end() && it->second == fila ? 1 : 0;
+  mdb::Definition stored = mdb::ReadDefinition(pages_, definition_.Page());
+  EXPECT_EQ(stored.rows, definition_.rows);
+  EXPECT_EQ(stored.last_auto_number, definition_.last_auto_number);
+  std::size_t seen = 0, equal = 0;
+  mdb::WalkRows(pages_, stored, [&](mdb::RowId id, const mdb::Row& row) {
+    ++seen;
+    const auto it = rows_.find(id);
+    equal += it != rows_.end() && it->second == row ? 1 : 0;
     return true;
   });
-  ASSERT_EQ(vistas, filas_.size());
-  ASSERT_EQ(iguales, filas_.size());
-  for (const auto& real : guardada.reales) {
-    std::vector<mdb::Entrada> deben, hay;
-    for (const auto& [id, fila] : filas_) {
-      if (real.IgnoraNulos() && mdb::TodosNulos(guardada, real, fila)) continue;
-      deben.push_back({{}, id});
-      mdb::ClaveDeFila(paginas_.Cab(), guardada, real, fila, deben.back().clave);
+  ASSERT_EQ(seen, rows_.size());
+  ASSERT_EQ(equal, rows_.size());
+  for (const auto& real : stored.reals) {
+    std::vector<mdb::Entry> expected, found;
+    for (const auto& [id, row] : rows_) {
+      if (real.IgnoresNulls() && mdb::AllNull(stored, real, row)) continue;
+      expected.push_back({{}, id});
+      mdb::MakeRowKey(pages_.Header(), stored, real, row, expected.back().key);
     }
-    std::sort(deben.begin(), deben.end());
-    mdb::ArbolDeIndice(paginas_, guardada.Pagina(), real).Recorrer([&](const mdb::Entrada& e) {
-      hay.push_back(e);
+    std::sort(expected.begin(), expected.end());
+    mdb::IndexTree(pages_, stored.Page(), real).Walk([&](const mdb::Entry& e) {
+      found.push_back(e);
       return true;
     });
-    ASSERT_EQ(hay == deben, true) << "index entries: " << hay.size() << " of " << deben.size();
+    ASSERT_EQ(found == expected, true) << "index entries: " << found.size() << " of " << expected.size();
   }
 }
 

@@ -9,51 +9,51 @@
 
 namespace mdb_test {
 
-class Azar {
+class Random {
  public:
-  explicit Azar(unsigned semilla) : motor_(semilla) {}
-  unsigned Hasta(unsigned n) { return static_cast<unsigned>(motor_()) % n; }  // 0 to n-1
-  bool Uno(unsigned de) { return Hasta(de) == 0; }
+  explicit Random(unsigned seed) : generator_(seed) {}
+  unsigned Below(unsigned n) { return static_cast<unsigned>(generator_()) % n; }  // 0 to n-1
+  bool One(unsigned from) { return Below(from) == 0; }
 
  private:
-  std::mt19937 motor_;
+  std::mt19937 generator_;
 };
 
-// A value for a column, now and then Null. With `ordenable`, a text has only characters that an index takes.
-mdb::Dato DatoAlAzar(Azar& azar, const mdb::Columna& columna, bool ordenable);
+// A value for a column, now and then Null. With `sortable`, a text has only characters that an index takes.
+mdb::Datum RandomDatum(Random& random, const mdb::Column& column, bool sortable);
 
-struct Cuentas {
-  unsigned nuevas = 0, cambiadas = 0, borradas = 0, rechazadas = 0;
-  unsigned Hechas() const { return nuevas + cambiadas + borradas; }
+struct Counts {
+  unsigned inserted = 0, changed = 0, deleted = 0, rejected = 0;
+  unsigned Done() const { return inserted + changed + deleted; }
 };
 
-class TablaConModelo {
+class ModelledTable {
  public:
   // Takes the rows that are there as the model's first.
-  TablaConModelo(mdb::Paginas& paginas, mdb::NumPagina definicion, std::string nombre);
-  // One batch through Aplicar, of about `largo` rows. Some batches pay no heed to unique and required
+  ModelledTable(mdb::PageFile& pages, mdb::PageNumber definition, std::string name);
+  // One batch through Apply, of about `length` rows. Some batches pay no heed to unique and required
   // indexes: where these do not allow one, it must be refused, and the pages go back.
-  void Cambiar(Azar& azar, unsigned largo);
+  void Change(Random& random, unsigned length);
   // Rows and index entries as read back are the model's; reports through GoogleTest.
-  void Comparar();
-  void BorrarTodo();
-  void Rotar();  // each row gets the values of the next
+  void Compare();
+  void DeleteAll();
+  void Rotate();  // each row gets the values of the next
 
-  const mdb::Definicion& Def() const { return definicion_; }
-  const std::map<mdb::IdFila, mdb::Fila>& Filas() const { return filas_; }
-  Cuentas cuentas;
-  unsigned filas_de_mas = 400;  // above it, batches delete more than they insert
+  const mdb::Definition& Def() const { return definition_; }
+  const std::map<mdb::RowId, mdb::Row>& Rows() const { return rows_; }
+  Counts counts;
+  unsigned many_rows = 400;  // above it, batches delete more than they insert
 
  private:
-  using Contenido = std::map<mdb::IdFila, mdb::Fila>;
-  mdb::Paginas& paginas_;
-  mdb::Definicion definicion_;
-  std::vector<bool> ordenable_;
-  Contenido filas_;
+  using Contents = std::map<mdb::RowId, mdb::Row>;
+  mdb::PageFile& pages_;
+  mdb::Definition definition_;
+  std::vector<bool> sortable_;
+  Contents rows_;
 
-  mdb::Fila FilaAlAzar(Azar& azar);
-  bool SeAdmite(const Contenido& filas, const std::vector<mdb::Fila>& nuevas) const;
-  void Aplicar(const mdb::Cambios& cambios, Contenido despues);
+  mdb::Row RandomRow(Random& random);
+  bool IsAdmitted(const Contents& rows, const std::vector<mdb::Row>& inserted) const;
+  void Apply(const mdb::Changes& changes, Contents after);
 };
 
 }  // namespace mdb_test

@@ -5,208 +5,207 @@
 
 namespace {
 
-using mdb::Cambios;
-using mdb::Fila;
-using mdb::IdFila;
-using mdb::Ranura;
-using mdb::TipoColumna;
-using mdb_test::kNulo;
+using mdb::Changes;
+using mdb::ColumnType;
+using mdb::Row;
+using mdb::RowId;
+using mdb::Slot;
+using mdb_test::kNull;
 using mdb_test::N;
 using mdb_test::S;
-using mdb_test::Tabla;
-using mdb_test::Texto;
+using mdb_test::Table;
+using mdb_test::Text;
 
 // A Long and three wide texts.
-mdb::NuevaTabla Ancha() {
-  mdb::NuevaTabla t{"Ancha", {}, {}};
-  t.columnas.push_back(mdb_test::Columna("Id", TipoColumna::Largo));
-  for (const char* nombre : {"A", "B", "C"})
-    t.columnas.push_back(mdb_test::Columna(nombre, TipoColumna::Texto));
-  for (std::size_t i = 1; i < 4; ++i) t.columnas[i].comprime = false;
+mdb::NewTable WideTable() {
+  mdb::NewTable t{"Ancha", {}, {}};
+  t.columns.push_back(mdb_test::Column("Id", ColumnType::Long));
+  for (const char* name : {"A", "B", "C"}) t.columns.push_back(mdb_test::Column(name, ColumnType::Text));
+  for (std::size_t i = 1; i < 4; ++i) t.columns[i].compress = false;
   return t;
 }
 
 // About 1550 bytes: two of them fill a page but for some 900.
-const Fila kLlena{N(0), S(255), S(255), S(255)};
+const Row kFull{N(0), S(255), S(255), S(255)};
 
 // A row at the beginning of a page that two others fill behind it.
-IdFila InsertarAntesDeLlenas(Tabla& t, const Fila& primera) {
-  const IdFila id = t.Insertar(primera);
-  t.Insertar(kLlena);
-  t.Insertar(kLlena);
+RowId InsertBeforeFull(Table& t, const Row& first) {
+  const RowId id = t.Insert(first);
+  t.Insert(kFull);
+  t.Insert(kFull);
   return id;
 }
 
-TEST(AplicarFilas, NewRowsGetTheirPlacesInOrderAndAreCounted) {
-  Tabla t(Ancha());
-  const auto ids = t.Aplicar({{}, {}, {{N(1), S(10), kNulo, kNulo}, {N(2), kNulo, kNulo, kNulo}}});
+TEST(ApplyRows, NewRowsGetTheirPlacesInOrderAndAreCounted) {
+  Table t(WideTable());
+  const auto ids = t.Apply({{}, {}, {{N(1), S(10), kNull, kNull}, {N(2), kNull, kNull, kNull}}});
   ASSERT_EQ(ids.size(), 2U);
-  EXPECT_EQ(ids[0].pagina, ids[1].pagina);
-  EXPECT_EQ(ids[0].fila, 0);
-  EXPECT_EQ(ids[1].fila, 1);
-  EXPECT_EQ(t.Leer(ids[0]), (Fila{N(1), S(10), kNulo, kNulo}));
-  EXPECT_EQ(t.Propias(), std::vector{ids[0].pagina});
-  EXPECT_EQ(t.Libres(), std::vector{ids[0].pagina});
-  EXPECT_EQ(mdb::LeerDefinicion(t.P(), t.d.Pagina()).filas, 2U);
+  EXPECT_EQ(ids[0].page, ids[1].page);
+  EXPECT_EQ(ids[0].row, 0);
+  EXPECT_EQ(ids[1].row, 1);
+  EXPECT_EQ(t.Read(ids[0]), (Row{N(1), S(10), kNull, kNull}));
+  EXPECT_EQ(t.OwnPages(), std::vector{ids[0].page});
+  EXPECT_EQ(t.FreePages(), std::vector{ids[0].page});
+  EXPECT_EQ(mdb::ReadDefinition(t.P(), t.d.Page()).rows, 2U);
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, RowsGrowAndShrinkInTheirPage) {
-  Tabla t(Ancha());
-  const auto a = t.Insertar({N(1), S(10), kNulo, kNulo}), b = t.Insertar({N(2), S(20), kNulo, kNulo});
-  t.Cambiar(a, 1, S(200));
-  EXPECT_EQ(t.RanuraDe(a).marcas, 0);
-  EXPECT_EQ(t.Leer(a), (Fila{N(1), S(200), kNulo, kNulo}));
-  t.Cambiar(a, 1, kNulo);
-  EXPECT_EQ(t.Leer(a), (Fila{N(1), kNulo, kNulo, kNulo}));
-  EXPECT_EQ(t.Leer(b), (Fila{N(2), S(20), kNulo, kNulo}));
+TEST(ApplyRows, RowsGrowAndShrinkInTheirPage) {
+  Table t(WideTable());
+  const auto a = t.Insert({N(1), S(10), kNull, kNull}), b = t.Insert({N(2), S(20), kNull, kNull});
+  t.Update(a, 1, S(200));
+  EXPECT_EQ(t.SlotOf(a).marks, 0);
+  EXPECT_EQ(t.Read(a), (Row{N(1), S(200), kNull, kNull}));
+  t.Update(a, 1, kNull);
+  EXPECT_EQ(t.Read(a), (Row{N(1), kNull, kNull, kNull}));
+  EXPECT_EQ(t.Read(b), (Row{N(2), S(20), kNull, kNull}));
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, ARowThatOutgrowsItsPageMovesAndKeepsItsIdentity) {
-  Tabla t(Ancha());
-  const auto a = InsertarAntesDeLlenas(t, {N(1), S(10), kNulo, kNulo});
-  t.Cambiar(a, 1, S(255));
-  ASSERT_EQ(t.Lugar(a), a);  // still room
-  t.Cambiar(a, 2, S(255, 'y'));
-  const IdFila uno = t.Lugar(a);
-  ASSERT_NE(uno, a);
-  EXPECT_EQ(t.RanuraDe(a).marcas, Ranura::kMovida);
-  EXPECT_EQ(t.RanuraDe(a).largo, 4U);
-  EXPECT_EQ(t.RanuraDe(uno).marcas, Ranura::kDestino);
-  EXPECT_EQ(t.Leer(a), (Fila{N(1), S(255), S(255, 'y'), kNulo}));
+TEST(ApplyRows, ARowThatOutgrowsItsPageMovesAndKeepsItsIdentity) {
+  Table t(WideTable());
+  const auto a = InsertBeforeFull(t, {N(1), S(10), kNull, kNull});
+  t.Update(a, 1, S(255));
+  ASSERT_EQ(t.Place(a), a);  // still room
+  t.Update(a, 2, S(255, 'y'));
+  const RowId one = t.Place(a);
+  ASSERT_NE(one, a);
+  EXPECT_EQ(t.SlotOf(a).marks, Slot::kMoved);
+  EXPECT_EQ(t.SlotOf(a).length, 4U);
+  EXPECT_EQ(t.SlotOf(one).marks, Slot::kTarget);
+  EXPECT_EQ(t.Read(a), (Row{N(1), S(255), S(255, 'y'), kNull}));
   // In its new page it grows without moving.
-  t.Cambiar(a, 3, S(100));
-  EXPECT_EQ(t.Lugar(a), uno);
+  t.Update(a, 3, S(100));
+  EXPECT_EQ(t.Place(a), one);
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, AMovedRowMovesOnAndTheMiddlePlaceIsFreed) {
-  Tabla t(Ancha());
-  const auto a = InsertarAntesDeLlenas(t, {N(1), S(10), kNulo, kNulo});
-  t.Cambiar(a, 1, S(255));
-  t.Cambiar(a, 2, S(255, 'y'));
-  const IdFila uno = t.Lugar(a);
-  ASSERT_NE(uno, a);
-  t.Insertar(kLlena);  // beside it
-  t.Insertar({N(0), S(255), S(255), S(200)});
-  ASSERT_EQ(t.Propias().size(), 2U);
-  t.Cambiar(a, 3, S(255, 'z'));
-  const IdFila dos = t.Lugar(a);
-  EXPECT_NE(dos.pagina, uno.pagina);
-  EXPECT_NE(dos.pagina, a.pagina);
-  EXPECT_TRUE(t.RanuraDe(uno).Borrada());
-  EXPECT_EQ(t.RanuraDe(uno).largo, 0U);
-  EXPECT_EQ(t.RanuraDe(a).marcas, Ranura::kMovida);
-  EXPECT_EQ(t.Leer(a), (Fila{N(1), S(255), S(255, 'y'), S(255, 'z')}));
+TEST(ApplyRows, AMovedRowMovesOnAndTheMiddlePlaceIsFreed) {
+  Table t(WideTable());
+  const auto a = InsertBeforeFull(t, {N(1), S(10), kNull, kNull});
+  t.Update(a, 1, S(255));
+  t.Update(a, 2, S(255, 'y'));
+  const RowId one = t.Place(a);
+  ASSERT_NE(one, a);
+  t.Insert(kFull);  // beside it
+  t.Insert({N(0), S(255), S(255), S(200)});
+  ASSERT_EQ(t.OwnPages().size(), 2U);
+  t.Update(a, 3, S(255, 'z'));
+  const RowId two = t.Place(a);
+  EXPECT_NE(two.page, one.page);
+  EXPECT_NE(two.page, a.page);
+  EXPECT_TRUE(t.SlotOf(one).IsDeleted());
+  EXPECT_EQ(t.SlotOf(one).length, 0U);
+  EXPECT_EQ(t.SlotOf(a).marks, Slot::kMoved);
+  EXPECT_EQ(t.Read(a), (Row{N(1), S(255), S(255, 'y'), S(255, 'z')}));
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, AMovedRowGoesHomeWhenItFitsThere) {
-  Tabla t(Ancha());
-  const auto a = InsertarAntesDeLlenas(t, {N(1), S(255), kNulo, kNulo});
-  t.Cambiar(a, 2, S(255));
-  const IdFila uno = t.Lugar(a);
-  ASSERT_NE(uno, a);
-  t.Cambiar(a, 2, S(3));
-  EXPECT_EQ(t.Lugar(a), a);
-  EXPECT_EQ(t.RanuraDe(a).marcas, 0);
-  EXPECT_EQ(t.Propias(), std::vector{a.pagina});  // the page that it leaves empty goes back
-  EXPECT_EQ(t.Leer(a), (Fila{N(1), S(255), S(3), kNulo}));
+TEST(ApplyRows, AMovedRowGoesHomeWhenItFitsThere) {
+  Table t(WideTable());
+  const auto a = InsertBeforeFull(t, {N(1), S(255), kNull, kNull});
+  t.Update(a, 2, S(255));
+  const RowId one = t.Place(a);
+  ASSERT_NE(one, a);
+  t.Update(a, 2, S(3));
+  EXPECT_EQ(t.Place(a), a);
+  EXPECT_EQ(t.SlotOf(a).marks, 0);
+  EXPECT_EQ(t.OwnPages(), std::vector{a.page});  // the page that it leaves empty goes back
+  EXPECT_EQ(t.Read(a), (Row{N(1), S(255), S(3), kNull}));
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, DeletingAMovedRowFreesBothPlaces) {
-  Tabla t(Ancha());
-  const auto a = InsertarAntesDeLlenas(t, {N(1), S(255), kNulo, kNulo});
-  t.Cambiar(a, 2, S(255));
-  const IdFila uno = t.Lugar(a);
-  t.Borrar(a);
-  EXPECT_TRUE(t.RanuraDe(a).Borrada());
-  EXPECT_EQ(t.RanuraDe(a).largo, 0U);
-  EXPECT_FALSE(mdb::EnMapa(t.P(), t.d.propias, uno.pagina));
-  EXPECT_TRUE(mdb::EnMapa(t.P(), {1, 0}, uno.pagina));
-  EXPECT_EQ(t.d.filas, 2U);
+TEST(ApplyRows, DeletingAMovedRowFreesBothPlaces) {
+  Table t(WideTable());
+  const auto a = InsertBeforeFull(t, {N(1), S(255), kNull, kNull});
+  t.Update(a, 2, S(255));
+  const RowId one = t.Place(a);
+  t.Delete(a);
+  EXPECT_TRUE(t.SlotOf(a).IsDeleted());
+  EXPECT_EQ(t.SlotOf(a).length, 0U);
+  EXPECT_FALSE(mdb::IsInMap(t.P(), t.d.owned_pages, one.page));
+  EXPECT_TRUE(mdb::IsInMap(t.P(), {1, 0}, one.page));
+  EXPECT_EQ(t.d.rows, 2U);
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, TheRoomOfADeletedRowIsUsedAgainButNotItsNumber) {
-  Tabla t(Ancha());
-  const auto a = t.Insertar(kLlena);
-  const auto b = t.Insertar(kLlena);
-  ASSERT_EQ(a.pagina, b.pagina);
-  const auto c = t.Insertar(kLlena);
-  ASSERT_NE(c.pagina, a.pagina);
-  t.Borrar(a);
-  const auto d = t.Insertar(kLlena), e = t.Insertar(kLlena);
-  EXPECT_EQ(d.pagina == a.pagina || e.pagina == a.pagina, true);
+TEST(ApplyRows, TheRoomOfADeletedRowIsUsedAgainButNotItsNumber) {
+  Table t(WideTable());
+  const auto a = t.Insert(kFull);
+  const auto b = t.Insert(kFull);
+  ASSERT_EQ(a.page, b.page);
+  const auto c = t.Insert(kFull);
+  ASSERT_NE(c.page, a.page);
+  t.Delete(a);
+  const auto d = t.Insert(kFull), e = t.Insert(kFull);
+  EXPECT_EQ(d.page == a.page || e.page == a.page, true);
   EXPECT_NE(d, a);
   EXPECT_NE(e, a);
-  EXPECT_EQ(t.Propias().size(), 2U);
+  EXPECT_EQ(t.OwnPages().size(), 2U);
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, PagesWithHardlyAnyRoomLeaveTheMapOfFreeSpace) {
-  Tabla t(Ancha());
+TEST(ApplyRows, PagesWithHardlyAnyRoomLeaveTheMapOfFreeSpace) {
+  Table t(WideTable());
   // 2 + 4 of the fixed part, 4 + 2 * 3 of the places, 1 of the mask: 17 bytes and the text.
-  const auto a = t.Insertar({N(1), S(255), S(255), S(255)});
-  t.Insertar({N(2), S(255), S(255), S(255)});
-  EXPECT_EQ(t.Libres(), std::vector{a.pagina});
+  const auto a = t.Insert({N(1), S(255), S(255), S(255)});
+  t.Insert({N(2), S(255), S(255), S(255)});
+  EXPECT_EQ(t.FreePages(), std::vector{a.page});
   // 4082 - 2 * (17 + 1530 + 2) - (17 + 2) leaves 965: 30 less than that is more than can be used.
-  t.Insertar({N(3), S(255), S(210), kNulo});
-  EXPECT_EQ(mdb::U16(*t.P().Leer(a.pagina), 2), 35);
-  EXPECT_TRUE(t.Libres().empty());
-  t.Borrar(a);
-  EXPECT_EQ(t.Libres(), std::vector{a.pagina});
+  t.Insert({N(3), S(255), S(210), kNull});
+  EXPECT_EQ(mdb::U16(*t.P().Read(a.page), 2), 35);
+  EXPECT_TRUE(t.FreePages().empty());
+  t.Delete(a);
+  EXPECT_EQ(t.FreePages(), std::vector{a.page});
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, TheLastRowOfAPageGivesThePageBack) {
-  Tabla t(Ancha());
-  const auto a = t.Insertar({N(1), kNulo, kNulo, kNulo});
-  const auto b = t.Insertar({N(2), kNulo, kNulo, kNulo});
-  const auto antes = t.P().Cantidad();
-  t.Aplicar({{a, b}, {}, {}});
-  EXPECT_TRUE(t.Propias().empty());
-  EXPECT_TRUE(t.Libres().empty());
-  EXPECT_TRUE(mdb::EnMapa(t.P(), {1, 0}, a.pagina));
-  EXPECT_EQ(t.d.filas, 0U);
+TEST(ApplyRows, TheLastRowOfAPageGivesThePageBack) {
+  Table t(WideTable());
+  const auto a = t.Insert({N(1), kNull, kNull, kNull});
+  const auto b = t.Insert({N(2), kNull, kNull, kNull});
+  const auto before = t.P().Count();
+  t.Apply({{a, b}, {}, {}});
+  EXPECT_TRUE(t.OwnPages().empty());
+  EXPECT_TRUE(t.FreePages().empty());
+  EXPECT_TRUE(mdb::IsInMap(t.P(), {1, 0}, a.page));
+  EXPECT_EQ(t.d.rows, 0U);
   EXPECT_EQ(t.Control(), "");
-  t.Insertar({N(3), kNulo, kNulo, kNulo});
-  EXPECT_EQ(t.P().Cantidad(), antes);
+  t.Insert({N(3), kNull, kNull, kNull});
+  EXPECT_EQ(t.P().Count(), before);
 }
 
-TEST(AplicarFilas, APageTakesNoMoreThan255Rows) {
-  mdb::NuevaTabla angosta{"Angosta", {mdb_test::Columna("B", TipoColumna::Byte)}, {}};
-  Tabla t(angosta);
-  Cambios c;
-  for (int i = 0; i < 600; ++i) c.nuevas.push_back({N(i % 256)});
-  const auto ids = t.Aplicar(c);
-  EXPECT_EQ(t.Propias().size(), 3U);
-  EXPECT_EQ(ids[254].fila, 254);
-  EXPECT_EQ(ids[255].fila, 0);
+TEST(ApplyRows, APageTakesNoMoreThan255Rows) {
+  mdb::NewTable narrow{"Angosta", {mdb_test::Column("B", ColumnType::Byte)}, {}};
+  Table t(narrow);
+  Changes c;
+  for (int i = 0; i < 600; ++i) c.inserted.push_back({N(i % 256)});
+  const auto ids = t.Apply(c);
+  EXPECT_EQ(t.OwnPages().size(), 3U);
+  EXPECT_EQ(ids[254].row, 254);
+  EXPECT_EQ(ids[255].row, 0);
   EXPECT_EQ(t.Control(), "");
 }
 
-TEST(AplicarFilas, ARowIsRefusedBeyond4060Bytes) {
-  mdb::NuevaTabla t9{"Nueve", {}, {}};
+TEST(ApplyRows, ARowIsRefusedBeyond4060Bytes) {
+  mdb::NewTable t9{"Nueve", {}, {}};
   for (int i = 0; i < 9; ++i) {
-    t9.columnas.push_back(mdb_test::Columna(std::to_string(i), TipoColumna::Texto));
-    t9.columnas.back().comprime = false;
+    t9.columns.push_back(mdb_test::Column(std::to_string(i), ColumnType::Text));
+    t9.columns.back().compress = false;
   }
-  Tabla t(t9);
+  Table t(t9);
   // 2 + 4 + 2 * 9 + 2 of the mask are 26; 8 * 504 + 2 makes 4060.
-  Fila fila(9, S(252));
-  fila[8] = S(1);
-  const auto id = t.Insertar(fila);
-  EXPECT_EQ(t.RanuraDe(id).largo, 4060U);
-  fila[8] = S(2);
+  Row row(9, S(252));
+  row[8] = S(1);
+  const auto id = t.Insert(row);
+  EXPECT_EQ(t.SlotOf(id).length, 4060U);
+  row[8] = S(2);
   try {
-    t.Insertar(fila);
+    t.Insert(row);
     FAIL();
   } catch (const base::Error& e) {
-    EXPECT_EQ(e.Numero(), 3047);
-    EXPECT_EQ(e.Descripcion(),
+    EXPECT_EQ(e.Number(), 3047);
+    EXPECT_EQ(e.Description(),
               "La fila es demasiado larga para la tabla \"Nueve\": ocupa 4062 bytes y caben 4060");
   }
 }

@@ -24,9 +24,9 @@ Sample Of(std::string name, Format format, std::vector<Table> tables) {
 Table NewTypes() {
   Table t;
   t.name = "Nuevos";
-  t.columns = {Col("id", TipoColumna::Largo),          Col("grande", TipoColumna::EnteroGrande),
-               Col("complejo", TipoColumna::Complejo), Col("extendida", TipoColumna::FechaExtendida),
-               Col("calculada", TipoColumna::Doble),   Col("calculado", TipoColumna::Booleano)};
+  t.columns = {Col("id", ColumnType::Long),          Col("grande", ColumnType::BigInteger),
+               Col("complejo", ColumnType::Complex), Col("extendida", ColumnType::ExtendedDate),
+               Col("calculada", ColumnType::Double), Col("calculado", ColumnType::Boolean)};
   t.columns[4].calculated = t.columns[5].calculated = true;
   const std::string date = "0000000000000738000:0000000000000000000:7";
   for (int i = 0; i < 6; ++i)
@@ -51,7 +51,7 @@ std::vector<Sample> Make() {
     all.push_back(Of("texts_" + std::to_string(lcid) + ".mdb", Format::Jet4, {Texts(Format::Jet4, true)}));
     all.back().file.lcid = lcid;
   }
-  all.push_back(Of("long.mdb", Format::Jet4, {Long()}));
+  all.push_back(Of("long.mdb", Format::Jet4, {LongDefinition()}));
   all.back().file.free_pages = 22;
   all.push_back(Of("moved97.mdb", Format::Jet3, {Moved()}));
   all.push_back(Of("moved.mdb", Format::Jet4, {Moved()}));
@@ -93,18 +93,18 @@ const Sample& SampleNamed(const std::string& name) {
 
 mdb::Bytes SampleBytes(const std::string& name) { return assembler::Assemble(SampleNamed(name).file); }
 
-std::unique_ptr<mdb::PaginasEnMemoria> LoadSample(const std::string& name) {
+std::unique_ptr<mdb::MemoryPages> LoadSample(const std::string& name) {
   mdb::Bytes bytes = SampleBytes(name);
-  const mdb::Cabecera header = mdb::LeerCabecera(bytes);
-  return std::make_unique<mdb::PaginasEnMemoria>(header, std::move(bytes));
+  const mdb::FileHeader header = mdb::ReadHeader(bytes);
+  return std::make_unique<mdb::MemoryPages>(header, std::move(bytes));
 }
 
 std::string SamplePath(const std::string& name) {
-  static const support::CarpetaTemporal kFolder;
-  const std::string path = kFolder.Ruta(name);
+  static const support::TempFolder kFolder;
+  const std::string path = kFolder.Path(name);
   if (!std::filesystem::exists(path)) {
     const mdb::Bytes bytes = SampleBytes(name);
-    kFolder.Escribir(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    kFolder.Write(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
   }
   return path;
 }
@@ -118,27 +118,27 @@ std::vector<std::string> SampleNames() {
 std::vector<std::string> EveryFile() {
   std::vector<std::string> paths;
   for (const Sample& s : Samples()) paths.push_back(SamplePath(s.name));
-  for (const std::string& path : ArchivosDeCorpus()) paths.push_back(path);
+  for (const std::string& path : CorpusFiles()) paths.push_back(path);
   return paths;
 }
 
 std::string CaseName(const std::string& path) {
   std::string name = std::filesystem::path(path).filename().string();
   std::replace(name.begin(), name.end(), '.', '_');
-  const std::string further = CarpetaDeCorpus();
+  const std::string further = CorpusFolder();
   return !further.empty() && path.starts_with(further) ? "further_" + name : name;
 }
 
-std::vector<mdb::Fila> RowsPutIn(const assembler::Table& table) {
-  std::vector<mdb::Fila> rows;
-  for (const assembler::Row& r : table.rows) {
-    if (r.state == assembler::Row::Deleted || r.state == assembler::Row::Emptied) continue;
-    mdb::Fila row;
+std::vector<mdb::Row> RowsPutIn(const assembler::Table& table) {
+  std::vector<mdb::Row> rows;
+  for (const assembler::RowSpec& r : table.rows) {
+    if (r.state == assembler::RowSpec::Deleted || r.state == assembler::RowSpec::Emptied) continue;
+    mdb::Row row;
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
       if (table.columns[i].gone) continue;
       const bool known = r.columns == 0 || i < r.columns;
-      const bool yes_or_no = table.columns[i].type == TipoColumna::Booleano;
-      row.push_back(known ? r.values.at(i) : yes_or_no ? Dato{false} : Dato{});
+      const bool yes_or_no = table.columns[i].type == ColumnType::Boolean;
+      row.push_back(known ? r.values.at(i) : yes_or_no ? Datum{false} : Datum{});
     }
     rows.push_back(std::move(row));
   }

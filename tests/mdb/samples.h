@@ -22,7 +22,7 @@ struct Sample {
 const std::vector<Sample>& Samples();
 const Sample& SampleNamed(const std::string& name);
 mdb::Bytes SampleBytes(const std::string& name);
-std::unique_ptr<mdb::PaginasEnMemoria> LoadSample(const std::string& name);
+std::unique_ptr<mdb::MemoryPages> LoadSample(const std::string& name);
 // The sample as a file, in a folder that goes with the process.
 std::string SamplePath(const std::string& name);
 std::vector<std::string> SampleNames();
@@ -33,6 +33,6 @@ std::vector<std::string> EveryFile();
 std::string CaseName(const std::string& path);
 
 // The rows that must be found in a table: those that are there, columns that are gone left out.
-std::vector<mdb::Fila> RowsPutIn(const assembler::Table& table);
+std::vector<mdb::Row> RowsPutIn(const assembler::Table& table);
 
 }  // namespace mdb_test

@@ -3,11 +3,11 @@
 namespace mdb_test::internal {
 namespace {
 
-using Rows = std::vector<mdb::FilaDeConsulta>;
+using Rows = std::vector<mdb::QueryRow>;
 using Text = std::optional<std::string>;
 
-mdb::FilaDeConsulta R(int attribute, int order, Text name1 = {}, Text name2 = {}, Text expression = {},
-                      std::optional<std::int16_t> flag = {}) {
+mdb::QueryRow R(int attribute, int order, Text name1 = {}, Text name2 = {}, Text expression = {},
+                std::optional<std::int16_t> flag = {}) {
   return {static_cast<std::uint8_t>(attribute),
           static_cast<std::uint32_t>(order),
           std::move(name1),
@@ -84,13 +84,13 @@ Sample Queries(const std::string& name, Format format) {
   s.file.format = format;
   Table persons, concepts, hours;
   persons.name = "Personas";
-  persons.columns = {Col("Id", TipoColumna::Largo), Col("Nombre", TipoColumna::Texto, 40)};
+  persons.columns = {Col("Id", ColumnType::Long), Col("Nombre", ColumnType::Text, 40)};
   concepts = persons;
   concepts.name = "Conceptos";
-  concepts.columns.push_back(Col("Otro", TipoColumna::Largo));
+  concepts.columns.push_back(Col("Otro", ColumnType::Long));
   hours.name = "Horas";
-  hours.columns = {Col("Persona", TipoColumna::Largo), Col("Concepto", TipoColumna::Largo),
-                   Col("Cantidad", TipoColumna::Doble)};
+  hours.columns = {Col("Persona", ColumnType::Long), Col("Concepto", ColumnType::Long),
+                   Col("Cantidad", ColumnType::Double)};
   const char* people[] = {"Ana", "Bruno", "Ñata"};
   for (int i = 0; i < 3; ++i) {
     persons.rows.push_back({{N(i + 1), T(people[i])}});
@@ -112,11 +112,11 @@ Sample OddNames() {
   s.name = "names.mdb";
   Table t;
   t.name = "Ñandú & Cía (2), \"la\" de 'O''Brien'";
-  t.columns = {Col("¿Qué?", TipoColumna::Largo), Col("Año/mes", TipoColumna::Texto, 20),
-               Col("SELECT", TipoColumna::Texto, 20), Col("con  dos blancos", TipoColumna::Memo),
-               Col("%_*#", TipoColumna::Doble)};
+  t.columns = {Col("¿Qué?", ColumnType::Long), Col("Año/mes", ColumnType::Text, 20),
+               Col("SELECT", ColumnType::Text, 20), Col("con  dos blancos", ColumnType::Memo),
+               Col("%_*#", ColumnType::Double)};
   for (int i = 0; i < 8; ++i)
-    t.rows.push_back({{N(i), T("2026/1" + std::to_string(i)), i % 2 == 0 ? Dato{} : T("'"),
+    t.rows.push_back({{N(i), T("2026/1" + std::to_string(i)), i % 2 == 0 ? Datum{} : T("'"),
                        T("nota " + std::to_string(i)), i / 2.0}});
   t.indexes = {Primary({"¿Qué?"}), Over("Índice & más", {"Año/mes", "-%_*#"})};
   t.properties = {{"¿Qué?", "Caption", T("«ésta»")}};

@@ -16,26 +16,26 @@
 
 namespace {
 
-// Calls `visita` with each saved query of every file.
-template <typename Visita>
-std::size_t CadaConsulta(Visita&& visita) {
-  std::size_t cuantas = 0;
-  for (const auto& ruta : mdb_test::EveryFile()) {
-    const auto paginas = mdb_test::Cargar(ruta);
-    const mdb::Catalogo catalogo(*paginas);
-    for (const auto& o : catalogo.Objetos()) {
-      if (o.tipo != mdb::Objeto::Consulta) continue;
-      SCOPED_TRACE(ruta + " " + o.nombre);
-      visita(ruta, catalogo.ConsultaDe(o.nombre));
-      ++cuantas;
+// Calls `visit` with each saved query of every file.
+template <typename Visitor>
+std::size_t ForEachQuery(Visitor&& visit) {
+  std::size_t count = 0;
+  for (const auto& path : mdb_test::EveryFile()) {
+    const auto pages = mdb_test::Load(path);
+    const mdb::SystemCatalog catalog(*pages);
+    for (const auto& o : catalog.Objects()) {
+      if (o.type != mdb::Object::Query) continue;
+      SCOPED_TRACE(path + " " + o.name);
+      visit(path, catalog.QueryOf(o.name));
+      ++count;
     }
   }
-  return cuantas;
+  return count;
 }
 
 // Those of the further files, one of each kind, put together by hand from their rows. The samples bring their
 // own texts.
-const std::map<std::string, std::string> kTextos = {
+const std::map<std::string, std::string> kTexts = {
     {"SelectQuery",
      "SELECT DISTINCT Table1.*, Table2.col1, Table2.col2, Table3.col3 FROM (Table1 LEFT JOIN Table3 ON "
      "Table1.col1 = Table3.col1) INNER JOIN Table2 ON (Table3.col1 = Table2.col2) AND (Table3.col1 = "
@@ -72,148 +72,148 @@ const std::map<std::string, std::string> kTextos = {
      "Total_Value "
      "FROM t_pivot GROUP BY t_pivot.[c_cod] PIVOT \"Trim \" & Format([c_dt],\"q\")"}};
 
-TEST(ConsultaGuardada, EveryQueryHasItsText) {
-  auto texts = kTextos;
-  std::size_t expected = mdb_test::CarpetaDeCorpus().empty() ? 0 : 38;
+TEST(SavedQuery, EveryQueryHasItsText) {
+  auto texts = kTexts;
+  std::size_t expected = mdb_test::CorpusFolder().empty() ? 0 : 38;
   for (const auto& sample : mdb_test::Samples()) {
     texts.insert(sample.query_texts.begin(), sample.query_texts.end());
     expected += sample.query_texts.size();
   }
-  const auto found = CadaConsulta([&](const std::string&, const mdb::ConsultaGuardada& q) {
-    const auto it = texts.find(q.nombre);
-    ASSERT_NE(it, texts.end()) << q.nombre;
+  const auto found = ForEachQuery([&](const std::string&, const mdb::SavedQuery& q) {
+    const auto it = texts.find(q.name);
+    ASSERT_NE(it, texts.end()) << q.name;
     EXPECT_EQ(engine_mdb::QueryText(q), it->second);
   });
   EXPECT_EQ(found, expected);
 }
 
-TEST(ConsultaGuardada, WhatGivesRowsParses) {
-  std::size_t leidas = 0;
-  CadaConsulta([&](const std::string&, const mdb::ConsultaGuardada& q) {
-    const auto clase = mdb::ClaseDe(q);
+TEST(SavedQuery, WhatGivesRowsParses) {
+  std::size_t queries_read = 0;
+  ForEachQuery([&](const std::string&, const mdb::SavedQuery& q) {
+    const auto kind = mdb::KindOf(q);
     // A pass-through is another program's language; a deletion that lists columns is not of our dialect.
-    if (clase == mdb::ClaseConsulta::Directa || clase == mdb::ClaseConsulta::Eliminar) return;
-    EXPECT_NO_THROW(jetsql::Analizar(engine_mdb::QueryText(q), jetsql::Literales::EnTexto));
-    ++leidas;
+    if (kind == mdb::QueryKind::PassThrough || kind == mdb::QueryKind::Delete) return;
+    EXPECT_NO_THROW(jetsql::Parse(engine_mdb::QueryText(q), jetsql::Literals::InText));
+    ++queries_read;
   });
-  EXPECT_GT(leidas, 20U);
+  EXPECT_GT(queries_read, 20U);
 }
 
 // mdb-queries knows no joins, groups nor kinds: what it prints of the conditions, the order and the columns
 // must stand in our text.
-TEST(ConsultaGuardada, ConditionsAreThoseOfMdbtools) {
-  if (!mdb_test::HayMdbtools()) GTEST_SKIP() << "mdbtools is not installed";
-  std::size_t comparadas = 0;
-  CadaConsulta([&](const std::string& ruta, const mdb::ConsultaGuardada& q) {
-    std::string suyo = mdb_test::Salida("mdb-queries " + mdb_test::Entrecomillado(ruta) + " " +
-                                        mdb_test::Entrecomillado(q.nombre) + " 2>/dev/null");
-    suyo = base::Reemplazar(suyo, " DESCENDING", " DESC");  // its own word
-    const std::string nuestro = engine_mdb::QueryText(q);
-    const auto orden = suyo.rfind(" ORDER BY ");
-    if (orden != std::string::npos) {
-      EXPECT_TRUE(base::Contiene(nuestro, base::Trim(base::Reemplazar(suyo.substr(orden), "\n", ""))));
-      ++comparadas;
+TEST(SavedQuery, ConditionsAreThoseOfMdbtools) {
+  if (!mdb_test::HasMdbtools()) GTEST_SKIP() << "mdbtools is not installed";
+  std::size_t compared = 0;
+  ForEachQuery([&](const std::string& path, const mdb::SavedQuery& q) {
+    std::string theirs = mdb_test::Output("mdb-queries " + mdb_test::Quoted(path) + " " +
+                                          mdb_test::Quoted(q.name) + " 2>/dev/null");
+    theirs = base::Replace(theirs, " DESCENDING", " DESC");  // its own word
+    const std::string ours = engine_mdb::QueryText(q);
+    const auto order = theirs.rfind(" ORDER BY ");
+    if (order != std::string::npos) {
+      EXPECT_TRUE(base::Contains(ours, base::Trim(base::Replace(theirs.substr(order), "\n", ""))));
+      ++compared;
     }
-    const auto donde = suyo.find(" WHERE ");
-    if (donde != std::string::npos) {
-      const std::string condicion = base::Reemplazar(suyo.substr(donde, orden - donde), "\n", "");
-      EXPECT_TRUE(base::Contiene(nuestro, base::Trim(condicion))) << condicion;
-      ++comparadas;
+    const auto where = theirs.find(" WHERE ");
+    if (where != std::string::npos) {
+      const std::string condition = base::Replace(theirs.substr(where, order - where), "\n", "");
+      EXPECT_TRUE(base::Contains(ours, base::Trim(condition))) << condition;
+      ++compared;
     }
   });
-  EXPECT_GT(comparadas, 8U);
+  EXPECT_GT(compared, 8U);
 }
 
 // A tree of joins drawn at random, the text that its author wrote and the rows that Access keeps of it.
-class ArbolAlAzar {
+class RandomTree {
  public:
-  explicit ArbolAlAzar(unsigned semilla) : azar_(semilla) {
-    texto = Texto(Dibujar(0, 2 + static_cast<int>(azar_() % 7), 0), false);
+  explicit RandomTree(unsigned seed) : random_(seed) {
+    text = Text(Draw(0, 2 + static_cast<int>(random_() % 7), 0), false);
   }
-  mdb::ConsultaGuardada consulta{"Q", 0, {}};
-  std::string texto;
+  mdb::SavedQuery query{"Q", 0, {}};
+  std::string text;
 
  private:
-  struct Nodo {
-    int primera, ultima;  // sources
-    std::string hoja;
-    std::string union_, condicion;
-    std::vector<Nodo> lados;
+  struct Node {
+    int first, last;  // sources
+    std::string leaf;
+    std::string union_, condition;
+    std::vector<Node> sides;
   };
-  Nodo Dibujar(int primera, int cuantas, int nivel) {
-    if (cuantas == 1) {
-      const std::string nombre = "T" + std::to_string(primera);
-      const bool alias = azar_() % 3 == 0;
-      consulta.filas.push_back({5,
-                                static_cast<std::uint32_t>(primera + 1),
-                                alias ? "Tabla base" : nombre,
-                                alias ? std::optional(nombre) : std::nullopt,
-                                {},
-                                {},
-                                {}});
-      return {primera, primera, alias ? "[Tabla base] AS " + nombre : nombre, {}, {}, {}};
+  Node Draw(int first, int count, int level) {
+    if (count == 1) {
+      const std::string name = "T" + std::to_string(first);
+      const bool alias = random_() % 3 == 0;
+      query.rows.push_back({5,
+                            static_cast<std::uint32_t>(first + 1),
+                            alias ? "Tabla base" : name,
+                            alias ? std::optional(name) : std::nullopt,
+                            {},
+                            {},
+                            {}});
+      return {first, first, alias ? "[Tabla base] AS " + name : name, {}, {}, {}};
     }
-    const int izquierda = 1 + static_cast<int>(azar_() % static_cast<unsigned>(cuantas - 1));
-    Nodo n{primera, primera + cuantas - 1, {}, {}, {}, {}};
-    n.lados.push_back(Dibujar(primera, izquierda, nivel + 1));
-    n.lados.push_back(Dibujar(primera + izquierda, cuantas - izquierda, nivel + 1));
-    const auto clase = static_cast<std::int16_t>(1 + azar_() % 3);
-    n.union_ = clase == 1 ? "INNER" : clase == 2 ? "LEFT" : "RIGHT";
-    const auto una = [&](const Nodo& l) {
-      return "T" + std::to_string(l.primera + static_cast<int>(
-                                                  azar_() % static_cast<unsigned>(l.ultima - l.primera + 1)));
+    const int left = 1 + static_cast<int>(random_() % static_cast<unsigned>(count - 1));
+    Node n{first, first + count - 1, {}, {}, {}, {}};
+    n.sides.push_back(Draw(first, left, level + 1));
+    n.sides.push_back(Draw(first + left, count - left, level + 1));
+    const auto kind = static_cast<std::int16_t>(1 + random_() % 3);
+    n.union_ = kind == 1 ? "INNER" : kind == 2 ? "LEFT" : "RIGHT";
+    const auto one = [&](const Node& l) {
+      return "T" + std::to_string(l.first +
+                                  static_cast<int>(random_() % static_cast<unsigned>(l.last - l.first + 1)));
     };
-    for (int i = 0, condiciones = 1 + static_cast<int>(azar_() % 3); i < condiciones; ++i) {
-      const std::string a = una(n.lados[0]), b = una(n.lados[1]);
-      const std::string condicion = a + ".c" + std::to_string(i) + " = " + b + ".c";
-      consulta.filas.push_back({7, ++orden_, a, b, condicion, clase, {}});
-      if (condiciones == 1) {
-        n.condicion = condicion;
+    for (int i = 0, conditions = 1 + static_cast<int>(random_() % 3); i < conditions; ++i) {
+      const std::string a = one(n.sides[0]), b = one(n.sides[1]);
+      const std::string condition = a + ".c" + std::to_string(i) + " = " + b + ".c";
+      query.rows.push_back({7, ++order_, a, b, condition, kind, {}});
+      if (conditions == 1) {
+        n.condition = condition;
       } else {
-        n.condicion = "(" + condicion + ")" + (i == 0 ? "" : " AND ") + n.condicion;
+        n.condition = "(" + condition + ")" + (i == 0 ? "" : " AND ") + n.condition;
       }
     }
     return n;
   }
-  static std::string Texto(const Nodo& n, bool dentro) {
-    if (n.lados.empty()) return n.hoja;
+  static std::string Text(const Node& n, bool inside) {
+    if (n.sides.empty()) return n.leaf;
     const std::string t =
-        Texto(n.lados[0], true) + " " + n.union_ + " JOIN " + Texto(n.lados[1], true) + " ON " + n.condicion;
-    return dentro ? "(" + t + ")" : t;
+        Text(n.sides[0], true) + " " + n.union_ + " JOIN " + Text(n.sides[1], true) + " ON " + n.condition;
+    return inside ? "(" + t + ")" : t;
   }
-  std::mt19937 azar_;
-  std::uint32_t orden_ = 0;
+  std::mt19937 random_;
+  std::uint32_t order_ = 0;
 };
 
-TEST(ConsultaGuardada, AnyTreeOfJoinsComesBack) {
-  for (unsigned semilla = 0; semilla < 500; ++semilla) {
-    SCOPED_TRACE(semilla);
-    ArbolAlAzar arbol(semilla);
-    arbol.consulta.filas.push_back({3, 1, {}, {}, {}, std::int16_t{1}, {}});
-    std::shuffle(arbol.consulta.filas.begin(), arbol.consulta.filas.end(), std::mt19937(semilla));
-    const std::string texto = engine_mdb::QueryText(arbol.consulta);
-    EXPECT_EQ(texto, "SELECT * FROM " + arbol.texto);
-    EXPECT_NO_THROW(jetsql::Analizar(texto));
+TEST(SavedQuery, AnyTreeOfJoinsComesBack) {
+  for (unsigned seed = 0; seed < 500; ++seed) {
+    SCOPED_TRACE(seed);
+    RandomTree tree(seed);
+    tree.query.rows.push_back({3, 1, {}, {}, {}, std::int16_t{1}, {}});
+    std::shuffle(tree.query.rows.begin(), tree.query.rows.end(), std::mt19937(seed));
+    const std::string text = engine_mdb::QueryText(tree.query);
+    EXPECT_EQ(text, "SELECT * FROM " + tree.text);
+    EXPECT_NO_THROW(jetsql::Parse(text));
   }
 }
 
-TEST(ConsultaGuardada, TooManyJoinsAreRefused) {
-  mdb::ConsultaGuardada q{"Q", 0, {}};
-  q.filas.push_back({5, 1, "A", {}, {}, {}, {}});
-  q.filas.push_back({5, 2, "B", {}, {}, {}, {}});
-  q.filas.push_back({6, 1, {}, {}, "1", {}, {}});
-  for (std::uint32_t i = 0; i < 2000; ++i) q.filas.push_back({7, i, "A", "B", "A.x = B.x", {}, {}});
+TEST(SavedQuery, TooManyJoinsAreRefused) {
+  mdb::SavedQuery q{"Q", 0, {}};
+  q.rows.push_back({5, 1, "A", {}, {}, {}, {}});
+  q.rows.push_back({5, 2, "B", {}, {}, {}, {}});
+  q.rows.push_back({6, 1, {}, {}, "1", {}, {}});
+  for (std::uint32_t i = 0; i < 2000; ++i) q.rows.push_back({7, i, "A", "B", "A.x = B.x", {}, {}});
   EXPECT_NO_THROW(engine_mdb::QueryText(q));
-  q.filas.push_back({7, 2000, "A", "B", "A.x = B.x", {}, {}});
+  q.rows.push_back({7, 2000, "A", "B", "A.x = B.x", {}, {}});
   EXPECT_THROW(engine_mdb::QueryText(q), base::Error);
 }
 
-TEST(ConsultaGuardada, TooManySourcesAreRefused) {
-  mdb::ConsultaGuardada q{"Q", 0, {}};
-  for (std::uint32_t i = 0; i < 256; ++i) q.filas.push_back({5, i, "T" + std::to_string(i), {}, {}, {}, {}});
-  q.filas.push_back({6, 1, {}, {}, "1", {}, {}});
+TEST(SavedQuery, TooManySourcesAreRefused) {
+  mdb::SavedQuery q{"Q", 0, {}};
+  for (std::uint32_t i = 0; i < 256; ++i) q.rows.push_back({5, i, "T" + std::to_string(i), {}, {}, {}, {}});
+  q.rows.push_back({6, 1, {}, {}, "1", {}, {}});
   EXPECT_THROW(engine_mdb::QueryText(q), base::Error);
-  q.filas.erase(q.filas.begin());
+  q.rows.erase(q.rows.begin());
   EXPECT_NO_THROW(engine_mdb::QueryText(q));
 }
 

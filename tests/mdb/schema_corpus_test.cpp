@@ -8,99 +8,98 @@
 namespace {
 
 using namespace mdb_test;
-using mdb::TipoColumna;
+using mdb::ColumnType;
 
-using Contenido = std::map<std::string, std::vector<mdb::Fila>>;
+using Contents = std::map<std::string, std::vector<mdb::Row>>;
 
-Contenido DeUsuario(BaseDePrueba& b) {
-  Contenido todo;
-  for (const auto& o : b->Indice().Objetos())
-    if (o.tipo == mdb::Objeto::Tabla && !o.DeSistema()) todo[o.nombre] = b.Filas(o.nombre);
-  return todo;
+Contents UserContents(TestDatabase& b) {
+  Contents all;
+  for (const auto& o : b->Catalog().Objects())
+    if (o.type == mdb::Object::Table && !o.IsSystem()) all[o.name] = b.Rows(o.name);
+  return all;
 }
 
 // The checker's notes are what Access itself leaves: only errors count here.
-class Copia : public ::testing::TestWithParam<std::string> {};
+class Copies : public ::testing::TestWithParam<std::string> {};
 
-mdb::NuevaTabla Nueva() {
-  mdb::NuevaTabla t{
+mdb::NewTable MakeTable() {
+  mdb::NewTable t{
       "Días trabajados",
-      {Col("Id", TipoColumna::Largo), Col("Año", TipoColumna::Texto, 20), Col("Nota", TipoColumna::Memo)},
-      {Clave({"Id"}), Ind("Por año", {"-Año", "Id"})}};
-  t.columnas[0].autonumerica = true;
-  t.columnas[1].defecto = "\"2026\"";
+      {Col("Id", ColumnType::Long), Col("Año", ColumnType::Text, 20), Col("Nota", ColumnType::Memo)},
+      {Key({"Id"}), Ind("Por año", {"-Año", "Id"})}};
+  t.columns[0].auto_number = true;
+  t.columns[1].default_value = "\"2026\"";
   return t;
 }
 
-TEST_P(Copia, TakesATableAndGivesItBack) {
-  BaseDePrueba b(Cargar(GetParam()));
-  const Contenido antes = DeUsuario(b);
-  b->CrearTabla(Nueva(), Hoy());
-  std::vector<mdb::Fila> filas;
+TEST_P(Copies, TakesATableAndGivesItBack) {
+  TestDatabase b(Load(GetParam()));
+  const Contents before = UserContents(b);
+  b->CreateTable(MakeTable(), Today());
+  std::vector<mdb::Row> rows;
   for (int i = 1; i <= 300; ++i)
-    filas.push_back(FilaDe(N(i), S("año " + std::to_string(i % 50)),
-                           S(std::string(static_cast<std::size_t>(i) * 11, 'n'))));
-  b.Insertar("Días trabajados", filas);
-  b->AgregarColumna("Días trabajados", Col("Más", TipoColumna::Doble));
-  b->QuitarColumna("Días trabajados", "Nota");
-  b->CrearTabla({"Hijos de días", {Col("Día", TipoColumna::Largo)}, {}}, Hoy());
-  b->CrearRelacion({"Días e hijos", "Hijos de días", {"Día"}, "Días trabajados", {"Id"}, 0}, Hoy());
-  mdb::ConsultaGuardada consulta;
-  consulta.nombre = "Días, la vista";
-  consulta.filas.resize(1);
-  consulta.filas[0].atributo = 5;
-  consulta.filas[0].nombre1 = "Días trabajados";
-  b->CrearConsulta(consulta, Hoy());
-  b.Sana(false);
-  EXPECT_EQ(b.Filas("Días trabajados").size(), 300U);
-  if (HayMdbtools()) {
-    EXPECT_NE(Mdbtools("mdb-tables", "-1", b.Guardado()).find("Días trabajados\n"), std::string::npos);
-    EXPECT_NE(Mdbtools("mdb-queries", "-L -1", b.Guardado()).find("Días, la vista"), std::string::npos);
+    rows.push_back(RowOf(N(i), S("año " + std::to_string(i % 50)),
+                         S(std::string(static_cast<std::size_t>(i) * 11, 'n'))));
+  b.Insert("Días trabajados", rows);
+  b->AddColumn("Días trabajados", Col("Más", ColumnType::Double));
+  b->DropColumn("Días trabajados", "Nota");
+  b->CreateTable({"Hijos de días", {Col("Día", ColumnType::Long)}, {}}, Today());
+  b->CreateRelationship({"Días e hijos", "Hijos de días", {"Día"}, "Días trabajados", {"Id"}, 0}, Today());
+  mdb::SavedQuery query;
+  query.name = "Días, la vista";
+  query.rows.resize(1);
+  query.rows[0].attribute = 5;
+  query.rows[0].name1 = "Días trabajados";
+  b->CreateQuery(query, Today());
+  b.ExpectSound(false);
+  EXPECT_EQ(b.Rows("Días trabajados").size(), 300U);
+  if (HasMdbtools()) {
+    EXPECT_NE(Mdbtools("mdb-tables", "-1", b.Saved()).find("Días trabajados\n"), std::string::npos);
+    EXPECT_NE(Mdbtools("mdb-queries", "-L -1", b.Saved()).find("Días, la vista"), std::string::npos);
   }
-  b->BorrarConsulta("Días, la vista");
-  b->BorrarRelacion("Días e hijos");
-  b->BorrarTabla("Hijos de días");
-  b->BorrarTabla("Días trabajados");
-  EXPECT_TRUE(DeUsuario(b) == antes);
-  b.Sana(false);
+  b->DropQuery("Días, la vista");
+  b->DropRelationship("Días e hijos");
+  b->DropTable("Hijos de días");
+  b->DropTable("Días trabajados");
+  EXPECT_TRUE(UserContents(b) == before);
+  b.ExpectSound(false);
 }
 
 // Each of its own tables gets a column, an index over it and rows, and loses them again.
-TEST_P(Copia, ItsOwnTablesChange) {
-  BaseDePrueba b(Cargar(GetParam()));
-  const Contenido antes = DeUsuario(b);
-  for (const auto& [tabla, filas] : antes) {
-    SCOPED_TRACE(tabla);
-    const std::string motivo = mdb::MotivoNoEscribible(b->Cab(), b.Def(tabla));
-    auto propiedades = b->Indice().PropiedadesDe(tabla);
-    auto columna = Col("Columna añadida", TipoColumna::Texto, 30);
-    b->AgregarColumna(tabla, columna);
-    b->CrearIndice(tabla, Ind("Índice añadido", {"Columna añadida"}));
-    EXPECT_EQ(b.Filas(tabla).size(), filas.size());
-    if (motivo.empty() && !filas.empty()) {
-      mdb::Cambios cambios;
-      mdb::RecorrerFilas(b->Hojas(), b.Def(tabla), [&](mdb::IdFila id, const mdb::Fila& fila) {
-        mdb::CambioDeFila cambio;
-        cambio.fila = id;
-        cambio.valores.emplace_back(fila.size() - 1, S("ñ" + std::to_string(cambios.cambiadas.size())));
-        cambios.cambiadas.push_back(cambio);
-        return cambios.cambiadas.size() < 100;
+TEST_P(Copies, ItsOwnTablesChange) {
+  TestDatabase b(Load(GetParam()));
+  const Contents before = UserContents(b);
+  for (const auto& [table, rows] : before) {
+    SCOPED_TRACE(table);
+    const std::string reason = mdb::NotWritableReason(b->Header(), b.Def(table));
+    auto properties = b->Catalog().PropertiesOf(table);
+    auto column = Col("Columna añadida", ColumnType::Text, 30);
+    b->AddColumn(table, column);
+    b->CreateIndex(table, Ind("Índice añadido", {"Columna añadida"}));
+    EXPECT_EQ(b.Rows(table).size(), rows.size());
+    if (reason.empty() && !rows.empty()) {
+      mdb::Changes changes;
+      mdb::WalkRows(b->Pages(), b.Def(table), [&](mdb::RowId id, const mdb::Row& row) {
+        mdb::RowChange change;
+        change.row = id;
+        change.values.emplace_back(row.size() - 1, S("ñ" + std::to_string(changes.changed.size())));
+        changes.changed.push_back(change);
+        return changes.changed.size() < 100;
       });
-      b->Aplicar(tabla, cambios);
+      b->Apply(table, changes);
     }
-    b->BorrarIndice(tabla, "Índice añadido");
-    b->QuitarColumna(tabla, "Columna añadida");
-    const auto& despues = b->Indice().PropiedadesDe(tabla);
-    EXPECT_EQ(despues.size(), propiedades.size());
-    for (const auto& [dueno, lista] : propiedades) {
-      ASSERT_TRUE(despues.contains(dueno)) << dueno;
-      ASSERT_EQ(despues.at(dueno).size(), lista.size()) << dueno;
-      for (std::size_t i = 0; i < lista.size(); ++i)
-        EXPECT_TRUE(despues.at(dueno)[i].valor == lista[i].valor);
+    b->DropIndex(table, "Índice añadido");
+    b->DropColumn(table, "Columna añadida");
+    const auto& after = b->Catalog().PropertiesOf(table);
+    EXPECT_EQ(after.size(), properties.size());
+    for (const auto& [owner, list] : properties) {
+      ASSERT_TRUE(after.contains(owner)) << owner;
+      ASSERT_EQ(after.at(owner).size(), list.size()) << owner;
+      for (std::size_t i = 0; i < list.size(); ++i) EXPECT_TRUE(after.at(owner)[i].value == list[i].value);
     }
   }
-  EXPECT_TRUE(DeUsuario(b) == antes);
-  b.Sana(false);
+  EXPECT_TRUE(UserContents(b) == before);
+  b.ExpectSound(false);
 }
 
 std::vector<std::string> Files() {
@@ -109,12 +108,12 @@ std::vector<std::string> Files() {
        {"empty.mdb", "types.mdb", "texts.mdb", "texts_3082.mdb", "texts_1034.mdb", "moved.mdb",
         "compound.mdb", "relations.mdb", "queries.mdb", "names.mdb", "password.mdb"})
     paths.push_back(SamplePath(name));
-  for (const std::string& path : ArchivosDeCorpus())
-    if (Cargar(path)->Cab().version == mdb::Version::Jet4) paths.push_back(path);
+  for (const std::string& path : CorpusFiles())
+    if (Load(path)->Header().version == mdb::Version::Jet4) paths.push_back(path);
   return paths;
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Copia, ::testing::ValuesIn(Files()),
+INSTANTIATE_TEST_SUITE_P(Files, Copies, ::testing::ValuesIn(Files()),
                          [](const auto& c) { return CaseName(c.param); });
 
 }  // namespace

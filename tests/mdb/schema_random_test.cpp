@@ -9,312 +9,311 @@
 namespace {
 
 using namespace mdb_test;
-using mdb::TipoColumna;
+using mdb::ColumnType;
 
-constexpr TipoColumna kTipos[] = {TipoColumna::Booleano, TipoColumna::Byte,    TipoColumna::Entero,
-                                  TipoColumna::Largo,    TipoColumna::Moneda,  TipoColumna::Simple,
-                                  TipoColumna::Doble,    TipoColumna::Fecha,   TipoColumna::Texto,
-                                  TipoColumna::Texto,    TipoColumna::Memo,    TipoColumna::Binario,
-                                  TipoColumna::Ole,      TipoColumna::Decimal, TipoColumna::Guid};
-const char* const kNombres[] = {"Años",  "Niñez",      "árbol", "Año nuevo",   "CO-OP", "coop",
-                                "Ñandú", "Vacaciones", "x",     "El 'quinto'", "_1",    "Legajo de personal"};
+constexpr ColumnType kTypes[] = {
+    ColumnType::Boolean, ColumnType::Byte,   ColumnType::Integer, ColumnType::Long,    ColumnType::Currency,
+    ColumnType::Single,  ColumnType::Double, ColumnType::Date,    ColumnType::Text,    ColumnType::Text,
+    ColumnType::Memo,    ColumnType::Binary, ColumnType::Ole,     ColumnType::Decimal, ColumnType::Guid};
+const char* const kNames[] = {"Años",  "Niñez",      "árbol", "Año nuevo",   "CO-OP", "coop",
+                              "Ñandú", "Vacaciones", "x",     "El 'quinto'", "_1",    "Legajo de personal"};
 
 // What a table must hold: values by column name, rows by their identity.
-struct TablaModelo {
-  std::vector<std::string> columnas;
-  std::map<mdb::IdFila, std::map<std::string, mdb::Dato>> filas;
-  std::vector<std::string> indices;
+struct ModelTable {
+  std::vector<std::string> columns;
+  std::map<mdb::RowId, std::map<std::string, mdb::Datum>> rows;
+  std::vector<std::string> indexes;
 };
-struct Modelo {
-  std::map<std::string, TablaModelo> tablas;
-  std::map<std::string, std::size_t> consultas;  // how many rows each
-  std::map<std::string, std::pair<std::string, std::string>> relaciones;
+struct Model {
+  std::map<std::string, ModelTable> tables;
+  std::map<std::string, std::size_t> queries;  // how many rows each
+  std::map<std::string, std::pair<std::string, std::string>> relationships;
 };
 
-class Recorrido {
+class Traversal {
  public:
-  Recorrido(unsigned semilla, std::uint16_t orden) : azar_(semilla), b_(orden) {}
+  Traversal(unsigned seed, std::uint16_t order) : random_(seed), b_(order) {}
 
-  void Correr(int pasos) {
-    for (int i = 0; i < pasos && !::testing::Test::HasFailure(); ++i) {
+  void Run(int steps) {
+    for (int i = 0; i < steps && !::testing::Test::HasFailure(); ++i) {
       SCOPED_TRACE("paso " + std::to_string(i));
-      Paso();
-      if (i % 10 == 9) ConfirmarODeshacer();
-      if (i % 100 == 99) Comparar(true);
+      Step();
+      if (i % 10 == 9) CommitOrRollback();
+      if (i % 100 == 99) Compare(true);
     }
-    Comparar(true);
+    Compare(true);
   }
-  int hechos = 0, rechazados = 0;
+  int done = 0, rejected = 0;
 
  private:
-  void Paso() {
+  void Step() {
     try {
-      Hacer(azar_.Hasta(20));
-      ++hechos;
+      Make(random_.Below(20));
+      ++done;
     } catch (const base::Error&) {
-      ++rechazados;
-      Comparar(false);  // a refused step leaves nothing behind
+      ++rejected;
+      Compare(false);  // a refused step leaves nothing behind
     }
   }
 
-  void Hacer(unsigned cual) {
-    if (m_.tablas.empty() || cual == 0) return CrearTabla();
-    switch (cual) {
+  void Make(unsigned which) {
+    if (m_.tables.empty() || which == 0) return CreateTable();
+    switch (which) {
       case 1:
-        return azar_.Uno(2) ? BorrarTabla() : CrearTabla();
+        return random_.One(2) ? DropTable() : CreateTable();
       case 2:
       case 3:
-        return AgregarColumna();
+        return AddColumn();
       case 4:
-        return QuitarColumna();
+        return DropColumn();
       case 5:
       case 6:
-        return CrearIndice();
+        return CreateIndex();
       case 7:
-        return BorrarIndice();
+        return DropIndex();
       case 8:
-        return CrearConsulta();
+        return CreateQuery();
       case 9:
-        return azar_.Uno(2) ? BorrarConsulta() : CrearConsulta();
+        return random_.One(2) ? DropQuery() : CreateQuery();
       case 10:
-        return CrearRelacion();
+        return CreateRelationship();
       case 11:
-        return azar_.Uno(2) ? BorrarRelacion() : CrearRelacion();
+        return random_.One(2) ? DropRelationship() : CreateRelationship();
       default:
-        return CambiarFilas();
+        return ChangeRows();
     }
   }
 
-  std::string Nombre() {
-    const std::string nombre = kNombres[azar_.Hasta(static_cast<unsigned>(std::size(kNombres)))];
-    return azar_.Uno(2) ? nombre : nombre + " " + std::to_string(azar_.Hasta(20));
+  std::string Name() {
+    const std::string name = kNames[random_.Below(static_cast<unsigned>(std::size(kNames)))];
+    return random_.One(2) ? name : name + " " + std::to_string(random_.Below(20));
   }
-  mdb::NuevaColumna Columna() {
-    auto c = Col(Nombre(), kTipos[azar_.Hasta(static_cast<unsigned>(std::size(kTipos)))]);
-    if (c.tipo == TipoColumna::Texto) c.largo = static_cast<std::uint16_t>(1 + azar_.Hasta(255));
-    c.requerida = azar_.Uno(10);
-    if (azar_.Uno(5)) c.defecto = "Date()";
+  mdb::NewColumn Column() {
+    auto c = Col(Name(), kTypes[random_.Below(static_cast<unsigned>(std::size(kTypes)))]);
+    if (c.type == ColumnType::Text) c.length = static_cast<std::uint16_t>(1 + random_.Below(255));
+    c.required = random_.One(10);
+    if (random_.One(5)) c.default_value = "Date()";
     c.precision = 28;
-    c.escala = static_cast<std::uint8_t>(azar_.Hasta(5));
+    c.scale = static_cast<std::uint8_t>(random_.Below(5));
     return c;
   }
-  auto Tabla() {
-    auto it = m_.tablas.begin();
-    std::advance(it, azar_.Hasta(static_cast<unsigned>(m_.tablas.size())));
+  auto Table() {
+    auto it = m_.tables.begin();
+    std::advance(it, random_.Below(static_cast<unsigned>(m_.tables.size())));
     return it;
   }
-  std::string ColumnaDe(const TablaModelo& t) {
-    return t.columnas[azar_.Hasta(static_cast<unsigned>(t.columnas.size()))];
+  std::string ColumnOf(const ModelTable& t) {
+    return t.columns[random_.Below(static_cast<unsigned>(t.columns.size()))];
   }
-  mdb::NuevoIndice Indice(const std::vector<std::string>& columnas) {
-    auto i = Ind(Nombre(), {});
-    for (unsigned n = 1 + azar_.Hasta(3); n > 0; --n)
-      i.partes.push_back({columnas[azar_.Hasta(static_cast<unsigned>(columnas.size()))], azar_.Uno(2)});
-    i.unico = azar_.Uno(4);
-    i.ignora_nulos = azar_.Uno(3);
-    i.requerido = azar_.Uno(8);
-    i.primario = azar_.Uno(6);
+  mdb::NewIndex Index(const std::vector<std::string>& columns) {
+    auto i = Ind(Name(), {});
+    for (unsigned n = 1 + random_.Below(3); n > 0; --n)
+      i.parts.push_back({columns[random_.Below(static_cast<unsigned>(columns.size()))], random_.One(2)});
+    i.unique = random_.One(4);
+    i.ignores_nulls = random_.One(3);
+    i.required = random_.One(8);
+    i.primary = random_.One(6);
     return i;
   }
 
-  void CrearTabla() {
-    if (m_.tablas.size() > 8) return BorrarTabla();
-    mdb::NuevaTabla t{Nombre(), {}, {}};
-    TablaModelo modelo;
-    for (unsigned n = 1 + azar_.Hasta(azar_.Uno(6) ? 60 : 8); n > 0; --n) {
-      auto c = Columna();
-      if (azar_.Uno(2)) c.nombre += "_" + std::to_string(n);
-      t.columnas.push_back(c);
-      modelo.columnas.push_back(c.nombre);
+  void CreateTable() {
+    if (m_.tables.size() > 8) return DropTable();
+    mdb::NewTable t{Name(), {}, {}};
+    ModelTable model;
+    for (unsigned n = 1 + random_.Below(random_.One(6) ? 60 : 8); n > 0; --n) {
+      auto c = Column();
+      if (random_.One(2)) c.name += "_" + std::to_string(n);
+      t.columns.push_back(c);
+      model.columns.push_back(c.name);
     }
-    for (unsigned n = azar_.Hasta(3); n > 0; --n) t.indices.push_back(Indice(modelo.columnas));
-    for (const auto& i : t.indices) modelo.indices.push_back(i.nombre);
-    b_->CrearTabla(t, Hoy());
-    m_.tablas[t.nombre] = modelo;
+    for (unsigned n = random_.Below(3); n > 0; --n) t.indexes.push_back(Index(model.columns));
+    for (const auto& i : t.indexes) model.indexes.push_back(i.name);
+    b_->CreateTable(t, Today());
+    m_.tables[t.name] = model;
   }
-  void BorrarTabla() {
-    const auto it = Tabla();
-    b_->BorrarTabla(base::Mayusculas(it->first));
-    m_.tablas.erase(it);
+  void DropTable() {
+    const auto it = Table();
+    b_->DropTable(base::UpperCase(it->first));
+    m_.tables.erase(it);
   }
-  void AgregarColumna() {
-    const auto it = Tabla();
-    const auto c = Columna();
-    b_->AgregarColumna(it->first, c);
-    it->second.columnas.push_back(c.nombre);
-    for (auto& [id, fila] : it->second.filas)
-      fila[c.nombre] = c.tipo == TipoColumna::Booleano ? mdb::Dato(false) : Nada();
+  void AddColumn() {
+    const auto it = Table();
+    const auto c = Column();
+    b_->AddColumn(it->first, c);
+    it->second.columns.push_back(c.name);
+    for (auto& [id, row] : it->second.rows)
+      row[c.name] = c.type == ColumnType::Boolean ? mdb::Datum(false) : Nothing();
   }
-  void QuitarColumna() {
-    const auto it = Tabla();
-    const std::string c = ColumnaDe(it->second);
-    b_->QuitarColumna(it->first, c);
-    std::erase(it->second.columnas, c);
-    for (auto& [id, fila] : it->second.filas) fila.erase(c);
+  void DropColumn() {
+    const auto it = Table();
+    const std::string c = ColumnOf(it->second);
+    b_->DropColumn(it->first, c);
+    std::erase(it->second.columns, c);
+    for (auto& [id, row] : it->second.rows) row.erase(c);
   }
-  void CrearIndice() {
-    const auto it = Tabla();
-    const auto i = Indice(it->second.columnas);
-    b_->CrearIndice(it->first, i);
-    it->second.indices.push_back(i.nombre);
+  void CreateIndex() {
+    const auto it = Table();
+    const auto i = Index(it->second.columns);
+    b_->CreateIndex(it->first, i);
+    it->second.indexes.push_back(i.name);
   }
-  void BorrarIndice() {
-    const auto it = Tabla();
-    if (it->second.indices.empty()) return;
-    const std::string i = it->second.indices[azar_.Hasta(static_cast<unsigned>(it->second.indices.size()))];
-    b_->BorrarIndice(it->first, i);
-    std::erase(it->second.indices, i);
+  void DropIndex() {
+    const auto it = Table();
+    if (it->second.indexes.empty()) return;
+    const std::string i = it->second.indexes[random_.Below(static_cast<unsigned>(it->second.indexes.size()))];
+    b_->DropIndex(it->first, i);
+    std::erase(it->second.indexes, i);
   }
-  void CrearConsulta() {
-    mdb::ConsultaGuardada c;
-    c.nombre = Nombre();
-    for (unsigned n = 1 + azar_.Hasta(30); n > 0; --n) {
-      mdb::FilaDeConsulta f;
-      f.atributo = azar_.Uno(3) ? 5 : 6;
-      if (azar_.Uno(2)) f.nombre1 = Nombre();
-      f.expresion = std::string(azar_.Uno(10) ? azar_.Hasta(9000) : azar_.Hasta(40), 'e');
-      c.filas.push_back(f);
+  void CreateQuery() {
+    mdb::SavedQuery c;
+    c.name = Name();
+    for (unsigned n = 1 + random_.Below(30); n > 0; --n) {
+      mdb::QueryRow f;
+      f.attribute = random_.One(3) ? 5 : 6;
+      if (random_.One(2)) f.name1 = Name();
+      f.expression = std::string(random_.One(10) ? random_.Below(9000) : random_.Below(40), 'e');
+      c.rows.push_back(f);
     }
-    b_->CrearConsulta(c, Hoy());
-    m_.consultas[c.nombre] = c.filas.size() + 2;
+    b_->CreateQuery(c, Today());
+    m_.queries[c.name] = c.rows.size() + 2;
   }
-  void BorrarConsulta() {
-    if (m_.consultas.empty()) return;
-    const auto it = m_.consultas.begin();
-    b_->BorrarConsulta(it->first);
-    m_.consultas.erase(it);
+  void DropQuery() {
+    if (m_.queries.empty()) return;
+    const auto it = m_.queries.begin();
+    b_->DropQuery(it->first);
+    m_.queries.erase(it);
   }
-  void CrearRelacion() {
-    const auto padre = Tabla(), hijo = Tabla();
-    mdb::RelacionDeTablas r{Nombre(),
-                            hijo->first,
-                            {ColumnaDe(hijo->second)},
-                            padre->first,
-                            {ColumnaDe(padre->second)},
-                            azar_.Uno(2) ? 0U : mdb::RelacionDeTablas::kNoExigida};
-    b_->CrearRelacion(r, Hoy());
-    m_.relaciones[r.nombre] = {hijo->first, padre->first};
+  void CreateRelationship() {
+    const auto parent = Table(), child = Table();
+    mdb::TableRelationship r{Name(),
+                             child->first,
+                             {ColumnOf(child->second)},
+                             parent->first,
+                             {ColumnOf(parent->second)},
+                             random_.One(2) ? 0U : mdb::TableRelationship::kNotEnforced};
+    b_->CreateRelationship(r, Today());
+    m_.relationships[r.name] = {child->first, parent->first};
   }
-  void BorrarRelacion() {
-    if (m_.relaciones.empty()) return;
-    const auto it = m_.relaciones.begin();
-    b_->BorrarRelacion(it->first);
-    m_.relaciones.erase(it);
+  void DropRelationship() {
+    if (m_.relationships.empty()) return;
+    const auto it = m_.relationships.begin();
+    b_->DropRelationship(it->first);
+    m_.relationships.erase(it);
   }
 
-  // Relationships are for the caller of Aplicar to keep; tables that stand in an enforced one stay as they
+  // Relationships are for the caller of Apply to keep; tables that stand in an enforced one stay as they
   // are.
-  bool EnRelacion(const std::string& tabla) {
+  bool IsInRelationship(const std::string& table) {
     return std::any_of(
-        b_->Indice().Relaciones().begin(), b_->Indice().Relaciones().end(),
-        [&](const auto& r) { return r.Exigida() && (r.tabla == tabla || r.tabla_referida == tabla); });
+        b_->Catalog().Relationships().begin(), b_->Catalog().Relationships().end(),
+        [&](const auto& r) { return r.IsEnforced() && (r.table == table || r.referenced_table == table); });
   }
 
-  void CambiarFilas() {
-    const auto it = Tabla();
-    if (EnRelacion(it->first)) return;
+  void ChangeRows() {
+    const auto it = Table();
+    if (IsInRelationship(it->first)) return;
     const auto d = b_.Def(it->first);
-    TablaModelo despues = it->second;
-    mdb::Cambios cambios;
-    for (const auto& [id, fila] : it->second.filas) {
-      if (azar_.Uno(6)) {
-        cambios.borradas.push_back(id);
-        despues.filas.erase(id);
-      } else if (azar_.Uno(6)) {
-        mdb::CambioDeFila cambio;
-        cambio.fila = id;
-        const std::size_t c = azar_.Hasta(static_cast<unsigned>(d.columnas.size()));
-        cambio.valores.emplace_back(c, DatoAlAzar(azar_, d.columnas[c], true));
-        despues.filas[id][d.columnas[c].nombre] = cambio.valores[0].second;
-        cambios.cambiadas.push_back(std::move(cambio));
+    ModelTable after = it->second;
+    mdb::Changes changes;
+    for (const auto& [id, row] : it->second.rows) {
+      if (random_.One(6)) {
+        changes.deleted.push_back(id);
+        after.rows.erase(id);
+      } else if (random_.One(6)) {
+        mdb::RowChange change;
+        change.row = id;
+        const std::size_t c = random_.Below(static_cast<unsigned>(d.columns.size()));
+        change.values.emplace_back(c, RandomDatum(random_, d.columns[c], true));
+        after.rows[id][d.columns[c].name] = change.values[0].second;
+        changes.changed.push_back(std::move(change));
       }
     }
-    std::vector<std::map<std::string, mdb::Dato>> nuevas;
-    for (unsigned n = azar_.Hasta(it->second.filas.size() > 60 ? 5 : 25); n > 0; --n) {
-      mdb::Fila fila;
-      auto& modelo = nuevas.emplace_back();
-      for (const auto& c : d.columnas) {
-        fila.push_back(DatoAlAzar(azar_, c, true));
-        modelo[c.nombre] = fila.back();
+    std::vector<std::map<std::string, mdb::Datum>> inserted;
+    for (unsigned n = random_.Below(it->second.rows.size() > 60 ? 5 : 25); n > 0; --n) {
+      mdb::Row row;
+      auto& model = inserted.emplace_back();
+      for (const auto& c : d.columns) {
+        row.push_back(RandomDatum(random_, c, true));
+        model[c.name] = row.back();
       }
-      cambios.nuevas.push_back(std::move(fila));
+      changes.inserted.push_back(std::move(row));
     }
-    const auto ids = b_->Aplicar(it->first, cambios);
-    for (std::size_t i = 0; i < ids.size(); ++i) despues.filas[ids[i]] = nuevas[i];
-    it->second = std::move(despues);
+    const auto ids = b_->Apply(it->first, changes);
+    for (std::size_t i = 0; i < ids.size(); ++i) after.rows[ids[i]] = inserted[i];
+    it->second = std::move(after);
   }
 
-  void ConfirmarODeshacer() {
-    if (azar_.Uno(4)) {
-      b_->Deshacer();
-      m_ = confirmado_;
+  void CommitOrRollback() {
+    if (random_.One(4)) {
+      b_->Rollback();
+      m_ = committed_;
     } else {
-      b_->Confirmar();
-      confirmado_ = m_;
+      b_->Commit();
+      committed_ = m_;
     }
   }
 
-  void Comparar(bool afuera) {
-    std::map<std::string, TablaModelo> tablas;
-    for (const auto& o : b_->Indice().Objetos()) {
-      if (o.tipo != mdb::Objeto::Tabla || o.DeSistema()) continue;
-      const auto d = b_.Def(o.nombre);
-      TablaModelo& t = tablas[o.nombre];
-      for (const std::size_t c : d.EnOrden()) t.columnas.push_back(d.columnas[c].nombre);
-      mdb::RecorrerFilas(b_->Hojas(), d, [&](mdb::IdFila id, const mdb::Fila& fila) {
-        auto& valores = t.filas[id];
-        for (std::size_t c = 0; c < fila.size(); ++c) valores[d.columnas[c].nombre] = fila[c];
+  void Compare(bool outside) {
+    std::map<std::string, ModelTable> tables;
+    for (const auto& o : b_->Catalog().Objects()) {
+      if (o.type != mdb::Object::Table || o.IsSystem()) continue;
+      const auto d = b_.Def(o.name);
+      ModelTable& t = tables[o.name];
+      for (const std::size_t c : d.InOrder()) t.columns.push_back(d.columns[c].name);
+      mdb::WalkRows(b_->Pages(), d, [&](mdb::RowId id, const mdb::Row& row) {
+        auto& values = t.rows[id];
+        for (std::size_t c = 0; c < row.size(); ++c) values[d.columns[c].name] = row[c];
         return true;
       });
-      std::vector<std::string> indices;
-      for (const auto& l : d.logicos)
-        if (l.clase != mdb::IndiceLogico::Foraneo) indices.push_back(l.nombre);
-      const auto modelo = m_.tablas.find(o.nombre);
-      ASSERT_TRUE(modelo != m_.tablas.end()) << o.nombre;
-      auto esperados = modelo->second.indices;
-      std::sort(indices.begin(), indices.end());
-      std::sort(esperados.begin(), esperados.end());
-      EXPECT_EQ(indices, esperados) << o.nombre;
-      EXPECT_EQ(t.columnas, modelo->second.columnas) << o.nombre;
-      EXPECT_TRUE(t.filas == modelo->second.filas) << o.nombre;
+      std::vector<std::string> indexes;
+      for (const auto& l : d.logicals)
+        if (l.kind != mdb::LogicalIndex::Foreign) indexes.push_back(l.name);
+      const auto model = m_.tables.find(o.name);
+      ASSERT_TRUE(model != m_.tables.end()) << o.name;
+      auto expected = model->second.indexes;
+      std::sort(indexes.begin(), indexes.end());
+      std::sort(expected.begin(), expected.end());
+      EXPECT_EQ(indexes, expected) << o.name;
+      EXPECT_EQ(t.columns, model->second.columns) << o.name;
+      EXPECT_TRUE(t.rows == model->second.rows) << o.name;
     }
-    EXPECT_EQ(tablas.size(), m_.tablas.size());
-    CompararLoDemas();
-    if (afuera) {
-      b_.Sana();
-      confirmado_ = m_;
+    EXPECT_EQ(tables.size(), m_.tables.size());
+    CompareTheRest();
+    if (outside) {
+      b_.ExpectSound();
+      committed_ = m_;
     }
   }
-  void CompararLoDemas() {
-    for (const auto& [nombre, filas] : m_.consultas)
-      EXPECT_EQ(b_->Indice().ConsultaDe(nombre).filas.size(), filas) << nombre;
+  void CompareTheRest() {
+    for (const auto& [name, rows] : m_.queries)
+      EXPECT_EQ(b_->Catalog().QueryOf(name).rows.size(), rows) << name;
     // A table that goes takes along the relationships that are not enforced.
-    std::erase_if(m_.relaciones, [&](const auto& r) {
-      return !m_.tablas.contains(r.second.first) || !m_.tablas.contains(r.second.second);
+    std::erase_if(m_.relationships, [&](const auto& r) {
+      return !m_.tables.contains(r.second.first) || !m_.tables.contains(r.second.second);
     });
-    std::vector<std::string> hay, esperadas;
-    for (const auto& r : b_->Indice().Relaciones()) hay.push_back(r.nombre);
-    for (const auto& [nombre, r] : m_.relaciones) esperadas.push_back(nombre);
-    std::sort(hay.begin(), hay.end());
-    EXPECT_EQ(hay, esperadas);
+    std::vector<std::string> found, expected_names;
+    for (const auto& r : b_->Catalog().Relationships()) found.push_back(r.name);
+    for (const auto& [name, r] : m_.relationships) expected_names.push_back(name);
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, expected_names);
   }
 
-  Azar azar_;
-  BaseDePrueba b_;
-  Modelo m_, confirmado_;
+  Random random_;
+  TestDatabase b_;
+  Model m_, committed_;
 };
 
-TEST(EsquemaAlAzar, HoldsWhatItsModelHolds) {
-  int hechos = 0, rechazados = 0;
-  for (unsigned semilla = 1; semilla <= 6 && !HasFailure(); ++semilla) {
-    SCOPED_TRACE("semilla " + std::to_string(semilla));
-    Recorrido r(semilla, semilla % 3 == 0 ? 1033 : semilla % 3 == 1 ? 3082 : 1034);
-    r.Correr(300);
-    hechos += r.hechos;
-    rechazados += r.rechazados;
+TEST(RandomSchemas, HoldsWhatItsModelHolds) {
+  int done = 0, rejected = 0;
+  for (unsigned seed = 1; seed <= 6 && !HasFailure(); ++seed) {
+    SCOPED_TRACE("semilla " + std::to_string(seed));
+    Traversal r(seed, seed % 3 == 0 ? 1033 : seed % 3 == 1 ? 3082 : 1034);
+    r.Run(300);
+    done += r.done;
+    rejected += r.rejected;
   }
-  EXPECT_GT(hechos, 1000);
-  EXPECT_GT(rechazados, 100);
+  EXPECT_GT(done, 1000);
+  EXPECT_GT(rejected, 100);
 }
 
 }  // namespace

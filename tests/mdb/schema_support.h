@@ -16,113 +16,113 @@
 
 namespace mdb_test {
 
-inline base::Fecha Hoy() { return base::FechaDe(2026, 11, 21); }
+inline base::Date Today() { return base::MakeDate(2026, 11, 21); }
 
-class BaseDePrueba {
+class TestDatabase {
  public:
-  explicit BaseDePrueba(std::uint16_t orden = 3082) : BaseDePrueba(PaginasNuevas(orden)) {}
-  explicit BaseDePrueba(std::unique_ptr<mdb::PaginasEnMemoria> paginas)
-      : paginas_(paginas.get()), base_(std::make_unique<mdb::Base>(std::move(paginas))) {}
-  mdb::Base* operator->() { return base_.get(); }
-  mdb::Base& operator*() { return *base_; }
+  explicit TestDatabase(std::uint16_t order = 3082) : TestDatabase(NewPages(order)) {}
+  explicit TestDatabase(std::unique_ptr<mdb::MemoryPages> pages)
+      : pages_(pages.get()), base_(std::make_unique<mdb::Database>(std::move(pages))) {}
+  mdb::Database* operator->() { return base_.get(); }
+  mdb::Database& operator*() { return *base_; }
 
-  const mdb::Bytes& Guardado() {
-    base_->Confirmar();
-    return paginas_->Guardado();
+  const mdb::Bytes& Saved() {
+    base_->Commit();
+    return pages_->Stored();
   }
   // Files made here from nothing are held to everything.
-  void Sana(bool estricto = true) {
-    EXPECT_EQ(Controlar(Guardado(), estricto), "");
-    Comprobada(estricto);
+  void ExpectSound(bool strict = true) {
+    EXPECT_EQ(RunChecker(Saved(), strict), "");
+    ExpectChecked(strict);
   }
   // By our own check alone, which takes no process.
-  void Comprobada(bool estricto = true) {
-    for (const auto& h : mdb::Verificar(base_->Hojas()).hallazgos)
-      EXPECT_TRUE(!estricto && h.grado == mdb::Hallazgo::Grado::Nota) << h.texto;
+  void ExpectChecked(bool strict = true) {
+    for (const auto& h : mdb::Verify(base_->Pages()).findings)
+      EXPECT_TRUE(!strict && h.severity == mdb::Finding::Severity::Note) << h.text;
   }
-  std::string Esquema(const std::string& opciones, const std::string& dialecto = "") {
-    return Mdbtools("mdb-schema", opciones, Guardado(), dialecto);
+  std::string Schema(const std::string& options, const std::string& dialect = "") {
+    return Mdbtools("mdb-schema", options, Saved(), dialect);
   }
   // The definition as the pages hold it now.
-  mdb::Definicion Def(const std::string& tabla) {
-    const auto conocida = base_->Indice().Tabla(tabla);
-    if (!conocida) throw base::Error("no table " + tabla);
-    return *conocida;
+  mdb::Definition Def(const std::string& table) {
+    const auto known = base_->Catalog().Table(table);
+    if (!known) throw base::Error("no table " + table);
+    return *known;
   }
-  std::vector<mdb::Fila> Filas(const std::string& tabla) {
-    std::vector<mdb::Fila> filas;
-    mdb::RecorrerFilas(base_->Hojas(), Def(tabla), [&](mdb::IdFila, const mdb::Fila& fila) {
-      filas.push_back(fila);
+  std::vector<mdb::Row> Rows(const std::string& table) {
+    std::vector<mdb::Row> rows;
+    mdb::WalkRows(base_->Pages(), Def(table), [&](mdb::RowId, const mdb::Row& row) {
+      rows.push_back(row);
       return true;
     });
-    return filas;
+    return rows;
   }
-  std::vector<mdb::IdFila> Insertar(const std::string& tabla, std::vector<mdb::Fila> filas) {
-    mdb::Cambios cambios;
-    cambios.nuevas = std::move(filas);
-    return base_->Aplicar(tabla, cambios);
+  std::vector<mdb::RowId> Insert(const std::string& table, std::vector<mdb::Row> rows) {
+    mdb::Changes changes;
+    changes.inserted = std::move(rows);
+    return base_->Apply(table, changes);
   }
 
-  // `paso` must be refused with a text that holds `dice`, and leave every page as it was.
-  template <typename Paso>
-  void Rechaza(const std::string& dice, Paso&& paso) {
-    const mdb::Bytes antes = Guardado();
+  // `step` must be refused with a text that holds `dice`, and leave every page as it was.
+  template <typename Step>
+  void ExpectRejected(const std::string& stated, Step&& step) {
+    const mdb::Bytes before = Saved();
     try {
-      paso();
-      ADD_FAILURE() << "was not refused: " << dice;
+      step();
+      ADD_FAILURE() << "was not refused: " << stated;
     } catch (const base::Error& e) {
-      EXPECT_NE(e.Descripcion().find(dice), std::string::npos) << e.Descripcion();
+      EXPECT_NE(e.Description().find(stated), std::string::npos) << e.Description();
     }
-    EXPECT_FALSE(base_->Hojas().HayCambios());
-    EXPECT_TRUE(Guardado() == antes) << "the refused step left something behind: " << dice;
+    EXPECT_FALSE(base_->Pages().HasChanges());
+    EXPECT_TRUE(Saved() == before) << "the refused step left something behind: " << stated;
   }
 
  private:
-  static std::unique_ptr<mdb::PaginasEnMemoria> PaginasNuevas(std::uint16_t orden) {
-    mdb::Bytes bytes = mdb::NuevaBase(orden, Hoy());
-    const mdb::Cabecera cabecera = mdb::LeerCabecera(bytes);
-    return std::make_unique<mdb::PaginasEnMemoria>(cabecera, std::move(bytes));
+  static std::unique_ptr<mdb::MemoryPages> NewPages(std::uint16_t order) {
+    mdb::Bytes bytes = mdb::MakeDatabase(order, Today());
+    const mdb::FileHeader header = mdb::ReadHeader(bytes);
+    return std::make_unique<mdb::MemoryPages>(header, std::move(bytes));
   }
-  mdb::PaginasEnMemoria* paginas_;
-  std::unique_ptr<mdb::Base> base_;
+  mdb::MemoryPages* pages_;
+  std::unique_ptr<mdb::Database> base_;
 };
 
-inline mdb::NuevaColumna Col(std::string nombre, mdb::TipoColumna tipo, std::uint16_t largo = 0) {
-  mdb::NuevaColumna c;
-  c.nombre = std::move(nombre);
-  c.tipo = tipo;
-  c.largo = largo;
+inline mdb::NewColumn Col(std::string name, mdb::ColumnType type, std::uint16_t length = 0) {
+  mdb::NewColumn c;
+  c.name = std::move(name);
+  c.type = type;
+  c.length = length;
   return c;
 }
 
-inline mdb::NuevoIndice Ind(std::string nombre, std::vector<std::string> columnas) {
-  mdb::NuevoIndice i;
-  i.nombre = std::move(nombre);
-  for (auto& c : columnas) {
-    const bool descendente = !c.empty() && c[0] == '-';
-    i.partes.push_back({descendente ? c.substr(1) : c, descendente});
+inline mdb::NewIndex Ind(std::string name, std::vector<std::string> columns) {
+  mdb::NewIndex i;
+  i.name = std::move(name);
+  for (auto& c : columns) {
+    const bool descending = !c.empty() && c[0] == '-';
+    i.parts.push_back({descending ? c.substr(1) : c, descending});
   }
   return i;
 }
-inline mdb::NuevoIndice Unico(std::string nombre, std::vector<std::string> columnas) {
-  auto i = Ind(std::move(nombre), std::move(columnas));
-  i.unico = true;
+inline mdb::NewIndex UniqueIndex(std::string name, std::vector<std::string> columns) {
+  auto i = Ind(std::move(name), std::move(columns));
+  i.unique = true;
   return i;
 }
-inline mdb::NuevoIndice Clave(std::vector<std::string> columnas) {
-  auto i = Ind("PrimaryKey", std::move(columnas));
-  i.primario = true;
+inline mdb::NewIndex Key(std::vector<std::string> columns) {
+  auto i = Ind("PrimaryKey", std::move(columns));
+  i.primary = true;
   return i;
 }
 
 template <typename... T>
-mdb::Fila FilaDe(T&&... valores) {
-  mdb::Fila fila;
-  (fila.emplace_back(std::forward<T>(valores)), ...);
-  return fila;
+mdb::Row RowOf(T&&... values) {
+  mdb::Row row;
+  (row.emplace_back(std::forward<T>(values)), ...);
+  return row;
 }
-inline mdb::Dato N(std::int64_t n) { return n; }
-inline mdb::Dato S(std::string texto) { return texto; }
-inline mdb::Dato Nada() { return {}; }
+inline mdb::Datum N(std::int64_t n) { return n; }
+inline mdb::Datum S(std::string text) { return text; }
+inline mdb::Datum Nothing() { return {}; }
 
 }  // namespace mdb_test

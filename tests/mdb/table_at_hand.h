@@ -9,30 +9,30 @@
 
 namespace mdb_test {
 
-const base::Nulo kNulo{};
+const base::Null kNull{};
 inline std::int64_t N(int n) { return n; }
-inline std::string S(std::size_t largo, char letra = 'x') { return std::string(largo, letra); }
-inline mdb::Dato Texto(std::string s) { return s; }
+inline std::string S(std::size_t length, char letter = 'x') { return std::string(length, letter); }
+inline mdb::Datum Text(std::string s) { return s; }
 
-struct Tabla {
-  BaseNueva base;
-  mdb::Definicion d;
-  explicit Tabla(const mdb::NuevaTabla& t) { d = base.Crear(t); }
-  mdb::Paginas& P() { return base->Hojas(); }
-  std::vector<mdb::IdFila> Aplicar(const mdb::Cambios& c) { return mdb::Aplicar(P(), d, c); }
-  mdb::IdFila Insertar(mdb::Fila f) { return Aplicar({{}, {}, {std::move(f)}}).at(0); }
-  void Cambiar(mdb::IdFila id, std::size_t columna, mdb::Dato dato) {
-    Aplicar({{}, {Cambio(id, {{columna, std::move(dato)}})}, {}});
+struct Table {
+  NewDatabase base;
+  mdb::Definition d;
+  explicit Table(const mdb::NewTable& t) { d = base.Create(t); }
+  mdb::PageFile& P() { return base->Pages(); }
+  std::vector<mdb::RowId> Apply(const mdb::Changes& c) { return mdb::Apply(P(), d, c); }
+  mdb::RowId Insert(mdb::Row f) { return Apply({{}, {}, {std::move(f)}}).at(0); }
+  void Update(mdb::RowId id, std::size_t column, mdb::Datum datum) {
+    Apply({{}, {ChangeOf(id, {{column, std::move(datum)}})}, {}});
   }
-  void Borrar(mdb::IdFila id) { Aplicar({{id}, {}, {}}); }
-  mdb::Fila Leer(mdb::IdFila id) { return mdb::LeerFila(P(), d, id).value(); }
-  mdb::Ranura RanuraDe(mdb::IdFila id) { return mdb::LeerRanura(id.pagina, *P().Leer(id.pagina), id.fila); }
-  mdb::IdFila Lugar(mdb::IdFila id) { return mdb::BuscarFila(P(), d, id).value().lugar; }
-  std::vector<mdb::NumPagina> Propias() { return mdb::LeerMapa(P(), d.propias); }
-  std::vector<mdb::NumPagina> Libres() { return mdb::LeerMapa(P(), d.libres); }
-  std::vector<mdb::Entrada> Entradas(std::size_t indice) {
-    std::vector<mdb::Entrada> e;
-    mdb::ArbolDeIndice(P(), d.Pagina(), d.reales[indice]).Recorrer([&](const mdb::Entrada& x) {
+  void Delete(mdb::RowId id) { Apply({{id}, {}, {}}); }
+  mdb::Row Read(mdb::RowId id) { return mdb::ReadRow(P(), d, id).value(); }
+  mdb::Slot SlotOf(mdb::RowId id) { return mdb::ReadSlot(id.page, *P().Read(id.page), id.row); }
+  mdb::RowId Place(mdb::RowId id) { return mdb::FindRow(P(), d, id).value().place; }
+  std::vector<mdb::PageNumber> OwnPages() { return mdb::ReadMap(P(), d.owned_pages); }
+  std::vector<mdb::PageNumber> FreePages() { return mdb::ReadMap(P(), d.free_pages); }
+  std::vector<mdb::Entry> Entries(std::size_t index) {
+    std::vector<mdb::Entry> e;
+    mdb::IndexTree(P(), d.Page(), d.reals[index]).Walk([&](const mdb::Entry& x) {
       e.push_back(x);
       return true;
     });
@@ -42,14 +42,14 @@ struct Tabla {
 };
 
 // A key, a unique index over two columns, and one that ignores Nulls.
-inline mdb::NuevaTabla ConClave() {
-  mdb::NuevaTabla t{"Clave", {}, {}};
-  t.columnas = {Columna("Id", mdb::TipoColumna::Largo), Columna("Nombre", mdb::TipoColumna::Texto),
-                Columna("Edad", mdb::TipoColumna::Entero)};
-  mdb::NuevoIndice clave{"PrimaryKey", {{"Id", false}}, true, true, false, true};
-  mdb::NuevoIndice nombre_unico{"PorNombre", {{"Nombre", false}, {"Edad", true}}, true, false, false, false};
-  mdb::NuevoIndice edad{"PorEdad", {{"Edad", false}}, false, false, true, false};
-  t.indices = {clave, nombre_unico, edad};
+inline mdb::NewTable WithKey() {
+  mdb::NewTable t{"Clave", {}, {}};
+  t.columns = {Column("Id", mdb::ColumnType::Long), Column("Nombre", mdb::ColumnType::Text),
+               Column("Edad", mdb::ColumnType::Integer)};
+  mdb::NewIndex key{"PrimaryKey", {{"Id", false}}, true, true, false, true};
+  mdb::NewIndex unique_name{"PorNombre", {{"Nombre", false}, {"Edad", true}}, true, false, false, false};
+  mdb::NewIndex age{"PorEdad", {{"Edad", false}}, false, false, true, false};
+  t.indexes = {key, unique_name, age};
   return t;
 }
 

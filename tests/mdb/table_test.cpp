@@ -8,349 +8,349 @@ namespace {
 
 using mdb::Bytes;
 
-constexpr std::size_t kPagina = 4096;
-constexpr mdb::NumPagina kTabla = 5;
+constexpr std::size_t kPage = 4096;
+constexpr mdb::PageNumber kTable = 5;
 constexpr std::uint32_t kLval = 0x4C41564C;
 
-struct Ranura {
-  std::uint16_t banderas;
+struct Slot {
+  std::uint16_t flags;
   Bytes bytes;
 };
 
 // A data page: rows from its end downwards, slots behind its head.
-Bytes PaginaDeDatos(std::uint32_t dueno, const std::vector<Ranura>& ranuras) {
-  Bytes p(kPagina, 0xEE);  // what is free is not zero in real files either
+Bytes DataPage(std::uint32_t owner, const std::vector<Slot>& slots) {
+  Bytes p(kPage, 0xEE);  // what is free is not zero in real files either
   p[0] = p[1] = 1;
-  mdb::Poner32(p, 4, dueno);
-  mdb::Poner16(p, 12, static_cast<std::uint16_t>(ranuras.size()));
-  std::size_t fin = kPagina, pos = 14;
-  for (const auto& r : ranuras) {
-    fin -= r.bytes.size();
-    mdb::PonerBytes(p, fin, r.bytes);
-    mdb::Poner16(p, pos, static_cast<std::uint16_t>(fin | r.banderas));
+  mdb::Put32(p, 4, owner);
+  mdb::Put16(p, 12, static_cast<std::uint16_t>(slots.size()));
+  std::size_t end = kPage, pos = 14;
+  for (const auto& r : slots) {
+    end -= r.bytes.size();
+    mdb::PutBytes(p, end, r.bytes);
+    mdb::Put16(p, pos, static_cast<std::uint16_t>(end | r.flags));
     pos += 2;
   }
   return p;
 }
 
-Bytes Puntero(mdb::IdFila id) {
-  Bytes b{id.fila};
-  mdb::Agregar24(b, id.pagina);
+Bytes PointerBytes(mdb::RowId id) {
+  Bytes b{id.row};
+  mdb::Append24(b, id.page);
   return b;
 }
 
-Bytes MapaEnLinea(std::uint32_t primera, std::initializer_list<unsigned> paginas) {
+Bytes InlineMap(std::uint32_t first, std::initializer_list<unsigned> pages) {
   Bytes b(5 + 8);
-  mdb::Poner32(b, 1, primera);
-  for (const unsigned p : paginas)
-    b[5 + (p - primera) / 8] |= static_cast<std::uint8_t>(1U << (p - primera) % 8);
+  mdb::Put32(b, 1, first);
+  for (const unsigned p : pages) b[5 + (p - first) / 8] |= static_cast<std::uint8_t>(1U << (p - first) % 8);
   return b;
 }
 
 // A row of the table below: a Long and a Text.
-Bytes FilaDe(std::int32_t n, const std::string& texto) {
+Bytes RowOf(std::int32_t n, const std::string& text) {
   Bytes b{2, 0};
-  mdb::Agregar32(b, static_cast<std::uint32_t>(n));
+  mdb::Append32(b, static_cast<std::uint32_t>(n));
   b.insert(b.end(), {0xFF, 0xFE});
-  b.insert(b.end(), texto.begin(), texto.end());
-  mdb::Agregar16(b, static_cast<std::uint16_t>(8 + texto.size()));
-  mdb::Agregar16(b, 6);
-  mdb::Agregar16(b, 1);
+  b.insert(b.end(), text.begin(), text.end());
+  mdb::Append16(b, static_cast<std::uint16_t>(8 + text.size()));
+  mdb::Append16(b, 6);
+  mdb::Append16(b, 1);
   b.push_back(3);
   return b;
 }
 
-mdb::Definicion Tabla() {
-  mdb::Definicion d;
-  d.paginas = {kTabla};
-  d.max_columnas = 2;
+mdb::Definition Table() {
+  mdb::Definition d;
+  d.pages = {kTable};
+  d.max_columns = 2;
   d.variables = 1;
-  mdb::Columna n, t;
-  n.nombre = "N";
-  n.banderas |= mdb::Columna::kFija;
-  t.nombre = "T";
-  t.tipo = mdb::TipoColumna::Texto;
-  t.numero = 1;
-  d.columnas = {n, t};
-  d.propias = {1, 0};
+  mdb::Column n, t;
+  n.name = "N";
+  n.flags |= mdb::Column::kFixed;
+  t.name = "T";
+  t.type = mdb::ColumnType::Text;
+  t.number = 1;
+  d.columns = {n, t};
+  d.owned_pages = {1, 0};
   return d;
 }
 
 // Page 1 holds the map, the pages from 2 on are given.
-struct Archivo {
-  mdb::PaginasEnMemoria paginas;
-  mdb::Definicion tabla = Tabla();
+struct File {
+  mdb::MemoryPages pages;
+  mdb::Definition table = Table();
 
-  explicit Archivo(const std::vector<Bytes>& desde_dos, const Bytes& mapa = MapaEnLinea(0, {2}))
-      : paginas(mdb::Cabecera{}, Unir(desde_dos, mapa)) {}
+  explicit File(const std::vector<Bytes>& from_two, const Bytes& map = InlineMap(0, {2}))
+      : pages(mdb::FileHeader{}, Join(from_two, map)) {}
 
-  static Bytes Unir(const std::vector<Bytes>& desde_dos, const Bytes& mapa) {
-    Bytes todo(kPagina);
-    mdb::AgregarBytes(todo, PaginaDeDatos(0, {{0, mapa}}));
-    for (const auto& p : desde_dos) mdb::AgregarBytes(todo, p);
-    return todo;
+  static Bytes Join(const std::vector<Bytes>& from_two, const Bytes& map) {
+    Bytes all(kPage);
+    mdb::AppendBytes(all, DataPage(0, {{0, map}}));
+    for (const auto& p : from_two) mdb::AppendBytes(all, p);
+    return all;
   }
 
   // "page:row number text" of each row.
-  std::string Leer(const std::vector<std::size_t>& columnas = {}, std::size_t cuantas = 100) {
-    std::string salida;
-    mdb::RecorrerFilas(
-        paginas, tabla,
-        [&](mdb::IdFila id, const mdb::Fila& fila) {
-          salida += std::to_string(id.pagina) + ":" + std::to_string(id.fila);
-          if (const auto* n = std::get_if<std::int64_t>(&fila[0])) salida += " " + std::to_string(*n);
-          if (const auto* t = std::get_if<std::string>(&fila[1])) salida += " " + *t;
-          salida += "\n";
-          return --cuantas > 0;
+  std::string Read(const std::vector<std::size_t>& columns = {}, std::size_t count = 100) {
+    std::string output;
+    mdb::WalkRows(
+        pages, table,
+        [&](mdb::RowId id, const mdb::Row& row) {
+          output += std::to_string(id.page) + ":" + std::to_string(id.row);
+          if (const auto* n = std::get_if<std::int64_t>(&row[0])) output += " " + std::to_string(*n);
+          if (const auto* t = std::get_if<std::string>(&row[1])) output += " " + *t;
+          output += "\n";
+          return --count > 0;
         },
-        columnas);
-    return salida;
+        columns);
+    return output;
   }
   // What reading all rows complains of.
-  std::string Queja() {
+  std::string Complaint() {
     try {
-      Leer();
-    } catch (const mdb::Danio& d) {
-      return d.Descripcion();
+      Read();
+    } catch (const mdb::Damage& d) {
+      return d.Description();
     }
     return "none";
   }
 };
 
-std::string Danada(int pagina, const std::string& motivo) {
-  return "El archivo está dañado, página " + std::to_string(pagina) + ": " + motivo;
+std::string DamageMessage(int page, const std::string& reason) {
+  return "El archivo está dañado, página " + std::to_string(page) + ": " + reason;
 }
 
 // Page 2: a row, a deleted one with and one without its bytes, a moved one and the last; page 3: a place of a
 // moved row.
-Archivo ConDeTodo() {
-  return Archivo({PaginaDeDatos(kTabla, {{0, FilaDe(1, "uno")},
-                                         {0xC000, FilaDe(2, "dos")},
-                                         {0xC000, {}},
-                                         {0x4000, Puntero({3, 0})},
-                                         {0, FilaDe(5, "cinco")}}),
-                  PaginaDeDatos(kTabla, {{0x8000, FilaDe(4, "cuatro")}})},
-                 MapaEnLinea(0, {2, 3}));
+File WithEverything() {
+  return File({DataPage(kTable, {{0, RowOf(1, "uno")},
+                                 {0xC000, RowOf(2, "dos")},
+                                 {0xC000, {}},
+                                 {0x4000, PointerBytes({3, 0})},
+                                 {0, RowOf(5, "cinco")}}),
+               DataPage(kTable, {{0x8000, RowOf(4, "cuatro")}})},
+              InlineMap(0, {2, 3}));
 }
 
-TEST(Tabla, WalksLiveRowsByTheirIdentities) {
-  auto a = ConDeTodo();
-  EXPECT_EQ(a.Leer(), "2:0 1 uno\n2:3 4 cuatro\n2:4 5 cinco\n");
-  EXPECT_EQ(a.Leer({1}), "2:0 uno\n2:3 cuatro\n2:4 cinco\n");
-  EXPECT_EQ(a.Leer({}, 2), "2:0 1 uno\n2:3 4 cuatro\n");
+TEST(Table, WalksLiveRowsByTheirIdentities) {
+  auto a = WithEverything();
+  EXPECT_EQ(a.Read(), "2:0 1 uno\n2:3 4 cuatro\n2:4 5 cinco\n");
+  EXPECT_EQ(a.Read({1}), "2:0 uno\n2:3 cuatro\n2:4 cinco\n");
+  EXPECT_EQ(a.Read({}, 2), "2:0 1 uno\n2:3 4 cuatro\n");
 }
 
-TEST(Tabla, FindsOneRowByItsIdentity) {
-  auto a = ConDeTodo();
-  EXPECT_EQ(mdb::LeerFila(a.paginas, a.tabla, {2, 0}), (mdb::Fila{std::int64_t{1}, std::string("uno")}));
-  EXPECT_EQ(mdb::LeerFila(a.paginas, a.tabla, {2, 3}), (mdb::Fila{std::int64_t{4}, std::string("cuatro")}));
-  EXPECT_FALSE(mdb::LeerFila(a.paginas, a.tabla, {2, 1}));
-  EXPECT_FALSE(mdb::LeerFila(a.paginas, a.tabla, {2, 2}));
-  EXPECT_FALSE(mdb::LeerFila(a.paginas, a.tabla, {3, 0}));  // the place of a moved row is nobody's identity
-  EXPECT_FALSE(mdb::LeerFila(a.paginas, a.tabla, {2, 9}));
-  EXPECT_EQ(mdb::BuscarFila(a.paginas, a.tabla, {2, 0})->lugar, (mdb::IdFila{2, 0}));
-  EXPECT_EQ(mdb::BuscarFila(a.paginas, a.tabla, {2, 3})->lugar, (mdb::IdFila{3, 0}));
-  EXPECT_THROW(mdb::LeerFila(a.paginas, a.tabla, {1, 0}), mdb::Danio);  // a page of maps
-  EXPECT_THROW(mdb::LeerFila(a.paginas, a.tabla, {99, 0}), mdb::Danio);
+TEST(Table, FindsOneRowByItsIdentity) {
+  auto a = WithEverything();
+  EXPECT_EQ(mdb::ReadRow(a.pages, a.table, {2, 0}), (mdb::Row{std::int64_t{1}, std::string("uno")}));
+  EXPECT_EQ(mdb::ReadRow(a.pages, a.table, {2, 3}), (mdb::Row{std::int64_t{4}, std::string("cuatro")}));
+  EXPECT_FALSE(mdb::ReadRow(a.pages, a.table, {2, 1}));
+  EXPECT_FALSE(mdb::ReadRow(a.pages, a.table, {2, 2}));
+  EXPECT_FALSE(mdb::ReadRow(a.pages, a.table, {3, 0}));  // the place of a moved row is nobody's identity
+  EXPECT_FALSE(mdb::ReadRow(a.pages, a.table, {2, 9}));
+  EXPECT_EQ(mdb::FindRow(a.pages, a.table, {2, 0})->place, (mdb::RowId{2, 0}));
+  EXPECT_EQ(mdb::FindRow(a.pages, a.table, {2, 3})->place, (mdb::RowId{3, 0}));
+  EXPECT_THROW(mdb::ReadRow(a.pages, a.table, {1, 0}), mdb::Damage);  // a page of maps
+  EXPECT_THROW(mdb::ReadRow(a.pages, a.table, {99, 0}), mdb::Damage);
 }
 
-TEST(Tabla, DamageNamesItsPage) {
-  EXPECT_EQ(Archivo({PaginaDeDatos(7, {{0, FilaDe(1, "uno")}})}).Queja(), Danada(2, "es de otra tabla"));
-  EXPECT_EQ(Archivo({Bytes(kPagina)}).Queja(), Danada(2, "no es una página de datos"));
-  EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0, FilaDe(1, "uno")}})}, MapaEnLinea(0, {2, 3})).Queja(),
-            Danada(1, "una tabla tiene la página 3 y el archivo termina antes: está cortado"));
-  EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0, FilaDe(1, "uno")}, {0, {2, 0}}})}).Queja(),
-            Danada(2, "la fila 1 no se puede leer"));
+TEST(Table, DamageNamesItsPage) {
+  EXPECT_EQ(File({DataPage(7, {{0, RowOf(1, "uno")}})}).Complaint(), DamageMessage(2, "es de otra tabla"));
+  EXPECT_EQ(File({Bytes(kPage)}).Complaint(), DamageMessage(2, "no es una página de datos"));
+  EXPECT_EQ(File({DataPage(kTable, {{0, RowOf(1, "uno")}})}, InlineMap(0, {2, 3})).Complaint(),
+            DamageMessage(1, "una tabla tiene la página 3 y el archivo termina antes: está cortado"));
+  EXPECT_EQ(File({DataPage(kTable, {{0, RowOf(1, "uno")}, {0, {2, 0}}})}).Complaint(),
+            DamageMessage(2, "la fila 1 no se puede leer"));
   // A moved row may lead to the place of a moved row alone: never to a row, a deleted one, another moved one.
-  for (const unsigned banderas : {0x0000U, 0xC000U, 0x4000U})
-    EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0x4000, Puntero({3, 0})}}),
-                       PaginaDeDatos(kTabla, {{static_cast<std::uint16_t>(banderas), FilaDe(4, "cuatro")}})})
-                  .Queja(),
-              Danada(3, "una fila movida no está donde debe"));
-  EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0x4000, Puntero({2, 0})}})}).Queja(),
-            Danada(2, "una fila movida no está donde debe"));
-  EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0x4000, {1, 2}}})}).Queja(),
-            Danada(2, "una fila movida no se puede seguir"));
-  EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0x4000, Puntero({77, 0})}})}).Queja(),
-            Danada(77, "el archivo tiene 3 páginas"));
-  EXPECT_EQ(Archivo({PaginaDeDatos(kTabla, {{0x4000, Puntero({3, 1})}}),
-                     PaginaDeDatos(kTabla, {{0x8000, FilaDe(4, "cuatro")}})})
-                .Queja(),
-            Danada(3, "no tiene la fila 1"));
+  for (const unsigned flags : {0x0000U, 0xC000U, 0x4000U})
+    EXPECT_EQ(File({DataPage(kTable, {{0x4000, PointerBytes({3, 0})}}),
+                    DataPage(kTable, {{static_cast<std::uint16_t>(flags), RowOf(4, "cuatro")}})})
+                  .Complaint(),
+              DamageMessage(3, "una fila movida no está donde debe"));
+  EXPECT_EQ(File({DataPage(kTable, {{0x4000, PointerBytes({2, 0})}})}).Complaint(),
+            DamageMessage(2, "una fila movida no está donde debe"));
+  EXPECT_EQ(File({DataPage(kTable, {{0x4000, {1, 2}}})}).Complaint(),
+            DamageMessage(2, "una fila movida no se puede seguir"));
+  EXPECT_EQ(File({DataPage(kTable, {{0x4000, PointerBytes({77, 0})}})}).Complaint(),
+            DamageMessage(77, "el archivo tiene 3 páginas"));
+  EXPECT_EQ(File({DataPage(kTable, {{0x4000, PointerBytes({3, 1})}}),
+                  DataPage(kTable, {{0x8000, RowOf(4, "cuatro")}})})
+                .Complaint(),
+            DamageMessage(3, "no tiene la fila 1"));
 }
 
-TEST(Tabla, SlotsOutOfPlaceAreDamage) {
-  Bytes p = PaginaDeDatos(kTabla, {{0, FilaDe(1, "uno")}, {0, FilaDe(2, "dos")}});
-  mdb::Poner16(p, 16, 4095);  // rises
-  EXPECT_EQ(Archivo({p}).Queja(), Danada(2, "la fila 1 está fuera de lugar"));
-  mdb::Poner16(p, 16, 16);  // inside the list of slots
-  EXPECT_EQ(Archivo({p}).Queja(), Danada(2, "la fila 1 está fuera de lugar"));
-  mdb::Poner16(p, 14, 0x1FFF);  // beyond the page
-  EXPECT_EQ(Archivo({p}).Queja(), Danada(2, "la fila 0 está fuera de lugar"));
-  mdb::Poner16(p, 12, 3000);
-  EXPECT_EQ(Archivo({p}).Queja(), Danada(2, "la lista de filas no cabe"));
+TEST(Table, SlotsOutOfPlaceAreDamage) {
+  Bytes p = DataPage(kTable, {{0, RowOf(1, "uno")}, {0, RowOf(2, "dos")}});
+  mdb::Put16(p, 16, 4095);  // rises
+  EXPECT_EQ(File({p}).Complaint(), DamageMessage(2, "la fila 1 está fuera de lugar"));
+  mdb::Put16(p, 16, 16);  // inside the list of slots
+  EXPECT_EQ(File({p}).Complaint(), DamageMessage(2, "la fila 1 está fuera de lugar"));
+  mdb::Put16(p, 14, 0x1FFF);  // beyond the page
+  EXPECT_EQ(File({p}).Complaint(), DamageMessage(2, "la fila 0 está fuera de lugar"));
+  mdb::Put16(p, 12, 3000);
+  EXPECT_EQ(File({p}).Complaint(), DamageMessage(2, "la lista de filas no cabe"));
 }
 
 // The 12 bytes of a long value in its row.
-Bytes Campo(std::uint32_t palabra, mdb::IdFila id) {
+Bytes Field(std::uint32_t word, mdb::RowId id) {
   Bytes b;
-  mdb::Agregar32(b, palabra);
-  mdb::AgregarBytes(b, Puntero(id));
-  mdb::Agregar32(b, 0x12345678);  // Access leaves what it likes here
+  mdb::Append32(b, word);
+  mdb::AppendBytes(b, PointerBytes(id));
+  mdb::Append32(b, 0x12345678);  // Access leaves what it likes here
   return b;
 }
 
-Bytes Pieza(mdb::IdFila siguiente, const std::string& datos) {
-  Bytes b = Puntero(siguiente);
-  b.insert(b.end(), datos.begin(), datos.end());
+Bytes Piece(mdb::RowId next, const std::string& data) {
+  Bytes b = PointerBytes(next);
+  b.insert(b.end(), data.begin(), data.end());
   return b;
 }
 
-std::string Largo(std::uint32_t palabra, mdb::IdFila id, const std::vector<Ranura>& piezas,
-                  std::uint32_t dueno = kLval) {
-  Archivo a({PaginaDeDatos(dueno, piezas)});
+std::string Length(std::uint32_t word, mdb::RowId id, const std::vector<Slot>& pieces,
+                   std::uint32_t owner = kLval) {
+  File a({DataPage(owner, pieces)});
   try {
-    mdb::Columna column;
-    column.tipo = mdb::TipoColumna::Ole;
-    const auto value = std::get<mdb::Bytes>(mdb::Decodificar(a.paginas, column, Campo(palabra, id)));
+    mdb::Column column;
+    column.type = mdb::ColumnType::Ole;
+    const auto value = std::get<mdb::Bytes>(mdb::Decode(a.pages, column, Field(word, id)));
     return {value.begin(), value.end()};
-  } catch (const mdb::Danio& d) {
-    return d.Descripcion();
+  } catch (const mdb::Damage& d) {
+    return d.Description();
   }
 }
 
-TEST(ValorLargo, StandsInOneRowOrInAChain) {
-  EXPECT_EQ(Largo(0x40000003, {2, 0}, {{0, {'a', 'b', 'c'}}}), "abc");
-  EXPECT_EQ(Largo(0x40000002, {2, 0}, {{0, {'a', 'b', 'c'}}}), "ab");
-  EXPECT_EQ(Largo(6, {2, 1}, {{0, Pieza({}, "def")}, {0, Pieza({2, 0}, "abc")}}), "abcdef");
-  EXPECT_EQ(Largo(1, {2, 0}, {{0, Pieza({}, "a")}}), "a");
-  EXPECT_EQ(Largo(0, {}, {}), "");
-  EXPECT_EQ(Largo(0x40000000, {}, {}), "");
+TEST(CheckLongValue, StandsInOneRowOrInAChain) {
+  EXPECT_EQ(Length(0x40000003, {2, 0}, {{0, {'a', 'b', 'c'}}}), "abc");
+  EXPECT_EQ(Length(0x40000002, {2, 0}, {{0, {'a', 'b', 'c'}}}), "ab");
+  EXPECT_EQ(Length(6, {2, 1}, {{0, Piece({}, "def")}, {0, Piece({2, 0}, "abc")}}), "abcdef");
+  EXPECT_EQ(Length(1, {2, 0}, {{0, Piece({}, "a")}}), "a");
+  EXPECT_EQ(Length(0, {}, {}), "");
+  EXPECT_EQ(Length(0x40000000, {}, {}), "");
 }
 
-TEST(ValorLargo, DamagedChainsEnd) {
-  EXPECT_EQ(Largo(9, {2, 0}, {{0, Pieza({}, "abc")}}),
+TEST(CheckLongValue, DamagedChainsEnd) {
+  EXPECT_EQ(Length(9, {2, 0}, {{0, Piece({}, "abc")}}),
             "El archivo está dañado: un valor largo está incompleto");
   // A chain that comes back ends at the value's length.
-  EXPECT_EQ(Largo(7, {2, 0}, {{0, Pieza({2, 0}, "abc")}}), "abcabca");
-  EXPECT_EQ(Largo(7, {2, 0}, {{0, Pieza({2, 0}, "")}}), Danada(2, "un valor largo tiene una pieza vacía"));
-  EXPECT_EQ(Largo(0x3FFFFFFF, {2, 0}, {{0, Pieza({2, 0}, "abc")}}),
+  EXPECT_EQ(Length(7, {2, 0}, {{0, Piece({2, 0}, "abc")}}), "abcabca");
+  EXPECT_EQ(Length(7, {2, 0}, {{0, Piece({2, 0}, "")}}),
+            DamageMessage(2, "un valor largo tiene una pieza vacía"));
+  EXPECT_EQ(Length(0x3FFFFFFF, {2, 0}, {{0, Piece({2, 0}, "abc")}}),
             "El archivo está dañado: un valor largo es más largo que el archivo");
-  EXPECT_EQ(Largo(0x40000009, {2, 0}, {{0, {'a'}}}), Danada(2, "un valor largo está incompleto"));
-  EXPECT_EQ(Largo(0x40000001, {2, 1}, {{0, {'a'}}}), Danada(2, "no tiene la fila 1"));
-  EXPECT_EQ(Largo(0x40000001, {2, 0}, {{0xC000, {'a'}}}),
-            Danada(2, "un valor largo lleva a una fila que no lo es"));
-  EXPECT_EQ(Largo(0x40000001, {2, 0}, {{0, {'a'}}}, kTabla),
-            Danada(2, "un valor largo lleva a una fila que no lo es"));
-  EXPECT_EQ(Largo(0x40000001, {88, 0}, {}), Danada(88, "el archivo tiene 3 páginas"));
+  EXPECT_EQ(Length(0x40000009, {2, 0}, {{0, {'a'}}}), DamageMessage(2, "un valor largo está incompleto"));
+  EXPECT_EQ(Length(0x40000001, {2, 1}, {{0, {'a'}}}), DamageMessage(2, "no tiene la fila 1"));
+  EXPECT_EQ(Length(0x40000001, {2, 0}, {{0xC000, {'a'}}}),
+            DamageMessage(2, "un valor largo lleva a una fila que no lo es"));
+  EXPECT_EQ(Length(0x40000001, {2, 0}, {{0, {'a'}}}, kTable),
+            DamageMessage(2, "un valor largo lleva a una fila que no lo es"));
+  EXPECT_EQ(Length(0x40000001, {88, 0}, {}), DamageMessage(88, "el archivo tiene 3 páginas"));
 }
 
-Bytes PaginaDeMapa(std::initializer_list<unsigned> bits) {
-  Bytes p(kPagina);
+Bytes MapPage(std::initializer_list<unsigned> bits) {
+  Bytes p(kPage);
   p[0] = 5;
   p[1] = 1;
   for (const unsigned b : bits) p[4 + b / 8] |= static_cast<std::uint8_t>(1U << b % 8);
   return p;
 }
 
-TEST(Mapa, IsABitmapFromItsStart) {
-  Archivo a(std::vector<Bytes>(30, Bytes(kPagina)), MapaEnLinea(8, {9, 16, 31, 32, 60}));
+TEST(CheckMap, IsABitmapFromItsStart) {
+  File a(std::vector<Bytes>(30, Bytes(kPage)), InlineMap(8, {9, 16, 31, 32, 60}));
   // The file has 32 pages: what lies beyond is left out.
-  EXPECT_EQ(mdb::LeerMapa(a.paginas, {1, 0}), (std::vector<mdb::NumPagina>{9, 16, 31}));
-  EXPECT_TRUE(mdb::PaginasDelMapa(a.paginas, {1, 0}).empty());
-  EXPECT_TRUE(mdb::EnMapa(a.paginas, {1, 0}, 9));
-  EXPECT_FALSE(mdb::EnMapa(a.paginas, {1, 0}, 10));
-  EXPECT_FALSE(mdb::EnMapa(a.paginas, {1, 0}, 1));
-  EXPECT_FALSE(mdb::EnMapa(a.paginas, {1, 0}, 5000));
+  EXPECT_EQ(mdb::ReadMap(a.pages, {1, 0}), (std::vector<mdb::PageNumber>{9, 16, 31}));
+  EXPECT_TRUE(mdb::PagesOfMap(a.pages, {1, 0}).empty());
+  EXPECT_TRUE(mdb::IsInMap(a.pages, {1, 0}, 9));
+  EXPECT_FALSE(mdb::IsInMap(a.pages, {1, 0}, 10));
+  EXPECT_FALSE(mdb::IsInMap(a.pages, {1, 0}, 1));
+  EXPECT_FALSE(mdb::IsInMap(a.pages, {1, 0}, 5000));
 }
 
-TEST(Mapa, OrAListOfBitmapPages) {
-  Bytes mapa{1};
-  for (const std::uint32_t p : {0U, 0xFFFFFFFFU, 0U}) mdb::Agregar32(mapa, p);
-  mdb::Poner32(mapa, 1, 2);
-  Archivo a({PaginaDeMapa({0, 2, 3, 4, 32735})}, mapa);
-  EXPECT_EQ(mdb::LeerMapa(a.paginas, {1, 0}), (std::vector<mdb::NumPagina>{0, 2}));
-  EXPECT_EQ(mdb::PaginasDelMapa(a.paginas, {1, 0}), (std::vector<mdb::NumPagina>{2}));
-  EXPECT_TRUE(mdb::EnMapa(a.paginas, {1, 0}, 32735));
-  EXPECT_FALSE(mdb::EnMapa(a.paginas, {1, 0}, 32736));   // the second pointer is none
-  EXPECT_FALSE(mdb::EnMapa(a.paginas, {1, 0}, 999999));  // beyond the pointers
+TEST(CheckMap, OrAListOfBitmapPages) {
+  Bytes map{1};
+  for (const std::uint32_t p : {0U, 0xFFFFFFFFU, 0U}) mdb::Append32(map, p);
+  mdb::Put32(map, 1, 2);
+  File a({MapPage({0, 2, 3, 4, 32735})}, map);
+  EXPECT_EQ(mdb::ReadMap(a.pages, {1, 0}), (std::vector<mdb::PageNumber>{0, 2}));
+  EXPECT_EQ(mdb::PagesOfMap(a.pages, {1, 0}), (std::vector<mdb::PageNumber>{2}));
+  EXPECT_TRUE(mdb::IsInMap(a.pages, {1, 0}, 32735));
+  EXPECT_FALSE(mdb::IsInMap(a.pages, {1, 0}, 32736));   // the second pointer is none
+  EXPECT_FALSE(mdb::IsInMap(a.pages, {1, 0}, 999999));  // beyond the pointers
 }
 
-TEST(Mapa, NoneIsEmpty) {
-  Archivo a({});
-  EXPECT_TRUE(mdb::LeerMapa(a.paginas, {}).empty());
-  EXPECT_TRUE(mdb::PaginasDelMapa(a.paginas, {}).empty());
-  EXPECT_FALSE(mdb::EnMapa(a.paginas, {}, 3));
+TEST(CheckMap, NoneIsEmpty) {
+  File a({});
+  EXPECT_TRUE(mdb::ReadMap(a.pages, {}).empty());
+  EXPECT_TRUE(mdb::PagesOfMap(a.pages, {}).empty());
+  EXPECT_FALSE(mdb::IsInMap(a.pages, {}, 3));
 }
 
-TEST(Mapa, DamageNamesItsPage) {
-  const auto queja = [](const Bytes& mapa, const std::vector<Bytes>& paginas) {
-    Archivo a(paginas, mapa);
+TEST(CheckMap, DamageNamesItsPage) {
+  const auto complaint = [](const Bytes& map, const std::vector<Bytes>& pages) {
+    File a(pages, map);
     try {
-      mdb::LeerMapa(a.paginas, {1, 0});
-    } catch (const mdb::Danio& d) {
-      return d.Descripcion();
+      mdb::ReadMap(a.pages, {1, 0});
+    } catch (const mdb::Damage& d) {
+      return d.Description();
     }
     return std::string("none");
   };
-  EXPECT_EQ(queja({2, 0, 0, 0, 0}, {}), Danada(1, "un mapa de páginas de otra clase"));
-  EXPECT_EQ(queja({}, {}), Danada(1, "un mapa de páginas de otra clase"));
-  EXPECT_EQ(queja({0, 0, 0}, {}), Danada(1, "un mapa de páginas de otra clase"));
-  EXPECT_EQ(queja({1, 9, 0, 0, 0}, {}), Danada(1, "un mapa lleva a la página 9, que no hay"));
-  EXPECT_EQ(queja({1, 2, 0, 0, 0}, {Bytes(kPagina)}), Danada(2, "no es una página de mapa"));
-  EXPECT_EQ(queja({1, 2}, {}), "none");
+  EXPECT_EQ(complaint({2, 0, 0, 0, 0}, {}), DamageMessage(1, "un mapa de páginas de otra clase"));
+  EXPECT_EQ(complaint({}, {}), DamageMessage(1, "un mapa de páginas de otra clase"));
+  EXPECT_EQ(complaint({0, 0, 0}, {}), DamageMessage(1, "un mapa de páginas de otra clase"));
+  EXPECT_EQ(complaint({1, 9, 0, 0, 0}, {}), DamageMessage(1, "un mapa lleva a la página 9, que no hay"));
+  EXPECT_EQ(complaint({1, 2, 0, 0, 0}, {Bytes(kPage)}), DamageMessage(2, "no es una página de mapa"));
+  EXPECT_EQ(complaint({1, 2}, {}), "none");
 }
 
 // A chain of definition pages that comes back.
-TEST(Definicion, AChainThatComesBackIsDamage) {
-  Bytes p(kPagina);
+TEST(Definition, AChainThatComesBackIsDamage) {
+  Bytes p(kPage);
   p[0] = 2;
   p[1] = 1;
-  mdb::Poner32(p, 4, 2);
-  Archivo a({p});
-  EXPECT_THROW(mdb::LeerDefinicion(a.paginas, 2), mdb::Danio);
+  mdb::Put32(p, 4, 2);
+  File a({p});
+  EXPECT_THROW(mdb::ReadDefinition(a.pages, 2), mdb::Damage);
   try {
-    mdb::LeerDefinicion(a.paginas, 2);
-  } catch (const mdb::Danio& d) {
-    EXPECT_EQ(d.Descripcion(), Danada(2, "la definición de la tabla vuelve sobre sus páginas"));
+    mdb::ReadDefinition(a.pages, 2);
+  } catch (const mdb::Damage& d) {
+    EXPECT_EQ(d.Description(), DamageMessage(2, "la definición de la tabla vuelve sobre sus páginas"));
   }
-  EXPECT_THROW(mdb::LeerDefinicion(a.paginas, 1), mdb::Danio);
-  EXPECT_THROW(mdb::LeerDefinicion(a.paginas, 50), mdb::Danio);
+  EXPECT_THROW(mdb::ReadDefinition(a.pages, 1), mdb::Damage);
+  EXPECT_THROW(mdb::ReadDefinition(a.pages, 50), mdb::Damage);
 }
 
-TEST(Definicion, CountsThatLeadBeyondItsPagesAreDamage) {
-  for (const std::size_t campo : {std::size_t{45}, std::size_t{47}, std::size_t{51}}) {
-    Bytes p(kPagina);
+TEST(Definition, CountsThatLeadBeyondItsPagesAreDamage) {
+  for (const std::size_t field : {std::size_t{45}, std::size_t{47}, std::size_t{51}}) {
+    Bytes p(kPage);
     p[0] = 2;
     p[1] = 1;
-    mdb::Poner32(p, campo, campo == 45 ? 0x00000300 : 0xFFFFFFFF);
-    Archivo a({p});
+    mdb::Put32(p, field, field == 45 ? 0x00000300 : 0xFFFFFFFF);
+    File a({p});
     try {
-      mdb::LeerDefinicion(a.paginas, 2);
-      ADD_FAILURE() << campo;
-    } catch (const mdb::Danio& d) {
-      EXPECT_EQ(d.Descripcion(), Danada(2, "la definición de la tabla no se puede leer"));
+      mdb::ReadDefinition(a.pages, 2);
+      ADD_FAILURE() << field;
+    } catch (const mdb::Damage& d) {
+      EXPECT_EQ(d.Description(), DamageMessage(2, "la definición de la tabla no se puede leer"));
     }
   }
 }
 
-TEST(Definicion, OrdersColumnsAsTheyAreShown) {
-  mdb::Definicion d;
-  const std::pair<int, int> lugares[] = {{0, 3}, {1, 1}, {2, 2}, {3, 1}};
-  for (const auto& [numero, posicion] : lugares) {
-    mdb::Columna c;
-    c.nombre = "C" + std::to_string(numero);
-    c.numero = static_cast<std::uint16_t>(numero);
-    c.posicion = static_cast<std::uint16_t>(posicion);
-    d.columnas.insert(d.columnas.begin(), c);  // stored the other way round
+TEST(Definition, OrdersColumnsAsTheyAreShown) {
+  mdb::Definition d;
+  const std::pair<int, int> places[] = {{0, 3}, {1, 1}, {2, 2}, {3, 1}};
+  for (const auto& [number, position] : places) {
+    mdb::Column c;
+    c.name = "C" + std::to_string(number);
+    c.number = static_cast<std::uint16_t>(number);
+    c.position = static_cast<std::uint16_t>(position);
+    d.columns.insert(d.columns.begin(), c);  // stored the other way round
   }
-  std::string orden;
-  for (const auto i : d.EnOrden()) orden += d.columnas[i].nombre + " ";
-  EXPECT_EQ(orden, "C1 C3 C2 C0 ");
-  EXPECT_EQ(d.PorNumero(3), 0U);
-  EXPECT_EQ(d.PorNombre("c0"), 3U);
-  EXPECT_FALSE(d.PorNombre("C4"));
-  EXPECT_EQ(d.ClavePrimaria(), nullptr);
+  std::string order;
+  for (const auto i : d.InOrder()) order += d.columns[i].name + " ";
+  EXPECT_EQ(order, "C1 C3 C2 C0 ");
+  EXPECT_EQ(d.ByNumber(3), 0U);
+  EXPECT_EQ(d.ByName("c0"), 3U);
+  EXPECT_FALSE(d.ByName("C4"));
+  EXPECT_EQ(d.PrimaryKey(), nullptr);
 }
 
 }  // namespace

@@ -38,10 +38,10 @@ std::vector<std::string> Lineas(const std::string& texto) {
 
 std::string Filas(const db::Recordset& rs) {
   std::vector<std::string> filas;
-  for (std::size_t fila = 0; fila < rs.Cantidad(); ++fila) {
+  for (std::size_t fila = 0; fila < rs.Count(); ++fila) {
     std::vector<std::string> celdas;
-    for (std::size_t campo = 0; campo < rs.Campos().size(); ++campo)
-      celdas.push_back(rs.En(campo, fila).EsNulo() ? "NULL" : Celda(rs.En(campo, fila).TextoCsv()));
+    for (std::size_t campo = 0; campo < rs.Fields().size(); ++campo)
+      celdas.push_back(rs.At(campo, fila).IsNull() ? "NULL" : Celda(rs.At(campo, fila).CsvText()));
     filas.push_back(base::Join(celdas, "|"));
   }
   return base::Join(filas, "\n");
@@ -55,18 +55,18 @@ std::string Sentencias(ConexionTestigo& conexion) {
 
 std::unique_ptr<db::Connection> NuevaBase(const BaseDePrueba& base) {
 #ifdef IDM_BASE_MDB
-  engine_mdb::Opciones opciones;
-  opciones.reloj = &base.reloj;
-  return engine_mdb::Crear(base.carpeta.Ruta("base.mdb"), opciones);
+  engine_mdb::Options opciones;
+  opciones.clock = &base.reloj;
+  return engine_mdb::Create(base.carpeta.Path("base.mdb"), opciones);
 #else
-  return engine_sqlite::Abrir(":memory:", {.reloj = &base.reloj});
+  return engine_sqlite::Open(":memory:", {.clock = &base.reloj});
 #endif
 }
 
 bool EsSi(const std::string& texto) { return texto == "SI"; }
 
-std::string AplicarOpciones(settings::Settings& opciones, const Bloque& b) {
-  for (const auto& opcion : b.opciones) {
+std::string AplicarOpciones(settings::Settings& opciones, const Block& b) {
+  for (const auto& opcion : b.options) {
     const auto igual = opcion.find('=');
     if (igual == std::string::npos ||
         !settings::AplicarValor(opciones, opcion.substr(0, igual), opcion.substr(igual + 1)))
@@ -80,15 +80,15 @@ std::string AplicarOpciones(settings::Settings& opciones, const Bloque& b) {
 void ConexionTestigo::Anotar(std::string_view sql) {
   sentencias.emplace_back(sql);
   for (const auto& texto : fallan)
-    if (base::Contiene(sql, texto)) throw db::Error("Falla pedida", 0, {}, falla);
+    if (base::Contains(sql, texto)) throw db::Error("Falla pedida", 0, {}, falla);
 }
 
-bool PromptsAnotados::Mostrar(const ports::Aviso& aviso) {
-  cajas.push_back((aviso.icono == ports::Icono::Exclamacion ? "! " : "") + aviso.texto);
+bool PromptsAnotados::Show(const ports::Notice& aviso) {
+  cajas.push_back((aviso.icon == ports::Icon::Exclamation ? "! " : "") + aviso.text);
   return false;
 }
 
-bool PromptsAnotados::Confirmar(const std::string& texto) {
+bool PromptsAnotados::Confirm(const std::string& texto) {
   throw std::runtime_error("unexpected question: " + texto);
 }
 
@@ -98,13 +98,13 @@ BaseDePrueba::BaseDePrueba() {
   sesion.conexion = std::move(testigo);
   sesion.idEmpresa = 1;
   sesion.reloj = &reloj;
-  for (const char* tabla : kTablas) conexion->Ejecutar(tabla);
+  for (const char* tabla : kTablas) conexion->Execute(tabla);
   conexion->sentencias.clear();
 }
 
 std::vector<std::string> BaseDePrueba::Avisos() {
   std::vector<std::string> salida = prompts.cajas;
-  for (const auto& error : errores) salida.push_back(base::Join({"noted", error.donde}, " "));
+  for (const auto& error : errores) salida.push_back(base::Join({"noted", error.where}, " "));
   prompts.cajas.clear();
   errores.clear();
   return salida;
@@ -112,59 +112,59 @@ std::vector<std::string> BaseDePrueba::Avisos() {
 
 std::string Celda(const std::string& texto) { return texto.empty() ? "(empty)" : texto; }
 
-base::Fecha FechaDeIso(const std::string& texto) {
+base::Date FechaDeIso(const std::string& texto) {
   const auto piezas = base::Split(texto, "-");
   if (piezas.size() != 3) throw std::runtime_error("not a date: " + texto);
-  return base::FechaDe(std::stoi(piezas[0]), std::stoi(piezas[1]), std::stoi(piezas[2]));
+  return base::MakeDate(std::stoi(piezas[0]), std::stoi(piezas[1]), std::stoi(piezas[2]));
 }
 
-Verbos VerbosDeBase(const std::shared_ptr<BaseDePrueba>& base) {
+Verbs VerbosDeBase(const std::shared_ptr<BaseDePrueba>& base) {
   return {
       {"exec",
-       [base](const Bloque& b) {
-         for (const auto& sql : Lineas(b.entrada)) base->conexion->Ejecutar(sql);
+       [base](const Block& b) {
+         for (const auto& sql : Lineas(b.entry)) base->conexion->Execute(sql);
          base->conexion->sentencias.clear();
          return std::string();
        }},
       {"query",
-       [base](const Bloque& b) {
-         const auto rs = base->conexion->Consultar(b.entrada);
+       [base](const Block& b) {
+         const auto rs = base->conexion->Query(b.entry);
          base->conexion->sentencias.clear();
          return Filas(rs);
        }},
       {"sesion",
-       [base](const Bloque& b) {
-         base->sesion.idEmpresa = std::stoi(b.Opcion("empresa", "1"));
-         base->sesion.LiqAgrup = EsSi(b.Opcion("agrupa"));
-         base->sesion.TipoConstruccion = EsSi(b.Opcion("construccion"));
+       [base](const Block& b) {
+         base->sesion.idEmpresa = std::stoi(b.Option("empresa", "1"));
+         base->sesion.LiqAgrup = EsSi(b.Option("agrupa"));
+         base->sesion.TipoConstruccion = EsSi(b.Option("construccion"));
          return std::string();
        }},
-      {"opciones", [base](const Bloque& b) { return AplicarOpciones(base->opciones, b); }},
+      {"opciones", [base](const Block& b) { return AplicarOpciones(base->opciones, b); }},
       {"reloj",
-       [base](const Bloque& b) {
-         base->reloj.ahora = FechaDeIso(b.opciones.at(0));
+       [base](const Block& b) {
+         base->reloj.ahora = FechaDeIso(b.options.at(0));
          return std::string();
        }},
       {"falla",
-       [base](const Bloque& b) {
-         base->conexion->fallan = Lineas(b.entrada);
-         base->conexion->falla = b.Tiene("almacen") ? Tipo::Storage : Tipo::Statement;
+       [base](const Block& b) {
+         base->conexion->fallan = Lineas(b.entry);
+         base->conexion->falla = b.Has("almacen") ? Tipo::Storage : Tipo::Statement;
          return std::string();
        }},
       {"transaccion",
-       [base](const Bloque& b) {
-         if (b.Tiene("begin")) base->conexion->BeginTrans();
-         if (b.Tiene("commit")) base->conexion->CommitTrans();
-         if (b.Tiene("rollback")) base->conexion->RollbackTrans();
+       [base](const Block& b) {
+         if (b.Has("begin")) base->conexion->BeginTrans();
+         if (b.Has("commit")) base->conexion->CommitTrans();
+         if (b.Has("rollback")) base->conexion->RollbackTrans();
          base->conexion->sentencias.clear();
          return std::string();
        }},
       {"cerrar",
-       [base](const Bloque&) {
-         base->conexion->Cerrar();
+       [base](const Block&) {
+         base->conexion->Close();
          return std::string();
        }},
-      {"sentencias", [base](const Bloque&) { return Sentencias(*base->conexion); }},
+      {"sentencias", [base](const Block&) { return Sentencias(*base->conexion); }},
   };
 }
 

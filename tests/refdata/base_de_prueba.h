@@ -20,25 +20,25 @@ namespace support {
 
 class RelojMovible final : public ports::Clock {
  public:
-  base::Fecha Ahora() const override { return ahora; }
-  base::Fecha ahora = base::FechaDe(2024, 6, 15);
+  base::Date Now() const override { return ahora; }
+  base::Date ahora = base::MakeDate(2024, 6, 15);
 };
 
 class ConexionTestigo final : public db::Connection {
  public:
   explicit ConexionTestigo(std::unique_ptr<db::Connection> motor) : motor_(std::move(motor)) {}
 
-  bool Abierta() const override { return motor_->Abierta(); }
-  void Cerrar() override { motor_->Cerrar(); }
-  db::Recordset Ejecutar(std::string_view sql) override {
+  bool IsOpen() const override { return motor_->IsOpen(); }
+  void Close() override { motor_->Close(); }
+  db::Recordset Execute(std::string_view sql) override {
     Anotar(sql);
-    return motor_->Ejecutar(sql);
+    return motor_->Execute(sql);
   }
-  db::Recordset Consultar(std::string_view sql) override {
+  db::Recordset Query(std::string_view sql) override {
     Anotar(sql);
-    return motor_->Consultar(sql);
+    return motor_->Query(sql);
   }
-  std::int64_t FilasAfectadas() const override { return motor_->FilasAfectadas(); }
+  std::int64_t AffectedRows() const override { return motor_->AffectedRows(); }
   void BeginTrans() override {
     Anotar("BEGIN");
     motor_->BeginTrans();
@@ -51,7 +51,7 @@ class ConexionTestigo final : public db::Connection {
     Anotar("ROLLBACK");
     motor_->RollbackTrans();
   }
-  bool EnTransaccion() const override { return motor_->EnTransaccion(); }
+  bool InTransaction() const override { return motor_->InTransaction(); }
   void SetSavepoint() override {
     Anotar("SAVEPOINT");
     motor_->SetSavepoint();
@@ -78,21 +78,21 @@ class ConexionTestigo final : public db::Connection {
 // Notes the boxes; there is nobody to answer.
 class PromptsAnotados final : public ports::Prompts {
  public:
-  bool Mostrar(const ports::Aviso& aviso) override;
-  bool Confirmar(const std::string& texto) override;
+  bool Show(const ports::Notice& aviso) override;
+  bool Confirm(const std::string& texto) override;
   std::vector<std::string> cajas;
 };
 
 struct BaseDePrueba {
   BaseDePrueba();
 
-  CarpetaTemporal carpeta;  // of the file, while it is open
+  TempFolder carpeta;  // of the file, while it is open
   RelojMovible reloj;
   ConexionTestigo* conexion = nullptr;  // owned by the session
   sesion::DbSession sesion;
   settings::Settings opciones;
   PromptsAnotados prompts;
-  base::SumideroErrores errores;
+  base::ErrorSink errores;
 
   // The boxes and noted errors since the last call; the noted errors by their place alone.
   std::vector<std::string> Avisos();
@@ -106,7 +106,7 @@ struct BaseDePrueba {
 //   cerrar          closes the connection
 //   transaccion begin|commit|rollback      of whoever calls the program
 //   sentencias      the statements run since the last time it was asked
-Verbos VerbosDeBase(const std::shared_ptr<BaseDePrueba>& base);
+Verbs VerbosDeBase(const std::shared_ptr<BaseDePrueba>& base);
 
 // Runs a step of the program: none, or the line that says which fault of the storage travelled out of it.
 template <typename Paso>
@@ -116,11 +116,11 @@ std::vector<std::string> LoQueViaja(Paso&& paso) {
     return {};
   } catch (const base::Error& e) {
     if (!e.IsStorageFault()) throw;
-    return {"travels: " + e.Descripcion()};
+    return {"travels: " + e.Description()};
   }
 }
 
 std::string Celda(const std::string& texto);  // "(empty)" for an empty one
-base::Fecha FechaDeIso(const std::string& texto);
+base::Date FechaDeIso(const std::string& texto);
 
 }  // namespace support

@@ -10,7 +10,7 @@ namespace {
 // What was chosen belongs to the old list.
 TEST(ConceptsCatalogue, AReloadChoosesNothing) {
   support::BaseDePrueba base;
-  base.conexion->Ejecutar(
+  base.conexion->Execute(
       "Insert into Conceptos (idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,"
       "TipoImpuesto) Values (1,7,'HC','Horas',3,'S',0,False)");
   refdata::ConceptsCatalogue catalogo;

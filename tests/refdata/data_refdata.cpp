@@ -16,7 +16,7 @@
 
 namespace {
 
-using support::Bloque;
+using support::Block;
 using support::Celda;
 using support::FechaDeIso;
 
@@ -36,15 +36,15 @@ std::vector<std::string> AvisosY(Estado& e, const std::vector<std::string>& viaj
   return lineas;
 }
 
-bool EsSi(const Bloque& b, const std::string& clave) { return b.Opcion(clave) == "SI"; }
+bool EsSi(const Block& b, const std::string& clave) { return b.Option(clave) == "SI"; }
 
 // sql <statement> empresa=1 …: the exact text.
-std::string TextoSql(const Bloque& b) {
-  const std::string cual = b.opciones.at(0);
-  const int empresa = std::stoi(b.Opcion("empresa", "1"));
-  if (cual == "GuardarMes") return refdata::sql::GuardarMes(empresa, FechaDeIso(b.Opcion("mes")));
+std::string TextoSql(const Block& b) {
+  const std::string cual = b.options.at(0);
+  const int empresa = std::stoi(b.Option("empresa", "1"));
+  if (cual == "GuardarMes") return refdata::sql::GuardarMes(empresa, FechaDeIso(b.Option("mes")));
   if (cual == "Contratos")
-    return refdata::sql::Contratos(empresa, FechaDeIso(b.Opcion("desde")), FechaDeIso(b.Opcion("hasta")));
+    return refdata::sql::Contratos(empresa, FechaDeIso(b.Option("desde")), FechaDeIso(b.Option("hasta")));
   if (cual == "Conceptos") return refdata::sql::Conceptos(empresa, EsSi(b, "solo"), EsSi(b, "cuotas"));
   if (cual == "TiposActivos") return refdata::sql::TiposActivos(empresa);
   if (cual == "Calendario") return refdata::sql::Calendario(empresa);
@@ -55,10 +55,10 @@ std::string TextoSql(const Bloque& b) {
 
 // personas mes=2024-02-01: what was shown and noted, then the rows; all eleven columns with the word "todo",
 // else contract and given name.
-std::string Personas(Estado& e, const Bloque& b) {
+std::string Personas(Estado& e, const Block& b) {
   bool hecho = true;
   const auto viaja = support::LoQueViaja([&] {
-    hecho = refdata::CargarVecDePersonas(e.base->sesion, FechaDeIso(b.Opcion("mes")), e.personas,
+    hecho = refdata::CargarVecDePersonas(e.base->sesion, FechaDeIso(b.Option("mes")), e.personas,
                                          e.base->prompts, &e.base->errores);
   });
   std::vector<std::string> lineas = AvisosY(e, viaja, e.personas.motivo_fallo);
@@ -66,7 +66,7 @@ std::string Personas(Estado& e, const Bloque& b) {
   for (std::size_t fila = 0; fila < e.personas.Cantidad(); ++fila) {
     std::vector<std::string> celdas;
     for (int columna = 0; columna < static_cast<int>(refdata::kColumnasPersona); ++columna)
-      if (b.Tiene("todo") || columna == refdata::kContrato || columna == refdata::kNombre)
+      if (b.Has("todo") || columna == refdata::kContrato || columna == refdata::kNombre)
         celdas.push_back(Celda(e.personas.Texto(columna, fila)));
     lineas.push_back(base::Join(celdas, "|"));
   }
@@ -74,16 +74,16 @@ std::string Personas(Estado& e, const Bloque& b) {
 }
 
 // buscar columna=2: each key of the input, its row.
-std::string Buscar(const Estado& e, const Bloque& b) {
+std::string Buscar(const Estado& e, const Block& b) {
   std::vector<std::string> filas;
-  for (const auto& clave : base::Split(b.entrada, "\n"))
+  for (const auto& clave : base::Split(b.entry, "\n"))
     filas.push_back(
-        std::to_string(e.personas.Buscar(clave == "(empty)" ? "" : clave, std::stoi(b.Opcion("columna")))));
+        std::to_string(e.personas.Buscar(clave == "(empty)" ? "" : clave, std::stoi(b.Option("columna")))));
   return base::Join(filas, " ");
 }
 
 std::string Item(const formula::ItemLista& item) {
-  return base::Join({std::to_string(item.dato), support::Escapado(item.texto)}, "=");
+  return base::Join({std::to_string(item.dato), support::Escaped(item.texto)}, "=");
 }
 
 std::string Items(const formula::ListControl& combo) {
@@ -94,7 +94,7 @@ std::string Items(const formula::ListControl& combo) {
 }
 
 // conceptos: item "datum=text" and the entry behind it; an entry without an item stands alone.
-std::string Conceptos(Estado& e, const Bloque&) {
+std::string Conceptos(Estado& e, const Block&) {
   const auto viaja = support::LoQueViaja(
       [&] { refdata::ActuLSTdeConceptos(e.base->sesion, e.base->opciones, e.conceptos, &e.base->errores); });
   std::vector<std::string> lineas = AvisosY(e, viaja, e.conceptos.motivo_fallo);
@@ -104,23 +104,23 @@ std::string Conceptos(Estado& e, const Bloque&) {
     std::vector<std::string> piezas{i < items.size() ? Item(items[i]) : "no item", "<-"};
     if (i >= tabla.Cantidad()) piezas.push_back("no entry");
     for (std::size_t campo = 0; i < tabla.Cantidad() && campo < tabla.registros[i].size(); ++campo)
-      piezas.push_back(Celda(support::Escapado(tabla.Campo(campo, i))));
+      piezas.push_back(Celda(support::Escaped(tabla.Campo(campo, i))));
     lineas.push_back(base::Join(piezas, " "));
   }
   return base::Join(lineas, "\n");
 }
 
 // entrada: the entry of each id of the input.
-std::string Entrada(const Estado& e, const Bloque& b) {
+std::string Entrada(const Estado& e, const Block& b) {
   std::vector<std::string> entradas;
-  for (const auto& id : base::Split(b.entrada, "\n"))
+  for (const auto& id : base::Split(b.entry, "\n"))
     entradas.push_back(std::to_string(e.conceptos.Buscar(id)));
   return base::Join(entradas, " ");
 }
 
 // elegir n: what the click on item n shows.
-std::string Elegir(Estado& e, const Bloque& b) {
-  e.conceptos.cmbConceptos.ListIndex = std::stoi(b.opciones.at(0));
+std::string Elegir(Estado& e, const Block& b) {
+  e.conceptos.cmbConceptos.ListIndex = std::stoi(b.options.at(0));
   const auto elegido = refdata::ElegirConcepto(e.base->sesion, e.base->opciones, e.conceptos, e.tipos);
   std::string salida("lblConcepto=");
   salida.append(Celda(elegido.lblConcepto)).append(elegido.vaciar_txtTipo ? " txtTipo emptied" : "");
@@ -129,7 +129,7 @@ std::string Elegir(Estado& e, const Bloque& b) {
 }
 
 // tipos: all that CargarTiposLiquidacion leaves; with a name, that part alone.
-std::string Tipos(Estado& e, const Bloque& b) {
+std::string Tipos(Estado& e, const Block& b) {
   bool replantear = false;
   const auto viaja = support::LoQueViaja([&] {
     replantear = refdata::CargarTiposLiquidacion(e.base->sesion, e.base->opciones, e.tipos, &e.base->errores);
@@ -137,7 +137,7 @@ std::string Tipos(Estado& e, const Bloque& b) {
   const auto& t = e.tipos;
   std::vector<std::string> lineas = AvisosY(e, viaja, t.motivo_fallo);
   const auto parte = [&](const std::string& nombre, const std::string& texto) {
-    if (b.opciones.empty() || b.Tiene(nombre)) lineas.push_back(base::Join({nombre, texto}, ": "));
+    if (b.options.empty() || b.Has(nombre)) lineas.push_back(base::Join({nombre, texto}, ": "));
   };
   const auto rotulo = [](const std::string& texto, bool visible) {
     return visible ? texto : base::Join({"hidden", texto}, " ");
@@ -154,19 +154,19 @@ std::string Tipos(Estado& e, const Bloque& b) {
   return base::Join(lineas, "\n");
 }
 
-support::Verbos Preparar() {
+support::Verbs Preparar() {
   const auto e = std::make_shared<Estado>();
-  support::Verbos verbos = support::VerbosDeBase(e->base);
+  support::Verbs verbos = support::VerbosDeBase(e->base);
   verbos["sql"] = TextoSql;
-  verbos["personas"] = [e](const Bloque& b) { return Personas(*e, b); };
-  verbos["buscar"] = [e](const Bloque& b) { return Buscar(*e, b); };
-  verbos["conceptos"] = [e](const Bloque& b) { return Conceptos(*e, b); };
-  verbos["entrada"] = [e](const Bloque& b) { return Entrada(*e, b); };
-  verbos["elegir"] = [e](const Bloque& b) { return Elegir(*e, b); };
-  verbos["tipos"] = [e](const Bloque& b) { return Tipos(*e, b); };
+  verbos["personas"] = [e](const Block& b) { return Personas(*e, b); };
+  verbos["buscar"] = [e](const Block& b) { return Buscar(*e, b); };
+  verbos["conceptos"] = [e](const Block& b) { return Conceptos(*e, b); };
+  verbos["entrada"] = [e](const Block& b) { return Entrada(*e, b); };
+  verbos["elegir"] = [e](const Block& b) { return Elegir(*e, b); };
+  verbos["tipos"] = [e](const Block& b) { return Tipos(*e, b); };
   return verbos;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) { return support::EjecutarArchivos(argc, argv, Preparar); }
+int main(int argc, char** argv) { return support::RunFiles(argc, argv, Preparar); }

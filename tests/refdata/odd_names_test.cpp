@@ -30,8 +30,8 @@ TEST(OddNames, LeaveTheOtherFieldsOfTheCatalogueAlone) {
                       tipo = std::vector<std::string>{"2", "3", "5"}[azar() % 3],
                       operacion = azar() % 2 == 0 ? "S" : "R", cuota = azar() % 2 == 0 ? "0" : "1",
                       orden = std::to_string(1000 + id);
-    const std::string entre_comillas = "'" + base::DoblarComillas(nombre) + "'";
-    base.conexion->Ejecutar(
+    const std::string entre_comillas = "'" + base::EscapeQuotes(nombre) + "'";
+    base.conexion->Execute(
         "Insert into Conceptos "
         "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto) Values (1," +
         std::to_string(id) + ",'" + orden + "'," + entre_comillas + "," + tipo + ",'" + operacion + "'," +

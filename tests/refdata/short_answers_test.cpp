@@ -14,17 +14,17 @@ class ConexionQueRecorta final : public db::Connection {
   ConexionQueRecorta(std::unique_ptr<db::Connection> motor, std::string comienzo, std::string otra)
       : motor_(std::move(motor)), comienzo_(std::move(comienzo)), otra_(std::move(otra)) {}
 
-  bool Abierta() const override { return motor_->Abierta(); }
-  void Cerrar() override { motor_->Cerrar(); }
-  db::Recordset Ejecutar(std::string_view sql) override {
-    return motor_->Ejecutar(base::EmpiezaCon(sql, comienzo_) ? std::string_view(otra_) : sql);
+  bool IsOpen() const override { return motor_->IsOpen(); }
+  void Close() override { motor_->Close(); }
+  db::Recordset Execute(std::string_view sql) override {
+    return motor_->Execute(base::StartsWith(sql, comienzo_) ? std::string_view(otra_) : sql);
   }
-  db::Recordset Consultar(std::string_view sql) override { return motor_->Consultar(sql); }
-  std::int64_t FilasAfectadas() const override { return motor_->FilasAfectadas(); }
+  db::Recordset Query(std::string_view sql) override { return motor_->Query(sql); }
+  std::int64_t AffectedRows() const override { return motor_->AffectedRows(); }
   void BeginTrans() override { motor_->BeginTrans(); }
   void CommitTrans() override { motor_->CommitTrans(); }
   void RollbackTrans() override { motor_->RollbackTrans(); }
-  bool EnTransaccion() const override { return motor_->EnTransaccion(); }
+  bool InTransaction() const override { return motor_->InTransaction(); }
   void SetSavepoint() override { motor_->SetSavepoint(); }
   void RollbackToSavepoint() override { motor_->RollbackToSavepoint(); }
   void ReleaseSavepoint() override { motor_->ReleaseSavepoint(); }
@@ -52,7 +52,7 @@ class RespuestaCorta : public ::testing::Test {
 TEST_F(RespuestaCorta, ContractsWithoutAllTheirColumnsAreNotRead) {
   Recortar("Select id_Contrato", "Select 1 as id_Contrato, 2 as Numero_Alternativo");
   refdata::PersonsIndex personas;
-  refdata::CargarVecDePersonas(base_.sesion, base::FechaDe(2024, 6, 1), personas, base_.prompts,
+  refdata::CargarVecDePersonas(base_.sesion, base::MakeDate(2024, 6, 1), personas, base_.prompts,
                                &base_.errores);
   EXPECT_EQ(personas.Cantidad(), 0u);
   EXPECT_EQ(personas.motivo_fallo, "La consulta de los contratos no devolvió todas sus columnas.");

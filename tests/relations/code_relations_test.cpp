@@ -69,7 +69,7 @@ TEST(CodeRelations, ATypeThatIsNoneIsNotTheOneBefore) {
 class Guardado : public ::testing::Test {
  protected:
   Guardado() {
-    base_.conexion->Ejecutar("Insert into DatExtDatos (idTDE,idLoc,idDE) Values (5,9,'antes')");
+    base_.conexion->Execute("Insert into DatExtDatos (idTDE,idLoc,idDE) Values (5,9,'antes')");
     relaciones_.Reemplazar("A*0*,a,*1*uno*0\r\nB*0*,b,*2*dos*0");
     relaciones_.tipo_dato_externo = 5;
   }
@@ -77,9 +77,9 @@ class Guardado : public ::testing::Test {
     return relations::GuardarRelacionesEnBase(base_.sesion, relaciones_, &base_.errores);
   }
   std::string Codigos() {
-    const auto rs = base_.conexion->Ejecutar("Select idDE From DatExtDatos Order by idDE");
+    const auto rs = base_.conexion->Execute("Select idDE From DatExtDatos Order by idDE");
     std::string texto;
-    for (std::size_t i = 0; i < rs.Cantidad(); ++i) texto += rs.En(0, i).TextoCsv() + " ";
+    for (std::size_t i = 0; i < rs.Count(); ++i) texto += rs.At(0, i).CsvText() + " ";
     return texto;
   }
 
@@ -90,14 +90,14 @@ class Guardado : public ::testing::Test {
 // What a caller did before in its transaction is the caller's, to keep or to undo.
 TEST_F(Guardado, InsideATransactionOnlyTheSavingIsUndone) {
   base_.conexion->BeginTrans();
-  base_.conexion->Ejecutar("Insert into DatExtDatos (idTDE,idLoc,idDE) Values (6,1,'otro')");
+  base_.conexion->Execute("Insert into DatExtDatos (idTDE,idLoc,idDE) Values (6,1,'otro')");
   base_.conexion->fallan = {"2 as idLoc"};
   EXPECT_EQ(Guardar(), "Falla pedida");
-  EXPECT_TRUE(base_.conexion->EnTransaccion());
+  EXPECT_TRUE(base_.conexion->InTransaction());
   EXPECT_EQ(Codigos(), "antes otro ");
   base_.conexion->fallan.clear();
   EXPECT_EQ(Guardar(), "");
-  EXPECT_TRUE(base_.conexion->EnTransaccion());
+  EXPECT_TRUE(base_.conexion->InTransaction());
   EXPECT_EQ(Codigos(), "a b otro ");
   base_.conexion->RollbackTrans();
   EXPECT_EQ(Codigos(), "antes ");
@@ -105,7 +105,7 @@ TEST_F(Guardado, InsideATransactionOnlyTheSavingIsUndone) {
 
 TEST_F(Guardado, OutsideOneItIsItsOwn) {
   EXPECT_EQ(Guardar(), "");
-  EXPECT_FALSE(base_.conexion->EnTransaccion());
+  EXPECT_FALSE(base_.conexion->InTransaction());
   EXPECT_EQ(Codigos(), "a b ");
 }
 

@@ -31,7 +31,7 @@ std::string TextoDificil(std::mt19937& azar) {
 std::string Mostrada(const CodeRelations& tabla) {
   std::string salida;
   for (const auto& registro : tabla.Tabla().registros) {
-    for (const auto& campo : registro) salida += "<" + support::Escapado(campo) + ">";
+    for (const auto& campo : registro) salida += "<" + support::Escaped(campo) + ">";
     salida += '\n';
   }
   return salida;
@@ -67,8 +67,8 @@ TEST(OddTexts, AnyTableSavedInTheSettingsLoadsAsItWas) {
 }
 
 TEST(OddTexts, SoItDoesThroughTheFile) {
-  const support::CarpetaTemporal carpeta;
-  const std::string ruta = settings::RutaDeAjustes(carpeta.Carpeta());
+  const support::TempFolder carpeta;
+  const std::string ruta = settings::RutaDeAjustes(carpeta.Folder());
   std::mt19937 azar(5);
   for (int vez = 0; vez < 30; ++vez) {
     const CodeRelations tabla = TablaDificil(azar);
@@ -89,10 +89,10 @@ TEST(OddTexts, APlainTableIsSavedPlain) {
 struct UnConcepto {
   support::BaseDePrueba base;
   explicit UnConcepto(const std::string& codigo, const std::string& nombre) {
-    base.conexion->Ejecutar(
+    base.conexion->Execute(
         "Insert into Conceptos "
         "(idEmpresa,id_Concepto,Codigo,Nombre,TipoDato,TipoOperacion,TipoCuota,TipoImpuesto) Values (1,7,'" +
-        base::DoblarComillas(codigo) + "','" + base::DoblarComillas(nombre) + "',3,'S',0,False)");
+        base::EscapeQuotes(codigo) + "','" + base::EscapeQuotes(nombre) + "',3,'S',0,False)");
   }
 };
 
@@ -129,8 +129,8 @@ TEST(OddTexts, ExternalDataAreNeverCutWrong) {
     const std::string codigo = TextoDificil(azar).substr(0, 20), nombre = TextoDificil(azar),
                       codigos = TextoDificil(azar);
     UnConcepto uno(codigo, nombre);
-    uno.base.conexion->Ejecutar("Insert into DatExtDatos (idTDE,idLoc,idDE) Values (5,7,'" +
-                                base::DoblarComillas(codigos) + "')");
+    uno.base.conexion->Execute("Insert into DatExtDatos (idTDE,idLoc,idDE) Values (5,7,'" +
+                               base::EscapeQuotes(codigos) + "')");
     CodeRelations leida, debe;
     relations::LevantarRelaciones(uno.base.sesion, uno.base.opciones,
                                   settings::TextoConValor("", "TomaConceptosDeBD", "5"), leida);

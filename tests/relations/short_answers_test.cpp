@@ -11,29 +11,29 @@ using relations::CodeRelations;
 // Answers every statement with the same rows of one column, or with none at all.
 class ConexionDeUnaRespuesta final : public db::Connection {
  public:
-  explicit ConexionDeUnaRespuesta(std::vector<base::Valor> filas) : filas_(std::move(filas)) {}
+  explicit ConexionDeUnaRespuesta(std::vector<base::Value> filas) : filas_(std::move(filas)) {}
 
-  bool Abierta() const override { return true; }
-  void Cerrar() override {}
-  db::Recordset Ejecutar(std::string_view) override {
+  bool IsOpen() const override { return true; }
+  void Close() override {}
+  db::Recordset Execute(std::string_view) override {
     if (filas_.empty()) return {};
-    return {std::make_shared<db::Columnas>(db::Columnas{{"XXX", base::Tipo::Texto}}), filas_};
+    return {std::make_shared<db::Columns>(db::Columns{{"XXX", base::Type::Text}}), filas_};
   }
-  db::Recordset Consultar(std::string_view sql) override { return Ejecutar(sql); }
-  std::int64_t FilasAfectadas() const override { return 0; }
+  db::Recordset Query(std::string_view sql) override { return Execute(sql); }
+  std::int64_t AffectedRows() const override { return 0; }
   void BeginTrans() override {}
   void CommitTrans() override {}
   void RollbackTrans() override {}
-  bool EnTransaccion() const override { return false; }
+  bool InTransaction() const override { return false; }
   void SetSavepoint() override {}
   void RollbackToSavepoint() override {}
   void ReleaseSavepoint() override {}
 
  private:
-  std::vector<base::Valor> filas_;
+  std::vector<base::Value> filas_;
 };
 
-CodeRelations Levantadas(std::vector<base::Valor> filas) {
+CodeRelations Levantadas(std::vector<base::Value> filas) {
   sesion::DbSession sesion;
   sesion.conexion = std::make_unique<ConexionDeUnaRespuesta>(std::move(filas));
   CodeRelations relaciones;
@@ -50,7 +50,7 @@ TEST(RespuestaCorta, RelationsWithoutTheirColumnAreNotRead) {
 
 // Without the places where a row is cut it is a line like those of the settings file.
 TEST(RespuestaCorta, ARowWithoutColourOrListIsCutAtItsStars) {
-  const CodeRelations relaciones = Levantadas({base::Valor(std::string("HC*255*,07,*7*Horas*3"))});
+  const CodeRelations relaciones = Levantadas({base::Value(std::string("HC*255*,07,*7*Horas*3"))});
   EXPECT_EQ(relaciones.motivo_fallo, "");
   EXPECT_EQ(relaciones.Texto(), "HC*255*,07,*7*Horas*3");
 }
@@ -58,7 +58,7 @@ TEST(RespuestaCorta, ARowWithoutColourOrListIsCutAtItsStars) {
 // An id that nothing follows is the end of a name.
 TEST(RespuestaCorta, ANameMayEndInANumber) {
   const CodeRelations relaciones =
-      Levantadas({base::Valor(std::string("HC*16777215*,07,*7*Horas,*50")), base::Valor(base::Nulo{})});
+      Levantadas({base::Value(std::string("HC*16777215*,07,*7*Horas,*50")), base::Value(base::Null{})});
   EXPECT_EQ(relaciones.motivo_fallo, "");
   ASSERT_EQ(relaciones.Cantidad(), 2U);
   EXPECT_EQ(relaciones.Campo(relations::kConcepto, 0), "7");

@@ -20,62 +20,62 @@
 
 namespace {
 
-using support::Bloque;
+using support::Block;
 
-std::string TextoDelBloque(const Bloque& b) {
-  return support::Desescapar(base::Reemplazar(b.entrada, "\n", base::kCrLf));
+std::string TextoDelBloque(const Block& b) {
+  return support::Unescape(base::Replace(b.entry, "\n", base::kCrLf));
 }
 
-std::vector<std::string> LineasDelBloque(const Bloque& b) { return base::Split(b.entrada, "\n"); }
+std::vector<std::string> LineasDelBloque(const Block& b) { return base::Split(b.entry, "\n"); }
 
 std::string OVacio(const std::string& texto) { return texto.empty() ? "(empty)" : texto; }
 
 // One shown line a line of the text, its CR LF visible.
 std::string Mostrado(std::string_view texto) {
-  return OVacio(base::Reemplazar(support::Escapado(texto, true), "\\r\\n", "\\r\\n\n"));
+  return OVacio(base::Replace(support::Escaped(texto, true), "\\r\\n", "\\r\\n\n"));
 }
 
-std::string Opcion(const Bloque& b, const std::string& clave) { return support::Desescapar(b.Opcion(clave)); }
+std::string Opcion(const Block& b, const std::string& clave) { return support::Unescape(b.Option(clave)); }
 
 struct ArchivoDePrueba {
-  support::CarpetaTemporal carpeta;
+  support::TempFolder carpeta;
   std::string ruta;
-  explicit ArchivoDePrueba(const Bloque& b) : ruta(settings::RutaDeAjustes(carpeta.Carpeta())) {
-    if (!b.Tiene("ausente")) carpeta.Escribir("ImportDeMarcas.ini", TextoDelBloque(b));
-    if (b.Tiene("sin_carpeta")) ruta = settings::RutaDeAjustes(carpeta.Ruta("no_hay"));
+  explicit ArchivoDePrueba(const Block& b) : ruta(settings::RutaDeAjustes(carpeta.Folder())) {
+    if (!b.Has("ausente")) carpeta.Write("ImportDeMarcas.ini", TextoDelBloque(b));
+    if (b.Has("sin_carpeta")) ruta = settings::RutaDeAjustes(carpeta.Path("no_hay"));
   }
-  std::string Bytes() const { return carpeta.Leer("ImportDeMarcas.ini"); }
+  std::string Bytes() const { return carpeta.Read("ImportDeMarcas.ini"); }
 };
 
-std::string Leer(const Bloque& b) {
+std::string Leer(const Block& b) {
   const ArchivoDePrueba archivo(b);
   const std::string valor = settings::LeerConfig(archivo.ruta, Opcion(b, "clave"));
-  if (b.Tiene("ausente"))
+  if (b.Has("ausente"))
     return OVacio(valor) + "\nfile of " + std::to_string(archivo.Bytes().size()) + " bytes";
-  return OVacio(support::Escapado(valor, b.Tiene("ascii")));
+  return OVacio(support::Escaped(valor, b.Has("ascii")));
 }
 
-std::string Grabar(const Bloque& b) {
+std::string Grabar(const Block& b) {
   const ArchivoDePrueba archivo(b);
   const bool bien = settings::GrabarConfig(archivo.ruta, Opcion(b, "clave"), Opcion(b, "valor"));
   return std::string(bien ? "" : "FAILED\n").append(Mostrado(archivo.Bytes()));
 }
 
-std::string GrabarMemoria(const Bloque& b) {
+std::string GrabarMemoria(const Block& b) {
   return Mostrado(
-      settings::TextoConValor(base::DeCp1252(TextoDelBloque(b)), Opcion(b, "clave"), Opcion(b, "valor")));
+      settings::TextoConValor(base::FromCp1252(TextoDelBloque(b)), Opcion(b, "clave"), Opcion(b, "valor")));
 }
 
 std::string Todas(const settings::Settings& s) {
   std::string salida;
   for (const auto clave : settings::ClavesDeOpciones()) {
     if (!salida.empty()) salida += '\n';
-    salida += std::string(clave) + "=" + support::Escapado(settings::ValorDeClave(s, clave));
+    salida += std::string(clave) + "=" + support::Escaped(settings::ValorDeClave(s, clave));
   }
   return salida;
 }
 
-std::string Opciones(const Bloque& b) {
+std::string Opciones(const Block& b) {
   const ArchivoDePrueba archivo(b);
   return Todas(settings::LeerSettings(settings::LeerConfig(archivo.ruta, "*")));
 }
@@ -95,24 +95,24 @@ settings::Settings Opuestas() {
   return s;
 }
 
-std::string Forma(const Bloque& b) {
-  const std::string clave = b.Opcion("clave");
+std::string Forma(const Block& b) {
+  const std::string clave = b.Option("clave");
   std::string salida;
   for (const std::string& linea : LineasDelBloque(b)) {
-    const std::string valor = linea == "(empty)" ? "" : support::Desescapar(linea);
+    const std::string valor = linea == "(empty)" ? "" : support::Unescape(linea);
     settings::Settings una, otra = Opuestas();
     if (!settings::AplicarValor(una, clave, valor) || !settings::AplicarValor(otra, clave, valor))
       return "refused" + settings::ValorDeClave(una, clave);  // a key that is no option has no text
     const std::string queda = settings::ValorDeClave(una, clave);
     if (!salida.empty()) salida += '\n';
     salida += '<';
-    salida += linea + "> " + OVacio(support::Escapado(queda));
+    salida += linea + "> " + OVacio(support::Escaped(queda));
     if (queda != settings::ValorDeClave(otra, clave)) salida += " DEPENDS ON WHAT IT WAS";
   }
   return salida;
 }
 
-std::string Aplicar(const Bloque& b) {
+std::string Aplicar(const Block& b) {
   settings::Settings s;
   std::string salida;
   const auto linea_de = [&](const std::string& texto) {
@@ -121,39 +121,39 @@ std::string Aplicar(const Bloque& b) {
   for (const std::string& linea : LineasDelBloque(b)) {
     const std::size_t igual = linea.find('=');
     const std::string clave = linea.substr(0, igual);
-    if (!settings::AplicarValor(s, clave, support::Desescapar(linea.substr(igual + 1))))
+    if (!settings::AplicarValor(s, clave, support::Unescape(linea.substr(igual + 1))))
       linea_de("refused " + clave);
   }
   const settings::Settings por_defecto;
   for (const auto clave : settings::ClavesDeOpciones()) {
     const std::string valor = settings::ValorDeClave(s, clave);
     if (valor != settings::ValorDeClave(por_defecto, clave))
-      linea_de(std::string(clave) + "=" + support::Escapado(valor));
+      linea_de(std::string(clave) + "=" + support::Escaped(valor));
   }
   return OVacio(salida);
 }
 
-std::string Cierre(const Bloque& b) {
-  const std::string texto = base::DeCp1252(TextoDelBloque(b));
+std::string Cierre(const Block& b) {
+  const std::string texto = base::FromCp1252(TextoDelBloque(b));
   std::optional<std::string> conceptos;
-  for (const auto& o : b.opciones)
-    if (o.rfind("conceptos=", 0) == 0) conceptos = support::Desescapar(o.substr(10));
+  for (const auto& o : b.options)
+    if (o.rfind("conceptos=", 0) == 0) conceptos = support::Unescape(o.substr(10));
   return Mostrado(settings::TextoConSettings(texto, settings::LeerSettings(texto), conceptos));
 }
 
-std::string Layout(const Bloque& b) {
-  const std::string texto = b.entrada == "(empty)" ? ""
-                            : b.Tiene("lf")        ? support::Desescapar(b.entrada)
-                                                   : TextoDelBloque(b);
+std::string Layout(const Block& b) {
+  const std::string texto = b.entry == "(empty)" ? ""
+                            : b.Has("lf")        ? support::Unescape(b.entry)
+                                                 : TextoDelBloque(b);
   const settings::FixedWidthLayout layout = settings::LayoutDeTexto(texto);
   std::string salida;
   for (const settings::ColumnaAF& c : layout)
     salida += "field " + std::to_string(c.campo) + " start " + std::to_string(c.inicio) + " length " +
               std::to_string(c.largo) + "\n";
-  return salida + support::Escapado(settings::TextoDeLayout(layout));
+  return salida + support::Escaped(settings::TextoDeLayout(layout));
 }
 
-std::string Ruta(const Bloque& b) {
+std::string Ruta(const Block& b) {
   std::string salida;
   for (const std::string& carpeta : LineasDelBloque(b))
     salida += std::string(salida.empty() ? "" : "\n").append(settings::RutaDeAjustes(carpeta));
@@ -163,9 +163,9 @@ std::string Ruta(const Bloque& b) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  return support::EjecutarArchivos(argc, argv, [] {
-    return support::Verbos{{"leer", Leer},         {"grabar", Grabar}, {"grabar_memoria", GrabarMemoria},
-                           {"opciones", Opciones}, {"forma", Forma},   {"aplicar", Aplicar},
-                           {"cierre", Cierre},     {"layout", Layout}, {"ruta", Ruta}};
+  return support::RunFiles(argc, argv, [] {
+    return support::Verbs{{"leer", Leer},         {"grabar", Grabar}, {"grabar_memoria", GrabarMemoria},
+                          {"opciones", Opciones}, {"forma", Forma},   {"aplicar", Aplicar},
+                          {"cierre", Cierre},     {"layout", Layout}, {"ruta", Ruta}};
   });
 }

@@ -23,12 +23,12 @@ using settings::EstadoAjustes;
 
 class Archivo : public ::testing::Test {
  protected:
-  std::string Ruta() const { return settings::RutaDeAjustes(carpeta_.Carpeta()); }
-  void Escribir(std::string_view bytes) const { carpeta_.Escribir("ImportDeMarcas.ini", bytes); }
-  std::string Bytes() const { return carpeta_.Leer("ImportDeMarcas.ini"); }
+  std::string Ruta() const { return settings::RutaDeAjustes(carpeta_.Folder()); }
+  void Escribir(std::string_view bytes) const { carpeta_.Write("ImportDeMarcas.ini", bytes); }
+  std::string Bytes() const { return carpeta_.Read("ImportDeMarcas.ini"); }
   // Files in the folder: nothing may be left beside the settings.
   std::ptrdiff_t Cuantos() const {
-    return std::distance(fs::directory_iterator(carpeta_.Carpeta()), fs::directory_iterator());
+    return std::distance(fs::directory_iterator(carpeta_.Folder()), fs::directory_iterator());
   }
   // Not read, not replaced, and the reason names the file.
   void EsperarIlegible(const std::string& porque) const {
@@ -42,7 +42,7 @@ class Archivo : public ::testing::Test {
     EXPECT_FALSE(settings::GuardarAjustes(Ruta(), "nuevo"));
   }
 
-  support::CarpetaTemporal carpeta_;
+  support::TempFolder carpeta_;
 };
 
 TEST_F(Archivo, NoneIsNoFailureAndReadingMakesNone) {
@@ -51,7 +51,7 @@ TEST_F(Archivo, NoneIsNoFailureAndReadingMakesNone) {
   EXPECT_EQ(ajustes.motivo, "");
   EXPECT_EQ(ajustes.texto, "");
   EXPECT_EQ(Cuantos(), 0);
-  EXPECT_EQ(settings::LeerAjustes(carpeta_.Ruta("no_hay/ImportDeMarcas.ini")).estado, EstadoAjustes::Falta);
+  EXPECT_EQ(settings::LeerAjustes(carpeta_.Path("no_hay/ImportDeMarcas.ini")).estado, EstadoAjustes::Falta);
 }
 
 TEST_F(Archivo, OneIsReadAsTextWithCrLf) {
@@ -82,19 +82,19 @@ TEST_F(Archivo, ALongOneIsReadWhole) {
   EXPECT_EQ(settings::LeerAjustes(Ruta()).texto, bytes);
 }
 
-TEST(Claves, ATagOfAnyOfThemIsNamed) {
+TEST(Keys, ATagOfAnyOfThemIsNamed) {
   std::vector<std::string> claves{"Conceptos", "TomaConceptosDeBD"};
   for (const auto clave : settings::ClavesDeOpciones()) claves.emplace_back(clave);
   for (const std::string& clave : claves) {
     EXPECT_TRUE(settings::NombraUnaClave("[" + clave + "]"));
-    EXPECT_TRUE(settings::NombraUnaClave("a [/" + base::Minusculas(clave) + "] b")) << clave;
+    EXPECT_TRUE(settings::NombraUnaClave("a [/" + base::LowerCase(clave) + "] b")) << clave;
   }
   for (const char* texto : {"", "Separador", "[Separador", "Separador]", "[Otra]", "[x]", "[]"})
     EXPECT_FALSE(settings::NombraUnaClave(texto)) << texto;
 }
 
 // The two that are texts and no options.
-TEST(Claves, WhatIsNoOptionHasNoValue) {
+TEST(Keys, WhatIsNoOptionHasNoValue) {
   for (const char* clave : {"Conceptos", "TomaConceptosDeBD", "Nada", ""}) {
     settings::Settings opciones;
     EXPECT_FALSE(settings::AplicarValor(opciones, clave, "SI")) << clave;
@@ -138,7 +138,7 @@ TEST_F(Archivo, AnErrorOfTheDiskIsTold) {
 // else asks.
 TEST_F(Archivo, WithoutPermissionItIsNeitherReadNorReplaced) {
   Escribir("[K]\r\n1\r\n[/K]");
-  fs::permissions(carpeta_.Carpeta(), fs::perms::all);
+  fs::permissions(carpeta_.Folder(), fs::perms::all);
   fs::permissions(Ruta(), fs::perms::none);
   constexpr uid_t kNadie = 65534;
   const uid_t yo = geteuid();
@@ -175,13 +175,13 @@ TEST_F(Archivo, AWriteThatFailsInItsMiddleLeavesTheOldOne) {
 }
 
 TEST_F(Archivo, WritingKeepsThePermissionsAndTheLink) {
-  const std::string real = carpeta_.Escribir("de_verdad.ini", "[K]\r\n1\r\n[/K]");
+  const std::string real = carpeta_.Write("de_verdad.ini", "[K]\r\n1\r\n[/K]");
   const fs::perms permisos = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
   fs::permissions(real, permisos);
   fs::create_symlink(real, Ruta());
   ASSERT_TRUE(settings::GrabarConfig(Ruta(), "K", "2"));
   EXPECT_TRUE(fs::is_symlink(Ruta()));
-  EXPECT_EQ(carpeta_.Leer("de_verdad.ini"), "[K]\r\n2\r\n[/K]");
+  EXPECT_EQ(carpeta_.Read("de_verdad.ini"), "[K]\r\n2\r\n[/K]");
   EXPECT_EQ(fs::status(real).permissions(), permisos);
 }
 

@@ -11,146 +11,146 @@
 namespace support {
 namespace {
 
-struct Caso {
-  Bloque bloque;
-  std::string esperado;
-  std::vector<std::string> previas;  // comment and blank lines before the verb, as they stand
-  std::string linea_verbo;
-  std::vector<std::string> lineas_entrada;
+struct Case {
+  Block block;
+  std::string expected;
+  std::vector<std::string> preceding;  // comment and blank lines before the verb, as they stand
+  std::string verb_line;
+  std::vector<std::string> input_lines;
 };
 
-std::vector<std::string> LeerLineas(const std::string& ruta) {
-  std::ifstream f(ruta, std::ios::binary);
-  if (!f) throw std::runtime_error("cannot read " + ruta);
-  std::vector<std::string> lineas;
-  for (std::string linea; std::getline(f, linea);) lineas.push_back(linea);
-  return lineas;
+std::vector<std::string> ReadLines(const std::string& path) {
+  std::ifstream f(path, std::ios::binary);
+  if (!f) throw std::runtime_error("cannot read " + path);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(f, line);) lines.push_back(line);
+  return lines;
 }
 
-std::string Unir(const std::vector<std::string>& lineas) {
-  std::string texto;
-  for (std::size_t i = 0; i < lineas.size(); ++i) {
-    if (i > 0) texto += '\n';
-    texto += lineas[i] == "\\" ? std::string() : lineas[i];
+std::string Join(const std::vector<std::string>& lines) {
+  std::string text;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (i > 0) text += '\n';
+    text += lines[i] == "\\" ? std::string() : lines[i];
   }
-  return texto;
+  return text;
 }
 
-std::vector<Caso> LeerCasos(const std::string& ruta, std::vector<std::string>& cola) {
-  const auto lineas = LeerLineas(ruta);
-  std::vector<Caso> casos;
+std::vector<Case> ReadCases(const std::string& path, std::vector<std::string>& tail) {
+  const auto lines = ReadLines(path);
+  std::vector<Case> cases;
   std::size_t i = 0;
-  std::vector<std::string> previas;
-  while (i < lineas.size()) {
-    if (lineas[i].empty() || lineas[i][0] == '#') {
-      previas.push_back(lineas[i++]);
+  std::vector<std::string> preceding;
+  while (i < lines.size()) {
+    if (lines[i].empty() || lines[i][0] == '#') {
+      preceding.push_back(lines[i++]);
       continue;
     }
-    Caso caso;
-    caso.previas = std::move(previas);
-    previas.clear();
-    caso.linea_verbo = lineas[i];
-    caso.bloque.linea = static_cast<int>(i) + 1;
-    std::istringstream palabras(lineas[i]);
-    palabras >> caso.bloque.verbo;
-    for (std::string p; palabras >> p;) caso.bloque.opciones.push_back(p);
-    for (++i; i < lineas.size() && lineas[i] != "----"; ++i) caso.lineas_entrada.push_back(lineas[i]);
-    if (i == lineas.size())
-      throw std::runtime_error(ruta + ":" + std::to_string(caso.bloque.linea) + ": block without ----");
-    caso.bloque.entrada = Unir(caso.lineas_entrada);
-    std::vector<std::string> esperado;
-    for (++i; i < lineas.size() && !lineas[i].empty(); ++i) esperado.push_back(lineas[i]);
-    caso.esperado = Unir(esperado);
-    casos.push_back(std::move(caso));
+    Case test_case;
+    test_case.preceding = std::move(preceding);
+    preceding.clear();
+    test_case.verb_line = lines[i];
+    test_case.block.line = static_cast<int>(i) + 1;
+    std::istringstream words(lines[i]);
+    words >> test_case.block.verb;
+    for (std::string p; words >> p;) test_case.block.options.push_back(p);
+    for (++i; i < lines.size() && lines[i] != "----"; ++i) test_case.input_lines.push_back(lines[i]);
+    if (i == lines.size())
+      throw std::runtime_error(path + ":" + std::to_string(test_case.block.line) + ": block without ----");
+    test_case.block.entry = Join(test_case.input_lines);
+    std::vector<std::string> expected;
+    for (++i; i < lines.size() && !lines[i].empty(); ++i) expected.push_back(lines[i]);
+    test_case.expected = Join(expected);
+    cases.push_back(std::move(test_case));
   }
-  cola = std::move(previas);
-  return casos;
+  tail = std::move(preceding);
+  return cases;
 }
 
-std::string Correr(const Verbos& verbos, const Bloque& bloque) {
-  const auto it = verbos.find(bloque.verbo);
-  if (it == verbos.end()) throw std::runtime_error("unknown verb " + bloque.verbo);
+std::string Run(const Verbs& verbs, const Block& block) {
+  const auto it = verbs.find(block.verb);
+  if (it == verbs.end()) throw std::runtime_error("unknown verb " + block.verb);
   try {
-    return it->second(bloque);
+    return it->second(block);
   } catch (const std::exception& e) {
     return std::string("EXCEPTION ") + e.what();
   }
 }
 
-std::string Escapar(const std::string& texto) {
-  std::string salida;
-  std::istringstream lineas(texto);
-  bool primera = true;
-  for (std::string linea; std::getline(lineas, linea); primera = false) {
-    if (!primera) salida += '\n';
-    salida += linea.empty() ? "\\" : linea;
+std::string Escape(const std::string& text) {
+  std::string output;
+  std::istringstream lines(text);
+  bool first = true;
+  for (std::string line; std::getline(lines, line); first = false) {
+    if (!first) output += '\n';
+    output += line.empty() ? "\\" : line;
   }
-  if (!texto.empty() && texto.back() == '\n') salida += "\n\\";
-  return salida;
+  if (!text.empty() && text.back() == '\n') output += "\n\\";
+  return output;
 }
 
-void Reescribir(const std::string& ruta, const std::vector<Caso>& casos,
-                const std::vector<std::string>& obtenidos, const std::vector<std::string>& cola) {
-  std::ofstream f(ruta, std::ios::binary | std::ios::trunc);
-  for (std::size_t i = 0; i < casos.size(); ++i) {
-    for (const auto& linea : casos[i].previas) f << linea << '\n';
-    f << casos[i].linea_verbo << '\n';
-    for (const auto& linea : casos[i].lineas_entrada) f << linea << '\n';
+void Rewrite(const std::string& path, const std::vector<Case>& cases,
+             const std::vector<std::string>& obtained, const std::vector<std::string>& tail) {
+  std::ofstream f(path, std::ios::binary | std::ios::trunc);
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    for (const auto& line : cases[i].preceding) f << line << '\n';
+    f << cases[i].verb_line << '\n';
+    for (const auto& line : cases[i].input_lines) f << line << '\n';
     f << "----\n";
-    const std::string escapado = Escapar(obtenidos[i]);
-    if (!escapado.empty()) f << escapado << '\n';
-    if (i + 1 < casos.size() && (casos[i + 1].previas.empty() || !casos[i + 1].previas.front().empty()))
+    const std::string escaped = Escape(obtained[i]);
+    if (!escaped.empty()) f << escaped << '\n';
+    if (i + 1 < cases.size() && (cases[i + 1].preceding.empty() || !cases[i + 1].preceding.front().empty()))
       f << '\n';
   }
-  for (const auto& linea : cola) f << linea << '\n';
+  for (const auto& line : tail) f << line << '\n';
 }
 
 }  // namespace
 
-bool Bloque::Tiene(const std::string& palabra) const {
-  for (const auto& o : opciones)
-    if (o == palabra) return true;
+bool Block::Has(const std::string& word) const {
+  for (const auto& o : options)
+    if (o == word) return true;
   return false;
 }
 
-std::string Bloque::Opcion(const std::string& clave, const std::string& si_falta) const {
-  for (const auto& o : opciones)
-    if (o.size() > clave.size() && o.compare(0, clave.size(), clave) == 0 && o[clave.size()] == '=')
-      return o.substr(clave.size() + 1);
-  return si_falta;
+std::string Block::Option(const std::string& key, const std::string& if_missing) const {
+  for (const auto& o : options)
+    if (o.size() > key.size() && o.compare(0, key.size(), key) == 0 && o[key.size()] == '=')
+      return o.substr(key.size() + 1);
+  return if_missing;
 }
 
-int EjecutarArchivos(int argc, char** argv, const std::function<Verbos()>& preparar) {
+int RunFiles(int argc, char** argv, const std::function<Verbs()>& prepare) {
   base::OpenStandardStreams();
-  const bool actualizar = std::getenv("UPDATE_EXPECTED") != nullptr;
-  int pasados = 0, fallados = 0;
+  const bool update = std::getenv("UPDATE_EXPECTED") != nullptr;
+  int passed = 0, failed = 0;
   try {
     for (int a = 1; a < argc; ++a) {
-      const std::string ruta = argv[a];
-      std::vector<std::string> cola;
-      const auto casos = LeerCasos(ruta, cola);
-      const Verbos verbos = preparar();
-      std::vector<std::string> obtenidos;
-      for (const auto& caso : casos) {
-        obtenidos.push_back(Correr(verbos, caso.bloque));
-        if (actualizar || obtenidos.back() == caso.esperado) {
-          ++pasados;
+      const std::string path = argv[a];
+      std::vector<std::string> tail;
+      const auto cases = ReadCases(path, tail);
+      const Verbs verbs = prepare();
+      std::vector<std::string> obtained;
+      for (const auto& test_case : cases) {
+        obtained.push_back(Run(verbs, test_case.block));
+        if (update || obtained.back() == test_case.expected) {
+          ++passed;
           continue;
         }
-        ++fallados;
-        std::cout << ruta << ":" << caso.bloque.linea << ": " << caso.linea_verbo
-                  << "\n  input:    " << caso.bloque.entrada << "\n  expected: " << caso.esperado
-                  << "\n  got:      " << obtenidos.back() << "\n";
+        ++failed;
+        std::cout << path << ":" << test_case.block.line << ": " << test_case.verb_line
+                  << "\n  input:    " << test_case.block.entry << "\n  expected: " << test_case.expected
+                  << "\n  got:      " << obtained.back() << "\n";
       }
-      if (actualizar) Reescribir(ruta, casos, obtenidos, cola);
+      if (update) Rewrite(path, cases, obtained, tail);
     }
   } catch (const std::exception& e) {
     std::cout << e.what() << "\n";
     return 2;
   }
-  std::cout << pasados << " passed, " << fallados << " failed\n";
-  if (pasados + fallados == 0) return 2;
-  return fallados == 0 ? 0 : 1;
+  std::cout << passed << " passed, " << failed << " failed\n";
+  if (passed + failed == 0) return 2;
+  return failed == 0 ? 0 : 1;
 }
 
 }  // namespace support

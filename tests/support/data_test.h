@@ -19,22 +19,22 @@
 
 namespace support {
 
-struct Bloque {
-  std::string verbo;
-  std::vector<std::string> opciones;  // the words after the verb, in order
-  std::string entrada;                // lines joined with LF, without a last LF
-  int linea = 0;                      // of the verb, from 1
+struct Block {
+  std::string verb;
+  std::vector<std::string> options;  // the words after the verb, in order
+  std::string entry;                 // lines joined with LF, without a last LF
+  int line = 0;                      // of the verb, from 1
 
-  bool Tiene(const std::string& palabra) const;
-  // The value of an option "clave=valor", or `si_falta`.
-  std::string Opcion(const std::string& clave, const std::string& si_falta = {}) const;
+  bool Has(const std::string& word) const;
+  // The value of an option "key=value", or `if_missing`.
+  std::string Option(const std::string& key, const std::string& if_missing = {}) const;
 };
 
-using Verbo = std::function<std::string(const Bloque&)>;
-using Verbos = std::map<std::string, Verbo>;
+using Verb = std::function<std::string(const Block&)>;
+using Verbs = std::map<std::string, Verb>;
 
-// main() of a data test program: `preparar` makes the verbs anew for each file, so that a file starts fresh.
+// main() of a data test program: `prepare` makes the verbs anew for each file, so that a file starts fresh.
 // Exit 1 when a block failed, 2 when no block ran. UPDATE_EXPECTED=1 rewrites the expected blocks instead.
-int EjecutarArchivos(int argc, char** argv, const std::function<Verbos()>& preparar);
+int RunFiles(int argc, char** argv, const std::function<Verbs()>& prepare);
 
 }  // namespace support

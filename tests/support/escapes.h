@@ -7,61 +7,60 @@
 
 namespace support {
 
-inline int CifraHexa(char c) {
+inline int HexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   return -1;
 }
 
-inline std::string Desescapar(std::string_view texto) {
-  std::string salida;
-  for (std::size_t i = 0; i < texto.size(); ++i) {
-    if (texto[i] != '\\' || i + 1 == texto.size()) {
-      salida += texto[i];
+inline std::string Unescape(std::string_view text) {
+  std::string output;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\' || i + 1 == text.size()) {
+      output += text[i];
       continue;
     }
-    const char c = texto[++i];
+    const char c = text[++i];
     if (c == 'r') {
-      salida += '\r';
+      output += '\r';
     } else if (c == 'n') {
-      salida += '\n';
+      output += '\n';
     } else if (c == 't') {
-      salida += '\t';
-    } else if (c == 'x' && i + 2 < texto.size() && CifraHexa(texto[i + 1]) >= 0 &&
-               CifraHexa(texto[i + 2]) >= 0) {
-      salida += static_cast<char>(CifraHexa(texto[i + 1]) * 16 + CifraHexa(texto[i + 2]));
+      output += '\t';
+    } else if (c == 'x' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 && HexDigit(text[i + 2]) >= 0) {
+      output += static_cast<char>(HexDigit(text[i + 1]) * 16 + HexDigit(text[i + 2]));
       i += 2;
     } else {
-      salida += c;
+      output += c;
     }
   }
-  return salida;
+  return output;
 }
 
-// Control characters, the backslash and, with `solo_ascii`, every byte from 0x80 on are written as escapes.
-inline std::string Escapado(std::string_view texto, bool solo_ascii = false) {
-  constexpr char kHexa[] = "0123456789ABCDEF";
-  std::string salida;
-  for (const char c : texto) {
+// Control characters, the backslash and, with `ascii_only`, every byte from 0x80 on are written as escapes.
+inline std::string Escaped(std::string_view text, bool ascii_only = false) {
+  constexpr char kHexDigits[] = "0123456789ABCDEF";
+  std::string output;
+  for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (c == '\r') {
-      salida += "\\r";
+      output += "\\r";
     } else if (c == '\n') {
-      salida += "\\n";
+      output += "\\n";
     } else if (c == '\t') {
-      salida += "\\t";
+      output += "\\t";
     } else if (c == '\\') {
-      salida += "\\\\";
-    } else if (byte < 0x20 || byte == 0x7F || (solo_ascii && byte >= 0x80)) {
-      salida += "\\x";
-      salida += kHexa[byte >> 4];
-      salida += kHexa[byte & 15];
+      output += "\\\\";
+    } else if (byte < 0x20 || byte == 0x7F || (ascii_only && byte >= 0x80)) {
+      output += "\\x";
+      output += kHexDigits[byte >> 4];
+      output += kHexDigits[byte & 15];
     } else {
-      salida += c;
+      output += c;
     }
   }
-  return salida;
+  return output;
 }
 
 }  // namespace support

@@ -11,39 +11,39 @@
 
 namespace support {
 
-class CarpetaTemporal {
+class TempFolder {
  public:
-  CarpetaTemporal() {
-    std::random_device azar;
-    for (int intento = 0; intento < 100; ++intento) {
-      carpeta_ = std::filesystem::temp_directory_path() / ("idm_prueba_" + std::to_string(azar()));
-      if (std::filesystem::create_directory(carpeta_)) return;
+  TempFolder() {
+    std::random_device random;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+      folder_ = std::filesystem::temp_directory_path() / ("idm_prueba_" + std::to_string(random()));
+      if (std::filesystem::create_directory(folder_)) return;
     }
     throw std::runtime_error("cannot make a temporary folder");
   }
-  ~CarpetaTemporal() {
-    std::error_code ignorado;
-    std::filesystem::remove_all(carpeta_, ignorado);
+  ~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
   }
-  CarpetaTemporal(const CarpetaTemporal&) = delete;
-  CarpetaTemporal& operator=(const CarpetaTemporal&) = delete;
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
 
-  std::string Carpeta() const { return carpeta_.string(); }
-  std::string Ruta(const std::string& nombre) const { return (carpeta_ / nombre).string(); }
-  std::string Escribir(const std::string& nombre, std::string_view bytes) const {
-    std::ofstream f(carpeta_ / nombre, std::ios::binary | std::ios::trunc);
+  std::string Folder() const { return folder_.string(); }
+  std::string Path(const std::string& name) const { return (folder_ / name).string(); }
+  std::string Write(const std::string& name, std::string_view bytes) const {
+    std::ofstream f(folder_ / name, std::ios::binary | std::ios::trunc);
     f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (!f.flush()) throw std::runtime_error("cannot write " + nombre);
-    return Ruta(nombre);
+    if (!f.flush()) throw std::runtime_error("cannot write " + name);
+    return Path(name);
   }
-  std::string Leer(const std::string& nombre) const {
-    std::ifstream f(carpeta_ / nombre, std::ios::binary);
-    if (!f) throw std::runtime_error("cannot read " + nombre);
+  std::string Read(const std::string& name) const {
+    std::ifstream f(folder_ / name, std::ios::binary);
+    if (!f) throw std::runtime_error("cannot read " + name);
     return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
   }
 
  private:
-  std::filesystem::path carpeta_;
+  std::filesystem::path folder_;
 };
 
 }  // namespace support

@@ -8,128 +8,127 @@
 namespace conformance {
 namespace {
 
-class Lector {
+class Reader {
  public:
-  explicit Lector(std::string_view texto) : texto_(texto) {}
+  explicit Reader(std::string_view text) : text_(text) {}
 
-  Json Todo() {
-    Json valor = Valor();
-    Blancos();
-    if (i_ != texto_.size()) Fallar("text after the value");
-    return valor;
+  Json Whole() {
+    Json value = Value();
+    SkipBlanks();
+    if (i_ != text_.size()) Fail("text after the value");
+    return value;
   }
 
  private:
-  [[noreturn]] void Fallar(const std::string& que) const {
-    throw std::runtime_error("json: " + que + " at byte " + std::to_string(i_));
+  [[noreturn]] void Fail(const std::string& what) const {
+    throw std::runtime_error("json: " + what + " at byte " + std::to_string(i_));
   }
 
-  char Ver() const { return i_ < texto_.size() ? texto_[i_] : '\0'; }
+  char Peek() const { return i_ < text_.size() ? text_[i_] : '\0'; }
 
-  void Blancos() {
-    while (Ver() == ' ' || Ver() == '\t' || Ver() == '\n' || Ver() == '\r') ++i_;
+  void SkipBlanks() {
+    while (Peek() == ' ' || Peek() == '\t' || Peek() == '\n' || Peek() == '\r') ++i_;
   }
 
-  bool Consumir(std::string_view que) {
-    if (texto_.substr(i_, que.size()) != que) return false;
-    i_ += que.size();
+  bool Consume(std::string_view what) {
+    if (text_.substr(i_, what.size()) != what) return false;
+    i_ += what.size();
     return true;
   }
 
-  void Exigir(std::string_view que) {
-    Blancos();
-    if (!Consumir(que)) Fallar("expected " + std::string(que));
+  void Require(std::string_view what) {
+    SkipBlanks();
+    if (!Consume(what)) Fail("expected " + std::string(what));
   }
 
-  Json Valor() {
-    Blancos();
+  Json Value() {
+    SkipBlanks();
     Json v;
-    if (Ver() == '"') {
-      v.clase = Json::Clase::Texto;
-      v.texto = Texto();
-    } else if (Ver() == '[') {
-      Lista(v);
-    } else if (Ver() == '{') {
-      Objeto(v);
-    } else if (Consumir("true")) {
-      v.clase = Json::Clase::Booleano;
-      v.booleano = true;
-    } else if (Consumir("false")) {
-      v.clase = Json::Clase::Booleano;
-    } else if (!Consumir("null")) {
-      Numero(v);
+    if (Peek() == '"') {
+      v.kind = Json::Kind::Text;
+      v.text = Text();
+    } else if (Peek() == '[') {
+      List(v);
+    } else if (Peek() == '{') {
+      Object(v);
+    } else if (Consume("true")) {
+      v.kind = Json::Kind::Boolean;
+      v.boolean = true;
+    } else if (Consume("false")) {
+      v.kind = Json::Kind::Boolean;
+    } else if (!Consume("null")) {
+      Number(v);
     }
     return v;
   }
 
-  void Numero(Json& v) {
-    const std::size_t inicio = i_;
-    while (i_ < texto_.size() &&
-           std::string_view("+-.eE0123456789").find(texto_[i_]) != std::string_view::npos)
+  void Number(Json& v) {
+    const std::size_t start = i_;
+    while (i_ < text_.size() && std::string_view("+-.eE0123456789").find(text_[i_]) != std::string_view::npos)
       ++i_;
-    v.clase = Json::Clase::Numero;
-    v.texto = std::string(texto_.substr(inicio, i_ - inicio));
-    v.entero = v.texto.find_first_of(".eE") == std::string::npos;
-    char* fin = nullptr;
-    v.numero = std::strtod(v.texto.c_str(), &fin);
-    if (v.texto.empty() || *fin != '\0') Fallar("no value");
+    v.kind = Json::Kind::Number;
+    v.text = std::string(text_.substr(start, i_ - start));
+    v.integer = v.text.find_first_of(".eE") == std::string::npos;
+    char* end = nullptr;
+    v.number = std::strtod(v.text.c_str(), &end);
+    if (v.text.empty() || *end != '\0') Fail("no value");
   }
 
-  void Lista(Json& v) {
-    v.clase = Json::Clase::Lista;
-    Exigir("[");
-    Blancos();
-    if (Consumir("]")) return;
+  void List(Json& v) {
+    v.kind = Json::Kind::List;
+    Require("[");
+    SkipBlanks();
+    if (Consume("]")) return;
     do {
-      v.lista.push_back(Valor());
-      Blancos();
-    } while (Consumir(","));
-    Exigir("]");
+      v.list.push_back(Value());
+      SkipBlanks();
+    } while (Consume(","));
+    Require("]");
   }
 
-  void Objeto(Json& v) {
-    v.clase = Json::Clase::Objeto;
-    Exigir("{");
-    Blancos();
-    if (Consumir("}")) return;
+  void Object(Json& v) {
+    v.kind = Json::Kind::Object;
+    Require("{");
+    SkipBlanks();
+    if (Consume("}")) return;
     do {
-      Blancos();
-      std::string nombre = Texto();
-      Exigir(":");
-      v.miembros.push_back({std::move(nombre), Valor()});
-      Blancos();
-    } while (Consumir(","));
-    Exigir("}");
+      SkipBlanks();
+      std::string name = Text();
+      Require(":");
+      v.members.push_back({std::move(name), Value()});
+      SkipBlanks();
+    } while (Consume(","));
+    Require("}");
   }
 
   unsigned Hexadecimal() {
-    if (i_ + 4 > texto_.size()) Fallar("short \\u");
-    const unsigned punto =
-        static_cast<unsigned>(std::strtoul(std::string(texto_.substr(i_, 4)).c_str(), nullptr, 16));
+    if (i_ + 4 > text_.size()) Fail("short \\u");
+    const unsigned point =
+        static_cast<unsigned>(std::strtoul(std::string(text_.substr(i_, 4)).c_str(), nullptr, 16));
     i_ += 4;
-    return punto;
+    return point;
   }
 
-  char32_t Punto() {
-    const unsigned alto = Hexadecimal();
-    if (alto < 0xD800 || alto > 0xDBFF || !Consumir("\\u")) return alto;
-    return 0x10000 + ((alto - 0xD800) << 10) + (Hexadecimal() - 0xDC00);
+  char32_t CodePoint() {
+    const unsigned high = Hexadecimal();
+    if (high < 0xD800 || high > 0xDBFF || !Consume("\\u")) return high;
+    return 0x10000 + ((high - 0xD800) << 10) + (Hexadecimal() - 0xDC00);
   }
 
-  std::string Texto() {
-    if (!Consumir("\"")) Fallar("expected a text");
-    std::string salida;
-    while (Ver() != '"') {
-      if (i_ >= texto_.size()) Fallar("text without end");
-      const char c = texto_[i_++];
-      salida += c == '\\' ? Escape() : std::string(1, c);
+  std::string Text() {
+    if (!Consume("\"")) Fail("expected a text");
+    std::string output;
+    while (Peek() != '"') {
+      if (i_ >= text_.size()) Fail("text without end");
+      const char c = text_[i_++];
+      output += c == '\\' ? Escape() : std::string(1, c);
     }
     ++i_;
-    return salida;
+    return output;
   }
 
   std::string Escape() {
-    const char c = Ver();
+    const char c = Peek();
     ++i_;
     switch (c) {
       case 'n':
@@ -143,68 +142,68 @@ class Lector {
       case 'f':
         return "\f";
       case 'u': {
-        const char32_t punto = Punto();
-        return base::DePuntos({&punto, 1});
+        const char32_t point = CodePoint();
+        return base::FromPoints({&point, 1});
       }
       case '"':
       case '\\':
       case '/':
         return std::string(1, c);
       default:
-        Fallar("unknown escape");
+        Fail("unknown escape");
     }
   }
 
-  std::string_view texto_;
+  std::string_view text_;
   std::size_t i_ = 0;
 };
 
-std::string Entrecomillar(const std::string& texto) {
-  std::string salida = "\"";
-  for (const char c : texto) {
-    if (c == '"' || c == '\\') salida += '\\';
-    salida += c;
+std::string Quote(const std::string& text) {
+  std::string output = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') output += '\\';
+    output += c;
   }
-  return salida += '"';
+  return output += '"';
 }
 
 }  // namespace
 
-const Json* Json::Miembro(std::string_view nombre) const {
-  for (const auto& m : miembros)
-    if (m.nombre == nombre) return &m.valor;
+const Json* Json::Member(std::string_view name) const {
+  for (const auto& m : members)
+    if (m.name == name) return &m.value;
   return nullptr;
 }
 
-std::string Json::Escrito() const {
-  switch (clase) {
-    case Clase::Nulo:
+std::string Json::Written() const {
+  switch (kind) {
+    case Kind::Null:
       return "null";
-    case Clase::Booleano:
-      return booleano ? "true" : "false";
-    case Clase::Numero:
-      return texto;
-    case Clase::Texto:
-      return Entrecomillar(texto);
-    case Clase::Lista:
-    case Clase::Objeto:
+    case Kind::Boolean:
+      return boolean ? "true" : "false";
+    case Kind::Number:
+      return text;
+    case Kind::Text:
+      return Quote(text);
+    case Kind::List:
+    case Kind::Object:
       break;
   }
-  std::string salida(1, clase == Clase::Lista ? '[' : '{');
-  const auto separar = [&] {
-    if (salida.size() > 1) salida += ',';
+  std::string output(1, kind == Kind::List ? '[' : '{');
+  const auto separate = [&] {
+    if (output.size() > 1) output += ',';
   };
-  for (const auto& v : lista) {
-    separar();
-    salida += v.Escrito();
+  for (const auto& v : list) {
+    separate();
+    output += v.Written();
   }
-  for (const auto& m : miembros) {
-    separar();
-    salida.append(Entrecomillar(m.nombre)).append(":").append(m.valor.Escrito());
+  for (const auto& m : members) {
+    separate();
+    output.append(Quote(m.name)).append(":").append(m.value.Written());
   }
-  return salida += clase == Clase::Lista ? ']' : '}';
+  return output += kind == Kind::List ? ']' : '}';
 }
 
-Json LeerJson(std::string_view texto) { return Lector(texto).Todo(); }
+Json ReadJson(std::string_view text) { return Reader(text).Whole(); }
 
 }  // namespace conformance

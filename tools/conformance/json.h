@@ -7,37 +7,37 @@
 
 namespace conformance {
 
-struct JsonMiembro;
+struct JsonMember;
 
 struct Json {
-  enum class Clase { Nulo, Booleano, Numero, Texto, Lista, Objeto };
+  enum class Kind { Null, Boolean, Number, Text, List, Object };
 
-  Clase clase = Clase::Nulo;
-  bool booleano = false;
-  double numero = 0;
-  bool entero = false;  // a number written without point and exponent
-  std::string texto;    // UTF-8; of a number: as it was written
-  std::vector<Json> lista;
-  std::vector<JsonMiembro> miembros;  // in their order
+  Kind kind = Kind::Null;
+  bool boolean = false;
+  double number = 0;
+  bool integer = false;  // a number written without point and exponent
+  std::string text;      // UTF-8; of a number: as it was written
+  std::vector<Json> list;
+  std::vector<JsonMember> members;  // in their order
 
-  bool EsNulo() const { return clase == Clase::Nulo; }
-  bool EsTexto() const { return clase == Clase::Texto; }
-  bool EsNumero() const { return clase == Clase::Numero; }
-  bool EsLista() const { return clase == Clase::Lista; }
-  bool EsObjeto() const { return clase == Clase::Objeto; }
+  bool IsNull() const { return kind == Kind::Null; }
+  bool IsText() const { return kind == Kind::Text; }
+  bool IsNumber() const { return kind == Kind::Number; }
+  bool IsList() const { return kind == Kind::List; }
+  bool IsObject() const { return kind == Kind::Object; }
   // The member of that name, or null when there is none.
-  const Json* Miembro(std::string_view nombre) const;
+  const Json* Member(std::string_view name) const;
 
   // The value as one text again, without blanks, for messages.
-  std::string Escrito() const;
+  std::string Written() const;
 };
 
-struct JsonMiembro {
-  std::string nombre;
-  Json valor;
+struct JsonMember {
+  std::string name;
+  Json value;
 };
 
 // The whole text is one value. Throws std::runtime_error with the byte where it goes wrong.
-Json LeerJson(std::string_view texto);
+Json ReadJson(std::string_view text);
 
 }  // namespace conformance

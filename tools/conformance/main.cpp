@@ -1,4 +1,4 @@
-// conformance [--motor NAME[,NAME…]]… TABLE…
+// conformance [--engine NAME[,NAME…]]… TABLE…
 //
 // Runs the tables of facts (*.tsv, *.jsonl) through the engines named (sqlite when none is). Prints a line
 // for each row that does not hold and last "N passed, N failed, N skipped". Exit: 0 all hold, 1 some do not,
@@ -11,70 +11,70 @@
 
 #include "base/standard_streams.h"
 #include "base/text.h"
-#include "conformance/correr.h"
+#include "conformance/run.h"
 
 namespace {
 
-using conformance::Cuenta;
-using conformance::Resultado;
-using conformance::Tabla;
+using conformance::Result;
+using conformance::Table;
+using conformance::Tally;
 
-constexpr int kFallan = 1, kNoSeCorrio = 2;
+constexpr int kFailed = 1, kNotRun = 2;
 
-struct Pedido {
-  std::vector<std::string> motores;
-  std::vector<Tabla> tablas;
+struct Request {
+  std::vector<std::string> engines;
+  std::vector<Table> tables;
 };
 
-Pedido Leer(const std::vector<std::string>& args) {
-  Pedido p;
-  constexpr std::string_view kMotor = "--motor";
+Request Read(const std::vector<std::string>& args) {
+  Request p;
+  constexpr std::string_view kEngine = "--motor";
   for (std::size_t i = 0; i < args.size(); ++i) {
-    std::string valor;
-    if (args[i] == kMotor) {
+    std::string value;
+    if (args[i] == kEngine) {
       if (++i == args.size()) throw std::invalid_argument("--motor needs a name");
-      valor = args[i];
-    } else if (base::EmpiezaCon(args[i], "--motor=")) {
-      valor = args[i].substr(kMotor.size() + 1);
-    } else if (base::EmpiezaCon(args[i], "--")) {
+      value = args[i];
+    } else if (base::StartsWith(args[i], "--motor=")) {
+      value = args[i].substr(kEngine.size() + 1);
+    } else if (base::StartsWith(args[i], "--")) {
       throw std::invalid_argument("no option is called " + args[i]);
-    } else if (conformance::EsTabla(args[i])) {
-      p.tablas.push_back(conformance::LeerTabla(args[i]));
+    } else if (conformance::IsTable(args[i])) {
+      p.tables.push_back(conformance::ReadTable(args[i]));
       continue;
     } else {
       std::cerr << args[i] << ": not a table, passed over\n";
       continue;
     }
-    for (const auto& nombre : base::Split(valor, ",")) p.motores.push_back(base::Trim(nombre));
+    for (const auto& name : base::Split(value, ",")) p.engines.push_back(base::Trim(name));
   }
-  if (p.tablas.empty()) throw std::invalid_argument("no table (*.tsv, *.jsonl) was named");
-  if (p.motores.empty()) p.motores.emplace_back("sqlite");
+  if (p.tables.empty()) throw std::invalid_argument("no table (*.tsv, *.jsonl) was named");
+  if (p.engines.empty()) p.engines.emplace_back("sqlite");
   return p;
 }
 
-std::string UnaLinea(const std::string& texto) {
-  return base::Reemplazar(base::Reemplazar(base::Reemplazar(texto, "\r", "\\r"), "\n", "\\n"), "\t", "\\t");
+std::string OneLine(const std::string& text) {
+  return base::Replace(base::Replace(base::Replace(text, "\r", "\\r"), "\n", "\\n"), "\t", "\\t");
 }
 
-void Anotar(const std::string& antes, const std::string& id, const Resultado& r, Cuenta& cuenta) {
-  cuenta.Sumar(r);
-  if (r.que == Resultado::Que::Falla)
-    std::cout << UnaLinea(antes + id + ": got " + r.dio + ", expected " + r.espera) << "\n";
+void Note(const std::string& before, const std::string& id, const Result& r, Tally& tally) {
+  tally.Add(r);
+  if (r.outcome == Result::Outcome::Fail)
+    std::cout << OneLine(before + id + ": got " + r.got + ", expected " + r.expected) << "\n";
 }
 
-Cuenta CorrerEn(const std::string& motor, const Pedido& p) {
-  const auto maquina = conformance::MotorPorNombre(motor);
-  conformance::Corredor corredor(*maquina);
-  const std::string antes = p.motores.size() > 1 ? motor + " " : "";
-  Cuenta cuenta;
-  for (const Tabla& t : p.tablas) {
-    for (const auto& fila : t.filas) Anotar(antes, fila.id, corredor.Correr(fila), cuenta);
-    for (const auto& s : t.sentencias) Anotar(antes, s.id, corredor.Correr(s), cuenta);
+Tally RunIn(const std::string& engine, const Request& p) {
+  const auto machine = conformance::EngineByName(engine);
+  conformance::Runner runner(*machine);
+  const std::string before = p.engines.size() > 1 ? engine + " " : "";
+  Tally tally;
+  for (const Table& t : p.tables) {
+    for (const auto& row : t.rows) Note(before, row.id, runner.Run(row), tally);
+    for (const auto& s : t.statements) Note(before, s.id, runner.Run(s), tally);
   }
-  for (const auto& [regla, cuantas] : cuenta.saltan)
-    std::cout << antes << "skipped " << cuantas << ": " << regla << "\n";
-  if (!antes.empty()) std::cout << antes << cuenta.Texto() << "\n";
-  return cuenta;
+  for (const auto& [rule, count] : tally.skipped)
+    std::cout << before << "skipped " << count << ": " << rule << "\n";
+  if (!before.empty()) std::cout << before << tally.Text() << "\n";
+  return tally;
 }
 
 }  // namespace
@@ -82,14 +82,14 @@ Cuenta CorrerEn(const std::string& motor, const Pedido& p) {
 int main(int argc, char** argv) {
   try {
     base::OpenStandardStreams();
-    const Pedido p = Leer({argv + 1, argv + argc});
-    Cuenta total;
-    for (const auto& motor : p.motores) total.Sumar(CorrerEn(motor, p));
-    if (total.pasan + total.fallan == 0) throw std::runtime_error("the tables have no rows that are run");
-    std::cout << total.Texto() << "\n";
-    return total.fallan > 0 ? kFallan : 0;
+    const Request p = Read({argv + 1, argv + argc});
+    Tally total;
+    for (const auto& engine : p.engines) total.Add(RunIn(engine, p));
+    if (total.passed + total.failed == 0) throw std::runtime_error("the tables have no rows that are run");
+    std::cout << total.Text() << "\n";
+    return total.failed > 0 ? kFailed : 0;
   } catch (const std::exception& e) {
     std::cerr << "conformance: " << e.what() << "\n";
-    return kNoSeCorrio;
+    return kNotRun;
   }
 }

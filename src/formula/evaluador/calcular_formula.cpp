@@ -20,7 +20,7 @@ float ASimple(double numero) {
 }  // namespace
 
 float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const CamposDeLinea& linea) {
-  const std::string_view escrita = base::TrimVista(texto_formula);
+  const std::string_view escrita = base::TrimView(texto_formula);
   const auto formula = SinComodines(escrita, linea);
   if (!formula) {
     ev.agotado = "La fórmula es demasiado larga con los datos de la línea";
@@ -37,7 +37,7 @@ float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const Campo
   bool con_parametros = false;
   const std::string valor = EvaluarExpresion(ev, expresion, con_parametros);
   if (ev.sin_valor) return 0;
-  return ASimple(base::Parse(base::Reemplazar(valor, ",", ".")));
+  return ASimple(base::Parse(base::Replace(valor, ",", ".")));
 }
 
 }  // namespace formula

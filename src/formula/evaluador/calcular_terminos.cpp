@@ -11,7 +11,7 @@ constexpr std::string_view kOperadores = "+-*/";
 
 // Blanks beside an operator do not matter: "- 5" is the number -5.
 std::string SinBlancosTrasElSigno(std::string_view termino) {
-  termino = base::TrimVista(termino);
+  termino = base::TrimView(termino);
   if (termino.empty() || (termino.front() != '-' && termino.front() != '+')) return std::string(termino);
   return termino.front() + base::Trim(termino.substr(1));
 }
@@ -39,8 +39,8 @@ double Aplicar(char operador, double a, double b) {
       if (b == 0) return 0;  // a division by zero is zero, on purpose
       r = a / b;
   }
-  if (!std::isfinite(r)) throw base::Error(base::DescripcionDeError(6), 6);
-  return operador == '/' ? base::Redondear(r, 15) : r;
+  if (!std::isfinite(r)) throw base::Error(base::ErrorDescription(6), 6);
+  return operador == '/' ? base::Round(r, 15) : r;
 }
 
 double Plegar(Evaluador& ev, const std::vector<std::string>& piezas, char operador) {

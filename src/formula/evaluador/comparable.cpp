@@ -5,7 +5,7 @@
 namespace formula {
 
 std::optional<double> Numero(const Evaluador& ev, std::string_view texto) {
-  return base::NumeroDeTexto(texto, ev.locale);
+  return base::NumberFromText(texto, ev.locale);
 }
 
 std::string TextoDeNumero(const Evaluador& ev, double numero) {
@@ -20,16 +20,16 @@ std::string_view SinAlmohadillas(std::string_view texto) {
   return EsLiteralFecha(texto) ? texto.substr(1, texto.size() - 2) : texto;
 }
 
-base::Fecha Hoy(const Evaluador& ev) {
-  if (ev.reloj != nullptr) return ev.reloj->Hoy();
-  if (ev.sesion != nullptr && ev.sesion->reloj != nullptr) return ev.sesion->reloj->Hoy();
+base::Date Hoy(const Evaluador& ev) {
+  if (ev.reloj != nullptr) return ev.reloj->Today();
+  if (ev.sesion != nullptr && ev.sesion->reloj != nullptr) return ev.sesion->reloj->Today();
   return {};
 }
 
-std::optional<base::Fecha> Fecha(const Evaluador& ev, std::string_view texto) {
-  const base::Fecha hoy = Hoy(ev);
-  if (!base::EsFecha(texto, hoy, ev.locale)) return std::nullopt;
-  return base::FechaDeTexto(texto, hoy, ev.locale);
+std::optional<base::Date> Fecha(const Evaluador& ev, std::string_view texto) {
+  const base::Date hoy = Hoy(ev);
+  if (!base::IsDate(texto, hoy, ev.locale)) return std::nullopt;
+  return base::DateFromText(texto, hoy, ev.locale);
 }
 
 Comparable Clasificar(const Evaluador& ev, std::string texto) {
@@ -39,7 +39,7 @@ Comparable Clasificar(const Evaluador& ev, std::string texto) {
     c.valor = *numero;
   } else if (const auto fecha = Fecha(ev, texto)) {
     c.clase = Comparable::Clase::Fecha;
-    c.valor = fecha->serie;
+    c.valor = fecha->serial;
   }
   c.texto = std::move(texto);
   return c;
@@ -52,8 +52,8 @@ int Comparar(const Comparable& a, const Comparable& b) {
 }
 
 std::string TextoDeLado(Evaluador& ev, std::string_view texto) {
-  const std::string_view lado = base::TrimVista(texto);
-  return EsNumero(ev, lado) ? std::string(lado) : base::Mayusculas(Evaluar(ev, lado));
+  const std::string_view lado = base::TrimView(texto);
+  return EsNumero(ev, lado) ? std::string(lado) : base::UpperCase(Evaluar(ev, lado));
 }
 
 Comparable EvaluarLado(Evaluador& ev, std::string_view texto) {

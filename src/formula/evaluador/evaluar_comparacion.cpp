@@ -35,10 +35,10 @@ bool CompararPor(Evaluador& ev, std::string_view texto, std::string_view operado
 
 bool EvaluarComparacion(Evaluador& ev, std::string_view comparacion) {
   bool valor = base::Parse(comparacion) == 1;
-  base::ErrorIgnorado("EvaluarComparacion", nullptr, [&] {
+  base::PassOverError("EvaluarComparacion", nullptr, [&] {
     const Nivel nivel(ev, comparacion.size());
     for (const std::string_view operador : kComparaciones) {
-      if (!base::Contiene(comparacion, operador)) continue;
+      if (!base::Contains(comparacion, operador)) continue;
       valor = CompararPor(ev, comparacion, operador);
       return;
     }

@@ -17,17 +17,17 @@ void ReemplazarParametros(Evaluador& ev, std::string& texto) {
     const std::string& nombre = tabla.Campo(0, i);
     Gastar(ev, 8 * texto.size());  // several searches without regard to case
     const std::string con_corchetes = "[" + nombre + "]";
-    const bool entre = base::Contiene(texto, con_corchetes, base::Comparar::SinCaso);
+    const bool entre = base::Contains(texto, con_corchetes, base::Compare::IgnoringCase);
     texto = ReemplazarAcotado(texto, entre ? con_corchetes : nombre, tabla.Campo(1, i), true);
   }
 }
 
 void AplicarParametros(Evaluador& ev, std::string& texto, bool& usarParametros) {
-  if (base::EmpiezaCon(texto, "PAR(", base::Comparar::SinCaso)) {
+  if (base::StartsWith(texto, "PAR(", base::Compare::IgnoringCase)) {
     if (!usarParametros) ReiniciarParametros(ev);
     ev.ParametrosActivos = usarParametros = true;
   } else if (usarParametros && ev.TablaParametros.dimensiones == 2) {
-    base::ErrorIgnorado("TablaParametros", nullptr, [&] { ReemplazarParametros(ev, texto); });
+    base::PassOverError("TablaParametros", nullptr, [&] { ReemplazarParametros(ev, texto); });
   }
 }
 
@@ -57,7 +57,7 @@ bool EsFechaCompleta(const Evaluador& ev, std::string_view texto) {
   const std::string_view anio = texto.substr(barra + 1);
   if (anio.size() != kCifrasDelAnio || anio.find_first_not_of("0123456789") != std::string_view::npos)
     return false;
-  return base::Longitud(texto) >= kMenor && Fecha(ev, texto).has_value();
+  return base::Length(texto) >= kMenor && Fecha(ev, texto).has_value();
 }
 
 std::string ValorFinal(Evaluador& ev, const std::string& texto) {
@@ -69,7 +69,7 @@ std::string ValorFinal(Evaluador& ev, const std::string& texto) {
 }
 
 void AvisarErrorEnFormula(Evaluador& ev, const std::string& descripcion) {
-  Avisar(ev, "Error en formula" + std::string(base::kCrLf) + descripcion, ports::Icono::Exclamacion);
+  Avisar(ev, "Error en formula" + std::string(base::kCrLf) + descripcion, ports::Icon::Exclamation);
 }
 
 // A step that fails shows the box and leaves the text to the next one. A fault of the storage is no failing
@@ -81,7 +81,7 @@ bool ConAviso(Evaluador& ev, Paso&& paso) {
     return true;
   } catch (const base::Error& e) {
     if (e.IsStorageFault()) throw;
-    AvisarErrorEnFormula(ev, e.Descripcion());
+    AvisarErrorEnFormula(ev, e.Description());
     return false;
   }
 }
@@ -103,7 +103,7 @@ std::string EvaluarExpresion(Evaluador& ev, std::string& formula, bool& usarPara
     const Nivel nivel(ev, formula.size());
     if (formula.empty()) formula.assign(1, '0');
     ev.ParametrosActivos = usarParametros;
-    if (formula.find(base::kCrLf) != std::string::npos) formula = base::Reemplazar(formula, base::kCrLf, {});
+    if (formula.find(base::kCrLf) != std::string::npos) formula = base::Replace(formula, base::kCrLf, {});
     ConAviso(ev, [&] { EvaluarCorchetes(ev, formula, usarParametros); });
     con_valor = ConAviso(ev, [&] { valor = ValorFinal(ev, formula); });
   });

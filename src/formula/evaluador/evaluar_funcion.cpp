@@ -52,7 +52,7 @@ std::string Aplicar(Evaluador& ev, std::string_view texto, std::string_view nomb
     return EvaluarFuncion(ev, llamada.argumento, llamada.nombre);
   }
   if (nombre.empty()) return std::string(texto);
-  const std::string buscado = base::Mayusculas(base::TrimVista(nombre));
+  const std::string buscado = base::UpperCase(base::TrimView(nombre));
   const auto f = std::find_if(kFunciones.begin(), kFunciones.end(),
                               [&](const Funcion& candidata) { return candidata.nombre == buscado; });
   if (f != kFunciones.end()) return f->cuerpo(ev, texto);
@@ -66,10 +66,10 @@ std::string Aplicar(Evaluador& ev, std::string_view texto, std::string_view nomb
 std::string EvaluarFuncion(Evaluador& ev, std::string_view argumento, std::string_view nombre) {
   try {
     const Nivel nivel(ev, 0);
-    return Aplicar(ev, base::TrimVista(argumento), nombre);
+    return Aplicar(ev, base::TrimView(argumento), nombre);
   } catch (const base::Error& e) {
     if (e.IsStorageFault()) throw;
-    Avisar(ev, e.Descripcion(), ports::Icono::Ninguno);
+    Avisar(ev, e.Description(), ports::Icon::None);
     return {};
   }
 }

@@ -5,14 +5,14 @@ namespace formula {
 
 bool EvaluarLogica(Evaluador& ev, std::string_view condicion, std::string_view operador) {
   const Nivel nivel(ev, condicion.size());
-  const std::string texto = base::Mayusculas(condicion);
+  const std::string texto = base::UpperCase(condicion);
   if (operador.empty()) operador = "OR";  // over one piece, when there is none
   std::vector<std::string_view> piezas;
-  base::SplitVistas(texto, operador, piezas);
+  base::SplitViews(texto, operador, piezas);
   // The pieces that hold "AND" are all decided before the first comparison, whatever it then gives.
   std::vector<char> decididas(piezas.size(), 2);
   for (std::size_t i = 0; i < piezas.size(); ++i)
-    if (base::Contiene(piezas[i], "AND")) decididas[i] = EvaluarLogica(ev, piezas[i], "AND") ? 1 : 0;
+    if (base::Contains(piezas[i], "AND")) decididas[i] = EvaluarLogica(ev, piezas[i], "AND") ? 1 : 0;
   const auto comparar = [&](std::size_t i) {
     return decididas[i] == 2 ? EvaluarComparacion(ev, piezas[i]) : decididas[i] == 1;
   };

@@ -18,7 +18,7 @@ struct Evaluador {
   const sesion::DbSession* sesion = nullptr;  // SQL and LISTA run here; null or closed: they fail
   ports::Prompts* prompts = nullptr;          // the message boxes; null: none
   const ports::Clock* reloj = nullptr;        // HOY and dates without a year; the session's when null
-  base::Locale locale = base::Locale::espanol();
+  base::Locale locale = base::Locale::spanish();
   Vector TablaParametros;  // field 0 name, field 1 value
   bool ParametrosActivos = false;
 

@@ -33,12 +33,12 @@ inline constexpr std::size_t kTrabajoDeConsulta = 25'000;  // a statement, in by
 inline constexpr std::size_t kTrabajoPorByteDeConsulta = 16;
 inline constexpr std::size_t kTextoMaximo = std::size_t{1} << 22;
 
-// base::Reemplazar, with an error instead of a text beyond all measure.
+// base::Replace, with an error instead of a text beyond all measure.
 std::string ReemplazarAcotado(std::string_view texto, std::string_view de, std::string_view por,
                               bool sin_caso);
 
 // Shows a box, unless the operator silenced them or it only echoes that the evaluation was given up.
-void Avisar(Evaluador& ev, const std::string& texto, ports::Icono icono);
+void Avisar(Evaluador& ev, const std::string& texto, ports::Icon icono);
 
 // --- kinds of text (comparable.cpp)
 
@@ -51,8 +51,8 @@ std::string TextoDeNumero(const Evaluador& ev, double numero);
 // Wrapped in "#" on both sides. Two dates in one text look the same from outside, and are taken the same.
 bool EsLiteralFecha(std::string_view texto);
 std::string_view SinAlmohadillas(std::string_view texto);
-base::Fecha Hoy(const Evaluador& ev);
-std::optional<base::Fecha> Fecha(const Evaluador& ev, std::string_view texto);
+base::Date Hoy(const Evaluador& ev);
+std::optional<base::Date> Fecha(const Evaluador& ev, std::string_view texto);
 
 // One side of a comparison: a number if it is one, else a date if it is one, else a text.
 struct Comparable {

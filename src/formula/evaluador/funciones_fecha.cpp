@@ -7,19 +7,19 @@ namespace formula {
 namespace {
 
 // The text as a date, else its value as one.
-std::optional<base::Fecha> FechaOValor(Evaluador& ev, std::string_view x) {
+std::optional<base::Date> FechaOValor(Evaluador& ev, std::string_view x) {
   if (const auto fecha = Fecha(ev, x)) return fecha;
   return Fecha(ev, SinAlmohadillas(Evaluar(ev, x)));
 }
 
 // The day alone: a time of day does not round up to the next one.
-std::string Serie(const Evaluador& ev, base::Fecha fecha) {
-  return TextoDeNumero(ev, std::floor(fecha.serie));
+std::string Serie(const Evaluador& ev, base::Date fecha) {
+  return TextoDeNumero(ev, std::floor(fecha.serial));
 }
 
 }  // namespace
 
-std::string FuncionHoy(Evaluador& ev, std::string_view) { return base::TextoDeFecha(Hoy(ev), ev.locale); }
+std::string FuncionHoy(Evaluador& ev, std::string_view) { return base::DateText(Hoy(ev), ev.locale); }
 
 std::string FuncionCFecha(Evaluador& ev, std::string_view x) {
   const std::string_view texto = SinAlmohadillas(x);
@@ -32,12 +32,12 @@ std::string FuncionCFecha(Evaluador& ev, std::string_view x) {
 
 std::string FuncionAnio(Evaluador& ev, std::string_view x) {
   const auto fecha = FechaOValor(ev, x);
-  return fecha ? std::to_string(base::Partes(*fecha).anio) : "0";
+  return fecha ? std::to_string(base::PartsOf(*fecha).year) : "0";
 }
 
 std::string FuncionMes(Evaluador& ev, std::string_view x) {
   const auto fecha = FechaOValor(ev, x);
-  return fecha ? std::to_string(base::Partes(*fecha).mes) : "0";
+  return fecha ? std::to_string(base::PartsOf(*fecha).month) : "0";
 }
 
 }  // namespace formula

@@ -28,10 +28,10 @@ db::Recordset Consultar(Evaluador& ev, std::string_view texto) {
 
 std::string FuncionSql(Evaluador& ev, std::string_view x) {
   std::string valor = "0";
-  base::ErrorIgnorado("SQL", nullptr, [&] {
+  base::PassOverError("SQL", nullptr, [&] {
     const db::Recordset filas = Consultar(ev, x);
-    if (filas.Vacio()) return;
-    valor = TextoDeNumero(ev, base::Redondear(filas.En(0, 0).Numero(ev.locale), 15));
+    if (filas.IsEmpty()) return;
+    valor = TextoDeNumero(ev, base::Round(filas.At(0, 0).Number(ev.locale), 15));
   });
   return valor;
 }
@@ -40,13 +40,13 @@ std::string FuncionLista(Evaluador& ev, std::string_view x) {
   const auto partes = SepararFueraDeParentesis(x, ';');
   if (partes.size() < 2) throw base::Error("Falta uno de los parametros", 3);
   std::string lista;
-  base::ErrorIgnorado("LISTA", nullptr, [&] {
+  base::PassOverError("LISTA", nullptr, [&] {
     const db::Recordset filas = Consultar(ev, partes[0]);
-    for (std::size_t fila = 0; fila < filas.Cantidad(); ++fila) {
+    for (std::size_t fila = 0; fila < filas.Count(); ++fila) {
       if (fila > 0) lista += partes[1];
       if (lista.size() > kTextoMaximo) Abandonar(ev, kDemasiadoGrande);
-      for (std::size_t campo = 0; campo < filas.Campos().size(); ++campo)
-        lista += filas.En(campo, fila).Texto(ev.locale);
+      for (std::size_t campo = 0; campo < filas.Fields().size(); ++campo)
+        lista += filas.At(campo, fila).Text(ev.locale);
     }
   });
   return lista;

@@ -41,31 +41,31 @@ Nivel::Nivel(Evaluador& ev, std::size_t largo) : ev_(ev) {
 
 std::string ReemplazarAcotado(std::string_view texto, std::string_view de, std::string_view por,
                               bool sin_caso) {
-  const auto modo = sin_caso ? base::Comparar::SinCaso : base::Comparar::Exacto;
+  const auto modo = sin_caso ? base::Compare::IgnoringCase : base::Compare::Exact;
   if (por.size() > de.size() && !de.empty()) {
     std::size_t largo = texto.size();
-    for (std::size_t p = base::Buscar(texto, de, 0, modo); p != std::string_view::npos;
-         p = base::Buscar(texto, de, p + de.size(), modo)) {
+    for (std::size_t p = base::Find(texto, de, 0, modo); p != std::string_view::npos;
+         p = base::Find(texto, de, p + de.size(), modo)) {
       largo += por.size() - de.size();
       if (largo > kTextoMaximo) throw base::Error(kDemasiadoLarga);
     }
   }
-  return base::Reemplazar(texto, de, por, modo);
+  return base::Replace(texto, de, por, modo);
 }
 
-void Avisar(Evaluador& ev, const std::string& texto, ports::Icono icono) {
+void Avisar(Evaluador& ev, const std::string& texto, ports::Icon icono) {
   if (ev.agotado != nullptr) {
     // Every call still open fails in its turn; the operator hears of it once.
     if (ev.agotado_avisado) return;
     ev.agotado_avisado = true;
   }
   if (ev.prompts == nullptr || ev.avisos_callados) return;
-  ports::Aviso aviso;
-  aviso.texto = texto;
-  aviso.icono = icono;
-  aviso.ofrece_callar = ev.avisos_mostrados > 0;
+  ports::Notice aviso;
+  aviso.text = texto;
+  aviso.icon = icono;
+  aviso.offers_silence = ev.avisos_mostrados > 0;
   ++ev.avisos_mostrados;
-  if (ev.prompts->Mostrar(aviso)) ev.avisos_callados = true;
+  if (ev.prompts->Show(aviso)) ev.avisos_callados = true;
 }
 
 }  // namespace formula

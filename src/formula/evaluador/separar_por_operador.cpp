@@ -5,7 +5,7 @@ namespace formula {
 namespace {
 
 bool TerminaEnOperador(std::string_view pieza) {
-  pieza = base::TrimVista(pieza);
+  pieza = base::TrimView(pieza);
   return !pieza.empty() && (pieza.back() == '+' || pieza.back() == '*' || pieza.back() == '/');
 }
 
@@ -18,11 +18,11 @@ bool SepararPorOperador(std::string_view texto, char operador, std::vector<std::
   std::string pieza(crudas[0]);
   while (true) {
     const bool hay_otra = i + 1 < crudas.size();
-    if (base::TrimVista(pieza).empty()) {
+    if (base::TrimView(pieza).empty()) {
       if (!hay_otra) break;
       pieza.clear();
       if (operador == '-') pieza = '-';
-      pieza += base::TrimVista(crudas[++i]);
+      pieza += base::TrimView(crudas[++i]);
     } else if (operador == '-' && hay_otra && TerminaEnOperador(pieza)) {
       pieza += '-';
       pieza += crudas[++i];

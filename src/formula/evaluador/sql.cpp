@@ -26,9 +26,9 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 11> kPalabra
 }  // namespace
 
 std::string DeFormula(std::string_view texto) {
-  std::string sql = base::Mayusculas(texto);
+  std::string sql = base::UpperCase(texto);
   for (const auto& [de, por] : kPalabras)
-    if (sql.find(de) != std::string::npos) sql = base::Reemplazar(sql, de, por);
+    if (sql.find(de) != std::string::npos) sql = base::Replace(sql, de, por);
   return sql;
 }
 

@@ -21,24 +21,24 @@ void TablasUsuario::CargarTablasUsuario(const sesion::DbSession& sesion, std::in
   if (sesion.conexion == nullptr)
     throw base::Error("No se ha conectado con la base de datos", 0,
                       "Error al cargar Valores de Tablas de Usuarios");
-  if (!sesion.conexion->Abierta())
+  if (!sesion.conexion->IsOpen())
     throw base::Error("La coneccion esta cerrada !!!", 0, "La Coneccion esta cerrada !!!");
   Vaciar();
-  const db::Recordset filas = sesion.conexion->Consultar(sql::CargarTablas(sesion.idEmpresa, id_Tabla));
-  const base::Fecha hoy = Hoy(sesion);
-  valores_.reserve(filas.Cantidad());
-  for (std::size_t i = 0; i < filas.Cantidad(); ++i) {
+  const db::Recordset filas = sesion.conexion->Query(sql::CargarTablas(sesion.idEmpresa, id_Tabla));
+  const base::Date hoy = Hoy(sesion);
+  valores_.reserve(filas.Count());
+  for (std::size_t i = 0; i < filas.Count(); ++i) {
     ValorDeTabla v;
-    v.id = static_cast<std::int32_t>(filas.En(0, i).NumeroOCero());
-    v.id_Tabla = filas.En(1, i).Entero();
-    v.Codigo = filas.En(2, i).Texto();
-    v.Valor = filas.En(3, i).Texto();
-    v.Fecha = FechaDeCelda(filas.En(4, i), hoy);
-    v.Tipo = static_cast<int>(filas.En(6, i).NumeroOCero());
+    v.id = static_cast<std::int32_t>(filas.At(0, i).NumberOrZero());
+    v.id_Tabla = filas.At(1, i).Integer();
+    v.Codigo = filas.At(2, i).Text();
+    v.Valor = filas.At(3, i).Text();
+    v.Fecha = FechaDeCelda(filas.At(4, i), hoy);
+    v.Tipo = static_cast<int>(filas.At(6, i).NumberOrZero());
     valores_.push_back(std::move(v));
   }
   std::stable_sort(valores_.begin(), valores_.end(), [](const ValorDeTabla& a, const ValorDeTabla& b) {
-    return std::tie(a.id_Tabla, a.Codigo, a.Fecha.serie) < std::tie(b.id_Tabla, b.Codigo, b.Fecha.serie);
+    return std::tie(a.id_Tabla, a.Codigo, a.Fecha.serial) < std::tie(b.id_Tabla, b.Codigo, b.Fecha.serial);
   });
 }
 
@@ -58,7 +58,7 @@ Vector TablasUsuario::Serie(std::int32_t id_Tabla, std::string_view codigo) cons
   serie.dimensiones = 2;
   for (auto v = primero; v != fin; ++v)
     serie.registros.push_back({std::to_string(v->id), std::to_string(v->id_Tabla), v->Codigo, v->Valor,
-                               base::FormatFecha(v->Fecha, "dd/MM/yyyy")});
+                               base::FormatDate(v->Fecha, "dd/MM/yyyy")});
   return serie;
 }
 

@@ -27,31 +27,31 @@ std::string Serie(std::int32_t idEmpresa, std::int32_t id_Tabla, std::string_vie
   return "Select id,id_Tabla,Codigo,Valor, iif(isnull(Fecha),cdate('00:00'),fecha) From DatosUsuTablas Where "
          "idEmpresa=" +
          Entero(idEmpresa) + " and  id_Tabla=" + Entero(id_Tabla) + " And Codigo='" +
-         base::DoblarComillas(codigo) + "' order by Fecha Asc";
+         base::EscapeQuotes(codigo) + "' order by Fecha Asc";
 }
 
 std::string BorrarAnterior(std::int32_t idEmpresa, std::int32_t id_Tabla, std::string_view codigo,
-                           base::Fecha fecha) {
+                           base::Date fecha) {
   return "Delete * from DatosUsuTablas Where idEmpresa=" + Entero(idEmpresa) +
          " and id=(Select Top 1 id from DatosUsuTablas where id_Tabla=" + Entero(id_Tabla) +
-         " and Codigo ='" + base::DoblarComillas(codigo) + "' and iif(isnull(fecha),cdate('00:00'),fecha)<#" +
-         base::FechaMMddyyyy(fecha) + "# order by iif(isnull(fecha),cdate('00:00'),fecha) desc )";
+         " and Codigo ='" + base::EscapeQuotes(codigo) + "' and iif(isnull(fecha),cdate('00:00'),fecha)<#" +
+         base::DateMMddyyyy(fecha) + "# order by iif(isnull(fecha),cdate('00:00'),fecha) desc )";
 }
 
 std::string BorrarSerie(std::int32_t idEmpresa, std::int32_t id_Tabla, std::string_view codigo) {
   return "Delete * from DatosUsuTablas where idEmpresa=" + Entero(idEmpresa) + " and  Codigo='" +
-         base::DoblarComillas(codigo) + "' And id_Tabla=" + Entero(id_Tabla);
+         base::EscapeQuotes(codigo) + "' And id_Tabla=" + Entero(id_Tabla);
 }
 
 std::string InsertarValor(std::int32_t idEmpresa, std::string_view id, std::string_view id_Tabla,
-                          std::string_view codigo, std::string_view valor, base::Fecha fecha) {
+                          std::string_view codigo, std::string_view valor, base::Date fecha) {
   std::string sql =
       "Insert into DatosUsuTablas (idEmpresa,Id,Id_Tabla,Codigo,Valor,Fecha) Values(" + Entero(idEmpresa);
   sql.append(",").append(id).append(",").append(id_Tabla);
-  sql.append(",'").append(base::DoblarComillas(codigo));
-  sql.append("','").append(base::DoblarComillas(valor)).append("',");
-  if (fecha.serie == 0) return sql.append("Null)");
-  return sql.append("#").append(base::FechaMMddyyyy(fecha)).append("#)");
+  sql.append(",'").append(base::EscapeQuotes(codigo));
+  sql.append("','").append(base::EscapeQuotes(valor)).append("',");
+  if (fecha.serial == 0) return sql.append("Null)");
+  return sql.append("#").append(base::DateMMddyyyy(fecha)).append("#)");
 }
 
 }  // namespace formula::sql

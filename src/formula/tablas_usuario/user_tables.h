@@ -18,8 +18,8 @@ struct ValorDeTabla {
   std::int32_t id_Tabla = 0;
   std::string Codigo;
   std::string Valor;
-  base::Fecha Fecha;  // NULL is day 0
-  int Tipo = 0;       // of the table
+  base::Date Fecha;  // NULL is day 0
+  int Tipo = 0;      // of the table
 };
 
 // The values as the last load found them. Look-ups by table and code are indexed.
@@ -48,19 +48,19 @@ class TablasUsuario {
 };
 
 // Index of the last record dated on or before `fecha`; 0 when all are later; -1 when there is no record.
-int PosicionFecha(const Vector& serie, base::Fecha fecha, std::size_t campo_fecha, base::Fecha hoy);
+int PosicionFecha(const Vector& serie, base::Date fecha, std::size_t campo_fecha, base::Date hoy);
 
 // Writes a value for a code, valid from `fecha`; a value of the same date is replaced. An empty value removes
 // the one in force just before the date, unless sin_borrado. With `sumado` the value is a number that comes
 // with 200 added: the value less 200 is stored, and no other text is taken. `registros`, when given, receives
 // how many the series then has. Throws db::Error when a statement fails.
 void GuardarValorTablaUsuario(const sesion::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
-                              std::string_view valor, base::Fecha fecha, bool sumado = false,
+                              std::string_view valor, base::Date fecha, bool sumado = false,
                               bool sin_borrado = false, int* registros = nullptr);
 
 // Writes 0 for a code, valid from `fecha`, unless some value is dated on that day, whatever its hour: a value
 // that somebody entered is never lost to the end of another. Returns whether it wrote. Throws db::Error.
 bool CerrarValorTablaUsuario(const sesion::DbSession& sesion, std::int32_t id_Tabla, std::string_view codigo,
-                             base::Fecha fecha);
+                             base::Date fecha);
 
 }  // namespace formula

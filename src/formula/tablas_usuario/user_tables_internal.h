@@ -5,10 +5,10 @@
 
 namespace formula {
 
-base::Fecha Hoy(const sesion::DbSession& sesion);
+base::Date Hoy(const sesion::DbSession& sesion);
 
 // The date of a cell: a date, its serial number, or a text that reads as one; Null is day 0. Throws db::Error
 // for anything else, because a series is written back whole and would lose the date.
-base::Fecha FechaDeCelda(const base::Valor& celda, base::Fecha hoy);
+base::Date FechaDeCelda(const base::Value& celda, base::Date hoy);
 
 }  // namespace formula

@@ -18,7 +18,7 @@ Registro PartirRegistro(std::string_view valor, const Registro* anterior) {
 
 void Insertar(Vector& vector, std::string_view valor, std::ptrdiff_t& posicion) {
   auto& registros = vector.registros;
-  const bool con_campos = base::Contiene(valor, "*");
+  const bool con_campos = base::Contains(valor, "*");
   const bool primero = registros.empty();  // wherever it was to go
   if (primero) vector.dimensiones = con_campos ? 2 : 1;
   const bool al_final = posicion == -1;

@@ -14,9 +14,9 @@ constexpr int kPesoNumero = 2;
 constexpr int kPesoFecha = 3;
 constexpr int kPesoTexto = 7;
 
-int Peso(std::string_view valor, base::Fecha hoy) {
-  if (valor.empty() || base::EsNumero(valor)) return kPesoNumero;
-  return base::EsFecha(valor, hoy) ? kPesoFecha : kPesoTexto;
+int Peso(std::string_view valor, base::Date hoy) {
+  if (valor.empty() || base::IsNumber(valor)) return kPesoNumero;
+  return base::IsDate(valor, hoy) ? kPesoFecha : kPesoTexto;
 }
 
 template <typename Clave>
@@ -31,7 +31,7 @@ std::vector<std::size_t> OrdenPorClave(const std::vector<Clave>& claves) {
 }  // namespace
 
 // The weights only have to average the kind's own: four numbers and one text are sorted as dates.
-char ClaseDeColumna(const std::vector<std::string_view>& valores, base::Fecha hoy) {
+char ClaseDeColumna(const std::vector<std::string_view>& valores, base::Date hoy) {
   if (valores.empty()) return '$';
   std::size_t suma = 0;
   for (const auto valor : valores) suma += static_cast<std::size_t>(Peso(valor, hoy));
@@ -40,24 +40,24 @@ char ClaseDeColumna(const std::vector<std::string_view>& valores, base::Fecha ho
 }
 
 // What the kind cannot read (empty, or the odd text in a column of dates) counts as 0.
-std::vector<std::size_t> OrdenDeColumna(const std::vector<std::string_view>& valores, base::Fecha hoy) {
+std::vector<std::size_t> OrdenDeColumna(const std::vector<std::string_view>& valores, base::Date hoy) {
   const char clase = ClaseDeColumna(valores, hoy);
   if (clase == '$') {
     std::vector<std::string> claves;
     claves.reserve(valores.size());
-    for (const auto valor : valores) claves.push_back(base::Mayusculas(valor));
+    for (const auto valor : valores) claves.push_back(base::UpperCase(valor));
     return OrdenPorClave(claves);
   }
   std::vector<double> claves;
   claves.reserve(valores.size());
   for (const auto valor : valores) {
-    claves.push_back(clase == '%' ? base::NumeroDeTexto(valor).value_or(0)
-                                  : base::FechaDeTexto(valor, hoy).value_or(base::Fecha{}).serie);
+    claves.push_back(clase == '%' ? base::NumberFromText(valor).value_or(0)
+                                  : base::DateFromText(valor, hoy).value_or(base::Date{}).serial);
   }
   return OrdenPorClave(claves);
 }
 
-void OrdenarVector(Vector& vector, int columna, base::Fecha hoy) {
+void OrdenarVector(Vector& vector, int columna, base::Date hoy) {
   if (vector.dimensiones != 2) columna = 0;
   std::vector<std::string_view> valores;
   valores.reserve(vector.Cantidad());

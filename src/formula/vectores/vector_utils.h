@@ -38,7 +38,7 @@ void QuitarRegistro(Vector& vector, std::ptrdiff_t posicion);
 // Why it failed is noted in `errores`; a fault of the storage travels on, with nothing added.
 int LlenarLista(ListControl& control, std::string_view tabla, std::string_view campos,
                 std::string_view condicion, std::string_view separador, Vector* vector,
-                const sesion::DbSession& sesion, base::SumideroErrores* errores = nullptr,
+                const sesion::DbSession& sesion, base::ErrorSink* errores = nullptr,
                 const FormaDeRegistro* forma = nullptr);
 // The statement that LlenarLista runs.
 std::string SentenciaDeLista(std::string_view tabla, std::string_view campos, std::string_view condicion);
@@ -48,11 +48,11 @@ std::string UnirVector(const Vector& vector, int campo, std::string_view sep_cam
                        std::string_view sep_registro);
 
 // '%' numbers, '#' dates, '$' text, by the weights of the column's values.
-char ClaseDeColumna(const std::vector<std::string_view>& valores, base::Fecha hoy);
+char ClaseDeColumna(const std::vector<std::string_view>& valores, base::Date hoy);
 // The stable ascending order of the records by a column of that kind: element i is the record that goes to
 // place i.
-std::vector<std::size_t> OrdenDeColumna(const std::vector<std::string_view>& valores, base::Fecha hoy);
-void OrdenarVector(Vector& vector, int columna, base::Fecha hoy);
+std::vector<std::size_t> OrdenDeColumna(const std::vector<std::string_view>& valores, base::Date hoy);
+void OrdenarVector(Vector& vector, int columna, base::Date hoy);
 
 // First record whose column equals the value as text, or -1; over items, the position.
 std::ptrdiff_t FindInColumn(std::string_view valor, const Vector& vector, std::size_t columna);

@@ -11,97 +11,96 @@ namespace mdb {
 namespace {
 
 // Of several objects of one name the one that users see, then the first.
-bool Preferible(const Objeto& a, const Objeto& b) { return !a.DeSistema() && b.DeSistema(); }
+bool IsPreferable(const Object& a, const Object& b) { return !a.IsSystem() && b.IsSystem(); }
 
-bool EsTablaOConsulta(const Objeto& o) {
-  return o.tipo == Objeto::Tabla || o.tipo == Objeto::VinculadaOdbc || o.tipo == Objeto::Vinculada ||
-         o.tipo == Objeto::Consulta;
+bool IsTableOrQuery(const Object& o) {
+  return o.type == Object::Table || o.type == Object::LinkedOdbc || o.type == Object::Linked ||
+         o.type == Object::Query;
 }
 
 }  // namespace
 
-struct Catalogo::Leido {
-  std::vector<Objeto> objetos;
-  std::unordered_map<std::string, std::size_t> por_nombre;  // lower case; what Buscar finds
-  std::unordered_map<std::string, std::shared_ptr<const Definicion>> tablas;
-  std::unordered_map<std::string, Propiedades> propiedades;
-  std::optional<std::vector<RelacionDeTablas>> relaciones;
-  std::optional<std::unordered_map<std::int32_t, std::vector<FilaDeConsulta>>> consultas;
+struct SystemCatalog::Loaded {
+  std::vector<Object> objects;
+  std::unordered_map<std::string, std::size_t> by_name;  // lower case; what Find finds
+  std::unordered_map<std::string, std::shared_ptr<const Definition>> tables;
+  std::unordered_map<std::string, Properties> properties;
+  std::optional<std::vector<TableRelationship>> relationships;
+  std::optional<std::unordered_map<std::int32_t, std::vector<QueryRow>>> queries;
 };
 
-Catalogo::Leido& Catalogo::Leer() const {
-  if (leido_) return *leido_;
-  auto nuevo = std::make_shared<Leido>();
-  nuevo->objetos = internal::LeerObjetos(paginas_);
-  for (std::size_t i = 0; i < nuevo->objetos.size(); ++i) {
-    const Objeto& o = nuevo->objetos[i];
-    if (!EsTablaOConsulta(o)) continue;
-    const auto [it, es_nuevo] = nuevo->por_nombre.emplace(base::Minusculas(o.nombre), i);
-    if (!es_nuevo && Preferible(o, nuevo->objetos[it->second])) it->second = i;
+SystemCatalog::Loaded& SystemCatalog::Read() const {
+  if (loaded_) return *loaded_;
+  auto fresh = std::make_shared<Loaded>();
+  fresh->objects = internal::ReadObjects(pages_);
+  for (std::size_t i = 0; i < fresh->objects.size(); ++i) {
+    const Object& o = fresh->objects[i];
+    if (!IsTableOrQuery(o)) continue;
+    const auto [it, is_new] = fresh->by_name.emplace(base::LowerCase(o.name), i);
+    if (!is_new && IsPreferable(o, fresh->objects[it->second])) it->second = i;
   }
-  leido_ = std::move(nuevo);
-  return *leido_;
+  loaded_ = std::move(fresh);
+  return *loaded_;
 }
 
-const std::vector<Objeto>& Catalogo::Objetos() const { return Leer().objetos; }
+const std::vector<Object>& SystemCatalog::Objects() const { return Read().objects; }
 
-const Objeto* Catalogo::Buscar(std::string_view nombre) const {
-  const Leido& leido = Leer();
-  const auto it = leido.por_nombre.find(base::Minusculas(nombre));
-  return it == leido.por_nombre.end() ? nullptr : &leido.objetos[it->second];
+const Object* SystemCatalog::Find(std::string_view name) const {
+  const Loaded& loaded = Read();
+  const auto it = loaded.by_name.find(base::LowerCase(name));
+  return it == loaded.by_name.end() ? nullptr : &loaded.objects[it->second];
 }
 
-std::shared_ptr<const Definicion> Catalogo::Tabla(std::string_view nombre) const {
-  const Objeto* objeto = Buscar(nombre);
-  if (objeto == nullptr || objeto->tipo != Objeto::Tabla) return nullptr;
-  auto& guardada = Leer().tablas[base::Minusculas(nombre)];
-  if (!guardada) {
-    auto d = LeerDefinicion(paginas_, static_cast<NumPagina>(objeto->id));
-    d.nombre = objeto->nombre;
-    guardada = std::make_shared<const Definicion>(std::move(d));
+std::shared_ptr<const Definition> SystemCatalog::Table(std::string_view name) const {
+  const Object* object = Find(name);
+  if (object == nullptr || object->type != Object::Table) return nullptr;
+  auto& stored = Read().tables[base::LowerCase(name)];
+  if (!stored) {
+    auto d = ReadDefinition(pages_, static_cast<PageNumber>(object->id));
+    d.name = object->name;
+    stored = std::make_shared<const Definition>(std::move(d));
   }
-  return guardada;
+  return stored;
 }
 
-const Propiedades& Catalogo::PropiedadesDe(std::string_view tabla) const {
-  Leido& leido = Leer();
-  const auto clave = base::Minusculas(tabla);
-  const auto it = leido.propiedades.find(clave);
-  if (it != leido.propiedades.end()) return it->second;
-  const Objeto* objeto = Buscar(tabla);
-  Propiedades propiedades;
-  if (objeto != nullptr) propiedades = LeerPropiedades(paginas_.Cab(), objeto->propiedades);
-  return leido.propiedades.emplace(clave, std::move(propiedades)).first->second;
+const Properties& SystemCatalog::PropertiesOf(std::string_view table) const {
+  Loaded& loaded = Read();
+  const auto key = base::LowerCase(table);
+  const auto it = loaded.properties.find(key);
+  if (it != loaded.properties.end()) return it->second;
+  const Object* object = Find(table);
+  Properties properties;
+  if (object != nullptr) properties = ReadProperties(pages_.Header(), object->properties);
+  return loaded.properties.emplace(key, std::move(properties)).first->second;
 }
 
 // Some files of Access 97 have these tables on other pages than their header says; the catalog tells.
-NumPagina Catalogo::SystemTablePage(std::string_view name, NumPagina of_the_header) const {
-  const Objeto* object = Buscar(name);
-  const bool told = object != nullptr && object->tipo == Objeto::Tabla && object->DeSistema();
-  return told ? static_cast<NumPagina>(object->id) : of_the_header;
+PageNumber SystemCatalog::SystemTablePage(std::string_view name, PageNumber of_the_header) const {
+  const Object* object = Find(name);
+  const bool told = object != nullptr && object->type == Object::Table && object->IsSystem();
+  return told ? static_cast<PageNumber>(object->id) : of_the_header;
 }
 
-const std::vector<RelacionDeTablas>& Catalogo::Relaciones() const {
-  auto& relaciones = Leer().relaciones;
-  if (!relaciones)
-    relaciones =
-        internal::LeerRelaciones(paginas_, SystemTablePage("MSysRelationships", paginas_.Cab().relaciones));
-  return *relaciones;
+const std::vector<TableRelationship>& SystemCatalog::Relationships() const {
+  auto& relationships = Read().relationships;
+  if (!relationships)
+    relationships = internal::ReadRelationships(
+        pages_, SystemTablePage("MSysRelationships", pages_.Header().relationships));
+  return *relationships;
 }
 
-ConsultaGuardada Catalogo::ConsultaDe(std::string_view nombre) const {
-  const Objeto* objeto = Buscar(nombre);
-  if (objeto == nullptr || objeto->tipo != Objeto::Consulta)
-    throw base::Error("La base no tiene una consulta \"" + std::string(nombre) + "\"");
-  auto& consultas = Leer().consultas;
-  if (!consultas)
-    consultas =
-        internal::LeerFilasDeConsultas(paginas_, SystemTablePage("MSysQueries", paginas_.Cab().consultas));
-  ConsultaGuardada consulta{objeto->nombre, objeto->banderas, {}};
-  if (const auto it = consultas->find(objeto->id); it != consultas->end()) consulta.filas = it->second;
-  return consulta;
+SavedQuery SystemCatalog::QueryOf(std::string_view name) const {
+  const Object* object = Find(name);
+  if (object == nullptr || object->type != Object::Query)
+    throw base::Error("La base no tiene una consulta \"" + std::string(name) + "\"");
+  auto& queries = Read().queries;
+  if (!queries)
+    queries = internal::ReadQueryRows(pages_, SystemTablePage("MSysQueries", pages_.Header().queries));
+  SavedQuery query{object->name, object->flags, {}};
+  if (const auto it = queries->find(object->id); it != queries->end()) query.rows = it->second;
+  return query;
 }
 
-void Catalogo::Olvidar() { leido_.reset(); }
+void SystemCatalog::Forget() { loaded_.reset(); }
 
 }  // namespace mdb

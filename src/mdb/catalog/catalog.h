@@ -13,73 +13,73 @@
 
 namespace mdb {
 
-struct Objeto {
-  enum Tipo : std::int16_t {
-    Tabla = 1,
+struct Object {
+  enum Type : std::int16_t {
+    Table = 1,
     Base = 2,
-    Contenedor = 3,
-    VinculadaOdbc = 4,
-    Consulta = 5,
-    Vinculada = 6,
-    Relacion = 8
+    Container = 3,
+    LinkedOdbc = 4,
+    Query = 5,
+    Linked = 6,
+    Relationship = 8
   };
   std::int32_t id = 0;  // of a table, the page of its definition
-  std::int32_t padre = 0;
-  std::string nombre;
-  std::int16_t tipo = 0;
-  std::uint32_t banderas = 0;
-  std::string base, conexion, nombre_externo;  // Database, Connect and ForeignName of a linked table
-  Bytes propiedades;                           // LvProp as stored
-  IdFila fila;                                 // in MSysObjects
-  bool DeSistema() const { return (banderas & 0x80000002U) != 0; }
+  std::int32_t parent = 0;
+  std::string name;
+  std::int16_t type = 0;
+  std::uint32_t flags = 0;
+  std::string base, connection, external_name;  // Database, Connect and ForeignName of a linked table
+  Bytes properties;                             // LvProp as stored
+  RowId row;                                    // in MSysObjects
+  bool IsSystem() const { return (flags & 0x80000002U) != 0; }
 };
 
-struct Propiedad {
-  std::string nombre;
-  std::uint8_t tipo = 0;  // of TipoColumna
+struct Property {
+  std::string name;
+  std::uint8_t type = 0;  // of ColumnType
   bool ddl = false;       // defined with the table
-  Dato valor;
+  Datum value;
 };
 // By owner: "" for the table itself, else a column's name.
-using Propiedades = std::map<std::string, std::vector<Propiedad>>;
-Propiedades LeerPropiedades(const Cabecera& cabecera, Vista bytes);
-Bytes SerializarPropiedades(const Propiedades& propiedades);  // Jet 4
+using Properties = std::map<std::string, std::vector<Property>>;
+Properties ReadProperties(const FileHeader& header, View bytes);
+Bytes SerializeProperties(const Properties& properties);  // Jet 4
 // By owner and name whatever their case; null when there is none.
-const Dato* Buscar(const Propiedades& propiedades, std::string_view dueno, std::string_view nombre);
+const Datum* Find(const Properties& properties, std::string_view owner, std::string_view name);
 
-struct RelacionDeTablas {
-  static constexpr std::uint32_t kUnoAUno = 0x1, kNoExigida = 0x2, kActualizaEnCascada = 0x100,
-                                 kBorraEnCascada = 0x1000, kPoneNulo = 0x2000;
-  std::string nombre;
-  std::string tabla;  // the "many" side
-  std::vector<std::string> columnas;
-  std::string tabla_referida;  // the "one" side
-  std::vector<std::string> columnas_referidas;
-  std::uint32_t banderas = 0;
-  bool Exigida() const { return (banderas & kNoExigida) == 0; }
+struct TableRelationship {
+  static constexpr std::uint32_t kOneToOne = 0x1, kNotEnforced = 0x2, kCascadesUpdates = 0x100,
+                                 kCascadesDeletes = 0x1000, kSetsNull = 0x2000;
+  std::string name;
+  std::string table;  // the "many" side
+  std::vector<std::string> columns;
+  std::string referenced_table;  // the "one" side
+  std::vector<std::string> referenced_columns;
+  std::uint32_t flags = 0;
+  bool IsEnforced() const { return (flags & kNotEnforced) == 0; }
 };
 
-// Read once; Olvidar after a change of the catalog. Pointers hold until then.
-class Catalogo {
+// Read once; Forget after a change of the catalog. Pointers hold until then.
+class SystemCatalog {
  public:
-  explicit Catalogo(Paginas& paginas) : paginas_(paginas) {}
-  const std::vector<Objeto>& Objetos() const;
+  explicit SystemCatalog(PageFile& pages) : pages_(pages) {}
+  const std::vector<Object>& Objects() const;
   // A table, linked table or query by name whatever its case; null when there is none.
-  const Objeto* Buscar(std::string_view nombre) const;
-  // Definition of a local table, with its name; null for another name. Throws Danio.
-  std::shared_ptr<const Definicion> Tabla(std::string_view nombre) const;
-  const Propiedades& PropiedadesDe(std::string_view tabla) const;
-  const std::vector<RelacionDeTablas>& Relaciones() const;
+  const Object* Find(std::string_view name) const;
+  // Definition of a local table, with its name; null for another name. Throws Damage.
+  std::shared_ptr<const Definition> Table(std::string_view name) const;
+  const Properties& PropertiesOf(std::string_view table) const;
+  const std::vector<TableRelationship>& Relationships() const;
   // The rows of a saved query (see saved_query.h); throws base::Error when there is none of that name.
-  ConsultaGuardada ConsultaDe(std::string_view nombre) const;
-  void Olvidar();
+  SavedQuery QueryOf(std::string_view name) const;
+  void Forget();
 
  private:
-  Paginas& paginas_;
-  struct Leido;
-  mutable std::shared_ptr<Leido> leido_;
-  Leido& Leer() const;
-  NumPagina SystemTablePage(std::string_view name, NumPagina of_the_header) const;
+  PageFile& pages_;
+  struct Loaded;
+  mutable std::shared_ptr<Loaded> loaded_;
+  Loaded& Read() const;
+  PageNumber SystemTablePage(std::string_view name, PageNumber of_the_header) const;
 };
 
 }  // namespace mdb

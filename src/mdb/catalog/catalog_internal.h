@@ -7,12 +7,11 @@
 
 namespace mdb::internal {
 
-std::vector<Objeto> LeerObjetos(Paginas& paginas);
-// `pagina` is that of the definition of the system table.
+std::vector<Object> ReadObjects(PageFile& pages);
+// `page` is that of the definition of the system table.
 // In the order in which their first rows stand, columns in their order within each.
-std::vector<RelacionDeTablas> LeerRelaciones(Paginas& paginas, NumPagina pagina);
+std::vector<TableRelationship> ReadRelationships(PageFile& pages, PageNumber page);
 // By the query's identity in the catalog.
-std::unordered_map<std::int32_t, std::vector<FilaDeConsulta>> LeerFilasDeConsultas(Paginas& paginas,
-                                                                                   NumPagina pagina);
+std::unordered_map<std::int32_t, std::vector<QueryRow>> ReadQueryRows(PageFile& pages, PageNumber page);
 
 }  // namespace mdb::internal

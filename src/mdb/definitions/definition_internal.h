@@ -7,8 +7,8 @@ namespace mdb {
 
 // The joined bytes of a Jet 4 definition: the first page's 8 header bytes (zero here), then everything that
 // stands on its pages one after another. Throws base::Error beyond the limits of the format.
-Bytes SerializarDefinicion(const Definicion& definicion);
-// The header of a definition page: `usados` are its bytes in use, header included.
-void PonerCabeceraDeDefinicion(std::span<std::uint8_t> pagina, std::size_t usados, NumPagina siguiente);
+Bytes SerializeDefinition(const Definition& definition);
+// The header of a definition page: `used` are its bytes in use, header included.
+void PutDefinitionHeader(std::span<std::uint8_t> page, std::size_t used, PageNumber next);
 
 }  // namespace mdb

@@ -4,123 +4,123 @@
 namespace mdb {
 namespace {
 
-constexpr std::uint32_t kMarca = 1625, kMarcaDeIndice = 1923;
-constexpr std::size_t kPartes = 10;  // columns of one index
+constexpr std::uint32_t kMark = 1625, kIndexMark = 1923;
+constexpr std::size_t kParts = 10;  // columns of one index
 
-void AgregarPuntero(Bytes& v, Puntero p) {
-  Agregar8(v, p.fila);
-  Agregar24(v, p.pagina);
+void AppendPointer(Bytes& v, Pointer p) {
+  Append8(v, p.row);
+  Append24(v, p.page);
 }
 
-void AgregarNombre(Bytes& v, const std::string& nombre) {
-  const std::u16string texto = base::AUtf16(nombre);
-  Agregar16(v, static_cast<std::uint16_t>(texto.size() * 2));
-  for (const char16_t u : texto) Agregar16(v, static_cast<std::uint16_t>(u));
+void AppendName(Bytes& v, const std::string& name) {
+  const std::u16string text = base::ToUtf16(name);
+  Append16(v, static_cast<std::uint16_t>(text.size() * 2));
+  for (const char16_t u : text) Append16(v, static_cast<std::uint16_t>(u));
 }
 
-void AgregarComienzo(Bytes& v, const Definicion& d) {
-  Agregar64(v, 0);  // the page's header
-  Agregar32(v, 0);  // total length, known at the end
-  Agregar32(v, kMarca);
-  Agregar32(v, d.filas);
-  Agregar32(v, static_cast<std::uint32_t>(d.ultimo_automatico));
-  Agregar32(v, static_cast<std::uint32_t>(d.incremento));
-  Agregar32(v, 0);  // last autonumber of a complex column, which Jet 4 does not have
-  Agregar64(v, 0);
-  Agregar8(v, d.clase);
-  Agregar16(v, d.max_columnas);
-  Agregar16(v, d.variables);
-  Agregar16(v, static_cast<std::uint16_t>(d.columnas.size()));
-  Agregar32(v, static_cast<std::uint32_t>(d.logicos.size()));
-  Agregar32(v, static_cast<std::uint32_t>(d.reales.size()));
-  AgregarPuntero(v, d.propias);
-  AgregarPuntero(v, d.libres);
-  for (const auto& r : d.reales) {
-    Agregar32(v, r.entradas);
-    Agregar32(v, r.distintas);
-    Agregar32(v, 0);
+void AppendStart(Bytes& v, const Definition& d) {
+  Append64(v, 0);  // the page's header
+  Append32(v, 0);  // total length, known at the end
+  Append32(v, kMark);
+  Append32(v, d.rows);
+  Append32(v, static_cast<std::uint32_t>(d.last_auto_number));
+  Append32(v, static_cast<std::uint32_t>(d.increment));
+  Append32(v, 0);  // last autonumber of a complex column, which Jet 4 does not have
+  Append64(v, 0);
+  Append8(v, d.kind);
+  Append16(v, d.max_columns);
+  Append16(v, d.variables);
+  Append16(v, static_cast<std::uint16_t>(d.columns.size()));
+  Append32(v, static_cast<std::uint32_t>(d.logicals.size()));
+  Append32(v, static_cast<std::uint32_t>(d.reals.size()));
+  AppendPointer(v, d.owned_pages);
+  AppendPointer(v, d.free_pages);
+  for (const auto& r : d.reals) {
+    Append32(v, r.entries);
+    Append32(v, r.distinct);
+    Append32(v, 0);
   }
 }
 
-void AgregarColumna(Bytes& v, const Columna& c) {
-  Agregar8(v, static_cast<std::uint8_t>(c.tipo));
-  Agregar32(v, kMarca);
-  Agregar16(v, c.numero);
-  Agregar16(v, c.variable);
-  Agregar16(v, c.posicion);
-  if (c.tipo == TipoColumna::Decimal) {
-    Agregar8(v, c.precision);
-    Agregar8(v, c.escala);
+void AddColumn(Bytes& v, const Column& c) {
+  Append8(v, static_cast<std::uint8_t>(c.type));
+  Append32(v, kMark);
+  Append16(v, c.number);
+  Append16(v, c.variable);
+  Append16(v, c.position);
+  if (c.type == ColumnType::Decimal) {
+    Append8(v, c.precision);
+    Append8(v, c.scale);
   } else {
-    Agregar16(v, c.lcid);
+    Append16(v, c.lcid);
   }
-  Agregar8(v, 0);
-  Agregar8(v, c.version_orden);
-  Agregar8(v, c.banderas);
-  Agregar8(v, c.banderas_ext);
-  Agregar32(v, 0);
-  Agregar16(v, c.desplazamiento);
-  Agregar16(v, c.largo);
+  Append8(v, 0);
+  Append8(v, c.order_version);
+  Append8(v, c.flags);
+  Append8(v, c.extended_flags);
+  Append32(v, 0);
+  Append16(v, c.offset);
+  Append16(v, c.length);
 }
 
-void AgregarReal(Bytes& v, const IndiceReal& r) {
-  if (r.partes.size() > kPartes) throw base::Error("Un índice no puede tener más de 10 columnas");
-  Agregar32(v, kMarcaDeIndice);
-  for (std::size_t i = 0; i < kPartes; ++i) {
-    const bool hay = i < r.partes.size();
-    Agregar16(v, hay ? r.partes[i].columna : std::uint16_t{0xFFFF});
-    Agregar8(v, hay && !r.partes[i].descendente ? 1 : 0);
+void AppendReal(Bytes& v, const RealIndex& r) {
+  if (r.parts.size() > kParts) throw base::Error("Un índice no puede tener más de 10 columnas");
+  Append32(v, kIndexMark);
+  for (std::size_t i = 0; i < kParts; ++i) {
+    const bool found = i < r.parts.size();
+    Append16(v, found ? r.parts[i].column : std::uint16_t{0xFFFF});
+    Append8(v, found && !r.parts[i].descending ? 1 : 0);
   }
-  AgregarPuntero(v, r.mapa);
-  Agregar32(v, r.raiz);
-  Agregar32(v, 0);
-  Agregar8(v, r.banderas);
-  Agregar8(v, 0);
-  Agregar32(v, 0);
+  AppendPointer(v, r.map);
+  Append32(v, r.root);
+  Append32(v, 0);
+  Append8(v, r.flags);
+  Append8(v, 0);
+  Append32(v, 0);
 }
 
-void AgregarLogico(Bytes& v, const IndiceLogico& l) {
-  Agregar32(v, kMarca);
-  Agregar32(v, l.numero);
-  Agregar32(v, l.real);
-  Agregar8(v, l.lado);
-  Agregar32(v, static_cast<std::uint32_t>(l.otro_indice));
-  Agregar32(v, l.otra_tabla);
-  Agregar8(v, l.actualiza_en_cascada);
-  Agregar8(v, l.borra_en_cascada);
-  Agregar8(v, l.clase);
-  Agregar32(v, 0);
+void AppendLogical(Bytes& v, const LogicalIndex& l) {
+  Append32(v, kMark);
+  Append32(v, l.number);
+  Append32(v, l.real);
+  Append8(v, l.side);
+  Append32(v, static_cast<std::uint32_t>(l.other_index));
+  Append32(v, l.other_table);
+  Append8(v, l.cascades_updates);
+  Append8(v, l.cascades_deletes);
+  Append8(v, l.kind);
+  Append32(v, 0);
 }
 
 }  // namespace
 
-Bytes SerializarDefinicion(const Definicion& d) {
-  if (d.columnas.size() > Definicion::kColumnas || d.max_columnas > Definicion::kColumnas)
+Bytes SerializeDefinition(const Definition& d) {
+  if (d.columns.size() > Definition::kColumns || d.max_columns > Definition::kColumns)
     throw base::Error("Una tabla no puede tener más de 255 columnas, contando las que tuvo antes");
   Bytes v;
-  AgregarComienzo(v, d);
-  for (const auto& c : d.columnas) AgregarColumna(v, c);
-  for (const auto& c : d.columnas) AgregarNombre(v, c.nombre);
-  for (const auto& r : d.reales) AgregarReal(v, r);
-  for (const auto& l : d.logicos) AgregarLogico(v, l);
-  for (const auto& l : d.logicos) AgregarNombre(v, l.nombre);
-  for (const auto& c : d.columnas) {
-    if (!c.EsLarga()) continue;
-    Agregar16(v, c.numero);
-    AgregarPuntero(v, c.lv_propias);
-    AgregarPuntero(v, c.lv_libres);
+  AppendStart(v, d);
+  for (const auto& c : d.columns) AddColumn(v, c);
+  for (const auto& c : d.columns) AppendName(v, c.name);
+  for (const auto& r : d.reals) AppendReal(v, r);
+  for (const auto& l : d.logicals) AppendLogical(v, l);
+  for (const auto& l : d.logicals) AppendName(v, l.name);
+  for (const auto& c : d.columns) {
+    if (!c.IsLong()) continue;
+    Append16(v, c.number);
+    AppendPointer(v, c.lv_owned_pages);
+    AppendPointer(v, c.lv_free_pages);
   }
-  Agregar16(v, 0xFFFF);
-  Poner32(v, 8, static_cast<std::uint32_t>(v.size()));
+  Append16(v, 0xFFFF);
+  Put32(v, 8, static_cast<std::uint32_t>(v.size()));
   return v;
 }
 
-void PonerCabeceraDeDefinicion(std::span<std::uint8_t> pagina, std::size_t usados, NumPagina siguiente) {
-  Poner16(pagina, 0, 0x0102);
+void PutDefinitionHeader(std::span<std::uint8_t> page, std::size_t used, PageNumber next) {
+  Put16(page, 0, 0x0102);
   // Counted without 8 bytes that nothing seems to use; a page filled beyond them has none.
-  const std::size_t lleno = pagina.size() - 8;
-  Poner16(pagina, 2, static_cast<std::uint16_t>(usados < lleno ? lleno - usados : 0));
-  Poner32(pagina, 4, siguiente);
+  const std::size_t full = page.size() - 8;
+  Put16(page, 2, static_cast<std::uint16_t>(used < full ? full - used : 0));
+  Put32(page, 4, next);
 }
 
 }  // namespace mdb

@@ -6,17 +6,17 @@
 
 namespace mdb {
 
-// Flag byte and value bytes of one column, at the end of `clave`. Throws base::Error for a type or a sort
+// Flag byte and value bytes of one column, at the end of `key`. Throws base::Error for a type or a sort
 // order without known keys.
-void AgregarClave(const Cabecera& cabecera, const Columna& columna, bool descendente, const Dato& dato,
-                  Bytes& clave);
-// The whole key of a row, in `clave` (emptied first).
-void ClaveDeFila(const Cabecera& cabecera, const Definicion& definicion, const IndiceReal& indice,
-                 const Fila& fila, Bytes& clave);
+void AppendKey(const FileHeader& header, const Column& column, bool descending, const Datum& datum,
+               Bytes& key);
+// The whole key of a row, in `key` (emptied first).
+void MakeRowKey(const FileHeader& header, const Definition& definition, const RealIndex& index,
+                const Row& row, Bytes& key);
 // Whether all, or any, of the index's columns are Null in the row (a Boolean never is).
-bool TodosNulos(const Definicion& definicion, const IndiceReal& indice, const Fila& fila);
-bool AlgunNulo(const Definicion& definicion, const IndiceReal& indice, const Fila& fila);
+bool AllNull(const Definition& definition, const RealIndex& index, const Row& row);
+bool AnyNull(const Definition& definition, const RealIndex& index, const Row& row);
 // Why keys of this index cannot be made; empty when they can.
-std::string MotivoSinClaves(const Cabecera& cabecera, const Definicion& definicion, const IndiceReal& indice);
+std::string NoKeysReason(const FileHeader& header, const Definition& definition, const RealIndex& index);
 
 }  // namespace mdb

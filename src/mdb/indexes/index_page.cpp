@@ -9,225 +9,224 @@
 namespace mdb {
 namespace {
 
-constexpr std::uint8_t kNodo = 3, kHoja = 4;
-constexpr std::size_t kCola = 4;  // page and row behind a key; a node's child takes as many again
+constexpr std::uint8_t kNode = 3, kLeaf = 4;
+constexpr std::size_t kTail = 4;  // page and row behind a key; a node's child takes as many again
 
 // Where the fields stand.
-struct Forma {
-  std::size_t anterior, siguiente, cola, prefijo, nivel, mascara, datos;
+struct Layout {
+  std::size_t previous, next, tail, prefix, level, mask, data;
 };
-constexpr Forma kJet4{12, 16, 20, 24, 26, 27, 480};
-constexpr Forma kJet3{8, 12, 16, 20, 21, 22, 248};
+constexpr Layout kJet4{12, 16, 20, 24, 26, 27, 480};
+constexpr Layout kJet3{8, 12, 16, 20, 21, 22, 248};
 
-const Forma& FormaDe(const Paginas& paginas) { return paginas.Cab().Jet3() ? kJet3 : kJet4; }
+const Layout& LayoutOf(const PageFile& pages) { return pages.Header().Jet3() ? kJet3 : kJet4; }
 
 // Bit n of the mask: an entry ends n bytes after the start of the entries.
-std::vector<std::size_t> Fines(Vista mascara) {
-  std::array<std::uint16_t, 8 * 456> lugares;
-  std::size_t cuantos = 0;
-  const auto palabra = [&](std::uint64_t p, std::size_t primera) {
+std::vector<std::size_t> Ends(View mask) {
+  std::array<std::uint16_t, 8 * 456> places;
+  std::size_t how_many = 0;
+  const auto word = [&](std::uint64_t p, std::size_t first) {
     for (; p != 0; p &= p - 1)
-      lugares[cuantos++] =
-          static_cast<std::uint16_t>(primera + static_cast<std::size_t>(std::countr_zero(p)));
+      places[how_many++] = static_cast<std::uint16_t>(first + static_cast<std::size_t>(std::countr_zero(p)));
   };
-  const std::uint8_t* v = mascara.data();
+  const std::uint8_t* v = mask.data();
   std::size_t i = 0;
-  for (; i + 8 <= mascara.size(); i += 8, v += 8)
-    palabra(std::uint64_t{v[0]} | std::uint64_t{v[1]} << 8 | std::uint64_t{v[2]} << 16 |
-                std::uint64_t{v[3]} << 24 | std::uint64_t{v[4]} << 32 | std::uint64_t{v[5]} << 40 |
-                std::uint64_t{v[6]} << 48 | std::uint64_t{v[7]} << 56,
-            8 * i);
-  for (; i < mascara.size(); ++i) palabra(mascara[i], 8 * i);
-  return {lugares.begin(), lugares.begin() + static_cast<std::ptrdiff_t>(cuantos)};
+  for (; i + 8 <= mask.size(); i += 8, v += 8)
+    word(std::uint64_t{v[0]} | std::uint64_t{v[1]} << 8 | std::uint64_t{v[2]} << 16 |
+             std::uint64_t{v[3]} << 24 | std::uint64_t{v[4]} << 32 | std::uint64_t{v[5]} << 40 |
+             std::uint64_t{v[6]} << 48 | std::uint64_t{v[7]} << 56,
+         8 * i);
+  for (; i < mask.size(); ++i) word(mask[i], 8 * i);
+  return {places.begin(), places.begin() + static_cast<std::ptrdiff_t>(how_many)};
 }
 
-void AgregarFila(Bytes& v, IdFila fila) {
-  v.push_back(static_cast<std::uint8_t>(fila.pagina >> 16));
-  v.push_back(static_cast<std::uint8_t>(fila.pagina >> 8));
-  v.push_back(static_cast<std::uint8_t>(fila.pagina));
-  v.push_back(fila.fila);
+void AppendRow(Bytes& v, RowId row) {
+  v.push_back(static_cast<std::uint8_t>(row.page >> 16));
+  v.push_back(static_cast<std::uint8_t>(row.page >> 8));
+  v.push_back(static_cast<std::uint8_t>(row.page));
+  v.push_back(row.row);
 }
 
 }  // namespace
 
-PaginaDeIndice PaginaDeIndice::Leer(Paginas& paginas, NumPagina numero, NumPagina tabla) {
-  const Forma& forma = FormaDe(paginas);
-  Imagen imagen = paginas.Leer(numero);
-  const Vista v = *imagen;
-  if (v[0] != kNodo && v[0] != kHoja) DanioEnPagina(numero, "se esperaba una página de índice");
-  PaginaDeIndice p(numero, v[0] == kHoja);
-  p.duena = U32(v, 4);
-  if (tabla != 0 && p.duena != tabla)
-    DanioEnPagina(numero, "la página de índice es de otra tabla (página " + std::to_string(p.duena) + ")");
-  p.anterior = U32(v, forma.anterior);
-  p.siguiente = U32(v, forma.siguiente);
-  p.cola = U32(v, forma.cola);
-  p.prefijo = paginas.Cab().Jet3() ? U8(v, forma.prefijo) : U16(v, forma.prefijo);
-  p.nivel = U8(v, forma.nivel);
-  p.fines_ = Fines(Trozo(v, forma.mascara, forma.datos - forma.mascara));
-  const std::size_t usados = p.BytesSinPrefijo(), hay = v.size() - forma.datos;
-  if (usados > hay) DanioEnPagina(numero, "las entradas del índice no caben en la página");
-  p.libres = hay - usados;
-  p.libres_segun_pagina = U16(v, 2);
-  p.ajenos_ = v.subspan(forma.datos, usados);
-  p.imagen_ = std::move(imagen);
-  p.propia_ = false;
-  if (p.prefijo != 0 && p.Cantidad() > 1) p.DeshacerPrefijo();
-  const std::size_t minimo = (p.hoja ? kCola : 2 * kCola) + 1;
-  for (std::size_t i = 0, desde = 0; i < p.fines_.size(); desde = p.fines_[i++])
-    if (p.fines_[i] - desde < minimo) DanioEnPagina(numero, "una entrada del índice es demasiado corta");
+IndexPage IndexPage::Read(PageFile& pages, PageNumber number, PageNumber table) {
+  const Layout& shape = LayoutOf(pages);
+  Image image = pages.Read(number);
+  const View v = *image;
+  if (v[0] != kNode && v[0] != kLeaf) ThrowPageDamage(number, "se esperaba una página de índice");
+  IndexPage p(number, v[0] == kLeaf);
+  p.owner = U32(v, 4);
+  if (table != 0 && p.owner != table)
+    ThrowPageDamage(number, "la página de índice es de otra tabla (página " + std::to_string(p.owner) + ")");
+  p.previous = U32(v, shape.previous);
+  p.next = U32(v, shape.next);
+  p.tail = U32(v, shape.tail);
+  p.prefix = pages.Header().Jet3() ? U8(v, shape.prefix) : U16(v, shape.prefix);
+  p.level = U8(v, shape.level);
+  p.ends_ = Ends(Slice(v, shape.mask, shape.data - shape.mask));
+  const std::size_t used = p.BytesWithoutPrefix(), found = v.size() - shape.data;
+  if (used > found) ThrowPageDamage(number, "las entradas del índice no caben en la página");
+  p.free_bytes = found - used;
+  p.free_bytes_on_page = U16(v, 2);
+  p.borrowed_ = v.subspan(shape.data, used);
+  p.image_ = std::move(image);
+  p.own_ = false;
+  if (p.prefix != 0 && p.Count() > 1) p.UndoPrefix();
+  const std::size_t minimum = (p.leaf ? kTail : 2 * kTail) + 1;
+  for (std::size_t i = 0, from = 0; i < p.ends_.size(); from = p.ends_[i++])
+    if (p.ends_[i] - from < minimum) ThrowPageDamage(number, "una entrada del índice es demasiado corta");
   return p;
 }
 
-void PaginaDeIndice::DeshacerPrefijo() {
-  if (fines_[0] < prefijo)
-    DanioEnPagina(numero, "la primera entrada del índice es más corta que la parte común de las demás");
-  datos_.resize(ajenos_.size() + prefijo * (fines_.size() - 1));
-  auto destino = std::copy_n(ajenos_.begin(), fines_[0], datos_.begin());
-  for (std::size_t i = 1, desde = fines_[0]; i < fines_.size(); ++i) {
-    const std::size_t hasta = fines_[i];
-    destino = std::copy_n(ajenos_.begin(), prefijo, destino);
-    destino = std::copy(ajenos_.begin() + static_cast<std::ptrdiff_t>(desde),
-                        ajenos_.begin() + static_cast<std::ptrdiff_t>(hasta), destino);
-    desde = hasta;
-    fines_[i] = static_cast<std::size_t>(destino - datos_.begin());
+void IndexPage::UndoPrefix() {
+  if (ends_[0] < prefix)
+    ThrowPageDamage(number, "la primera entrada del índice es más corta que la parte común de las demás");
+  data_.resize(borrowed_.size() + prefix * (ends_.size() - 1));
+  auto target = std::copy_n(borrowed_.begin(), ends_[0], data_.begin());
+  for (std::size_t i = 1, from = ends_[0]; i < ends_.size(); ++i) {
+    const std::size_t to = ends_[i];
+    target = std::copy_n(borrowed_.begin(), prefix, target);
+    target = std::copy(borrowed_.begin() + static_cast<std::ptrdiff_t>(from),
+                       borrowed_.begin() + static_cast<std::ptrdiff_t>(to), target);
+    from = to;
+    ends_[i] = static_cast<std::size_t>(target - data_.begin());
   }
-  propia_ = true;
-  imagen_.reset();
+  own_ = true;
+  image_.reset();
 }
 
-Vista PaginaDeIndice::Completa(std::size_t i) const {
-  const std::size_t desde = i == 0 ? 0 : fines_[i - 1];
-  return Datos().subspan(desde, fines_[i] - desde);
+View IndexPage::Whole(std::size_t i) const {
+  const std::size_t from = i == 0 ? 0 : ends_[i - 1];
+  return Data().subspan(from, ends_[i] - from);
 }
 
-Vista PaginaDeIndice::Clave(std::size_t i) const {
-  const Vista v = Completa(i);
-  return v.first(v.size() - (hoja ? kCola : 2 * kCola));
+View IndexPage::Key(std::size_t i) const {
+  const View v = Whole(i);
+  return v.first(v.size() - (leaf ? kTail : 2 * kTail));
 }
 
-IdFila PaginaDeIndice::FilaDe(std::size_t i) const {
-  const Vista v = Completa(i);
-  const Vista f = v.subspan(v.size() - (hoja ? kCola : 2 * kCola));
-  return {static_cast<NumPagina>(f[0] << 16 | f[1] << 8 | f[2]), f[3]};
+RowId IndexPage::RowOf(std::size_t i) const {
+  const View v = Whole(i);
+  const View f = v.subspan(v.size() - (leaf ? kTail : 2 * kTail));
+  return {static_cast<PageNumber>(f[0] << 16 | f[1] << 8 | f[2]), f[3]};
 }
 
-NumPagina PaginaDeIndice::Hijo(std::size_t i) const {
-  if (i == Cantidad()) return cola;
-  const Vista v = Completa(i);
-  const Vista h = v.last(kCola);
-  return static_cast<NumPagina>(h[0]) << 24 | static_cast<NumPagina>(h[1] << 16 | h[2] << 8 | h[3]);
+PageNumber IndexPage::Child(std::size_t i) const {
+  if (i == Count()) return tail;
+  const View v = Whole(i);
+  const View h = v.last(kTail);
+  return static_cast<PageNumber>(h[0]) << 24 | static_cast<PageNumber>(h[1] << 16 | h[2] << 8 | h[3]);
 }
 
-std::strong_ordering PaginaDeIndice::Comparar(std::size_t i, Vista clave, IdFila fila) const {
-  const auto orden = CompararClaves(Clave(i), clave);
-  return orden != 0 ? orden : FilaDe(i) <=> fila;
+std::strong_ordering IndexPage::Compare(std::size_t i, View key, RowId row) const {
+  const auto order = CompareKeys(Key(i), key);
+  return order != 0 ? order : RowOf(i) <=> row;
 }
 
-std::size_t PaginaDeIndice::Primera(Vista clave, IdFila fila) const {
-  std::size_t desde = 0, hasta = Cantidad();
-  while (desde < hasta) {
-    const std::size_t medio = desde + (hasta - desde) / 2;
-    if (Comparar(medio, clave, fila) < 0)
-      desde = medio + 1;
+std::size_t IndexPage::LowerBound(View key, RowId row) const {
+  std::size_t from = 0, to = Count();
+  while (from < to) {
+    const std::size_t middle = from + (to - from) / 2;
+    if (Compare(middle, key, row) < 0)
+      from = middle + 1;
     else
-      hasta = medio;
+      to = middle;
   }
-  return desde;
+  return from;
 }
 
-void PaginaDeIndice::Apropiar() {
-  if (propia_) return;
-  datos_.reserve(kCapacidad + kCapacidad / 2);
-  datos_.assign(ajenos_.begin(), ajenos_.end());
-  propia_ = true;
-  imagen_.reset();
+void IndexPage::MakeOwn() {
+  if (own_) return;
+  data_.reserve(kCapacity + kCapacity / 2);
+  data_.assign(borrowed_.begin(), borrowed_.end());
+  own_ = true;
+  image_.reset();
 }
 
-void PaginaDeIndice::Insertar(std::size_t i, Vista completa) {
-  Apropiar();
-  const std::size_t desde = i == 0 ? 0 : fines_[i - 1];
-  datos_.insert(datos_.begin() + static_cast<std::ptrdiff_t>(desde), completa.begin(), completa.end());
-  fines_.insert(fines_.begin() + static_cast<std::ptrdiff_t>(i), desde);
-  for (std::size_t k = i; k < fines_.size(); ++k) fines_[k] += completa.size();
+void IndexPage::Insert(std::size_t i, View whole) {
+  MakeOwn();
+  const std::size_t from = i == 0 ? 0 : ends_[i - 1];
+  data_.insert(data_.begin() + static_cast<std::ptrdiff_t>(from), whole.begin(), whole.end());
+  ends_.insert(ends_.begin() + static_cast<std::ptrdiff_t>(i), from);
+  for (std::size_t k = i; k < ends_.size(); ++k) ends_[k] += whole.size();
 }
 
-void PaginaDeIndice::Quitar(std::size_t desde, std::size_t hasta) {
-  if (desde == hasta) return;
-  Apropiar();
-  const auto inicio = static_cast<std::ptrdiff_t>(desde == 0 ? 0 : fines_[desde - 1]);
-  const auto fin = static_cast<std::ptrdiff_t>(fines_[hasta - 1]);
-  datos_.erase(datos_.begin() + inicio, datos_.begin() + fin);
-  fines_.erase(fines_.begin() + static_cast<std::ptrdiff_t>(desde),
-               fines_.begin() + static_cast<std::ptrdiff_t>(hasta));
-  for (std::size_t k = desde; k < fines_.size(); ++k) fines_[k] -= static_cast<std::size_t>(fin - inicio);
+void IndexPage::Remove(std::size_t from, std::size_t to) {
+  if (from == to) return;
+  MakeOwn();
+  const auto start = static_cast<std::ptrdiff_t>(from == 0 ? 0 : ends_[from - 1]);
+  const auto end = static_cast<std::ptrdiff_t>(ends_[to - 1]);
+  data_.erase(data_.begin() + start, data_.begin() + end);
+  ends_.erase(ends_.begin() + static_cast<std::ptrdiff_t>(from),
+              ends_.begin() + static_cast<std::ptrdiff_t>(to));
+  for (std::size_t k = from; k < ends_.size(); ++k) ends_[k] -= static_cast<std::size_t>(end - start);
 }
 
-void PaginaDeIndice::Reemplazar(std::size_t i, Vista completa) {
-  const Bytes copia(completa.begin(), completa.end());  // it may be part of this page
-  Quitar(i, i + 1);
-  Insertar(i, copia);
+void IndexPage::Replace(std::size_t i, View whole) {
+  const Bytes copy(whole.begin(), whole.end());  // it may be part of this page
+  Remove(i, i + 1);
+  Insert(i, copy);
 }
 
-void PaginaDeIndice::Agregar(const PaginaDeIndice& otra, std::size_t desde, std::size_t hasta) {
-  if (desde == hasta) return;
-  Apropiar();
-  const std::size_t inicio = desde == 0 ? 0 : otra.fines_[desde - 1], antes = datos_.size();
-  AgregarBytes(datos_, otra.Datos().subspan(inicio, otra.fines_[hasta - 1] - inicio));
-  for (std::size_t k = desde; k < hasta; ++k) fines_.push_back(antes + otra.fines_[k] - inicio);
+void IndexPage::Append(const IndexPage& other, std::size_t from, std::size_t to) {
+  if (from == to) return;
+  MakeOwn();
+  const std::size_t start = from == 0 ? 0 : other.ends_[from - 1], before = data_.size();
+  AppendBytes(data_, other.Data().subspan(start, other.ends_[to - 1] - start));
+  for (std::size_t k = from; k < to; ++k) ends_.push_back(before + other.ends_[k] - start);
 }
 
-std::size_t PaginaDeIndice::Comun() const {
-  if (!hoja || Cantidad() < 2) return 0;
-  const Vista a = Clave(0), b = Clave(Cantidad() - 1);
+std::size_t IndexPage::CommonPrefix() const {
+  if (!leaf || Count() < 2) return 0;
+  const View a = Key(0), b = Key(Count() - 1);
   return static_cast<std::size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
 }
 
-std::size_t PaginaDeIndice::BytesConPrefijo() const {
-  return Cantidad() < 2 ? BytesSinPrefijo() : BytesSinPrefijo() - Comun() * (Cantidad() - 1);
+std::size_t IndexPage::BytesWithPrefix() const {
+  return Count() < 2 ? BytesWithoutPrefix() : BytesWithoutPrefix() - CommonPrefix() * (Count() - 1);
 }
 
-void PaginaDeIndice::Escribir(Paginas& paginas, NumPagina tabla) {
-  if (paginas.Cab().Jet3()) throw base::Error("Los índices de archivos de Access 97 no se escriben");
-  Apropiar();
-  prefijo = prefijo != 0 || BytesSinPrefijo() > kCapacidad ? Comun() : 0;
-  Bytes& v = paginas.Modificar(numero);
+void IndexPage::Write(PageFile& pages, PageNumber table) {
+  if (pages.Header().Jet3()) throw base::Error("Los índices de archivos de Access 97 no se escriben");
+  MakeOwn();
+  prefix = prefix != 0 || BytesWithoutPrefix() > kCapacity ? CommonPrefix() : 0;
+  Bytes& v = pages.Modify(number);
   std::fill(v.begin(), v.end(), std::uint8_t{0});
-  Poner8(v, 0, hoja ? kHoja : kNodo);
-  Poner8(v, 1, 1);
-  Poner32(v, 4, tabla);
-  Poner32(v, kJet4.anterior, anterior);
-  Poner32(v, kJet4.siguiente, siguiente);
-  Poner32(v, kJet4.cola, hoja ? 0 : cola);
-  Poner16(v, kJet4.prefijo, static_cast<std::uint16_t>(prefijo));
-  Poner8(v, kJet4.nivel, nivel);
-  std::size_t lugar = 0;
-  for (std::size_t i = 0; i < Cantidad(); ++i) {
-    const Vista trozo = Completa(i).subspan(i == 0 ? 0 : prefijo);
-    PonerBytes(v, kJet4.datos + lugar, trozo);
-    lugar += trozo.size();
-    v[kJet4.mascara + lugar / 8] = static_cast<std::uint8_t>(v[kJet4.mascara + lugar / 8] | 1U << lugar % 8);
+  Put8(v, 0, leaf ? kLeaf : kNode);
+  Put8(v, 1, 1);
+  Put32(v, 4, table);
+  Put32(v, kJet4.previous, previous);
+  Put32(v, kJet4.next, next);
+  Put32(v, kJet4.tail, leaf ? 0 : tail);
+  Put16(v, kJet4.prefix, static_cast<std::uint16_t>(prefix));
+  Put8(v, kJet4.level, level);
+  std::size_t place = 0;
+  for (std::size_t i = 0; i < Count(); ++i) {
+    const View slice = Whole(i).subspan(i == 0 ? 0 : prefix);
+    PutBytes(v, kJet4.data + place, slice);
+    place += slice.size();
+    v[kJet4.mask + place / 8] = static_cast<std::uint8_t>(v[kJet4.mask + place / 8] | 1U << place % 8);
   }
-  Poner16(v, 2, static_cast<std::uint16_t>(kCapacidad - lugar));
+  Put16(v, 2, static_cast<std::uint16_t>(kCapacity - place));
 }
 
-std::strong_ordering CompararClaves(Vista a, Vista b) {
+std::strong_ordering CompareKeys(View a, View b) {
   const std::size_t n = std::min(a.size(), b.size());
-  const int orden = n == 0 ? 0 : std::memcmp(a.data(), b.data(), n);
-  return orden != 0 ? orden <=> 0 : a.size() <=> b.size();
+  const int order = n == 0 ? 0 : std::memcmp(a.data(), b.data(), n);
+  return order != 0 ? order <=> 0 : a.size() <=> b.size();
 }
 
-Bytes EntradaCompleta(Vista clave, IdFila fila) {
+Bytes MakeEntry(View key, RowId row) {
   Bytes v;
-  v.reserve(clave.size() + 2 * kCola);
-  AgregarBytes(v, clave);
-  AgregarFila(v, fila);
+  v.reserve(key.size() + 2 * kTail);
+  AppendBytes(v, key);
+  AppendRow(v, row);
   return v;
 }
 
-Bytes EntradaCompleta(Vista clave, IdFila fila, NumPagina hijo) {
-  Bytes v = EntradaCompleta(clave, fila);
-  for (int k = 24; k >= 0; k -= 8) v.push_back(static_cast<std::uint8_t>(hijo >> k));
+Bytes MakeEntry(View key, RowId row, PageNumber child) {
+  Bytes v = MakeEntry(key, row);
+  for (int k = 24; k >= 0; k -= 8) v.push_back(static_cast<std::uint8_t>(child >> k));
   return v;
 }
 

@@ -10,176 +10,174 @@ namespace mdb {
 namespace {
 
 // Far beyond what 2 GB of pages need; a damaged file ends here.
-constexpr std::size_t kNiveles = 24;
+constexpr std::size_t kLevels = 24;
 
-DatosDeArbol Datos(Paginas& paginas, NumPagina tabla, NumPagina raiz, Puntero mapa) {
-  return {paginas, tabla, raiz, mapa};
+TreeData Data(PageFile& pages, PageNumber table, PageNumber root, Pointer map) {
+  return {pages, table, root, map};
 }
 
-[[noreturn]] void LanzarVuelta(NumPagina numero) {
-  DanioEnPagina(numero, "el índice pasa dos veces por esta página");
+[[noreturn]] void ThrowCycle(PageNumber number) {
+  ThrowPageDamage(number, "el índice pasa dos veces por esta página");
 }
 
-PasoDeArbol Paso(const DatosDeArbol& arbol, NumPagina numero) {
-  bool completada = false;
-  PaginaDeIndice pagina = LeerDeArbol(arbol, numero, &completada);
-  return {std::move(pagina), 0, completada};
+TreeStep Step(const TreeData& tree, PageNumber number) {
+  bool completed = false;
+  IndexPage page = ReadTreePage(tree, number, &completed);
+  return {std::move(page), 0, completed};
 }
 
-class Recorrido {
+class Traversal {
  public:
-  Recorrido(const DatosDeArbol& arbol, const std::function<bool(Camino&)>& visita,
-            std::vector<NumPagina>* vistas)
-      : arbol_(arbol), visita_(visita), vistas_(vistas), pasada_(arbol.paginas.Cantidad(), false) {}
+  Traversal(const TreeData& tree, const std::function<bool(Path&)>& visit, std::vector<PageNumber>* seen)
+      : tree_(tree), visit_(visit), seen_(seen), visited_(tree.pages.Count(), false) {}
 
-  bool Desde(NumPagina numero) {
-    if (numero < pasada_.size()) {
-      if (pasada_[numero]) LanzarVuelta(numero);
-      pasada_[numero] = true;
+  bool WalkFrom(PageNumber number) {
+    if (number < visited_.size()) {
+      if (visited_[number]) ThrowCycle(number);
+      visited_[number] = true;
     }
-    if (camino_.size() >= kNiveles) DanioEnPagina(numero, "el índice tiene demasiados niveles");
-    camino_.push_back(Paso(arbol_, numero));
-    if (vistas_ != nullptr) vistas_->push_back(numero);
-    const std::size_t aqui = camino_.size() - 1;
-    if (camino_[aqui].pagina.hoja) {
-      if (visita_(camino_)) return true;
+    if (path_.size() >= kLevels) ThrowPageDamage(number, "el índice tiene demasiados niveles");
+    path_.push_back(Step(tree_, number));
+    if (seen_ != nullptr) seen_->push_back(number);
+    const std::size_t here = path_.size() - 1;
+    if (path_[here].page.leaf) {
+      if (visit_(path_)) return true;
     } else {
-      for (std::size_t i = 0; i <= camino_[aqui].pagina.Cantidad(); ++i) {
-        camino_[aqui].lugar = i;
-        if (Desde(camino_[aqui].pagina.Hijo(i))) return true;
+      for (std::size_t i = 0; i <= path_[here].page.Count(); ++i) {
+        path_[here].place = i;
+        if (WalkFrom(path_[here].page.Child(i))) return true;
       }
     }
-    camino_.pop_back();
+    path_.pop_back();
     return false;
   }
 
  private:
-  const DatosDeArbol& arbol_;
-  const std::function<bool(Camino&)>& visita_;
-  std::vector<NumPagina>* vistas_;
-  std::vector<bool> pasada_;
-  Camino camino_;
+  const TreeData& tree_;
+  const std::function<bool(Path&)>& visit_;
+  std::vector<PageNumber>* seen_;
+  std::vector<bool> visited_;
+  Path path_;
 };
 
 }  // namespace
 
-PaginaDeIndice LeerDeArbol(const DatosDeArbol& arbol, NumPagina numero, bool* completada) {
-  PaginaDeIndice p = PaginaDeIndice::Leer(arbol.paginas, numero, arbol.tabla);
-  if (p.hoja || p.cola != 0) return p;
-  if (p.Cantidad() == 0) DanioEnPagina(numero, "un nodo del índice no tiene hijos");
-  p.cola = p.Hijo(p.Cantidad() - 1);
-  p.Quitar(p.Cantidad() - 1, p.Cantidad());
-  if (completada != nullptr) *completada = true;
+IndexPage ReadTreePage(const TreeData& tree, PageNumber number, bool* completed) {
+  IndexPage p = IndexPage::Read(tree.pages, number, tree.table);
+  if (p.leaf || p.tail != 0) return p;
+  if (p.Count() == 0) ThrowPageDamage(number, "un nodo del índice no tiene hijos");
+  p.tail = p.Child(p.Count() - 1);
+  p.Remove(p.Count() - 1, p.Count());
+  if (completed != nullptr) *completed = true;
   return p;
 }
 
-Camino Bajar(const DatosDeArbol& arbol, Vista clave, IdFila fila) {
-  Camino camino;
-  for (NumPagina numero = arbol.raiz;;) {
-    for (const PasoDeArbol& p : camino)
-      if (p.pagina.numero == numero) LanzarVuelta(numero);
-    if (camino.size() >= kNiveles) DanioEnPagina(numero, "el índice tiene demasiados niveles");
-    camino.push_back(Paso(arbol, numero));
-    PasoDeArbol& paso = camino.back();
-    paso.lugar = paso.pagina.Primera(clave, fila);
-    if (paso.pagina.hoja) return camino;
-    numero = paso.pagina.Hijo(paso.lugar);
+Path Descend(const TreeData& tree, View key, RowId row) {
+  Path path;
+  for (PageNumber number = tree.root;;) {
+    for (const TreeStep& p : path)
+      if (p.page.number == number) ThrowCycle(number);
+    if (path.size() >= kLevels) ThrowPageDamage(number, "el índice tiene demasiados niveles");
+    path.push_back(Step(tree, number));
+    TreeStep& step = path.back();
+    step.place = step.page.LowerBound(key, row);
+    if (step.page.leaf) return path;
+    number = step.page.Child(step.place);
   }
 }
 
-bool PorHojas(const DatosDeArbol& arbol, const std::function<bool(Camino&)>& visita,
-              std::vector<NumPagina>* vistas) {
-  return Recorrido(arbol, visita, vistas).Desde(arbol.raiz);
+bool WalkLeaves(const TreeData& tree, const std::function<bool(Path&)>& visit,
+                std::vector<PageNumber>* seen) {
+  return Traversal(tree, visit, seen).WalkFrom(tree.root);
 }
 
-NumPagina NuevaPaginaDeArbol(const DatosDeArbol& arbol) {
-  const NumPagina numero = ReservarPagina(arbol.paginas);
-  if (arbol.mapa.pagina != 0) PonerEnMapa(arbol.paginas, arbol.mapa, numero);
-  return numero;
+PageNumber NewTreePage(const TreeData& tree) {
+  const PageNumber number = ReservePage(tree.pages);
+  if (tree.map.page != 0) AddToMap(tree.pages, tree.map, number);
+  return number;
 }
 
-void LiberarPaginaDeArbol(const DatosDeArbol& arbol, NumPagina numero) {
-  if (arbol.mapa.pagina != 0) QuitarDeMapa(arbol.paginas, arbol.mapa, numero);
-  LiberarPagina(arbol.paginas, numero);
+void FreeTreePage(const TreeData& tree, PageNumber number) {
+  if (tree.map.page != 0) RemoveFromMap(tree.pages, tree.map, number);
+  FreePage(tree.pages, number);
 }
 
-std::strong_ordering Entrada::operator<=>(const Entrada& otra) const {
-  const auto orden = CompararClaves(clave, otra.clave);
-  return orden != 0 ? orden : fila <=> otra.fila;
+std::strong_ordering Entry::operator<=>(const Entry& other) const {
+  const auto order = CompareKeys(key, other.key);
+  return order != 0 ? order : row <=> other.row;
 }
 
-void ArbolDeIndice::Recorrer(const std::function<bool(const Entrada&)>& visita) const {
-  Entrada entrada;
-  PorHojas(Datos(paginas_, tabla_, raiz_, mapa_), [&](Camino& camino) {
-    const PaginaDeIndice& hoja = camino.back().pagina;
-    for (std::size_t i = 0; i < hoja.Cantidad(); ++i) {
-      const Vista clave = hoja.Clave(i);
-      entrada.clave.assign(clave.begin(), clave.end());
-      entrada.fila = hoja.FilaDe(i);
-      if (!visita(entrada)) return true;
+void IndexTree::Walk(const std::function<bool(const Entry&)>& visit) const {
+  Entry entry;
+  WalkLeaves(Data(pages_, table_, root_, map_), [&](Path& path) {
+    const IndexPage& leaf = path.back().page;
+    for (std::size_t i = 0; i < leaf.Count(); ++i) {
+      const View key = leaf.Key(i);
+      entry.key.assign(key.begin(), key.end());
+      entry.row = leaf.RowOf(i);
+      if (!visit(entry)) return true;
     }
     return false;
   });
 }
 
-bool ArbolDeIndice::Hay(Vista clave) const {
-  const DatosDeArbol arbol = Datos(paginas_, tabla_, raiz_, mapa_);
-  const Camino camino = Bajar(arbol, clave, {});
-  PaginaDeIndice hoja = camino.back().pagina;
-  std::size_t i = camino.back().lugar;
-  for (NumPagina pasos = 0; i == hoja.Cantidad() && hoja.siguiente != 0; ++pasos) {
-    if (pasos > paginas_.Cantidad()) LanzarVuelta(hoja.siguiente);
-    hoja = LeerDeArbol(arbol, hoja.siguiente);
-    if (!hoja.hoja) DanioEnPagina(hoja.numero, "se esperaba una hoja de índice");
+bool IndexTree::Has(View key) const {
+  const TreeData tree = Data(pages_, table_, root_, map_);
+  const Path path = Descend(tree, key, {});
+  IndexPage leaf = path.back().page;
+  std::size_t i = path.back().place;
+  for (PageNumber steps = 0; i == leaf.Count() && leaf.next != 0; ++steps) {
+    if (steps > pages_.Count()) ThrowCycle(leaf.next);
+    leaf = ReadTreePage(tree, leaf.next);
+    if (!leaf.leaf) ThrowPageDamage(leaf.number, "se esperaba una hoja de índice");
     i = 0;
   }
-  if (i == hoja.Cantidad()) return false;
-  const Vista esta = hoja.Clave(i);
-  return std::equal(esta.begin(), esta.end(), clave.begin(), clave.end());
+  if (i == leaf.Count()) return false;
+  const View this_page = leaf.Key(i);
+  return std::equal(this_page.begin(), this_page.end(), key.begin(), key.end());
 }
 
-bool ArbolDeIndice::Tiene(Vista clave, IdFila fila) const {
-  const Camino camino = Bajar(Datos(paginas_, tabla_, raiz_, mapa_), clave, fila);
-  const PasoDeArbol& hoja = camino.back();
-  return hoja.lugar < hoja.pagina.Cantidad() && hoja.pagina.Comparar(hoja.lugar, clave, fila) == 0;
+bool IndexTree::Has(View key, RowId row) const {
+  const Path path = Descend(Data(pages_, table_, root_, map_), key, row);
+  const TreeStep& leaf = path.back();
+  return leaf.place < leaf.page.Count() && leaf.page.Compare(leaf.place, key, row) == 0;
 }
 
-void ArbolDeIndice::Insertar(Vista clave, IdFila fila) {
-  if (clave.size() > PaginaDeIndice::kClaveMaxima)
-    throw base::Error("La clave de índice es demasiado larga (" + std::to_string(clave.size()) + " bytes)");
-  const DatosDeArbol arbol = Datos(paginas_, tabla_, raiz_, mapa_);
-  Camino camino = Bajar(arbol, clave, fila);
-  PasoDeArbol& hoja = camino.back();
-  if (hoja.lugar < hoja.pagina.Cantidad() && hoja.pagina.Comparar(hoja.lugar, clave, fila) == 0)
-    DanioEnPagina(hoja.pagina.numero, "el índice ya tiene una entrada de una fila nueva");
-  hoja.pagina.Insertar(hoja.lugar, EntradaCompleta(clave, fila));
-  GuardarInsercion(arbol, camino);
+void IndexTree::Insert(View key, RowId row) {
+  if (key.size() > IndexPage::kMaxKey)
+    throw base::Error("La clave de índice es demasiado larga (" + std::to_string(key.size()) + " bytes)");
+  const TreeData tree = Data(pages_, table_, root_, map_);
+  Path path = Descend(tree, key, row);
+  TreeStep& leaf = path.back();
+  if (leaf.place < leaf.page.Count() && leaf.page.Compare(leaf.place, key, row) == 0)
+    ThrowPageDamage(leaf.page.number, "el índice ya tiene una entrada de una fila nueva");
+  leaf.page.Insert(leaf.place, MakeEntry(key, row));
+  SaveInsertion(tree, path);
 }
 
-bool ArbolDeIndice::Borrar(Vista clave, IdFila fila) {
-  const DatosDeArbol arbol = Datos(paginas_, tabla_, raiz_, mapa_);
-  Camino camino = Bajar(arbol, clave, fila);
-  const PasoDeArbol& hoja = camino.back();
-  if (hoja.lugar == hoja.pagina.Cantidad() || hoja.pagina.Comparar(hoja.lugar, clave, fila) != 0)
-    return false;
-  GuardarBorrado(arbol, camino);
+bool IndexTree::Delete(View key, RowId row) {
+  const TreeData tree = Data(pages_, table_, root_, map_);
+  Path path = Descend(tree, key, row);
+  const TreeStep& leaf = path.back();
+  if (leaf.place == leaf.page.Count() || leaf.page.Compare(leaf.place, key, row) != 0) return false;
+  SaveDeletion(tree, path);
   return true;
 }
 
-bool ArbolDeIndice::BorrarPorFila(IdFila fila) {
-  const DatosDeArbol arbol = Datos(paginas_, tabla_, raiz_, mapa_);
-  Camino encontrado;
-  PorHojas(arbol, [&](Camino& camino) {
-    PasoDeArbol& hoja = camino.back();
-    for (hoja.lugar = 0; hoja.lugar < hoja.pagina.Cantidad(); ++hoja.lugar)
-      if (hoja.pagina.FilaDe(hoja.lugar) == fila) {
-        encontrado = std::move(camino);
+bool IndexTree::DeleteByRow(RowId row) {
+  const TreeData tree = Data(pages_, table_, root_, map_);
+  Path found;
+  WalkLeaves(tree, [&](Path& path) {
+    TreeStep& leaf = path.back();
+    for (leaf.place = 0; leaf.place < leaf.page.Count(); ++leaf.place)
+      if (leaf.page.RowOf(leaf.place) == row) {
+        found = std::move(path);
         return true;
       }
     return false;
   });
-  if (encontrado.empty()) return false;
-  GuardarBorrado(arbol, encontrado);
+  if (found.empty()) return false;
+  SaveDeletion(tree, found);
   return true;
 }
 

@@ -9,44 +9,44 @@
 
 namespace mdb {
 
-struct Entrada {
-  Bytes clave;
-  IdFila fila;
-  std::strong_ordering operator<=>(const Entrada& otra) const;  // the order of the leaves
-  bool operator==(const Entrada&) const = default;
+struct Entry {
+  Bytes key;
+  RowId row;
+  std::strong_ordering operator<=>(const Entry& other) const;  // the order of the leaves
+  bool operator==(const Entry&) const = default;
 };
 
-class ArbolDeIndice {
+class IndexTree {
  public:
-  // `tabla` is the page of the definition, written into each index page.
-  ArbolDeIndice(Paginas& paginas, NumPagina tabla, const IndiceReal& indice)
-      : paginas_(paginas), tabla_(tabla), raiz_(indice.raiz), mapa_(indice.mapa) {}
+  // `table` is the page of the definition, written into each index page.
+  IndexTree(PageFile& pages, PageNumber table, const RealIndex& index)
+      : pages_(pages), table_(table), root_(index.root), map_(index.map) {}
 
-  // In the order of the leaves; false ends the walk. Prefixes are undone. Throws Danio on pages that come
+  // In the order of the leaves; false ends the walk. Prefixes are undone. Throws Damage on pages that come
   // back, are of another type or table.
-  void Recorrer(const std::function<bool(const Entrada&)>& visita) const;
+  void Walk(const std::function<bool(const Entry&)>& visit) const;
   // Whether there is an entry with this key, whatever its row.
-  bool Hay(Vista clave) const;
-  bool Tiene(Vista clave, IdFila fila) const;
+  bool Has(View key) const;
+  bool Has(View key, RowId row) const;
   // The entry must not be there. The root keeps its page number.
-  void Insertar(Vista clave, IdFila fila);
+  void Insert(View key, RowId row);
   // False when it is not there.
-  bool Borrar(Vista clave, IdFila fila);
+  bool Delete(View key, RowId row);
   // Removes the entry of a row whatever its key, by walking all leaves; for keys that another program made
   // otherwise.
-  bool BorrarPorFila(IdFila fila);
+  bool DeleteByRow(RowId row);
   // Fills an empty tree from sorted entries, pages well filled.
-  void Construir(const std::vector<Entrada>& ordenadas);
+  void Build(const std::vector<Entry>& sorted);
   // Frees all pages but the root, which becomes an empty leaf.
-  void Vaciar();
+  void Clear();
 
  private:
-  Paginas& paginas_;
-  NumPagina tabla_, raiz_;
-  Puntero mapa_;
+  PageFile& pages_;
+  PageNumber table_, root_;
+  Pointer map_;
 };
 
 // A new root: an empty leaf, entered in the map.
-NumPagina NuevaRaiz(Paginas& paginas, NumPagina tabla, Puntero mapa);
+PageNumber CreateRoot(PageFile& pages, PageNumber table, Pointer map);
 
 }  // namespace mdb

@@ -8,111 +8,108 @@ namespace mdb {
 namespace {
 
 // A sixteenth stays free on each page, so that the next changes do not split all of them.
-constexpr std::size_t kLleno = PaginaDeIndice::kCapacidad / 16 * 15;
+constexpr std::size_t kFull = IndexPage::kCapacity / 16 * 15;
 
 // What a page of some level is made of: an entry of a leaf, or a child with the last entry below it.
-struct Pieza {
-  const Entrada* entrada = nullptr;
-  NumPagina hija = 0;
-  std::size_t Bytes() const { return entrada->clave.size() + (hija == 0 ? 4 : 8); }
+struct Piece {
+  const Entry* entry = nullptr;
+  PageNumber child = 0;
+  std::size_t Bytes() const { return entry->key.size() + (child == 0 ? 4 : 8); }
 };
 
 // Where each page's pieces end. A leaf holds all of its pieces as entries, a node all but its last one, and
 // two at least.
-std::vector<std::size_t> Fines(const std::vector<Pieza>& piezas, bool hojas) {
-  const std::size_t menos = hojas ? 1 : 2;
-  std::vector<std::size_t> fines;
-  std::size_t desde = 0, bytes = 0;
-  for (std::size_t i = 0; i < piezas.size(); ++i) {
-    std::size_t mas = 0;  // what this piece adds to the page
-    if (hojas || i > desde) mas = piezas[hojas ? i : i - 1].Bytes();
-    if (i >= desde + menos && bytes + mas > kLleno) {
-      fines.push_back(i);
-      desde = i;
+std::vector<std::size_t> Ends(const std::vector<Piece>& pieces, bool leaves) {
+  const std::size_t minus = leaves ? 1 : 2;
+  std::vector<std::size_t> ends;
+  std::size_t from = 0, bytes = 0;
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    std::size_t more = 0;  // what this piece adds to the page
+    if (leaves || i > from) more = pieces[leaves ? i : i - 1].Bytes();
+    if (i >= from + minus && bytes + more > kFull) {
+      ends.push_back(i);
+      from = i;
       bytes = 0;
-      mas = hojas ? mas : 0;
+      more = leaves ? more : 0;
     }
-    bytes += mas;
+    bytes += more;
   }
-  if (!hojas && !fines.empty() && piezas.size() - fines.back() < menos) {
+  if (!leaves && !ends.empty() && pieces.size() - ends.back() < minus) {
     // One child is left over: the page before gives one away, or takes it in when it has but two itself.
-    const std::size_t antes = fines.size() > 1 ? fines[fines.size() - 2] : 0;
-    if (fines.back() - antes > menos)
-      --fines.back();
+    const std::size_t before = ends.size() > 1 ? ends[ends.size() - 2] : 0;
+    if (ends.back() - before > minus)
+      --ends.back();
     else
-      fines.pop_back();
+      ends.pop_back();
   }
-  fines.push_back(piezas.size());
-  return fines;
+  ends.push_back(pieces.size());
+  return ends;
 }
 
-void Llenar(PaginaDeIndice& p, const std::vector<Pieza>& piezas, std::size_t desde, std::size_t hasta) {
-  for (std::size_t i = desde; i < hasta; ++i) {
-    const Entrada& e = *piezas[i].entrada;
-    if (p.hoja)
-      p.Insertar(p.Cantidad(), EntradaCompleta(e.clave, e.fila));
-    else if (i + 1 < hasta)
-      p.Insertar(p.Cantidad(), EntradaCompleta(e.clave, e.fila, piezas[i].hija));
+void Fill(IndexPage& p, const std::vector<Piece>& pieces, std::size_t from, std::size_t to) {
+  for (std::size_t i = from; i < to; ++i) {
+    const Entry& e = *pieces[i].entry;
+    if (p.leaf)
+      p.Insert(p.Count(), MakeEntry(e.key, e.row));
+    else if (i + 1 < to)
+      p.Insert(p.Count(), MakeEntry(e.key, e.row, pieces[i].child));
     else
-      p.cola = piezas[i].hija;
+      p.tail = pieces[i].child;
   }
 }
 
 // Writes one level and returns its pages as the pieces of the next; a level of one page is the root.
-std::vector<Pieza> EscribirNivel(const DatosDeArbol& arbol, const std::vector<Pieza>& piezas,
-                                 std::uint8_t nivel) {
-  const std::vector<std::size_t> fines = Fines(piezas, nivel == 0);
-  std::vector<NumPagina> numeros(fines.size(), arbol.raiz);
-  if (fines.size() > 1)
-    std::generate(numeros.begin(), numeros.end(), [&] { return NuevaPaginaDeArbol(arbol); });
-  std::vector<Pieza> siguientes;
-  for (std::size_t k = 0; k < fines.size(); ++k) {
-    PaginaDeIndice p(numeros[k], nivel == 0);
-    p.nivel = nivel;
-    p.anterior = k == 0 ? 0 : numeros[k - 1];
-    p.siguiente = k + 1 == fines.size() ? 0 : numeros[k + 1];
-    Llenar(p, piezas, k == 0 ? 0 : fines[k - 1], fines[k]);
-    p.Escribir(arbol.paginas, arbol.tabla);
-    siguientes.push_back({piezas[fines[k] - 1].entrada, numeros[k]});
+std::vector<Piece> WriteLevel(const TreeData& tree, const std::vector<Piece>& pieces, std::uint8_t level) {
+  const std::vector<std::size_t> ends = Ends(pieces, level == 0);
+  std::vector<PageNumber> numbers(ends.size(), tree.root);
+  if (ends.size() > 1) std::generate(numbers.begin(), numbers.end(), [&] { return NewTreePage(tree); });
+  std::vector<Piece> next_level;
+  for (std::size_t k = 0; k < ends.size(); ++k) {
+    IndexPage p(numbers[k], level == 0);
+    p.level = level;
+    p.previous = k == 0 ? 0 : numbers[k - 1];
+    p.next = k + 1 == ends.size() ? 0 : numbers[k + 1];
+    Fill(p, pieces, k == 0 ? 0 : ends[k - 1], ends[k]);
+    p.Write(tree.pages, tree.table);
+    next_level.push_back({pieces[ends[k] - 1].entry, numbers[k]});
   }
-  return siguientes;
+  return next_level;
 }
 
 }  // namespace
 
-void ArbolDeIndice::Construir(const std::vector<Entrada>& ordenadas) {
-  const DatosDeArbol arbol{paginas_, tabla_, raiz_, mapa_};
-  const PaginaDeIndice raiz = LeerDeArbol(arbol, raiz_);
-  if (!raiz.hoja || raiz.Cantidad() != 0) DanioEnPagina(raiz_, "el índice por construir no está vacío");
-  if (ordenadas.empty()) return;
-  std::vector<Pieza> piezas;
-  piezas.reserve(ordenadas.size());
-  for (const Entrada& e : ordenadas) {
-    if (e.clave.size() > PaginaDeIndice::kClaveMaxima)
-      throw base::Error("La clave de índice es demasiado larga (" + std::to_string(e.clave.size()) +
-                        " bytes)");
-    piezas.push_back({&e});
+void IndexTree::Build(const std::vector<Entry>& sorted) {
+  const TreeData tree{pages_, table_, root_, map_};
+  const IndexPage root = ReadTreePage(tree, root_);
+  if (!root.leaf || root.Count() != 0) ThrowPageDamage(root_, "el índice por construir no está vacío");
+  if (sorted.empty()) return;
+  std::vector<Piece> pieces;
+  pieces.reserve(sorted.size());
+  for (const Entry& e : sorted) {
+    if (e.key.size() > IndexPage::kMaxKey)
+      throw base::Error("La clave de índice es demasiado larga (" + std::to_string(e.key.size()) + " bytes)");
+    pieces.push_back({&e});
   }
-  std::uint8_t nivel = 0;
-  do piezas = EscribirNivel(arbol, piezas, nivel++);
-  while (piezas.size() > 1);
+  std::uint8_t level = 0;
+  do pieces = WriteLevel(tree, pieces, level++);
+  while (pieces.size() > 1);
 }
 
-void ArbolDeIndice::Vaciar() {
-  const DatosDeArbol arbol{paginas_, tabla_, raiz_, mapa_};
-  std::vector<NumPagina> vistas;
-  PorHojas(
-      arbol, [](Camino&) { return false; }, &vistas);
-  for (const NumPagina numero : vistas)
-    if (numero != raiz_) LiberarPaginaDeArbol(arbol, numero);
-  PaginaDeIndice(raiz_, true).Escribir(paginas_, tabla_);
+void IndexTree::Clear() {
+  const TreeData tree{pages_, table_, root_, map_};
+  std::vector<PageNumber> seen;
+  WalkLeaves(
+      tree, [](Path&) { return false; }, &seen);
+  for (const PageNumber number : seen)
+    if (number != root_) FreeTreePage(tree, number);
+  IndexPage(root_, true).Write(pages_, table_);
 }
 
-NumPagina NuevaRaiz(Paginas& paginas, NumPagina tabla, Puntero mapa) {
-  const DatosDeArbol arbol{paginas, tabla, 0, mapa};
-  const NumPagina numero = NuevaPaginaDeArbol(arbol);
-  PaginaDeIndice(numero, true).Escribir(paginas, tabla);
-  return numero;
+PageNumber CreateRoot(PageFile& pages, PageNumber table, Pointer map) {
+  const TreeData tree{pages, table, 0, map};
+  const PageNumber number = NewTreePage(tree);
+  IndexPage(number, true).Write(pages, table);
+  return number;
 }
 
 }  // namespace mdb

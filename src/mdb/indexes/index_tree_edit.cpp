@@ -6,284 +6,280 @@
 namespace mdb {
 namespace {
 
-constexpr std::size_t kCapacidad = PaginaDeIndice::kCapacidad;
+constexpr std::size_t kCapacity = IndexPage::kCapacity;
 
 // Where the fields of the neighbours stand.
-constexpr std::size_t kAnterior = 12, kSiguiente = 16;
+constexpr std::size_t kPrevious = 12, kNext = 16;
 
-void PonerVecina(const DatosDeArbol& arbol, NumPagina de, std::size_t campo, NumPagina valor) {
-  if (de == 0) return;
-  PaginaDeIndice::Leer(arbol.paginas, de, arbol.tabla);  // throws when it is no page of the index
-  Poner32(arbol.paginas.Modificar(de), campo, valor);
+void SetNeighbour(const TreeData& tree, PageNumber from, std::size_t field, PageNumber value) {
+  if (from == 0) return;
+  IndexPage::Read(tree.pages, from, tree.table);  // throws when it is no page of the index
+  Put32(tree.pages.Modify(from), field, value);
 }
 
 // How many entries go to the new page at the left.
-std::size_t Corte(const PasoDeArbol& paso) {
-  const PaginaDeIndice& p = paso.pagina;
-  const std::size_t n = p.Cantidad();
-  if (n < 2) DanioEnPagina(p.numero, "una entrada del índice no cabe en una página");
+std::size_t CutPoint(const TreeStep& step) {
+  const IndexPage& p = step.page;
+  const std::size_t n = p.Count();
+  if (n < 2) ThrowPageDamage(p.number, "una entrada del índice no cabe en una página");
   // Runs that rise or fall leave full pages behind.
-  if (p.siguiente == 0 && paso.lugar + 1 >= n) return n - 1;
-  if (p.hoja && p.anterior == 0 && paso.lugar == 0) return 1;
+  if (p.next == 0 && step.place + 1 >= n) return n - 1;
+  if (p.leaf && p.previous == 0 && step.place == 0) return 1;
   std::size_t k = 0;
-  for (std::size_t bytes = 0; 2 * bytes < p.BytesSinPrefijo(); ++k) bytes += p.Completa(k).size();
+  for (std::size_t bytes = 0; 2 * bytes < p.BytesWithoutPrefix(); ++k) bytes += p.Whole(k).size();
   // A node keeps at least two children on both sides.
-  return std::clamp<std::size_t>(k, p.hoja || n < 3 ? 1 : 2, n - 1);
+  return std::clamp<std::size_t>(k, p.leaf || n < 3 ? 1 : 2, n - 1);
 }
 
 // The first `k` entries of `p`. Of a node, the last of them becomes the tail.
-PaginaDeIndice Izquierda(const PaginaDeIndice& p, NumPagina numero, std::size_t k) {
-  PaginaDeIndice izquierda(numero, p.hoja);
-  izquierda.nivel = p.nivel;
-  izquierda.prefijo = p.prefijo;
-  izquierda.Agregar(p, 0, p.hoja ? k : k - 1);
-  if (!p.hoja) izquierda.cola = p.Hijo(k - 1);
-  return izquierda;
+IndexPage LeftPart(const IndexPage& p, PageNumber number, std::size_t k) {
+  IndexPage left(number, p.leaf);
+  left.level = p.level;
+  left.prefix = p.prefix;
+  left.Append(p, 0, p.leaf ? k : k - 1);
+  if (!p.leaf) left.tail = p.Child(k - 1);
+  return left;
 }
 
-void Partir(const DatosDeArbol& arbol, Camino& camino, std::size_t nivel) {
-  PaginaDeIndice& p = camino[nivel].pagina;
-  std::size_t k = Corte(camino[nivel]);
-  PaginaDeIndice izquierda = Izquierda(p, 0, k);
-  while (k > 1 && !izquierda.Cabe()) izquierda = Izquierda(p, 0, --k);
-  if (!izquierda.Cabe()) DanioEnPagina(p.numero, "una entrada del índice no cabe en una página");
-  izquierda.numero = NuevaPaginaDeArbol(arbol);
+void Split(const TreeData& tree, Path& path, std::size_t level) {
+  IndexPage& p = path[level].page;
+  std::size_t k = CutPoint(path[level]);
+  IndexPage left = LeftPart(p, 0, k);
+  while (k > 1 && !left.Fits()) left = LeftPart(p, 0, --k);
+  if (!left.Fits()) ThrowPageDamage(p.number, "una entrada del índice no cabe en una página");
+  left.number = NewTreePage(tree);
 
-  PasoDeArbol& padre = camino[nivel - 1];
-  padre.pagina.Insertar(padre.lugar, EntradaCompleta(p.Clave(k - 1), p.FilaDe(k - 1), izquierda.numero));
-  ++padre.lugar;
-  padre.cambiada = true;
+  TreeStep& parent = path[level - 1];
+  parent.page.Insert(parent.place, MakeEntry(p.Key(k - 1), p.RowOf(k - 1), left.number));
+  ++parent.place;
+  parent.changed = true;
 
-  izquierda.anterior = p.anterior;
-  izquierda.siguiente = p.numero;
-  PonerSiguiente(arbol, p.anterior, izquierda.numero);
-  p.anterior = izquierda.numero;
-  izquierda.Escribir(arbol.paginas, arbol.tabla);
-  p.Quitar(0, k);
-  camino[nivel].lugar -= std::min(camino[nivel].lugar, k);
+  left.previous = p.previous;
+  left.next = p.number;
+  SetNext(tree, p.previous, left.number);
+  p.previous = left.number;
+  left.Write(tree.pages, tree.table);
+  p.Remove(0, k);
+  path[level].place -= std::min(path[level].place, k);
 }
 
 // The content of the root goes to a page of its own; the root stays where it is, as a node over it.
-void BajarRaiz(const DatosDeArbol& arbol, Camino& camino) {
-  PasoDeArbol raiz{PaginaDeIndice(arbol.raiz, false)};
-  camino[0].pagina.numero = raiz.pagina.cola = NuevaPaginaDeArbol(arbol);
-  raiz.pagina.nivel = static_cast<std::uint8_t>(camino[0].pagina.nivel + 1);
-  raiz.cambiada = true;
-  camino.insert(camino.begin(), std::move(raiz));
+void LowerRoot(const TreeData& tree, Path& path) {
+  TreeStep root{IndexPage(tree.root, false)};
+  path[0].page.number = root.page.tail = NewTreePage(tree);
+  root.page.level = static_cast<std::uint8_t>(path[0].page.level + 1);
+  root.changed = true;
+  path.insert(path.begin(), std::move(root));
 }
 
-bool Vacia(const PaginaDeIndice& p) { return p.Cantidad() == 0 && (p.hoja || p.cola == 0); }
+bool IsEmpty(const IndexPage& p) { return p.Count() == 0 && (p.leaf || p.tail == 0); }
 
-bool Corta(const PaginaDeIndice& p) {
-  return (!p.hoja && p.Cantidad() == 0) || 4 * p.BytesSinPrefijo() < kCapacidad;
+bool IsShort(const IndexPage& p) {
+  return (!p.leaf && p.Count() == 0) || 4 * p.BytesWithoutPrefix() < kCapacity;
 }
 
-// Takes child `padre.lugar` out of the node at `nivel`.
-void QuitarHijo(Camino& camino, std::size_t nivel) {
-  PasoDeArbol& paso = camino[nivel];
-  PaginaDeIndice& p = paso.pagina;
-  paso.cambiada = true;
-  const std::size_t n = p.Cantidad();
-  if (paso.lugar < n) return p.Quitar(paso.lugar, paso.lugar + 1);
+// Takes child `parent.place` out of the node at `level`.
+void RemoveChild(Path& path, std::size_t level) {
+  TreeStep& step = path[level];
+  IndexPage& p = step.page;
+  step.changed = true;
+  const std::size_t n = p.Count();
+  if (step.place < n) return p.Remove(step.place, step.place + 1);
   if (n == 0) {
-    p.cola = 0;
+    p.tail = 0;
     return;
   }
   // The tail goes: the child before it becomes the tail, and its key that of the whole node.
-  const Vista clave = p.Clave(n - 1);
-  const Bytes copia(clave.begin(), clave.end());
-  const IdFila fila = p.FilaDe(n - 1);
-  p.cola = p.Hijo(n - 1);
-  p.Quitar(n - 1, n);
-  paso.lugar = n - 1;
-  PonerClaveArriba(camino, nivel, copia, fila);
+  const View key = p.Key(n - 1);
+  const Bytes copy(key.begin(), key.end());
+  const RowId row = p.RowOf(n - 1);
+  p.tail = p.Child(n - 1);
+  p.Remove(n - 1, n);
+  step.place = n - 1;
+  PutKeyAbove(path, level, copy, row);
 }
 
-void Desenganchar(const DatosDeArbol& arbol, const PaginaDeIndice& p) {
-  PonerSiguiente(arbol, p.anterior, p.siguiente);
-  PonerAnterior(arbol, p.siguiente, p.anterior);
-  LiberarPaginaDeArbol(arbol, p.numero);
+void Unlink(const TreeData& tree, const IndexPage& p) {
+  SetNext(tree, p.previous, p.next);
+  SetPrevious(tree, p.next, p.previous);
+  FreeTreePage(tree, p.number);
 }
 
-// `izquierda` and what stands in `derecha`, as one page with the number of `derecha`. The left one is named
+// `left` and what stands in `right`, as one page with the number of `right`. The left one is named
 // in the node above by an entry, whose key is that of its last child.
-PaginaDeIndice Unidas(const PaginaDeIndice& izquierda, const PaginaDeIndice& derecha,
-                      const PaginaDeIndice& padre, std::size_t lugar) {
-  PaginaDeIndice p(derecha.numero, derecha.hoja);
-  p.nivel = derecha.nivel;
-  p.prefijo = std::max(izquierda.prefijo, derecha.prefijo);
-  p.anterior = izquierda.anterior;
-  p.siguiente = derecha.siguiente;
-  p.cola = derecha.cola;
-  p.Agregar(izquierda, 0, izquierda.Cantidad());
-  if (!p.hoja)
-    p.Insertar(p.Cantidad(), EntradaCompleta(padre.Clave(lugar), padre.FilaDe(lugar), izquierda.cola));
-  p.Agregar(derecha, 0, derecha.Cantidad());
+IndexPage Merged(const IndexPage& left, const IndexPage& right, const IndexPage& parent, std::size_t place) {
+  IndexPage p(right.number, right.leaf);
+  p.level = right.level;
+  p.prefix = std::max(left.prefix, right.prefix);
+  p.previous = left.previous;
+  p.next = right.next;
+  p.tail = right.tail;
+  p.Append(left, 0, left.Count());
+  if (!p.leaf) p.Insert(p.Count(), MakeEntry(parent.Key(place), parent.RowOf(place), left.tail));
+  p.Append(right, 0, right.Count());
   return p;
 }
 
-PaginaDeIndice LeerHermana(const DatosDeArbol& arbol, const PaginaDeIndice& de, NumPagina numero) {
-  PaginaDeIndice p = LeerDeArbol(arbol, numero);
-  if (p.hoja != de.hoja || numero == de.numero)
-    DanioEnPagina(numero, "las páginas de un nivel del índice no son de la misma clase");
+IndexPage ReadSibling(const TreeData& tree, const IndexPage& from, PageNumber number) {
+  IndexPage p = ReadTreePage(tree, number);
+  if (p.leaf != from.leaf || number == from.number)
+    ThrowPageDamage(number, "las páginas de un nivel del índice no son de la misma clase");
   return p;
 }
 
 // A node with its tail alone takes a child of a neighbour which is too full to be joined with it.
-void TomarHijo(const DatosDeArbol& arbol, Camino& camino, std::size_t nivel, PaginaDeIndice& hermana,
-               bool derecha) {
-  PaginaDeIndice& p = camino[nivel].pagina;
-  PasoDeArbol& padre = camino[nivel - 1];
-  const std::size_t lugar = derecha ? padre.lugar : padre.lugar - 1;  // of the left one of the two
-  const std::size_t va = derecha ? 0 : hermana.Cantidad() - 1;
-  const Bytes separa =
-      EntradaCompleta(hermana.Clave(va), hermana.FilaDe(va), derecha ? p.numero : hermana.numero);
-  const Vista clave = padre.pagina.Clave(lugar);
-  const IdFila fila = padre.pagina.FilaDe(lugar);
-  if (derecha) {
-    p.Insertar(0, EntradaCompleta(clave, fila, p.cola));
-    p.cola = hermana.Hijo(0);
+void TakeChild(const TreeData& tree, Path& path, std::size_t level, IndexPage& sibling, bool right) {
+  IndexPage& p = path[level].page;
+  TreeStep& parent = path[level - 1];
+  const std::size_t place = right ? parent.place : parent.place - 1;  // of the left one of the two
+  const std::size_t moving = right ? 0 : sibling.Count() - 1;
+  const Bytes separator =
+      MakeEntry(sibling.Key(moving), sibling.RowOf(moving), right ? p.number : sibling.number);
+  const View key = parent.page.Key(place);
+  const RowId row = parent.page.RowOf(place);
+  if (right) {
+    p.Insert(0, MakeEntry(key, row, p.tail));
+    p.tail = sibling.Child(0);
   } else {
-    p.Insertar(0, EntradaCompleta(clave, fila, hermana.cola));
-    hermana.cola = hermana.Hijo(va);
+    p.Insert(0, MakeEntry(key, row, sibling.tail));
+    sibling.tail = sibling.Child(moving);
   }
-  hermana.Quitar(va, va + 1);
-  hermana.Escribir(arbol.paginas, arbol.tabla);
-  padre.pagina.Reemplazar(lugar, separa);
-  padre.cambiada = true;
+  sibling.Remove(moving, moving + 1);
+  sibling.Write(tree.pages, tree.table);
+  parent.page.Replace(place, separator);
+  parent.changed = true;
 }
 
-// Joins the page at `nivel` with a neighbour below the same node where the two fill less than three quarters
+// Joins the page at `level` with a neighbour below the same node where the two fill less than three quarters
 // of a page, always into the right one of them, so that no other key changes. True when the page is gone.
-bool Juntar(const DatosDeArbol& arbol, Camino& camino, std::size_t nivel) {
-  PasoDeArbol &paso = camino[nivel], &padre = camino[nivel - 1];
-  const bool sola = !paso.pagina.hoja && paso.pagina.Cantidad() == 0;
-  const std::size_t tope = sola ? kCapacidad : kCapacidad / 4 * 3;
-  if (padre.lugar < padre.pagina.Cantidad()) {
-    PaginaDeIndice hermana = LeerHermana(arbol, paso.pagina, padre.pagina.Hijo(padre.lugar + 1));
-    PaginaDeIndice junta = Unidas(paso.pagina, hermana, padre.pagina, padre.lugar);
-    if (junta.BytesSinPrefijo() <= tope) {
-      junta.Escribir(arbol.paginas, arbol.tabla);
-      PonerSiguiente(arbol, junta.anterior, junta.numero);
-      LiberarPaginaDeArbol(arbol, paso.pagina.numero);
-      padre.pagina.Quitar(padre.lugar, padre.lugar + 1);
-      padre.cambiada = true;
+bool Merge(const TreeData& tree, Path& path, std::size_t level) {
+  TreeStep &step = path[level], &parent = path[level - 1];
+  const bool alone = !step.page.leaf && step.page.Count() == 0;
+  const std::size_t limit = alone ? kCapacity : kCapacity / 4 * 3;
+  if (parent.place < parent.page.Count()) {
+    IndexPage sibling = ReadSibling(tree, step.page, parent.page.Child(parent.place + 1));
+    IndexPage merged = Merged(step.page, sibling, parent.page, parent.place);
+    if (merged.BytesWithoutPrefix() <= limit) {
+      merged.Write(tree.pages, tree.table);
+      SetNext(tree, merged.previous, merged.number);
+      FreeTreePage(tree, step.page.number);
+      parent.page.Remove(parent.place, parent.place + 1);
+      parent.changed = true;
       return true;
     }
-    if (sola && hermana.Cantidad() > 1) {
-      TomarHijo(arbol, camino, nivel, hermana, true);
+    if (alone && sibling.Count() > 1) {
+      TakeChild(tree, path, level, sibling, true);
       return false;
     }
   }
-  if (padre.lugar == 0) return false;
-  PaginaDeIndice hermana = LeerHermana(arbol, paso.pagina, padre.pagina.Hijo(padre.lugar - 1));
-  PaginaDeIndice junta = Unidas(hermana, paso.pagina, padre.pagina, padre.lugar - 1);
-  if (junta.BytesSinPrefijo() <= tope) {
-    PonerSiguiente(arbol, junta.anterior, junta.numero);
-    LiberarPaginaDeArbol(arbol, hermana.numero);
-    padre.pagina.Quitar(padre.lugar - 1, padre.lugar);
-    --padre.lugar;
-    padre.cambiada = true;
-    paso.pagina = std::move(junta);
-  } else if (sola && hermana.Cantidad() > 1) {
-    TomarHijo(arbol, camino, nivel, hermana, false);
+  if (parent.place == 0) return false;
+  IndexPage sibling = ReadSibling(tree, step.page, parent.page.Child(parent.place - 1));
+  IndexPage merged = Merged(sibling, step.page, parent.page, parent.place - 1);
+  if (merged.BytesWithoutPrefix() <= limit) {
+    SetNext(tree, merged.previous, merged.number);
+    FreeTreePage(tree, sibling.number);
+    parent.page.Remove(parent.place - 1, parent.place);
+    --parent.place;
+    parent.changed = true;
+    step.page = std::move(merged);
+  } else if (alone && sibling.Count() > 1) {
+    TakeChild(tree, path, level, sibling, false);
   }
   return false;
 }
 
 // A root with one child gives way to it, as often as that is so; one without any becomes an empty leaf.
-void AplanarRaiz(const DatosDeArbol& arbol, Camino& camino) {
-  PasoDeArbol& raiz = camino[0];
-  while (!raiz.pagina.hoja && raiz.pagina.Cantidad() == 0) {
-    raiz.cambiada = true;
-    if (raiz.pagina.cola == 0) {
-      raiz.pagina = PaginaDeIndice(arbol.raiz, true);
+void FlattenRoot(const TreeData& tree, Path& path) {
+  TreeStep& root = path[0];
+  while (!root.page.leaf && root.page.Count() == 0) {
+    root.changed = true;
+    if (root.page.tail == 0) {
+      root.page = IndexPage(tree.root, true);
       return;
     }
-    const NumPagina hijo = raiz.pagina.cola;
-    const auto nivel = static_cast<std::uint8_t>(raiz.pagina.nivel - 1);
-    raiz.pagina = LeerDeArbol(arbol, hijo);
-    raiz.pagina.numero = arbol.raiz;
-    raiz.pagina.nivel = nivel;
-    raiz.pagina.anterior = raiz.pagina.siguiente = 0;
-    LiberarPaginaDeArbol(arbol, hijo);
+    const PageNumber child = root.page.tail;
+    const auto level = static_cast<std::uint8_t>(root.page.level - 1);
+    root.page = ReadTreePage(tree, child);
+    root.page.number = tree.root;
+    root.page.level = level;
+    root.page.previous = root.page.next = 0;
+    FreeTreePage(tree, child);
   }
 }
 
 // The distances from the leaves, which not every program keeps.
-void PonerNiveles(Camino& camino) {
-  for (std::size_t i = 0; i < camino.size(); ++i)
-    camino[i].pagina.nivel = static_cast<std::uint8_t>(camino.size() - 1 - i);
+void SetLevels(Path& path) {
+  for (std::size_t i = 0; i < path.size(); ++i)
+    path[i].page.level = static_cast<std::uint8_t>(path.size() - 1 - i);
 }
 
-// Writes what has changed, from the page that stands `debajo` pages from the end of the way upwards: a root
+// Writes what has changed, from the page that stands `below` pages from the end of the way upwards: a root
 // that is split makes the way longer at its start. A longer key above, as a removal may leave one, splits
 // too.
-void GuardarDesde(const DatosDeArbol& arbol, Camino& camino, std::size_t debajo) {
-  for (; debajo <= camino.size(); ++debajo)
-    if (camino[camino.size() - debajo].cambiada) GuardarPaso(arbol, camino, camino.size() - debajo);
+void SaveFrom(const TreeData& tree, Path& path, std::size_t below) {
+  for (; below <= path.size(); ++below)
+    if (path[path.size() - below].changed) SaveStep(tree, path, path.size() - below);
 }
 
 }  // namespace
 
-void PonerAnterior(const DatosDeArbol& arbol, NumPagina de, NumPagina anterior) {
-  PonerVecina(arbol, de, kAnterior, anterior);
+void SetPrevious(const TreeData& tree, PageNumber from, PageNumber previous) {
+  SetNeighbour(tree, from, kPrevious, previous);
 }
 
-void PonerSiguiente(const DatosDeArbol& arbol, NumPagina de, NumPagina siguiente) {
-  PonerVecina(arbol, de, kSiguiente, siguiente);
+void SetNext(const TreeData& tree, PageNumber from, PageNumber next) {
+  SetNeighbour(tree, from, kNext, next);
 }
 
-void PonerClaveArriba(Camino& camino, std::size_t nivel, Vista clave, IdFila fila) {
-  while (nivel-- > 0) {
-    PasoDeArbol& paso = camino[nivel];
-    if (paso.lugar == paso.pagina.Cantidad()) continue;  // the tail: its key stands further up, if anywhere
-    if (paso.pagina.Comparar(paso.lugar, clave, fila) == 0) return;
-    paso.pagina.Reemplazar(paso.lugar, EntradaCompleta(clave, fila, paso.pagina.Hijo(paso.lugar)));
-    paso.cambiada = true;
+void PutKeyAbove(Path& path, std::size_t level, View key, RowId row) {
+  while (level-- > 0) {
+    TreeStep& step = path[level];
+    if (step.place == step.page.Count()) continue;  // the tail: its key stands further up, if anywhere
+    if (step.page.Compare(step.place, key, row) == 0) return;
+    step.page.Replace(step.place, MakeEntry(key, row, step.page.Child(step.place)));
+    step.changed = true;
     return;
   }
 }
 
-void GuardarPaso(const DatosDeArbol& arbol, Camino& camino, std::size_t nivel) {
-  const std::size_t debajo = camino.size() - nivel;  // pages from here to the leaf, which a new root leaves
-  while (!camino[camino.size() - debajo].pagina.Cabe()) {
-    if (debajo == camino.size()) BajarRaiz(arbol, camino);
-    Partir(arbol, camino, camino.size() - debajo);
+void SaveStep(const TreeData& tree, Path& path, std::size_t level) {
+  const std::size_t below = path.size() - level;  // pages from here to the leaf, which a new root leaves
+  while (!path[path.size() - below].page.Fits()) {
+    if (below == path.size()) LowerRoot(tree, path);
+    Split(tree, path, path.size() - below);
   }
-  camino[camino.size() - debajo].pagina.Escribir(arbol.paginas, arbol.tabla);
+  path[path.size() - below].page.Write(tree.pages, tree.table);
 }
 
-void GuardarInsercion(const DatosDeArbol& arbol, Camino& camino) {
-  PonerNiveles(camino);
-  PasoDeArbol& hoja = camino.back();
-  hoja.cambiada = true;
-  if (hoja.lugar + 1 == hoja.pagina.Cantidad())
-    PonerClaveArriba(camino, camino.size() - 1, hoja.pagina.Clave(hoja.lugar),
-                     hoja.pagina.FilaDe(hoja.lugar));
-  GuardarDesde(arbol, camino, 1);
+void SaveInsertion(const TreeData& tree, Path& path) {
+  SetLevels(path);
+  TreeStep& leaf = path.back();
+  leaf.changed = true;
+  if (leaf.place + 1 == leaf.page.Count())
+    PutKeyAbove(path, path.size() - 1, leaf.page.Key(leaf.place), leaf.page.RowOf(leaf.place));
+  SaveFrom(tree, path, 1);
 }
 
-void GuardarBorrado(const DatosDeArbol& arbol, Camino& camino) {
-  PonerNiveles(camino);
-  PasoDeArbol& hoja = camino.back();
-  hoja.pagina.Quitar(hoja.lugar, hoja.lugar + 1);
-  hoja.cambiada = true;
-  const std::size_t n = hoja.pagina.Cantidad();
-  if (n > 0 && hoja.lugar == n)
-    PonerClaveArriba(camino, camino.size() - 1, hoja.pagina.Clave(n - 1), hoja.pagina.FilaDe(n - 1));
-  for (std::size_t nivel = camino.size() - 1; nivel > 0; --nivel) {
-    PasoDeArbol& paso = camino[nivel];
-    if (!paso.cambiada) continue;
-    if (Vacia(paso.pagina)) {
-      Desenganchar(arbol, paso.pagina);
-      QuitarHijo(camino, nivel - 1);
-    } else if (!Corta(paso.pagina) || !Juntar(arbol, camino, nivel)) {
-      GuardarPaso(arbol, camino, nivel);
+void SaveDeletion(const TreeData& tree, Path& path) {
+  SetLevels(path);
+  TreeStep& leaf = path.back();
+  leaf.page.Remove(leaf.place, leaf.place + 1);
+  leaf.changed = true;
+  const std::size_t n = leaf.page.Count();
+  if (n > 0 && leaf.place == n)
+    PutKeyAbove(path, path.size() - 1, leaf.page.Key(n - 1), leaf.page.RowOf(n - 1));
+  for (std::size_t level = path.size() - 1; level > 0; --level) {
+    TreeStep& step = path[level];
+    if (!step.changed) continue;
+    if (IsEmpty(step.page)) {
+      Unlink(tree, step.page);
+      RemoveChild(path, level - 1);
+    } else if (!IsShort(step.page) || !Merge(tree, path, level)) {
+      SaveStep(tree, path, level);
     }
   }
-  AplanarRaiz(arbol, camino);
-  GuardarDesde(arbol, camino, camino.size());
+  FlattenRoot(tree, path);
+  SaveFrom(tree, path, path.size());
 }
 
 }  // namespace mdb

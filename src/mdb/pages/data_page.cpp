@@ -2,35 +2,35 @@
 
 namespace mdb::internal {
 namespace {
-constexpr std::uint16_t kPosicion = 0x1FFF, kBanderas = 0xC000;
+constexpr std::uint16_t kPosition = 0x1FFF, kFlags = 0xC000;
 }
 
-PaginaDeDatos::PaginaDeDatos(const Cabecera& cabecera, NumPagina numero, Vista bytes)
+DataPage::DataPage(const FileHeader& header, PageNumber number, View bytes)
     : bytes_(bytes),
-      numero_(numero),
-      lista_(cabecera.Jet3() ? 10 : 14),
-      cantidad_(U16(bytes, cabecera.Jet3() ? 8 : 12)) {
-  if (bytes[0] != kPaginaDeDatos) DanioEnPagina(numero, "no es una página de datos");
-  if (lista_ + 2U * cantidad_ > bytes.size()) DanioEnPagina(numero, "la lista de filas no cabe");
+      number_(number),
+      list_(header.Jet3() ? 10 : 14),
+      count_(U16(bytes, header.Jet3() ? 8 : 12)) {
+  if (bytes[0] != kDataPage) ThrowPageDamage(number, "no es una página de datos");
+  if (list_ + 2U * count_ > bytes.size()) ThrowPageDamage(number, "la lista de filas no cabe");
 }
 
-Ranura PaginaDeDatos::En(unsigned fila) const {
-  if (fila >= cantidad_) DanioEnPagina(numero_, "no tiene la fila " + std::to_string(fila));
-  const std::uint16_t palabra = U16(bytes_, lista_ + 2U * fila);
-  const std::size_t desde = palabra & kPosicion;
-  const std::size_t hasta = fila == 0 ? bytes_.size() : U16(bytes_, lista_ + 2U * (fila - 1)) & kPosicion;
-  if (desde > hasta || hasta > bytes_.size() || desde < lista_ + 2U * cantidad_)
-    DanioEnPagina(numero_, "la fila " + std::to_string(fila) + " está fuera de lugar");
-  return {static_cast<std::uint16_t>(palabra & kBanderas), bytes_.subspan(desde, hasta - desde)};
+Slot DataPage::At(unsigned row) const {
+  if (row >= count_) ThrowPageDamage(number_, "no tiene la fila " + std::to_string(row));
+  const std::uint16_t word = U16(bytes_, list_ + 2U * row);
+  const std::size_t from = word & kPosition;
+  const std::size_t to = row == 0 ? bytes_.size() : U16(bytes_, list_ + 2U * (row - 1)) & kPosition;
+  if (from > to || to > bytes_.size() || from < list_ + 2U * count_)
+    ThrowPageDamage(number_, "la fila " + std::to_string(row) + " está fuera de lugar");
+  return {static_cast<std::uint16_t>(word & kFlags), bytes_.subspan(from, to - from)};
 }
 
-Lugar Seguir(Paginas& paginas, Puntero puntero, std::uint32_t* dueno) {
-  Lugar lugar;
-  lugar.imagen = paginas.Leer(puntero.pagina);
-  const PaginaDeDatos datos(paginas.Cab(), puntero.pagina, *lugar.imagen);
-  if (dueno != nullptr) *dueno = datos.Dueno();
-  lugar.ranura = datos.En(puntero.fila);
-  return lugar;
+Place Follow(PageFile& pages, Pointer pointer, std::uint32_t* owner) {
+  Place place;
+  place.image = pages.Read(pointer.page);
+  const DataPage data(pages.Header(), pointer.page, *place.image);
+  if (owner != nullptr) *owner = data.Owner();
+  place.slot = data.At(pointer.row);
+  return place;
 }
 
 }  // namespace mdb::internal

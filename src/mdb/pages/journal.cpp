@@ -8,54 +8,52 @@
 namespace mdb {
 namespace {
 
-constexpr std::array<std::uint8_t, 8> kMagia{'I', 'D', 'M', 'D', 'I', 'A', 'R', 0x1A};
-constexpr std::array<std::uint8_t, 8> kFin{'I', 'D', 'M', 'F', 'I', 'N', '!', 0x1A};
+constexpr std::array<std::uint8_t, 8> kMagic{'I', 'D', 'M', 'D', 'I', 'A', 'R', 0x1A};
+constexpr std::array<std::uint8_t, 8> kEnd{'I', 'D', 'M', 'F', 'I', 'N', '!', 0x1A};
 constexpr std::uint32_t kVersion = 1;
-constexpr std::size_t kCabecera = 64, kCierre = 24, kPrincipio = 16;
+constexpr std::size_t kHeader = 64, kClosing = 24, kStart = 16;
 // The least that a disk writes whole: a page cut by a lost current is old and new by such pieces.
 constexpr std::size_t kSector = 512;
-constexpr std::size_t kTramo = std::size_t{1} << 18;
+constexpr std::size_t kRun = std::size_t{1} << 18;
 
-std::size_t Sectores(const DatosDeDiario& d) { return d.tamano_pagina / kSector; }
-std::size_t LargoDeRegistro(const DatosDeDiario& d) { return kPrincipio + 4 * Sectores(d) + d.tamano_pagina; }
-std::uint64_t LargoDeDiario(const DatosDeDiario& d) {
-  return kCabecera + d.cantidad * static_cast<std::uint64_t>(LargoDeRegistro(d)) + kCierre;
+std::size_t SectorCount(const JournalData& d) { return d.page_size / kSector; }
+std::size_t RecordLength(const JournalData& d) { return kStart + 4 * SectorCount(d) + d.page_size; }
+std::uint64_t JournalLength(const JournalData& d) {
+  return kHeader + d.count * static_cast<std::uint64_t>(RecordLength(d)) + kClosing;
 }
-std::uint32_t SumaDeSector(Vista sector) { return static_cast<std::uint32_t>(Suma(sector)); }
+std::uint32_t SectorChecksum(View sector) { return static_cast<std::uint32_t>(Checksum(sector)); }
 
-Bytes Cabecera(const DatosDeDiario& d) {
-  Bytes b(kMagia.begin(), kMagia.end());
-  Agregar32(b, kVersion);
-  Agregar32(b, d.tamano_pagina);
-  Agregar32(b, d.antes);
-  Agregar32(b, d.despues);
-  Agregar32(b, d.cantidad);
-  Agregar32(b, 0);
-  Agregar64(b, d.marca);
-  Agregar64(b, d.suma_primera);
-  Agregar64(b, static_cast<std::uint64_t>(d.fecha));
-  Agregar64(b, Suma(b));
+Bytes Header(const JournalData& d) {
+  Bytes b(kMagic.begin(), kMagic.end());
+  Append32(b, kVersion);
+  Append32(b, d.page_size);
+  Append32(b, d.before);
+  Append32(b, d.after);
+  Append32(b, d.count);
+  Append32(b, 0);
+  Append64(b, d.mark);
+  Append64(b, d.first_checksum);
+  Append64(b, static_cast<std::uint64_t>(d.date));
+  Append64(b, Checksum(b));
   return b;
 }
 
 // The sum of a record: of all but the place it stands in.
-std::uint64_t SumaDeRegistro(const DatosDeDiario& d, Vista registro) {
-  return Suma(registro.subspan(kPrincipio), Suma(registro.first(8), d.marca));
+std::uint64_t RecordChecksum(const JournalData& d, View record) {
+  return Checksum(record.subspan(kStart), Checksum(record.first(8), d.mark));
 }
 
 // It vouches for itself first, so that an end torn while it was written is told from damage before it.
-Bytes Cierre(const DatosDeDiario& d, std::uint64_t suma) {
-  Bytes b(kFin.begin(), kFin.end());
-  Agregar64(b, suma);
-  Agregar64(b, Suma(b, d.marca));
+Bytes Closing(const JournalData& d, std::uint64_t checksum) {
+  Bytes b(kEnd.begin(), kEnd.end());
+  Append64(b, checksum);
+  Append64(b, Checksum(b, d.mark));
   return b;
 }
 
-std::size_t LeerEn(base::ArchivoAbierto& archivo, std::uint64_t pos, Bytes& bytes) {
-  return archivo.Leer(pos, bytes);
-}
+std::size_t ReadAt(base::OpenFile& file, std::uint64_t pos, Bytes& bytes) { return file.Read(pos, bytes); }
 
-const char* const kOtraBase =
+const char* const kOtherDatabase =
     "Junto a la base quedó el diario de una escritura cortada (archivo terminado en -diario), pero la base "
     "no es "
     "la que ese diario conoce: la reemplazaron o la cambió otro programa después. No se tocó ninguno de los "
@@ -64,197 +62,194 @@ const char* const kOtraBase =
 
 }  // namespace
 
-std::string RutaDeDiario(std::string_view ruta_de_base) { return std::string(ruta_de_base) + "-diario"; }
+std::string JournalPath(std::string_view database_path) { return std::string(database_path) + "-diario"; }
 
-std::uint64_t Suma(Vista bytes, std::uint64_t desde) {
-  constexpr std::uint64_t kPrimo = 0x9E3779B97F4A7C15;
-  std::uint64_t h = desde ^ (kPrimo + bytes.size());
-  const auto mezclar = [&h](std::uint64_t palabra) {
-    h = (h ^ palabra) * kPrimo;
+std::uint64_t Checksum(View bytes, std::uint64_t from) {
+  constexpr std::uint64_t kPrime = 0x9E3779B97F4A7C15;
+  std::uint64_t h = from ^ (kPrime + bytes.size());
+  const auto mix = [&h](std::uint64_t word) {
+    h = (h ^ word) * kPrime;
     h ^= h >> 32;
   };
   std::size_t i = 0;
   for (; i + 8 <= bytes.size(); i += 8) {
-    std::uint64_t palabra = 0;
-    for (std::size_t k = 0; k < 8; ++k) palabra |= static_cast<std::uint64_t>(bytes[i + k]) << (8 * k);
-    mezclar(palabra);
+    std::uint64_t word = 0;
+    for (std::size_t k = 0; k < 8; ++k) word |= static_cast<std::uint64_t>(bytes[i + k]) << (8 * k);
+    mix(word);
   }
-  std::uint64_t resto = 0;
+  std::uint64_t rest = 0;
   for (std::size_t k = 0; i + k < bytes.size(); ++k)
-    resto |= static_cast<std::uint64_t>(bytes[i + k]) << (8 * k);
-  mezclar(resto);
+    rest |= static_cast<std::uint64_t>(bytes[i + k]) << (8 * k);
+  mix(rest);
   return h;
 }
 
-EscritorDeDiario::EscritorDeDiario(base::Disco& disco, std::string_view ruta_de_base,
-                                   const DatosDeDiario& datos)
-    : disco_(disco),
-      ruta_(RutaDeDiario(ruta_de_base)),
-      archivo_(disco.Abrir(ruta_, base::ModoArchivo::Nuevo)),
-      datos_(datos),
-      suma_(datos.marca),
-      tramo_(Cabecera(datos)) {
+JournalWriter::JournalWriter(base::Disk& disk, std::string_view database_path, const JournalData& data)
+    : disk_(disk),
+      path_(JournalPath(database_path)),
+      file_(disk.Open(path_, base::FileMode::New)),
+      data_(data),
+      checksum_(data.mark),
+      run_(Header(data)) {
   // Nobody else can have a file locked that was created a moment ago.
-  archivo_->Bloquear(kByteEscritor, 1, true);
+  file_->Lock(kWriterByte, 1, true);
 }
 
-void EscritorDeDiario::Agregar(NumPagina numero, Vista antes, Vista despues) {
-  const std::size_t principio = tramo_.size();
-  Agregar32(tramo_, numero);
-  Agregar32(tramo_, 0);
-  Agregar64(tramo_, 0);
-  for (std::size_t s = 0; s < datos_.tamano_pagina; s += kSector)
-    Agregar32(tramo_, SumaDeSector(Trozo(despues, s, kSector)));
-  AgregarBytes(tramo_, Trozo(antes, 0, datos_.tamano_pagina));
-  const std::uint64_t suma = SumaDeRegistro(datos_, Vista(tramo_).subspan(principio));
-  Poner64(tramo_, principio + 8, suma);
-  suma_ = Suma(Vista(tramo_).subspan(principio + 8, 8), suma_);
-  if (tramo_.size() >= kTramo) Vaciar();
+void JournalWriter::Add(PageNumber number, View before, View after) {
+  const std::size_t beginning = run_.size();
+  Append32(run_, number);
+  Append32(run_, 0);
+  Append64(run_, 0);
+  for (std::size_t s = 0; s < data_.page_size; s += kSector)
+    Append32(run_, SectorChecksum(Slice(after, s, kSector)));
+  AppendBytes(run_, Slice(before, 0, data_.page_size));
+  const std::uint64_t checksum = RecordChecksum(data_, View(run_).subspan(beginning));
+  Put64(run_, beginning + 8, checksum);
+  checksum_ = Checksum(View(run_).subspan(beginning + 8, 8), checksum_);
+  if (run_.size() >= kRun) Flush();
 }
 
-void EscritorDeDiario::Vaciar() {
-  archivo_->Escribir(pos_, tramo_);
-  pos_ += tramo_.size();
-  tramo_.clear();
+void JournalWriter::Flush() {
+  file_->Write(pos_, run_);
+  pos_ += run_.size();
+  run_.clear();
 }
 
-void EscritorDeDiario::Sellar() {
+void JournalWriter::Seal() {
   // The end goes last and by itself: where it stands, all before it is on the disk.
-  Vaciar();
-  archivo_->Sincronizar();
-  tramo_ = Cierre(datos_, suma_);
-  Vaciar();
-  archivo_->Sincronizar();
-  disco_.SincronizarCarpetaDe(ruta_);
+  Flush();
+  file_->Sync();
+  run_ = Closing(data_, checksum_);
+  Flush();
+  file_->Sync();
+  disk_.SyncFolderOf(path_);
 }
 
-void EscritorDeDiario::Quitar() {
-  if (!base::AnyErrorNoted("EscritorDeDiario::Quitar", nullptr, [&] { disco_.Borrar(ruta_); })) {
-    archivo_->CambiarLargo(0);
-    archivo_->Sincronizar();
+void JournalWriter::Remove() {
+  if (!base::AnyErrorNoted("EscritorDeDiario::Quitar", nullptr, [&] { disk_.Delete(path_); })) {
+    file_->Resize(0);
+    file_->Sync();
   }
-  archivo_.reset();
+  file_.reset();
   // The commit cannot be taken back any more; should the name come up again after a lost current, the base is
   // rolled back whole.
-  base::AnyErrorNoted("EscritorDeDiario::Quitar", nullptr, [&] { disco_.SincronizarCarpetaDe(ruta_); });
+  base::AnyErrorNoted("EscritorDeDiario::Quitar", nullptr, [&] { disk_.SyncFolderOf(path_); });
 }
 
-LectorDeDiario::LectorDeDiario(base::Disco& disco, std::string_view ruta_de_base)
-    : disco_(disco), ruta_(RutaDeDiario(ruta_de_base)) {
-  if (!disco_.Existe(ruta_)) return;
+JournalReader::JournalReader(base::Disk& disk, std::string_view database_path)
+    : disk_(disk), path_(JournalPath(database_path)) {
+  if (!disk_.Exists(path_)) return;
   try {
-    archivo_ = disco_.Abrir(ruta_, base::ModoArchivo::Lectura);
-  } catch (const base::ErrorDeDisco& e) {
-    if (e.Falla() == base::FallaDisco::NoExiste) return;
+    file_ = disk_.Open(path_, base::FileMode::Read);
+  } catch (const base::DiskError& e) {
+    if (e.Fault() == base::DiskFault::NotFound) return;
     throw;
   }
-  Examinar();
+  Examine();
 }
 
-void LectorDeDiario::Examinar() {
+void JournalReader::Examine() {
   try {
-    if (archivo_->PrimerBloqueado(kByteEscritor, 1)) {
-      estado_ = Estado::Vivo;
+    if (file_->FirstLocked(kWriterByte, 1)) {
+      state_ = State::Live;
       return;
     }
-  } catch (const base::ErrorDeDisco& e) {
-    if (e.Falla() != base::FallaDisco::NoAdmitido) throw;
+  } catch (const base::DiskError& e) {
+    if (e.Fault() != base::DiskFault::NotSupported) throw;
   }
-  estado_ = Estado::Incompleto;
-  Bytes b(kCabecera);
-  if (LeerEn(*archivo_, 0, b) < b.size()) return;
-  if (!std::equal(kMagia.begin(), kMagia.end(), b.begin()) || U64(b, 56) != Suma(Vista(b).first(56))) return;
+  state_ = State::Incomplete;
+  Bytes b(kHeader);
+  if (ReadAt(*file_, 0, b) < b.size()) return;
+  if (!std::equal(kMagic.begin(), kMagic.end(), b.begin()) || U64(b, 56) != Checksum(View(b).first(56)))
+    return;
   if (U32(b, 8) != kVersion) {
-    estado_ = Estado::Danado;
-    motivo_ = "lo dejó otra versión del programa: abra la base con esa";
+    state_ = State::Damaged;
+    reason_ = "lo dejó otra versión del programa: abra la base con esa";
     return;
   }
-  datos_ = {U32(b, 12), U32(b, 16), U32(b, 20), U32(b, 24), U64(b, 32), U64(b, 40), I64(b, 48)};
-  if (datos_.tamano_pagina != 4096 && datos_.tamano_pagina != 2048) return;
+  data_ = {U32(b, 12), U32(b, 16), U32(b, 20), U32(b, 24), U64(b, 32), U64(b, 40), I64(b, 48)};
+  if (data_.page_size != 4096 && data_.page_size != 2048) return;
   // Also what keeps a false count from asking for more memory than the file has bytes.
-  if (archivo_->Largo() < LargoDeDiario(datos_)) return;
-  Bytes fin(kCierre);
-  if (LeerEn(*archivo_, LargoDeDiario(datos_) - kCierre, fin) < fin.size()) return;
-  if (fin != Cierre(datos_, U64(fin, 8))) return;
-  const bool bien = ExaminarRegistros(U64(fin, 8));
-  estado_ = bien ? Estado::Completo : Estado::Danado;
-  if (!bien) motivo_ = "está dañado";
+  if (file_->Length() < JournalLength(data_)) return;
+  Bytes end(kClosing);
+  if (ReadAt(*file_, JournalLength(data_) - kClosing, end) < end.size()) return;
+  if (end != Closing(data_, U64(end, 8))) return;
+  const bool ok = ExamineRecords(U64(end, 8));
+  state_ = ok ? State::Complete : State::Damaged;
+  if (!ok) reason_ = "está dañado";
 }
 
-bool LectorDeDiario::ExaminarRegistros(std::uint64_t suma_final) {
-  Bytes registro(LargoDeRegistro(datos_));
-  std::uint64_t pos = kCabecera, suma = datos_.marca;
-  for (std::uint32_t i = 0; i < datos_.cantidad; ++i, pos += registro.size()) {
-    if (LeerEn(*archivo_, pos, registro) < registro.size()) return false;
-    if (U64(registro, 8) != SumaDeRegistro(datos_, registro)) return false;
-    if (U32(registro, 0) >= datos_.antes || !lugares_.emplace(U32(registro, 0), pos).second) return false;
-    suma = Suma(Vista(registro).subspan(8, 8), suma);
+bool JournalReader::ExamineRecords(std::uint64_t final_checksum) {
+  Bytes record(RecordLength(data_));
+  std::uint64_t pos = kHeader, checksum = data_.mark;
+  for (std::uint32_t i = 0; i < data_.count; ++i, pos += record.size()) {
+    if (ReadAt(*file_, pos, record) < record.size()) return false;
+    if (U64(record, 8) != RecordChecksum(data_, record)) return false;
+    if (U32(record, 0) >= data_.before || !places_.emplace(U32(record, 0), pos).second) return false;
+    checksum = Checksum(View(record).subspan(8, 8), checksum);
   }
-  return suma == suma_final;
+  return checksum == final_checksum;
 }
 
-Bytes LectorDeDiario::Registro(base::ArchivoAbierto& archivo, NumPagina numero, std::uint64_t pos) const {
-  Bytes registro(LargoDeRegistro(datos_));
-  if (LeerEn(archivo, pos, registro) < registro.size() || U32(registro, 0) != numero ||
-      U64(registro, 8) != SumaDeRegistro(datos_, registro))
+Bytes JournalReader::ReadRecord(base::OpenFile& file, PageNumber number, std::uint64_t pos) const {
+  Bytes record(RecordLength(data_));
+  if (ReadAt(file, pos, record) < record.size() || U32(record, 0) != number ||
+      U64(record, 8) != RecordChecksum(data_, record))
     throw base::StorageFault("El diario de la base cambió o está dañado: cierre la base y vuelva a abrirla");
-  return registro;
+  return record;
 }
 
-Bytes LectorDeDiario::Imagen(NumPagina numero) const {
-  const auto lugar = lugares_.find(numero);
-  if (lugar == lugares_.end()) throw base::StorageFault("El diario de la base no tiene esa página");
-  std::unique_ptr<base::ArchivoAbierto> otra;
-  if (archivo_ == nullptr) otra = disco_.Abrir(ruta_, base::ModoArchivo::Lectura);
-  Bytes registro = Registro(archivo_ != nullptr ? *archivo_ : *otra, numero, lugar->second);
-  registro.erase(registro.begin(),
-                 registro.begin() + static_cast<std::ptrdiff_t>(registro.size() - datos_.tamano_pagina));
-  return registro;
+Bytes JournalReader::ReadImage(PageNumber number) const {
+  const auto place = places_.find(number);
+  if (place == places_.end()) throw base::StorageFault("El diario de la base no tiene esa página");
+  std::unique_ptr<base::OpenFile> other;
+  if (file_ == nullptr) other = disk_.Open(path_, base::FileMode::Read);
+  Bytes record = ReadRecord(file_ != nullptr ? *file_ : *other, number, place->second);
+  record.erase(record.begin(), record.begin() + static_cast<std::ptrdiff_t>(record.size() - data_.page_size));
+  return record;
 }
 
-void LectorDeDiario::CompararPagina(base::ArchivoAbierto& archivo, NumPagina numero,
-                                    std::uint64_t pos) const {
-  const Bytes registro = Registro(*archivo_, numero, pos);
-  const Vista antes = Vista(registro).last(datos_.tamano_pagina);
-  Bytes ahora(datos_.tamano_pagina);
-  if (LeerEn(archivo, static_cast<std::uint64_t>(numero) * datos_.tamano_pagina, ahora) < ahora.size())
-    throw base::StorageFault(kOtraBase);
-  for (std::size_t s = 0; s < Sectores(datos_); ++s) {
-    const Vista sector = Vista(ahora).subspan(s * kSector, kSector);
-    const Vista viejo = antes.subspan(s * kSector, kSector);
-    if (!std::equal(sector.begin(), sector.end(), viejo.begin()) &&
-        SumaDeSector(sector) != U32(registro, kPrincipio + 4 * s))
-      throw base::StorageFault(kOtraBase);
+void JournalReader::ComparePage(base::OpenFile& file, PageNumber number, std::uint64_t pos) const {
+  const Bytes record = ReadRecord(*file_, number, pos);
+  const View before = View(record).last(data_.page_size);
+  Bytes now(data_.page_size);
+  if (ReadAt(file, static_cast<std::uint64_t>(number) * data_.page_size, now) < now.size())
+    throw base::StorageFault(kOtherDatabase);
+  for (std::size_t s = 0; s < SectorCount(data_); ++s) {
+    const View sector = View(now).subspan(s * kSector, kSector);
+    const View old_bytes = before.subspan(s * kSector, kSector);
+    if (!std::equal(sector.begin(), sector.end(), old_bytes.begin()) &&
+        SectorChecksum(sector) != U32(record, kStart + 4 * s))
+      throw base::StorageFault(kOtherDatabase);
   }
 }
 
-void LectorDeDiario::CompararCon(base::ArchivoAbierto& archivo) const {
-  const std::uint64_t largo = archivo.Largo(), tamano = datos_.tamano_pagina;
-  if (largo < datos_.antes * tamano || largo > std::max(datos_.antes, datos_.despues) * tamano)
-    throw base::StorageFault(kOtraBase);
-  if (!Tiene(0)) {
-    Bytes primera(datos_.tamano_pagina);
-    if (LeerEn(archivo, 0, primera) < primera.size() || Suma(primera) != datos_.suma_primera)
-      throw base::StorageFault(kOtraBase);
+void JournalReader::CompareWith(base::OpenFile& file) const {
+  const std::uint64_t length = file.Length(), size = data_.page_size;
+  if (length < data_.before * size || length > std::max(data_.before, data_.after) * size)
+    throw base::StorageFault(kOtherDatabase);
+  if (!Has(0)) {
+    Bytes first(data_.page_size);
+    if (ReadAt(file, 0, first) < first.size() || Checksum(first) != data_.first_checksum)
+      throw base::StorageFault(kOtherDatabase);
   }
-  for (const auto& [numero, pos] : lugares_) CompararPagina(archivo, numero, pos);
+  for (const auto& [number, pos] : places_) ComparePage(file, number, pos);
 }
 
-void LectorDeDiario::Restaurar(base::ArchivoAbierto& archivo) const {
-  for (const auto& [numero, pos] : lugares_) {
-    const Bytes registro = Registro(*archivo_, numero, pos);
-    archivo.Escribir(static_cast<std::uint64_t>(numero) * datos_.tamano_pagina,
-                     Vista(registro).last(datos_.tamano_pagina));
+void JournalReader::Restore(base::OpenFile& file) const {
+  for (const auto& [number, pos] : places_) {
+    const Bytes record = ReadRecord(*file_, number, pos);
+    file.Write(static_cast<std::uint64_t>(number) * data_.page_size, View(record).last(data_.page_size));
   }
-  archivo.CambiarLargo(static_cast<std::uint64_t>(datos_.antes) * datos_.tamano_pagina);
-  base::AnyErrorNoted("LectorDeDiario::Restaurar", nullptr, [&] { archivo.PonerFecha(datos_.fecha); });
-  archivo.Sincronizar();
+  file.Resize(static_cast<std::uint64_t>(data_.before) * data_.page_size);
+  base::AnyErrorNoted("LectorDeDiario::Restaurar", nullptr, [&] { file.SetDate(data_.date); });
+  file.Sync();
 }
 
-void LectorDeDiario::Quitar() {
-  archivo_.reset();
-  disco_.Borrar(ruta_);
-  disco_.SincronizarCarpetaDe(ruta_);
+void JournalReader::Remove() {
+  file_.reset();
+  disk_.Delete(path_);
+  disk_.SyncFolderOf(path_);
 }
 
 }  // namespace mdb

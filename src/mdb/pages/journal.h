@@ -1,4 +1,4 @@
-// The journal of a commit: the pages as they were, in a file of its own beside the base ("<base>-diario").
+// The journal of a commit: the pages as they were, in a file of its own beside the base ("<base>-journal").
 //
 // It is written and on the disk before the first byte of the base changes, and removed when the commit is on
 // the disk. Whoever opens the base and finds a complete one puts the old pages back; one without its end was
@@ -15,80 +15,80 @@
 
 namespace mdb {
 
-std::string RutaDeDiario(std::string_view ruta_de_base);
+std::string JournalPath(std::string_view database_path);
 
-struct DatosDeDiario {
-  std::uint32_t tamano_pagina = 4096;
-  NumPagina antes = 0, despues = 0;  // pages of the base before and after the commit
-  std::uint32_t cantidad = 0;        // pages kept
-  std::uint64_t marca = 0;           // tells this commit's records from those of any other
-  std::uint64_t suma_primera = 0;    // of page 0 before the commit
-  std::int64_t fecha = 0;            // of the base before the commit
+struct JournalData {
+  std::uint32_t page_size = 4096;
+  PageNumber before = 0, after = 0;  // pages of the base before and after the commit
+  std::uint32_t count = 0;           // pages kept
+  std::uint64_t mark = 0;            // tells this commit's records from those of any other
+  std::uint64_t first_checksum = 0;  // of page 0 before the commit
+  std::int64_t date = 0;             // of the base before the commit
 };
 
 // Sums of stored bytes, to find out a torn or foreign page; no protection against a forger.
-std::uint64_t Suma(Vista bytes, std::uint64_t desde = 0);
+std::uint64_t Checksum(View bytes, std::uint64_t from = 0);
 
-class EscritorDeDiario {
+class JournalWriter {
  public:
   // Creates the file; whoever holds it open has it locked. Throws base::Error when there is one.
-  EscritorDeDiario(base::Disco& disco, std::string_view ruta_de_base, const DatosDeDiario& datos);
-  // The stored bytes of a page before and after; `datos.cantidad` times.
-  void Agregar(NumPagina numero, Vista antes, Vista despues);
+  JournalWriter(base::Disk& disk, std::string_view database_path, const JournalData& data);
+  // The stored bytes of a page before and after; `data.count` times.
+  void Add(PageNumber number, View before, View after);
   // After this it is complete and on the disk.
-  void Sellar();
+  void Seal();
   // After this it is gone, or at least of no effect. Throws base::Error when neither could be done.
-  void Quitar();
+  void Remove();
 
  private:
-  base::Disco& disco_;
-  std::string ruta_;
-  std::unique_ptr<base::ArchivoAbierto> archivo_;
-  DatosDeDiario datos_;
-  std::uint64_t pos_ = 0, suma_ = 0;
-  Bytes tramo_;  // what waits to be written
-  void Vaciar();
+  base::Disk& disk_;
+  std::string path_;
+  std::unique_ptr<base::OpenFile> file_;
+  JournalData data_;
+  std::uint64_t pos_ = 0, checksum_ = 0;
+  Bytes run_;  // what waits to be written
+  void Flush();
 };
 
-class LectorDeDiario {
+class JournalReader {
  public:
-  enum class Estado {
-    NoHay,
-    Incompleto,  // the base was not touched
-    Vivo,        // its writer has it open
-    Completo,
-    Danado,  // sealed, and yet not what was sealed: `motivo`
+  enum class State {
+    Absent,
+    Incomplete,  // the base was not touched
+    Live,        // its writer has it open
+    Complete,
+    Damaged,  // sealed, and yet not what was sealed: `reason`
   };
-  LectorDeDiario(base::Disco& disco, std::string_view ruta_de_base);
-  Estado Cual() const { return estado_; }
-  const std::string& Motivo() const { return motivo_; }
-  const DatosDeDiario& Datos() const { return datos_; }
-  bool Tiene(NumPagina numero) const { return lugares_.count(numero) != 0; }
+  JournalReader(base::Disk& disk, std::string_view database_path);
+  State Which() const { return state_; }
+  const std::string& Reason() const { return reason_; }
+  const JournalData& Data() const { return data_; }
+  bool Has(PageNumber number) const { return places_.count(number) != 0; }
   // The stored bytes of a page before the commit. Throws base::Error when they are not what was sealed.
-  Bytes Imagen(NumPagina numero) const;
+  Bytes ReadImage(PageNumber number) const;
 
   // Throws base::Error unless every byte of the base is one that this commit, cut anywhere, may have left:
   // then the base is another one, or was changed since.
-  void CompararCon(base::ArchivoAbierto& archivo) const;
+  void CompareWith(base::OpenFile& file) const;
   // Puts the pages, the length and the date back, and syncs. May be done again after being cut anywhere.
-  void Restaurar(base::ArchivoAbierto& archivo) const;
+  void Restore(base::OpenFile& file) const;
   // Closes and removes it.
-  void Quitar();
-  // Closes it; Imagen opens it again each time and throws when it is another one by then.
-  void Cerrar() { archivo_.reset(); }
+  void Remove();
+  // Closes it; ReadImage opens it again each time and throws when it is another one by then.
+  void Close() { file_.reset(); }
 
  private:
-  base::Disco& disco_;
-  std::string ruta_;
-  std::unique_ptr<base::ArchivoAbierto> archivo_;
-  Estado estado_ = Estado::NoHay;
-  std::string motivo_;
-  DatosDeDiario datos_;
-  std::map<NumPagina, std::uint64_t> lugares_;  // of the records
-  void Examinar();
-  bool ExaminarRegistros(std::uint64_t suma_final);
-  Bytes Registro(base::ArchivoAbierto& archivo, NumPagina numero, std::uint64_t pos) const;
-  void CompararPagina(base::ArchivoAbierto& archivo, NumPagina numero, std::uint64_t pos) const;
+  base::Disk& disk_;
+  std::string path_;
+  std::unique_ptr<base::OpenFile> file_;
+  State state_ = State::Absent;
+  std::string reason_;
+  JournalData data_;
+  std::map<PageNumber, std::uint64_t> places_;  // of the records
+  void Examine();
+  bool ExamineRecords(std::uint64_t final_checksum);
+  Bytes ReadRecord(base::OpenFile& file, PageNumber number, std::uint64_t pos) const;
+  void ComparePage(base::OpenFile& file, PageNumber number, std::uint64_t pos) const;
 };
 
 }  // namespace mdb

@@ -9,85 +9,83 @@
 namespace mdb {
 namespace {
 
-constexpr std::uint64_t kUsuarios = 0x10000000, kMasUsuarios = 255;
-constexpr std::size_t kRanura = 64, kNombre = 32;
+constexpr std::uint64_t kUsers = 0x10000000, kMaxUsers = 255;
+constexpr std::size_t kSlot = 64, kName = 32;
 // Milliseconds between two tries, short at first because most commits are, and in all.
-constexpr int kCorta = 1, kLarga = 10, kCortasHasta = 10, kEsperaEnTotal = 10'000;
+constexpr int kShort = 1, kLong = 10, kShortUntil = 10, kTotalWait = 10'000;
 
 // "Personal.mdb" -> "Personal" with the lock file's endings; the name's case matters on some systems.
-std::array<std::string, 2> ArchivosDeBloqueo(std::string_view ruta) {
-  std::string tronco(ruta);
-  std::string fin;
-  if (const auto punto = tronco.rfind('.');
-      punto != std::string::npos && tronco.find_first_of("/\\", punto) == std::string::npos) {
-    fin = tronco.substr(punto);
-    tronco.resize(punto);
+std::array<std::string, 2> LockFiles(std::string_view path) {
+  std::string stem(path);
+  std::string end;
+  if (const auto point = stem.rfind('.');
+      point != std::string::npos && stem.find_first_of("/\\", point) == std::string::npos) {
+    end = stem.substr(point);
+    stem.resize(point);
   }
-  const bool moderna = fin == ".accdb" || fin == ".ACCDB";
-  return {tronco + (moderna ? ".laccdb" : ".ldb"), tronco + (moderna ? ".LACCDB" : ".LDB")};
+  const bool modern = end == ".accdb" || end == ".ACCDB";
+  return {stem + (modern ? ".laccdb" : ".ldb"), stem + (modern ? ".LACCDB" : ".LDB")};
 }
 
 // A name of a slot: ended by a zero byte, padded with blanks.
-std::string Nombre(Vista bytes) {
-  std::string texto;
+std::string Name(View bytes) {
+  std::string text;
   for (const auto b : bytes) {
     if (b == 0) break;
-    texto.push_back(b < 0x20 ? ' ' : static_cast<char>(b));
+    text.push_back(b < 0x20 ? ' ' : static_cast<char>(b));
   }
-  while (!texto.empty() && texto.back() == ' ') texto.pop_back();
-  return base::DeCp1252(texto);
+  while (!text.empty() && text.back() == ' ') text.pop_back();
+  return base::FromCp1252(text);
 }
 
-std::string Quien(base::ArchivoAbierto& archivo, std::uint64_t ranura) {
-  std::array<std::uint8_t, kRanura> bytes{};
-  std::string equipo, usuario;
+std::string Who(base::OpenFile& file, std::uint64_t slot) {
+  std::array<std::uint8_t, kSlot> bytes{};
+  std::string machine, user;
   base::AnyErrorNoted("QuienLaTieneAbierta", nullptr, [&] {
-    if (archivo.Leer(ranura * kRanura, bytes) < bytes.size()) return;
-    equipo = Nombre(Vista(bytes).first(kNombre));
-    usuario = Nombre(Vista(bytes).subspan(kNombre));
+    if (file.Read(slot * kSlot, bytes) < bytes.size()) return;
+    machine = Name(View(bytes).first(kName));
+    user = Name(View(bytes).subspan(kName));
   });
-  if (equipo.empty()) return "otro programa la tiene abierta";
-  return "está abierta en el equipo " + equipo + (usuario.empty() ? "" : " (usuario " + usuario + ")");
+  if (machine.empty()) return "otro programa la tiene abierta";
+  return "está abierta en el equipo " + machine + (user.empty() ? "" : " (usuario " + user + ")");
 }
 
 }  // namespace
 
-bool BloquearEscritor(base::Disco& disco, base::ArchivoAbierto& archivo) {
-  if (disco.BloqueosObligan()) return archivo.Bloquear(kByteEscritor, 1, true);
-  return archivo.Bloquear(0, kByteEscritor + 1, true);
+bool LockWriter(base::Disk& disk, base::OpenFile& file) {
+  if (disk.LocksAreMandatory()) return file.Lock(kWriterByte, 1, true);
+  return file.Lock(0, kWriterByte + 1, true);
 }
 
-BloqueoDeCommit::BloqueoDeCommit(base::Disco& disco, base::ArchivoAbierto& archivo, bool exclusivo,
-                                 bool hay_bloqueos) {
-  if (!hay_bloqueos) return;
-  for (int esperado = 0; !archivo.Bloquear(kByteCommit, 1, exclusivo);) {
-    if (esperado >= kEsperaEnTotal)
+CommitLock::CommitLock(base::Disk& disk, base::OpenFile& file, bool exclusive, bool has_locks) {
+  if (!has_locks) return;
+  for (int waited = 0; !file.Lock(kByteCommit, 1, exclusive);) {
+    if (waited >= kTotalWait)
       throw base::StorageFault("La base está ocupada: otro programa no termina de usarla");
-    const int espera = esperado < kCortasHasta ? kCorta : kLarga;
-    disco.Esperar(espera);
-    esperado += espera;
+    const int wait = waited < kShortUntil ? kShort : kLong;
+    disk.Wait(wait);
+    waited += wait;
   }
-  archivo_ = &archivo;
+  file_ = &file;
 }
 
-BloqueoDeCommit::~BloqueoDeCommit() {
-  if (archivo_ == nullptr) return;
+CommitLock::~CommitLock() {
+  if (file_ == nullptr) return;
   // What cannot be unlocked ends with the file.
-  base::AnyErrorNoted("BloqueoDeCommit", nullptr, [&] { archivo_->Desbloquear(kByteCommit, 1); });
+  base::AnyErrorNoted("BloqueoDeCommit", nullptr, [&] { file_->Unlock(kByteCommit, 1); });
 }
 
-std::string QuienLaTieneAbierta(base::Disco& disco, std::string_view ruta_de_base) {
-  for (const auto& ruta : ArchivosDeBloqueo(ruta_de_base)) {
-    if (!disco.Existe(ruta)) continue;
+std::string WhoHasItOpen(base::Disk& disk, std::string_view database_path) {
+  for (const auto& path : LockFiles(database_path)) {
+    if (!disk.Exists(path)) continue;
     try {
-      const auto archivo = disco.Abrir(ruta, base::ModoArchivo::Lectura);
-      if (const auto byte = archivo->PrimerBloqueado(kUsuarios + 1, kMasUsuarios))
-        return Quien(*archivo, *byte - kUsuarios - 1);
-    } catch (const base::ErrorDeDisco& e) {
-      if (e.Falla() == base::FallaDisco::EnUso) return "otro programa la tiene abierta";
+      const auto file = disk.Open(path, base::FileMode::Read);
+      if (const auto byte = file->FirstLocked(kUsers + 1, kMaxUsers)) return Who(*file, *byte - kUsers - 1);
+    } catch (const base::DiskError& e) {
+      if (e.Fault() == base::DiskFault::InUse) return "otro programa la tiene abierta";
       // Gone meanwhile, or on a disk without locks: nobody can be told to have it.
-      if (e.Falla() == base::FallaDisco::NoExiste || e.Falla() == base::FallaDisco::NoAdmitido) continue;
-      return "no se puede saber si otro programa la tiene abierta. " + e.Descripcion();
+      if (e.Fault() == base::DiskFault::NotFound || e.Fault() == base::DiskFault::NotSupported) continue;
+      return "no se puede saber si otro programa la tiene abierta. " + e.Description();
     }
   }
   return {};

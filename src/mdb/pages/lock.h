@@ -2,7 +2,7 @@
 //
 // Our programs lock bytes of the base itself, far behind the greatest size of the format:
 //
-//   kByteEscritor   held by the one who has the base open for writing, from opening to closing. Where locks
+//   kWriterByte   held by the one who has the base open for writing, from opening to closing. Where locks
 //   do
 //                   not hinder reading, all bytes before it too, so that programs that ask for any lock see
 //                   it.
@@ -22,27 +22,26 @@
 
 namespace mdb {
 
-inline constexpr std::uint64_t kByteEscritor = 0x90000000, kByteCommit = 0x90000001;
+inline constexpr std::uint64_t kWriterByte = 0x90000000, kByteCommit = 0x90000001;
 
 // Takes the writer's lock; false when another program of ours has it.
-bool BloquearEscritor(base::Disco& disco, base::ArchivoAbierto& archivo);
+bool LockWriter(base::Disk& disk, base::OpenFile& file);
 
 // The commit lock, given back at the end. Waits for whoever has it; throws base::Error after ten seconds.
-// `hay_bloqueos` false: does nothing, on a disk without locks, where nobody writes.
-class BloqueoDeCommit {
+// `has_locks` false: does nothing, on a disk without locks, where nobody writes.
+class CommitLock {
  public:
-  BloqueoDeCommit(base::Disco& disco, base::ArchivoAbierto& archivo, bool exclusivo,
-                  bool hay_bloqueos = true);
-  ~BloqueoDeCommit();
-  BloqueoDeCommit(const BloqueoDeCommit&) = delete;
-  BloqueoDeCommit& operator=(const BloqueoDeCommit&) = delete;
+  CommitLock(base::Disk& disk, base::OpenFile& file, bool exclusive, bool has_locks = true);
+  ~CommitLock();
+  CommitLock(const CommitLock&) = delete;
+  CommitLock& operator=(const CommitLock&) = delete;
 
  private:
-  base::ArchivoAbierto* archivo_ = nullptr;
+  base::OpenFile* file_ = nullptr;
 };
 
 // Whether another program has the base open through a lock file: in Spanish, with the computer and the user
 // when the slot tells them; empty when nobody has. A lock file that cannot be looked at counts as held.
-std::string QuienLaTieneAbierta(base::Disco& disco, std::string_view ruta_de_base);
+std::string WhoHasItOpen(base::Disk& disk, std::string_view database_path);
 
 }  // namespace mdb

@@ -9,209 +9,209 @@ namespace mdb {
 namespace {
 
 // Pages read at once by whoever goes on reading behind the last ones.
-constexpr NumPagina kDeCorrido = 32;
+constexpr PageNumber kSequentialGap = 32;
 
-const char* const kComoEstaba = "No se pudo guardar en la base, que quedó como estaba. ";
+const char* const kAsItWas = "No se pudo guardar en la base, que quedó como estaba. ";
 
-void BorrarDiarioIncompleto(base::Disco& disco, const std::string& ruta) {
-  LectorDeDiario viejo(disco, ruta);
-  if (viejo.Cual() == LectorDeDiario::Estado::NoHay) return;
-  if (viejo.Cual() != LectorDeDiario::Estado::Incompleto)
+void DeleteIncompleteJournal(base::Disk& disk, const std::string& path) {
+  JournalReader old_bytes(disk, path);
+  if (old_bytes.Which() == JournalReader::State::Absent) return;
+  if (old_bytes.Which() != JournalReader::State::Incomplete)
     throw base::StorageFault(
         "hay un diario de otra escritura junto a la base: cierre la base y vuelva a abrirla");
-  viejo.Quitar();
+  old_bytes.Remove();
 }
 
 }  // namespace
 
-PaginasDeArchivo::PaginasDeArchivo(Cabecera cabecera, NumPagina cantidad, Abierto abierto)
-    : Paginas(std::move(cabecera), cantidad), a_(std::move(abierto)) {
-  PonerSoloLectura(a_.cause, a_.motivo);
+DiskPages::DiskPages(FileHeader header, PageNumber count, Opened opened)
+    : PageFile(std::move(header), count), opened_(std::move(opened)) {
+  SetReadOnly(opened_.cause, opened_.reason);
 }
 
-Bytes PaginasDeArchivo::Traer(NumPagina numero) {
-  if (!rota_.empty()) throw base::StorageFault(rota_);
-  if (numero < tramo_desde_ || numero - tramo_desde_ >= tramo_cantidad_) {
+Bytes DiskPages::Fetch(PageNumber number) {
+  if (!broken_.empty()) throw base::StorageFault(broken_);
+  if (number < run_start_ || number - run_start_ >= run_count_) {
     // The pages of a table have those of its indexes between them.
-    const NumPagina fin = tramo_desde_ + tramo_cantidad_;
-    const bool de_corrido = numero >= fin && numero - fin < kDeCorrido;
-    LeerTramo(numero, de_corrido ? std::min<NumPagina>(kDeCorrido, PaginasEnDisco() - numero) : 1);
+    const PageNumber end = run_start_ + run_count_;
+    const bool sequential = number >= end && number - end < kSequentialGap;
+    ReadRun(number, sequential ? std::min<PageNumber>(kSequentialGap, PagesOnDisk() - number) : 1);
   }
-  const Vista guardada = Vista(tramo_).subspan((numero - tramo_desde_) * Tamano(), Tamano());
-  Bytes plana(guardada.begin(), guardada.end());
-  CifrarPagina(Cab(), numero, plana);
-  return plana;
+  const View stored = View(run_).subspan((number - run_start_) * PageSize(), PageSize());
+  Bytes plain(stored.begin(), stored.end());
+  EncryptPage(Header(), number, plain);
+  return plain;
 }
 
-bool PaginasDeArchivo::CambioAfuera() const {
+bool DiskPages::ChangedOutside() const {
   // One that was put in the file's place leaves the opened one as it was: its pages may still be read.
-  return !a_.motivo.empty() && (OtroEstado() || !a_.archivo->SigueEnSuLugar());
+  return !opened_.reason.empty() && (StateChanged() || !opened_.file->IsStillInPlace());
 }
 
-bool PaginasDeArchivo::OtroEstado() const {
-  return a_.archivo->Fecha() != a_.fecha || a_.archivo->Largo() != a_.largo;
+bool DiskPages::StateChanged() const {
+  return opened_.file->Date() != opened_.date || opened_.file->Length() != opened_.length;
 }
 
-NumPagina PaginasDeArchivo::PaginasEnDisco() const {
-  const auto tamano = static_cast<std::uint64_t>(Tamano());
-  return a_.capa ? a_.capa->Datos().antes : static_cast<NumPagina>(a_.largo / tamano);
+PageNumber DiskPages::PagesOnDisk() const {
+  const auto size = static_cast<std::uint64_t>(PageSize());
+  return opened_.overlay ? opened_.overlay->Data().before : static_cast<PageNumber>(opened_.length / size);
 }
 
-void PaginasDeArchivo::LeerTramo(NumPagina primera, NumPagina cantidad) {
-  const bool lector = !a_.motivo.empty();
-  tramo_cantidad_ = 0;
-  tramo_.resize(cantidad * Tamano());
+void DiskPages::ReadRun(PageNumber first, PageNumber count) {
+  const bool reader = !opened_.reason.empty();
+  run_count_ = 0;
+  run_.resize(count * PageSize());
   // The writer reads what nobody else may change.
-  const BloqueoDeCommit bloqueo(*a_.disco, *a_.archivo, false, lector && a_.hay_bloqueos);
-  const std::size_t leidos = a_.archivo->Leer(static_cast<std::uint64_t>(primera) * Tamano(), tramo_);
-  if (lector && OtroEstado()) throw ArchivoCambio();
-  if (leidos < tramo_.size()) DanioEnPagina(primera, "no se pudo leer entera");
-  if (a_.capa) PonerCapa(primera, cantidad);
-  tramo_desde_ = primera;
-  tramo_cantidad_ = cantidad;
+  const CommitLock lock_file(*opened_.disk, *opened_.file, false, reader && opened_.has_locks);
+  const std::size_t read_count = opened_.file->Read(static_cast<std::uint64_t>(first) * PageSize(), run_);
+  if (reader && StateChanged()) throw FileChanged();
+  if (read_count < run_.size()) ThrowPageDamage(first, "no se pudo leer entera");
+  if (opened_.overlay) ApplyOverlay(first, count);
+  run_start_ = first;
+  run_count_ = count;
 }
 
-void PaginasDeArchivo::PonerCapa(NumPagina primera, NumPagina cantidad) {
-  if (!a_.disco->Existe(RutaDeDiario(a_.ruta))) {
+void DiskPages::ApplyOverlay(PageNumber first, PageNumber count) {
+  if (!opened_.disk->Exists(JournalPath(opened_.path))) {
     // Rolled back meanwhile, and with the same date: not a byte of it had been written.
-    a_.capa.reset();
+    opened_.overlay.reset();
     return;
   }
-  for (NumPagina i = 0; i < cantidad; ++i)
-    if (a_.capa->Tiene(primera + i)) PonerBytes(tramo_, i * Tamano(), a_.capa->Imagen(primera + i));
+  for (PageNumber i = 0; i < count; ++i)
+    if (opened_.overlay->Has(first + i))
+      PutBytes(run_, i * PageSize(), opened_.overlay->ReadImage(first + i));
 }
 
-Bytes PaginasDeArchivo::Guardada(const Cambio& cambio) const {
-  Bytes bytes = *cambio.plana;
-  CifrarPagina(Cab(), cambio.numero, bytes);
+Bytes DiskPages::Stored(const Change& change) const {
+  Bytes bytes = *change.plain;
+  EncryptPage(Header(), change.number, bytes);
   return bytes;
 }
 
 // The pages whose bytes differ from those on the disk, in their order.
-std::vector<PaginasDeArchivo::Cambio> PaginasDeArchivo::Reunir(const Cambiadas& cambiadas, NumPagina antes) {
-  std::vector<Cambio> cambios;
-  cambios.reserve(cambiadas.size());
-  for (const auto& [numero, plana] : cambiadas) cambios.push_back({numero, plana.get(), {}});
-  std::sort(cambios.begin(), cambios.end(), [](const auto& a, const auto& b) { return a.numero < b.numero; });
-  for (auto& c : cambios) {
-    if (c.numero >= antes) continue;
-    c.antes.resize(Tamano());
-    if (a_.archivo->Leer(static_cast<std::uint64_t>(c.numero) * Tamano(), c.antes) < Tamano())
-      DanioEnPagina(c.numero, "no se pudo leer entera");
+std::vector<DiskPages::Change> DiskPages::Collect(const ChangedPages& changed, PageNumber before) {
+  std::vector<Change> changes;
+  changes.reserve(changed.size());
+  for (const auto& [number, plain] : changed) changes.push_back({number, plain.get(), {}});
+  std::sort(changes.begin(), changes.end(), [](const auto& a, const auto& b) { return a.number < b.number; });
+  for (auto& c : changes) {
+    if (c.number >= before) continue;
+    c.before.resize(PageSize());
+    if (opened_.file->Read(static_cast<std::uint64_t>(c.number) * PageSize(), c.before) < PageSize())
+      ThrowPageDamage(c.number, "no se pudo leer entera");
   }
-  std::erase_if(cambios, [this](const Cambio& c) { return !c.antes.empty() && c.antes == Guardada(c); });
-  return cambios;
+  std::erase_if(changes, [this](const Change& c) { return !c.before.empty() && c.before == Stored(c); });
+  return changes;
 }
 
 // Whether the file is still the one that was opened, as it was left.
-void PaginasDeArchivo::Comprobar() {
-  if (!a_.archivo->SigueEnSuLugar())
+void DiskPages::Check() {
+  if (!opened_.file->IsStillInPlace())
     throw base::StorageFault("No se guardó nada: otro programa puso otro archivo en el lugar de la base");
-  if (OtroEstado())
+  if (StateChanged())
     throw base::StorageFault(
         "No se guardó nada: otro programa cambió la base desde que se abrió. Ábrala de nuevo");
   // One that keeps pages in its memory would write old ones over the new.
-  const std::string quien = QuienLaTieneAbierta(*a_.disco, a_.ruta);
-  if (!quien.empty()) throw base::StorageFault("No se guardó nada en la base: " + quien);
+  const std::string who = WhoHasItOpen(*opened_.disk, opened_.path);
+  if (!who.empty()) throw base::StorageFault("No se guardó nada en la base: " + who);
 }
 
-void PaginasDeArchivo::Volcar(const Cambiadas& cambiadas, NumPagina antes, NumPagina cantidad) {
-  if (!rota_.empty()) throw base::StorageFault(rota_);
-  const std::vector<Cambio> cambios = Reunir(cambiadas, antes);
-  if (cambios.empty() && antes == cantidad) return;
-  const BloqueoDeCommit bloqueo(*a_.disco, *a_.archivo, true);
-  Comprobar();
-  EscritorDeDiario diario = EscribirDiario(cambios, DatosDelDiario(cambios, antes, cantidad));
+void DiskPages::Flush(const ChangedPages& changed, PageNumber before, PageNumber count) {
+  if (!broken_.empty()) throw base::StorageFault(broken_);
+  const std::vector<Change> changes = Collect(changed, before);
+  if (changes.empty() && before == count) return;
+  const CommitLock lock_file(*opened_.disk, *opened_.file, true);
+  Check();
+  JournalWriter journal = WriteJournal(changes, MakeJournalData(changes, before, count));
   std::int64_t date = 0;
   try {
     base::MemoryAsFault([&] {
-      EscribirPaginas(cambios, cantidad);
-      date = a_.archivo->Fecha();  // without its journal the commit cannot be taken back
-      diario.Quitar();
+      WritePages(changes, count);
+      date = opened_.file->Date();  // without its journal the commit cannot be taken back
+      journal.Remove();
     });
   } catch (const base::Error& e) {
-    VolverAtras(cambios, antes, diario, e.Descripcion());
+    RollBackAndThrow(changes, before, journal, e.Description());
   }
-  tramo_cantidad_ = 0;
-  a_.fecha = date;
-  a_.largo = static_cast<std::uint64_t>(cantidad) * Tamano();
+  run_count_ = 0;
+  opened_.date = date;
+  opened_.length = static_cast<std::uint64_t>(count) * PageSize();
 }
 
-DatosDeDiario PaginasDeArchivo::DatosDelDiario(const std::vector<Cambio>& cambios, NumPagina antes,
-                                               NumPagina cantidad) {
-  DatosDeDiario datos;
-  datos.tamano_pagina = static_cast<std::uint32_t>(Tamano());
-  datos.antes = antes;
-  datos.despues = cantidad;
-  datos.cantidad = static_cast<std::uint32_t>(
-      std::count_if(cambios.begin(), cambios.end(), [](const Cambio& c) { return !c.antes.empty(); }));
-  Bytes primera(Tamano());
-  if (a_.archivo->Leer(0, primera) < primera.size()) DanioEnPagina(0, "no se pudo leer entera");
-  datos.suma_primera = Suma(primera);
-  datos.fecha = a_.fecha;
-  Bytes momento;
-  Agregar64(momento, static_cast<std::uint64_t>(a_.disco->Ahora()));
-  datos.marca = Suma(momento, datos.suma_primera);
-  return datos;
+JournalData DiskPages::MakeJournalData(const std::vector<Change>& changes, PageNumber before,
+                                       PageNumber count) {
+  JournalData data;
+  data.page_size = static_cast<std::uint32_t>(PageSize());
+  data.before = before;
+  data.after = count;
+  data.count = static_cast<std::uint32_t>(
+      std::count_if(changes.begin(), changes.end(), [](const Change& c) { return !c.before.empty(); }));
+  Bytes first(PageSize());
+  if (opened_.file->Read(0, first) < first.size()) ThrowPageDamage(0, "no se pudo leer entera");
+  data.first_checksum = Checksum(first);
+  data.date = opened_.date;
+  Bytes moment;
+  Append64(moment, static_cast<std::uint64_t>(opened_.disk->Now()));
+  data.mark = Checksum(moment, data.first_checksum);
+  return data;
 }
 
-EscritorDeDiario PaginasDeArchivo::EscribirDiario(const std::vector<Cambio>& cambios,
-                                                  const DatosDeDiario& datos) {
-  std::optional<EscritorDeDiario> diario;
+JournalWriter DiskPages::WriteJournal(const std::vector<Change>& changes, const JournalData& data) {
+  std::optional<JournalWriter> journal;
   try {
     base::MemoryAsFault([&] {
-      BorrarDiarioIncompleto(*a_.disco, a_.ruta);
-      diario.emplace(*a_.disco, a_.ruta, datos);
-      for (const auto& c : cambios)
-        if (!c.antes.empty()) diario->Agregar(c.numero, c.antes, Guardada(c));
-      diario->Sellar();
+      DeleteIncompleteJournal(*opened_.disk, opened_.path);
+      journal.emplace(*opened_.disk, opened_.path, data);
+      for (const auto& c : changes)
+        if (!c.before.empty()) journal->Add(c.number, c.before, Stored(c));
+      journal->Seal();
     });
   } catch (const base::Error& e) {
-    if (diario) base::AnyErrorNoted("Volcar: diario", nullptr, [&] { diario->Quitar(); });
-    throw base::StorageFault(kComoEstaba + e.Descripcion());
+    if (journal) base::AnyErrorNoted("Volcar: diario", nullptr, [&] { journal->Remove(); });
+    throw base::StorageFault(kAsItWas + e.Description());
   }
-  return std::move(*diario);
+  return std::move(*journal);
 }
 
-void PaginasDeArchivo::EscribirPaginas(const std::vector<Cambio>& cambios, NumPagina cantidad) {
-  for (const auto& c : cambios)
-    a_.archivo->Escribir(static_cast<std::uint64_t>(c.numero) * Tamano(), Guardada(c));
-  const std::uint64_t largo = static_cast<std::uint64_t>(cantidad) * Tamano();
-  if (a_.archivo->Largo() != largo) a_.archivo->CambiarLargo(largo);
-  FecharCommit();
-  a_.archivo->Sincronizar();
+void DiskPages::WritePages(const std::vector<Change>& changes, PageNumber count) {
+  for (const auto& c : changes)
+    opened_.file->Write(static_cast<std::uint64_t>(c.number) * PageSize(), Stored(c));
+  const std::uint64_t length = static_cast<std::uint64_t>(count) * PageSize();
+  if (opened_.file->Length() != length) opened_.file->Resize(length);
+  DateCommit();
+  opened_.file->Sync();
 }
 
 // A commit is told from the one before by its date, also when both fall in one tick of the disk's clock.
-void PaginasDeArchivo::FecharCommit() {
-  const std::int64_t us = a_.disco->Microsegundo();
-  std::int64_t fecha = std::max(a_.disco->Ahora(), a_.fecha + us);
-  for (const std::int64_t paso : {std::int64_t{0}, 10'000 * us, 2'000'000 * us}) {
-    const bool bien =
-        base::AnyErrorNoted("Volcar: fecha", nullptr, [&] { a_.archivo->PonerFecha(fecha + paso); });
-    if (!bien || a_.archivo->Fecha() > a_.fecha) return;
+void DiskPages::DateCommit() {
+  const std::int64_t us = opened_.disk->Microsecond();
+  std::int64_t date = std::max(opened_.disk->Now(), opened_.date + us);
+  for (const std::int64_t step : {std::int64_t{0}, 10'000 * us, 2'000'000 * us}) {
+    const bool ok =
+        base::AnyErrorNoted("Volcar: fecha", nullptr, [&] { opened_.file->SetDate(date + step); });
+    if (!ok || opened_.file->Date() > opened_.date) return;
   }
 }
 
-void PaginasDeArchivo::VolverAtras(const std::vector<Cambio>& cambios, NumPagina antes,
-                                   EscritorDeDiario& diario, const std::string& motivo) {
+void DiskPages::RollBackAndThrow(const std::vector<Change>& changes, PageNumber before,
+                                 JournalWriter& journal, const std::string& reason) {
   try {
-    for (const auto& c : cambios)
-      if (!c.antes.empty()) a_.archivo->Escribir(static_cast<std::uint64_t>(c.numero) * Tamano(), c.antes);
-    a_.archivo->CambiarLargo(static_cast<std::uint64_t>(antes) * Tamano());
-    base::AnyErrorNoted("VolverAtras: fecha", nullptr, [&] { a_.archivo->PonerFecha(a_.fecha); });
-    a_.archivo->Sincronizar();
-    diario.Quitar();
+    for (const auto& c : changes)
+      if (!c.before.empty()) opened_.file->Write(static_cast<std::uint64_t>(c.number) * PageSize(), c.before);
+    opened_.file->Resize(static_cast<std::uint64_t>(before) * PageSize());
+    base::AnyErrorNoted("VolverAtras: fecha", nullptr, [&] { opened_.file->SetDate(opened_.date); });
+    opened_.file->Sync();
+    journal.Remove();
   } catch (const base::Error& e) {
-    rota_ = "La base quedó a medio escribir. " + motivo +
-            ". Tampoco se la pudo volver atrás: " + e.Descripcion() + ". No borre " +
-            base::NombreDe(RutaDeDiario(a_.ruta)) + ": al abrir la base de nuevo se restablece con él";
-    PonerSoloLectura(ReadOnlyCause::Broken, rota_);
-    throw base::StorageFault(rota_);
+    broken_ = "La base quedó a medio escribir. " + reason +
+              ". Tampoco se la pudo volver atrás: " + e.Description() + ". No borre " +
+              base::NameOf(JournalPath(opened_.path)) + ": al abrir la base de nuevo se restablece con él";
+    SetReadOnly(ReadOnlyCause::Broken, broken_);
+    throw base::StorageFault(broken_);
   }
   // The same bytes with the same date: whoever reads them goes on. Where the date could not be set, not.
-  a_.fecha = a_.archivo->Fecha();
-  throw base::StorageFault(kComoEstaba + motivo);
+  opened_.date = opened_.file->Date();
+  throw base::StorageFault(kAsItWas + reason);
 }
 
 }  // namespace mdb

@@ -5,28 +5,29 @@
 
 namespace mdb {
 
-using Estado = LectorDeDiario::Estado;
+using State = JournalReader::State;
 
-class Apertura {
+class Opening {
  public:
-  Apertura(std::string_view ruta, std::shared_ptr<base::Disco> disco) {
-    a_.disco = disco != nullptr ? std::move(disco) : std::make_shared<base::DiscoDelSistema>();
-    a_.ruta = a_.disco->RutaReal(ruta);
+  Opening(std::string_view path, std::shared_ptr<base::Disk> disk) {
+    opened_.disk = disk != nullptr ? std::move(disk) : std::make_shared<base::SystemDisk>();
+    opened_.path = opened_.disk->RealPath(path);
   }
 
-  std::unique_ptr<PaginasDeArchivo> Hacer(bool solo_lectura) {
-    const bool hay_diario = a_.disco->Existe(RutaDeDiario(a_.ruta));
-    if (!solo_lectura || hay_diario) AbrirParaEscribir();
-    if (a_.archivo != nullptr) {
-      RestablecerEnDisco();
-      LeerPrimera();
-      MirarFormato();
+  std::unique_ptr<DiskPages> Run(bool read_only) {
+    const bool has_journal = opened_.disk->Exists(JournalPath(opened_.path));
+    if (!read_only || has_journal) OpenForWriting();
+    if (opened_.file != nullptr) {
+      RestoreOnDisk();
+      ReadFirstPage();
+      CheckFormat();
     }
-    if (solo_lectura) Refuse(ReadOnlyCause::Asked, "La base se abrió solo para leer");
-    if (!a_.motivo.empty()) AbrirParaLeer();
-    const std::uint64_t paginas = a_.capa ? a_.capa->Datos().antes : a_.largo / cabecera_.tamano_pagina;
-    return std::unique_ptr<PaginasDeArchivo>(
-        new PaginasDeArchivo(cabecera_, static_cast<NumPagina>(paginas), std::move(a_)));
+    if (read_only) Refuse(ReadOnlyCause::Asked, "La base se abrió solo para leer");
+    if (!opened_.reason.empty()) OpenForReading();
+    const std::uint64_t pages =
+        opened_.overlay ? opened_.overlay->Data().before : opened_.length / header_.page_size;
+    return std::unique_ptr<DiskPages>(
+        new DiskPages(header_, static_cast<PageNumber>(pages), std::move(opened_)));
   }
 
  private:
@@ -34,126 +35,127 @@ class Apertura {
   static constexpr const char* kInUse = "Otro programa tiene abierta la base";
 
   void Refuse(ReadOnlyCause cause, std::string text) {
-    a_.cause = cause;
-    a_.motivo = std::move(text);
+    opened_.cause = cause;
+    opened_.reason = std::move(text);
   }
 
   // Leaves the file open with the writer's lock, or closed with the reason why it cannot be had.
-  void AbrirParaEscribir() {
+  void OpenForWriting() {
     try {
-      a_.archivo = a_.disco->Abrir(a_.ruta, base::ModoArchivo::Escritura);
-      if (!BloquearEscritor(*a_.disco, *a_.archivo)) Refuse(ReadOnlyCause::InUse, kInUse);
-    } catch (const base::ErrorDeDisco& e) {
+      opened_.file = opened_.disk->Open(opened_.path, base::FileMode::Write);
+      if (!LockWriter(*opened_.disk, *opened_.file)) Refuse(ReadOnlyCause::InUse, kInUse);
+    } catch (const base::DiskError& e) {
       RefuseFor(e);
     }
-    if (a_.motivo.empty() || en_uso_) {
-      const std::string quien = QuienLaTieneAbierta(*a_.disco, a_.ruta);
-      if (!quien.empty()) Refuse(ReadOnlyCause::Denied, kCannot + quien);
+    if (opened_.reason.empty() || in_use_) {
+      const std::string who = WhoHasItOpen(*opened_.disk, opened_.path);
+      if (!who.empty()) Refuse(ReadOnlyCause::Denied, kCannot + who);
     }
-    if (a_.motivo.empty() && !a_.disco->CarpetaAdmiteNuevos(a_.ruta))
+    if (opened_.reason.empty() && !opened_.disk->FolderAllowsNewFiles(opened_.path))
       Refuse(ReadOnlyCause::Denied,
              std::string(kCannot) + "no hay permiso para crear archivos en su carpeta");
-    if (!a_.motivo.empty()) a_.archivo.reset();
+    if (!opened_.reason.empty()) opened_.file.reset();
   }
 
-  void RefuseFor(const base::ErrorDeDisco& e) {
-    switch (e.Falla()) {
-      case base::FallaDisco::SinPermiso:
+  void RefuseFor(const base::DiskError& e) {
+    switch (e.Fault()) {
+      case base::DiskFault::NoPermission:
         return Refuse(ReadOnlyCause::Denied,
                       std::string(kCannot) + "su archivo es de solo lectura, o no hay permiso");
-      case base::FallaDisco::SoloLectura:
+      case base::DiskFault::ReadOnly:
         return Refuse(ReadOnlyCause::Denied, std::string(kCannot) + "su disco es de solo lectura");
-      case base::FallaDisco::EnUso:
-        en_uso_ = true;
+      case base::DiskFault::InUse:
+        in_use_ = true;
         return Refuse(ReadOnlyCause::InUse, kInUse);
-      case base::FallaDisco::NoAdmitido:
+      case base::DiskFault::NotSupported:
         return Refuse(ReadOnlyCause::Denied, std::string(kCannot) + "su disco no permite bloquear archivos");
       default:
         throw;
     }
   }
 
-  void RestablecerEnDisco() {
-    const BloqueoDeCommit bloqueo(*a_.disco, *a_.archivo, true);
-    LectorDeDiario diario(*a_.disco, a_.ruta);
-    if (diario.Cual() == Estado::NoHay) return;
-    NegarDiario(diario);
-    if (diario.Cual() == Estado::Completo) {
-      diario.CompararCon(*a_.archivo);
-      diario.Restaurar(*a_.archivo);
+  void RestoreOnDisk() {
+    const CommitLock lock_file(*opened_.disk, *opened_.file, true);
+    JournalReader journal(*opened_.disk, opened_.path);
+    if (journal.Which() == State::Absent) return;
+    RefuseJournal(journal);
+    if (journal.Which() == State::Complete) {
+      journal.CompareWith(*opened_.file);
+      journal.Restore(*opened_.file);
     }
-    diario.Quitar();
+    journal.Remove();
   }
 
-  static void NegarDiario(const LectorDeDiario& diario) {
-    if (diario.Cual() == Estado::Danado)
+  static void RefuseJournal(const JournalReader& journal) {
+    if (journal.Which() == State::Damaged)
       throw base::StorageFault("Junto a la base quedó el diario de una escritura cortada, y " +
-                               diario.Motivo() + ". La base puede estar a medio escribir: no se la abre");
+                               journal.Reason() + ". La base puede estar a medio escribir: no se la abre");
     // The writer has the lock of a base, and here we have it or read under it: of another one.
-    if (diario.Cual() == Estado::Vivo)
+    if (journal.Which() == State::Live)
       throw base::StorageFault("Otro programa escribe en la base, pero en su lugar hay otro archivo");
   }
 
-  void AbrirParaLeer() {
-    a_.archivo = a_.disco->Abrir(a_.ruta, base::ModoArchivo::Lectura);
-    a_.hay_bloqueos = AdmiteBloqueos();
-    const BloqueoDeCommit bloqueo(*a_.disco, *a_.archivo, false, a_.hay_bloqueos);
-    LectorDeDiario diario(*a_.disco, a_.ruta);
-    NegarDiario(diario);
-    if (diario.Cual() == Estado::Completo) {
-      diario.CompararCon(*a_.archivo);
-      a_.capa.emplace(std::move(diario));
-      a_.capa->Cerrar();
+  void OpenForReading() {
+    opened_.file = opened_.disk->Open(opened_.path, base::FileMode::Read);
+    opened_.has_locks = SupportsLocks();
+    const CommitLock lock_file(*opened_.disk, *opened_.file, false, opened_.has_locks);
+    JournalReader journal(*opened_.disk, opened_.path);
+    RefuseJournal(journal);
+    if (journal.Which() == State::Complete) {
+      journal.CompareWith(*opened_.file);
+      opened_.overlay.emplace(std::move(journal));
+      opened_.overlay->Close();
     }
-    LeerPrimera();
+    ReadFirstPage();
   }
 
-  bool AdmiteBloqueos() {
+  bool SupportsLocks() {
     try {
-      a_.archivo->PrimerBloqueado(kByteCommit, 1);
+      opened_.file->FirstLocked(kByteCommit, 1);
       return true;
-    } catch (const base::ErrorDeDisco& e) {
-      if (e.Falla() == base::FallaDisco::NoAdmitido) return false;
+    } catch (const base::DiskError& e) {
+      if (e.Fault() == base::DiskFault::NotSupported) return false;
       throw;
     }
   }
 
-  void LeerPrimera() {
-    a_.fecha = a_.archivo->Fecha();
-    a_.largo = a_.archivo->Largo();
-    if (a_.largo == 0) throw base::StorageFault("El archivo está vacío: no es una base de Access");
-    Bytes primera(4096);
-    if (a_.capa && a_.capa->Tiene(0)) {
-      primera = a_.capa->Imagen(0);
+  void ReadFirstPage() {
+    opened_.date = opened_.file->Date();
+    opened_.length = opened_.file->Length();
+    if (opened_.length == 0) throw base::StorageFault("El archivo está vacío: no es una base de Access");
+    Bytes first(4096);
+    if (opened_.overlay && opened_.overlay->Has(0)) {
+      first = opened_.overlay->ReadImage(0);
     } else {
-      primera.resize(a_.archivo->Leer(0, primera));
+      first.resize(opened_.file->Read(0, first));
     }
-    cabecera_ = LeerCabecera(primera);
-    const std::uint64_t mayor = cabecera_.Jet3() ? std::uint64_t{1} << 30 : std::uint64_t{1} << 31;
-    if (a_.largo > mayor) throw base::StorageFault("El archivo es más grande de lo que admite su formato");
-    if (a_.largo < cabecera_.tamano_pagina)
+    header_ = ReadHeader(first);
+    const std::uint64_t largest = header_.Jet3() ? std::uint64_t{1} << 30 : std::uint64_t{1} << 31;
+    if (opened_.length > largest)
+      throw base::StorageFault("El archivo es más grande de lo que admite su formato");
+    if (opened_.length < header_.page_size)
       throw base::StorageFault("El archivo es demasiado corto para ser una base de Access");
-    if (a_.largo % cabecera_.tamano_pagina != 0 && !a_.capa && a_.motivo.empty())
+    if (opened_.length % header_.page_size != 0 && !opened_.overlay && opened_.reason.empty())
       Refuse(ReadOnlyCause::Incomplete, "El archivo termina a mitad de una página: le falta una parte");
   }
 
   // What is only read, whoever asks.
-  void MirarFormato() {
-    if (!a_.motivo.empty()) return;
-    if (cabecera_.version == Version::Jet3)
+  void CheckFormat() {
+    if (!opened_.reason.empty()) return;
+    if (header_.version == Version::Jet3)
       Refuse(ReadOnlyCause::Format, "Las bases de Access 97 solo se leen");
-    if (cabecera_.version == Version::Ace)
+    if (header_.version == Version::Ace)
       Refuse(ReadOnlyCause::Format, "Las bases .accdb (Access 2007 y posteriores) solo se leen");
   }
 
-  PaginasDeArchivo::Abierto a_;
-  Cabecera cabecera_;
-  bool en_uso_ = false;
+  DiskPages::Opened opened_;
+  FileHeader header_;
+  bool in_use_ = false;
 };
 
-std::unique_ptr<PaginasDeArchivo> PaginasDeArchivo::Abrir(std::string_view ruta, bool solo_lectura,
-                                                          std::shared_ptr<base::Disco> disco) {
-  return Apertura(ruta, std::move(disco)).Hacer(solo_lectura);
+std::unique_ptr<DiskPages> DiskPages::Open(std::string_view path, bool read_only,
+                                           std::shared_ptr<base::Disk> disk) {
+  return Opening(path, std::move(disk)).Run(read_only);
 }
 
 }  // namespace mdb

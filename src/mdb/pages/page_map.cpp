@@ -9,69 +9,68 @@
 namespace mdb {
 namespace {
 
-constexpr std::uint8_t kMapaDeBits = 0, kMapaDePaginas = 1, kTipoPaginaDeMapa = 5;
-constexpr std::size_t kBits = 5, kPunteros = 1;  // where they begin in the row
-constexpr std::size_t kLargoDeMapa = 69;         // of a new one
-constexpr std::size_t kCabeceraPaginaDeMapa = 4;
-constexpr NumPagina kUltimaPagina = 0xFFFFFF;
-constexpr Puntero kGlobal{1, 0};  // of the free pages
+constexpr std::uint8_t kBitMap = 0, kPageMap = 1, kMapPageType = 5;
+constexpr std::size_t kBits = 5, kPointers = 1;  // where they begin in the row
+constexpr std::size_t kMapLength = 69;           // of a new one
+constexpr std::size_t kMapPageHeader = 4;
+constexpr PageNumber kLastPage = 0xFFFFFF;
+constexpr Pointer kGlobal{1, 0};  // of the free pages
 // How much longer the global map gets at a time (512 pages), where page 1 has the room.
-constexpr std::size_t kAlargue = 64;
+constexpr std::size_t kExtension = 64;
 // The longest bitmap of another map (4096 pages, 16 MB): those of files that Access compacted are as long as
 // their file needs. New maps leave some room on their page for it.
-constexpr std::size_t kMasLargo = kBits + 512, kReserva = 1500;
+constexpr std::size_t kMaxLength = kBits + 512, kReserve = 1500;
 // New maps go to a page of maps among the first and the last pages of the file, or to a new one: a walk over
 // the whole file for each new map would be slow, and half-full pages of maps in its middle do no harm.
-constexpr NumPagina kBuscaMapas = 512;
+constexpr PageNumber kMapSearch = 512;
 
 // The row of a map and what it says.
-struct FilaDeMapa {
-  NumPagina pagina = 0;
-  unsigned fila = 0;
-  std::size_t desde = 0, largo = 0;
-  std::uint8_t clase = kMapaDeBits;
-  NumPagina inicio = 0;  // of a bitmap
+struct MapRow {
+  PageNumber page = 0;
+  unsigned row = 0;
+  std::size_t from = 0, length = 0;
+  std::uint8_t kind = kBitMap;
+  PageNumber start = 0;  // of a bitmap
   bool global = false;
-  NumPagina CantidadDeBits() const { return static_cast<NumPagina>((largo - kBits) * 8); }
-  NumPagina CantidadDePunteros() const { return static_cast<NumPagina>((largo - kPunteros) / 4); }
-  std::size_t PosPuntero(NumPagina k) const { return desde + kPunteros + 4 * std::size_t{k}; }
+  PageNumber BitCount() const { return static_cast<PageNumber>((length - kBits) * 8); }
+  PageNumber PointerCount() const { return static_cast<PageNumber>((length - kPointers) / 4); }
+  std::size_t PointerPos(PageNumber k) const { return from + kPointers + 4 * std::size_t{k}; }
 };
 
-FilaDeMapa Buscar(Paginas& paginas, Puntero mapa) {
-  if (paginas.Cab().Jet3()) throw base::Error("Los archivos de Access 97 solo se leen");
-  const Imagen imagen = paginas.Leer(mapa.pagina);
-  const Ranura r = LeerRanura(mapa.pagina, *imagen, mapa.fila);
-  FilaDeMapa f{mapa.pagina, mapa.fila, r.desde, r.largo, 0, 0, mapa == kGlobal};
-  if (r.marcas != 0 || r.largo < kBits) DanioEnPagina(mapa.pagina, "un mapa de páginas no es tal");
-  f.clase = U8(*imagen, r.desde);
-  if (f.clase > kMapaDePaginas) DanioEnPagina(mapa.pagina, "un mapa de páginas es de clase desconocida");
-  if (f.clase == kMapaDeBits) f.inicio = U32(*imagen, r.desde + 1);
+MapRow Find(PageFile& pages, Pointer map) {
+  if (pages.Header().Jet3()) throw base::Error("Los archivos de Access 97 solo se leen");
+  const Image image = pages.Read(map.page);
+  const Slot r = ReadSlot(map.page, *image, map.row);
+  MapRow f{map.page, map.row, r.from, r.length, 0, 0, map == kGlobal};
+  if (r.marks != 0 || r.length < kBits) ThrowPageDamage(map.page, "un mapa de páginas no es tal");
+  f.kind = U8(*image, r.from);
+  if (f.kind > kPageMap) ThrowPageDamage(map.page, "un mapa de páginas es de clase desconocida");
+  if (f.kind == kBitMap) f.start = U32(*image, r.from + 1);
   // A page number has three bytes: beyond them a bitmap's numbers would come round to 0.
-  if (f.inicio > kUltimaPagina)
-    DanioEnPagina(mapa.pagina, "un mapa de páginas empieza tras la última posible");
+  if (f.start > kLastPage) ThrowPageDamage(map.page, "un mapa de páginas empieza tras la última posible");
   return f;
 }
 
-NumPagina PaginasPorPagina(const Paginas& paginas) {
-  return static_cast<NumPagina>((paginas.Tamano() - kCabeceraPaginaDeMapa) * 8);
+PageNumber PagesPerPage(const PageFile& pages) {
+  return static_cast<PageNumber>((pages.PageSize() - kMapPageHeader) * 8);
 }
 
-void PonerBit(std::span<std::uint8_t> bits, std::size_t n, bool valor) {
-  const auto mascara = static_cast<std::uint8_t>(1U << (n % 8));
+void SetBit(std::span<std::uint8_t> bits, std::size_t n, bool value) {
+  const auto mask = static_cast<std::uint8_t>(1U << (n % 8));
   std::uint8_t& b = bits[n / 8];
-  b = static_cast<std::uint8_t>(valor ? b | mascara : b & ~mascara);
+  b = static_cast<std::uint8_t>(value ? b | mask : b & ~mask);
 }
 
-bool Bit(Vista bits, std::size_t n) { return (bits[n / 8] >> (n % 8) & 1) != 0; }
+bool Bit(View bits, std::size_t n) { return (bits[n / 8] >> (n % 8) & 1) != 0; }
 
-// The first bit set at or after `desde`, or the count of bits.
-std::size_t PrimerBit(Vista bits, std::size_t desde) {
-  std::size_t n = desde;
+// The first bit set at or after `from`, or the count of bits.
+std::size_t FirstBit(View bits, std::size_t from) {
+  std::size_t n = from;
   while (n < bits.size() * 8) {
     if (n % 64 == 0 && n / 8 + 8 <= bits.size()) {
-      std::uint64_t palabra = 0;
-      std::memcpy(&palabra, bits.data() + n / 8, 8);
-      if (palabra == 0) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, bits.data() + n / 8, 8);
+      if (word == 0) {
         n += 64;
         continue;
       }
@@ -82,198 +81,196 @@ std::size_t PrimerBit(Vista bits, std::size_t desde) {
   return bits.size() * 8;
 }
 
-std::vector<NumPagina> PaginasDeBits(const FilaDeMapa& f, Vista pagina) {
-  std::vector<NumPagina> puestas;
-  const Vista bits = Trozo(pagina, f.desde + kBits, f.largo - kBits);
-  for (std::size_t n = PrimerBit(bits, 0); n < bits.size() * 8; n = PrimerBit(bits, n + 1))
-    puestas.push_back(f.inicio + static_cast<NumPagina>(n));
-  return puestas;
+std::vector<PageNumber> PagesOfBits(const MapRow& f, View page) {
+  std::vector<PageNumber> set_pages;
+  const View bits = Slice(page, f.from + kBits, f.length - kBits);
+  for (std::size_t n = FirstBit(bits, 0); n < bits.size() * 8; n = FirstBit(bits, n + 1))
+    set_pages.push_back(f.start + static_cast<PageNumber>(n));
+  return set_pages;
 }
 
-void Cambiar(Paginas& paginas, Puntero mapa, NumPagina pagina, bool valor);
+void Change(PageFile& pages, Pointer map, PageNumber page, bool value);
 
 // The bitmap page that covers the k-th range, made when there is none. In the global map a set bit is a free
 // page: a new page of it has the bits of all pages that the file does not have yet.
-NumPagina PaginaDeRango(Paginas& paginas, const FilaDeMapa& f, NumPagina k) {
-  if (k >= f.CantidadDePunteros())
+PageNumber RangePage(PageFile& pages, const MapRow& f, PageNumber k) {
+  if (k >= f.PointerCount())
     throw base::StorageFault("Un mapa de páginas no alcanza para el tamaño del archivo: compacte la base");
-  const std::int32_t puntero = I32(*paginas.Leer(f.pagina), f.PosPuntero(k));
-  if (puntero > 0) {
-    const auto numero = static_cast<NumPagina>(puntero);
-    if (U8(*paginas.Leer(numero), 0) != kTipoPaginaDeMapa)
-      DanioEnPagina(numero, "no es una página de un mapa de páginas");
-    return numero;
+  const std::int32_t pointer = I32(*pages.Read(f.page), f.PointerPos(k));
+  if (pointer > 0) {
+    const auto number = static_cast<PageNumber>(pointer);
+    if (U8(*pages.Read(number), 0) != kMapPageType)
+      ThrowPageDamage(number, "no es una página de un mapa de páginas");
+    return number;
   }
-  const NumPagina nueva = f.global ? paginas.Agregar() : ReservarPagina(paginas);
-  Bytes& p = paginas.Modificar(nueva);
-  Poner8(p, 0, kTipoPaginaDeMapa);
-  Poner8(p, 1, 1);
+  const PageNumber fresh = f.global ? pages.Add() : ReservePage(pages);
+  Bytes& p = pages.Modify(fresh);
+  Put8(p, 0, kMapPageType);
+  Put8(p, 1, 1);
   if (f.global) {
-    const std::size_t por_pagina = PaginasPorPagina(paginas), base = k * por_pagina;
-    const auto bits = std::span(p).subspan(kCabeceraPaginaDeMapa);
-    for (std::size_t n = 0; n < por_pagina; ++n)
-      if (base + n >= paginas.Cantidad()) PonerBit(bits, n, true);
+    const std::size_t per_page = PagesPerPage(pages), base = k * per_page;
+    const auto bits = std::span(p).subspan(kMapPageHeader);
+    for (std::size_t n = 0; n < per_page; ++n)
+      if (base + n >= pages.Count()) SetBit(bits, n, true);
   }
-  Poner32(paginas.Modificar(f.pagina), f.PosPuntero(k), nueva);
+  Put32(pages.Modify(f.page), f.PointerPos(k), fresh);
   // It may stand in a range that has its bitmap page already, where it still counts as free.
-  if (f.global) Cambiar(paginas, kGlobal, nueva, false);
-  return nueva;
+  if (f.global) Change(pages, kGlobal, fresh, false);
+  return fresh;
 }
 
-void CambiarEnRango(Paginas& paginas, const FilaDeMapa& f, NumPagina pagina, bool valor) {
-  const NumPagina por_pagina = PaginasPorPagina(paginas), k = pagina / por_pagina;
-  const bool hay = k < f.CantidadDePunteros() && I32(*paginas.Leer(f.pagina), f.PosPuntero(k)) > 0;
-  if (!valor && !hay && !f.global) return;
-  const NumPagina numero = PaginaDeRango(paginas, f, k);
-  PonerBit(std::span(paginas.Modificar(numero)).subspan(kCabeceraPaginaDeMapa), pagina % por_pagina, valor);
+void ChangeInRange(PageFile& pages, const MapRow& f, PageNumber page, bool value) {
+  const PageNumber per_page = PagesPerPage(pages), k = page / per_page;
+  const bool found = k < f.PointerCount() && I32(*pages.Read(f.page), f.PointerPos(k)) > 0;
+  if (!value && !found && !f.global) return;
+  const PageNumber number = RangePage(pages, f, k);
+  SetBit(std::span(pages.Modify(number)).subspan(kMapPageHeader), page % per_page, value);
 }
 
 // Turns a bitmap into a list of bitmap pages, in place.
-void HacerDePaginas(Paginas& paginas, Puntero mapa) {
-  FilaDeMapa f = Buscar(paginas, mapa);
-  const NumPagina cantidad = paginas.Cantidad();  // the bitmap pages to come are not free, whatever it says
-  const std::vector<NumPagina> puestas = PaginasDeBits(f, *paginas.Leer(f.pagina));
-  const auto fila = std::span(paginas.Modificar(f.pagina)).subspan(f.desde, f.largo);
-  std::fill(fila.begin(), fila.end(), std::uint8_t{0});
-  fila[0] = f.clase = kMapaDePaginas;
+void ConvertToPages(PageFile& pages, Pointer map) {
+  MapRow f = Find(pages, map);
+  const PageNumber count = pages.Count();  // the bitmap pages to come are not free, whatever it says
+  const std::vector<PageNumber> set_pages = PagesOfBits(f, *pages.Read(f.page));
+  const auto row = std::span(pages.Modify(f.page)).subspan(f.from, f.length);
+  std::fill(row.begin(), row.end(), std::uint8_t{0});
+  row[0] = f.kind = kPageMap;
   if (f.global) {
-    const NumPagina por_pagina = PaginasPorPagina(paginas);
-    for (NumPagina k = 0; k <= (paginas.Cantidad() - 1) / por_pagina; ++k) PaginaDeRango(paginas, f, k);
+    const PageNumber per_page = PagesPerPage(pages);
+    for (PageNumber k = 0; k <= (pages.Count() - 1) / per_page; ++k) RangePage(pages, f, k);
   }
-  for (const NumPagina p : puestas)
-    if (!f.global || p < cantidad) CambiarEnRango(paginas, f, p, true);
+  for (const PageNumber p : set_pages)
+    if (!f.global || p < count) ChangeInRange(pages, f, p, true);
 }
 
 // Moves the window of a bitmap so that it holds the page too, or makes it longer where its page has room;
 // false when neither will do.
-bool CorrerVentana(Paginas& paginas, const FilaDeMapa& f, NumPagina pagina) {
-  const Imagen imagen = paginas.Leer(f.pagina);
-  const std::vector<NumPagina> puestas = PaginasDeBits(f, *imagen);
-  const NumPagina primera = puestas.empty() ? pagina : std::min(pagina, puestas.front());
-  const NumPagina ultima = puestas.empty() ? pagina : std::max(pagina, puestas.back());
-  const NumPagina inicio = primera & ~NumPagina{7};
-  const std::size_t largo = std::max(f.largo, ((ultima - inicio) / 8 + 4) / 4 * 4 + kBits);
-  if (largo > f.largo && (largo > kMasLargo || largo - f.largo > Hueco(*imagen))) return false;
-  Bytes fila(largo, 0);
-  Poner32(fila, 1, inicio);
-  const auto bits = std::span(fila).subspan(kBits);
-  for (const NumPagina p : puestas) PonerBit(bits, p - inicio, true);
-  PonerBit(bits, pagina - inicio, true);
-  return CambiarFila(f.pagina, paginas.Modificar(f.pagina), f.fila, fila);
+bool ShiftWindow(PageFile& pages, const MapRow& f, PageNumber page) {
+  const Image image = pages.Read(f.page);
+  const std::vector<PageNumber> set_pages = PagesOfBits(f, *image);
+  const PageNumber first = set_pages.empty() ? page : std::min(page, set_pages.front());
+  const PageNumber last = set_pages.empty() ? page : std::max(page, set_pages.back());
+  const PageNumber start = first & ~PageNumber{7};
+  const std::size_t length = std::max(f.length, ((last - start) / 8 + 4) / 4 * 4 + kBits);
+  if (length > f.length && (length > kMaxLength || length - f.length > Gap(*image))) return false;
+  Bytes row(length, 0);
+  Put32(row, 1, start);
+  const auto bits = std::span(row).subspan(kBits);
+  for (const PageNumber p : set_pages) SetBit(bits, p - start, true);
+  SetBit(bits, page - start, true);
+  return ChangeRow(f.page, pages.Modify(f.page), f.row, row);
 }
 
 // A longer bitmap for the global map, while page 1 has room: the pages that the file does not have yet are
 // free, others that the map did not name are not to be trusted. False when there is no room.
-bool Alargar(Paginas& paginas, const FilaDeMapa& f, NumPagina pagina) {
-  const std::size_t necesario = ((pagina - f.inicio) / 8 + 4) / 4 * 4 + kBits;
-  const Imagen imagen = paginas.Leer(f.pagina);
-  const std::size_t mas = f.largo + Hueco(*imagen);
-  if (necesario > mas) return false;
-  const Vista fila = Trozo(*imagen, f.desde, f.largo);
-  Bytes larga(fila.begin(), fila.end());
-  larga.resize(necesario + kAlargue <= mas ? necesario + kAlargue : necesario);
-  for (std::size_t n = f.CantidadDeBits(); n < (larga.size() - kBits) * 8; ++n)
-    if (f.inicio + n >= paginas.Cantidad()) PonerBit(std::span(larga).subspan(kBits), n, true);
-  return CambiarFila(f.pagina, paginas.Modificar(f.pagina), f.fila, larga);
+bool Extend(PageFile& pages, const MapRow& f, PageNumber page) {
+  const std::size_t needed = ((page - f.start) / 8 + 4) / 4 * 4 + kBits;
+  const Image image = pages.Read(f.page);
+  const std::size_t more = f.length + Gap(*image);
+  if (needed > more) return false;
+  const View row = Slice(*image, f.from, f.length);
+  Bytes longer(row.begin(), row.end());
+  longer.resize(needed + kExtension <= more ? needed + kExtension : needed);
+  for (std::size_t n = f.BitCount(); n < (longer.size() - kBits) * 8; ++n)
+    if (f.start + n >= pages.Count()) SetBit(std::span(longer).subspan(kBits), n, true);
+  return ChangeRow(f.page, pages.Modify(f.page), f.row, longer);
 }
 
-void CambiarFueraDeVentana(Paginas& paginas, const FilaDeMapa& f, Puntero mapa, NumPagina pagina,
-                           bool valor) {
-  const bool delante = pagina < f.inicio;
+void ChangeOutsideWindow(PageFile& pages, const MapRow& f, Pointer map, PageNumber page, bool value) {
+  const bool in_front = page < f.start;
   if (f.global) {
     // Pages before the window of the global map (other programs move it) cannot be told from used ones.
-    if (delante && !valor) return;
-    if (!delante && Alargar(paginas, f, pagina)) return Cambiar(paginas, mapa, pagina, valor);
+    if (in_front && !value) return;
+    if (!in_front && Extend(pages, f, page)) return Change(pages, map, page, value);
   } else {
-    if (!valor || CorrerVentana(paginas, f, pagina)) return;
+    if (!value || ShiftWindow(pages, f, page)) return;
   }
-  HacerDePaginas(paginas, mapa);
-  Cambiar(paginas, mapa, pagina, valor);
+  ConvertToPages(pages, map);
+  Change(pages, map, page, value);
 }
 
-void Cambiar(Paginas& paginas, Puntero mapa, NumPagina pagina, bool valor) {
-  const FilaDeMapa f = Buscar(paginas, mapa);
-  if (f.clase == kMapaDePaginas) return CambiarEnRango(paginas, f, pagina, valor);
-  if (pagina < f.inicio || pagina - f.inicio >= f.CantidadDeBits())
-    return CambiarFueraDeVentana(paginas, f, mapa, pagina, valor);
-  const auto bits = std::span(paginas.Modificar(f.pagina)).subspan(f.desde + kBits, f.largo - kBits);
-  PonerBit(bits, pagina - f.inicio, valor);
+void Change(PageFile& pages, Pointer map, PageNumber page, bool value) {
+  const MapRow f = Find(pages, map);
+  if (f.kind == kPageMap) return ChangeInRange(pages, f, page, value);
+  if (page < f.start || page - f.start >= f.BitCount())
+    return ChangeOutsideWindow(pages, f, map, page, value);
+  const auto bits = std::span(pages.Modify(f.page)).subspan(f.from + kBits, f.length - kBits);
+  SetBit(bits, page - f.start, value);
 }
 
 // The lowest free page that the file has, or 0. Pages 0 to 2 are never free, whatever a damaged map says.
-NumPagina BuscarLibre(Paginas& paginas) {
-  const FilaDeMapa f = Buscar(paginas, kGlobal);
-  const Imagen imagen = paginas.Leer(f.pagina);
-  const auto en = [&](Vista bits, NumPagina base) -> NumPagina {
-    const std::size_t n = PrimerBit(bits, base < 3 ? 3 - base : 0);
-    const std::size_t pagina = base + n;
-    return n < bits.size() * 8 && pagina < paginas.Cantidad() ? static_cast<NumPagina>(pagina) : 0;
+PageNumber FindFree(PageFile& pages) {
+  const MapRow f = Find(pages, kGlobal);
+  const Image image = pages.Read(f.page);
+  const auto free_in = [&](View bits, PageNumber base) -> PageNumber {
+    const std::size_t n = FirstBit(bits, base < 3 ? 3 - base : 0);
+    const std::size_t page = base + n;
+    return n < bits.size() * 8 && page < pages.Count() ? static_cast<PageNumber>(page) : 0;
   };
-  if (f.clase == kMapaDeBits) return en(Trozo(*imagen, f.desde + kBits, f.largo - kBits), f.inicio);
-  const NumPagina por_pagina = PaginasPorPagina(paginas);
-  for (NumPagina k = 0; k < f.CantidadDePunteros(); ++k) {
-    const std::int32_t puntero = I32(*imagen, f.PosPuntero(k));
-    if (puntero <= 0) continue;
-    const Imagen bits = paginas.Leer(static_cast<NumPagina>(puntero));
-    if (const NumPagina p = en(Vista(*bits).subspan(kCabeceraPaginaDeMapa), k * por_pagina); p != 0) return p;
+  if (f.kind == kBitMap) return free_in(Slice(*image, f.from + kBits, f.length - kBits), f.start);
+  const PageNumber per_page = PagesPerPage(pages);
+  for (PageNumber k = 0; k < f.PointerCount(); ++k) {
+    const std::int32_t pointer = I32(*image, f.PointerPos(k));
+    if (pointer <= 0) continue;
+    const Image bits = pages.Read(static_cast<PageNumber>(pointer));
+    if (const PageNumber p = free_in(View(*bits).subspan(kMapPageHeader), k * per_page); p != 0) return p;
   }
   return 0;
 }
 
-bool EsPaginaDeMapas(Paginas& paginas, NumPagina numero) {
-  const Imagen p = paginas.Leer(numero);
-  return U8(*p, 0) == 1 && U8(*p, 1) == 1 && DuenoDe(*p) == kDuenoMapas &&
-         CabeFila(*p, kLargoDeMapa + kReserva);
+bool IsMapsPage(PageFile& pages, PageNumber number) {
+  const Image p = pages.Read(number);
+  return U8(*p, 0) == 1 && U8(*p, 1) == 1 && OwnerOf(*p) == kMapsOwner && RowFits(*p, kMapLength + kReserve);
 }
 
-NumPagina PaginaParaMapas(Paginas& paginas) {
-  const NumPagina cantidad = paginas.Cantidad();
-  for (NumPagina p = 2; p < std::min(cantidad, kBuscaMapas); ++p)
-    if (EsPaginaDeMapas(paginas, p)) return p;
-  for (NumPagina p = cantidad; p > kBuscaMapas && p + kBuscaMapas > cantidad; --p)
-    if (EsPaginaDeMapas(paginas, p - 1)) return p - 1;
-  const NumPagina nueva = ReservarPagina(paginas);
-  NuevaPaginaDeFilas(paginas.Modificar(nueva), kDuenoMapas);
-  return nueva;
+PageNumber PageForMaps(PageFile& pages) {
+  const PageNumber count = pages.Count();
+  for (PageNumber p = 2; p < std::min(count, kMapSearch); ++p)
+    if (IsMapsPage(pages, p)) return p;
+  for (PageNumber p = count; p > kMapSearch && p + kMapSearch > count; --p)
+    if (IsMapsPage(pages, p - 1)) return p - 1;
+  const PageNumber fresh = ReservePage(pages);
+  InitializeRowPage(pages.Modify(fresh), kMapsOwner);
+  return fresh;
 }
 
 }  // namespace
 
-void PonerEnMapa(Paginas& paginas, Puntero mapa, NumPagina pagina) { Cambiar(paginas, mapa, pagina, true); }
+void AddToMap(PageFile& pages, Pointer map, PageNumber page) { Change(pages, map, page, true); }
 
-void QuitarDeMapa(Paginas& paginas, Puntero mapa, NumPagina pagina) {
-  if (mapa.pagina != 0) Cambiar(paginas, mapa, pagina, false);
+void RemoveFromMap(PageFile& pages, Pointer map, PageNumber page) {
+  if (map.page != 0) Change(pages, map, page, false);
 }
 
-Puntero NuevoMapa(Paginas& paginas) {
-  const NumPagina pagina = PaginaParaMapas(paginas);
-  const Bytes vacio(kLargoDeMapa, std::uint8_t{0});
-  return {pagina, AgregarFila(pagina, paginas.Modificar(pagina), vacio)};
+Pointer CreateMap(PageFile& pages) {
+  const PageNumber page = PageForMaps(pages);
+  const Bytes empty(kMapLength, std::uint8_t{0});
+  return {page, AddRow(page, pages.Modify(page), empty)};
 }
 
-void BorrarMapa(Paginas& paginas, Puntero mapa) {
-  if (mapa.pagina == 0) return;
-  for (const NumPagina p : PaginasDelMapa(paginas, mapa)) LiberarPagina(paginas, p);
-  Bytes& pagina = paginas.Modificar(mapa.pagina);
-  QuitarFila(mapa.pagina, pagina, mapa.fila);
-  if (mapa.pagina > 2 && SinFilas(pagina)) LiberarPagina(paginas, mapa.pagina);
+void DeleteMap(PageFile& pages, Pointer map) {
+  if (map.page == 0) return;
+  for (const PageNumber p : PagesOfMap(pages, map)) FreePage(pages, p);
+  Bytes& page = pages.Modify(map.page);
+  RemoveRow(map.page, page, map.row);
+  if (map.page > 2 && HasNoRows(page)) FreePage(pages, map.page);
 }
 
-NumPagina ReservarPagina(Paginas& paginas) {
-  NumPagina pagina = BuscarLibre(paginas);
-  if (pagina != 0) {
-    Bytes& bytes = paginas.Modificar(pagina);
+PageNumber ReservePage(PageFile& pages) {
+  PageNumber page = FindFree(pages);
+  if (page != 0) {
+    Bytes& bytes = pages.Modify(page);
     std::fill(bytes.begin(), bytes.end(), std::uint8_t{0});
   } else {
-    pagina = paginas.Agregar();
+    page = pages.Add();
   }
-  Cambiar(paginas, kGlobal, pagina, false);
-  return pagina;
+  Change(pages, kGlobal, page, false);
+  return page;
 }
 
-void LiberarPagina(Paginas& paginas, NumPagina pagina) {
-  Poner32(paginas.Modificar(pagina), 0, 0);
-  Cambiar(paginas, kGlobal, pagina, true);
+void FreePage(PageFile& pages, PageNumber page) {
+  Put32(pages.Modify(page), 0, 0);
+  Change(pages, kGlobal, page, true);
 }
 
 }  // namespace mdb

@@ -4,115 +4,115 @@
 namespace mdb {
 namespace {
 
-constexpr std::uint8_t kEnLinea = 0, kPorPaginas = 1;
-constexpr std::size_t kBitsEnLinea = 5, kBitsDePagina = 4;
+constexpr std::uint8_t kInline = 0, kByPages = 1;
+constexpr std::size_t kInlineBits = 5, kPageBits = 4;
 
-struct FilaDeMapa {
-  Imagen imagen;
-  Vista bytes;
+struct MapRow {
+  Image image;
+  View bytes;
 };
 
-FilaDeMapa BuscarMapa(Paginas& paginas, Puntero mapa) {
-  auto lugar = internal::Seguir(paginas, mapa);
-  if (lugar.ranura.banderas != 0) DanioEnPagina(mapa.pagina, "un mapa de páginas está borrado");
-  const Vista bytes = lugar.ranura.bytes;
-  if (bytes.empty() || bytes[0] > kPorPaginas || (bytes[0] == kEnLinea && bytes.size() < kBitsEnLinea))
-    DanioEnPagina(mapa.pagina, "un mapa de páginas de otra clase");
-  return {std::move(lugar.imagen), bytes};
+MapRow FindMap(PageFile& pages, Pointer map) {
+  auto place = internal::Follow(pages, map);
+  if (place.slot.flags != 0) ThrowPageDamage(map.page, "un mapa de páginas está borrado");
+  const View bytes = place.slot.bytes;
+  if (bytes.empty() || bytes[0] > kByPages || (bytes[0] == kInline && bytes.size() < kInlineBits))
+    ThrowPageDamage(map.page, "un mapa de páginas de otra clase");
+  return {std::move(place.image), bytes};
 }
 
-std::size_t PaginasPorMapa(const Paginas& paginas) { return (paginas.Tamano() - kBitsDePagina) * 8; }
+std::size_t PagesPerMap(const PageFile& pages) { return (pages.PageSize() - kPageBits) * 8; }
 
 // The bitmap page of the k-th pointer, or 0. Negative numbers stand for none as 0 does.
-NumPagina PaginaDeMapa(const Paginas& paginas, NumPagina de, Vista bytes, std::size_t k) {
-  const std::int32_t numero = I32(bytes, 1 + 4 * k);
-  if (numero <= 0) return 0;
-  const auto pagina = static_cast<NumPagina>(numero);
-  if (pagina >= paginas.Cantidad())
-    DanioEnPagina(de, "un mapa lleva a la página " + std::to_string(pagina) + ", que no hay");
-  return pagina;
+PageNumber MapPage(const PageFile& pages, PageNumber from, View bytes, std::size_t k) {
+  const std::int32_t number = I32(bytes, 1 + 4 * k);
+  if (number <= 0) return 0;
+  const auto page = static_cast<PageNumber>(number);
+  if (page >= pages.Count())
+    ThrowPageDamage(from, "un mapa lleva a la página " + std::to_string(page) + ", que no hay");
+  return page;
 }
 
-Imagen LeerPaginaDeMapa(Paginas& paginas, NumPagina numero) {
-  Imagen imagen = paginas.Leer(numero);
-  if (imagen->at(0) != internal::kPaginaDeMapa) DanioEnPagina(numero, "no es una página de mapa");
-  return imagen;
+Image ReadMapPage(PageFile& pages, PageNumber number) {
+  Image image = pages.Read(number);
+  if (image->at(0) != internal::kMapPage) ThrowPageDamage(number, "no es una página de mapa");
+  return image;
 }
 
-// Calls `visita` with each page of the map, rising, those beyond the end of the file too.
-template <typename Visita>
-void CadaBit(Vista bits, std::uint64_t primera, Visita&& visita) {
+// Calls `visit` with each page of the map, rising, those beyond the end of the file too.
+template <typename Visitor>
+void ForEachBit(View bits, std::uint64_t first, Visitor&& visit) {
   for (std::size_t i = 0; i < bits.size(); ++i) {
     if (bits[i] == 0) continue;
     for (unsigned b = 0; b < 8; ++b)
-      if ((bits[i] >> b & 1) != 0) visita(primera + 8 * i + b);
+      if ((bits[i] >> b & 1) != 0) visit(first + 8 * i + b);
   }
 }
 
-template <typename Visita>
-void CadaPagina(Paginas& paginas, Puntero mapa, Visita&& visita) {
-  if (mapa.pagina == 0) return;
-  const auto fila = BuscarMapa(paginas, mapa);
-  if (fila.bytes[0] == kEnLinea) {
-    CadaBit(fila.bytes.subspan(kBitsEnLinea), U32(fila.bytes, 1), visita);
+template <typename Visitor>
+void ForEachPage(PageFile& pages, Pointer map, Visitor&& visit) {
+  if (map.page == 0) return;
+  const auto row = FindMap(pages, map);
+  if (row.bytes[0] == kInline) {
+    ForEachBit(row.bytes.subspan(kInlineBits), U32(row.bytes, 1), visit);
     return;
   }
-  for (std::size_t k = 0; 1 + 4 * (k + 1) <= fila.bytes.size(); ++k) {
-    const NumPagina numero = PaginaDeMapa(paginas, mapa.pagina, fila.bytes, k);
-    if (numero == 0) continue;
-    const Imagen imagen = LeerPaginaDeMapa(paginas, numero);
-    CadaBit(Vista(*imagen).subspan(kBitsDePagina), k * PaginasPorMapa(paginas), visita);
+  for (std::size_t k = 0; 1 + 4 * (k + 1) <= row.bytes.size(); ++k) {
+    const PageNumber number = MapPage(pages, map.page, row.bytes, k);
+    if (number == 0) continue;
+    const Image image = ReadMapPage(pages, number);
+    ForEachBit(View(*image).subspan(kPageBits), k * PagesPerMap(pages), visit);
   }
 }
 
-bool Bit(Vista bits, std::uint64_t n) { return n / 8 < bits.size() && (bits[n / 8] >> (n % 8) & 1) != 0; }
+bool Bit(View bits, std::uint64_t n) { return n / 8 < bits.size() && (bits[n / 8] >> (n % 8) & 1) != 0; }
 
 }  // namespace
 
-std::vector<NumPagina> LeerMapa(Paginas& paginas, Puntero mapa) {
-  std::vector<NumPagina> salida;
-  const NumPagina fin = paginas.Cantidad();
-  CadaPagina(paginas, mapa, [&](std::uint64_t pagina) {
-    if (pagina < fin) salida.push_back(static_cast<NumPagina>(pagina));
+std::vector<PageNumber> ReadMap(PageFile& pages, Pointer map) {
+  std::vector<PageNumber> output;
+  const PageNumber end = pages.Count();
+  ForEachPage(pages, map, [&](std::uint64_t page) {
+    if (page < end) output.push_back(static_cast<PageNumber>(page));
   });
-  return salida;
+  return output;
 }
 
-std::vector<NumPagina> LeerMapaCompleto(Paginas& paginas, Puntero mapa) {
-  std::vector<NumPagina> salida;
-  const NumPagina fin = paginas.Cantidad();
-  CadaPagina(paginas, mapa, [&](std::uint64_t pagina) {
-    if (pagina >= fin)
-      DanioEnPagina(mapa.pagina, "una tabla tiene la página " + std::to_string(pagina) +
-                                     " y el archivo termina antes: está cortado");
-    salida.push_back(static_cast<NumPagina>(pagina));
+std::vector<PageNumber> ReadWholeMap(PageFile& pages, Pointer map) {
+  std::vector<PageNumber> output;
+  const PageNumber end = pages.Count();
+  ForEachPage(pages, map, [&](std::uint64_t page) {
+    if (page >= end)
+      ThrowPageDamage(map.page, "una tabla tiene la página " + std::to_string(page) +
+                                    " y el archivo termina antes: está cortado");
+    output.push_back(static_cast<PageNumber>(page));
   });
-  return salida;
+  return output;
 }
 
-std::vector<NumPagina> PaginasDelMapa(Paginas& paginas, Puntero mapa) {
-  std::vector<NumPagina> salida;
-  if (mapa.pagina == 0) return salida;
-  const auto fila = BuscarMapa(paginas, mapa);
-  if (fila.bytes[0] == kEnLinea) return salida;
-  for (std::size_t k = 0; 1 + 4 * (k + 1) <= fila.bytes.size(); ++k)
-    if (const NumPagina n = PaginaDeMapa(paginas, mapa.pagina, fila.bytes, k); n != 0) salida.push_back(n);
-  return salida;
+std::vector<PageNumber> PagesOfMap(PageFile& pages, Pointer map) {
+  std::vector<PageNumber> output;
+  if (map.page == 0) return output;
+  const auto row = FindMap(pages, map);
+  if (row.bytes[0] == kInline) return output;
+  for (std::size_t k = 0; 1 + 4 * (k + 1) <= row.bytes.size(); ++k)
+    if (const PageNumber n = MapPage(pages, map.page, row.bytes, k); n != 0) output.push_back(n);
+  return output;
 }
 
-bool EnMapa(Paginas& paginas, Puntero mapa, NumPagina pagina) {
-  if (mapa.pagina == 0) return false;
-  const auto fila = BuscarMapa(paginas, mapa);
-  if (fila.bytes[0] == kEnLinea) {
-    const std::uint32_t primera = U32(fila.bytes, 1);
-    return pagina >= primera && Bit(fila.bytes.subspan(kBitsEnLinea), pagina - primera);
+bool IsInMap(PageFile& pages, Pointer map, PageNumber page) {
+  if (map.page == 0) return false;
+  const auto row = FindMap(pages, map);
+  if (row.bytes[0] == kInline) {
+    const std::uint32_t first = U32(row.bytes, 1);
+    return page >= first && Bit(row.bytes.subspan(kInlineBits), page - first);
   }
-  const std::size_t por_mapa = PaginasPorMapa(paginas), k = pagina / por_mapa;
-  if (1 + 4 * (k + 1) > fila.bytes.size()) return false;
-  const NumPagina numero = PaginaDeMapa(paginas, mapa.pagina, fila.bytes, k);
-  if (numero == 0) return false;
-  const Imagen imagen = LeerPaginaDeMapa(paginas, numero);
-  return Bit(Vista(*imagen).subspan(kBitsDePagina), pagina % por_mapa);
+  const std::size_t per_map = PagesPerMap(pages), k = page / per_map;
+  if (1 + 4 * (k + 1) > row.bytes.size()) return false;
+  const PageNumber number = MapPage(pages, map.page, row.bytes, k);
+  if (number == 0) return false;
+  const Image image = ReadMapPage(pages, number);
+  return Bit(View(*image).subspan(kPageBits), page % per_map);
 }
 
 }  // namespace mdb

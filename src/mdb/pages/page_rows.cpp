@@ -5,104 +5,103 @@
 namespace mdb {
 namespace {
 
-constexpr std::size_t kLibre = 2, kDueno = 4, kRanuras = 12;
-constexpr std::uint16_t kDesplazamiento = 0x1FFF;
+constexpr std::size_t kFree = 2, kOwner = 4, kSlots = 12;
+constexpr std::uint16_t kOffset = 0x1FFF;
 
-std::size_t PosRanura(unsigned fila) { return Ranura::kPrimera + 2 * std::size_t{fila}; }
+std::size_t SlotPos(unsigned row) { return Slot::kFirst + 2 * std::size_t{row}; }
 
-std::size_t Desde(Vista p, unsigned fila) { return U16(p, PosRanura(fila)) & kDesplazamiento; }
+std::size_t StartOf(View p, unsigned row) { return U16(p, SlotPos(row)) & kOffset; }
 
 // Where the last row begins; the page's end when there is none.
-std::size_t Ultima(Vista p) {
-  const unsigned n = CantidadDeRanuras(p);
-  return n == 0 ? p.size() : Desde(p, n - 1);
+std::size_t Last(View p) {
+  const unsigned n = SlotCount(p);
+  return n == 0 ? p.size() : StartOf(p, n - 1);
 }
 
-void AnotarHueco(std::span<std::uint8_t> p) { Poner16(p, kLibre, static_cast<std::uint16_t>(Hueco(p))); }
+void NoteGap(std::span<std::uint8_t> p) { Put16(p, kFree, static_cast<std::uint16_t>(Gap(p))); }
 
 }  // namespace
 
-void NuevaPaginaDeFilas(std::span<std::uint8_t> pagina, std::uint32_t dueno) {
-  std::fill(pagina.begin(), pagina.end(), std::uint8_t{0});
-  Poner8(pagina, 0, 1);
-  Poner8(pagina, 1, 1);
-  Poner32(pagina, kDueno, dueno);
-  AnotarHueco(pagina);
+void InitializeRowPage(std::span<std::uint8_t> page, std::uint32_t owner) {
+  std::fill(page.begin(), page.end(), std::uint8_t{0});
+  Put8(page, 0, 1);
+  Put8(page, 1, 1);
+  Put32(page, kOwner, owner);
+  NoteGap(page);
 }
 
-void RevisarPaginaDeFilas(NumPagina numero, Vista pagina) {
-  if (U8(pagina, 0) != 1) DanioEnPagina(numero, "no es una página de filas");
-  const unsigned n = CantidadDeRanuras(pagina);
-  const std::size_t fin = PosRanura(n);
-  if (fin > pagina.size()) DanioEnPagina(numero, "la cantidad de filas no cabe en la página");
-  std::size_t antes = pagina.size();
+void CheckRowPage(PageNumber number, View page) {
+  if (U8(page, 0) != 1) ThrowPageDamage(number, "no es una página de filas");
+  const unsigned n = SlotCount(page);
+  const std::size_t end = SlotPos(n);
+  if (end > page.size()) ThrowPageDamage(number, "la cantidad de filas no cabe en la página");
+  std::size_t before = page.size();
   for (unsigned i = 0; i < n; ++i) {
-    const std::size_t desde = Desde(pagina, i);
-    if (desde > antes || desde < fin)
-      DanioEnPagina(numero, "la fila " + std::to_string(i) + " está fuera de su lugar");
-    antes = desde;
+    const std::size_t from = StartOf(page, i);
+    if (from > before || from < end)
+      ThrowPageDamage(number, "la fila " + std::to_string(i) + " está fuera de su lugar");
+    before = from;
   }
 }
 
-unsigned CantidadDeRanuras(Vista pagina) { return U16(pagina, kRanuras); }
+unsigned SlotCount(View page) { return U16(page, kSlots); }
 
-Ranura LeerRanura(NumPagina numero, Vista pagina, unsigned fila) {
-  if (U8(pagina, 0) != 1) DanioEnPagina(numero, "no es una página de filas");
-  if (fila >= CantidadDeRanuras(pagina)) DanioEnPagina(numero, "no tiene la fila " + std::to_string(fila));
-  const std::size_t desde = Desde(pagina, fila), hasta = fila == 0 ? pagina.size() : Desde(pagina, fila - 1);
-  if (desde > hasta || desde < PosRanura(fila + 1) || hasta > pagina.size())
-    DanioEnPagina(numero, "la fila " + std::to_string(fila) + " está fuera de su lugar");
-  return {desde, hasta - desde, static_cast<std::uint16_t>(U16(pagina, PosRanura(fila)) & Ranura::kMascara)};
+Slot ReadSlot(PageNumber number, View page, unsigned row) {
+  if (U8(page, 0) != 1) ThrowPageDamage(number, "no es una página de filas");
+  if (row >= SlotCount(page)) ThrowPageDamage(number, "no tiene la fila " + std::to_string(row));
+  const std::size_t from = StartOf(page, row), to = row == 0 ? page.size() : StartOf(page, row - 1);
+  if (from > to || from < SlotPos(row + 1) || to > page.size())
+    ThrowPageDamage(number, "la fila " + std::to_string(row) + " está fuera de su lugar");
+  return {from, to - from, static_cast<std::uint16_t>(U16(page, SlotPos(row)) & Slot::kMask)};
 }
 
-std::size_t Hueco(Vista pagina) {
-  const std::size_t fin = PosRanura(CantidadDeRanuras(pagina)), ultima = Ultima(pagina);
-  return ultima > fin ? ultima - fin : 0;
+std::size_t Gap(View page) {
+  const std::size_t end = SlotPos(SlotCount(page)), last = Last(page);
+  return last > end ? last - end : 0;
 }
 
-bool CabeFila(Vista pagina, std::size_t largo) {
-  return CantidadDeRanuras(pagina) < Ranura::kMas && Hueco(pagina) >= largo + 2;
+bool RowFits(View page, std::size_t length) {
+  return SlotCount(page) < Slot::kMax && Gap(page) >= length + 2;
 }
 
-bool SinFilas(Vista pagina) {
-  for (unsigned i = CantidadDeRanuras(pagina); i-- > 0;)
-    if ((U16(pagina, PosRanura(i)) & Ranura::kMascara) != Ranura::kBorrada) return false;
+bool HasNoRows(View page) {
+  for (unsigned i = SlotCount(page); i-- > 0;)
+    if ((U16(page, SlotPos(i)) & Slot::kMask) != Slot::kDeleted) return false;
   return true;
 }
 
-std::uint8_t AgregarFila(NumPagina numero, std::span<std::uint8_t> pagina, Vista bytes,
-                         std::uint16_t marcas) {
-  if (!CabeFila(pagina, bytes.size())) DanioEnPagina(numero, "no tiene lugar para una fila más");
-  const unsigned n = CantidadDeRanuras(pagina);
-  const std::size_t desde = Ultima(pagina) - bytes.size();
-  PonerBytes(pagina, desde, bytes);
-  Poner16(pagina, PosRanura(n), static_cast<std::uint16_t>(desde | marcas));
-  Poner16(pagina, kRanuras, static_cast<std::uint16_t>(n + 1));
-  AnotarHueco(pagina);
+std::uint8_t AddRow(PageNumber number, std::span<std::uint8_t> page, View bytes, std::uint16_t marks) {
+  if (!RowFits(page, bytes.size())) ThrowPageDamage(number, "no tiene lugar para una fila más");
+  const unsigned n = SlotCount(page);
+  const std::size_t from = Last(page) - bytes.size();
+  PutBytes(page, from, bytes);
+  Put16(page, SlotPos(n), static_cast<std::uint16_t>(from | marks));
+  Put16(page, kSlots, static_cast<std::uint16_t>(n + 1));
+  NoteGap(page);
   return static_cast<std::uint8_t>(n);
 }
 
-bool CambiarFila(NumPagina numero, std::span<std::uint8_t> pagina, unsigned fila, Vista bytes,
-                 std::uint16_t marcas) {
-  RevisarPaginaDeFilas(numero, pagina);
-  const Ranura r = LeerRanura(numero, pagina, fila);
-  if (bytes.size() > r.largo && bytes.size() - r.largo > Hueco(pagina)) return false;
-  const std::size_t hasta = r.desde + r.largo, ultima = Ultima(pagina), desde = hasta - bytes.size();
-  std::memmove(pagina.data() + ultima + desde - r.desde, pagina.data() + ultima, r.desde - ultima);
-  const unsigned n = CantidadDeRanuras(pagina);
-  for (unsigned i = fila + 1; i < n; ++i) {
-    const std::uint16_t v = U16(pagina, PosRanura(i));
-    const std::size_t nuevo = (v & kDesplazamiento) + desde - r.desde;
-    Poner16(pagina, PosRanura(i), static_cast<std::uint16_t>(nuevo | (v & Ranura::kMascara)));
+bool ChangeRow(PageNumber number, std::span<std::uint8_t> page, unsigned row, View bytes,
+               std::uint16_t marks) {
+  CheckRowPage(number, page);
+  const Slot r = ReadSlot(number, page, row);
+  if (bytes.size() > r.length && bytes.size() - r.length > Gap(page)) return false;
+  const std::size_t to = r.from + r.length, last = Last(page), from = to - bytes.size();
+  std::memmove(page.data() + last + from - r.from, page.data() + last, r.from - last);
+  const unsigned n = SlotCount(page);
+  for (unsigned i = row + 1; i < n; ++i) {
+    const std::uint16_t v = U16(page, SlotPos(i));
+    const std::size_t fresh = (v & kOffset) + from - r.from;
+    Put16(page, SlotPos(i), static_cast<std::uint16_t>(fresh | (v & Slot::kMask)));
   }
-  PonerBytes(pagina, desde, bytes);
-  Poner16(pagina, PosRanura(fila), static_cast<std::uint16_t>(desde | marcas));
-  AnotarHueco(pagina);
+  PutBytes(page, from, bytes);
+  Put16(page, SlotPos(row), static_cast<std::uint16_t>(from | marks));
+  NoteGap(page);
   return true;
 }
 
-void QuitarFila(NumPagina numero, std::span<std::uint8_t> pagina, unsigned fila) {
-  CambiarFila(numero, pagina, fila, {}, Ranura::kBorrada);
+void RemoveRow(PageNumber number, std::span<std::uint8_t> page, unsigned row) {
+  ChangeRow(number, page, row, {}, Slot::kDeleted);
 }
 
 }  // namespace mdb

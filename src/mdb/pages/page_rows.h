@@ -12,42 +12,41 @@
 
 namespace mdb {
 
-struct Ranura {
-  static constexpr std::uint16_t kMovida = 0x4000, kDestino = 0x8000, kBorrada = 0xC000, kMascara = 0xC000;
-  static constexpr std::size_t kPrimera = 14;  // offset of the first slot
-  static constexpr unsigned kMas = 255;        // slots a page
+struct Slot {
+  static constexpr std::uint16_t kMoved = 0x4000, kTarget = 0x8000, kDeleted = 0xC000, kMask = 0xC000;
+  static constexpr std::size_t kFirst = 14;  // offset of the first slot
+  static constexpr unsigned kMax = 255;      // slots a page
 
-  std::size_t desde = 0, largo = 0;
-  std::uint16_t marcas = 0;
-  bool Borrada() const { return marcas == kBorrada; }
+  std::size_t from = 0, length = 0;
+  std::uint16_t marks = 0;
+  bool IsDeleted() const { return marks == kDeleted; }
 };
 
-constexpr std::uint32_t kDuenoMapas = 0, kDuenoLargos = 0x4C41564C;  // "LVAL"
+constexpr std::uint32_t kMapsOwner = 0, kLongValuesOwner = 0x4C41564C;  // "LVAL"
 
 // Makes an empty page of rows of these bytes.
-void NuevaPaginaDeFilas(std::span<std::uint8_t> pagina, std::uint32_t dueno);
-inline std::uint32_t DuenoDe(Vista pagina) { return U32(pagina, 4); }
-// Throws Danio when the page is none of rows, or its slots do not fall or reach out of it.
-void RevisarPaginaDeFilas(NumPagina numero, Vista pagina);
+void InitializeRowPage(std::span<std::uint8_t> page, std::uint32_t owner);
+inline std::uint32_t OwnerOf(View page) { return U32(page, 4); }
+// Throws Damage when the page is none of rows, or its slots do not fall or reach out of it.
+void CheckRowPage(PageNumber number, View page);
 
-unsigned CantidadDeRanuras(Vista pagina);
-// Throws Danio for a row that the page does not have.
-Ranura LeerRanura(NumPagina numero, Vista pagina, unsigned fila);
+unsigned SlotCount(View page);
+// Throws Damage for a row that the page does not have.
+Slot ReadSlot(PageNumber number, View page, unsigned row);
 // Bytes between the slots and the last row.
-std::size_t Hueco(Vista pagina);
+std::size_t Gap(View page);
 // Whether one more row of this length has its place.
-bool CabeFila(Vista pagina, std::size_t largo);
+bool RowFits(View page, std::size_t length);
 // Whether every row is deleted.
-bool SinFilas(Vista pagina);
+bool HasNoRows(View page);
 
 // The caller has made sure of the room. Returns the number of the new row.
-std::uint8_t AgregarFila(NumPagina numero, std::span<std::uint8_t> pagina, Vista bytes,
-                         std::uint16_t marcas = 0);
+std::uint8_t AddRow(PageNumber number, std::span<std::uint8_t> page, View bytes, std::uint16_t marks = 0);
 // Gives a row other bytes and flags and moves the rows behind it. False, and nothing changed, when the page
 // has no room for it.
-bool CambiarFila(NumPagina numero, std::span<std::uint8_t> pagina, unsigned fila, Vista bytes,
-                 std::uint16_t marcas = 0);
+bool ChangeRow(PageNumber number, std::span<std::uint8_t> page, unsigned row, View bytes,
+               std::uint16_t marks = 0);
 // Deletes a row and takes its bytes back.
-void QuitarFila(NumPagina numero, std::span<std::uint8_t> pagina, unsigned fila);
+void RemoveRow(PageNumber number, std::span<std::uint8_t> page, unsigned row);
 
 }  // namespace mdb

@@ -7,88 +7,86 @@ namespace {
 
 // Clean images kept for the next reader (32 MB of 4 KB pages). All go at once: whoever reads a table reads
 // each of its pages once.
-constexpr std::size_t kLimpias = 8192;
+constexpr std::size_t kMaxClean = 8192;
 
 // The format's greatest file: 2 GiB, 1 GiB in Jet 3.
-NumPagina MasPaginas(const Cabecera& c) {
-  return static_cast<NumPagina>((c.Jet3() ? (1ULL << 30) : (1ULL << 31)) / c.tamano_pagina);
+PageNumber MaxPages(const FileHeader& c) {
+  return static_cast<PageNumber>((c.Jet3() ? (1ULL << 30) : (1ULL << 31)) / c.page_size);
 }
 
 }  // namespace
 
-Imagen Paginas::Leer(NumPagina numero) {
-  if (const auto c = cambiadas_.find(numero); c != cambiadas_.end()) return c->second;
-  if (const auto l = limpias_.find(numero); l != limpias_.end()) return l->second;
-  if (numero >= cantidad_)
-    DanioEnPagina(numero, "el archivo tiene " + std::to_string(cantidad_) + " páginas");
-  auto imagen = std::make_shared<const Bytes>(Traer(numero));
-  if (limpias_.size() >= kLimpias) limpias_.clear();
-  limpias_.emplace(numero, imagen);
-  return imagen;
+Image PageFile::Read(PageNumber number) {
+  if (const auto c = changed_.find(number); c != changed_.end()) return c->second;
+  if (const auto l = clean_.find(number); l != clean_.end()) return l->second;
+  if (number >= count_) ThrowPageDamage(number, "el archivo tiene " + std::to_string(count_) + " páginas");
+  auto image = std::make_shared<const Bytes>(Fetch(number));
+  if (clean_.size() >= kMaxClean) clean_.clear();
+  clean_.emplace(number, image);
+  return image;
 }
 
-Bytes& Paginas::Modificar(NumPagina numero) {
-  if (!motivo_.empty()) throw base::StorageFault(motivo_);
-  auto it = cambiadas_.find(numero);
-  if (it == cambiadas_.end()) {
-    it = cambiadas_.emplace(numero, std::make_shared<Bytes>(*Leer(numero))).first;
-    limpias_.erase(numero);
+Bytes& PageFile::Modify(PageNumber number) {
+  if (!reason_.empty()) throw base::StorageFault(reason_);
+  auto it = changed_.find(number);
+  if (it == changed_.end()) {
+    it = changed_.emplace(number, std::make_shared<Bytes>(*Read(number))).first;
+    clean_.erase(number);
   } else if (it->second.use_count() > 1) {
     it->second = std::make_shared<Bytes>(*it->second);
   }
   return *it->second;
 }
 
-NumPagina Paginas::Agregar() {
-  if (!motivo_.empty()) throw base::StorageFault(motivo_);
-  if (cantidad_ >= MasPaginas(cabecera_))
+PageNumber PageFile::Add() {
+  if (!reason_.empty()) throw base::StorageFault(reason_);
+  if (count_ >= MaxPages(header_))
     throw base::StorageFault(
         "La base llegó al tamaño más grande que admite su formato: compáctela antes de seguir");
-  cambiadas_.emplace(cantidad_, std::make_shared<Bytes>(Tamano(), std::uint8_t{0}));
-  return cantidad_++;
+  changed_.emplace(count_, std::make_shared<Bytes>(PageSize(), std::uint8_t{0}));
+  return count_++;
 }
 
-void Paginas::Confirmar() {
-  if (cambiadas_.empty()) return;
+void PageFile::Commit() {
+  if (changed_.empty()) return;
   try {
-    Volcar(cambiadas_, guardadas_, cantidad_);
+    Flush(changed_, stored_, count_);
   } catch (const base::Error&) {
-    Deshacer();
+    Rollback();
     throw;
   }
-  guardadas_ = cantidad_;
-  for (auto& [numero, bytes] : cambiadas_) limpias_[numero] = std::move(bytes);
-  cambiadas_.clear();
+  stored_ = count_;
+  for (auto& [number, bytes] : changed_) clean_[number] = std::move(bytes);
+  changed_.clear();
 }
 
-void Paginas::Deshacer() {
-  cambiadas_.clear();
-  cantidad_ = guardadas_;
+void PageFile::Rollback() {
+  changed_.clear();
+  count_ = stored_;
 }
 
-void Paginas::Volver(Punto punto) {
-  cambiadas_ = std::move(punto.cambiadas);
-  cantidad_ = punto.cantidad;
+void PageFile::RollbackTo(Savepoint point) {
+  changed_ = std::move(point.changed);
+  count_ = point.count;
 }
 
-PaginasEnMemoria::PaginasEnMemoria(Cabecera cabecera, Bytes bytes)
-    : Paginas(cabecera, static_cast<NumPagina>(bytes.size() / cabecera.tamano_pagina)),
-      bytes_(std::move(bytes)) {}
+MemoryPages::MemoryPages(FileHeader header, Bytes bytes)
+    : PageFile(header, static_cast<PageNumber>(bytes.size() / header.page_size)), bytes_(std::move(bytes)) {}
 
-Bytes PaginasEnMemoria::Traer(NumPagina numero) {
-  const Vista pagina = Trozo(bytes_, numero * Tamano(), Tamano());
-  Bytes plana(pagina.begin(), pagina.end());
-  CifrarPagina(Cab(), numero, plana);
-  return plana;
+Bytes MemoryPages::Fetch(PageNumber number) {
+  const View page = Slice(bytes_, number * PageSize(), PageSize());
+  Bytes plain(page.begin(), page.end());
+  EncryptPage(Header(), number, plain);
+  return plain;
 }
 
-void PaginasEnMemoria::Volcar(const Cambiadas& cambiadas, NumPagina, NumPagina cantidad) {
-  bytes_.resize(cantidad * Tamano());
-  for (const auto& [numero, plana] : cambiadas) {
-    Bytes guardada = *plana;
-    CifrarPagina(Cab(), numero, guardada);
-    std::copy(guardada.begin(), guardada.end(),
-              bytes_.begin() + static_cast<std::ptrdiff_t>(numero * Tamano()));
+void MemoryPages::Flush(const ChangedPages& changed, PageNumber, PageNumber count) {
+  bytes_.resize(count * PageSize());
+  for (const auto& [number, plain] : changed) {
+    Bytes stored = *plain;
+    EncryptPage(Header(), number, stored);
+    std::copy(stored.begin(), stored.end(),
+              bytes_.begin() + static_cast<std::ptrdiff_t>(number * PageSize()));
   }
 }
 

@@ -1,7 +1,7 @@
 // The pages of a file and the changes that wait for their commit.
 //
-// Changes stay in memory until Confirmar, which writes all of them or none; Deshacer drops them. An image
-// handed out by Leer never changes: a page that is modified while somebody holds its image is copied first.
+// Changes stay in memory until Commit, which writes all of them or none; Rollback drops them. An image
+// handed out by Read never changes: a page that is modified while somebody holds its image is copied first.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace mdb {
 
-using Imagen = std::shared_ptr<const Bytes>;
+using Image = std::shared_ptr<const Bytes>;
 
 // Why nothing may be written into a file.
 enum class ReadOnlyCause : std::uint8_t {
@@ -25,77 +25,77 @@ enum class ReadOnlyCause : std::uint8_t {
   Broken       // a commit failed half-way
 };
 
-class Paginas {
+class PageFile {
  public:
-  explicit Paginas(Cabecera cabecera, NumPagina cantidad)
-      : cabecera_(std::move(cabecera)), guardadas_(cantidad), cantidad_(cantidad) {}
-  Paginas(const Paginas&) = delete;
-  Paginas& operator=(const Paginas&) = delete;
-  virtual ~Paginas() = default;
+  explicit PageFile(FileHeader header, PageNumber count)
+      : header_(std::move(header)), stored_(count), count_(count) {}
+  PageFile(const PageFile&) = delete;
+  PageFile& operator=(const PageFile&) = delete;
+  virtual ~PageFile() = default;
 
-  const Cabecera& Cab() const { return cabecera_; }
-  std::size_t Tamano() const { return cabecera_.tamano_pagina; }
-  NumPagina Cantidad() const { return cantidad_; }  // with the pages added since the last commit
+  const FileHeader& Header() const { return header_; }
+  std::size_t PageSize() const { return header_.page_size; }
+  PageNumber Count() const { return count_; }  // with the pages added since the last commit
 
-  // The page as it is now, plain. Throws Danio for a number beyond the end, base::Error when the disk fails.
-  Imagen Leer(NumPagina numero);
-  // The page to write in. The reference holds until the next Modificar of the same page, Guardar, Volver,
-  // Confirmar or Deshacer. Throws base::Error when the file is open for reading only.
-  Bytes& Modificar(NumPagina numero);
+  // The page as it is now, plain. Throws Damage for a number beyond the end, base::Error when the disk fails.
+  Image Read(PageNumber number);
+  // The page to write in. The reference holds until the next Modify of the same page, Save, RollbackTo,
+  // Commit or Rollback. Throws base::Error when the file is open for reading only.
+  Bytes& Modify(PageNumber number);
   // A new page at the end, all zeros; the caller enters it in the page maps (see page_map.h). Throws
   // base::Error at the format's greatest size.
-  NumPagina Agregar();
+  PageNumber Add();
 
   // Why nothing may be written; empty when it may.
-  const std::string& MotivoSoloLectura() const { return motivo_; }
+  const std::string& ReadOnlyReason() const { return reason_; }
   ReadOnlyCause WhyReadOnly() const { return cause_; }
-  bool HayCambios() const { return !cambiadas_.empty(); }
+  bool HasChanges() const { return !changed_.empty(); }
   // Whether another program has committed into a file that is only read since it was opened, or has put
   // another file in its place: what was read from it is then of the past, and more may not be had.
-  virtual bool CambioAfuera() const { return false; }
+  virtual bool ChangedOutside() const { return false; }
 
   // Writes all changes, or none (then throws base::Error with the reason and the changes are dropped).
-  void Confirmar();
-  void Deshacer();
+  void Commit();
+  void Rollback();
 
   // A point inside a transaction to come back to.
-  struct Punto {
-    std::unordered_map<NumPagina, std::shared_ptr<Bytes>> cambiadas;
-    NumPagina cantidad = 0;
+  struct Savepoint {
+    std::unordered_map<PageNumber, std::shared_ptr<Bytes>> changed;
+    PageNumber count = 0;
   };
-  Punto Guardar() const { return {cambiadas_, cantidad_}; }
-  void Volver(Punto punto);
+  Savepoint Save() const { return {changed_, count_}; }
+  void RollbackTo(Savepoint point);
 
  protected:
-  using Cambiadas = std::unordered_map<NumPagina, std::shared_ptr<Bytes>>;
+  using ChangedPages = std::unordered_map<PageNumber, std::shared_ptr<Bytes>>;
   // The stored page, decrypted.
-  virtual Bytes Traer(NumPagina numero) = 0;
-  // Writes the pages (plain bytes) and makes the file `cantidad` pages long, all or nothing; throws
-  // base::Error. `antes` is the length in pages at the last commit.
-  virtual void Volcar(const Cambiadas& cambiadas, NumPagina antes, NumPagina cantidad) = 0;
-  void PonerSoloLectura(ReadOnlyCause cause, std::string motivo) {
+  virtual Bytes Fetch(PageNumber number) = 0;
+  // Writes the pages (plain bytes) and makes the file `count` pages long, all or nothing; throws
+  // base::Error. `before` is the length in pages at the last commit.
+  virtual void Flush(const ChangedPages& changed, PageNumber before, PageNumber count) = 0;
+  void SetReadOnly(ReadOnlyCause cause, std::string reason) {
     cause_ = cause;
-    motivo_ = std::move(motivo);
+    reason_ = std::move(reason);
   }
 
  private:
-  Cabecera cabecera_;
+  FileHeader header_;
   ReadOnlyCause cause_ = ReadOnlyCause::None;
-  std::string motivo_;
-  Cambiadas cambiadas_;
-  std::unordered_map<NumPagina, Imagen> limpias_;
-  NumPagina guardadas_, cantidad_;
+  std::string reason_;
+  ChangedPages changed_;
+  std::unordered_map<PageNumber, Image> clean_;
+  PageNumber stored_, count_;
 };
 
 // A file in memory, for tests and for building a new file before it is written.
-class PaginasEnMemoria final : public Paginas {
+class MemoryPages final : public PageFile {
  public:
-  PaginasEnMemoria(Cabecera cabecera, Bytes bytes);
-  const Bytes& Guardado() const { return bytes_; }  // as stored, since the last commit
+  MemoryPages(FileHeader header, Bytes bytes);
+  const Bytes& Stored() const { return bytes_; }  // as stored, since the last commit
 
  private:
-  Bytes Traer(NumPagina numero) override;
-  void Volcar(const Cambiadas& cambiadas, NumPagina antes, NumPagina cantidad) override;
+  Bytes Fetch(PageNumber number) override;
+  void Flush(const ChangedPages& changed, PageNumber before, PageNumber count) override;
   Bytes bytes_;
 };
 

@@ -9,30 +9,30 @@
 
 namespace mdb {
 
-struct FilaDeConsulta {
-  std::uint8_t atributo = 0;
-  std::uint32_t orden = 0;  // counter within the attribute, from 1 (0 for those without)
-  std::optional<std::string> nombre1, nombre2, expresion;
-  std::optional<std::int16_t> bandera;
+struct QueryRow {
+  std::uint8_t attribute = 0;
+  std::uint32_t order = 0;  // counter within the attribute, from 1 (0 for those without)
+  std::optional<std::string> name1, name2, expression;
+  std::optional<std::int16_t> flag;
   std::optional<std::int32_t> extra;  // LvExtra
 };
 
-enum class ClaseConsulta {
-  Seleccion,
-  CrearTabla,
-  Agregar,
-  Actualizar,
-  Eliminar,
-  Cruzada,
-  Definicion,
-  Directa,
+enum class QueryKind {
+  Select,
+  CreateTable,
+  Append,
+  Update,
+  Delete,
+  Crosstab,
+  Definition,
+  PassThrough,
   Union
 };
 
-struct ConsultaGuardada {
-  std::string nombre;
-  std::uint32_t banderas = 0;         // of its row in MSysObjects
-  std::vector<FilaDeConsulta> filas;  // in any order
+struct SavedQuery {
+  std::string name;
+  std::uint32_t flags = 0;     // of its row in MSysObjects
+  std::vector<QueryRow> rows;  // in any order
 };
 
 namespace query_codes {
@@ -65,12 +65,12 @@ inline constexpr std::int16_t kInner = 1, kLeft = 2, kRight = 3;
 }  // namespace query_codes
 
 // The flag of the row of the kind.
-std::int16_t CodeOf(ClaseConsulta kind);
+std::int16_t CodeOf(QueryKind kind);
 // The bits of the object's flags that say the kind; the others are not its business.
 inline constexpr std::uint32_t kKindBits = 0xF0;
-std::uint32_t ObjectFlagsOf(ClaseConsulta kind);
+std::uint32_t ObjectFlagsOf(QueryKind kind);
 
 // By the row of the kind, else by the object's flags. Throws base::Error for a code that is none.
-ClaseConsulta ClaseDe(const ConsultaGuardada& consulta);
+QueryKind KindOf(const SavedQuery& query);
 
 }  // namespace mdb

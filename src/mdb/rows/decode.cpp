@@ -8,88 +8,88 @@
 namespace mdb {
 namespace {
 
-constexpr std::size_t kCampoLargo = 12;
-constexpr std::uint32_t kEnLinea = 0x80000000, kEnUnaFila = 0x40000000, kLargo = 0x3FFFFFFF;
+constexpr std::size_t kLongField = 12;
+constexpr std::uint32_t kInline = 0x80000000, kInOneRow = 0x40000000, kLength = 0x3FFFFFFF;
 
 // One row of a page of long values.
-internal::Lugar Pieza(Paginas& paginas, Puntero puntero) {
-  std::uint32_t dueno = 0;
-  auto lugar = internal::Seguir(paginas, puntero, &dueno);
-  if (dueno != internal::kLval || lugar.ranura.banderas != 0)
-    DanioEnPagina(puntero.pagina, "un valor largo lleva a una fila que no lo es");
-  return lugar;
+internal::Place ReadPiece(PageFile& pages, Pointer pointer) {
+  std::uint32_t owner = 0;
+  auto place = internal::Follow(pages, pointer, &owner);
+  if (owner != internal::kLval || place.slot.flags != 0)
+    ThrowPageDamage(pointer.page, "un valor largo lleva a una fila que no lo es");
+  return place;
 }
 
 // Rows that each start with the pointer to the next. A chain that comes back ends at the value's length.
-Bytes LeerCadena(Paginas& paginas, Puntero puntero, std::size_t largo) {
-  Bytes valor;
-  while (valor.size() < largo) {
-    if (puntero.pagina == 0) throw Danio("El archivo está dañado: un valor largo está incompleto");
-    const auto pieza = Pieza(paginas, puntero);
-    if (pieza.ranura.bytes.size() <= 4) DanioEnPagina(puntero.pagina, "un valor largo tiene una pieza vacía");
-    AgregarBytes(valor, pieza.ranura.bytes.subspan(4));
-    puntero = internal::LeerPuntero(pieza.ranura.bytes, 0);
+Bytes ReadChain(PageFile& pages, Pointer pointer, std::size_t length) {
+  Bytes value;
+  while (value.size() < length) {
+    if (pointer.page == 0) throw Damage("El archivo está dañado: un valor largo está incompleto");
+    const auto piece = ReadPiece(pages, pointer);
+    if (piece.slot.bytes.size() <= 4) ThrowPageDamage(pointer.page, "un valor largo tiene una pieza vacía");
+    AppendBytes(value, piece.slot.bytes.subspan(4));
+    pointer = internal::ReadPointer(piece.slot.bytes, 0);
   }
-  valor.resize(largo);
-  return valor;
+  value.resize(length);
+  return value;
 }
 
-// Calls `uso` with the value's bytes, which stay where they are as long as they stand in one piece.
-template <typename Uso>
-void ConValorLargo(Paginas& paginas, Vista campo, Uso&& uso) {
-  const std::uint32_t palabra = U32(campo, 0);
-  const std::size_t largo = palabra & kLargo;
-  if ((palabra & kEnLinea) != 0) return uso(Trozo(campo, kCampoLargo, largo));
-  const Puntero puntero = internal::LeerPuntero(campo, 4);
-  Trozo(campo, 8, 4);
-  if (largo == 0) return uso(Vista());
+// Calls `use` with the value's bytes, which stay where they are as long as they stand in one piece.
+template <typename Use>
+void WithLongValue(PageFile& pages, View field, Use&& use) {
+  const std::uint32_t word = U32(field, 0);
+  const std::size_t length = word & kLength;
+  if ((word & kInline) != 0) return use(Slice(field, kLongField, length));
+  const Pointer pointer = internal::ReadPointer(field, 4);
+  Slice(field, 8, 4);
+  if (length == 0) return use(View());
   // No value is longer than its file: what a damaged length could make us allocate ends there.
-  if (largo > paginas.Cantidad() * paginas.Tamano())
-    throw Danio("El archivo está dañado: un valor largo es más largo que el archivo");
-  if ((palabra & kEnUnaFila) == 0) return uso(Vista(LeerCadena(paginas, puntero, largo)));
-  const auto pieza = Pieza(paginas, puntero);
-  internal::NombrandoPagina(puntero.pagina, "un valor largo está incompleto",
-                            [&] { Trozo(pieza.ranura.bytes, 0, largo); });
-  uso(pieza.ranura.bytes.first(largo));
+  if (length > pages.Count() * pages.PageSize())
+    throw Damage("El archivo está dañado: un valor largo es más largo que el archivo");
+  if ((word & kInOneRow) == 0) return use(View(ReadChain(pages, pointer, length)));
+  const auto piece = ReadPiece(pages, pointer);
+  internal::NamingPage(pointer.page, "un valor largo está incompleto",
+                       [&] { Slice(piece.slot.bytes, 0, length); });
+  use(piece.slot.bytes.first(length));
 }
 
 template <typename T>
-T& Reusar(Dato& d) {
+T& Reuse(Datum& d) {
   if (auto* t = std::get_if<T>(&d)) return *t;
   return d.emplace<T>();
 }
 
-void PonerBytesEn(Vista bytes, Dato& destino) { Reusar<Bytes>(destino).assign(bytes.begin(), bytes.end()); }
+void PutBytesInto(View bytes, Datum& target) { Reuse<Bytes>(target).assign(bytes.begin(), bytes.end()); }
 
-Guid LeerGuid(Vista v) {
-  constexpr std::array<std::uint8_t, 16> kOrden = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+Guid ReadGuid(View v) {
+  constexpr std::array<std::uint8_t, 16> kOrder = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
   Guid g;
-  Trozo(v, 0, 16);
-  for (std::size_t i = 0; i < 16; ++i) g.bytes[i] = v[kOrden[i]];
+  Slice(v, 0, 16);
+  for (std::size_t i = 0; i < 16; ++i) g.bytes[i] = v[kOrder[i]];
   return g;
 }
 
-Decimal LeerDecimal(Vista v, std::uint8_t escala) {
+Decimal ReadDecimal(View v, std::uint8_t scale) {
   Decimal d;
-  d.negativo = U8(v, 0) != 0;
-  for (std::size_t i = 0; i < 4; ++i) d.magnitud[i] = U32(v, 1 + 4 * i);
-  d.escala = escala;
+  d.negative = U8(v, 0) != 0;
+  for (std::size_t i = 0; i < 4; ++i) d.magnitude[i] = U32(v, 1 + 4 * i);
+  d.scale = scale;
   return d;
 }
 
 // A calculated column keeps its result with its length in front, behind 16 bytes of its own.
-Vista QuitarEnvoltura(Vista v) {
-  const std::size_t largo = U32(v, 16);
-  return Trozo(v, 20, largo);
+View Unwrap(View v) {
+  const std::size_t length = U32(v, 16);
+  return Slice(v, 20, length);
 }
 
-void LeerLarga(Paginas& paginas, const Columna& columna, Vista bytes, Dato& destino) {
-  ConValorLargo(paginas, bytes, [&](Vista valor) {
-    if (columna.Calculada()) valor = QuitarEnvoltura(valor);
-    if (columna.tipo == TipoColumna::Memo) {
-      internal::LeerTexto(paginas.Cab(), valor, Reusar<std::string>(destino));
+void ReadLong(PageFile& pages, const Column& column, View bytes, Datum& target) {
+  WithLongValue(pages, bytes, [&](View value) {
+    if (column.IsCalculated()) value = Unwrap(value);
+    if (column.type == ColumnType::Memo) {
+      internal::ReadText(pages.Header(), value, Reuse<std::string>(target));
     } else {
-      PonerBytesEn(valor, destino);
+      PutBytesInto(value, target);
     }
   });
 }
@@ -98,61 +98,61 @@ void LeerLarga(Paginas& paginas, const Columna& columna, Vista bytes, Dato& dest
 
 namespace internal {
 
-void DecodificarEn(Paginas& paginas, const Columna& columna, Vista bytes, Dato& destino) {
-  if (columna.EsLarga()) return LeerLarga(paginas, columna, bytes, destino);
-  if (columna.Calculada()) bytes = QuitarEnvoltura(bytes);
-  switch (columna.tipo) {
-    case TipoColumna::Booleano:
-      destino = U8(bytes, 0) != 0;
+void DecodeInto(PageFile& pages, const Column& column, View bytes, Datum& target) {
+  if (column.IsLong()) return ReadLong(pages, column, bytes, target);
+  if (column.IsCalculated()) bytes = Unwrap(bytes);
+  switch (column.type) {
+    case ColumnType::Boolean:
+      target = U8(bytes, 0) != 0;
       return;
-    case TipoColumna::Byte:
-      destino = std::int64_t{U8(bytes, 0)};
+    case ColumnType::Byte:
+      target = std::int64_t{U8(bytes, 0)};
       return;
-    case TipoColumna::Entero:
-      destino = std::int64_t{I16(bytes, 0)};
+    case ColumnType::Integer:
+      target = std::int64_t{I16(bytes, 0)};
       return;
-    case TipoColumna::Largo:
-    case TipoColumna::Complejo:
-      destino = std::int64_t{I32(bytes, 0)};
+    case ColumnType::Long:
+    case ColumnType::Complex:
+      target = std::int64_t{I32(bytes, 0)};
       return;
-    case TipoColumna::EnteroGrande:
-      destino = I64(bytes, 0);
+    case ColumnType::BigInteger:
+      target = I64(bytes, 0);
       return;
-    case TipoColumna::Moneda:
-      destino = base::Moneda{I64(bytes, 0)};
+    case ColumnType::Currency:
+      target = base::Currency{I64(bytes, 0)};
       return;
-    case TipoColumna::Simple:
-      destino = F32(bytes, 0);
+    case ColumnType::Single:
+      target = F32(bytes, 0);
       return;
-    case TipoColumna::Doble:
-      destino = F64(bytes, 0);
+    case ColumnType::Double:
+      target = F64(bytes, 0);
       return;
-    case TipoColumna::Fecha:
-      destino = base::Fecha{F64(bytes, 0)};
+    case ColumnType::Date:
+      target = base::Date{F64(bytes, 0)};
       return;
-    case TipoColumna::Texto:
-      return LeerTexto(paginas.Cab(), bytes, Reusar<std::string>(destino));
-    case TipoColumna::Guid:
-      destino = LeerGuid(bytes);
+    case ColumnType::Text:
+      return ReadText(pages.Header(), bytes, Reuse<std::string>(target));
+    case ColumnType::Guid:
+      target = ReadGuid(bytes);
       return;
-    case TipoColumna::Decimal:
-      destino = LeerDecimal(bytes, columna.escala);
+    case ColumnType::Decimal:
+      target = ReadDecimal(bytes, column.scale);
       return;
-    case TipoColumna::FechaExtendida: {
-      const auto fin = std::find(bytes.begin(), bytes.end(), 0);
-      Reusar<std::string>(destino).assign(bytes.begin(), fin);
+    case ColumnType::ExtendedDate: {
+      const auto end = std::find(bytes.begin(), bytes.end(), 0);
+      Reuse<std::string>(target).assign(bytes.begin(), end);
       return;
     }
     default:  // Binary, and types that later versions may bring: their bytes
-      PonerBytesEn(bytes, destino);
+      PutBytesInto(bytes, target);
   }
 }
 
 }  // namespace internal
 
-Dato Decodificar(Paginas& paginas, const Columna& columna, Vista bytes) {
-  Dato d;
-  internal::DecodificarEn(paginas, columna, bytes, d);
+Datum Decode(PageFile& pages, const Column& column, View bytes) {
+  Datum d;
+  internal::DecodeInto(pages, column, bytes, d);
   return d;
 }
 

@@ -7,73 +7,73 @@
 namespace mdb::internal {
 namespace {
 
-Bytes Campo(std::uint32_t palabra, IdFila fila) {
-  Bytes campo;
-  Agregar32(campo, palabra);
-  AgregarBytes(campo, Puntero4(fila));
-  Agregar32(campo, 0);
-  return campo;
+Bytes Field(std::uint32_t word, RowId row) {
+  Bytes field;
+  Append32(field, word);
+  AppendBytes(field, Pointer4(row));
+  Append32(field, 0);
+  return field;
 }
 
 }  // namespace
 
-Bytes Puntero4(IdFila fila) {
+Bytes Pointer4(RowId row) {
   Bytes b;
-  Agregar8(b, fila.fila);
-  Agregar24(b, fila.pagina);
+  Append8(b, row.row);
+  Append24(b, row.page);
   return b;
 }
 
-ValoresLargos::ValoresLargos(Paginas& paginas, const Definicion& definicion, const Columna& columna)
-    : paginas_(paginas),
-      donde_("la columna \"" + columna.nombre + "\" de la tabla \"" + definicion.nombre + "\""),
-      propias_(columna.lv_propias),
-      almacen_(paginas, kDuenoLargos, columna.lv_propias, columna.lv_libres) {}
+LongValues::LongValues(PageFile& pages, const Definition& definition, const Column& column)
+    : pages_(pages),
+      where_("la columna \"" + column.name + "\" de la tabla \"" + definition.name + "\""),
+      owned_pages_(column.lv_owned_pages),
+      store_(pages, kLongValuesOwner, column.lv_owned_pages, column.lv_free_pages) {}
 
-Bytes ValoresLargos::Guardar(Vista valor, bool puede_en_linea) {
-  const auto largo = static_cast<std::uint32_t>(valor.size());
-  if (valor.size() <= kLargoEnLinea && puede_en_linea) {
-    Bytes campo = Campo(largo | kEnLinea, {});
-    AgregarBytes(campo, valor);
-    return campo;
+Bytes LongValues::Store(View value, bool can_be_inline) {
+  const auto length = static_cast<std::uint32_t>(value.size());
+  if (value.size() <= kInlineLength && can_be_inline) {
+    Bytes field = Field(length | kInline, {});
+    AppendBytes(field, value);
+    return field;
   }
-  if (valor.size() > kLargoMas)
-    throw base::Error("El valor es demasiado largo para " + donde_ + ": el formato llega a 1 GB");
-  if (propias_.pagina == 0) throw base::Error("No hay dónde guardar valores largos de " + donde_);
-  if (valor.size() <= kLargoDePieza) return Campo(largo | kEnUnaFila, almacen_.Agregar(valor));
+  if (value.size() > kMaxLength)
+    throw base::Error("El valor es demasiado largo para " + where_ + ": el formato llega a 1 GB");
+  if (owned_pages_.page == 0) throw base::Error("No hay dónde guardar valores largos de " + where_);
+  if (value.size() <= kPieceLength) return Field(length | kInOneRow, store_.Add(value));
   // A chain, made from its end: each piece names the next. Only the last one may be short.
-  const std::size_t de_pieza = kLargoDePieza - 4;
-  IdFila siguiente{};
-  for (std::size_t fin = valor.size(); fin > 0;) {
-    const std::size_t desde = (fin - 1) / de_pieza * de_pieza;
-    Bytes pieza = Puntero4(siguiente);
-    AgregarBytes(pieza, valor.subspan(desde, fin - desde));
-    siguiente = almacen_.Agregar(pieza);
-    fin = desde;
+  const std::size_t per_piece = kPieceLength - 4;
+  RowId next{};
+  for (std::size_t end = value.size(); end > 0;) {
+    const std::size_t from = (end - 1) / per_piece * per_piece;
+    Bytes piece = Pointer4(next);
+    AppendBytes(piece, value.subspan(from, end - from));
+    next = store_.Add(piece);
+    end = from;
   }
-  return Campo(largo, siguiente);
+  return Field(length, next);
 }
 
-void ValoresLargos::Soltar(Vista campo) {
-  if (campo.size() < kCampoLargo) return;
-  const std::uint32_t palabra = U32(campo, 0);
-  if ((palabra & kEnLinea) != 0) return;
-  IdFila pieza = LeerPuntero(campo, 4);
+void LongValues::Release(View field) {
+  if (field.size() < kLongField) return;
+  const std::uint32_t word = U32(field, 0);
+  if ((word & kInline) != 0) return;
+  RowId piece = ReadPointer(field, 4);
   // No longer than its value, so that a damaged chain that comes back ends.
-  for (std::size_t quedan = palabra & kLargoMas; pieza.pagina != 0 && quedan > 0;) {
-    if (!EnMapa(paginas_, propias_, pieza.pagina)) return;
-    IdFila siguiente{};
-    std::size_t largo = quedan;
-    if ((palabra & kEnUnaFila) == 0) {
-      const Imagen pagina = paginas_.Leer(pieza.pagina);
-      const auto r = LeerRanura(pieza.pagina, *pagina, pieza.fila);
-      if (r.largo <= 4) DanioEnPagina(pieza.pagina, "un valor largo tiene una pieza vacía");
-      siguiente = LeerPuntero(*pagina, r.desde);
-      largo = std::min(quedan, r.largo - 4);
+  for (std::size_t remaining = word & kMaxLength; piece.page != 0 && remaining > 0;) {
+    if (!IsInMap(pages_, owned_pages_, piece.page)) return;
+    RowId next{};
+    std::size_t length = remaining;
+    if ((word & kInOneRow) == 0) {
+      const Image page = pages_.Read(piece.page);
+      const auto r = ReadSlot(piece.page, *page, piece.row);
+      if (r.length <= 4) ThrowPageDamage(piece.page, "un valor largo tiene una pieza vacía");
+      next = ReadPointer(*page, r.from);
+      length = std::min(remaining, r.length - 4);
     }
-    almacen_.Quitar(pieza);
-    quedan -= largo;
-    pieza = siguiente;
+    store_.Remove(piece);
+    remaining -= length;
+    piece = next;
   }
 }
 

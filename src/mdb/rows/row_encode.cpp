@@ -7,65 +7,67 @@
 namespace mdb::internal {
 namespace {
 
-constexpr std::size_t kNinguna = static_cast<std::size_t>(-1);
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
 // A Boolean has only its bit, whatever its flags say.
-bool OcupaLugar(const Columna& c) { return c.tipo != TipoColumna::Booleano; }
+bool TakesRoom(const Column& c) { return c.type != ColumnType::Boolean; }
 
-std::size_t LargoDeMascara(const Definicion& d) { return (d.max_columnas + 7U) / 8U; }
+std::size_t MaskLength(const Definition& d) { return (d.max_columns + 7U) / 8U; }
 
 }  // namespace
 
-std::string NombreCompleto(const Definicion& definicion, const Columna& columna) {
-  return "columna \"" + columna.nombre + "\" de la tabla \"" + definicion.nombre + "\"";
+std::string FullName(const Definition& definition, const Column& column) {
+  return "columna \"" + column.name + "\" de la tabla \"" + definition.name + "\"";
 }
 
-ArmadorDeFilas::ArmadorDeFilas(const Definicion& definicion)
-    : definicion_(definicion), variable_(definicion.variables, kNinguna) {
-  const auto danio = [&] { DanioEnPagina(definicion.Pagina(), "las columnas no concuerdan entre sí"); };
-  for (std::size_t i = 0; i < definicion.columnas.size(); ++i) {
-    const Columna& c = definicion.columnas[i];
-    if (c.numero >= definicion.max_columnas) danio();
-    if (!OcupaLugar(c)) continue;
-    if (c.Fija()) {
-      fijos_ = std::max(fijos_, 2 + std::size_t{c.desplazamiento} + AnchoFijo(c));
+RowBuilder::RowBuilder(const Definition& definition)
+    : definition_(definition), variable_(definition.variables, kNone) {
+  const auto throw_damage = [&] {
+    ThrowPageDamage(definition.Page(), "las columnas no concuerdan entre sí");
+  };
+  for (std::size_t i = 0; i < definition.columns.size(); ++i) {
+    const Column& c = definition.columns[i];
+    if (c.number >= definition.max_columns) throw_damage();
+    if (!TakesRoom(c)) continue;
+    if (c.IsFixed()) {
+      fixed_end_ = std::max(fixed_end_, 2 + std::size_t{c.offset} + FixedWidth(c));
     } else {
-      if (c.variable >= definicion.variables || variable_[c.variable] != kNinguna) danio();
+      if (c.variable >= definition.variables || variable_[c.variable] != kNone) throw_damage();
       variable_[c.variable] = i;
     }
   }
 }
 
-std::size_t ArmadorDeFilas::Largo(const std::vector<Crudo>& crudos) const {
-  std::size_t largo = fijos_ + LargoDeMascara(definicion_);
-  if (!variable_.empty()) largo += 4 + 2 * variable_.size();
+std::size_t RowBuilder::Length(const std::vector<Raw>& raw_values) const {
+  std::size_t length = fixed_end_ + MaskLength(definition_);
+  if (!variable_.empty()) length += 4 + 2 * variable_.size();
   for (const std::size_t i : variable_)
-    if (i != kNinguna && crudos[i]) largo += crudos[i]->size();
-  return largo;
+    if (i != kNone && raw_values[i]) length += raw_values[i]->size();
+  return length;
 }
 
-void ArmadorDeFilas::Armar(const std::vector<Crudo>& crudos, Bytes& fila) const {
-  fila.assign(fijos_, 0);
-  Poner16(fila, 0, definicion_.max_columnas);
-  Bytes mascara(LargoDeMascara(definicion_), 0);
-  for (std::size_t i = 0; i < crudos.size(); ++i) {
-    const Columna& c = definicion_.columnas[i];
-    const Crudo& crudo = crudos[i];
-    if (!crudo || (c.tipo == TipoColumna::Booleano && U8(*crudo, 0) == 0)) continue;
-    mascara[c.numero / 8U] = static_cast<std::uint8_t>(mascara[c.numero / 8U] | 1U << (c.numero % 8U));
-    if (OcupaLugar(c) && c.Fija()) PonerBytes(fila, 2 + std::size_t{c.desplazamiento}, *crudo);
+void RowBuilder::Build(const std::vector<Raw>& raw_values, Bytes& row) const {
+  row.assign(fixed_end_, 0);
+  Put16(row, 0, definition_.max_columns);
+  Bytes mask(MaskLength(definition_), 0);
+  for (std::size_t i = 0; i < raw_values.size(); ++i) {
+    const Column& c = definition_.columns[i];
+    const Raw& raw = raw_values[i];
+    if (!raw || (c.type == ColumnType::Boolean && U8(*raw, 0) == 0)) continue;
+    mask[c.number / 8U] = static_cast<std::uint8_t>(mask[c.number / 8U] | 1U << (c.number % 8U));
+    if (TakesRoom(c) && c.IsFixed()) PutBytes(row, 2 + std::size_t{c.offset}, *raw);
   }
   if (!variable_.empty()) {
-    std::vector<std::uint16_t> inicio;
+    std::vector<std::uint16_t> start;
     for (const std::size_t i : variable_) {
-      inicio.push_back(static_cast<std::uint16_t>(fila.size()));
-      if (i != kNinguna && crudos[i]) AgregarBytes(fila, *crudos[i]);
+      start.push_back(static_cast<std::uint16_t>(row.size()));
+      if (i != kNone && raw_values[i]) AppendBytes(row, *raw_values[i]);
     }
-    Agregar16(fila, static_cast<std::uint16_t>(fila.size()));
-    for (auto it = inicio.rbegin(); it != inicio.rend(); ++it) Agregar16(fila, *it);
-    Agregar16(fila, static_cast<std::uint16_t>(inicio.size()));
+    Append16(row, static_cast<std::uint16_t>(row.size()));
+    for (auto it = start.rbegin(); it != start.rend(); ++it) Append16(row, *it);
+    Append16(row, static_cast<std::uint16_t>(start.size()));
   }
-  AgregarBytes(fila, mascara);
+  AppendBytes(row, mask);
 }
 
 }  // namespace mdb::internal

@@ -8,115 +8,116 @@ namespace {
 
 // Bytes left with which a page leaves the map at once, with which it leaves when a row found no room on it,
 // and with which it comes back.
-constexpr std::size_t kLlena = 64, kCasiLlena = 200, kConLugar = 200;
-constexpr std::size_t kAbiertas = 8;  // pages in hand
-constexpr std::size_t kIntentos = 4;  // pages of the map looked at for one row
+constexpr std::size_t kFull = 64, kNearlyFull = 200, kWithRoom = 200;
+constexpr std::size_t kOpen = 8;      // pages in hand
+constexpr std::size_t kAttempts = 4;  // pages of the map looked at for one row
 
 }  // namespace
 
-Bytes& AlmacenDeFilas::Abrir(NumPagina numero) {
-  Bytes& pagina = paginas_.Modificar(numero);
-  if (U8(pagina, 0) != 1 || DuenoDe(pagina) != dueno_)
-    DanioEnPagina(numero, "no es de las filas que dice el mapa de páginas");
-  return pagina;
+Bytes& RowStore::Open(PageNumber number) {
+  Bytes& page = pages_.Modify(number);
+  if (U8(page, 0) != 1 || OwnerOf(page) != owner_)
+    ThrowPageDamage(number, "no es de las filas que dice el mapa de páginas");
+  return page;
 }
 
-IdFila AlmacenDeFilas::Agregar(Vista bytes, std::uint16_t marcas) {
-  const NumPagina numero = Elegir(bytes.size());
-  Bytes& pagina = Abrir(numero);
-  const IdFila fila{numero, AgregarFila(numero, pagina, bytes, marcas)};
-  Anotar(numero, pagina);
-  return fila;
+RowId RowStore::Add(View bytes, std::uint16_t marks) {
+  const PageNumber number = Choose(bytes.size());
+  Bytes& page = Open(number);
+  const RowId row{number, AddRow(number, page, bytes, marks)};
+  Note(number, page);
+  return row;
 }
 
-bool AlmacenDeFilas::Cambiar(IdFila fila, Vista bytes, std::uint16_t marcas) {
-  Bytes& pagina = Abrir(fila.pagina);
-  if (!CambiarFila(fila.pagina, pagina, fila.fila, bytes, marcas)) return false;
-  Anotar(fila.pagina, pagina);
+bool RowStore::Change(RowId row, View bytes, std::uint16_t marks) {
+  Bytes& page = Open(row.page);
+  if (!ChangeRow(row.page, page, row.row, bytes, marks)) return false;
+  Note(row.page, page);
   return true;
 }
 
-void AlmacenDeFilas::Quitar(IdFila fila) {
-  Bytes& pagina = Abrir(fila.pagina);
-  if (LeerRanura(fila.pagina, pagina, fila.fila).Borrada())
-    DanioEnPagina(fila.pagina, "la fila " + std::to_string(fila.fila) + " ya estaba borrada");
-  QuitarFila(fila.pagina, pagina, fila.fila);
-  if (SinFilas(pagina)) return Soltar(fila.pagina);
-  Anotar(fila.pagina, pagina);
+void RowStore::Remove(RowId row) {
+  Bytes& page = Open(row.page);
+  if (ReadSlot(row.page, page, row.row).IsDeleted())
+    ThrowPageDamage(row.page, "la fila " + std::to_string(row.row) + " ya estaba borrada");
+  RemoveRow(row.page, page, row.row);
+  if (HasNoRows(page)) return Release(row.page);
+  Note(row.page, page);
 }
 
-NumPagina AlmacenDeFilas::Elegir(std::size_t largo) {
-  for (auto a = abiertas_.rbegin(); a != abiertas_.rend(); ++a)
-    if (a->hueco >= largo + 2) return a->numero;
-  if (const NumPagina p = BuscarPendiente(largo); p != 0) return p;
-  return PaginaNueva();
+PageNumber RowStore::Choose(std::size_t length) {
+  for (auto a = open_.rbegin(); a != open_.rend(); ++a)
+    if (a->gap >= length + 2) return a->number;
+  if (const PageNumber p = FindPending(length); p != 0) return p;
+  return NewPage();
 }
 
 // Looks at a few pages of the map, the newest first; those without room for the row are kept in hand for
 // shorter ones, or leave the map when hardly any row would find room there.
-NumPagina AlmacenDeFilas::BuscarPendiente(std::size_t largo) {
-  if (!leido_) pendientes_ = LeerMapa(paginas_, libres_);
-  leido_ = true;
-  for (std::size_t i = 0; i < kIntentos && !pendientes_.empty(); ++i) {
-    const NumPagina numero = pendientes_.back();
-    pendientes_.pop_back();
-    if (soltadas_.contains(numero)) continue;
-    const Imagen pagina = paginas_.Leer(numero);
-    RevisarPaginaDeFilas(numero, *pagina);
-    if (DuenoDe(*pagina) != dueno_) DanioEnPagina(numero, "es de otra tabla");
-    const bool cabe = CabeFila(*pagina, largo);
-    if (!cabe && (Hueco(*pagina) < kCasiLlena || !CabeFila(*pagina, 0))) {
-      QuitarDeMapa(paginas_, libres_, numero);
+PageNumber RowStore::FindPending(std::size_t length) {
+  if (!loaded_) pending_ = ReadMap(pages_, free_pages_);
+  loaded_ = true;
+  for (std::size_t i = 0; i < kAttempts && !pending_.empty(); ++i) {
+    const PageNumber number = pending_.back();
+    pending_.pop_back();
+    if (released_.contains(number)) continue;
+    const Image page = pages_.Read(number);
+    CheckRowPage(number, *page);
+    if (OwnerOf(*page) != owner_) ThrowPageDamage(number, "es de otra tabla");
+    const bool fits = RowFits(*page, length);
+    if (!fits && (Gap(*page) < kNearlyFull || !RowFits(*page, 0))) {
+      RemoveFromMap(pages_, free_pages_, number);
       continue;
     }
-    Anotar(numero, *pagina);
-    if (cabe) return numero;
+    Note(number, *page);
+    if (fits) return number;
   }
   return 0;
 }
 
-NumPagina AlmacenDeFilas::PaginaNueva() {
-  const NumPagina numero = ReservarPagina(paginas_);
-  NuevaPaginaDeFilas(paginas_.Modificar(numero), dueno_);
-  PonerEnMapa(paginas_, propias_, numero);
-  soltadas_.erase(numero);
-  return numero;
+PageNumber RowStore::NewPage() {
+  const PageNumber number = ReservePage(pages_);
+  InitializeRowPage(pages_.Modify(number), owner_);
+  AddToMap(pages_, owned_pages_, number);
+  released_.erase(number);
+  return number;
 }
 
 // Brings the map of pages with room, and the pages in hand, up to what the page has now.
-void AlmacenDeFilas::Anotar(NumPagina numero, Vista pagina) {
-  const std::size_t hueco = Hueco(pagina);
-  const auto en_mano =
-      std::find_if(abiertas_.begin(), abiertas_.end(), [&](const Abierta& a) { return a.numero == numero; });
-  if (hueco < kLlena || !CabeFila(pagina, 0)) {
-    Cerrar(numero);
-    if (libres_.pagina != 0 && EnMapa(paginas_, libres_, numero)) QuitarDeMapa(paginas_, libres_, numero);
+void RowStore::Note(PageNumber number, View page) {
+  const std::size_t gap = Gap(page);
+  const auto in_hand =
+      std::find_if(open_.begin(), open_.end(), [&](const OpenPage& a) { return a.number == number; });
+  if (gap < kFull || !RowFits(page, 0)) {
+    Close(number);
+    if (free_pages_.page != 0 && IsInMap(pages_, free_pages_, number))
+      RemoveFromMap(pages_, free_pages_, number);
     return;
   }
-  if (en_mano != abiertas_.end()) {
-    en_mano->hueco = hueco;
+  if (in_hand != open_.end()) {
+    in_hand->gap = gap;
     return;
   }
-  const bool en_mapa = libres_.pagina != 0 && EnMapa(paginas_, libres_, numero);
-  if (!en_mapa && hueco < kConLugar) return;
-  if (!en_mapa && libres_.pagina != 0) PonerEnMapa(paginas_, libres_, numero);
-  if (abiertas_.size() == kAbiertas) {
-    if (abiertas_.front().hueco < kCasiLlena) QuitarDeMapa(paginas_, libres_, abiertas_.front().numero);
-    abiertas_.erase(abiertas_.begin());
+  const bool in_map = free_pages_.page != 0 && IsInMap(pages_, free_pages_, number);
+  if (!in_map && gap < kWithRoom) return;
+  if (!in_map && free_pages_.page != 0) AddToMap(pages_, free_pages_, number);
+  if (open_.size() == kOpen) {
+    if (open_.front().gap < kNearlyFull) RemoveFromMap(pages_, free_pages_, open_.front().number);
+    open_.erase(open_.begin());
   }
-  abiertas_.push_back({numero, hueco});
+  open_.push_back({number, gap});
 }
 
-void AlmacenDeFilas::Cerrar(NumPagina numero) {
-  std::erase_if(abiertas_, [&](const Abierta& a) { return a.numero == numero; });
+void RowStore::Close(PageNumber number) {
+  std::erase_if(open_, [&](const OpenPage& a) { return a.number == number; });
 }
 
-void AlmacenDeFilas::Soltar(NumPagina numero) {
-  Cerrar(numero);
-  QuitarDeMapa(paginas_, libres_, numero);
-  QuitarDeMapa(paginas_, propias_, numero);
-  LiberarPagina(paginas_, numero);
-  soltadas_.insert(numero);
+void RowStore::Release(PageNumber number) {
+  Close(number);
+  RemoveFromMap(pages_, free_pages_, number);
+  RemoveFromMap(pages_, owned_pages_, number);
+  FreePage(pages_, number);
+  released_.insert(number);
 }
 
 }  // namespace mdb::internal

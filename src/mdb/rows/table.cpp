@@ -7,111 +7,110 @@
 namespace mdb {
 namespace {
 
-using internal::PaginaDeDatos;
-using internal::Ranura;
+using internal::DataPage;
+using internal::Slot;
 
-PaginaDeDatos AbrirPagina(const Paginas& paginas, const Definicion& definicion, NumPagina numero,
-                          const Imagen& imagen) {
-  const PaginaDeDatos datos(paginas.Cab(), numero, *imagen);
-  if (datos.Dueno() != definicion.Pagina()) DanioEnPagina(numero, "es de otra tabla");
-  return datos;
+DataPage OpenPage(const PageFile& pages, const Definition& definition, PageNumber number,
+                  const Image& image) {
+  const DataPage data(pages.Header(), number, *image);
+  if (data.Owner() != definition.Page()) ThrowPageDamage(number, "es de otra tabla");
+  return data;
 }
 
 // The place of a moved row. Only such a place may be pointed at, so that no row leads on to another.
-BytesDeFila SeguirMovida(Paginas& paginas, const Definicion& definicion, Vista ranura) {
-  const IdFila lugar = internal::LeerPuntero(ranura, 0);
-  BytesDeFila fila{paginas.Leer(lugar.pagina), {}, lugar};
-  const Ranura r = AbrirPagina(paginas, definicion, lugar.pagina, fila.imagen).En(lugar.fila);
-  if (!r.Destino()) DanioEnPagina(lugar.pagina, "una fila movida no está donde debe");
-  fila.bytes = r.bytes;
-  return fila;
+RowBytes FollowMoved(PageFile& pages, const Definition& definition, View slot) {
+  const RowId place = internal::ReadPointer(slot, 0);
+  RowBytes row{pages.Read(place.page), {}, place};
+  const Slot r = OpenPage(pages, definition, place.page, row.image).At(place.row);
+  if (!r.IsTarget()) ThrowPageDamage(place.page, "una fila movida no está donde debe");
+  row.bytes = r.bytes;
+  return row;
 }
 
-[[noreturn]] void FilaIlegible(IdFila id, const Danio& d) {
+[[noreturn]] void ThrowUnreadableRow(RowId id, const Damage& d) {
   if (d.NamesPage()) throw d;
-  DanioEnPagina(id.pagina, "la fila " + std::to_string(id.fila) + " no se puede leer");
+  ThrowPageDamage(id.page, "la fila " + std::to_string(id.row) + " no se puede leer");
 }
 
 // Decodes chosen columns of one row after another into the same values.
-class Decodificador {
+class Decoder {
  public:
-  Decodificador(Paginas& paginas, const Definicion& definicion, const std::vector<std::size_t>& columnas)
-      : paginas_(paginas), definicion_(definicion), elegidas_(columnas), fila_(definicion.columnas.size()) {
-    if (!elegidas_.empty()) return;
-    for (std::size_t i = 0; i < definicion.columnas.size(); ++i) elegidas_.push_back(i);
+  Decoder(PageFile& pages, const Definition& definition, const std::vector<std::size_t>& columns)
+      : pages_(pages), definition_(definition), chosen_(columns), row_(definition.columns.size()) {
+    if (!chosen_.empty()) return;
+    for (std::size_t i = 0; i < definition.columns.size(); ++i) chosen_.push_back(i);
   }
 
-  const Fila& Leer(Vista bytes) {
-    const internal::FilaAbierta abierta(paginas_.Cab(), definicion_, bytes);
-    for (const std::size_t i : elegidas_) {
-      const Columna& columna = definicion_.columnas[i];
-      if (const Crudo crudo = abierta.De(columna)) {
-        internal::DecodificarEn(paginas_, columna, *crudo, fila_[i]);
+  const Row& Read(View bytes) {
+    const internal::OpenRow open_query(pages_.Header(), definition_, bytes);
+    for (const std::size_t i : chosen_) {
+      const Column& column = definition_.columns[i];
+      if (const Raw raw = open_query.Of(column)) {
+        internal::DecodeInto(pages_, column, *raw, row_[i]);
       } else {
-        fila_[i] = base::Nulo{};
+        row_[i] = base::Null{};
       }
     }
-    return fila_;
+    return row_;
   }
 
  private:
-  Paginas& paginas_;
-  const Definicion& definicion_;
-  std::vector<std::size_t> elegidas_;
-  Fila fila_;
+  PageFile& pages_;
+  const Definition& definition_;
+  std::vector<std::size_t> chosen_;
+  Row row_;
 };
 
 }  // namespace
 
-void RecorrerFilas(Paginas& paginas, const Definicion& definicion, const Visita& visita,
-                   const std::vector<std::size_t>& columnas) {
-  Decodificador decodificador(paginas, definicion, columnas);
-  const auto leer = [&](IdFila id, Vista bytes) -> const Fila& {
+void WalkRows(PageFile& pages, const Definition& definition, const Visitor& visit,
+              const std::vector<std::size_t>& columns) {
+  Decoder decoder(pages, definition, columns);
+  const auto read = [&](RowId id, View bytes) -> const Row& {
     try {
-      return decodificador.Leer(bytes);
-    } catch (const Danio& d) {
-      FilaIlegible(id, d);
+      return decoder.Read(bytes);
+    } catch (const Damage& d) {
+      ThrowUnreadableRow(id, d);
     }
   };
-  for (const NumPagina numero : LeerMapaCompleto(paginas, definicion.propias)) {
-    const Imagen imagen = paginas.Leer(numero);
-    const PaginaDeDatos datos = AbrirPagina(paginas, definicion, numero, imagen);
-    for (unsigned i = 0; i < datos.Cantidad(); ++i) {
-      const Ranura r = datos.En(i);
-      if (r.Salteada()) continue;
-      const IdFila id{numero, static_cast<std::uint8_t>(i)};
-      if (r.Movida()) {
-        const auto movida = internal::NombrandoPagina(numero, "una fila movida no se puede seguir", [&] {
-          return SeguirMovida(paginas, definicion, r.bytes);
-        });
-        if (!visita(id, leer(movida.lugar, movida.bytes))) return;
-      } else if (!visita(id, leer(id, r.bytes))) {
+  for (const PageNumber number : ReadWholeMap(pages, definition.owned_pages)) {
+    const Image image = pages.Read(number);
+    const DataPage data = OpenPage(pages, definition, number, image);
+    for (unsigned i = 0; i < data.Count(); ++i) {
+      const Slot r = data.At(i);
+      if (r.IsSkipped()) continue;
+      const RowId id{number, static_cast<std::uint8_t>(i)};
+      if (r.IsMoved()) {
+        const auto moved = internal::NamingPage(number, "una fila movida no se puede seguir",
+                                                [&] { return FollowMoved(pages, definition, r.bytes); });
+        if (!visit(id, read(moved.place, moved.bytes))) return;
+      } else if (!visit(id, read(id, r.bytes))) {
         return;
       }
     }
   }
 }
 
-std::optional<BytesDeFila> BuscarFila(Paginas& paginas, const Definicion& definicion, IdFila id) {
-  BytesDeFila fila{paginas.Leer(id.pagina), {}, id};
-  const PaginaDeDatos datos = AbrirPagina(paginas, definicion, id.pagina, fila.imagen);
-  if (id.fila >= datos.Cantidad()) return {};
-  const Ranura r = datos.En(id.fila);
-  if (r.Salteada()) return {};
-  if (r.Movida())
-    return internal::NombrandoPagina(id.pagina, "una fila movida no se puede seguir",
-                                     [&] { return SeguirMovida(paginas, definicion, r.bytes); });
-  fila.bytes = r.bytes;
-  return fila;
+std::optional<RowBytes> FindRow(PageFile& pages, const Definition& definition, RowId id) {
+  RowBytes row{pages.Read(id.page), {}, id};
+  const DataPage data = OpenPage(pages, definition, id.page, row.image);
+  if (id.row >= data.Count()) return {};
+  const Slot r = data.At(id.row);
+  if (r.IsSkipped()) return {};
+  if (r.IsMoved())
+    return internal::NamingPage(id.page, "una fila movida no se puede seguir",
+                                [&] { return FollowMoved(pages, definition, r.bytes); });
+  row.bytes = r.bytes;
+  return row;
 }
 
-std::optional<Fila> LeerFila(Paginas& paginas, const Definicion& definicion, IdFila id) {
-  const auto bytes = BuscarFila(paginas, definicion, id);
+std::optional<Row> ReadRow(PageFile& pages, const Definition& definition, RowId id) {
+  const auto bytes = FindRow(pages, definition, id);
   if (!bytes) return {};
   try {
-    return Decodificador(paginas, definicion, {}).Leer(bytes->bytes);
-  } catch (const Danio& d) {
-    FilaIlegible(bytes->lugar, d);
+    return Decoder(pages, definition, {}).Read(bytes->bytes);
+  } catch (const Damage& d) {
+    ThrowUnreadableRow(bytes->place, d);
   }
 }
 

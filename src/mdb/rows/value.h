@@ -6,7 +6,7 @@
 #include <string>
 #include <variant>
 
-#include "base/valor.h"
+#include "base/value.h"
 #include "mdb/pages/bytes.h"
 
 namespace mdb {
@@ -14,28 +14,28 @@ namespace mdb {
 struct Guid {
   std::array<std::uint8_t, 16> bytes{};  // in the order of the printed form {00112233-4455-…}
   auto operator<=>(const Guid&) const = default;
-  std::string Texto() const;  // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
+  std::string Text() const;  // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
 };
 // Throws base::Error for a text that is none; the braces may be missing.
-Guid GuidDeTexto(std::string_view texto);
+Guid GuidFromText(std::string_view text);
 
 // A Numeric value: up to 28 digits. Its scale is that of its column.
 struct Decimal {
-  bool negativo = false;
-  std::array<std::uint32_t, 4> magnitud{};  // most significant first
-  std::uint8_t escala = 0;
+  bool negative = false;
+  std::array<std::uint32_t, 4> magnitude{};  // most significant first
+  std::uint8_t scale = 0;
   auto operator<=>(const Decimal&) const = default;
-  double Numero() const;
-  std::string Texto() const;  // "-12.50": all digits, "." as the point
+  double Number() const;
+  std::string Text() const;  // "-12.50": all digits, "." as the point
 };
-// With `escala` decimals, half to even; throws base::Error when 28 digits do not hold it or it is no number.
-Decimal DecimalDeTexto(std::string_view texto, std::uint8_t escala);
+// With `scale` decimals, half to even; throws base::Error when 28 digits do not hold it or it is no number.
+Decimal DecimalFromText(std::string_view text, std::uint8_t scale);
 
 // Null, Boolean, the integers (Byte, Integer, Long, big), Single, Double, Currency, Date, Text and Memo
 // (UTF-8; an unpaired surrogate becomes U+FFFD), Binary and OLE, GUID, Numeric.
-using Dato = std::variant<base::Nulo, bool, std::int64_t, float, double, base::Moneda, base::Fecha,
-                          std::string, Bytes, Guid, Decimal>;
-inline bool EsNulo(const Dato& d) { return d.index() == 0; }
-using Fila = std::vector<Dato>;  // one a column of the definition, in the order of its `columnas`
+using Datum = std::variant<base::Null, bool, std::int64_t, float, double, base::Currency, base::Date,
+                           std::string, Bytes, Guid, Decimal>;
+inline bool IsNull(const Datum& d) { return d.index() == 0; }
+using Row = std::vector<Datum>;  // one a column of the definition, in the order of its `columns`
 
 }  // namespace mdb

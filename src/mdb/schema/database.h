@@ -12,87 +12,87 @@
 
 namespace mdb {
 
-struct OpcionesBase {
-  bool solo_lectura = false;
-  std::string contrasena;  // compared with the file's, as every program does
+struct DatabaseOptions {
+  bool read_only = false;
+  std::string password;  // compared with the file's, as every program does
 };
 
-struct NuevaColumna {
-  std::string nombre;
-  TipoColumna tipo = TipoColumna::Largo;
-  std::uint16_t largo = 0;                  // characters of a Text, bytes of a Binary; 0: 255 and 255
-  std::uint8_t precision = 18, escala = 0;  // of a Numeric
-  bool autonumerica = false;
-  std::int32_t semilla = 1, incremento = 1;
-  bool requerida = false;
-  bool permite_vacio = true;  // AllowZeroLength of a text
-  std::string defecto;        // expression text; empty: none
-  bool comprime = true;       // texts
+struct NewColumn {
+  std::string name;
+  ColumnType type = ColumnType::Long;
+  std::uint16_t length = 0;                // characters of a Text, bytes of a Binary; 0: 255 and 255
+  std::uint8_t precision = 18, scale = 0;  // of a Numeric
+  bool auto_number = false;
+  std::int32_t seed = 1, increment = 1;
+  bool required = false;
+  bool allows_empty = true;   // AllowZeroLength of a text
+  std::string default_value;  // expression text; empty: none
+  bool compress = true;       // texts
 };
-struct NuevoIndice {
-  std::string nombre;
-  struct Parte {
-    std::string columna;
-    bool descendente = false;
+struct NewIndex {
+  std::string name;
+  struct Part {
+    std::string column;
+    bool descending = false;
   };
-  std::vector<Parte> partes;
-  bool unico = false, primario = false, ignora_nulos = false, requerido = false;
+  std::vector<Part> parts;
+  bool unique = false, primary = false, ignores_nulls = false, required = false;
 };
-struct NuevaTabla {
-  std::string nombre;
-  std::vector<NuevaColumna> columnas;
-  std::vector<NuevoIndice> indices;
+struct NewTable {
+  std::string name;
+  std::vector<NewColumn> columns;
+  std::vector<NewIndex> indexes;
 };
 
-class Base {
+class Database {
  public:
   // Opens a file, rolling back the journal of a run that was cut. Throws base::Error: no such file, another
-  // kind of file, wrong password, encrypted by a provider, in use. Without solo_lectura a file that cannot be
+  // kind of file, wrong password, encrypted by a provider, in use. Without read_only a file that cannot be
   // written (read-only, in use by another program, a format that is only read) opens for reading: see
-  // MotivoSoloLectura.
-  static std::unique_ptr<Base> Abrir(std::string_view ruta, const OpcionesBase& opciones = {});
+  // ReadOnlyReason.
+  static std::unique_ptr<Database> Open(std::string_view path, const DatabaseOptions& options = {});
   // A new Jet 4 file, written at once. Throws base::Error when it exists.
-  static std::unique_ptr<Base> Crear(std::string_view ruta, std::uint16_t orden, base::Fecha ahora);
+  static std::unique_ptr<Database> Create(std::string_view path, std::uint16_t order, base::Date now);
   // Over pages in memory, for tests and builders.
-  explicit Base(std::unique_ptr<Paginas> paginas) : paginas_(std::move(paginas)), catalogo_(*paginas_) {}
+  explicit Database(std::unique_ptr<PageFile> pages) : pages_(std::move(pages)), catalog_(*pages_) {}
 
-  Paginas& Hojas() { return *paginas_; }
-  const Cabecera& Cab() const { return paginas_->Cab(); }
-  const Catalogo& Indice() const { return catalogo_; }
-  const std::string& MotivoSoloLectura() const { return paginas_->MotivoSoloLectura(); }
-  ReadOnlyCause WhyReadOnly() const { return paginas_->WhyReadOnly(); }
+  PageFile& Pages() { return *pages_; }
+  const FileHeader& Header() const { return pages_->Header(); }
+  const SystemCatalog& Catalog() const { return catalog_; }
+  const std::string& ReadOnlyReason() const { return pages_->ReadOnlyReason(); }
+  ReadOnlyCause WhyReadOnly() const { return pages_->WhyReadOnly(); }
 
   // Rows. The definition is read anew for each call, so that counters and maps are those of the pages.
-  std::vector<IdFila> Aplicar(std::string_view tabla, const Cambios& cambios);
+  std::vector<RowId> Apply(std::string_view table, const Changes& changes);
 
-  // The catalog's changes. Each does all or nothing in the pages; nothing is on disk before Confirmar. All
-  // throw base::Error for names that are taken, missing or not allowed. `ahora` dates the objects.
-  void CrearTabla(const NuevaTabla& tabla, base::Fecha ahora);
-  void BorrarTabla(std::string_view tabla);  // refused while an enforced relationship names it
-  void CrearIndice(std::string_view tabla, const NuevoIndice& indice);
-  void BorrarIndice(std::string_view tabla, std::string_view indice);
-  void AgregarColumna(std::string_view tabla, const NuevaColumna& columna);
-  void QuitarColumna(std::string_view tabla, std::string_view columna);
+  // The catalog's changes. Each does all or nothing in the pages; nothing is on disk before Commit. All
+  // throw base::Error for names that are taken, missing or not allowed. `now` dates the objects.
+  void CreateTable(const NewTable& table, base::Date now);
+  void DropTable(std::string_view table);  // refused while an enforced relationship names it
+  void CreateIndex(std::string_view table, const NewIndex& index);
+  void DropIndex(std::string_view table, std::string_view index);
+  void AddColumn(std::string_view table, const NewColumn& column);
+  void DropColumn(std::string_view table, std::string_view column);
   // Enforced ones need a unique index over the referenced columns, and existing rows that obey.
-  void CrearRelacion(const RelacionDeTablas& relacion, base::Fecha ahora);
-  void BorrarRelacion(std::string_view nombre);
-  void CrearConsulta(const ConsultaGuardada& consulta, base::Fecha ahora);
-  void BorrarConsulta(std::string_view nombre);
+  void CreateRelationship(const TableRelationship& relationship, base::Date now);
+  void DropRelationship(std::string_view name);
+  void CreateQuery(const SavedQuery& query, base::Date now);
+  void DropQuery(std::string_view name);
 
-  void Confirmar() { paginas_->Confirmar(); }
-  void Deshacer() {
-    paginas_->Deshacer();
-    catalogo_.Olvidar();
+  void Commit() { pages_->Commit(); }
+  void Rollback() {
+    pages_->Rollback();
+    catalog_.Forget();
   }
   // Back to a point inside the transaction, the catalog too.
-  void Volver(Paginas::Punto punto) {
-    paginas_->Volver(std::move(punto));
-    catalogo_.Olvidar();
+  void RollbackTo(PageFile::Savepoint point) {
+    pages_->RollbackTo(std::move(point));
+    catalog_.Forget();
   }
 
  private:
-  std::unique_ptr<Paginas> paginas_;
-  Catalogo catalogo_;
+  std::unique_ptr<PageFile> pages_;
+  SystemCatalog catalog_;
 };
 
 }  // namespace mdb

@@ -4,32 +4,32 @@
 
 namespace mdb {
 
-void Base::CrearIndice(std::string_view tabla, const NuevoIndice& indice) {
-  internal::Intento intento(*paginas_, catalogo_);
-  Definicion d = internal::TablaParaCambiar(*paginas_, catalogo_, tabla);
-  internal::AgregarIndice(*paginas_, d, indice);
-  EscribirDefinicion(*paginas_, d);
-  intento.Cumplir();
+void Database::CreateIndex(std::string_view table, const NewIndex& index) {
+  internal::Attempt attempt(*pages_, catalog_);
+  Definition d = internal::TableToChange(*pages_, catalog_, table);
+  internal::AddIndex(*pages_, d, index);
+  WriteDefinition(*pages_, d);
+  attempt.Complete();
 }
 
-void Base::BorrarIndice(std::string_view tabla, std::string_view indice) {
-  internal::Intento intento(*paginas_, catalogo_);
-  Definicion d = internal::TablaParaCambiar(*paginas_, catalogo_, tabla);
-  const auto it = internal::LogicoDe(d, indice);
-  if (it == d.logicos.end())
-    throw base::Error("La tabla \"" + d.nombre + "\" no tiene un índice \"" + std::string(indice) + "\"");
-  if (it->clase == IndiceLogico::Foraneo)
-    throw base::Error("El índice \"" + it->nombre + "\" es de una relación: se borra con ella");
+void Database::DropIndex(std::string_view table, std::string_view index) {
+  internal::Attempt attempt(*pages_, catalog_);
+  Definition d = internal::TableToChange(*pages_, catalog_, table);
+  const auto it = internal::FindLogical(d, index);
+  if (it == d.logicals.end())
+    throw base::Error("La tabla \"" + d.name + "\" no tiene un índice \"" + std::string(index) + "\"");
+  if (it->kind == LogicalIndex::Foreign)
+    throw base::Error("El índice \"" + it->name + "\" es de una relación: se borra con ella");
   const std::uint32_t real = it->real;
-  for (const auto& l : d.logicos)
-    if (l.real == real && l.clase == IndiceLogico::Foraneo && l.lado == IndiceLogico::Padre)
-      throw base::Error("El índice \"" + it->nombre + "\" no se puede borrar: una relación se apoya en él");
-  d.logicos.erase(it);
-  const bool compartido =
-      std::any_of(d.logicos.begin(), d.logicos.end(), [&](const IndiceLogico& l) { return l.real == real; });
-  if (!compartido) internal::QuitarReal(*paginas_, d, real);
-  EscribirDefinicion(*paginas_, d);
-  intento.Cumplir();
+  for (const auto& l : d.logicals)
+    if (l.real == real && l.kind == LogicalIndex::Foreign && l.side == LogicalIndex::Parent)
+      throw base::Error("El índice \"" + it->name + "\" no se puede borrar: una relación se apoya en él");
+  d.logicals.erase(it);
+  const bool shared = std::any_of(d.logicals.begin(), d.logicals.end(),
+                                  [&](const LogicalIndex& l) { return l.real == real; });
+  if (!shared) internal::RemoveReal(*pages_, d, real);
+  WriteDefinition(*pages_, d);
+  attempt.Complete();
 }
 
 }  // namespace mdb

@@ -7,45 +7,45 @@ namespace mdb {
 namespace {
 
 // All of it or no file; never over one that is there.
-void CrearArchivo(base::Disco& disco, const std::string& ruta, Vista bytes) {
-  if (disco.Existe(ruta)) throw base::ErrorDeDisco("No se puede crear", ruta, base::FallaDisco::YaExiste, {});
+void CreateDatabaseFile(base::Disk& disk, const std::string& path, View bytes) {
+  if (disk.Exists(path)) throw base::DiskError("No se puede crear", path, base::DiskFault::AlreadyExists, {});
   // A new base would be taken for the one that this journal is of.
-  if (disco.Existe(RutaDeDiario(ruta)))
-    throw base::StorageFault("No se puede crear " + base::NombreDe(ruta) + ": en la carpeta quedó " +
-                             base::NombreDe(RutaDeDiario(ruta)) + ", el diario de otra base de ese nombre");
-  const std::string nueva = ruta + "-nueva";
-  base::AnyErrorNoted("CrearArchivo", nullptr, [&] { disco.Borrar(nueva); });  // of a run that was cut
+  if (disk.Exists(JournalPath(path)))
+    throw base::StorageFault("No se puede crear " + base::NameOf(path) + ": en la carpeta quedó " +
+                             base::NameOf(JournalPath(path)) + ", el diario de otra base de ese nombre");
+  const std::string new_path = path + "-nueva";
+  base::AnyErrorNoted("CrearArchivo", nullptr, [&] { disk.Delete(new_path); });  // of a run that was cut
   try {
-    const auto archivo = disco.Abrir(nueva, base::ModoArchivo::Nuevo);
-    archivo->Escribir(0, bytes);
-    archivo->Sincronizar();
+    const auto file = disk.Open(new_path, base::FileMode::New);
+    file->Write(0, bytes);
+    file->Sync();
   } catch (const base::Error&) {
-    base::AnyErrorNoted("CrearArchivo", nullptr, [&] { disco.Borrar(nueva); });
+    base::AnyErrorNoted("CrearArchivo", nullptr, [&] { disk.Delete(new_path); });
     throw;
   }
-  disco.Mover(nueva, ruta);
-  disco.SincronizarCarpetaDe(ruta);
+  disk.Move(new_path, path);
+  disk.SyncFolderOf(path);
 }
 
 }  // namespace
 
-std::unique_ptr<Base> Base::Abrir(std::string_view ruta, const OpcionesBase& opciones) {
-  auto paginas = PaginasDeArchivo::Abrir(ruta, opciones.solo_lectura);
-  const Cabecera& c = paginas->Cab();
-  if (c.cifrado_ajeno)
+std::unique_ptr<Database> Database::Open(std::string_view path, const DatabaseOptions& options) {
+  auto pages = DiskPages::Open(path, options.read_only);
+  const FileHeader& c = pages->Header();
+  if (c.foreign_encryption)
     throw base::StorageFault(
         "La base está cifrada con una contraseña de Access 2007 o posterior: no se puede leer");
-  if (!c.contrasena.empty() && c.contrasena != opciones.contrasena)
-    throw base::StorageFault(opciones.contrasena.empty() ? "La base tiene contraseña y no se dio ninguna"
-                                                         : "La contraseña de la base no es la que se dio");
-  return std::make_unique<Base>(std::move(paginas));
+  if (!c.password.empty() && c.password != options.password)
+    throw base::StorageFault(options.password.empty() ? "La base tiene contraseña y no se dio ninguna"
+                                                      : "La contraseña de la base no es la que se dio");
+  return std::make_unique<Database>(std::move(pages));
 }
 
-std::unique_ptr<Base> Base::Crear(std::string_view ruta, std::uint16_t orden, base::Fecha ahora) {
-  base::DiscoDelSistema disco;
-  CrearArchivo(disco, std::string(ruta), NuevaBase(orden, ahora));
-  auto base = Abrir(ruta);
-  if (!base->MotivoSoloLectura().empty()) throw base::StorageFault(base->MotivoSoloLectura());
+std::unique_ptr<Database> Database::Create(std::string_view path, std::uint16_t order, base::Date now) {
+  base::SystemDisk disk;
+  CreateDatabaseFile(disk, std::string(path), MakeDatabase(order, now));
+  auto base = Open(path);
+  if (!base->ReadOnlyReason().empty()) throw base::StorageFault(base->ReadOnlyReason());
   return base;
 }
 

@@ -8,79 +8,79 @@ namespace mdb {
 namespace {
 
 // A row each for the start and the end, and a counter of its own for each row within its attribute.
-std::vector<FilaDeConsulta> FilasCompletas(const ConsultaGuardada& consulta) {
-  std::vector<FilaDeConsulta> filas = consulta.filas;
-  const auto asegurar = [&](std::uint8_t atributo, std::optional<std::int16_t> bandera) {
-    if (std::any_of(filas.begin(), filas.end(), [&](const auto& f) { return f.atributo == atributo; }))
+std::vector<QueryRow> CompleteRows(const SavedQuery& query) {
+  std::vector<QueryRow> rows = query.rows;
+  const auto ensure = [&](std::uint8_t attribute, std::optional<std::int16_t> flag) {
+    if (std::any_of(rows.begin(), rows.end(), [&](const auto& f) { return f.attribute == attribute; }))
       return;
-    FilaDeConsulta f;
-    f.atributo = atributo;
-    f.bandera = bandera;
-    filas.push_back(std::move(f));
+    QueryRow f;
+    f.attribute = attribute;
+    f.flag = flag;
+    rows.push_back(std::move(f));
   };
-  asegurar(query_codes::kStart, std::int16_t{0});
-  asegurar(query_codes::kEnd, std::nullopt);
-  std::array<std::uint32_t, 256> ultimo{};
-  for (const auto& f : filas) ultimo[f.atributo] = std::max(ultimo[f.atributo], f.orden);
-  for (auto& f : filas)
-    if (f.orden == 0) f.orden = ++ultimo[f.atributo];
-  return filas;
+  ensure(query_codes::kStart, std::int16_t{0});
+  ensure(query_codes::kEnd, std::nullopt);
+  std::array<std::uint32_t, 256> last{};
+  for (const auto& f : rows) last[f.attribute] = std::max(last[f.attribute], f.order);
+  for (auto& f : rows)
+    if (f.order == 0) f.order = ++last[f.attribute];
+  return rows;
 }
 
 // The counter as the table keeps it: four bytes, highest first.
-Bytes OrdenGuardado(std::uint32_t orden) {
-  return {static_cast<std::uint8_t>(orden >> 24), static_cast<std::uint8_t>(orden >> 16),
-          static_cast<std::uint8_t>(orden >> 8), static_cast<std::uint8_t>(orden)};
+Bytes StoredOrder(std::uint32_t order) {
+  return {static_cast<std::uint8_t>(order >> 24), static_cast<std::uint8_t>(order >> 16),
+          static_cast<std::uint8_t>(order >> 8), static_cast<std::uint8_t>(order)};
 }
 
-template <typename T, typename Valor>
-Dato DatoDe(const std::optional<Valor>& valor) {
-  if (!valor) return {};
-  return T{*valor};
+template <typename T, typename Value>
+Datum DatumOf(const std::optional<Value>& value) {
+  if (!value) return {};
+  return T{*value};
 }
 
-void AgregarFilas(Paginas& paginas, std::int32_t id, const ConsultaGuardada& consulta) {
-  Definicion d = internal::LeerTablaDelSistema(paginas, paginas.Cab().consultas);
-  Cambios cambios;
-  for (const auto& f : FilasCompletas(consulta))
-    cambios.nuevas.push_back(internal::FilaPorNombre(d)
-                                 .Poner("ObjectId", std::int64_t{id})
-                                 .Poner("Attribute", std::int64_t{f.atributo})
-                                 .Poner("Order", OrdenGuardado(f.orden))
-                                 .Poner("Name1", DatoDe<std::string>(f.nombre1))
-                                 .Poner("Name2", DatoDe<std::string>(f.nombre2))
-                                 .Poner("Expression", DatoDe<std::string>(f.expresion))
-                                 .Poner("Flag", DatoDe<std::int64_t>(f.bandera))
-                                 .Poner("LvExtra", DatoDe<std::int64_t>(f.extra))
-                                 .Tomar());
-  Aplicar(paginas, d, cambios);
+void AddRows(PageFile& pages, std::int32_t id, const SavedQuery& query) {
+  Definition d = internal::ReadSystemTable(pages, pages.Header().queries);
+  Changes changes;
+  for (const auto& f : CompleteRows(query))
+    changes.inserted.push_back(internal::RowByName(d)
+                                   .Set("ObjectId", std::int64_t{id})
+                                   .Set("Attribute", std::int64_t{f.attribute})
+                                   .Set("Order", StoredOrder(f.order))
+                                   .Set("Name1", DatumOf<std::string>(f.name1))
+                                   .Set("Name2", DatumOf<std::string>(f.name2))
+                                   .Set("Expression", DatumOf<std::string>(f.expression))
+                                   .Set("Flag", DatumOf<std::int64_t>(f.flag))
+                                   .Set("LvExtra", DatumOf<std::int64_t>(f.extra))
+                                   .Take());
+  Apply(pages, d, changes);
 }
 
 }  // namespace
 
-void Base::CrearConsulta(const ConsultaGuardada& consulta, base::Fecha ahora) {
-  internal::ComprobarNombre(consulta.nombre, "una consulta");
-  internal::ComprobarNombreLibre(catalogo_, consulta.nombre);
-  internal::Intento intento(*paginas_, catalogo_);
-  internal::NuevoObjeto objeto;
-  objeto.id = internal::IdLibre(catalogo_);
-  objeto.padre = kContenedorTablas;
-  objeto.nombre = consulta.nombre;
-  objeto.tipo = Objeto::Consulta;
-  objeto.banderas = (consulta.banderas & ~kKindBits) | ObjectFlagsOf(ClaseDe(consulta));
-  internal::AgregarObjeto(*paginas_, catalogo_, objeto, ahora);
-  AgregarFilas(*paginas_, objeto.id, consulta);
-  intento.Cumplir();
+void Database::CreateQuery(const SavedQuery& query, base::Date now) {
+  internal::CheckName(query.name, "una consulta");
+  internal::CheckNameIsFree(catalog_, query.name);
+  internal::Attempt attempt(*pages_, catalog_);
+  internal::NewObject object;
+  object.id = internal::FreeId(catalog_);
+  object.parent = kTablesContainer;
+  object.name = query.name;
+  object.type = Object::Query;
+  object.flags = (query.flags & ~kKindBits) | ObjectFlagsOf(KindOf(query));
+  internal::AddObject(*pages_, catalog_, object, now);
+  AddRows(*pages_, object.id, query);
+  attempt.Complete();
 }
 
-void Base::BorrarConsulta(std::string_view nombre) {
-  const Objeto* objeto = catalogo_.Buscar(nombre);
-  if (objeto == nullptr || objeto->tipo != Objeto::Consulta)
-    throw base::Error("La base no tiene una consulta \"" + std::string(nombre) + "\"");
-  internal::Intento intento(*paginas_, catalogo_);
-  internal::BorrarFilasDonde(*paginas_, paginas_->Cab().consultas, "ObjectId", std::int64_t{objeto->id});
-  internal::QuitarObjeto(*paginas_, *objeto);
-  intento.Cumplir();
+void Database::DropQuery(std::string_view name) {
+  const Object* object = catalog_.Find(name);
+  if (object == nullptr || object->type != Object::Query)
+    throw base::Error("La base no tiene una consulta \"" + std::string(name) + "\"");
+  internal::Attempt attempt(*pages_, catalog_);
+  internal::DeleteRowsWhere(*pages_, pages_->Header().queries, "ObjectId", std::int64_t{object->id});
+  internal::RemoveObject(*pages_, *object);
+  attempt.Complete();
 }
 
 }  // namespace mdb

@@ -10,232 +10,234 @@
 namespace mdb {
 namespace {
 
-struct Par {  // positions in `columnas` of the child and of the parent
-  std::size_t hijo, padre;
+struct Pair {  // positions in `columns` of the child and of the parent
+  std::size_t child, parent;
 };
 
 // The two tables of a relationship. One definition serves both when a table refers to itself.
-struct Extremos {
-  Definicion padre, otra;
-  bool misma = false;
-  Definicion& Padre() { return padre; }
-  Definicion& Hijo() { return misma ? padre : otra; }
+struct RelationshipEnds {
+  Definition parent, other;
+  bool same = false;
+  Definition& Parent() { return parent; }
+  Definition& Child() { return same ? parent : other; }
 };
 
-Extremos AbrirExtremos(Paginas& paginas, const Catalogo& catalogo, const RelacionDeTablas& r) {
-  Extremos e;
-  e.padre = internal::TablaParaCambiar(paginas, catalogo, r.tabla_referida);
-  e.misma = base::IgualSinCaso(r.tabla, r.tabla_referida);
-  if (!e.misma) e.otra = internal::TablaParaCambiar(paginas, catalogo, r.tabla);
+RelationshipEnds OpenEnds(PageFile& pages, const SystemCatalog& catalog, const TableRelationship& r) {
+  RelationshipEnds e;
+  e.parent = internal::TableToChange(pages, catalog, r.referenced_table);
+  e.same = base::EqualIgnoringCase(r.table, r.referenced_table);
+  if (!e.same) e.other = internal::TableToChange(pages, catalog, r.table);
   return e;
 }
 
-std::vector<Par> ParesDe(Extremos& e, const RelacionDeTablas& r) {
-  if (r.columnas.empty() || r.columnas.size() > 10 || r.columnas.size() != r.columnas_referidas.size())
-    throw base::Error("La relación \"" + r.nombre + "\" debe unir de 1 a 10 columnas con otras tantas");
-  std::vector<Par> pares;
-  for (std::size_t i = 0; i < r.columnas.size(); ++i) {
-    pares.push_back({internal::ColumnaDe(e.Hijo(), r.columnas[i]),
-                     internal::ColumnaDe(e.Padre(), r.columnas_referidas[i])});
-    const Columna& hijo = e.Hijo().columnas[pares.back().hijo];
-    const Columna& padre = e.Padre().columnas[pares.back().padre];
-    if (r.Exigida() && (hijo.tipo != padre.tipo || hijo.escala != padre.escala))
-      throw base::Error("La relación \"" + r.nombre + "\" une columnas de tipos distintos: \"" + hijo.nombre +
-                        "\" y \"" + padre.nombre + "\"");
+std::vector<Pair> PairsOf(RelationshipEnds& e, const TableRelationship& r) {
+  if (r.columns.empty() || r.columns.size() > 10 || r.columns.size() != r.referenced_columns.size())
+    throw base::Error("La relación \"" + r.name + "\" debe unir de 1 a 10 columnas con otras tantas");
+  std::vector<Pair> pairs;
+  for (std::size_t i = 0; i < r.columns.size(); ++i) {
+    pairs.push_back({internal::ColumnOf(e.Child(), r.columns[i]),
+                     internal::ColumnOf(e.Parent(), r.referenced_columns[i])});
+    const Column& child = e.Child().columns[pairs.back().child];
+    const Column& parent = e.Parent().columns[pairs.back().parent];
+    if (r.IsEnforced() && (child.type != parent.type || child.scale != parent.scale))
+      throw base::Error("La relación \"" + r.name + "\" une columnas de tipos distintos: \"" + child.name +
+                        "\" y \"" + parent.name + "\"");
   }
-  return pares;
+  return pairs;
 }
 
 // The unique index over exactly the referenced columns; the pairs are put in its order.
-std::uint32_t IndiceReferido(const Definicion& padre, const RelacionDeTablas& r, std::vector<Par>& pares) {
-  for (std::size_t i = 0; i < padre.reales.size(); ++i) {
-    const auto& real = padre.reales[i];
-    if (!real.Unico() || real.partes.size() != pares.size()) continue;
-    std::vector<Par> en_orden;
-    for (const auto& parte : real.partes)
-      for (const auto& par : pares)
-        if (padre.columnas[par.padre].numero == parte.columna) en_orden.push_back(par);
-    if (en_orden.size() != pares.size()) continue;
-    pares = std::move(en_orden);
+std::uint32_t ReferencedIndex(const Definition& parent, const TableRelationship& r,
+                              std::vector<Pair>& pairs) {
+  for (std::size_t i = 0; i < parent.reals.size(); ++i) {
+    const auto& real = parent.reals[i];
+    if (!real.IsUnique() || real.parts.size() != pairs.size()) continue;
+    std::vector<Pair> in_order;
+    for (const auto& part : real.parts)
+      for (const auto& pair : pairs)
+        if (parent.columns[pair.parent].number == part.column) in_order.push_back(pair);
+    if (in_order.size() != pairs.size()) continue;
+    pairs = std::move(in_order);
     return static_cast<std::uint32_t>(i);
   }
-  throw base::Error("La relación \"" + r.nombre + "\" necesita en la tabla \"" + padre.nombre +
+  throw base::Error("La relación \"" + r.name + "\" necesita en la tabla \"" + parent.name +
                     "\" un índice sin repetidos sobre las columnas a las que se refiere");
 }
 
 // An index of the child over these columns in this order, shared when it has one that lists all its rows.
-std::uint32_t IndiceDelHijo(Paginas& paginas, Definicion& hijo, const RelacionDeTablas& r,
-                            const std::vector<Par>& pares) {
-  const bool unico = (r.banderas & RelacionDeTablas::kUnoAUno) != 0;
-  IndiceReal nuevo;
-  for (const auto& par : pares) nuevo.partes.push_back({hijo.columnas[par.hijo].numero, false});
-  const auto iguales = [](const IndiceReal::Parte& a, const IndiceReal::Parte& b) {
-    return a.columna == b.columna && a.descendente == b.descendente;
+std::uint32_t ChildIndex(PageFile& pages, Definition& child, const TableRelationship& r,
+                         const std::vector<Pair>& pairs) {
+  const bool unique = (r.flags & TableRelationship::kOneToOne) != 0;
+  RealIndex fresh;
+  for (const auto& pair : pairs) fresh.parts.push_back({child.columns[pair.child].number, false});
+  const auto equal = [](const RealIndex::Part& a, const RealIndex::Part& b) {
+    return a.column == b.column && a.descending == b.descending;
   };
-  for (std::size_t i = 0; i < hijo.reales.size(); ++i) {
-    const auto& real = hijo.reales[i];
-    if (std::equal(real.partes.begin(), real.partes.end(), nuevo.partes.begin(), nuevo.partes.end(),
-                   iguales) &&
-        !real.IgnoraNulos() && (real.Unico() || !unico))
+  for (std::size_t i = 0; i < child.reals.size(); ++i) {
+    const auto& real = child.reals[i];
+    if (std::equal(real.parts.begin(), real.parts.end(), fresh.parts.begin(), fresh.parts.end(), equal) &&
+        !real.IgnoresNulls() && (real.IsUnique() || !unique))
       return static_cast<std::uint32_t>(i);
   }
-  if (unico) nuevo.banderas |= IndiceReal::kUnico;
-  return internal::AgregarReal(paginas, hijo, std::move(nuevo), r.nombre);
+  if (unique) fresh.flags |= RealIndex::kUnique;
+  return internal::AddReal(pages, child, std::move(fresh), r.name);
 }
 
 // Every row of the child has its parent, but for those whose columns are all Null.
-void ComprobarFilas(Paginas& paginas, Extremos& e, std::uint32_t indice, const RelacionDeTablas& r,
-                    const std::vector<Par>& pares) {
-  const Definicion& padre = e.Padre();
-  const IndiceReal& real = padre.reales.at(indice);
-  const ArbolDeIndice arbol(paginas, padre.Pagina(), real);
-  std::vector<std::size_t> leidas;
-  for (const auto& par : pares) leidas.push_back(par.hijo);
-  Fila buscada(padre.columnas.size());
-  Bytes clave;
-  RecorrerFilas(
-      paginas, e.Hijo(),
-      [&](IdFila, const Fila& fila) {
-        for (const auto& par : pares) buscada[par.padre] = fila[par.hijo];
-        if (TodosNulos(padre, real, buscada)) return true;
-        ClaveDeFila(paginas.Cab(), padre, real, buscada, clave);
-        if (!arbol.Hay(clave))
-          throw base::Error("La relación \"" + r.nombre + "\" no se puede exigir: la tabla \"" +
-                            e.Hijo().nombre + "\" tiene filas que no están en \"" + padre.nombre + "\"");
+void CheckRows(PageFile& pages, RelationshipEnds& e, std::uint32_t index, const TableRelationship& r,
+               const std::vector<Pair>& pairs) {
+  const Definition& parent = e.Parent();
+  const RealIndex& real = parent.reals.at(index);
+  const IndexTree tree(pages, parent.Page(), real);
+  std::vector<std::size_t> columns_read;
+  for (const auto& pair : pairs) columns_read.push_back(pair.child);
+  Row sought(parent.columns.size());
+  Bytes key;
+  WalkRows(
+      pages, e.Child(),
+      [&](RowId, const Row& row) {
+        for (const auto& pair : pairs) sought[pair.parent] = row[pair.child];
+        if (AllNull(parent, real, sought)) return true;
+        MakeRowKey(pages.Header(), parent, real, sought, key);
+        if (!tree.Has(key))
+          throw base::Error("La relación \"" + r.name + "\" no se puede exigir: la tabla \"" +
+                            e.Child().name + "\" tiene filas que no están en \"" + parent.name + "\"");
         return true;
       },
-      leidas);
+      columns_read);
 }
 
 // Access names the parent's side after its number: ".rA" for 0, ".rB" for 1.
-std::string NombreDelPadre(Definicion& padre, std::uint32_t numero) {
-  std::string letras(1, static_cast<char>('A' + numero % 26));
-  if (numero >= 26) letras.insert(letras.begin(), static_cast<char>('A' + numero / 26 % 26));
-  std::string nombre = ".r" + letras;
-  while (internal::LogicoDe(padre, nombre) != padre.logicos.end()) nombre += 'A';
-  return nombre;
+std::string ParentName(Definition& parent, std::uint32_t number) {
+  std::string letters(1, static_cast<char>('A' + number % 26));
+  if (number >= 26) letters.insert(letters.begin(), static_cast<char>('A' + number / 26 % 26));
+  std::string name = ".r" + letters;
+  while (internal::FindLogical(parent, name) != parent.logicals.end()) name += 'A';
+  return name;
 }
 
-void PonerLogicos(Extremos& e, const RelacionDeTablas& r, std::uint32_t real_padre, std::uint32_t real_hijo) {
-  Definicion &padre = e.Padre(), &hijo = e.Hijo();
-  if (internal::LogicoDe(hijo, r.nombre) != hijo.logicos.end())
-    throw base::Error("La tabla \"" + hijo.nombre + "\" ya tiene un índice \"" + r.nombre + "\"");
-  IndiceLogico p, h;
-  p.clase = h.clase = IndiceLogico::Foraneo;
-  p.actualiza_en_cascada = h.actualiza_en_cascada =
-      (r.banderas & RelacionDeTablas::kActualizaEnCascada) != 0 ? 1 : 0;
-  p.borra_en_cascada = h.borra_en_cascada = (r.banderas & RelacionDeTablas::kBorraEnCascada) != 0 ? 1
-                                            : (r.banderas & RelacionDeTablas::kPoneNulo) != 0     ? 2
-                                                                                                  : 0;
-  p.lado = IndiceLogico::Padre;
-  p.real = real_padre;
-  p.otra_tabla = hijo.Pagina();
-  p.numero = internal::NumeroLibre(padre);
-  p.nombre = NombreDelPadre(padre, p.numero);
-  h.lado = IndiceLogico::Hijo;
-  h.real = real_hijo;
-  h.otra_tabla = padre.Pagina();
-  h.nombre = r.nombre;
-  h.otro_indice = static_cast<std::int32_t>(p.numero);
-  internal::InsertarLogico(padre, p);
-  h.numero = internal::NumeroLibre(hijo);
-  internal::LogicoDe(padre, p.nombre)->otro_indice = static_cast<std::int32_t>(h.numero);
-  internal::InsertarLogico(hijo, std::move(h));
+void PutLogicals(RelationshipEnds& e, const TableRelationship& r, std::uint32_t parent_real,
+                 std::uint32_t child_real) {
+  Definition &parent = e.Parent(), &child = e.Child();
+  if (internal::FindLogical(child, r.name) != child.logicals.end())
+    throw base::Error("La tabla \"" + child.name + "\" ya tiene un índice \"" + r.name + "\"");
+  LogicalIndex p, h;
+  p.kind = h.kind = LogicalIndex::Foreign;
+  p.cascades_updates = h.cascades_updates = (r.flags & TableRelationship::kCascadesUpdates) != 0 ? 1 : 0;
+  p.cascades_deletes = h.cascades_deletes = (r.flags & TableRelationship::kCascadesDeletes) != 0 ? 1
+                                            : (r.flags & TableRelationship::kSetsNull) != 0      ? 2
+                                                                                                 : 0;
+  p.side = LogicalIndex::Parent;
+  p.real = parent_real;
+  p.other_table = child.Page();
+  p.number = internal::FreeNumber(parent);
+  p.name = ParentName(parent, p.number);
+  h.side = LogicalIndex::Child;
+  h.real = child_real;
+  h.other_table = parent.Page();
+  h.name = r.name;
+  h.other_index = static_cast<std::int32_t>(p.number);
+  internal::InsertLogical(parent, p);
+  h.number = internal::FreeNumber(child);
+  internal::FindLogical(parent, p.name)->other_index = static_cast<std::int32_t>(h.number);
+  internal::InsertLogical(child, std::move(h));
 }
 
-void Guardar(Paginas& paginas, Extremos& e) {
-  EscribirDefinicion(paginas, e.padre);
-  if (!e.misma) EscribirDefinicion(paginas, e.otra);
+void Save(PageFile& pages, RelationshipEnds& e) {
+  WriteDefinition(pages, e.parent);
+  if (!e.same) WriteDefinition(pages, e.other);
 }
 
-void AgregarFilas(Paginas& paginas, Extremos& e, const RelacionDeTablas& r, const std::vector<Par>& pares) {
-  Definicion d = internal::LeerTablaDelSistema(paginas, paginas.Cab().relaciones);
-  Cambios cambios;
-  for (std::size_t i = 0; i < pares.size(); ++i)
-    cambios.nuevas.push_back(internal::FilaPorNombre(d)
-                                 .Poner("szRelationship", r.nombre)
-                                 .Poner("grbit", std::int64_t{static_cast<std::int32_t>(r.banderas)})
-                                 .Poner("ccolumn", static_cast<std::int64_t>(pares.size()))
-                                 .Poner("icolumn", static_cast<std::int64_t>(i))
-                                 .Poner("szObject", e.Hijo().nombre)
-                                 .Poner("szColumn", e.Hijo().columnas[pares[i].hijo].nombre)
-                                 .Poner("szReferencedObject", e.Padre().nombre)
-                                 .Poner("szReferencedColumn", e.Padre().columnas[pares[i].padre].nombre)
-                                 .Tomar());
-  Aplicar(paginas, d, cambios);
+void AddRows(PageFile& pages, RelationshipEnds& e, const TableRelationship& r,
+             const std::vector<Pair>& pairs) {
+  Definition d = internal::ReadSystemTable(pages, pages.Header().relationships);
+  Changes changes;
+  for (std::size_t i = 0; i < pairs.size(); ++i)
+    changes.inserted.push_back(internal::RowByName(d)
+                                   .Set("szRelationship", r.name)
+                                   .Set("grbit", std::int64_t{static_cast<std::int32_t>(r.flags)})
+                                   .Set("ccolumn", static_cast<std::int64_t>(pairs.size()))
+                                   .Set("icolumn", static_cast<std::int64_t>(i))
+                                   .Set("szObject", e.Child().name)
+                                   .Set("szColumn", e.Child().columns[pairs[i].child].name)
+                                   .Set("szReferencedObject", e.Parent().name)
+                                   .Set("szReferencedColumn", e.Parent().columns[pairs[i].parent].name)
+                                   .Take());
+  Apply(pages, d, changes);
 }
 
-const Objeto* ObjetoDeRelacion(const Catalogo& catalogo, std::string_view nombre) {
-  for (const auto& o : catalogo.Objetos())
-    if (o.tipo == Objeto::Relacion && base::IgualSinCaso(o.nombre, nombre)) return &o;
+const Object* RelationshipObject(const SystemCatalog& catalog, std::string_view name) {
+  for (const auto& o : catalog.Objects())
+    if (o.type == Object::Relationship && base::EqualIgnoringCase(o.name, name)) return &o;
   return nullptr;
 }
 
 // Takes the two logical indexes away, and the child's real one when nothing else stands on it.
-void QuitarLogicos(Paginas& paginas, Extremos& e, const std::string& nombre) {
-  Definicion& hijo = e.Hijo();
-  const auto h = internal::LogicoDe(hijo, nombre);
-  if (h == hijo.logicos.end() || h->clase != IndiceLogico::Foraneo || h->lado != IndiceLogico::Hijo) return;
-  const IndiceLogico suyo = *h;
-  hijo.logicos.erase(h);
-  std::erase_if(e.Padre().logicos, [&](const IndiceLogico& l) {
-    return l.clase == IndiceLogico::Foraneo && l.lado == IndiceLogico::Padre &&
-           static_cast<std::int32_t>(l.numero) == suyo.otro_indice && l.otra_tabla == hijo.Pagina();
+void RemoveLogicals(PageFile& pages, RelationshipEnds& e, const std::string& name) {
+  Definition& child = e.Child();
+  const auto h = internal::FindLogical(child, name);
+  if (h == child.logicals.end() || h->kind != LogicalIndex::Foreign || h->side != LogicalIndex::Child) return;
+  const LogicalIndex its = *h;
+  child.logicals.erase(h);
+  std::erase_if(e.Parent().logicals, [&](const LogicalIndex& l) {
+    return l.kind == LogicalIndex::Foreign && l.side == LogicalIndex::Parent &&
+           static_cast<std::int32_t>(l.number) == its.other_index && l.other_table == child.Page();
   });
-  const bool compartido = std::any_of(hijo.logicos.begin(), hijo.logicos.end(),
-                                      [&](const IndiceLogico& l) { return l.real == suyo.real; });
-  if (!compartido) internal::QuitarReal(paginas, hijo, suyo.real);
+  const bool shared = std::any_of(child.logicals.begin(), child.logicals.end(),
+                                  [&](const LogicalIndex& l) { return l.real == its.real; });
+  if (!shared) internal::RemoveReal(pages, child, its.real);
 }
 
 }  // namespace
 
 namespace internal {
 
-void QuitarRelacion(Paginas& paginas, const Catalogo& catalogo, const RelacionDeTablas& relacion) {
-  if (relacion.Exigida()) {
-    Extremos e = AbrirExtremos(paginas, catalogo, relacion);
-    QuitarLogicos(paginas, e, relacion.nombre);
-    Guardar(paginas, e);
+void RemoveRelationship(PageFile& pages, const SystemCatalog& catalog,
+                        const TableRelationship& relationship) {
+  if (relationship.IsEnforced()) {
+    RelationshipEnds e = OpenEnds(pages, catalog, relationship);
+    RemoveLogicals(pages, e, relationship.name);
+    Save(pages, e);
   }
-  BorrarFilasDonde(paginas, paginas.Cab().relaciones, "szRelationship", relacion.nombre);
-  if (const Objeto* objeto = ObjetoDeRelacion(catalogo, relacion.nombre)) QuitarObjeto(paginas, *objeto);
+  DeleteRowsWhere(pages, pages.Header().relationships, "szRelationship", relationship.name);
+  if (const Object* object = RelationshipObject(catalog, relationship.name)) RemoveObject(pages, *object);
 }
 
 }  // namespace internal
 
-void Base::CrearRelacion(const RelacionDeTablas& relacion, base::Fecha ahora) {
-  internal::ComprobarNombre(relacion.nombre, "una relación");
-  if (ObjetoDeRelacion(catalogo_, relacion.nombre) != nullptr)
-    throw base::Error("La base ya tiene una relación \"" + relacion.nombre + "\"");
-  internal::Intento intento(*paginas_, catalogo_);
-  Extremos e = AbrirExtremos(*paginas_, catalogo_, relacion);
-  auto pares = ParesDe(e, relacion);
-  if (relacion.Exigida()) {
-    const std::uint32_t real_padre = IndiceReferido(e.Padre(), relacion, pares);
-    ComprobarFilas(*paginas_, e, real_padre, relacion, pares);
-    const std::uint32_t real_hijo = IndiceDelHijo(*paginas_, e.Hijo(), relacion, pares);
-    PonerLogicos(e, relacion, real_padre, real_hijo);
-    Guardar(*paginas_, e);
+void Database::CreateRelationship(const TableRelationship& relationship, base::Date now) {
+  internal::CheckName(relationship.name, "una relación");
+  if (RelationshipObject(catalog_, relationship.name) != nullptr)
+    throw base::Error("La base ya tiene una relación \"" + relationship.name + "\"");
+  internal::Attempt attempt(*pages_, catalog_);
+  RelationshipEnds e = OpenEnds(*pages_, catalog_, relationship);
+  auto pairs = PairsOf(e, relationship);
+  if (relationship.IsEnforced()) {
+    const std::uint32_t parent_real = ReferencedIndex(e.Parent(), relationship, pairs);
+    CheckRows(*pages_, e, parent_real, relationship, pairs);
+    const std::uint32_t child_real = ChildIndex(*pages_, e.Child(), relationship, pairs);
+    PutLogicals(e, relationship, parent_real, child_real);
+    Save(*pages_, e);
   }
-  AgregarFilas(*paginas_, e, relacion, pares);
-  internal::NuevoObjeto objeto;
-  objeto.id = internal::IdLibre(catalogo_);
-  objeto.padre = kContenedorRelaciones;
-  objeto.nombre = relacion.nombre;
-  objeto.tipo = Objeto::Relacion;
-  internal::AgregarObjeto(*paginas_, catalogo_, objeto, ahora);
-  intento.Cumplir();
+  AddRows(*pages_, e, relationship, pairs);
+  internal::NewObject object;
+  object.id = internal::FreeId(catalog_);
+  object.parent = kRelationshipsContainer;
+  object.name = relationship.name;
+  object.type = Object::Relationship;
+  internal::AddObject(*pages_, catalog_, object, now);
+  attempt.Complete();
 }
 
-void Base::BorrarRelacion(std::string_view nombre) {
-  internal::Intento intento(*paginas_, catalogo_);
-  const auto& relaciones = catalogo_.Relaciones();
-  const auto r = std::find_if(relaciones.begin(), relaciones.end(),
-                              [&](const auto& otra) { return base::IgualSinCaso(otra.nombre, nombre); });
-  if (r == relaciones.end())
-    throw base::Error("La base no tiene una relación \"" + std::string(nombre) + "\"");
-  internal::QuitarRelacion(*paginas_, catalogo_, *r);
-  intento.Cumplir();
+void Database::DropRelationship(std::string_view name) {
+  internal::Attempt attempt(*pages_, catalog_);
+  const auto& relationships = catalog_.Relationships();
+  const auto r = std::find_if(relationships.begin(), relationships.end(),
+                              [&](const auto& other) { return base::EqualIgnoringCase(other.name, name); });
+  if (r == relationships.end())
+    throw base::Error("La base no tiene una relación \"" + std::string(name) + "\"");
+  internal::RemoveRelationship(*pages_, catalog_, *r);
+  attempt.Complete();
 }
 
 }  // namespace mdb

@@ -2,17 +2,17 @@
 
 namespace mdb {
 
-std::vector<IdFila> Base::Aplicar(std::string_view tabla, const Cambios& cambios) {
-  const auto conocida = catalogo_.Tabla(tabla);
-  if (!conocida) throw base::Error("No existe la tabla \"" + std::string(tabla) + "\"", 3078);
+std::vector<RowId> Database::Apply(std::string_view table, const Changes& changes) {
+  const auto known = catalog_.Table(table);
+  if (!known) throw base::Error("No existe la tabla \"" + std::string(table) + "\"", 3078);
   // The catalog's definition is of when it was read: counters and maps have gone on since.
-  Definicion definicion = LeerDefinicion(*paginas_, conocida->Pagina());
-  definicion.nombre = conocida->nombre;
-  auto punto = paginas_->Guardar();
+  Definition definition = ReadDefinition(*pages_, known->Page());
+  definition.name = known->name;
+  auto point = pages_->Save();
   try {
-    return mdb::Aplicar(*paginas_, definicion, cambios);
+    return mdb::Apply(*pages_, definition, changes);
   } catch (const base::Error&) {
-    paginas_->Volver(std::move(punto));
+    pages_->RollbackTo(std::move(point));
     throw;
   }
 }

@@ -12,175 +12,173 @@ namespace mdb {
 namespace {
 
 // Frees the data pages that a map names. In a damaged file one may be another table's: then nothing goes.
-void LiberarMapa(Paginas& paginas, Puntero mapa, std::uint32_t dueno) {
-  for (const NumPagina p : LeerMapa(paginas, mapa)) {
-    const Imagen imagen = paginas.Leer(p);
-    if (U8(*imagen, 0) != internal::kPaginaDeDatos || U32(*imagen, 4) != dueno)
-      DanioEnPagina(p, "está en el mapa de una tabla y no es de ella");
-    LiberarPagina(paginas, p);
+void FreeMap(PageFile& pages, Pointer map, std::uint32_t owner) {
+  for (const PageNumber p : ReadMap(pages, map)) {
+    const Image image = pages.Read(p);
+    if (U8(*image, 0) != internal::kDataPage || U32(*image, 4) != owner)
+      ThrowPageDamage(p, "está en el mapa de una tabla y no es de ella");
+    FreePage(pages, p);
   }
 }
 
-void LiberarValoresLargos(Paginas& paginas, const Columna& columna) {
-  LiberarMapa(paginas, columna.lv_propias, internal::kLval);
-  for (const Puntero mapa : {columna.lv_propias, columna.lv_libres})
-    if (mapa.pagina != 0) BorrarMapa(paginas, mapa);
+void FreeLongValues(PageFile& pages, const Column& column) {
+  FreeMap(pages, column.lv_owned_pages, internal::kLval);
+  for (const Pointer map : {column.lv_owned_pages, column.lv_free_pages})
+    if (map.page != 0) DeleteMap(pages, map);
 }
 
-void LiberarTabla(Paginas& paginas, Definicion& d) {
-  while (!d.reales.empty()) internal::QuitarReal(paginas, d, static_cast<std::uint32_t>(d.reales.size() - 1));
-  for (const auto& c : d.columnas)
-    if (c.EsLarga()) LiberarValoresLargos(paginas, c);
-  LiberarMapa(paginas, d.propias, d.Pagina());
-  for (const Puntero mapa : {d.propias, d.libres})
-    if (mapa.pagina != 0) BorrarMapa(paginas, mapa);
-  for (const NumPagina p : d.paginas) LiberarPagina(paginas, p);
+void FreeTable(PageFile& pages, Definition& d) {
+  while (!d.reals.empty()) internal::RemoveReal(pages, d, static_cast<std::uint32_t>(d.reals.size() - 1));
+  for (const auto& c : d.columns)
+    if (c.IsLong()) FreeLongValues(pages, c);
+  FreeMap(pages, d.owned_pages, d.Page());
+  for (const Pointer map : {d.owned_pages, d.free_pages})
+    if (map.page != 0) DeleteMap(pages, map);
+  for (const PageNumber p : d.pages) FreePage(pages, p);
 }
 
-bool Nombra(const RelacionDeTablas& relacion, const std::string& tabla) {
-  return base::IgualSinCaso(relacion.tabla, tabla) || base::IgualSinCaso(relacion.tabla_referida, tabla);
+bool NamesTable(const TableRelationship& relationship, const std::string& table) {
+  return base::EqualIgnoringCase(relationship.table, table) ||
+         base::EqualIgnoringCase(relationship.referenced_table, table);
 }
 
 // An autonumber in a table with rows: each gets the next number, in the order of the pages.
-void Numerar(Paginas& paginas, Definicion& d, std::size_t columna) {
-  Cambios cambios;
-  RecorrerFilas(paginas, d,
-                [&](IdFila id, const Fila&) {
-                  d.ultimo_automatico =
-                      static_cast<std::int32_t>(static_cast<std::uint32_t>(d.ultimo_automatico) +
-                                                static_cast<std::uint32_t>(d.incremento));
-                  CambioDeFila cambio;
-                  cambio.fila = id;
-                  cambio.valores.emplace_back(columna, std::int64_t{d.ultimo_automatico});
-                  cambios.cambiadas.push_back(std::move(cambio));
-                  return true;
-                },
-                {columna});
-  if (cambios.cambiadas.empty()) return;
-  const std::int32_t ultimo = d.ultimo_automatico;
-  Aplicar(paginas, d, cambios);
-  d.ultimo_automatico = ultimo;  // with a step below 0 the last number is the smallest
-  EscribirContadores(paginas, d);
+void NumberRows(PageFile& pages, Definition& d, std::size_t column) {
+  Changes changes;
+  WalkRows(pages, d,
+           [&](RowId id, const Row&) {
+             d.last_auto_number = static_cast<std::int32_t>(static_cast<std::uint32_t>(d.last_auto_number) +
+                                                            static_cast<std::uint32_t>(d.increment));
+             RowChange change;
+             change.row = id;
+             change.values.emplace_back(column, std::int64_t{d.last_auto_number});
+             changes.changed.push_back(std::move(change));
+             return true;
+           },
+           {column});
+  if (changes.changed.empty()) return;
+  const std::int32_t last = d.last_auto_number;
+  Apply(pages, d, changes);
+  d.last_auto_number = last;  // with a step below 0 the last number is the smallest
+  WriteCounters(pages, d);
 }
 
 // Rows from before a table had columns of variable length have no place for their count, and readers that
 // know only the definition would look for it. Such rows are written anew.
-void DarParteVariable(Paginas& paginas, Definicion& d) {
-  Cambios cambios;
-  const std::size_t columna = d.columnas.size() - 1;
-  RecorrerFilas(paginas, d,
-                [&](IdFila id, const Fila&) {
-                  CambioDeFila cambio;
-                  cambio.fila = id;
-                  cambio.valores.emplace_back(columna, Dato());
-                  cambios.cambiadas.push_back(std::move(cambio));
-                  return true;
-                },
-                {columna});
-  if (!cambios.cambiadas.empty()) Aplicar(paginas, d, cambios);
+void GiveVariablePart(PageFile& pages, Definition& d) {
+  Changes changes;
+  const std::size_t column = d.columns.size() - 1;
+  WalkRows(pages, d,
+           [&](RowId id, const Row&) {
+             RowChange change;
+             change.row = id;
+             change.values.emplace_back(column, Datum());
+             changes.changed.push_back(std::move(change));
+             return true;
+           },
+           {column});
+  if (!changes.changed.empty()) Apply(pages, d, changes);
 }
 
-void ComprobarQueNadieLaUse(const Catalogo& catalogo, const Definicion& d, const Columna& columna) {
-  const std::string comienzo = "La columna \"" + columna.nombre + "\" no se puede quitar: la usa ";
-  for (const auto& l : d.logicos)
-    for (const auto& parte : d.reales.at(l.real).partes)
-      if (parte.columna == columna.numero && l.clase != IndiceLogico::Foraneo)
-        throw base::Error(comienzo + "el índice \"" + l.nombre + "\"");
-  const auto nombra = [&](const std::string& tabla, const std::vector<std::string>& columnas) {
-    return base::IgualSinCaso(tabla, d.nombre) &&
-           std::any_of(columnas.begin(), columnas.end(),
-                       [&](const auto& c) { return base::IgualSinCaso(c, columna.nombre); });
+void CheckNobodyUsesIt(const SystemCatalog& catalog, const Definition& d, const Column& column) {
+  const std::string start = "La columna \"" + column.name + "\" no se puede quitar: la usa ";
+  for (const auto& l : d.logicals)
+    for (const auto& part : d.reals.at(l.real).parts)
+      if (part.column == column.number && l.kind != LogicalIndex::Foreign)
+        throw base::Error(start + "el índice \"" + l.name + "\"");
+  const auto names_it = [&](const std::string& table, const std::vector<std::string>& columns) {
+    return base::EqualIgnoringCase(table, d.name) &&
+           std::any_of(columns.begin(), columns.end(),
+                       [&](const auto& c) { return base::EqualIgnoringCase(c, column.name); });
   };
-  for (const auto& r : catalogo.Relaciones())
-    if (nombra(r.tabla, r.columnas) || nombra(r.tabla_referida, r.columnas_referidas))
-      throw base::Error(comienzo + "la relación \"" + r.nombre + "\"");
-  for (const auto& real : d.reales)  // of a relationship that the catalog no longer tells
-    for (const auto& parte : real.partes)
-      if (parte.columna == columna.numero) throw base::Error(comienzo + "un índice");
+  for (const auto& r : catalog.Relationships())
+    if (names_it(r.table, r.columns) || names_it(r.referenced_table, r.referenced_columns))
+      throw base::Error(start + "la relación \"" + r.name + "\"");
+  for (const auto& real : d.reals)  // of a relationship that the catalog no longer tells
+    for (const auto& part : real.parts)
+      if (part.column == column.number) throw base::Error(start + "un índice");
 }
 
 }  // namespace
 
-void Base::CrearTabla(const NuevaTabla& tabla, base::Fecha ahora) {
-  internal::ComprobarNombre(tabla.nombre, "una tabla");
-  internal::ComprobarNombreLibre(catalogo_, tabla.nombre);
-  if (tabla.columnas.empty()) throw base::Error("La tabla \"" + tabla.nombre + "\" no tiene columnas");
-  internal::Intento intento(*paginas_, catalogo_);
-  Definicion d;
-  d.nombre = tabla.nombre;
-  d.paginas = {ReservarPagina(*paginas_)};
-  d.propias = NuevoMapa(*paginas_);
-  d.libres = NuevoMapa(*paginas_);
-  internal::NuevoObjeto objeto;
-  for (const auto& c : tabla.columnas) {
-    internal::AgregarColumna(*paginas_, d, c);
-    internal::AgregarPropiedades(objeto.propiedades, c);
+void Database::CreateTable(const NewTable& table, base::Date now) {
+  internal::CheckName(table.name, "una tabla");
+  internal::CheckNameIsFree(catalog_, table.name);
+  if (table.columns.empty()) throw base::Error("La tabla \"" + table.name + "\" no tiene columnas");
+  internal::Attempt attempt(*pages_, catalog_);
+  Definition d;
+  d.name = table.name;
+  d.pages = {ReservePage(*pages_)};
+  d.owned_pages = CreateMap(*pages_);
+  d.free_pages = CreateMap(*pages_);
+  internal::NewObject object;
+  for (const auto& c : table.columns) {
+    internal::AddColumn(*pages_, d, c);
+    internal::AddProperties(object.properties, c);
   }
-  for (const auto& i : tabla.indices) internal::AgregarIndice(*paginas_, d, i);
-  EscribirDefinicion(*paginas_, d);
-  objeto.id = static_cast<std::int32_t>(d.Pagina());
-  objeto.padre = kContenedorTablas;
-  objeto.nombre = tabla.nombre;
-  objeto.tipo = Objeto::Tabla;
-  internal::AgregarObjeto(*paginas_, catalogo_, objeto, ahora);
-  intento.Cumplir();
+  for (const auto& i : table.indexes) internal::AddIndex(*pages_, d, i);
+  WriteDefinition(*pages_, d);
+  object.id = static_cast<std::int32_t>(d.Page());
+  object.parent = kTablesContainer;
+  object.name = table.name;
+  object.type = Object::Table;
+  internal::AddObject(*pages_, catalog_, object, now);
+  attempt.Complete();
 }
 
-void Base::BorrarTabla(std::string_view tabla) {
-  const Objeto* objeto = catalogo_.Buscar(tabla);
-  internal::Intento intento(*paginas_, catalogo_);
-  if (objeto != nullptr && (objeto->tipo == Objeto::Vinculada || objeto->tipo == Objeto::VinculadaOdbc)) {
-    internal::QuitarObjeto(*paginas_, *objeto);  // the link goes, the table that it names stays
-    intento.Cumplir();
+void Database::DropTable(std::string_view table) {
+  const Object* object = catalog_.Find(table);
+  internal::Attempt attempt(*pages_, catalog_);
+  if (object != nullptr && (object->type == Object::Linked || object->type == Object::LinkedOdbc)) {
+    internal::RemoveObject(*pages_, *object);  // the link goes, the table that it names stays
+    attempt.Complete();
     return;
   }
-  Definicion d = internal::TablaParaCambiar(*paginas_, catalogo_, tabla);
-  for (const auto& r : catalogo_.Relaciones())
-    if (r.Exigida() && Nombra(r, d.nombre))
-      throw base::Error("La tabla \"" + d.nombre + "\" no se puede borrar: está en la relación \"" +
-                        r.nombre + "\"");
-  for (const auto& r : catalogo_.Relaciones())
-    if (Nombra(r, d.nombre)) internal::QuitarRelacion(*paginas_, catalogo_, r);
-  LiberarTabla(*paginas_, d);
-  internal::QuitarObjeto(*paginas_, *objeto);
-  intento.Cumplir();
+  Definition d = internal::TableToChange(*pages_, catalog_, table);
+  for (const auto& r : catalog_.Relationships())
+    if (r.IsEnforced() && NamesTable(r, d.name))
+      throw base::Error("La tabla \"" + d.name + "\" no se puede borrar: está en la relación \"" + r.name +
+                        "\"");
+  for (const auto& r : catalog_.Relationships())
+    if (NamesTable(r, d.name)) internal::RemoveRelationship(*pages_, catalog_, r);
+  FreeTable(*pages_, d);
+  internal::RemoveObject(*pages_, *object);
+  attempt.Complete();
 }
 
-void Base::AgregarColumna(std::string_view tabla, const NuevaColumna& columna) {
-  internal::Intento intento(*paginas_, catalogo_);
-  Definicion d = internal::TablaParaCambiar(*paginas_, catalogo_, tabla);
-  if (columna.autonumerica && columna.tipo == TipoColumna::Guid && !LeerMapa(*paginas_, d.propias).empty())
+void Database::AddColumn(std::string_view table, const NewColumn& column) {
+  internal::Attempt attempt(*pages_, catalog_);
+  Definition d = internal::TableToChange(*pages_, catalog_, table);
+  if (column.auto_number && column.type == ColumnType::Guid && !ReadMap(*pages_, d.owned_pages).empty())
     throw base::Error("Una columna autonumérica de identificadores solo se agrega a una tabla nueva");
-  const bool sin_variables = d.variables == 0;
-  internal::AgregarColumna(*paginas_, d, columna);
-  EscribirDefinicion(*paginas_, d);
-  if (sin_variables && d.variables != 0) DarParteVariable(*paginas_, d);
-  if (columna.autonumerica && columna.tipo == TipoColumna::Largo)
-    Numerar(*paginas_, d, d.columnas.size() - 1);
-  Propiedades propiedades = catalogo_.PropiedadesDe(tabla);
-  const std::size_t antes = propiedades.size();
-  internal::AgregarPropiedades(propiedades, columna);
-  if (propiedades.size() != antes)
-    internal::CambiarPropiedades(*paginas_, *catalogo_.Buscar(tabla), propiedades);
-  intento.Cumplir();
+  const bool without_variables = d.variables == 0;
+  internal::AddColumn(*pages_, d, column);
+  WriteDefinition(*pages_, d);
+  if (without_variables && d.variables != 0) GiveVariablePart(*pages_, d);
+  if (column.auto_number && column.type == ColumnType::Long) NumberRows(*pages_, d, d.columns.size() - 1);
+  Properties properties = catalog_.PropertiesOf(table);
+  const std::size_t before = properties.size();
+  internal::AddProperties(properties, column);
+  if (properties.size() != before) internal::ChangeProperties(*pages_, *catalog_.Find(table), properties);
+  attempt.Complete();
 }
 
-void Base::QuitarColumna(std::string_view tabla, std::string_view columna) {
-  internal::Intento intento(*paginas_, catalogo_);
-  Definicion d = internal::TablaParaCambiar(*paginas_, catalogo_, tabla);
-  const std::size_t posicion = internal::ColumnaDe(d, columna);
-  const Columna quitada = d.columnas[posicion];
-  if (d.columnas.size() == 1)
-    throw base::Error("La columna \"" + quitada.nombre + "\" es la única de la tabla \"" + d.nombre + "\"");
-  ComprobarQueNadieLaUse(catalogo_, d, quitada);
-  if (quitada.EsLarga()) LiberarValoresLargos(*paginas_, quitada);
-  d.columnas.erase(d.columnas.begin() + static_cast<std::ptrdiff_t>(posicion));
-  EscribirDefinicion(*paginas_, d);
-  Propiedades propiedades = catalogo_.PropiedadesDe(tabla);
-  if (std::erase_if(propiedades, [&](const auto& p) { return base::IgualSinCaso(p.first, quitada.nombre); }) >
-      0)
-    internal::CambiarPropiedades(*paginas_, *catalogo_.Buscar(tabla), propiedades);
-  intento.Cumplir();
+void Database::DropColumn(std::string_view table, std::string_view column) {
+  internal::Attempt attempt(*pages_, catalog_);
+  Definition d = internal::TableToChange(*pages_, catalog_, table);
+  const std::size_t position = internal::ColumnOf(d, column);
+  const Column removed = d.columns[position];
+  if (d.columns.size() == 1)
+    throw base::Error("La columna \"" + removed.name + "\" es la única de la tabla \"" + d.name + "\"");
+  CheckNobodyUsesIt(catalog_, d, removed);
+  if (removed.IsLong()) FreeLongValues(*pages_, removed);
+  d.columns.erase(d.columns.begin() + static_cast<std::ptrdiff_t>(position));
+  WriteDefinition(*pages_, d);
+  Properties properties = catalog_.PropertiesOf(table);
+  if (std::erase_if(properties,
+                    [&](const auto& p) { return base::EqualIgnoringCase(p.first, removed.name); }) > 0)
+    internal::ChangeProperties(*pages_, *catalog_.Find(table), properties);
+  attempt.Complete();
 }
 
 }  // namespace mdb

@@ -6,74 +6,74 @@
 namespace mdb::internal {
 namespace {
 
-constexpr std::size_t kLetrasDeNombre = 64;
+constexpr std::size_t kNameLetters = 64;
 
 }  // namespace
 
-void ComprobarNombre(std::string_view nombre, const char* que) {
-  const auto rechazar = [&](const std::string& motivo) {
-    throw base::Error("\"" + std::string(nombre) + "\" no sirve de nombre para " + que + ": " + motivo);
+void CheckName(std::string_view name, const char* what) {
+  const auto reject = [&](const std::string& reason) {
+    throw base::Error("\"" + std::string(name) + "\" no sirve de nombre para " + what + ": " + reason);
   };
-  if (nombre.empty()) throw base::Error("Falta el nombre de " + std::string(que));
-  if (base::Longitud(nombre) > kLetrasDeNombre) rechazar("tiene más de 64 letras");
-  if (nombre.front() == ' ') rechazar("empieza con un espacio");
-  for (const char c : nombre) {
+  if (name.empty()) throw base::Error("Falta el nombre de " + std::string(what));
+  if (base::Length(name) > kNameLetters) reject("tiene más de 64 letras");
+  if (name.front() == ' ') reject("empieza con un espacio");
+  for (const char c : name) {
     if (std::string_view(".!`[]").find(c) != std::string_view::npos)
-      rechazar("lleva el signo " + std::string(1, c));
-    if (static_cast<unsigned char>(c) < 0x20) rechazar("lleva un carácter de control");
+      reject("lleva el signo " + std::string(1, c));
+    if (static_cast<unsigned char>(c) < 0x20) reject("lleva un carácter de control");
   }
 }
 
-void ComprobarNombreLibre(const Catalogo& catalogo, std::string_view nombre) {
-  if (const Objeto* otro = catalogo.Buscar(nombre); otro != nullptr)
+void CheckNameIsFree(const SystemCatalog& catalog, std::string_view name) {
+  if (const Object* other = catalog.Find(name); other != nullptr)
     throw base::Error("La base ya tiene " +
-                      std::string(otro->tipo == Objeto::Consulta ? "una consulta" : "una tabla") +
-                      " con el nombre \"" + otro->nombre + "\"");
+                      std::string(other->type == Object::Query ? "una consulta" : "una tabla") +
+                      " con el nombre \"" + other->name + "\"");
 }
 
-Definicion TablaParaCambiar(Paginas& paginas, const Catalogo& catalogo, std::string_view nombre) {
-  const Objeto* objeto = catalogo.Buscar(nombre);
-  if (objeto == nullptr) throw base::Error("La base no tiene una tabla \"" + std::string(nombre) + "\"");
-  const std::string cual = "\"" + objeto->nombre + "\"";
-  if (objeto->tipo == Objeto::Consulta) throw base::Error(cual + " es una consulta, no una tabla");
-  if (objeto->tipo != Objeto::Tabla)
-    throw base::Error("La tabla " + cual + " está vinculada: se cambia en la base en la que está");
-  if (objeto->DeSistema()) throw base::Error("La tabla " + cual + " es del sistema y no se cambia");
-  Definicion d = LeerDefinicion(paginas, static_cast<NumPagina>(objeto->id));
-  d.nombre = objeto->nombre;
+Definition TableToChange(PageFile& pages, const SystemCatalog& catalog, std::string_view name) {
+  const Object* object = catalog.Find(name);
+  if (object == nullptr) throw base::Error("La base no tiene una tabla \"" + std::string(name) + "\"");
+  const std::string which = "\"" + object->name + "\"";
+  if (object->type == Object::Query) throw base::Error(which + " es una consulta, no una tabla");
+  if (object->type != Object::Table)
+    throw base::Error("La tabla " + which + " está vinculada: se cambia en la base en la que está");
+  if (object->IsSystem()) throw base::Error("La tabla " + which + " es del sistema y no se cambia");
+  Definition d = ReadDefinition(pages, static_cast<PageNumber>(object->id));
+  d.name = object->name;
   return d;
 }
 
-std::size_t ColumnaDe(const Definicion& definicion, std::string_view columna) {
-  const auto posicion = definicion.PorNombre(columna);
-  if (!posicion)
-    throw base::Error("La tabla \"" + definicion.nombre + "\" no tiene una columna \"" +
-                      std::string(columna) + "\"");
-  return *posicion;
+std::size_t ColumnOf(const Definition& definition, std::string_view column) {
+  const auto position = definition.ByName(column);
+  if (!position)
+    throw base::Error("La tabla \"" + definition.name + "\" no tiene una columna \"" + std::string(column) +
+                      "\"");
+  return *position;
 }
 
-std::vector<IndiceLogico>::iterator LogicoDe(Definicion& definicion, std::string_view nombre) {
-  return std::find_if(definicion.logicos.begin(), definicion.logicos.end(),
-                      [&](const IndiceLogico& l) { return base::IgualSinCaso(l.nombre, nombre); });
+std::vector<LogicalIndex>::iterator FindLogical(Definition& definition, std::string_view name) {
+  return std::find_if(definition.logicals.begin(), definition.logicals.end(),
+                      [&](const LogicalIndex& l) { return base::EqualIgnoringCase(l.name, name); });
 }
 
-void InsertarLogico(Definicion& definicion, IndiceLogico logico) {
-  if (definicion.logicos.size() >= Definicion::kIndices)
-    throw base::Error("La tabla \"" + definicion.nombre + "\" ya tiene 32 índices, los que puede tener");
-  const std::string nombre = base::Minusculas(logico.nombre);
-  const auto lugar =
-      std::find_if(definicion.logicos.begin(), definicion.logicos.end(),
-                   [&](const IndiceLogico& otro) { return base::Minusculas(otro.nombre) > nombre; });
-  definicion.logicos.insert(lugar, std::move(logico));
+void InsertLogical(Definition& definition, LogicalIndex logical) {
+  if (definition.logicals.size() >= Definition::kIndices)
+    throw base::Error("La tabla \"" + definition.name + "\" ya tiene 32 índices, los que puede tener");
+  const std::string name = base::LowerCase(logical.name);
+  const auto place =
+      std::find_if(definition.logicals.begin(), definition.logicals.end(),
+                   [&](const LogicalIndex& other) { return base::LowerCase(other.name) > name; });
+  definition.logicals.insert(place, std::move(logical));
 }
 
-std::uint32_t NumeroLibre(const Definicion& definicion) {
+std::uint32_t FreeNumber(const Definition& definition) {
   std::uint32_t n = 0;
-  const auto tomado = [&] {
-    return std::any_of(definicion.logicos.begin(), definicion.logicos.end(),
-                       [&](const IndiceLogico& l) { return l.numero == n; });
+  const auto taken = [&] {
+    return std::any_of(definition.logicals.begin(), definition.logicals.end(),
+                       [&](const LogicalIndex& l) { return l.number == n; });
   };
-  while (tomado()) ++n;
+  while (taken()) ++n;
   return n;
 }
 

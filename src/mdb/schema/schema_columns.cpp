@@ -8,38 +8,38 @@ namespace mdb::internal {
 namespace {
 
 // The longest row that is written.
-constexpr std::size_t kAnchoDeFila = 4060;
-constexpr std::uint16_t kLetrasDeTexto = 255, kBytesDeBinario = 510;
-constexpr std::uint8_t kCifrasDeDecimal = 28;
+constexpr std::size_t kRowWidth = 4060;
+constexpr std::uint16_t kTextLetters = 255, kBinaryBytes = 510;
+constexpr std::uint8_t kDecimalDigits = 28;
 
-std::uint16_t LargoDe(const NuevaColumna& nueva) {
-  const auto error = [&](const char* motivo) -> std::uint16_t {
-    throw base::Error("La columna \"" + nueva.nombre + "\" " + motivo);
+std::uint16_t LengthOf(const NewColumn& fresh) {
+  const auto error = [&](const char* reason) -> std::uint16_t {
+    throw base::Error("La columna \"" + fresh.name + "\" " + reason);
   };
-  switch (nueva.tipo) {
-    case TipoColumna::Booleano:
+  switch (fresh.type) {
+    case ColumnType::Boolean:
       return 1;
-    case TipoColumna::Byte:
-    case TipoColumna::Entero:
-    case TipoColumna::Largo:
-    case TipoColumna::Simple:
-    case TipoColumna::Moneda:
-    case TipoColumna::Doble:
-    case TipoColumna::Fecha:
-    case TipoColumna::Guid:
-      return AnchoDeTipo(nueva.tipo);
-    case TipoColumna::Decimal:
-      if (nueva.precision < 1 || nueva.precision > kCifrasDeDecimal || nueva.escala > nueva.precision)
+    case ColumnType::Byte:
+    case ColumnType::Integer:
+    case ColumnType::Long:
+    case ColumnType::Single:
+    case ColumnType::Currency:
+    case ColumnType::Double:
+    case ColumnType::Date:
+    case ColumnType::Guid:
+      return TypeWidth(fresh.type);
+    case ColumnType::Decimal:
+      if (fresh.precision < 1 || fresh.precision > kDecimalDigits || fresh.scale > fresh.precision)
         return error("no puede tener esa cantidad de cifras");
-      return AnchoDeTipo(nueva.tipo);
-    case TipoColumna::Texto:
-      if (nueva.largo > kLetrasDeTexto) return error("no puede tener más de 255 letras");
-      return static_cast<std::uint16_t>(2 * (nueva.largo == 0 ? kLetrasDeTexto : nueva.largo));
-    case TipoColumna::Binario:
-      if (nueva.largo > kBytesDeBinario) return error("no puede tener más de 510 bytes");
-      return nueva.largo == 0 ? std::uint16_t{255} : nueva.largo;
-    case TipoColumna::Memo:
-    case TipoColumna::Ole:
+      return TypeWidth(fresh.type);
+    case ColumnType::Text:
+      if (fresh.length > kTextLetters) return error("no puede tener más de 255 letras");
+      return static_cast<std::uint16_t>(2 * (fresh.length == 0 ? kTextLetters : fresh.length));
+    case ColumnType::Binary:
+      if (fresh.length > kBinaryBytes) return error("no puede tener más de 510 bytes");
+      return fresh.length == 0 ? std::uint16_t{255} : fresh.length;
+    case ColumnType::Memo:
+    case ColumnType::Ole:
       return 0;
     default:
       return error("es de un tipo que una base de Access 2000 a 2003 no tiene");
@@ -47,102 +47,97 @@ std::uint16_t LargoDe(const NuevaColumna& nueva) {
 }
 
 // What a fixed column takes whatever its descriptor says: Access itself writes smaller numbers for Numeric.
-std::size_t LargoGuardado(TipoColumna tipo) { return tipo == TipoColumna::Decimal ? 17 : 0; }
+std::size_t StoredLength(ColumnType type) { return type == ColumnType::Decimal ? 17 : 0; }
 
-std::size_t FinDeFijas(const Definicion& d) {
-  std::size_t fin = 0;
-  for (const auto& c : d.columnas)
-    if (c.Fija() && c.tipo != TipoColumna::Booleano)
-      fin = std::max<std::size_t>(fin,
-                                  c.desplazamiento + std::max<std::size_t>(c.largo, LargoGuardado(c.tipo)));
-  return fin;
+std::size_t FixedEnd(const Definition& d) {
+  std::size_t end = 0;
+  for (const auto& c : d.columns)
+    if (c.IsFixed() && c.type != ColumnType::Boolean)
+      end = std::max<std::size_t>(end, c.offset + std::max<std::size_t>(c.length, StoredLength(c.type)));
+  return end;
 }
 
 // What a row takes that has nothing in its variable columns.
-std::size_t AnchoMinimo(const Definicion& d) {
-  const std::size_t tabla_de_variables = d.variables == 0 ? 0 : 4 + 2U * d.variables;
-  return 2 + FinDeFijas(d) + tabla_de_variables + (d.max_columnas + 7U) / 8;
+std::size_t MinimumWidth(const Definition& d) {
+  const std::size_t variable_table = d.variables == 0 ? 0 : 4 + 2U * d.variables;
+  return 2 + FixedEnd(d) + variable_table + (d.max_columns + 7U) / 8;
 }
 
-void ComprobarAutonumerica(const Definicion& d, const NuevaColumna& nueva) {
-  if (nueva.tipo == TipoColumna::Guid) return;
-  if (nueva.tipo != TipoColumna::Largo)
-    throw base::Error("La columna \"" + nueva.nombre + "\" no puede ser autonumérica: no es un entero largo");
-  if (nueva.incremento == 0)
-    throw base::Error("La columna autonumérica \"" + nueva.nombre + "\" no puede crecer de a 0");
-  for (const auto& c : d.columnas)
-    if (c.Autonumerica())
-      throw base::Error("La tabla \"" + d.nombre + "\" ya tiene una columna autonumérica, \"" + c.nombre +
-                        "\"");
+void CheckAutoNumber(const Definition& d, const NewColumn& fresh) {
+  if (fresh.type == ColumnType::Guid) return;
+  if (fresh.type != ColumnType::Long)
+    throw base::Error("La columna \"" + fresh.name + "\" no puede ser autonumérica: no es un entero largo");
+  if (fresh.increment == 0)
+    throw base::Error("La columna autonumérica \"" + fresh.name + "\" no puede crecer de a 0");
+  for (const auto& c : d.columns)
+    if (c.IsAutoNumber())
+      throw base::Error("La tabla \"" + d.name + "\" ya tiene una columna autonumérica, \"" + c.name + "\"");
 }
 
-std::uint8_t BanderasDe(const NuevaColumna& nueva) {
-  std::uint8_t b = Columna::kActualizable;
-  if (!EsDeLargoVariable(nueva.tipo)) b |= Columna::kFija;
-  if (nueva.autonumerica)
-    b |= nueva.tipo == TipoColumna::Guid ? Columna::kGuidAutomatico : Columna::kAutonumerica;
+std::uint8_t FlagsOf(const NewColumn& fresh) {
+  std::uint8_t b = Column::kUpdatable;
+  if (!IsVariableLength(fresh.type)) b |= Column::kFixed;
+  if (fresh.auto_number) b |= fresh.type == ColumnType::Guid ? Column::kAutoGuid : Column::kAutoNumber;
   return b;
 }
 
 }  // namespace
 
-void AgregarColumna(Paginas& paginas, Definicion& d, const NuevaColumna& nueva) {
-  ComprobarNombre(nueva.nombre, "una columna");
-  if (d.PorNombre(nueva.nombre))
-    throw base::Error("La tabla \"" + d.nombre + "\" ya tiene una columna \"" + nueva.nombre + "\"");
-  if (d.max_columnas >= Definicion::kColumnas)
-    throw base::Error("La tabla \"" + d.nombre +
+void AddColumn(PageFile& pages, Definition& d, const NewColumn& fresh) {
+  CheckName(fresh.name, "una columna");
+  if (d.ByName(fresh.name))
+    throw base::Error("La tabla \"" + d.name + "\" ya tiene una columna \"" + fresh.name + "\"");
+  if (d.max_columns >= Definition::kColumns)
+    throw base::Error("La tabla \"" + d.name +
                       "\" llegó a las 255 columnas que puede tener, contando las que tuvo antes");
-  if (nueva.autonumerica) ComprobarAutonumerica(d, nueva);
-  Columna c;
-  c.nombre = nueva.nombre;
-  c.tipo = nueva.tipo;
-  c.largo = LargoDe(nueva);
-  c.banderas = BanderasDe(nueva);
-  if (c.tipo == TipoColumna::Texto && nueva.comprime) c.banderas_ext = Columna::kComprime;
-  c.numero = d.max_columnas;
+  if (fresh.auto_number) CheckAutoNumber(d, fresh);
+  Column c;
+  c.name = fresh.name;
+  c.type = fresh.type;
+  c.length = LengthOf(fresh);
+  c.flags = FlagsOf(fresh);
+  if (c.type == ColumnType::Text && fresh.compress) c.extended_flags = Column::kCompressed;
+  c.number = d.max_columns;
   c.variable = d.variables;
-  for (const auto& otra : d.columnas)
-    c.posicion = std::max(c.posicion, static_cast<std::uint16_t>(otra.posicion + 1));
-  c.lcid = paginas.Cab().orden;
-  c.version_orden = c.EsTexto() ? paginas.Cab().version_orden : std::uint8_t{0};
-  if (c.tipo == TipoColumna::Decimal) {
-    c.precision = nueva.precision;
-    c.escala = nueva.escala;
+  for (const auto& other : d.columns)
+    c.position = std::max(c.position, static_cast<std::uint16_t>(other.position + 1));
+  c.lcid = pages.Header().order;
+  c.order_version = c.IsText() ? pages.Header().order_version : std::uint8_t{0};
+  if (c.type == ColumnType::Decimal) {
+    c.precision = fresh.precision;
+    c.scale = fresh.scale;
   }
-  if (c.Fija() && c.tipo != TipoColumna::Booleano)
-    c.desplazamiento = static_cast<std::uint16_t>(FinDeFijas(d));
-  if (nueva.autonumerica && nueva.tipo == TipoColumna::Largo) {
-    d.ultimo_automatico = static_cast<std::int32_t>(static_cast<std::uint32_t>(nueva.semilla) -
-                                                    static_cast<std::uint32_t>(nueva.incremento));
-    d.incremento = nueva.incremento;
+  if (c.IsFixed() && c.type != ColumnType::Boolean) c.offset = static_cast<std::uint16_t>(FixedEnd(d));
+  if (fresh.auto_number && fresh.type == ColumnType::Long) {
+    d.last_auto_number = static_cast<std::int32_t>(static_cast<std::uint32_t>(fresh.seed) -
+                                                   static_cast<std::uint32_t>(fresh.increment));
+    d.increment = fresh.increment;
   }
-  ++d.max_columnas;
-  if (!c.Fija()) ++d.variables;
-  d.columnas.push_back(c);
-  if (AnchoMinimo(d) > kAnchoDeFila)
-    throw base::Error("Las columnas de la tabla \"" + d.nombre + "\" no caben en una fila");
-  if (c.EsLarga()) {
-    d.columnas.back().lv_propias = NuevoMapa(paginas);
-    d.columnas.back().lv_libres = NuevoMapa(paginas);
+  ++d.max_columns;
+  if (!c.IsFixed()) ++d.variables;
+  d.columns.push_back(c);
+  if (MinimumWidth(d) > kRowWidth)
+    throw base::Error("Las columnas de la tabla \"" + d.name + "\" no caben en una fila");
+  if (c.IsLong()) {
+    d.columns.back().lv_owned_pages = CreateMap(pages);
+    d.columns.back().lv_free_pages = CreateMap(pages);
   }
 }
 
-void AgregarPropiedades(Propiedades& propiedades, const NuevaColumna& columna) {
-  std::vector<Propiedad> suyas;
-  const auto agregar = [&](const char* nombre, TipoColumna tipo, Dato valor) {
-    suyas.push_back({nombre, static_cast<std::uint8_t>(tipo), true, std::move(valor)});
+void AddProperties(Properties& properties, const NewColumn& column) {
+  std::vector<Property> its;
+  const auto add = [&](const char* name, ColumnType type, Datum value) {
+    its.push_back({name, static_cast<std::uint8_t>(type), true, std::move(value)});
   };
-  if (columna.requerida) agregar("Required", TipoColumna::Booleano, true);
-  if (columna.tipo == TipoColumna::Texto || columna.tipo == TipoColumna::Memo)
-    agregar("AllowZeroLength", TipoColumna::Booleano, columna.permite_vacio);
-  if (columna.tipo == TipoColumna::Texto)
-    agregar("UnicodeCompression", TipoColumna::Booleano, columna.comprime);
-  if (columna.autonumerica && columna.tipo == TipoColumna::Guid)
-    agregar("DefaultValue", TipoColumna::Texto, std::string("GenGUID()"));
-  else if (!columna.defecto.empty())
-    agregar("DefaultValue", TipoColumna::Memo, columna.defecto);
-  if (!suyas.empty()) propiedades[columna.nombre] = std::move(suyas);
+  if (column.required) add("Required", ColumnType::Boolean, true);
+  if (column.type == ColumnType::Text || column.type == ColumnType::Memo)
+    add("AllowZeroLength", ColumnType::Boolean, column.allows_empty);
+  if (column.type == ColumnType::Text) add("UnicodeCompression", ColumnType::Boolean, column.compress);
+  if (column.auto_number && column.type == ColumnType::Guid)
+    add("DefaultValue", ColumnType::Text, std::string("GenGUID()"));
+  else if (!column.default_value.empty())
+    add("DefaultValue", ColumnType::Memo, column.default_value);
+  if (!its.empty()) properties[column.name] = std::move(its);
 }
 
 }  // namespace mdb::internal

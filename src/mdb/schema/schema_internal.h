@@ -10,88 +10,86 @@
 
 namespace mdb::internal {
 
-// The pages as they were when this was made come back at its end unless Cumplir was called; the catalog is
+// The pages as they were when this was made come back at its end unless Complete was called; the catalog is
 // read anew either way.
-class Intento {
+class Attempt {
  public:
-  Intento(Paginas& paginas, Catalogo& catalogo)
-      : paginas_(paginas), catalogo_(catalogo), punto_(paginas.Guardar()) {}
-  Intento(const Intento&) = delete;
-  Intento& operator=(const Intento&) = delete;
-  ~Intento() {
-    if (!cumplido_) paginas_.Volver(std::move(punto_));
-    catalogo_.Olvidar();
+  Attempt(PageFile& pages, SystemCatalog& catalog) : pages_(pages), catalog_(catalog), point_(pages.Save()) {}
+  Attempt(const Attempt&) = delete;
+  Attempt& operator=(const Attempt&) = delete;
+  ~Attempt() {
+    if (!completed_) pages_.RollbackTo(std::move(point_));
+    catalog_.Forget();
   }
-  void Cumplir() { cumplido_ = true; }
+  void Complete() { completed_ = true; }
 
  private:
-  Paginas& paginas_;
-  Catalogo& catalogo_;
-  Paginas::Punto punto_;
-  bool cumplido_ = false;
+  PageFile& pages_;
+  SystemCatalog& catalog_;
+  PageFile::Savepoint point_;
+  bool completed_ = false;
 };
 
-// Throws base::Error for a name that no object, column or index may have. `que`: "una tabla", "una columna"…
-void ComprobarNombre(std::string_view nombre, const char* que);
+// Throws base::Error for a name that no object, column or index may have. `what`: "una table", "una column"…
+void CheckName(std::string_view name, const char* what);
 // Tables, linked tables and queries share their names.
-void ComprobarNombreLibre(const Catalogo& catalogo, std::string_view nombre);
+void CheckNameIsFree(const SystemCatalog& catalog, std::string_view name);
 
 // A local table that is no table of the system, read anew. Throws base::Error when there is none.
-Definicion TablaParaCambiar(Paginas& paginas, const Catalogo& catalogo, std::string_view nombre);
-// Position of a column in `columnas`; throws base::Error when there is none of that name.
-std::size_t ColumnaDe(const Definicion& definicion, std::string_view columna);
+Definition TableToChange(PageFile& pages, const SystemCatalog& catalog, std::string_view name);
+// Position of a column in `columns`; throws base::Error when there is none of that name.
+std::size_t ColumnOf(const Definition& definition, std::string_view column);
 // The index that has this name whatever its case; end() when there is none.
-std::vector<IndiceLogico>::iterator LogicoDe(Definicion& definicion, std::string_view nombre);
+std::vector<LogicalIndex>::iterator FindLogical(Definition& definition, std::string_view name);
 // In the order of their names, as Access keeps them.
-void InsertarLogico(Definicion& definicion, IndiceLogico logico);
-std::uint32_t NumeroLibre(const Definicion& definicion);  // for a new logical index
+void InsertLogical(Definition& definition, LogicalIndex logical);
+std::uint32_t FreeNumber(const Definition& definition);  // for a new logical index
 
-// Adds a real index filled from the table's rows, with its map and its root; its number in `reales`. The
-// definition itself is still to be written. `nombre` is for the message of a row that it refuses.
-std::uint32_t AgregarReal(Paginas& paginas, Definicion& definicion, IndiceReal indice,
-                          const std::string& nombre);
+// Adds a real index filled from the table's rows, with its map and its root; its number in `reals`. The
+// definition itself is still to be written. `name` is for the message of a row that it refuses.
+std::uint32_t AddReal(PageFile& pages, Definition& definition, RealIndex index, const std::string& name);
 // Frees the index's pages and map, and renumbers what names the others.
-void QuitarReal(Paginas& paginas, Definicion& definicion, std::uint32_t real);
+void RemoveReal(PageFile& pages, Definition& definition, std::uint32_t real);
 // Checks it against the definition and adds it, real and logical; the definition is still to be written.
-void AgregarIndice(Paginas& paginas, Definicion& definicion, const NuevoIndice& nuevo);
+void AddIndex(PageFile& pages, Definition& definition, const NewIndex& fresh);
 
-// The column that `nueva` describes, next in the definition, with the page maps of its long values.
-void AgregarColumna(Paginas& paginas, Definicion& definicion, const NuevaColumna& nueva);
+// The column that `fresh` describes, next in the definition, with the page maps of its long values.
+void AddColumn(PageFile& pages, Definition& definition, const NewColumn& fresh);
 // What the column has in LvProp.
-void AgregarPropiedades(Propiedades& propiedades, const NuevaColumna& columna);
+void AddProperties(Properties& properties, const NewColumn& column);
 
 // A system table by the page of its definition, with its name.
-Definicion LeerTablaDelSistema(Paginas& paginas, NumPagina pagina);
+Definition ReadSystemTable(PageFile& pages, PageNumber page);
 // A row of a system table, put together by the names of its columns.
-class FilaPorNombre {
+class RowByName {
  public:
-  explicit FilaPorNombre(const Definicion& definicion)
-      : definicion_(definicion), fila_(definicion.columnas.size()) {}
-  FilaPorNombre& Poner(const char* columna, Dato dato);
-  Fila Tomar() { return std::move(fila_); }
+  explicit RowByName(const Definition& definition)
+      : definition_(definition), row_(definition.columns.size()) {}
+  RowByName& Set(const char* column, Datum datum);
+  Row Take() { return std::move(row_); }
 
  private:
-  const Definicion& definicion_;
-  Fila fila_;
+  const Definition& definition_;
+  Row row_;
 };
 
-struct NuevoObjeto {
-  std::int32_t id = 0, padre = 0;
-  std::string nombre;
-  std::int16_t tipo = 0;
-  std::uint32_t banderas = 0;
-  Propiedades propiedades;
+struct NewObject {
+  std::int32_t id = 0, parent = 0;
+  std::string name;
+  std::int16_t type = 0;
+  std::uint32_t flags = 0;
+  Properties properties;
 };
 // An identity for an object that is no table: 0x80000000 and the smallest number that none has.
-std::int32_t IdLibre(const Catalogo& catalogo);
+std::int32_t FreeId(const SystemCatalog& catalog);
 // Its row of MSysObjects, and those that say who may do what: whoever is named for its container.
-void AgregarObjeto(Paginas& paginas, const Catalogo& catalogo, const NuevoObjeto& objeto, base::Fecha ahora);
-void QuitarObjeto(Paginas& paginas, const Objeto& objeto);
-void CambiarPropiedades(Paginas& paginas, const Objeto& objeto, const Propiedades& propiedades);
+void AddObject(PageFile& pages, const SystemCatalog& catalog, const NewObject& object, base::Date now);
+void RemoveObject(PageFile& pages, const Object& object);
+void ChangeProperties(PageFile& pages, const Object& object, const Properties& properties);
 // Deletes the rows of a system table that have this value there.
-void BorrarFilasDonde(Paginas& paginas, NumPagina tabla, const char* columna, const Dato& valor);
+void DeleteRowsWhere(PageFile& pages, PageNumber table, const char* column, const Datum& value);
 
 // The relationship's rows and object, and its logical indexes when it is enforced.
-void QuitarRelacion(Paginas& paginas, const Catalogo& catalogo, const RelacionDeTablas& relacion);
+void RemoveRelationship(PageFile& pages, const SystemCatalog& catalog, const TableRelationship& relationship);
 
 }  // namespace mdb::internal

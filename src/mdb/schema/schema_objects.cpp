@@ -8,132 +8,132 @@
 namespace mdb::internal {
 namespace {
 
-constexpr std::int64_t kTodoPermitido = 0xFFFFF;
+constexpr std::int64_t kAllAllowed = 0xFFFFF;
 
 // The SID that owns what the file's user makes: that of the database's own object.
-Dato Propietario(Paginas& paginas, const Catalogo& catalogo, const Definicion& objetos) {
-  for (const auto& o : catalogo.Objetos()) {
-    if (o.id != kObjetoBase) continue;
-    const auto fila = LeerFila(paginas, objetos, o.fila);
-    const auto posicion = objetos.PorNombre("Owner");
-    if (fila && posicion) return (*fila)[*posicion];
+Datum OwnerDatum(PageFile& pages, const SystemCatalog& catalog, const Definition& objects) {
+  for (const auto& o : catalog.Objects()) {
+    if (o.id != kDatabaseObject) continue;
+    const auto row = ReadRow(pages, objects, o.row);
+    const auto position = objects.ByName("Owner");
+    if (row && position) return (*row)[*position];
   }
   return {};
 }
 
 // Whoever has a row for the container, once each, in the order in which they stand.
-std::vector<Dato> SidsDe(Paginas& paginas, const Definicion& permisos, std::int32_t contenedor) {
-  std::vector<Dato> sids;
-  const auto objeto = permisos.PorNombre("ObjectId"), sid = permisos.PorNombre("SID");
-  if (!objeto || !sid) return sids;
-  RecorrerFilas(paginas, permisos,
-                [&](IdFila, const Fila& fila) {
-                  if (fila[*objeto] == Dato(std::int64_t{contenedor}) &&
-                      std::find(sids.begin(), sids.end(), fila[*sid]) == sids.end())
-                    sids.push_back(fila[*sid]);
-                  return true;
-                },
-                {*objeto, *sid});
+std::vector<Datum> SidsOf(PageFile& pages, const Definition& permissions, std::int32_t container) {
+  std::vector<Datum> sids;
+  const auto object = permissions.ByName("ObjectId"), sid = permissions.ByName("SID");
+  if (!object || !sid) return sids;
+  WalkRows(pages, permissions,
+           [&](RowId, const Row& row) {
+             if (row[*object] == Datum(std::int64_t{container}) &&
+                 std::find(sids.begin(), sids.end(), row[*sid]) == sids.end())
+               sids.push_back(row[*sid]);
+             return true;
+           },
+           {*object, *sid});
   return sids;
 }
 
-void AgregarPermisos(Paginas& paginas, const NuevoObjeto& objeto) {
-  Definicion permisos = LeerTablaDelSistema(paginas, paginas.Cab().permisos);
-  Cambios cambios;
-  for (auto& sid : SidsDe(paginas, permisos, objeto.padre))
-    cambios.nuevas.push_back(FilaPorNombre(permisos)
-                                 .Poner("ObjectId", std::int64_t{objeto.id})
-                                 .Poner("SID", std::move(sid))
-                                 .Poner("ACM", kTodoPermitido)
-                                 .Poner("FInheritable", false)
-                                 .Tomar());
-  Aplicar(paginas, permisos, cambios);
+void AddPermissions(PageFile& pages, const NewObject& object) {
+  Definition permissions = ReadSystemTable(pages, pages.Header().permissions);
+  Changes changes;
+  for (auto& sid : SidsOf(pages, permissions, object.parent))
+    changes.inserted.push_back(RowByName(permissions)
+                                   .Set("ObjectId", std::int64_t{object.id})
+                                   .Set("SID", std::move(sid))
+                                   .Set("ACM", kAllAllowed)
+                                   .Set("FInheritable", false)
+                                   .Take());
+  Apply(pages, permissions, changes);
 }
 
-Dato DatoDePropiedades(const Propiedades& propiedades) {
-  if (propiedades.empty()) return {};
-  return SerializarPropiedades(propiedades);
+Datum PropertiesDatum(const Properties& properties) {
+  if (properties.empty()) return {};
+  return SerializeProperties(properties);
 }
 
 }  // namespace
 
-Definicion LeerTablaDelSistema(Paginas& paginas, NumPagina pagina) {
-  const Cabecera& c = paginas.Cab();
-  Definicion d = LeerDefinicion(paginas, pagina);
-  d.nombre = pagina == c.objetos     ? "MSysObjects"
-             : pagina == c.permisos  ? "MSysACEs"
-             : pagina == c.consultas ? "MSysQueries"
-                                     : "MSysRelationships";
+Definition ReadSystemTable(PageFile& pages, PageNumber page) {
+  const FileHeader& c = pages.Header();
+  Definition d = ReadDefinition(pages, page);
+  d.name = page == c.objects       ? "MSysObjects"
+           : page == c.permissions ? "MSysACEs"
+           : page == c.queries     ? "MSysQueries"
+                                   : "MSysRelationships";
   return d;
 }
 
-FilaPorNombre& FilaPorNombre::Poner(const char* columna, Dato dato) {
-  const auto posicion = definicion_.PorNombre(columna);
-  if (!posicion)
-    DanioEnPagina(definicion_.Pagina(), "la tabla de sistema no tiene la columna " + std::string(columna));
-  fila_[*posicion] = std::move(dato);
+RowByName& RowByName::Set(const char* column, Datum datum) {
+  const auto position = definition_.ByName(column);
+  if (!position)
+    ThrowPageDamage(definition_.Page(), "la tabla de sistema no tiene la columna " + std::string(column));
+  row_[*position] = std::move(datum);
   return *this;
 }
 
-std::int32_t IdLibre(const Catalogo& catalogo) {
-  std::set<std::int32_t> tomados;
-  for (const auto& o : catalogo.Objetos())
-    if (o.id < 0) tomados.insert(o.id);
+std::int32_t FreeId(const SystemCatalog& catalog) {
+  std::set<std::int32_t> taken;
+  for (const auto& o : catalog.Objects())
+    if (o.id < 0) taken.insert(o.id);
   std::int32_t id = INT32_MIN;
-  while (tomados.contains(id)) ++id;
+  while (taken.contains(id)) ++id;
   return id;
 }
 
-void AgregarObjeto(Paginas& paginas, const Catalogo& catalogo, const NuevoObjeto& objeto, base::Fecha ahora) {
-  Definicion objetos = LeerTablaDelSistema(paginas, paginas.Cab().objetos);
-  Cambios cambios;
-  cambios.nuevas.push_back(FilaPorNombre(objetos)
-                               .Poner("Id", std::int64_t{objeto.id})
-                               .Poner("ParentId", std::int64_t{objeto.padre})
-                               .Poner("Name", objeto.nombre)
-                               .Poner("Type", std::int64_t{objeto.tipo})
-                               .Poner("DateCreate", ahora)
-                               .Poner("DateUpdate", ahora)
-                               .Poner("Owner", Propietario(paginas, catalogo, objetos))
-                               .Poner("Flags", std::int64_t{static_cast<std::int32_t>(objeto.banderas)})
-                               .Poner("LvProp", DatoDePropiedades(objeto.propiedades))
-                               .Tomar());
-  Aplicar(paginas, objetos, cambios);
-  AgregarPermisos(paginas, objeto);
+void AddObject(PageFile& pages, const SystemCatalog& catalog, const NewObject& object, base::Date now) {
+  Definition objects = ReadSystemTable(pages, pages.Header().objects);
+  Changes changes;
+  changes.inserted.push_back(RowByName(objects)
+                                 .Set("Id", std::int64_t{object.id})
+                                 .Set("ParentId", std::int64_t{object.parent})
+                                 .Set("Name", object.name)
+                                 .Set("Type", std::int64_t{object.type})
+                                 .Set("DateCreate", now)
+                                 .Set("DateUpdate", now)
+                                 .Set("Owner", OwnerDatum(pages, catalog, objects))
+                                 .Set("Flags", std::int64_t{static_cast<std::int32_t>(object.flags)})
+                                 .Set("LvProp", PropertiesDatum(object.properties))
+                                 .Take());
+  Apply(pages, objects, changes);
+  AddPermissions(pages, object);
 }
 
-void QuitarObjeto(Paginas& paginas, const Objeto& objeto) {
-  Definicion objetos = LeerTablaDelSistema(paginas, paginas.Cab().objetos);
-  Cambios cambios;
-  cambios.borradas.push_back(objeto.fila);
-  Aplicar(paginas, objetos, cambios);
-  BorrarFilasDonde(paginas, paginas.Cab().permisos, "ObjectId", std::int64_t{objeto.id});
+void RemoveObject(PageFile& pages, const Object& object) {
+  Definition objects = ReadSystemTable(pages, pages.Header().objects);
+  Changes changes;
+  changes.deleted.push_back(object.row);
+  Apply(pages, objects, changes);
+  DeleteRowsWhere(pages, pages.Header().permissions, "ObjectId", std::int64_t{object.id});
 }
 
-void CambiarPropiedades(Paginas& paginas, const Objeto& objeto, const Propiedades& propiedades) {
-  Definicion objetos = LeerTablaDelSistema(paginas, paginas.Cab().objetos);
-  const auto posicion = objetos.PorNombre("LvProp");
-  if (!posicion) DanioEnPagina(objetos.Pagina(), "la tabla de sistema no tiene la columna LvProp");
-  CambioDeFila cambio;
-  cambio.fila = objeto.fila;
-  cambio.valores.emplace_back(*posicion, DatoDePropiedades(propiedades));
-  Cambios cambios;
-  cambios.cambiadas.push_back(std::move(cambio));
-  Aplicar(paginas, objetos, cambios);
+void ChangeProperties(PageFile& pages, const Object& object, const Properties& properties) {
+  Definition objects = ReadSystemTable(pages, pages.Header().objects);
+  const auto position = objects.ByName("LvProp");
+  if (!position) ThrowPageDamage(objects.Page(), "la tabla de sistema no tiene la columna LvProp");
+  RowChange change;
+  change.row = object.row;
+  change.values.emplace_back(*position, PropertiesDatum(properties));
+  Changes changes;
+  changes.changed.push_back(std::move(change));
+  Apply(pages, objects, changes);
 }
 
-void BorrarFilasDonde(Paginas& paginas, NumPagina tabla, const char* columna, const Dato& valor) {
-  Definicion d = LeerTablaDelSistema(paginas, tabla);
-  const auto posicion = d.PorNombre(columna);
-  if (!posicion) DanioEnPagina(tabla, "la tabla de sistema no tiene la columna " + std::string(columna));
-  Cambios cambios;
-  RecorrerFilas(paginas, d,
-                [&](IdFila id, const Fila& fila) {
-                  if (fila[*posicion] == valor) cambios.borradas.push_back(id);
-                  return true;
-                },
-                {*posicion});
-  if (!cambios.borradas.empty()) Aplicar(paginas, d, cambios);
+void DeleteRowsWhere(PageFile& pages, PageNumber table, const char* column, const Datum& value) {
+  Definition d = ReadSystemTable(pages, table);
+  const auto position = d.ByName(column);
+  if (!position) ThrowPageDamage(table, "la tabla de sistema no tiene la columna " + std::string(column));
+  Changes changes;
+  WalkRows(pages, d,
+           [&](RowId id, const Row& row) {
+             if (row[*position] == value) changes.deleted.push_back(id);
+             return true;
+           },
+           {*position});
+  if (!changes.deleted.empty()) Apply(pages, d, changes);
 }
 
 }  // namespace mdb::internal

@@ -8,137 +8,136 @@
 namespace mdb {
 namespace {
 
-struct ColumnaDeSistema {
-  const char* nombre;
-  TipoColumna tipo;
+struct SystemColumn {
+  const char* name;
+  ColumnType type;
   bool sid = false;
 };
 
-std::uint16_t LargoDe(TipoColumna tipo) {
-  switch (tipo) {
-    case TipoColumna::Booleano:
+std::uint16_t LengthOf(ColumnType type) {
+  switch (type) {
+    case ColumnType::Boolean:
       return 1;
-    case TipoColumna::Texto:
-    case TipoColumna::Binario:
+    case ColumnType::Text:
+    case ColumnType::Binary:
       return 510;
     default:
-      return internal::AnchoDeTipo(tipo);
+      return internal::TypeWidth(type);
   }
 }
 
 // Columns in the order of their numbers; stored by name, as Access stores those of its own tables.
-Definicion Tabla(const char* nombre, std::uint16_t orden, std::initializer_list<ColumnaDeSistema> columnas) {
+Definition Table(const char* name, std::uint16_t order, std::initializer_list<SystemColumn> columns) {
   constexpr std::uint8_t kSid = 0x20;
-  Definicion d;
-  d.nombre = nombre;
-  d.clase = Definicion::kDeSistema;
-  std::uint16_t desplazamiento = 0;
-  for (const auto& de : columnas) {
-    Columna c;
-    c.nombre = de.nombre;
-    c.tipo = de.tipo;
-    c.numero = d.max_columnas++;
+  Definition d;
+  d.name = name;
+  d.kind = Definition::kSystem;
+  std::uint16_t offset = 0;
+  for (const auto& from : columns) {
+    Column c;
+    c.name = from.name;
+    c.type = from.type;
+    c.number = d.max_columns++;
     c.variable = d.variables;
-    c.lcid = orden;
-    c.largo = LargoDe(de.tipo);
-    c.banderas = Columna::kActualizable | Columna::kDeSistema;
-    if (de.sid) c.banderas |= kSid;
-    if (internal::EsDeLargoVariable(de.tipo)) {
+    c.lcid = order;
+    c.length = LengthOf(from.type);
+    c.flags = Column::kUpdatable | Column::kSystem;
+    if (from.sid) c.flags |= kSid;
+    if (internal::IsVariableLength(from.type)) {
       ++d.variables;
     } else {
-      c.banderas |= Columna::kFija;
-      if (de.tipo != TipoColumna::Booleano) {
-        c.desplazamiento = desplazamiento;
-        desplazamiento = static_cast<std::uint16_t>(desplazamiento + c.largo);
+      c.flags |= Column::kFixed;
+      if (from.type != ColumnType::Boolean) {
+        c.offset = offset;
+        offset = static_cast<std::uint16_t>(offset + c.length);
       }
     }
-    d.columnas.push_back(std::move(c));
+    d.columns.push_back(std::move(c));
   }
-  std::sort(d.columnas.begin(), d.columnas.end(),
-            [](const Columna& a, const Columna& b) { return a.nombre < b.nombre; });
+  std::sort(d.columns.begin(), d.columns.end(),
+            [](const Column& a, const Column& b) { return a.name < b.name; });
   return d;
 }
 
-void AgregarIndice(Definicion& d, const char* nombre, std::initializer_list<std::uint16_t> columnas,
-                   std::uint8_t banderas, IndiceLogico::Clase clase = IndiceLogico::Normal) {
-  IndiceReal r;
-  for (const auto c : columnas) r.partes.push_back({c, false});
-  r.banderas = IndiceReal::kSiempre | banderas;
-  IndiceLogico l;
-  l.nombre = nombre;
-  l.numero = l.real = static_cast<std::uint32_t>(d.reales.size());
-  l.clase = clase;
-  d.reales.push_back(std::move(r));
-  const auto lugar = std::find_if(d.logicos.begin(), d.logicos.end(),
-                                  [&](const IndiceLogico& otro) { return otro.nombre > l.nombre; });
-  d.logicos.insert(lugar, std::move(l));
+void AddIndex(Definition& d, const char* name, std::initializer_list<std::uint16_t> columns,
+              std::uint8_t flags, LogicalIndex::Kind kind = LogicalIndex::Normal) {
+  RealIndex r;
+  for (const auto c : columns) r.parts.push_back({c, false});
+  r.flags = RealIndex::kAlways | flags;
+  LogicalIndex l;
+  l.name = name;
+  l.number = l.real = static_cast<std::uint32_t>(d.reals.size());
+  l.kind = kind;
+  d.reals.push_back(std::move(r));
+  const auto place = std::find_if(d.logicals.begin(), d.logicals.end(),
+                                  [&](const LogicalIndex& other) { return other.name > l.name; });
+  d.logicals.insert(place, std::move(l));
 }
 
 }  // namespace
 
-Definicion TablaMSysObjects(std::uint16_t orden) {
-  using enum TipoColumna;
-  Definicion d = Tabla("MSysObjects", orden,
-                       {{"Id", Largo},
-                        {"ParentId", Largo},
-                        {"Name", Texto},
-                        {"Type", Entero},
-                        {"DateCreate", Fecha},
-                        {"DateUpdate", Fecha},
-                        {"Owner", Binario, true},
-                        {"Flags", Largo},
+Definition MSysObjectsTable(std::uint16_t order) {
+  using enum ColumnType;
+  Definition d = Table("MSysObjects", order,
+                       {{"Id", Long},
+                        {"ParentId", Long},
+                        {"Name", Text},
+                        {"Type", Integer},
+                        {"DateCreate", Date},
+                        {"DateUpdate", Date},
+                        {"Owner", Binary, true},
+                        {"Flags", Long},
                         {"Database", Memo},
                         {"Connect", Memo},
-                        {"ForeignName", Texto},
-                        {"RmtInfoShort", Binario},
+                        {"ForeignName", Text},
+                        {"RmtInfoShort", Binary},
                         {"RmtInfoLong", Ole},
                         {"Lv", Ole},
                         {"LvProp", Ole},
                         {"LvModule", Ole},
                         {"LvExtra", Ole}});
-  AgregarIndice(d, "ParentIdName", {1, 2}, IndiceReal::kUnico);
-  AgregarIndice(d, "Id", {0}, IndiceReal::kUnico, IndiceLogico::Primario);
+  AddIndex(d, "ParentIdName", {1, 2}, RealIndex::kUnique);
+  AddIndex(d, "Id", {0}, RealIndex::kUnique, LogicalIndex::Primary);
   return d;
 }
 
-Definicion TablaMSysACEs(std::uint16_t orden) {
-  using enum TipoColumna;
-  Definicion d =
-      Tabla("MSysACEs", orden,
-            {{"ObjectId", Largo}, {"SID", Binario, true}, {"ACM", Largo}, {"FInheritable", Booleano}});
-  AgregarIndice(d, "ObjectId", {0}, IndiceReal::kRequerido);
+Definition MSysACEsTable(std::uint16_t order) {
+  using enum ColumnType;
+  Definition d = Table("MSysACEs", order,
+                       {{"ObjectId", Long}, {"SID", Binary, true}, {"ACM", Long}, {"FInheritable", Boolean}});
+  AddIndex(d, "ObjectId", {0}, RealIndex::kRequired);
   return d;
 }
 
-Definicion TablaMSysQueries(std::uint16_t orden) {
-  using enum TipoColumna;
-  Definicion d = Tabla("MSysQueries", orden,
-                       {{"ObjectId", Largo},
+Definition MSysQueriesTable(std::uint16_t order) {
+  using enum ColumnType;
+  Definition d = Table("MSysQueries", order,
+                       {{"ObjectId", Long},
                         {"Attribute", Byte},
-                        {"Order", Binario},
-                        {"Name1", Texto},
-                        {"Name2", Texto},
+                        {"Order", Binary},
+                        {"Name1", Text},
+                        {"Name2", Text},
                         {"Expression", Memo},
-                        {"Flag", Entero},
-                        {"LvExtra", Largo}});
-  AgregarIndice(d, "ObjectIdAttribute", {0, 1, 2}, IndiceReal::kUnico, IndiceLogico::Primario);
+                        {"Flag", Integer},
+                        {"LvExtra", Long}});
+  AddIndex(d, "ObjectIdAttribute", {0, 1, 2}, RealIndex::kUnique, LogicalIndex::Primary);
   return d;
 }
 
-Definicion TablaMSysRelationships(std::uint16_t orden) {
-  using enum TipoColumna;
-  Definicion d = Tabla("MSysRelationships", orden,
-                       {{"szRelationship", Texto},
-                        {"grbit", Largo},
-                        {"ccolumn", Largo},
-                        {"icolumn", Largo},
-                        {"szObject", Texto},
-                        {"szColumn", Texto},
-                        {"szReferencedObject", Texto},
-                        {"szReferencedColumn", Texto}});
-  AgregarIndice(d, "szRelationship", {0}, IndiceReal::kIgnoraNulos);
-  AgregarIndice(d, "szObject", {4}, IndiceReal::kIgnoraNulos);
-  AgregarIndice(d, "szReferencedObject", {6}, IndiceReal::kIgnoraNulos);
+Definition MSysRelationshipsTable(std::uint16_t order) {
+  using enum ColumnType;
+  Definition d = Table("MSysRelationships", order,
+                       {{"szRelationship", Text},
+                        {"grbit", Long},
+                        {"ccolumn", Long},
+                        {"icolumn", Long},
+                        {"szObject", Text},
+                        {"szColumn", Text},
+                        {"szReferencedObject", Text},
+                        {"szReferencedColumn", Text}});
+  AddIndex(d, "szRelationship", {0}, RealIndex::kIgnoresNulls);
+  AddIndex(d, "szObject", {4}, RealIndex::kIgnoresNulls);
+  AddIndex(d, "szReferencedObject", {6}, RealIndex::kIgnoresNulls);
   return d;
 }
 

@@ -7,178 +7,177 @@
 namespace mdb::internal {
 namespace {
 
-constexpr int kDuplicado = 3022, kNuloEnIndice = 3058;
-constexpr std::size_t kParaConstruir = 64;  // entries worth building an empty tree at once
+constexpr int kDuplicate = 3022, kNullInIndex = 3058;
+constexpr std::size_t kWorthBuilding = 64;  // entries worth building an empty tree at once
 
-struct EnTexto {
-  std::string operator()(base::Nulo) const { return "Nulo"; }
+struct ToText {
+  std::string operator()(base::Null) const { return "Nulo"; }
   std::string operator()(bool b) const { return b ? "Verdadero" : "Falso"; }
   std::string operator()(const std::string& t) const { return "\"" + t + "\""; }
   std::string operator()(const Bytes&) const { return "(binario)"; }
-  std::string operator()(const Guid& g) const { return g.Texto(); }
-  std::string operator()(const Decimal& d) const { return d.Texto(); }
+  std::string operator()(const Guid& g) const { return g.Text(); }
+  std::string operator()(const Decimal& d) const { return d.Text(); }
   template <typename T>
   std::string operator()(T n) const {
-    return base::Valor(n).Texto();
+    return base::Value(n).Text();
   }
 };
 
-bool EsPrimario(const Definicion& d, std::size_t real) {
-  return std::any_of(d.logicos.begin(), d.logicos.end(), [&](const IndiceLogico& l) {
-    return l.real == real && l.clase == IndiceLogico::Primario;
+bool IsPrimary(const Definition& d, std::size_t real) {
+  return std::any_of(d.logicals.begin(), d.logicals.end(), [&](const LogicalIndex& l) {
+    return l.real == real && l.kind == LogicalIndex::Primary;
   });
 }
 
 }  // namespace
 
-CambiosDeIndices::CambiosDeIndices(Paginas& paginas, Definicion& definicion)
-    : paginas_(paginas), definicion_(definicion) {
-  std::vector<bool> usada(definicion.columnas.size());
-  for (std::size_t i = 0; i < definicion.reales.size(); ++i) {
-    const IndiceReal& real = definicion.reales[i];
-    Uno u;
-    u.cual = i;
-    const bool primario = EsPrimario(definicion, i);
-    u.unico = real.Unico() || primario;
-    u.requerido = real.Requerido() || primario;
-    for (const auto& parte : real.partes) {
-      const auto columna = definicion.PorNumero(parte.columna);
-      if (!columna) DanioEnPagina(definicion.Pagina(), "un índice es de una columna que no hay");
-      u.columnas.push_back(*columna);
-      usada[*columna] = true;
+IndexChanges::IndexChanges(PageFile& pages, Definition& definition) : pages_(pages), definition_(definition) {
+  std::vector<bool> used(definition.columns.size());
+  for (std::size_t i = 0; i < definition.reals.size(); ++i) {
+    const RealIndex& real = definition.reals[i];
+    One u;
+    u.which = i;
+    const bool primary = IsPrimary(definition, i);
+    u.unique = real.IsUnique() || primary;
+    u.required = real.IsRequired() || primary;
+    for (const auto& part : real.parts) {
+      const auto column = definition.ByNumber(part.column);
+      if (!column) ThrowPageDamage(definition.Page(), "un índice es de una columna que no hay");
+      u.columns.push_back(*column);
+      used[*column] = true;
     }
-    indices_.push_back(std::move(u));
+    indexes_.push_back(std::move(u));
   }
-  for (std::size_t i = 0; i < usada.size(); ++i)
-    if (usada[i]) columnas_.push_back(i);
+  for (std::size_t i = 0; i < used.size(); ++i)
+    if (used[i]) columns_.push_back(i);
 }
 
-std::string CambiosDeIndices::NombreDe(const Uno& u) const {
-  const IndiceLogico* mejor = nullptr;
-  for (const auto& l : definicion_.logicos) {
-    if (l.real != u.cual) continue;
-    const bool gana = mejor == nullptr || l.clase == IndiceLogico::Primario ||
-                      (mejor->clase == IndiceLogico::Foraneo && l.clase == IndiceLogico::Normal);
-    if (gana) mejor = &l;
+std::string IndexChanges::NameOf(const One& u) const {
+  const LogicalIndex* best = nullptr;
+  for (const auto& l : definition_.logicals) {
+    if (l.real != u.which) continue;
+    const bool wins = best == nullptr || l.kind == LogicalIndex::Primary ||
+                      (best->kind == LogicalIndex::Foreign && l.kind == LogicalIndex::Normal);
+    if (wins) best = &l;
   }
-  return mejor == nullptr ? std::string() : mejor->nombre;
+  return best == nullptr ? std::string() : best->name;
 }
 
-std::string CambiosDeIndices::Valores(const Uno& u, const Fila& valores) const {
-  std::string texto;
-  for (const std::size_t c : u.columnas)
-    texto += (texto.empty() ? "" : ", ") + std::visit(EnTexto{}, valores[c]);
-  return texto;
+std::string IndexChanges::ValuesText(const One& u, const Row& values) const {
+  std::string text;
+  for (const std::size_t c : u.columns) text += (text.empty() ? "" : ", ") + std::visit(ToText{}, values[c]);
+  return text;
 }
 
-void CambiosDeIndices::Sale(Uno& u, IdFila fila, const Fila& valores) {
-  const IndiceReal& real = Real(u);
-  if (real.IgnoraNulos() && TodosNulos(definicion_, real, valores)) return;
-  Salida s;
-  s.entrada.fila = fila;
+void IndexChanges::RowLeaves(One& u, RowId row, const Row& values) {
+  const RealIndex& real = Real(u);
+  if (real.IgnoresNulls() && AllNull(definition_, real, values)) return;
+  Departure s;
+  s.entry.row = row;
   // A stored text may have characters whose weight is not known; its entry is then found by the row.
-  s.sin_clave = !base::ErrorIgnorado("clave de una fila guardada", nullptr, [&] {
-    ClaveDeFila(paginas_.Cab(), definicion_, real, valores, s.entrada.clave);
+  s.keyless = !base::PassOverError("clave de una fila guardada", nullptr, [&] {
+    MakeRowKey(pages_.Header(), definition_, real, values, s.entry.key);
   });
-  u.salen.push_back(std::move(s));
+  u.departures.push_back(std::move(s));
 }
 
-void CambiosDeIndices::Llega(Uno& u, Llegada llegada, const Fila& valores) {
-  const IndiceReal& real = Real(u);
-  if (u.requerido && AlgunNulo(definicion_, real, valores)) {
-    const std::string nombre = NombreDe(u);
-    throw ErrorDeClave(
-        "El índice \"" + nombre + "\" de la tabla \"" + definicion_.nombre + "\" no admite valores Nulos",
-        kNuloEnIndice, nombre);
+void IndexChanges::AddArrival(One& u, Arrival arrival, const Row& values) {
+  const RealIndex& real = Real(u);
+  if (u.required && AnyNull(definition_, real, values)) {
+    const std::string name = NameOf(u);
+    throw KeyError(
+        "El índice \"" + name + "\" de la tabla \"" + definition_.name + "\" no admite valores Nulos",
+        kNullInIndex, name);
   }
-  llegada.todos_nulos = TodosNulos(definicion_, real, valores);
-  if (llegada.todos_nulos && real.IgnoraNulos()) return;
-  ClaveDeFila(paginas_.Cab(), definicion_, real, valores, llegada.clave);
-  if (u.unico && !llegada.es_nueva) llegada.texto = Valores(u, valores);
-  u.llegan.push_back(std::move(llegada));
+  arrival.all_null = AllNull(definition_, real, values);
+  if (arrival.all_null && real.IgnoresNulls()) return;
+  MakeRowKey(pages_.Header(), definition_, real, values, arrival.key);
+  if (u.unique && !arrival.is_new) arrival.text = ValuesText(u, values);
+  u.arrivals.push_back(std::move(arrival));
 }
 
-void CambiosDeIndices::Sale(IdFila fila, const Fila& valores) {
-  for (auto& u : indices_) Sale(u, fila, valores);
+void IndexChanges::RowLeaves(RowId row, const Row& values) {
+  for (auto& u : indexes_) RowLeaves(u, row, values);
 }
 
-void CambiosDeIndices::Entra(std::size_t nueva, const Fila& valores) {
-  for (auto& u : indices_) {
-    Llegada llegada;
-    llegada.nueva = nueva;
-    llegada.es_nueva = true;
-    llegada.valores = &valores;
-    Llega(u, std::move(llegada), valores);
-  }
-}
-
-void CambiosDeIndices::Cambia(IdFila fila, const Fila& antes, const Fila& despues,
-                              const std::vector<bool>& cambiadas) {
-  for (auto& u : indices_) {
-    const auto toca = [&](std::size_t c) { return cambiadas[c]; };
-    if (std::none_of(u.columnas.begin(), u.columnas.end(), toca)) continue;
-    const std::size_t salen = u.salen.size(), llegan = u.llegan.size();
-    Sale(u, fila, antes);
-    Llegada llegada;
-    llegada.fila = fila;
-    Llega(u, std::move(llegada), despues);
-    if (u.salen.size() == salen || u.llegan.size() == llegan || u.salen.back().sin_clave) continue;
-    if (u.salen.back().entrada.clave != u.llegan.back().clave) continue;
-    u.salen.pop_back();
-    u.llegan.pop_back();
+void IndexChanges::RowEnters(std::size_t new_row, const Row& values) {
+  for (auto& u : indexes_) {
+    Arrival arrival;
+    arrival.new_row = new_row;
+    arrival.is_new = true;
+    arrival.values = &values;
+    AddArrival(u, std::move(arrival), values);
   }
 }
 
-void CambiosDeIndices::Revisar(Uno& u) {
-  ArbolDeIndice arbol = Arbol(u);
-  std::sort(u.llegan.begin(), u.llegan.end(),
-            [](const Llegada& a, const Llegada& b) { return a.clave < b.clave; });
-  for (std::size_t i = 0; i < u.llegan.size(); ++i) {
-    const Llegada& l = u.llegan[i];
-    const bool repetida = (i > 0 && u.llegan[i - 1].clave == l.clave) || arbol.Hay(l.clave);
-    if (!repetida) {
-      ++Real(u).distintas;
-    } else if (u.unico && !l.todos_nulos) {
-      const std::string nombre = NombreDe(u);
-      throw ErrorDeClave("Ya hay en la tabla \"" + definicion_.nombre + "\" una fila con el valor " +
-                             (l.es_nueva ? Valores(u, *l.valores) : l.texto) + " en el índice \"" + nombre +
-                             "\", que no admite duplicados",
-                         kDuplicado, nombre);
+void IndexChanges::RowChanges(RowId row, const Row& before, const Row& after,
+                              const std::vector<bool>& changed) {
+  for (auto& u : indexes_) {
+    const auto touches = [&](std::size_t c) { return changed[c]; };
+    if (std::none_of(u.columns.begin(), u.columns.end(), touches)) continue;
+    const std::size_t departures = u.departures.size(), arrivals = u.arrivals.size();
+    RowLeaves(u, row, before);
+    Arrival arrival;
+    arrival.row = row;
+    AddArrival(u, std::move(arrival), after);
+    if (u.departures.size() == departures || u.arrivals.size() == arrivals || u.departures.back().keyless)
+      continue;
+    if (u.departures.back().entry.key != u.arrivals.back().key) continue;
+    u.departures.pop_back();
+    u.arrivals.pop_back();
+  }
+}
+
+void IndexChanges::Check(One& u) {
+  IndexTree tree = Tree(u);
+  std::sort(u.arrivals.begin(), u.arrivals.end(),
+            [](const Arrival& a, const Arrival& b) { return a.key < b.key; });
+  for (std::size_t i = 0; i < u.arrivals.size(); ++i) {
+    const Arrival& l = u.arrivals[i];
+    const bool repeated = (i > 0 && u.arrivals[i - 1].key == l.key) || tree.Has(l.key);
+    if (!repeated) {
+      ++Real(u).distinct;
+    } else if (u.unique && !l.all_null) {
+      const std::string name = NameOf(u);
+      throw KeyError("Ya hay en la tabla \"" + definition_.name + "\" una fila con el valor " +
+                         (l.is_new ? ValuesText(u, *l.values) : l.text) + " en el índice \"" + name +
+                         "\", que no admite duplicados",
+                     kDuplicate, name);
     }
   }
 }
 
-void CambiosDeIndices::QuitarYRevisar() {
-  for (auto& u : indices_) {
-    ArbolDeIndice arbol = Arbol(u);
-    std::sort(u.salen.begin(), u.salen.end(),
-              [](const Salida& a, const Salida& b) { return a.entrada < b.entrada; });
-    for (const auto& s : u.salen)
-      if (s.sin_clave || !arbol.Borrar(s.entrada.clave, s.entrada.fila)) arbol.BorrarPorFila(s.entrada.fila);
-    Revisar(u);
+void IndexChanges::RemoveAndCheck() {
+  for (auto& u : indexes_) {
+    IndexTree tree = Tree(u);
+    std::sort(u.departures.begin(), u.departures.end(),
+              [](const Departure& a, const Departure& b) { return a.entry < b.entry; });
+    for (const auto& s : u.departures)
+      if (s.keyless || !tree.Delete(s.entry.key, s.entry.row)) tree.DeleteByRow(s.entry.row);
+    Check(u);
   }
 }
 
-void CambiosDeIndices::Poner(const std::vector<IdFila>& nuevas) {
-  for (auto& u : indices_) {
-    if (u.llegan.empty()) continue;
-    std::vector<Entrada> entradas;
-    entradas.reserve(u.llegan.size());
-    for (auto& l : u.llegan) entradas.push_back({std::move(l.clave), l.es_nueva ? nuevas[l.nueva] : l.fila});
-    std::sort(entradas.begin(), entradas.end());
-    ArbolDeIndice arbol = Arbol(u);
-    bool vacio = entradas.size() >= kParaConstruir;
-    if (vacio) {
-      arbol.Recorrer([&](const Entrada&) {
-        vacio = false;
+void IndexChanges::Put(const std::vector<RowId>& new_rows) {
+  for (auto& u : indexes_) {
+    if (u.arrivals.empty()) continue;
+    std::vector<Entry> entries;
+    entries.reserve(u.arrivals.size());
+    for (auto& l : u.arrivals) entries.push_back({std::move(l.key), l.is_new ? new_rows[l.new_row] : l.row});
+    std::sort(entries.begin(), entries.end());
+    IndexTree tree = Tree(u);
+    bool empty = entries.size() >= kWorthBuilding;
+    if (empty) {
+      tree.Walk([&](const Entry&) {
+        empty = false;
         return false;
       });
     }
-    if (vacio) {
-      arbol.Construir(entradas);
+    if (empty) {
+      tree.Build(entries);
       continue;
     }
-    for (const auto& e : entradas) arbol.Insertar(e.clave, e.fila);
+    for (const auto& e : entries) tree.Insert(e.key, e.row);
   }
 }
 

@@ -10,57 +10,57 @@
 
 namespace mdb::internal {
 
-class CambiosDeIndices {
+class IndexChanges {
  public:
-  CambiosDeIndices(Paginas& paginas, Definicion& definicion);
+  IndexChanges(PageFile& pages, Definition& definition);
 
   // Positions of the columns that some index has.
-  const std::vector<std::size_t>& Columnas() const { return columnas_; }
-  // A row that goes away, and one that comes; `nueva` is the row's place among those that come, and its
-  // values must stay where they are until QuitarYRevisar. They throw ErrorDeClave for a Null where an index
+  const std::vector<std::size_t>& Columns() const { return columns_; }
+  // A row that goes away, and one that comes; `new_row` is the row's place among those that come, and its
+  // values must stay where they are until RemoveAndCheck. They throw KeyError for a Null where an index
   // takes none.
-  void Sale(IdFila fila, const Fila& valores);
-  void Entra(std::size_t nueva, const Fila& valores);
+  void RowLeaves(RowId row, const Row& values);
+  void RowEnters(std::size_t new_row, const Row& values);
   // A row that stays with other values in these columns: only keys that differ are touched.
-  void Cambia(IdFila fila, const Fila& antes, const Fila& despues, const std::vector<bool>& cambiadas);
+  void RowChanges(RowId row, const Row& before, const Row& after, const std::vector<bool>& changed);
 
-  // Takes out the old entries; throws ErrorDeClave when a new key is there already, or twice among the new.
-  void QuitarYRevisar();
-  // Puts in the new ones; `nuevas` are the identities of the rows that came.
-  void Poner(const std::vector<IdFila>& nuevas);
+  // Takes out the old entries; throws KeyError when a new key is there already, or twice among the new.
+  void RemoveAndCheck();
+  // Puts in the new ones; `new_rows` are the identities of the rows that came.
+  void Put(const std::vector<RowId>& new_rows);
 
  private:
-  struct Salida {
-    Entrada entrada;
-    bool sin_clave = false;  // the key cannot be made: found by its row
+  struct Departure {
+    Entry entry;
+    bool keyless = false;  // the key cannot be made: found by its row
   };
-  struct Llegada {
-    Bytes clave;
-    IdFila fila;            // of a row that stays
-    std::size_t nueva = 0;  // of one that comes
-    bool es_nueva = false, todos_nulos = false;
-    const Fila* valores = nullptr;  // of a row that comes
-    std::string texto;              // for a message about one that stays
+  struct Arrival {
+    Bytes key;
+    RowId row;                // of a row that stays
+    std::size_t new_row = 0;  // of one that comes
+    bool is_new = false, all_null = false;
+    const Row* values = nullptr;  // of a row that comes
+    std::string text;             // for a message about one that stays
   };
-  struct Uno {
-    std::size_t cual = 0;
-    bool unico = false, requerido = false;
-    std::vector<std::size_t> columnas;  // positions
-    std::vector<Salida> salen;
-    std::vector<Llegada> llegan;
+  struct One {
+    std::size_t which = 0;
+    bool unique = false, required = false;
+    std::vector<std::size_t> columns;  // positions
+    std::vector<Departure> departures;
+    std::vector<Arrival> arrivals;
   };
-  Paginas& paginas_;
-  Definicion& definicion_;
-  std::vector<Uno> indices_;
-  std::vector<std::size_t> columnas_;
+  PageFile& pages_;
+  Definition& definition_;
+  std::vector<One> indexes_;
+  std::vector<std::size_t> columns_;
 
-  IndiceReal& Real(const Uno& u) const { return definicion_.reales[u.cual]; }
-  ArbolDeIndice Arbol(const Uno& u) const { return {paginas_, definicion_.Pagina(), Real(u)}; }
-  void Sale(Uno& u, IdFila fila, const Fila& valores);
-  void Llega(Uno& u, Llegada llegada, const Fila& valores);
-  void Revisar(Uno& u);
-  std::string NombreDe(const Uno& u) const;
-  std::string Valores(const Uno& u, const Fila& valores) const;
+  RealIndex& Real(const One& u) const { return definition_.reals[u.which]; }
+  IndexTree Tree(const One& u) const { return {pages_, definition_.Page(), Real(u)}; }
+  void RowLeaves(One& u, RowId row, const Row& values);
+  void AddArrival(One& u, Arrival arrival, const Row& values);
+  void Check(One& u);
+  std::string NameOf(const One& u) const;
+  std::string ValuesText(const One& u, const Row& values) const;
 };
 
 }  // namespace mdb::internal

@@ -2,112 +2,112 @@
 
 namespace mdb::internal {
 
-BytesDeFila ExigirFila(Paginas& paginas, const Definicion& definicion, IdFila fila) {
-  auto bytes = BuscarFila(paginas, definicion, fila);
-  if (!bytes) throw base::StorageFault("La fila ya no está en la tabla \"" + definicion.nombre + "\"", 3167);
+RowBytes RequireRow(PageFile& pages, const Definition& definition, RowId row) {
+  auto bytes = FindRow(pages, definition, row);
+  if (!bytes) throw base::StorageFault("La fila ya no está en la tabla \"" + definition.name + "\"", 3167);
   return std::move(*bytes);
 }
 
-EscritorDeFilas::EscritorDeFilas(Paginas& paginas, const Definicion& definicion)
-    : paginas_(paginas),
-      definicion_(definicion),
-      armador_(definicion),
-      almacen_(paginas, definicion.Pagina(), definicion.propias, definicion.libres),
-      bytes_(definicion.columnas.size()) {}
+RowWriter::RowWriter(PageFile& pages, const Definition& definition)
+    : pages_(pages),
+      definition_(definition),
+      builder_(definition),
+      store_(pages, definition.Page(), definition.owned_pages, definition.free_pages),
+      bytes_(definition.columns.size()) {}
 
-ValoresLargos& EscritorDeFilas::Largos(std::size_t columna) {
-  auto& l = largos_[columna];
-  if (!l) l = std::make_unique<ValoresLargos>(paginas_, definicion_, definicion_.columnas[columna]);
+LongValues& RowWriter::LongsOf(std::size_t column) {
+  auto& l = long_values_[column];
+  if (!l) l = std::make_unique<LongValues>(pages_, definition_, definition_.columns[column]);
   return *l;
 }
 
-void EscritorDeFilas::PonerValor(std::size_t columna, const Dato& dato) {
-  const Columna& c = definicion_.columnas[columna];
-  Bytes& bytes = bytes_[columna];
+void RowWriter::PutValue(std::size_t column, const Datum& datum) {
+  const Column& c = definition_.columns[column];
+  Bytes& bytes = bytes_[column];
   bytes.clear();
-  crudos_[columna].reset();
-  if (EsNulo(dato)) return;
-  CodificarValor(definicion_, c, dato, bytes);
-  if (c.EsLarga()) bytes = Largos(columna).Guardar(bytes);
-  crudos_[columna] = bytes;
+  raw_values_[column].reset();
+  if (IsNull(datum)) return;
+  EncodeValue(definition_, c, datum, bytes);
+  if (c.IsLong()) bytes = LongsOf(column).Store(bytes);
+  raw_values_[column] = bytes;
 }
 
 // Long values that stand in the row leave it, the longest first, until the row has its place on a page.
-void EscritorDeFilas::Acortar() {
-  std::size_t largo = armador_.Largo(crudos_);
-  while (largo > kFilaMasLarga) {
-    std::size_t cual = crudos_.size();
-    for (std::size_t i = 0; i < crudos_.size(); ++i)
-      if (crudos_[i] && definicion_.columnas[i].EsLarga() && EstaEnLinea(*crudos_[i]) &&
-          (cual == crudos_.size() || crudos_[i]->size() > crudos_[cual]->size()))
-        cual = i;
-    if (cual == crudos_.size())
-      throw base::Error("La fila es demasiado larga para la tabla \"" + definicion_.nombre + "\": ocupa " +
-                            std::to_string(largo) + " bytes y caben " + std::to_string(kFilaMasLarga),
+void RowWriter::Shorten() {
+  std::size_t length = builder_.Length(raw_values_);
+  while (length > kLongestRow) {
+    std::size_t which = raw_values_.size();
+    for (std::size_t i = 0; i < raw_values_.size(); ++i)
+      if (raw_values_[i] && definition_.columns[i].IsLong() && IsInline(*raw_values_[i]) &&
+          (which == raw_values_.size() || raw_values_[i]->size() > raw_values_[which]->size()))
+        which = i;
+    if (which == raw_values_.size())
+      throw base::Error("La fila es demasiado larga para la tabla \"" + definition_.name + "\": ocupa " +
+                            std::to_string(length) + " bytes y caben " + std::to_string(kLongestRow),
                         3047);
-    Bytes afuera = Largos(cual).Guardar(crudos_[cual]->subspan(kCampoLargo), false);
-    bytes_[cual] = std::move(afuera);
-    crudos_[cual] = bytes_[cual];
-    largo = armador_.Largo(crudos_);
+    Bytes external = LongsOf(which).Store(raw_values_[which]->subspan(kLongField), false);
+    bytes_[which] = std::move(external);
+    raw_values_[which] = bytes_[which];
+    length = builder_.Length(raw_values_);
   }
 }
 
-void EscritorDeFilas::Armar() {
-  Acortar();
-  armador_.Armar(crudos_, fila_);
+void RowWriter::Build() {
+  Shorten();
+  builder_.Build(raw_values_, row_);
 }
 
-IdFila EscritorDeFilas::Insertar(const Fila& fila) {
-  crudos_.assign(definicion_.columnas.size(), {});
-  for (std::size_t i = 0; i < fila.size(); ++i) PonerValor(i, fila[i]);
-  Armar();
-  return almacen_.Agregar(fila_);
+RowId RowWriter::Insert(const Row& row) {
+  raw_values_.assign(definition_.columns.size(), {});
+  for (std::size_t i = 0; i < row.size(); ++i) PutValue(i, row[i]);
+  Build();
+  return store_.Add(row_);
 }
 
-void EscritorDeFilas::Cambiar(const CambioDeFila& cambio) {
-  IdFila lugar;
+void RowWriter::Change(const RowChange& change) {
+  RowId place;
   {
     // The image must be gone before its page is written, or the page would be copied.
-    const auto vieja = ExigirFila(paginas_, definicion_, cambio.fila);
-    lugar = vieja.lugar;
-    crudos_ = PartirFila(paginas_.Cab(), definicion_, vieja.bytes);
-    for (const auto& [columna, dato] : cambio.valores) {
-      if (definicion_.columnas[columna].EsLarga() && crudos_[columna])
-        Largos(columna).Soltar(*crudos_[columna]);
-      PonerValor(columna, dato);
+    const auto old = RequireRow(pages_, definition_, change.row);
+    place = old.place;
+    raw_values_ = SplitRow(pages_.Header(), definition_, old.bytes);
+    for (const auto& [column, datum] : change.values) {
+      if (definition_.columns[column].IsLong() && raw_values_[column])
+        LongsOf(column).Release(*raw_values_[column]);
+      PutValue(column, datum);
     }
-    Armar();
+    Build();
   }
-  Colocar(cambio.fila, lugar);
+  PutAt(change.row, place);
 }
 
 // The row goes home when it has room there, else it stays where it was moved to, else it moves on. Its
 // identity always is its first slot, which then only says where the row is.
-void EscritorDeFilas::Colocar(IdFila fila, IdFila lugar) {
-  const bool movida = lugar != fila;
-  if (almacen_.Cambiar(fila, fila_)) {
-    if (movida) almacen_.Quitar(lugar);
+void RowWriter::PutAt(RowId row, RowId place) {
+  const bool moved = place != row;
+  if (store_.Change(row, row_)) {
+    if (moved) store_.Remove(place);
     return;
   }
-  if (movida && almacen_.Cambiar(lugar, fila_, Ranura::kDestino)) return;
-  const IdFila nuevo = almacen_.Agregar(fila_, Ranura::kDestino);
-  if (!almacen_.Cambiar(fila, Puntero4(nuevo), Ranura::kMovida))
-    throw base::StorageFault("Una fila de la tabla \"" + definicion_.nombre +
+  if (moved && store_.Change(place, row_, Slot::kTarget)) return;
+  const RowId fresh = store_.Add(row_, Slot::kTarget);
+  if (!store_.Change(row, Pointer4(fresh), Slot::kMoved))
+    throw base::StorageFault("Una fila de la tabla \"" + definition_.name +
                              "\" no cabe en su página: compacte la base");
-  if (movida) almacen_.Quitar(lugar);
+  if (moved) store_.Remove(place);
 }
 
-void EscritorDeFilas::Borrar(IdFila fila) {
-  IdFila lugar;
+void RowWriter::Delete(RowId row) {
+  RowId place;
   {
-    const auto vieja = ExigirFila(paginas_, definicion_, fila);
-    lugar = vieja.lugar;
-    const auto crudos = PartirFila(paginas_.Cab(), definicion_, vieja.bytes);
-    for (std::size_t i = 0; i < crudos.size(); ++i)
-      if (definicion_.columnas[i].EsLarga() && crudos[i]) Largos(i).Soltar(*crudos[i]);
+    const auto old = RequireRow(pages_, definition_, row);
+    place = old.place;
+    const auto raw_values = SplitRow(pages_.Header(), definition_, old.bytes);
+    for (std::size_t i = 0; i < raw_values.size(); ++i)
+      if (definition_.columns[i].IsLong() && raw_values[i]) LongsOf(i).Release(*raw_values[i]);
   }
-  if (lugar != fila) almacen_.Quitar(lugar);
-  almacen_.Quitar(fila);
+  if (place != row) store_.Remove(place);
+  store_.Remove(row);
 }
 
 }  // namespace mdb::internal

@@ -13,33 +13,33 @@
 namespace mdb::internal {
 
 // For one batch of changes; the definition must outlive it.
-class EscritorDeFilas {
+class RowWriter {
  public:
-  EscritorDeFilas(Paginas& paginas, const Definicion& definicion);
-  // All throw base::Error for values that the table does not hold, or a row that is not there; Danio.
-  IdFila Insertar(const Fila& fila);
-  void Cambiar(const CambioDeFila& cambio);
-  void Borrar(IdFila fila);
+  RowWriter(PageFile& pages, const Definition& definition);
+  // All throw base::Error for values that the table does not hold, or a row that is not there; Damage.
+  RowId Insert(const Row& row);
+  void Change(const RowChange& change);
+  void Delete(RowId row);
 
  private:
-  Paginas& paginas_;
-  const Definicion& definicion_;
-  ArmadorDeFilas armador_;
-  AlmacenDeFilas almacen_;
-  std::map<std::size_t, std::unique_ptr<ValoresLargos>> largos_;  // by position of the column
+  PageFile& pages_;
+  const Definition& definition_;
+  RowBuilder builder_;
+  RowStore store_;
+  std::map<std::size_t, std::unique_ptr<LongValues>> long_values_;  // by position of the column
   // The row in hand: its columns, and the bytes of those that are not views of a stored row.
-  std::vector<Crudo> crudos_;
+  std::vector<Raw> raw_values_;
   std::vector<Bytes> bytes_;
-  Bytes fila_;
+  Bytes row_;
 
-  ValoresLargos& Largos(std::size_t columna);
-  void PonerValor(std::size_t columna, const Dato& dato);
-  void Acortar();
-  void Armar();
-  void Colocar(IdFila fila, IdFila lugar);
+  LongValues& LongsOf(std::size_t column);
+  void PutValue(std::size_t column, const Datum& datum);
+  void Shorten();
+  void Build();
+  void PutAt(RowId row, RowId place);
 };
 
 // The bytes of a row that must be there; throws base::Error when it is not.
-BytesDeFila ExigirFila(Paginas& paginas, const Definicion& definicion, IdFila fila);
+RowBytes RequireRow(PageFile& pages, const Definition& definition, RowId row);
 
 }  // namespace mdb::internal

@@ -9,134 +9,134 @@
 namespace mdb {
 namespace {
 
-using internal::CambiosDeIndices;
+using internal::IndexChanges;
 
-bool SeEscribe(const Columna& c) {
-  if ((c.banderas_ext & Columna::kCalculada) != 0) return false;  // one bit of the two: nobody knows what
-  switch (c.tipo) {
-    case TipoColumna::Booleano:
-    case TipoColumna::Byte:
-    case TipoColumna::Entero:
-    case TipoColumna::Largo:
-    case TipoColumna::Moneda:
-    case TipoColumna::Simple:
-    case TipoColumna::Doble:
-    case TipoColumna::Fecha:
-    case TipoColumna::Guid:
-    case TipoColumna::Decimal:
-    case TipoColumna::BinarioFijo:
+bool IsWritten(const Column& c) {
+  if ((c.extended_flags & Column::kCalculated) != 0) return false;  // one bit of the two: nobody knows what
+  switch (c.type) {
+    case ColumnType::Boolean:
+    case ColumnType::Byte:
+    case ColumnType::Integer:
+    case ColumnType::Long:
+    case ColumnType::Currency:
+    case ColumnType::Single:
+    case ColumnType::Double:
+    case ColumnType::Date:
+    case ColumnType::Guid:
+    case ColumnType::Decimal:
+    case ColumnType::FixedBinary:
       return true;
     // Nobody has seen one of a fixed length, so how it is filled up is not known.
-    case TipoColumna::Binario:
-    case TipoColumna::Texto:
-    case TipoColumna::Ole:
-    case TipoColumna::Memo:
-      return !c.Fija();
+    case ColumnType::Binary:
+    case ColumnType::Text:
+    case ColumnType::Ole:
+    case ColumnType::Memo:
+      return !c.IsFixed();
     default:
       return false;
   }
 }
 
-void RevisarForma(const Definicion& d, const Cambios& cambios) {
-  for (const auto& fila : cambios.nuevas)
-    if (fila.size() != d.columnas.size())
-      throw base::Error("Una fila nueva de la tabla \"" + d.nombre + "\" no tiene todas sus columnas");
-  std::vector<IdFila> tocadas = cambios.borradas;
-  for (const auto& c : cambios.cambiadas) {
-    tocadas.push_back(c.fila);
-    for (const auto& [columna, dato] : c.valores)
-      if (columna >= d.columnas.size())
-        throw base::Error("La tabla \"" + d.nombre + "\" no tiene la columna que se quiere cambiar");
+void CheckShape(const Definition& d, const Changes& changes) {
+  for (const auto& row : changes.inserted)
+    if (row.size() != d.columns.size())
+      throw base::Error("Una fila nueva de la tabla \"" + d.name + "\" no tiene todas sus columnas");
+  std::vector<RowId> touched = changes.deleted;
+  for (const auto& c : changes.changed) {
+    touched.push_back(c.row);
+    for (const auto& [column, datum] : c.values)
+      if (column >= d.columns.size())
+        throw base::Error("La tabla \"" + d.name + "\" no tiene la columna que se quiere cambiar");
   }
-  std::sort(tocadas.begin(), tocadas.end());
-  if (std::adjacent_find(tocadas.begin(), tocadas.end()) != tocadas.end())
-    throw base::Error("Una fila de la tabla \"" + d.nombre + "\" se cambia dos veces a la vez");
+  std::sort(touched.begin(), touched.end());
+  if (std::adjacent_find(touched.begin(), touched.end()) != touched.end())
+    throw base::Error("Una fila de la tabla \"" + d.name + "\" se cambia dos veces a la vez");
 }
 
 // The stored values of the columns that indexes have; the others are Null.
-void LeerColumnas(Paginas& paginas, const Definicion& d, IdFila id, const std::vector<std::size_t>& columnas,
-                  Fila& fila) {
-  const auto bytes = internal::ExigirFila(paginas, d, id);
-  const auto crudos = PartirFila(paginas.Cab(), d, bytes.bytes);
-  fila.assign(d.columnas.size(), base::Nulo{});
-  for (const std::size_t c : columnas)
-    if (crudos[c]) fila[c] = Decodificar(paginas, d.columnas[c], *crudos[c]);
+void ReadColumns(PageFile& pages, const Definition& d, RowId id, const std::vector<std::size_t>& columns,
+                 Row& row) {
+  const auto bytes = internal::RequireRow(pages, d, id);
+  const auto raw_values = SplitRow(pages.Header(), d, bytes.bytes);
+  row.assign(d.columns.size(), base::Null{});
+  for (const std::size_t c : columns)
+    if (raw_values[c]) row[c] = Decode(pages, d.columns[c], *raw_values[c]);
 }
 
-void ReunirIndices(Paginas& paginas, const Definicion& d, const Cambios& cambios, CambiosDeIndices& indices) {
-  Fila antes, despues;
-  for (const IdFila id : cambios.borradas) {
-    LeerColumnas(paginas, d, id, indices.Columnas(), antes);
-    indices.Sale(id, antes);
+void CollectIndexes(PageFile& pages, const Definition& d, const Changes& changes, IndexChanges& indexes) {
+  Row before, after;
+  for (const RowId id : changes.deleted) {
+    ReadColumns(pages, d, id, indexes.Columns(), before);
+    indexes.RowLeaves(id, before);
   }
-  std::vector<bool> cambiadas;
-  for (const auto& cambio : cambios.cambiadas) {
-    LeerColumnas(paginas, d, cambio.fila, indices.Columnas(), antes);
-    despues = antes;
-    cambiadas.assign(d.columnas.size(), false);
-    for (const auto& [columna, dato] : cambio.valores) {
-      despues[columna] = dato;
-      cambiadas[columna] = true;
+  std::vector<bool> changed;
+  for (const auto& change : changes.changed) {
+    ReadColumns(pages, d, change.row, indexes.Columns(), before);
+    after = before;
+    changed.assign(d.columns.size(), false);
+    for (const auto& [column, datum] : change.values) {
+      after[column] = datum;
+      changed[column] = true;
     }
-    indices.Cambia(cambio.fila, antes, despues, cambiadas);
+    indexes.RowChanges(change.row, before, after, changed);
   }
-  for (std::size_t i = 0; i < cambios.nuevas.size(); ++i) indices.Entra(i, cambios.nuevas[i]);
+  for (std::size_t i = 0; i < changes.inserted.size(); ++i) indexes.RowEnters(i, changes.inserted[i]);
 }
 
-void Contar(Definicion& d, const Cambios& cambios) {
-  const std::size_t filas = d.filas + cambios.nuevas.size();
+void Count(Definition& d, const Changes& changes) {
+  const std::size_t rows = d.rows + changes.inserted.size();
   // Files of other programs may say too few.
-  d.filas = static_cast<std::uint32_t>(filas - std::min(filas, cambios.borradas.size()));
+  d.rows = static_cast<std::uint32_t>(rows - std::min(rows, changes.deleted.size()));
   // The next number is one step on from the last, which goes down where the step does.
-  const auto ver = [&](std::size_t columna, const Dato& dato) {
-    const Columna& c = d.columnas[columna];
-    const auto* n = std::get_if<std::int64_t>(&dato);
-    if (!c.Autonumerica() || c.tipo != TipoColumna::Largo || n == nullptr) return;
-    if (d.incremento < 0 ? *n < d.ultimo_automatico : *n > d.ultimo_automatico)
-      d.ultimo_automatico = static_cast<std::int32_t>(*n);
+  const auto look = [&](std::size_t column, const Datum& datum) {
+    const Column& c = d.columns[column];
+    const auto* n = std::get_if<std::int64_t>(&datum);
+    if (!c.IsAutoNumber() || c.type != ColumnType::Long || n == nullptr) return;
+    if (d.increment < 0 ? *n < d.last_auto_number : *n > d.last_auto_number)
+      d.last_auto_number = static_cast<std::int32_t>(*n);
   };
-  for (const auto& fila : cambios.nuevas)
-    for (std::size_t i = 0; i < fila.size(); ++i) ver(i, fila[i]);
-  for (const auto& cambio : cambios.cambiadas)
-    for (const auto& [columna, dato] : cambio.valores) ver(columna, dato);
+  for (const auto& row : changes.inserted)
+    for (std::size_t i = 0; i < row.size(); ++i) look(i, row[i]);
+  for (const auto& change : changes.changed)
+    for (const auto& [column, datum] : change.values) look(column, datum);
 }
 
 }  // namespace
 
-std::string MotivoNoEscribible(const Cabecera& cabecera, const Definicion& definicion) {
-  const std::string tabla = "La tabla \"" + definicion.nombre + "\" solo se lee: ";
-  if (cabecera.Jet3()) return tabla + "los archivos de Access 97 no se escriben";
-  if (cabecera.version != Version::Jet4) return tabla + "los archivos .accdb no se escriben";
-  if (definicion.propias.pagina == 0) return tabla + "no tiene mapa de páginas";
-  for (const auto& c : definicion.columnas) {
-    if (c.Calculada()) return tabla + "la columna \"" + c.nombre + "\" es calculada";
-    if (!SeEscribe(c)) return tabla + "la columna \"" + c.nombre + "\" es de un tipo que no se escribe";
+std::string NotWritableReason(const FileHeader& header, const Definition& definition) {
+  const std::string table = "La tabla \"" + definition.name + "\" solo se lee: ";
+  if (header.Jet3()) return table + "los archivos de Access 97 no se escriben";
+  if (header.version != Version::Jet4) return table + "los archivos .accdb no se escriben";
+  if (definition.owned_pages.page == 0) return table + "no tiene mapa de páginas";
+  for (const auto& c : definition.columns) {
+    if (c.IsCalculated()) return table + "la columna \"" + c.name + "\" es calculada";
+    if (!IsWritten(c)) return table + "la columna \"" + c.name + "\" es de un tipo que no se escribe";
   }
-  for (const auto& indice : definicion.reales)
-    if (const std::string motivo = MotivoSinClaves(cabecera, definicion, indice); !motivo.empty())
-      return tabla + motivo;
+  for (const auto& index : definition.reals)
+    if (const std::string reason = NoKeysReason(header, definition, index); !reason.empty())
+      return table + reason;
   return {};
 }
 
-std::vector<IdFila> Aplicar(Paginas& paginas, Definicion& definicion, const Cambios& cambios) {
-  if (const std::string motivo = MotivoNoEscribible(paginas.Cab(), definicion); !motivo.empty())
-    throw base::Error(motivo);
-  RevisarForma(definicion, cambios);
-  CambiosDeIndices indices(paginas, definicion);
-  ReunirIndices(paginas, definicion, cambios, indices);
-  indices.QuitarYRevisar();
-  std::vector<IdFila> nuevas;
-  nuevas.reserve(cambios.nuevas.size());
+std::vector<RowId> Apply(PageFile& pages, Definition& definition, const Changes& changes) {
+  if (const std::string reason = NotWritableReason(pages.Header(), definition); !reason.empty())
+    throw base::Error(reason);
+  CheckShape(definition, changes);
+  IndexChanges indexes(pages, definition);
+  CollectIndexes(pages, definition, changes, indexes);
+  indexes.RemoveAndCheck();
+  std::vector<RowId> inserted;
+  inserted.reserve(changes.inserted.size());
   {
-    internal::EscritorDeFilas filas(paginas, definicion);
-    for (const IdFila id : cambios.borradas) filas.Borrar(id);
-    for (const auto& cambio : cambios.cambiadas) filas.Cambiar(cambio);
-    for (const auto& fila : cambios.nuevas) nuevas.push_back(filas.Insertar(fila));
+    internal::RowWriter rows(pages, definition);
+    for (const RowId id : changes.deleted) rows.Delete(id);
+    for (const auto& change : changes.changed) rows.Change(change);
+    for (const auto& row : changes.inserted) inserted.push_back(rows.Insert(row));
   }
-  indices.Poner(nuevas);
-  Contar(definicion, cambios);
-  EscribirContadores(paginas, definicion);
-  return nuevas;
+  indexes.Put(inserted);
+  Count(definition, changes);
+  WriteCounters(pages, definition);
+  return inserted;
 }
 
 }  // namespace mdb

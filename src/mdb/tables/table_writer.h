@@ -9,35 +9,35 @@
 
 namespace mdb {
 
-struct CambioDeFila {
-  IdFila fila;
-  // Position in `columnas` and new value. Columns that are not named keep their stored bytes, long values
+struct RowChange {
+  RowId row;
+  // Position in `columns` and new value. Columns that are not named keep their stored bytes, long values
   // too.
-  std::vector<std::pair<std::size_t, Dato>> valores;
+  std::vector<std::pair<std::size_t, Datum>> values;
 };
 
 // What is done to one table at once: rows may exchange the values of a unique index.
-struct Cambios {
-  std::vector<IdFila> borradas;
-  std::vector<CambioDeFila> cambiadas;
-  std::vector<Fila> nuevas;  // complete: autonumbers and defaults are the caller's matter
+struct Changes {
+  std::vector<RowId> deleted;
+  std::vector<RowChange> changed;
+  std::vector<Row> inserted;  // complete: autonumbers and defaults are the caller's matter
 };
 
-// A row that a unique index already has, or a Null in a required one. `numero` 3022 or 3058.
-class ErrorDeClave : public base::Error {
+// A row that a unique index already has, or a Null in a required one. `number` 3022 or 3058.
+class KeyError : public base::Error {
  public:
-  ErrorDeClave(std::string descripcion, int numero, std::string cual)
-      : base::Error(std::move(descripcion), numero), indice(std::move(cual)) {}
-  std::string indice;
+  KeyError(std::string description, int number, std::string which)
+      : base::Error(std::move(description), number), index(std::move(which)) {}
+  std::string index;
 };
 
 // Why the table's rows cannot be written (an index over text of a sort order that is not known, a column type
 // that is not written, a format that is only read); empty when they can.
-std::string MotivoNoEscribible(const Cabecera& cabecera, const Definicion& definicion);
+std::string NotWritableReason(const FileHeader& header, const Definition& definition);
 
-// Does all of it in the pages (not yet on disk) and brings `definicion` up to date; returns the identities of
-// the new rows in their order. Throws ErrorDeClave, base::Error (a value that does not fit its column, a row
-// too long), Danio; after an error the pages are in between: go back with Paginas::Volver.
-std::vector<IdFila> Aplicar(Paginas& paginas, Definicion& definicion, const Cambios& cambios);
+// Does all of it in the pages (not yet on disk) and brings `definition` up to date; returns the identities of
+// the new rows in their order. Throws KeyError, base::Error (a value that does not fit its column, a row
+// too long), Damage; after an error the pages are in between: go back with PageFile::RollbackTo.
+std::vector<RowId> Apply(PageFile& pages, Definition& definition, const Changes& changes);
 
 }  // namespace mdb

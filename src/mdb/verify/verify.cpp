@@ -8,143 +8,143 @@
 
 namespace mdb {
 
-using internal::Entre;
-using internal::ObjetoVisto;
+using internal::Quoted;
 using internal::Revision;
+using internal::SeenObject;
 
-bool Informe::Sano() const {
-  return std::none_of(hallazgos.begin(), hallazgos.end(),
-                      [](const Hallazgo& h) { return h.grado == Hallazgo::Grado::Error; });
+bool Report::IsSound() const {
+  return std::none_of(findings.begin(), findings.end(),
+                      [](const Finding& h) { return h.severity == Finding::Severity::Error; });
 }
 
 namespace {
 
-constexpr Puntero kMapaGlobal{1, 0};
+constexpr Pointer kGlobalMap{1, 0};
 
-class RevisionDeArchivo {
+class FileCheck {
  public:
-  RevisionDeArchivo(Paginas& paginas, std::size_t tope) : r_(paginas, tope) {}
+  FileCheck(PageFile& pages, std::size_t limit) : r_(pages, limit) {}
 
-  Informe Hacer() {
-    const Cabecera& cabecera = r_.paginas.Cab();
-    r_.informe.paginas = r_.paginas.Cantidad();
-    if (cabecera.cifrado_ajeno) {
-      r_.Nota(0, "", "el archivo está cifrado y no se puede revisar");
-      return std::move(r_.informe);
+  Report Run() {
+    const FileHeader& header = r_.pages.Header();
+    r_.report.pages = r_.pages.Count();
+    if (header.foreign_encryption) {
+      r_.Note(0, "", "el archivo está cifrado y no se puede revisar");
+      return std::move(r_.report);
     }
-    if (r_.paginas.Cantidad() < 3) {
+    if (r_.pages.Count() < 3) {
       r_.Error(0, "", "el archivo tiene menos páginas que las que hacen falta para su catálogo");
-      return std::move(r_.informe);
+      return std::move(r_.report);
     }
-    r_.Tomar(0, Revision::kSistema, "");
-    libres_ = r_.Mapa(kMapaGlobal, Revision::kMapas, "mapa de páginas libres");
-    if (LeerCatalogo()) {
-      RevisarTablas();
-      RevisarRelaciones(r_, tablas_, objetos_);
-      RevisarConsultas(r_, objetos_);
+    r_.Take(0, Revision::kSystem, "");
+    free_pages_ = r_.CheckMap(kGlobalMap, Revision::kMaps, "mapa de páginas libres");
+    if (ReadCatalog()) {
+      CheckTables();
+      CheckRelationships(r_, tables_, objects_);
+      CheckQueries(r_, objects_);
     }
-    r_.PaginasDeMapas();
-    RevisarPropiedad();
-    return std::move(r_.informe);
+    r_.CheckMapPages();
+    CheckProperty();
+    return std::move(r_.report);
   }
 
  private:
-  static std::string DeTabla(const std::string& nombre) { return "tabla " + Entre(nombre); }
+  static std::string OfTable(const std::string& name) { return "tabla " + Quoted(name); }
 
-  bool LeerCatalogo() {
-    const NumPagina pagina = r_.paginas.Cab().objetos;
-    return r_.Probar(pagina, DeTabla("MSysObjects"), [&] {
-      Definicion d = LeerDefinicion(r_.paginas, pagina);
-      d.nombre = "MSysObjects";
-      std::vector<std::size_t> columnas;
-      for (const char* nombre : {"Id", "ParentId", "Name", "Type"}) {
-        const auto i = d.PorNombre(nombre);
-        if (!i) DanioEnPagina(pagina, "el catálogo no tiene la columna " + Entre(nombre));
-        columnas.push_back(*i);
+  bool ReadCatalog() {
+    const PageNumber page = r_.pages.Header().objects;
+    return r_.Try(page, OfTable("MSysObjects"), [&] {
+      Definition d = ReadDefinition(r_.pages, page);
+      d.name = "MSysObjects";
+      std::vector<std::size_t> columns;
+      for (const char* name : {"Id", "ParentId", "Name", "Type"}) {
+        const auto i = d.ByName(name);
+        if (!i) ThrowPageDamage(page, "el catálogo no tiene la columna " + Quoted(name));
+        columns.push_back(*i);
       }
-      tablas_[pagina] = d;
-      RevisarTabla(r_, d, columnas, [&](IdFila id, const Fila& fila) {
-        const auto entero = [&](std::size_t k) {
-          const auto* n = std::get_if<std::int64_t>(&fila[columnas[k]]);
+      tables_[page] = d;
+      CheckTable(r_, d, columns, [&](RowId id, const Row& row) {
+        const auto integer = [&](std::size_t k) {
+          const auto* n = std::get_if<std::int64_t>(&row[columns[k]]);
           return n == nullptr ? 0 : *n;
         };
-        const auto* nombre = std::get_if<std::string>(&fila[columnas[2]]);
-        objetos_.push_back({entero(0), entero(1), entero(3), nombre == nullptr ? "" : *nombre, id});
+        const auto* name = std::get_if<std::string>(&row[columns[2]]);
+        objects_.push_back({integer(0), integer(1), integer(3), name == nullptr ? "" : *name, id});
       });
-      RevisarObjetos();
+      CheckObjects();
     });
   }
 
-  void RevisarObjetos() {
-    std::map<std::int64_t, const ObjetoVisto*> por_id;
-    std::map<std::pair<std::int64_t, std::string>, const ObjetoVisto*> por_nombre;
-    for (const ObjetoVisto& o : objetos_) {
-      if (!por_id.emplace(o.id, &o).second)
-        r_.Error(o.fila.pagina, "catálogo",
-                 "los objetos " + Entre(o.nombre) + " y " + Entre(por_id[o.id]->nombre) +
+  void CheckObjects() {
+    std::map<std::int64_t, const SeenObject*> by_id;
+    std::map<std::pair<std::int64_t, std::string>, const SeenObject*> by_name;
+    for (const SeenObject& o : objects_) {
+      if (!by_id.emplace(o.id, &o).second)
+        r_.Error(o.row.page, "catálogo",
+                 "los objetos " + Quoted(o.name) + " y " + Quoted(by_id[o.id]->name) +
                      " tienen el mismo identificador");
-      if (!por_nombre.emplace(std::pair(o.padre, base::Minusculas(o.nombre)), &o).second)
-        r_.Error(o.fila.pagina, "catálogo", "hay dos objetos con el nombre " + Entre(o.nombre));
+      if (!by_name.emplace(std::pair(o.parent, base::LowerCase(o.name)), &o).second)
+        r_.Error(o.row.page, "catálogo", "hay dos objetos con el nombre " + Quoted(o.name));
     }
   }
 
-  void RevisarTablas() {
-    const NumPagina catalogo = r_.paginas.Cab().objetos;
-    for (const ObjetoVisto& o : objetos_) {
-      if (o.tipo != 1 || o.id == catalogo) continue;
-      if (o.id <= 1 || o.id >= static_cast<std::int64_t>(r_.paginas.Cantidad())) {
-        r_.Error(o.fila.pagina, "catálogo",
-                 "la tabla " + Entre(o.nombre) + " dice tener su definición en la página " +
+  void CheckTables() {
+    const PageNumber catalog = r_.pages.Header().objects;
+    for (const SeenObject& o : objects_) {
+      if (o.type != 1 || o.id == catalog) continue;
+      if (o.id <= 1 || o.id >= static_cast<std::int64_t>(r_.pages.Count())) {
+        r_.Error(o.row.page, "catálogo",
+                 "la tabla " + Quoted(o.name) + " dice tener su definición en la página " +
                      std::to_string(o.id) + ", que no hay");
         continue;
       }
-      const auto pagina = static_cast<NumPagina>(o.id);
-      if (tablas_.contains(pagina)) continue;  // told with the catalog
-      r_.Probar(pagina, DeTabla(o.nombre), [&] {
-        Definicion d = LeerDefinicion(r_.paginas, pagina);
-        d.nombre = o.nombre;
-        tablas_[pagina] = d;
-        RevisarTabla(r_, d);
+      const auto page = static_cast<PageNumber>(o.id);
+      if (tables_.contains(page)) continue;  // told with the catalog
+      r_.Try(page, OfTable(o.name), [&] {
+        Definition d = ReadDefinition(r_.pages, page);
+        d.name = o.name;
+        tables_[page] = d;
+        CheckTable(r_, d);
       });
     }
-    for (const NumPagina pagina :
-         {catalogo, r_.paginas.Cab().permisos, r_.paginas.Cab().consultas, r_.paginas.Cab().relaciones})
-      if (std::none_of(objetos_.begin(), objetos_.end(),
-                       [&](const ObjetoVisto& o) { return o.tipo == 1 && o.id == pagina; }))
-        r_.Error(pagina, "catálogo", "la tabla de sistema de esta página no está en el catálogo");
+    for (const PageNumber page :
+         {catalog, r_.pages.Header().permissions, r_.pages.Header().queries, r_.pages.Header().relationships})
+      if (std::none_of(objects_.begin(), objects_.end(),
+                       [&](const SeenObject& o) { return o.type == 1 && o.id == page; }))
+        r_.Error(page, "catálogo", "la tabla de sistema de esta página no está en el catálogo");
   }
 
   // Every page is free or belongs to one thing.
-  void RevisarPropiedad() {
-    if (!libres_.legible) return;
-    std::vector<bool> libre(r_.paginas.Cantidad(), false);
-    for (const NumPagina p : libres_.paginas) libre[p] = true;
-    r_.informe.libres = libres_.paginas.size();
-    std::size_t perdidas = 0;
-    std::string primeras;
-    for (NumPagina p = 0; p < libre.size(); ++p) {
-      const bool tomada = r_.Tomada(p);
-      if (libre[p] && tomada)
-        r_.Error(p, "mapa de páginas libres", "figura como libre, y la usa " + r_.NombreDe(p));
+  void CheckProperty() {
+    if (!free_pages_.readable) return;
+    std::vector<bool> is_free(r_.pages.Count(), false);
+    for (const PageNumber p : free_pages_.pages) is_free[p] = true;
+    r_.report.free_pages = free_pages_.pages.size();
+    std::size_t lost = 0;
+    std::string first_ones;
+    for (PageNumber p = 0; p < is_free.size(); ++p) {
+      const bool taken = r_.IsTaken(p);
+      if (is_free[p] && taken)
+        r_.Error(p, "mapa de páginas libres", "figura como libre, y la usa " + r_.NameOf(p));
       // What the map cannot name counts as free.
-      if (libre[p] || tomada || p < libres_.inicio || p >= libres_.fin) continue;
-      if (++perdidas <= 5) primeras += (perdidas == 1 ? "" : ", ") + std::to_string(p);
+      if (is_free[p] || taken || p < free_pages_.start || p >= free_pages_.end) continue;
+      if (++lost <= 5) first_ones += (lost == 1 ? "" : ", ") + std::to_string(p);
     }
-    if (perdidas != 0)
-      r_.Nota(0, "",
-              internal::Cuantas(perdidas, "una página no está libre ni la usa nadie",
+    if (lost != 0)
+      r_.Note(0, "",
+              internal::Counted(lost, "una página no está libre ni la usa nadie",
                                 "páginas no están libres ni las usa nadie") +
-                  " (" + primeras + (perdidas > 5 ? ", …" : "") + "); compactar la base recupera su lugar");
+                  " (" + first_ones + (lost > 5 ? ", …" : "") + "); compactar la base recupera su lugar");
   }
 
   Revision r_;
-  internal::MapaVisto libres_;
-  std::vector<ObjetoVisto> objetos_;
-  internal::Tablas tablas_;
+  internal::SeenMap free_pages_;
+  std::vector<SeenObject> objects_;
+  internal::Tables tables_;
 };
 
 }  // namespace
 
-Informe Verificar(Paginas& paginas, std::size_t tope) { return RevisionDeArchivo(paginas, tope).Hacer(); }
+Report Verify(PageFile& pages, std::size_t limit) { return FileCheck(pages, limit).Run(); }
 
 }  // namespace mdb

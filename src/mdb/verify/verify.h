@@ -9,20 +9,20 @@
 
 namespace mdb {
 
-struct Hallazgo {
-  enum class Grado { Error, Nota };  // a note is what files of Access itself show
-  Grado grado = Grado::Error;
-  NumPagina pagina = 0;  // 0: none
-  std::string texto;     // Spanish, for an operator: what, where
+struct Finding {
+  enum class Severity { Error, Note };  // a note is what files of Access itself show
+  Severity severity = Severity::Error;
+  PageNumber page = 0;  // 0: none
+  std::string text;     // Spanish, for an operator: what, where
 };
 
-struct Informe {
-  std::vector<Hallazgo> hallazgos;
-  std::uint64_t tablas = 0, filas = 0, indices = 0, entradas = 0, valores_largos = 0, paginas = 0, libres = 0;
-  bool Sano() const;  // no error
+struct Report {
+  std::vector<Finding> findings;
+  std::uint64_t tables = 0, rows = 0, indexes = 0, entries = 0, long_values = 0, pages = 0, free_pages = 0;
+  bool IsSound() const;  // no error
 };
 
-// Never throws for what the file holds: damage becomes findings. `tope` ends the list.
-Informe Verificar(Paginas& paginas, std::size_t tope = 200);
+// Never throws for what the file holds: damage becomes findings. `limit` ends the list.
+Report Verify(PageFile& pages, std::size_t limit = 200);
 
 }  // namespace mdb

@@ -6,107 +6,107 @@
 namespace mdb::internal {
 namespace {
 
-constexpr std::uint32_t kConstante = 1625, kConstanteDeIndice = 1923;
-constexpr std::uint16_t kFin = 0xFFFF;
-constexpr std::size_t kCabeza = 8;  // of each page of a definition
+constexpr std::uint32_t kConstant = 1625, kIndexConstant = 1923;
+constexpr std::uint16_t kEnd = 0xFFFF;
+constexpr std::size_t kHead = 8;  // of each page of a definition
 
-Bytes Juntar(Paginas& paginas, const Definicion& definicion) {
-  Bytes juntas;
-  for (const NumPagina p : definicion.paginas) {
-    const Imagen imagen = paginas.Leer(p);
-    AgregarBytes(juntas, Vista(*imagen).subspan(juntas.empty() ? 0 : kCabeza));
+Bytes Collect(PageFile& pages, const Definition& definition) {
+  Bytes joined;
+  for (const PageNumber p : definition.pages) {
+    const Image image = pages.Read(p);
+    AppendBytes(joined, View(*image).subspan(joined.empty() ? 0 : kHead));
   }
-  return juntas;
+  return joined;
 }
 
 // Walks the pieces of a definition by their lengths; returns where they end, and whether the constants that
 // Jet 4 writes into each of them are there.
-class Paseo {
+class DefinitionWalk {
  public:
-  Paseo(Vista v, bool jet3, const Definicion& d) : v_(v), jet3_(jet3), d_(d) {}
-  std::size_t Fin() {
-    pos_ = (jet3_ ? 43U : 63U) + d_.reales.size() * (jet3_ ? 8 : 12);
-    Fijas(d_.columnas.size(), jet3_ ? 18 : 25, 1, kConstante);
-    Nombres(d_.columnas.size());
-    Fijas(d_.reales.size(), jet3_ ? 39 : 52, 0, kConstanteDeIndice);
-    Fijas(d_.logicos.size(), jet3_ ? 20 : 28, 0, kConstante);
-    Nombres(d_.logicos.size());
-    while (U16(v_, pos_) != kFin) pos_ += 10;
-    if (!jet3_) constantes_ = constantes_ && U32(v_, 12) == kConstante;
+  DefinitionWalk(View v, bool jet3, const Definition& d) : v_(v), jet3_(jet3), d_(d) {}
+  std::size_t End() {
+    pos_ = (jet3_ ? 43U : 63U) + d_.reals.size() * (jet3_ ? 8 : 12);
+    WalkFixed(d_.columns.size(), jet3_ ? 18 : 25, 1, kConstant);
+    WalkNames(d_.columns.size());
+    WalkFixed(d_.reals.size(), jet3_ ? 39 : 52, 0, kIndexConstant);
+    WalkFixed(d_.logicals.size(), jet3_ ? 20 : 28, 0, kConstant);
+    WalkNames(d_.logicals.size());
+    while (U16(v_, pos_) != kEnd) pos_ += 10;
+    if (!jet3_) constants_ = constants_ && U32(v_, 12) == kConstant;
     return pos_ + 2;
   }
-  bool Constantes() const { return constantes_; }
+  bool HasConstants() const { return constants_; }
 
  private:
-  void Fijas(std::size_t cantidad, std::size_t ancho, std::size_t campo, std::uint32_t constante) {
-    for (std::size_t i = 0; i < cantidad; ++i, pos_ += ancho)
-      if (!jet3_) constantes_ = constantes_ && U32(v_, pos_ + campo) == constante;
+  void WalkFixed(std::size_t count, std::size_t width, std::size_t field, std::uint32_t constant) {
+    for (std::size_t i = 0; i < count; ++i, pos_ += width)
+      if (!jet3_) constants_ = constants_ && U32(v_, pos_ + field) == constant;
   }
-  void Nombres(std::size_t cantidad) {
-    for (std::size_t i = 0; i < cantidad; ++i) pos_ += jet3_ ? U8(v_, pos_) + 1U : U16(v_, pos_) + 2U;
+  void WalkNames(std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) pos_ += jet3_ ? U8(v_, pos_) + 1U : U16(v_, pos_) + 2U;
   }
-  Vista v_;
+  View v_;
   bool jet3_;
-  const Definicion& d_;
+  const Definition& d_;
   std::size_t pos_ = 0;
-  bool constantes_ = true;
+  bool constants_ = true;
 };
 
-bool TipoConocido(const Cabecera& cabecera, TipoColumna tipo) {
-  const auto n = static_cast<std::uint8_t>(tipo);
-  if (n == 0 || n == 13 || n == 14 || tipo > TipoColumna::FechaExtendida) return false;
-  return cabecera.version == Version::Ace || tipo < TipoColumna::Complejo;
+bool IsKnownType(const FileHeader& header, ColumnType type) {
+  const auto n = static_cast<std::uint8_t>(type);
+  if (n == 0 || n == 13 || n == 14 || type > ColumnType::ExtendedDate) return false;
+  return header.version == Version::Ace || type < ColumnType::Complex;
 }
 
-void RevisarColumnas(Revision& r, const Definicion& d, const std::string& donde) {
-  std::set<std::uint16_t> numeros, variables;
-  std::set<std::string> nombres;
-  for (const Columna& c : d.columnas) {
-    if (!numeros.insert(c.numero).second || c.numero >= d.max_columnas)
-      r.Error(d.Pagina(), donde,
-              "la columna " + Entre(c.nombre) + " tiene el número " + std::to_string(c.numero) +
-                  (c.numero >= d.max_columnas ? ", y la tabla llega a " + std::to_string(d.max_columnas)
-                                              : ", que ya tiene otra"));
-    if (!nombres.insert(c.nombre).second)
-      r.Error(d.Pagina(), donde, "hay dos columnas con el nombre " + Entre(c.nombre));
-    if (!TipoConocido(r.paginas.Cab(), c.tipo))
-      r.Error(d.Pagina(), donde,
-              "la columna " + Entre(c.nombre) + " es de un tipo que su versión no tiene (" +
-                  std::to_string(unsigned{static_cast<std::uint8_t>(c.tipo)}) + ")");
-    if (c.Fija()) continue;
+void CheckColumns(Revision& r, const Definition& d, const std::string& where) {
+  std::set<std::uint16_t> numbers, variables;
+  std::set<std::string> names;
+  for (const Column& c : d.columns) {
+    if (!numbers.insert(c.number).second || c.number >= d.max_columns)
+      r.Error(d.Page(), where,
+              "la columna " + Quoted(c.name) + " tiene el número " + std::to_string(c.number) +
+                  (c.number >= d.max_columns ? ", y la tabla llega a " + std::to_string(d.max_columns)
+                                             : ", que ya tiene otra"));
+    if (!names.insert(c.name).second)
+      r.Error(d.Page(), where, "hay dos columnas con el nombre " + Quoted(c.name));
+    if (!IsKnownType(r.pages.Header(), c.type))
+      r.Error(d.Page(), where,
+              "la columna " + Quoted(c.name) + " es de un tipo que su versión no tiene (" +
+                  std::to_string(unsigned{static_cast<std::uint8_t>(c.type)}) + ")");
+    if (c.IsFixed()) continue;
     if (!variables.insert(c.variable).second || c.variable >= d.variables)
-      r.Error(d.Pagina(), donde,
-              "la columna " + Entre(c.nombre) + " tiene el lugar " + std::to_string(c.variable) +
+      r.Error(d.Page(), where,
+              "la columna " + Quoted(c.name) + " tiene el lugar " + std::to_string(c.variable) +
                   " entre las de largo variable, " +
                   (c.variable >= d.variables ? "que no hay" : "que ya tiene otra"));
   }
-  for (const IndiceReal& indice : d.reales)
-    for (const auto& parte : indice.partes)
-      if (!numeros.contains(parte.columna))
-        r.Error(d.Pagina(), donde,
-                "un índice nombra la columna número " + std::to_string(parte.columna) + ", que no existe");
+  for (const RealIndex& index : d.reals)
+    for (const auto& part : index.parts)
+      if (!numbers.contains(part.column))
+        r.Error(d.Page(), where,
+                "un índice nombra la columna número " + std::to_string(part.column) + ", que no existe");
 }
 
 }  // namespace
 
-void RevisarDefinicion(Revision& r, const Definicion& d, const std::string& donde) {
-  const NumPagina pagina = d.Pagina();
-  const bool jet3 = r.paginas.Cab().Jet3();
-  r.Probar(pagina, donde, [&] {
-    const Bytes juntas = Juntar(r.paginas, d);
-    Paseo paseo(juntas, jet3, d);
-    const std::size_t fin = paseo.Fin(), largo = U32(juntas, 8);
-    if (largo != fin)
-      r.Error(pagina, donde,
-              "la definición dice medir " + std::to_string(largo) + " bytes y mide " + std::to_string(fin));
-    if (!paseo.Constantes()) r.Error(pagina, donde, "la definición no tiene las marcas que llevan todas");
-    const std::size_t lugar = r.paginas.Tamano() - kCabeza;
-    if (!jet3 && d.paginas.size() == 1 && fin <= lugar && U16(juntas, 2) != lugar - fin)
-      r.Nota(pagina, donde,
-             "la página de la definición dice tener " + std::to_string(U16(juntas, 2)) +
-                 " bytes libres y tiene " + std::to_string(lugar - fin));
+void CheckDefinition(Revision& r, const Definition& d, const std::string& where) {
+  const PageNumber page = d.Page();
+  const bool jet3 = r.pages.Header().Jet3();
+  r.Try(page, where, [&] {
+    const Bytes joined = Collect(r.pages, d);
+    DefinitionWalk walk(joined, jet3, d);
+    const std::size_t end = walk.End(), length = U32(joined, 8);
+    if (length != end)
+      r.Error(page, where,
+              "la definición dice medir " + std::to_string(length) + " bytes y mide " + std::to_string(end));
+    if (!walk.HasConstants()) r.Error(page, where, "la definición no tiene las marcas que llevan todas");
+    const std::size_t place = r.pages.PageSize() - kHead;
+    if (!jet3 && d.pages.size() == 1 && end <= place && U16(joined, 2) != place - end)
+      r.Note(page, where,
+             "la página de la definición dice tener " + std::to_string(U16(joined, 2)) +
+                 " bytes libres y tiene " + std::to_string(place - end));
   });
-  RevisarColumnas(r, d, donde);
+  CheckColumns(r, d, where);
 }
 
 }  // namespace mdb::internal

@@ -12,189 +12,190 @@
 namespace mdb::internal {
 namespace {
 
-using Columnas = std::vector<std::size_t>;
-constexpr std::size_t kPorRelacion = 5;  // rows without a parent that are named
+using Columns = std::vector<std::size_t>;
+constexpr std::size_t kPerRelationship = 5;  // rows without a parent that are named
 
-const Definicion* TablaDe(const Tablas& tablas, const std::string& nombre) {
-  for (const auto& [pagina, d] : tablas)
-    if (base::IgualSinCaso(d.nombre, nombre)) return &d;
+const Definition* TableOf(const Tables& tables, const std::string& name) {
+  for (const auto& [page, d] : tables)
+    if (base::EqualIgnoringCase(d.name, name)) return &d;
   return nullptr;
 }
 
-bool EsVinculada(const std::vector<ObjetoVisto>& objetos, const std::string& nombre) {
-  return std::any_of(objetos.begin(), objetos.end(), [&](const ObjetoVisto& o) {
-    return (o.tipo == Objeto::Vinculada || o.tipo == Objeto::VinculadaOdbc) &&
-           base::IgualSinCaso(o.nombre, nombre);
+bool IsLinked(const std::vector<SeenObject>& objects, const std::string& name) {
+  return std::any_of(objects.begin(), objects.end(), [&](const SeenObject& o) {
+    return (o.type == Object::Linked || o.type == Object::LinkedOdbc) &&
+           base::EqualIgnoringCase(o.name, name);
   });
 }
 
-class RevisionDeRelacion {
+class RelationshipCheck {
  public:
-  RevisionDeRelacion(Revision& r, const Tablas& tablas, const std::vector<ObjetoVisto>& objetos,
-                     const RelacionDeTablas& relacion)
+  RelationshipCheck(Revision& r, const Tables& tables, const std::vector<SeenObject>& objects,
+                    const TableRelationship& relationship)
       : r_(r),
-        tablas_(tablas),
-        objetos_(objetos),
-        relacion_(relacion),
-        donde_("relación " + Entre(relacion.nombre)) {}
+        tables_(tables),
+        objects_(objects),
+        relationship_(relationship),
+        where_("relación " + Quoted(relationship.name)) {}
 
-  void Hacer() {
-    const Definicion* hija = Tabla(relacion_.tabla);
-    const Definicion* madre = Tabla(relacion_.tabla_referida);
-    if (hija == nullptr || madre == nullptr) return;
-    const auto de_hija = Posiciones(*hija, relacion_.columnas);
-    const auto de_madre = Posiciones(*madre, relacion_.columnas_referidas);
-    if (!de_hija || !de_madre || !relacion_.Exigida()) return;
-    if (!Comparables(*hija, *de_hija, *madre, *de_madre))
-      return r_.Nota(0, donde_, "sus columnas no son del mismo tipo y no se comprobó");
+  void Run() {
+    const Definition* child = Table(relationship_.table);
+    const Definition* parent = Table(relationship_.referenced_table);
+    if (child == nullptr || parent == nullptr) return;
+    const auto child_positions = Positions(*child, relationship_.columns);
+    const auto parent_positions = Positions(*parent, relationship_.referenced_columns);
+    if (!child_positions || !parent_positions || !relationship_.IsEnforced()) return;
+    if (!AreComparable(*child, *child_positions, *parent, *parent_positions))
+      return r_.Note(0, where_, "sus columnas no son del mismo tipo y no se comprobó");
     try {
-      Filas(*hija, *de_hija, *madre, *de_madre);
-    } catch (const Danio&) {  // a table with damage has its own findings
+      CheckRows(*child, *child_positions, *parent, *parent_positions);
+    } catch (const Damage&) {  // a table with damage has its own findings
     } catch (const base::Error& e) {
-      r_.Nota(0, donde_, "no se pudo comprobar: " + e.Descripcion());
+      r_.Note(0, where_, "no se pudo comprobar: " + e.Description());
     }
   }
 
  private:
-  const Definicion* Tabla(const std::string& nombre) {
-    const Definicion* d = TablaDe(tablas_, nombre);
-    if (d == nullptr && !EsVinculada(objetos_, nombre))
-      r_.Error(0, donde_, "nombra la tabla " + Entre(nombre) + ", que no existe");
+  const Definition* Table(const std::string& name) {
+    const Definition* d = TableOf(tables_, name);
+    if (d == nullptr && !IsLinked(objects_, name))
+      r_.Error(0, where_, "nombra la tabla " + Quoted(name) + ", que no existe");
     return d;
   }
 
-  std::optional<Columnas> Posiciones(const Definicion& d, const std::vector<std::string>& nombres) {
-    Columnas posiciones;
-    for (const std::string& nombre : nombres) {
-      const auto i = d.PorNombre(nombre);
+  std::optional<Columns> Positions(const Definition& d, const std::vector<std::string>& names) {
+    Columns positions;
+    for (const std::string& name : names) {
+      const auto i = d.ByName(name);
       if (!i) {
-        r_.Error(
-            0, donde_,
-            "nombra la columna " + Entre(nombre) + " de la tabla " + Entre(d.nombre) + ", que no existe");
+        r_.Error(0, where_,
+                 "nombra la columna " + Quoted(name) + " de la tabla " + Quoted(d.name) + ", que no existe");
         return {};
       }
-      posiciones.push_back(*i);
+      positions.push_back(*i);
     }
-    return posiciones;
+    return positions;
   }
 
-  static bool Comparables(const Definicion& a, const Columnas& de_a, const Definicion& b,
-                          const Columnas& de_b) {
-    return std::equal(de_a.begin(), de_a.end(), de_b.begin(), de_b.end(), [&](std::size_t i, std::size_t k) {
-      return a.columnas[i].tipo == b.columnas[k].tipo && a.columnas[i].escala == b.columnas[k].escala;
-    });
+  static bool AreComparable(const Definition& a, const Columns& a_positions, const Definition& b,
+                            const Columns& b_positions) {
+    return std::equal(a_positions.begin(), a_positions.end(), b_positions.begin(), b_positions.end(),
+                      [&](std::size_t i, std::size_t k) {
+                        return a.columns[i].type == b.columns[k].type &&
+                               a.columns[i].scale == b.columns[k].scale;
+                      });
   }
 
   // The values as a text that is equal for values that Access takes for equal; none with a Null among them.
-  std::optional<std::string> Clave(const Definicion& d, const Columnas& columnas, const Fila& fila) {
-    clave_.clear();
-    for (const std::size_t i : columnas) {
-      if (EsNulo(fila[i])) return {};
-      AgregarClave(r_.paginas.Cab(), d.columnas[i], false, fila[i], clave_);
+  std::optional<std::string> Key(const Definition& d, const Columns& columns, const Row& row) {
+    key_.clear();
+    for (const std::size_t i : columns) {
+      if (IsNull(row[i])) return {};
+      AppendKey(r_.pages.Header(), d.columns[i], false, row[i], key_);
     }
-    return std::string(clave_.begin(), clave_.end());
+    return std::string(key_.begin(), key_.end());
   }
 
-  void Filas(const Definicion& hija, const Columnas& de_hija, const Definicion& madre,
-             const Columnas& de_madre) {
-    std::unordered_set<std::string> hay;
-    RecorrerFilas(
-        r_.paginas, madre,
-        [&](IdFila, const Fila& fila) {
-          if (auto clave = Clave(madre, de_madre, fila)) hay.insert(std::move(*clave));
+  void CheckRows(const Definition& child, const Columns& child_positions, const Definition& parent,
+                 const Columns& parent_positions) {
+    std::unordered_set<std::string> found;
+    WalkRows(
+        r_.pages, parent,
+        [&](RowId, const Row& row) {
+          if (auto key = Key(parent, parent_positions, row)) found.insert(std::move(*key));
           return true;
         },
-        de_madre);
-    std::size_t solas = 0;
-    RecorrerFilas(
-        r_.paginas, hija,
-        [&](IdFila id, const Fila& fila) {
-          const auto clave = Clave(hija, de_hija, fila);
-          if (clave && !hay.contains(*clave) && ++solas <= kPorRelacion)
-            r_.Error(id.pagina, donde_,
-                     DeFila(id) + " de la tabla " + Entre(hija.nombre) + " no tiene la suya en la tabla " +
-                         Entre(madre.nombre));
+        parent_positions);
+    std::size_t orphans = 0;
+    WalkRows(
+        r_.pages, child,
+        [&](RowId id, const Row& row) {
+          const auto key = Key(child, child_positions, row);
+          if (key && !found.contains(*key) && ++orphans <= kPerRelationship)
+            r_.Error(id.page, where_,
+                     OfRow(id) + " de la tabla " + Quoted(child.name) + " no tiene la suya en la tabla " +
+                         Quoted(parent.name));
           return true;
         },
-        de_hija);
-    if (solas > kPorRelacion)
-      r_.Error(0, donde_, "en total son " + std::to_string(solas) + " las filas sin la suya");
+        child_positions);
+    if (orphans > kPerRelationship)
+      r_.Error(0, where_, "en total son " + std::to_string(orphans) + " las filas sin la suya");
   }
 
   Revision& r_;
-  const Tablas& tablas_;
-  const std::vector<ObjetoVisto>& objetos_;
-  const RelacionDeTablas& relacion_;
-  std::string donde_;
-  Bytes clave_;
+  const Tables& tables_;
+  const std::vector<SeenObject>& objects_;
+  const TableRelationship& relationship_;
+  std::string where_;
+  Bytes key_;
 };
 
 // The two indexes of an enforced relationship name each other.
-void RevisarParejas(Revision& r, const Tablas& tablas) {
-  for (const auto& [pagina, d] : tablas)
-    for (const IndiceLogico& l : d.logicos) {
-      if (l.lado == IndiceLogico::Ninguno) continue;
-      const std::string donde = "tabla " + Entre(d.nombre) + ", índice " + Entre(l.nombre);
-      const auto otra = tablas.find(l.otra_tabla);
-      if (otra == tablas.end()) {
-        r.Error(pagina, donde,
-                "es de una relación con la tabla de la página " + std::to_string(l.otra_tabla) +
+void CheckPairs(Revision& r, const Tables& tables) {
+  for (const auto& [page, d] : tables)
+    for (const LogicalIndex& l : d.logicals) {
+      if (l.side == LogicalIndex::None) continue;
+      const std::string where = "tabla " + Quoted(d.name) + ", índice " + Quoted(l.name);
+      const auto other = tables.find(l.other_table);
+      if (other == tables.end()) {
+        r.Error(page, where,
+                "es de una relación con la tabla de la página " + std::to_string(l.other_table) +
                     ", que no existe");
         continue;
       }
-      const auto& logicos = otra->second.logicos;
-      const NumPagina esta = pagina;
-      if (std::none_of(logicos.begin(), logicos.end(), [&](const IndiceLogico& o) {
-            return static_cast<std::int64_t>(o.numero) == l.otro_indice && o.otra_tabla == esta &&
-                   o.otro_indice == static_cast<std::int64_t>(l.numero);
+      const auto& logicals = other->second.logicals;
+      const PageNumber this_page = page;
+      if (std::none_of(logicals.begin(), logicals.end(), [&](const LogicalIndex& o) {
+            return static_cast<std::int64_t>(o.number) == l.other_index && o.other_table == this_page &&
+                   o.other_index == static_cast<std::int64_t>(l.number);
           }))
-        r.Error(pagina, donde,
-                "es de una relación con la tabla " + Entre(otra->second.nombre) +
+        r.Error(page, where,
+                "es de una relación con la tabla " + Quoted(other->second.name) +
                     ", que no tiene el índice que va con él");
     }
 }
 
 // Some files of Access 97 have these tables on other pages than their header says; the catalog tells.
-NumPagina SystemTablePage(const std::vector<ObjetoVisto>& objects, std::string_view name,
-                          NumPagina of_the_header) {
-  for (const ObjetoVisto& o : objects)
-    if (o.tipo == Objeto::Tabla && o.nombre == name) return static_cast<NumPagina>(o.id);
+PageNumber SystemTablePage(const std::vector<SeenObject>& objects, std::string_view name,
+                           PageNumber of_the_header) {
+  for (const SeenObject& o : objects)
+    if (o.type == Object::Table && o.name == name) return static_cast<PageNumber>(o.id);
   return of_the_header;
 }
 
 }  // namespace
 
-void RevisarRelaciones(Revision& r, const Tablas& tablas, const std::vector<ObjetoVisto>& objetos) {
-  RevisarParejas(r, tablas);
-  std::vector<RelacionDeTablas> relaciones;
-  const NumPagina page = SystemTablePage(objetos, "MSysRelationships", r.paginas.Cab().relaciones);
-  r.Probar(page, "tabla «MSysRelationships»", [&] { relaciones = LeerRelaciones(r.paginas, page); });
-  for (const RelacionDeTablas& relacion : relaciones)
-    RevisionDeRelacion(r, tablas, objetos, relacion).Hacer();
+void CheckRelationships(Revision& r, const Tables& tables, const std::vector<SeenObject>& objects) {
+  CheckPairs(r, tables);
+  std::vector<TableRelationship> relationships;
+  const PageNumber page = SystemTablePage(objects, "MSysRelationships", r.pages.Header().relationships);
+  r.Try(page, "tabla «MSysRelationships»", [&] { relationships = ReadRelationships(r.pages, page); });
+  for (const TableRelationship& relationship : relationships)
+    RelationshipCheck(r, tables, objects, relationship).Run();
 }
 
-void RevisarConsultas(Revision& r, const std::vector<ObjetoVisto>& objetos) {
-  constexpr std::uint8_t kComienzo = 0, kFin = 255;
-  const NumPagina page = SystemTablePage(objetos, "MSysQueries", r.paginas.Cab().consultas);
-  r.Probar(page, "tabla «MSysQueries»", [&] {
-    auto filas = LeerFilasDeConsultas(r.paginas, page);
-    for (const ObjetoVisto& o : objetos) {
-      if (o.tipo != Objeto::Consulta) continue;
-      const auto suyas = filas.extract(static_cast<std::int32_t>(o.id));
-      const auto cuantas = [&](std::uint8_t atributo) {
-        if (suyas.empty()) return std::ptrdiff_t{0};
-        return std::count_if(suyas.mapped().begin(), suyas.mapped().end(),
-                             [&](const FilaDeConsulta& f) { return f.atributo == atributo; });
+void CheckQueries(Revision& r, const std::vector<SeenObject>& objects) {
+  constexpr std::uint8_t kStart = 0, kEnd = 255;
+  const PageNumber page = SystemTablePage(objects, "MSysQueries", r.pages.Header().queries);
+  r.Try(page, "tabla «MSysQueries»", [&] {
+    auto rows = ReadQueryRows(r.pages, page);
+    for (const SeenObject& o : objects) {
+      if (o.type != Object::Query) continue;
+      const auto its = rows.extract(static_cast<std::int32_t>(o.id));
+      const auto count = [&](std::uint8_t attribute) {
+        if (its.empty()) return std::ptrdiff_t{0};
+        return std::count_if(its.mapped().begin(), its.mapped().end(),
+                             [&](const QueryRow& f) { return f.attribute == attribute; });
       };
-      if (cuantas(kComienzo) != 1 || cuantas(kFin) != 1)
-        r.Error(o.fila.pagina, "consulta " + Entre(o.nombre),
-                suyas.empty() ? "el catálogo la tiene, y no están sus filas"
-                              : "no tiene una fila de comienzo y una de fin");
+      if (count(kStart) != 1 || count(kEnd) != 1)
+        r.Error(o.row.page, "consulta " + Quoted(o.name),
+                its.empty() ? "el catálogo la tiene, y no están sus filas"
+                            : "no tiene una fila de comienzo y una de fin");
     }
-    if (!filas.empty())
-      r.Nota(
+    if (!rows.empty())
+      r.Note(
           0, "tabla «MSysQueries»",
-          "hay filas de " + Cuantas(filas.size(), "una consulta que no existe", "consultas que no existen"));
+          "hay filas de " + Counted(rows.size(), "una consulta que no existe", "consultas que no existen"));
   });
 }
 

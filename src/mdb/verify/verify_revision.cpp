@@ -7,203 +7,198 @@
 namespace mdb::internal {
 namespace {
 
-constexpr std::uint16_t kPosicion = 0x1FFF;
-constexpr std::size_t kFilasPorPagina = 255;
-constexpr NumPagina kPaginaGlobal = 1;
+constexpr std::uint16_t kPosition = 0x1FFF;
+constexpr std::size_t kRowsPerPage = 255;
+constexpr PageNumber kGlobalPage = 1;
 
-// "El archivo está dañado, página 12: motivo" taken apart; page 0 when the text names none.
-std::pair<NumPagina, std::string> Partes(const std::string& descripcion) {
-  constexpr std::string_view kDanado = "El archivo está dañado", kPagina = ", página ";
-  if (descripcion.compare(0, kDanado.size(), kDanado) != 0) return {0, descripcion};
-  std::string resto = descripcion.substr(kDanado.size());
-  NumPagina pagina = 0;
-  if (resto.compare(0, kPagina.size(), kPagina) == 0) {
-    std::size_t i = kPagina.size();
-    for (; i < resto.size() && resto[i] >= '0' && resto[i] <= '9'; ++i)
-      pagina = pagina * 10 + static_cast<NumPagina>(resto[i] - '0');
-    resto.erase(0, i);
+// "El file está dañado, página 12: reason" taken apart; page 0 when the text names none.
+std::pair<PageNumber, std::string> PartsOf(const std::string& description) {
+  constexpr std::string_view kDamaged = "El archivo está dañado", kPage = ", página ";
+  if (description.compare(0, kDamaged.size(), kDamaged) != 0) return {0, description};
+  std::string rest = description.substr(kDamaged.size());
+  PageNumber page = 0;
+  if (rest.compare(0, kPage.size(), kPage) == 0) {
+    std::size_t i = kPage.size();
+    for (; i < rest.size() && rest[i] >= '0' && rest[i] <= '9'; ++i)
+      page = page * 10 + static_cast<PageNumber>(rest[i] - '0');
+    rest.erase(0, i);
   }
-  if (resto.compare(0, 2, ": ") == 0) resto.erase(0, 2);
-  return {pagina, resto};
+  if (rest.compare(0, 2, ": ") == 0) rest.erase(0, 2);
+  return {page, rest};
 }
 
-std::string ConMayuscula(std::string texto) {
-  if (!texto.empty() && texto[0] >= 'a' && texto[0] <= 'z')
-    texto[0] = static_cast<char>(texto[0] - 'a' + 'A');
-  return texto;
+std::string Capitalized(std::string text) {
+  if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') text[0] = static_cast<char>(text[0] - 'a' + 'A');
+  return text;
 }
 
 // "de" before the name of an owner.
-std::string De(const std::string& nombre) {
-  return nombre.compare(0, 3, "el ") == 0 ? "d" + nombre : "de " + nombre;
-}
+std::string Of(const std::string& name) { return name.compare(0, 3, "el ") == 0 ? "d" + name : "de " + name; }
 
 }  // namespace
 
-std::string Entre(const std::string& nombre) { return "«" + nombre + "»"; }
+std::string Quoted(const std::string& name) { return "«" + name + "»"; }
 
-std::string Cuantas(std::size_t n, const char* una, const char* varias) {
-  return n == 1 ? una : std::to_string(n) + " " + varias;
+std::string Counted(std::size_t n, const char* one, const char* several) {
+  return n == 1 ? one : std::to_string(n) + " " + several;
 }
 
-std::string DeFila(IdFila fila) {
-  return "la fila " + std::to_string(fila.fila) + " de la página " + std::to_string(fila.pagina);
+std::string OfRow(RowId row) {
+  return "la fila " + std::to_string(row.row) + " de la página " + std::to_string(row.page);
 }
 
-Revision::Revision(Paginas& de, std::size_t tope)
-    : paginas(de),
-      tope_(std::max<std::size_t>(tope, 1)),
-      duenos_(de.Cantidad(), kNadie),
-      nombres_({"nadie", "los mapas de páginas", "el comienzo del archivo"}) {}
+Revision::Revision(PageFile& from, std::size_t limit)
+    : pages(from),
+      limit_(std::max<std::size_t>(limit, 1)),
+      owners_(from.Count(), kNobody),
+      names_({"nadie", "los mapas de páginas", "el comienzo del archivo"}) {}
 
-void Revision::Agregar(Hallazgo::Grado grado, NumPagina pagina, const std::string& donde,
-                       const std::string& motivo) {
-  auto& lista = informe.hallazgos;
-  if (lista.size() >= tope_) {
+void Revision::Add(Finding::Severity severity, PageNumber page, const std::string& where,
+                   const std::string& reason) {
+  auto& list = report.findings;
+  if (list.size() >= limit_) {
     // An error is worth more than a note.
-    if (grado != Hallazgo::Grado::Error) return;
-    const auto nota = std::find_if(lista.rbegin(), lista.rend(),
-                                   [](const Hallazgo& h) { return h.grado == Hallazgo::Grado::Nota; });
-    if (nota == lista.rend()) return;
-    lista.erase(std::next(nota).base());
+    if (severity != Finding::Severity::Error) return;
+    const auto note = std::find_if(list.rbegin(), list.rend(),
+                                   [](const Finding& h) { return h.severity == Finding::Severity::Note; });
+    if (note == list.rend()) return;
+    list.erase(std::next(note).base());
   }
-  std::string lugar = pagina == 0 ? "" : "página " + std::to_string(pagina);
-  if (!donde.empty()) lugar += (lugar.empty() ? "" : ", ") + donde;
-  lista.push_back({grado, pagina, ConMayuscula(lugar.empty() ? motivo : lugar + ": " + motivo)});
+  std::string place = page == 0 ? "" : "página " + std::to_string(page);
+  if (!where.empty()) place += (place.empty() ? "" : ", ") + where;
+  list.push_back({severity, page, Capitalized(place.empty() ? reason : place + ": " + reason)});
 }
 
-void Revision::Error(NumPagina pagina, const std::string& donde, const std::string& motivo) {
-  Agregar(Hallazgo::Grado::Error, pagina, donde, motivo);
+void Revision::Error(PageNumber page, const std::string& where, const std::string& reason) {
+  Add(Finding::Severity::Error, page, where, reason);
 }
 
-void Revision::Nota(NumPagina pagina, const std::string& donde, const std::string& motivo) {
-  Agregar(Hallazgo::Grado::Nota, pagina, donde, motivo);
+void Revision::Note(PageNumber page, const std::string& where, const std::string& reason) {
+  Add(Finding::Severity::Note, page, where, reason);
 }
 
-void Revision::Anotar(NumPagina pagina, const std::string& donde, const std::string& descripcion) {
-  const auto [nombrada, motivo] = Partes(descripcion);
-  Error(nombrada != 0 ? nombrada : pagina, donde, motivo);
+void Revision::AddFinding(PageNumber page, const std::string& where, const std::string& description) {
+  const auto [named, reason] = PartsOf(description);
+  Error(named != 0 ? named : page, where, reason);
 }
 
-Revision::Dueno Revision::NuevoDueno(std::string nombre) {
-  nombres_.push_back(std::move(nombre));
-  return static_cast<Dueno>(nombres_.size() - 1);
+Revision::Owner Revision::AddOwner(std::string name) {
+  names_.push_back(std::move(name));
+  return static_cast<Owner>(names_.size() - 1);
 }
 
-bool Revision::Tomar(NumPagina pagina, Dueno dueno, const std::string& donde) {
-  if (pagina >= duenos_.size()) {
-    Error(0, donde,
-          "nombra la página " + std::to_string(pagina) + ", y el archivo tiene " +
-              std::to_string(duenos_.size()));
+bool Revision::Take(PageNumber page, Owner owner, const std::string& where) {
+  if (page >= owners_.size()) {
+    Error(0, where,
+          "nombra la página " + std::to_string(page) + ", y el archivo tiene " +
+              std::to_string(owners_.size()));
     return false;
   }
-  const Dueno antes = duenos_[pagina];
-  if (antes == kNadie) {
-    duenos_[pagina] = dueno;
+  const Owner before = owners_[page];
+  if (before == kNobody) {
+    owners_[page] = owner;
     return true;
   }
-  if (antes == dueno && dueno == kMapas) return true;
-  Error(pagina, donde,
-        antes == dueno ? "está dos veces entre las páginas " + De(nombres_[dueno])
-                       : "la reclaman dos: " + nombres_[antes] + " y " + nombres_[dueno]);
+  if (before == owner && owner == kMaps) return true;
+  Error(page, where,
+        before == owner ? "está dos veces entre las páginas " + Of(names_[owner])
+                        : "la reclaman dos: " + names_[before] + " y " + names_[owner]);
   return false;
 }
 
-void Revision::LeerBits(Puntero mapa, const std::string& donde, Dueno dueno, MapaVisto& visto) {
-  const Lugar lugar = Seguir(paginas, mapa);
-  const Vista fila = lugar.ranura.bytes;
-  const NumPagina cantidad = paginas.Cantidad();
-  std::uint64_t fuera = 0;
-  const auto bits = [&](Vista v, std::uint64_t primera) {
+void Revision::ReadBits(Pointer map, const std::string& where, Owner owner, SeenMap& seen) {
+  const Place place = Follow(pages, map);
+  const View row = place.slot.bytes;
+  const PageNumber count = pages.Count();
+  std::uint64_t outside = 0;
+  const auto bits = [&](View v, std::uint64_t first) {
     for (std::size_t i = 0; i < v.size(); ++i)
       for (unsigned b = v[i]; b != 0; b &= b - 1) {
-        const std::uint64_t p = primera + 8 * i + static_cast<unsigned>(std::countr_zero(b));
-        if (p < cantidad)
-          visto.paginas.push_back(static_cast<NumPagina>(p));
-        else if (fuera == 0)
-          fuera = p;
+        const std::uint64_t p = first + 8 * i + static_cast<unsigned>(std::countr_zero(b));
+        if (p < count)
+          seen.pages.push_back(static_cast<PageNumber>(p));
+        else if (outside == 0)
+          outside = p;
       }
   };
-  if (lugar.ranura.banderas != 0 || fila.empty() || fila[0] > 1 || (fila[0] == 0 && fila.size() < 5))
-    DanioEnPagina(mapa.pagina, "la fila " + std::to_string(mapa.fila) + " no es un mapa de páginas");
-  visto.legible = true;
-  if (fila[0] == 0) {
-    visto.inicio = U32(fila, 1);
-    visto.fin = visto.inicio + std::uint64_t{8} * (fila.size() - 5);
-    bits(fila.subspan(5), visto.inicio);
+  if (place.slot.flags != 0 || row.empty() || row[0] > 1 || (row[0] == 0 && row.size() < 5))
+    ThrowPageDamage(map.page, "la fila " + std::to_string(map.row) + " no es un mapa de páginas");
+  seen.readable = true;
+  if (row[0] == 0) {
+    seen.start = U32(row, 1);
+    seen.end = seen.start + std::uint64_t{8} * (row.size() - 5);
+    bits(row.subspan(5), seen.start);
   } else {
-    const std::uint64_t por_pagina = (paginas.Tamano() - 4) * 8;
-    visto.fin = std::numeric_limits<std::uint64_t>::max();
-    for (std::size_t k = 0; 4 * k + 5 <= fila.size(); ++k) {
-      const std::int32_t numero = I32(fila, 1 + 4 * k);
-      if (numero <= 0 || !Tomar(static_cast<NumPagina>(numero), dueno, donde)) continue;
-      const Imagen imagen = paginas.Leer(static_cast<NumPagina>(numero));
-      if ((*imagen)[0] != kPaginaDeMapa)
-        DanioEnPagina(static_cast<NumPagina>(numero), "se esperaba una página de un mapa de páginas");
-      bits(Vista(*imagen).subspan(4), k * por_pagina);
+    const std::uint64_t per_page = (pages.PageSize() - 4) * 8;
+    seen.end = std::numeric_limits<std::uint64_t>::max();
+    for (std::size_t k = 0; 4 * k + 5 <= row.size(); ++k) {
+      const std::int32_t number = I32(row, 1 + 4 * k);
+      if (number <= 0 || !Take(static_cast<PageNumber>(number), owner, where)) continue;
+      const Image image = pages.Read(static_cast<PageNumber>(number));
+      if ((*image)[0] != kMapPage)
+        ThrowPageDamage(static_cast<PageNumber>(number), "se esperaba una página de un mapa de páginas");
+      bits(View(*image).subspan(4), k * per_page);
     }
   }
   // The map of free pages says of all pages to come that they are free.
-  if (fuera != 0 && mapa != Puntero{kPaginaGlobal, 0})
-    Error(mapa.pagina, donde,
-          "un mapa nombra la página " + std::to_string(fuera) + ", y el archivo tiene " +
-              std::to_string(cantidad));
+  if (outside != 0 && map != Pointer{kGlobalPage, 0})
+    Error(map.page, where,
+          "un mapa nombra la página " + std::to_string(outside) + ", y el archivo tiene " +
+              std::to_string(count));
 }
 
-MapaVisto Revision::Mapa(Puntero mapa, Dueno dueno, const std::string& donde) {
-  MapaVisto visto;
-  if (mapa.pagina == 0) {
-    visto.legible = true;
-    return visto;
+SeenMap Revision::CheckMap(Pointer map, Owner owner, const std::string& where) {
+  SeenMap seen;
+  if (map.page == 0) {
+    seen.readable = true;
+    return seen;
   }
-  if (!Tomar(mapa.pagina, kMapas, donde)) return visto;
-  if (!mapas_.insert(mapa).second)
-    Error(mapa.pagina, donde,
-          "el mapa de la fila " + std::to_string(mapa.fila) + " sirve a dos cosas a la vez");
-  Probar(mapa.pagina, donde, [&] { LeerBits(mapa, donde, dueno, visto); });
-  std::sort(visto.paginas.begin(), visto.paginas.end());
-  return visto;
+  if (!Take(map.page, kMaps, where)) return seen;
+  if (!maps_.insert(map).second)
+    Error(map.page, where, "el mapa de la fila " + std::to_string(map.row) + " sirve a dos cosas a la vez");
+  Try(map.page, where, [&] { ReadBits(map, where, owner, seen); });
+  std::sort(seen.pages.begin(), seen.pages.end());
+  return seen;
 }
 
-bool Revision::PaginaDeFilas(NumPagina numero, const std::string& donde) {
-  const Imagen imagen = paginas.Leer(numero);
-  const Vista v = *imagen;
-  const bool jet3 = paginas.Cab().Jet3();
-  const std::size_t cuenta = U16(v, jet3 ? 8 : 12), tabla = jet3 ? 10 : 14, fin = tabla + 2 * cuenta;
-  if (fin > v.size()) {
-    Error(numero, donde, "dice tener " + std::to_string(cuenta) + " filas, que no caben");
+bool Revision::IsSoundRowPage(PageNumber number, const std::string& where) {
+  const Image image = pages.Read(number);
+  const View v = *image;
+  const bool jet3 = pages.Header().Jet3();
+  const std::size_t count = U16(v, jet3 ? 8 : 12), table = jet3 ? 10 : 14, end = table + 2 * count;
+  if (end > v.size()) {
+    Error(number, where, "dice tener " + std::to_string(count) + " filas, que no caben");
     return false;
   }
-  std::size_t bajo = v.size();
-  for (std::size_t i = 0; i < cuenta; ++i) {
-    const std::size_t desde = U16(v, tabla + 2 * i) & kPosicion;
-    if (desde > bajo || desde < fin) {
-      Error(numero, donde,
-            "la fila " + std::to_string(i) + " empieza en el byte " + std::to_string(desde) + ", " +
-                (desde < fin ? "dentro de la lista de filas" : "detrás de donde debe terminar"));
+  std::size_t low = v.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t from = U16(v, table + 2 * i) & kPosition;
+    if (from > low || from < end) {
+      Error(number, where,
+            "la fila " + std::to_string(i) + " empieza en el byte " + std::to_string(from) + ", " +
+                (from < end ? "dentro de la lista de filas" : "detrás de donde debe terminar"));
       return false;
     }
-    bajo = desde;
+    low = from;
   }
-  if (U16(v, 2) != bajo - fin)
-    Error(numero, donde,
-          "dice tener " + std::to_string(U16(v, 2)) + " bytes libres y tiene " + std::to_string(bajo - fin));
-  if (cuenta > kFilasPorPagina)
-    Error(numero, donde, "tiene " + std::to_string(cuenta) + " filas, y el máximo es 255");
+  if (U16(v, 2) != low - end)
+    Error(number, where,
+          "dice tener " + std::to_string(U16(v, 2)) + " bytes libres y tiene " + std::to_string(low - end));
+  if (count > kRowsPerPage)
+    Error(number, where, "tiene " + std::to_string(count) + " filas, y el máximo es 255");
   return true;
 }
 
-void Revision::PaginasDeMapas() {
-  for (NumPagina p = 0; p < duenos_.size(); ++p) {
-    if (duenos_[p] != kMapas) continue;
-    Probar(p, "mapas de páginas", [&] {
-      const Imagen imagen = paginas.Leer(p);
-      if ((*imagen)[0] != kPaginaDeDatos)
-        return;  // a page of bits, or one that was named as a map by mistake
-      const std::uint32_t dueno = U32(*imagen, 4);
-      if (dueno != (p == kPaginaGlobal ? 1U : 0U))
-        Error(p, "mapas de páginas", "dice ser de la tabla de la página " + std::to_string(dueno));
-      PaginaDeFilas(p, "mapas de páginas");
+void Revision::CheckMapPages() {
+  for (PageNumber p = 0; p < owners_.size(); ++p) {
+    if (owners_[p] != kMaps) continue;
+    Try(p, "mapas de páginas", [&] {
+      const Image image = pages.Read(p);
+      if ((*image)[0] != kDataPage) return;  // a page of bits, or one that was named as a map by mistake
+      const std::uint32_t owner = U32(*image, 4);
+      if (owner != (p == kGlobalPage ? 1U : 0U))
+        Error(p, "mapas de páginas", "dice ser de la tabla de la página " + std::to_string(owner));
+      IsSoundRowPage(p, "mapas de páginas");
     });
   }
 }

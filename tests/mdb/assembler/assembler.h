@@ -14,15 +14,15 @@
 namespace assembler {
 
 using mdb::Bytes;
-using mdb::Dato;
-using mdb::Fila;
-using mdb::TipoColumna;
+using mdb::ColumnType;
+using mdb::Datum;
+using mdb::Row;
 
 enum class Format { Jet3, Jet4, Ace };  // Access 97; 2000 to 2003; .accdb
 
 struct Column {
   std::string name;
-  TipoColumna type = TipoColumna::Largo;
+  ColumnType type = ColumnType::Long;
   unsigned length = 0;    // characters of a Text, bytes of a Binary
   bool variable = false;  // a number or a date among the columns of variable length
   bool autonumber = false;
@@ -32,14 +32,14 @@ struct Column {
   bool calculated = false;  // .accdb
 };
 
-struct Row {
+struct RowSpec {
   enum State {
     Here,
     Moved,    // its slot leads to another page
     Deleted,  // marked, its bytes still there
     Emptied   // marked, without its bytes
   };
-  Fila values;  // one a column, those that are gone too
+  Row values;  // one a column, those that are gone too
   State state = Here;
   unsigned columns = 0;  // of the table when the row was written; 0: all
 };
@@ -53,14 +53,14 @@ struct Index {
 struct Property {
   std::string owner;  // a column; empty: the table
   std::string name;
-  Dato value;  // Boolean, Long or text
+  Datum value;  // Boolean, Long or text
 };
 
 struct Table {
   std::string name;
   std::vector<Column> columns;
   std::vector<Index> indexes;
-  std::vector<Row> rows;
+  std::vector<RowSpec> rows;
   std::vector<Property> properties;
   unsigned rows_a_page = 0;        // 0: as many as there is room for
   unsigned entries_a_leaf = 0;     // of its indexes; 0: as many as there is room for
@@ -81,8 +81,8 @@ struct Relation {
 
 struct Query {
   std::string name;
-  std::uint32_t flags = 0;                // of its object
-  std::vector<mdb::FilaDeConsulta> rows;  // without the start and the end
+  std::uint32_t flags = 0;          // of its object
+  std::vector<mdb::QueryRow> rows;  // without the start and the end
 };
 
 struct Link {

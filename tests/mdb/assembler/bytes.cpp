@@ -9,10 +9,10 @@ namespace assembler {
 
 Bytes Text(Format format, const std::string& text, bool compresses) {
   if (format == Format::Jet3) {
-    const std::string bytes = base::ACp1252(text);
+    const std::string bytes = base::ToCp1252(text);
     return {bytes.begin(), bytes.end()};
   }
-  const std::u16string units = base::AUtf16(text);
+  const std::u16string units = base::ToUtf16(text);
   const bool narrow = std::all_of(units.begin(), units.end(), [](char16_t u) { return u > 0 && u < 0x100; });
   Bytes b;
   if (compresses && narrow && units.size() > 2 && units.size() <= 1024) {
@@ -42,7 +42,7 @@ void Cipher(const Bytes& key, Bytes& bytes, std::size_t from, std::size_t length
   }
 }
 
-IdFila RowPages::Place(const Bytes& row, unsigned flags) {
+RowId RowPages::Place(const Bytes& row, unsigned flags) {
   const std::size_t head = pages_.Jet3() ? 10 : 14;
   if (own_.empty() || full_ || own_.back().slots.size() >= limit_ ||
       own_.back().used + row.size() + 2 > pages_.Size()) {
@@ -56,10 +56,10 @@ IdFila RowPages::Place(const Bytes& row, unsigned flags) {
   return {page.number, static_cast<std::uint8_t>(page.slots.size() - 1)};
 }
 
-Bytes& RowPages::At(IdFila id) {
+Bytes& RowPages::At(RowId id) {
   const auto page =
-      std::find_if(own_.begin(), own_.end(), [&](const Page& p) { return p.number == id.pagina; });
-  return page->slots.at(id.fila).bytes;
+      std::find_if(own_.begin(), own_.end(), [&](const Page& p) { return p.number == id.page; });
+  return page->slots.at(id.row).bytes;
 }
 
 void RowPages::Finish() {
@@ -84,14 +84,14 @@ void RowPages::Finish() {
   }
 }
 
-std::vector<NumPagina> RowPages::Numbers() const {
-  std::vector<NumPagina> numbers;
+std::vector<PageNumber> RowPages::Numbers() const {
+  std::vector<PageNumber> numbers;
   for (const Page& p : own_) numbers.push_back(p.number);
   return numbers;
 }
 
-std::vector<NumPagina> RowPages::WithRoom() const {
-  std::vector<NumPagina> numbers;
+std::vector<PageNumber> RowPages::WithRoom() const {
+  std::vector<PageNumber> numbers;
   for (const Page& p : own_)
     if (pages_.Size() - p.used >= 200 && p.slots.size() < 255) numbers.push_back(p.number);
   return numbers;

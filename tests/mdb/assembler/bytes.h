@@ -8,8 +8,8 @@
 
 namespace assembler {
 
-using mdb::IdFila;
-using mdb::NumPagina;
+using mdb::PageNumber;
+using mdb::RowId;
 
 // Little-endian, at the end of a text or over bytes that are there.
 inline void Add(Bytes& b, std::uint64_t n, int width) {
@@ -23,9 +23,9 @@ inline void AddHighFirst(Bytes& b, std::uint64_t n, int width) {
   for (int i = width - 1; i >= 0; --i) b.push_back(static_cast<std::uint8_t>(n >> (8 * i)));
 }
 inline void Append(Bytes& b, const Bytes& more) { b.insert(b.end(), more.begin(), more.end()); }
-inline void AddPointer(Bytes& b, IdFila id) {
-  Add(b, id.fila, 1);
-  Add(b, id.pagina, 3);
+inline void AddPointer(Bytes& b, RowId id) {
+  Add(b, id.row, 1);
+  Add(b, id.page, 3);
 }
 template <typename To, typename From>
 To Bits(From from) {
@@ -47,9 +47,9 @@ struct Pages {
 
   bool Jet3() const { return format == Format::Jet3; }
   std::size_t Size() const { return Jet3() ? 2048 : 4096; }
-  NumPagina Add() {
+  PageNumber Add() {
     all.emplace_back(Size(), 0xEE);  // what is free is not zero in real files either
-    return static_cast<NumPagina>(all.size() - 1);
+    return static_cast<PageNumber>(all.size() - 1);
   }
 };
 
@@ -60,13 +60,13 @@ class RowPages {
   RowPages(Pages& pages, std::uint32_t owner, unsigned rows_a_page = 0)
       : pages_(pages), owner_(owner), limit_(rows_a_page == 0 ? 255 : rows_a_page) {}
 
-  IdFila Place(const Bytes& row, unsigned flags = 0);
+  RowId Place(const Bytes& row, unsigned flags = 0);
   void NewPage() { full_ = true; }
-  Bytes& At(IdFila id);
+  Bytes& At(RowId id);
   // Writes the pages; nothing is placed afterwards.
   void Finish();
-  std::vector<NumPagina> Numbers() const;
-  std::vector<NumPagina> WithRoom() const;
+  std::vector<PageNumber> Numbers() const;
+  std::vector<PageNumber> WithRoom() const;
 
  private:
   struct Slot {
@@ -74,7 +74,7 @@ class RowPages {
     Bytes bytes;
   };
   struct Page {
-    NumPagina number;
+    PageNumber number;
     std::vector<Slot> slots;
     std::size_t used;
   };
@@ -98,19 +98,19 @@ struct LongPages {  // of one column
   RowPages pages;
   bool chains;
 };
-Bytes EncodeRow(Format format, const Table& table, const Row& row, std::vector<LongPages*>& long_pages);
+Bytes EncodeRow(Format format, const Table& table, const RowSpec& row, std::vector<LongPages*>& long_pages);
 
 // Keys and trees (keys.cpp, tree.cpp).
 struct Entry {
   Bytes key;
-  IdFila row;
+  RowId row;
 };
-Bytes Key(const File& file, const Column& column, const Dato& value, bool descending);
+Bytes Key(const File& file, const Column& column, const Datum& value, bool descending);
 struct Tree {
-  NumPagina root = 0;
-  std::vector<NumPagina> pages;
+  PageNumber root = 0;
+  std::vector<PageNumber> pages;
 };
-Tree BuildTree(Pages& pages, NumPagina table, std::vector<Entry> entries, unsigned entries_a_leaf,
+Tree BuildTree(Pages& pages, PageNumber table, std::vector<Entry> entries, unsigned entries_a_leaf,
                bool prefixes);
 
 }  // namespace assembler

@@ -10,7 +10,7 @@ namespace {
 std::uint8_t ColumnFlags(const Table& table, const Column& c) {
   unsigned flags = 0x02;
   if (IsFixed(c)) flags |= 0x01;
-  if (c.autonumber) flags |= c.type == TipoColumna::Guid ? 0x40 : 0x04;
+  if (c.autonumber) flags |= c.type == ColumnType::Guid ? 0x40 : 0x04;
   if (table.name.rfind("MSys", 0) == 0) flags |= 0x10;
   return static_cast<std::uint8_t>(flags);
 }
@@ -25,7 +25,7 @@ void AddColumn(Bytes& b, const File& file, const Table& table, const Layout& lay
   Add(b, layout.variable_index[i], 2);
   Add(b, table.shown.empty() ? i : static_cast<std::size_t>(seat), 2);
   if (jet3) Add(b, i, 2);
-  if (c.type == TipoColumna::Decimal) {
+  if (c.type == ColumnType::Decimal) {
     Add(b, c.precision, 1);
     Add(b, c.scale, 1);
   } else {
@@ -62,48 +62,49 @@ unsigned Builder::Number(const Table& table, const std::string& column) {
 }
 
 // The bits of a map that starts at page 0, or the list of the page that holds them.
-mdb::IdFila Builder::Map(const std::vector<NumPagina>& set, bool bitmap_page) {
+mdb::RowId Builder::Map(const std::vector<PageNumber>& set, bool bitmap_page) {
   Bytes row(pages_.Jet3() ? 133 : 69);
   if (bitmap_page) {
-    const NumPagina page = pages_.Add();
+    const PageNumber page = pages_.Add();
     Bytes& b = pages_.all[page];
     std::fill(b.begin(), b.end(), std::uint8_t{0});
     Put(b, 0, 0x0105, 2);
-    for (const NumPagina p : set) b.at(4 + p / 8) |= static_cast<std::uint8_t>(1U << p % 8);
+    for (const PageNumber p : set) b.at(4 + p / 8) |= static_cast<std::uint8_t>(1U << p % 8);
     row[0] = 1;
     Put(row, 1, page, 4);
   } else {
-    for (const NumPagina p : set) row.at(5 + p / 8) |= static_cast<std::uint8_t>(1U << p % 8);
+    for (const PageNumber p : set) row.at(5 + p / 8) |= static_cast<std::uint8_t>(1U << p % 8);
   }
   return maps_.Place(row);
 }
 
-void Builder::Rows(const Table& table, NumPagina page, Stored& stored) {
+void Builder::Rows(const Table& table, PageNumber page, Stored& stored) {
   RowPages pages(pages_, page, table.rows_a_page), elsewhere(pages_, page, table.rows_a_page);
   std::vector<LongPages*> long_pages(table.columns.size());
   std::vector<std::unique_ptr<LongPages>> owners;
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
-    const TipoColumna type = table.columns[i].type;
-    if (table.columns[i].gone || (type != TipoColumna::Memo && type != TipoColumna::Ole)) continue;
+    const ColumnType type = table.columns[i].type;
+    if (table.columns[i].gone || (type != ColumnType::Memo && type != ColumnType::Ole)) continue;
     owners.push_back(
         std::make_unique<LongPages>(LongPages{RowPages(pages_, RowPages::kLongValues), table.chains}));
     long_pages[i] = owners.back().get();
   }
-  for (const Row& row : table.rows) {
-    const Bytes bytes = row.state == Row::Emptied ? Bytes() : EncodeRow(file_.format, table, row, long_pages);
-    if (row.state == Row::Moved) {
+  for (const RowSpec& row : table.rows) {
+    const Bytes bytes =
+        row.state == RowSpec::Emptied ? Bytes() : EncodeRow(file_.format, table, row, long_pages);
+    if (row.state == RowSpec::Moved) {
       Bytes pointer;
       AddPointer(pointer, elsewhere.Place(bytes, 0x8000));
       stored.rows.push_back(pages.Place(pointer, 0x4000));
     } else {
-      stored.rows.push_back(pages.Place(bytes, row.state == Row::Here ? 0 : 0xC000));
+      stored.rows.push_back(pages.Place(bytes, row.state == RowSpec::Here ? 0 : 0xC000));
     }
   }
   pages.Finish();
   elsewhere.Finish();
-  std::vector<NumPagina> own = pages.Numbers(), room = pages.WithRoom();
-  for (const NumPagina p : elsewhere.Numbers()) own.push_back(p);
-  for (const NumPagina p : elsewhere.WithRoom()) room.push_back(p);
+  std::vector<PageNumber> own = pages.Numbers(), room = pages.WithRoom();
+  for (const PageNumber p : elsewhere.Numbers()) own.push_back(p);
+  for (const PageNumber p : elsewhere.WithRoom()) room.push_back(p);
   stored.own = Map(own, table.bitmap_pages);
   stored.room = Map(room);
   for (std::size_t i = 0; i < long_pages.size(); ++i) {
@@ -114,19 +115,19 @@ void Builder::Rows(const Table& table, NumPagina page, Stored& stored) {
   }
 }
 
-void Builder::Indexes(const Table& table, NumPagina page, Stored& stored) {
+void Builder::Indexes(const Table& table, PageNumber page, Stored& stored) {
   for (const Index& index : table.indexes) {
     std::vector<Entry> entries;
     for (std::size_t r = 0; r < table.rows.size(); ++r) {
-      const Row& row = table.rows[r];
-      if (row.state == Row::Deleted || row.state == Row::Emptied) continue;
+      const RowSpec& row = table.rows[r];
+      if (row.state == RowSpec::Deleted || row.state == RowSpec::Emptied) continue;
       Bytes key;
       bool any = false;
       for (const std::string& name : index.columns) {
         const unsigned c = Number(table, name);
         const bool known = row.columns == 0 || c < row.columns;
-        const Dato value = known ? row.values.at(c) : Dato{};
-        any = any || !mdb::EsNulo(value) || table.columns[c].type == TipoColumna::Booleano;
+        const Datum value = known ? row.values.at(c) : Datum{};
+        any = any || !mdb::IsNull(value) || table.columns[c].type == ColumnType::Boolean;
         Append(key, Key(file_, table.columns[c], value, name[0] == '-'));
       }
       if (any || !index.ignores_nulls) entries.push_back({key, stored.rows[r]});
@@ -143,15 +144,15 @@ void Builder::Indexes(const Table& table, NumPagina page, Stored& stored) {
   }
 }
 
-void Builder::Definition(const Table& table, NumPagina page, const Stored& stored) {
+void Builder::Definition(const Table& table, PageNumber page, const Stored& stored) {
   const bool jet3 = pages_.Jet3();
   const Layout layout = LayoutOf(table);
   const auto logicals = Logicals(table);
   std::size_t kept = 0, live = 0;
   std::int64_t last = 0;
   for (const Column& c : table.columns) kept += c.gone ? 0 : 1;
-  for (const Row& r : table.rows) {
-    if (r.state == Row::Deleted || r.state == Row::Emptied) continue;
+  for (const RowSpec& r : table.rows) {
+    if (r.state == RowSpec::Deleted || r.state == RowSpec::Emptied) continue;
     ++live;
     for (std::size_t i = 0; i < table.columns.size(); ++i)
       if (table.columns[i].autonumber)
@@ -225,12 +226,12 @@ void Builder::Definition(const Table& table, NumPagina page, const Stored& store
 }
 
 // Over the first page and as many more as it takes; each begins with its own eight bytes.
-void Builder::OverPages(NumPagina first, const Bytes& definition) {
+void Builder::OverPages(PageNumber first, const Bytes& definition) {
   const std::size_t size = pages_.Size();
-  NumPagina page = first;
+  PageNumber page = first;
   for (std::size_t from = 8; from < definition.size();) {
     const std::size_t length = std::min(size - 8, definition.size() - from);
-    const NumPagina next = from + length < definition.size() ? pages_.Add() : 0;
+    const PageNumber next = from + length < definition.size() ? pages_.Add() : 0;
     Bytes& b = pages_.all[page];
     Put(b, 0, 0x0102, 2);
     Put(b, 2, pages_.Jet3() ? 0x4356 : size - 8 - std::min(size - 8, length + 8), 2);

@@ -11,11 +11,11 @@ constexpr std::int64_t kTables = 0x0F000001, kDatabases = 0x0F000002, kRelations
                        kRoot = 0x0F000000, kFirstObject = -2147483648LL;
 constexpr double kCreated = 38442.75;  // 31 March 2005, 18:00
 
-Dato N(std::int64_t n) { return n; }
-Dato T(const std::string& text) { return text; }
-Dato TextOrNull(const std::string& text) { return text.empty() ? Dato{} : Dato{text}; }
+Datum N(std::int64_t n) { return n; }
+Datum T(const std::string& text) { return text; }
+Datum TextOrNull(const std::string& text) { return text.empty() ? Datum{} : Datum{text}; }
 
-Column Col(std::string name, TipoColumna type, unsigned length = 0) {
+Column Col(std::string name, ColumnType type, unsigned length = 0) {
   Column c;
   c.name = std::move(name);
   c.type = type;
@@ -50,7 +50,7 @@ const Table& Builder::TableOf(const std::string& name) const {
       file_.tables.begin()));
 }
 
-NumPagina Builder::PageOf(const std::string& table) const {
+PageNumber Builder::PageOf(const std::string& table) const {
   return table_pages_.at(static_cast<std::size_t>(&TableOf(table) - file_.tables.data()));
 }
 
@@ -107,7 +107,7 @@ std::vector<Builder::Logical> Builder::Logicals(const Table& table) const {
   return all;
 }
 
-void Builder::Write(const Table& table, NumPagina page) {
+void Builder::Write(const Table& table, PageNumber page) {
   Stored stored;
   Rows(table, page, stored);
   Indexes(table, page, stored);
@@ -115,21 +115,21 @@ void Builder::Write(const Table& table, NumPagina page) {
 }
 
 Table Builder::Objects() const {
-  using enum TipoColumna;
+  using enum ColumnType;
   Table t;
   t.name = "MSysObjects";
-  t.columns = {Col("Id", Largo),
-               Col("ParentId", Largo),
-               Col("Name", Texto, 255),
-               Col("Type", Entero),
-               Col("DateCreate", Fecha),
-               Col("DateUpdate", Fecha),
-               Col("Owner", Binario, 255),
-               Col("Flags", Largo),
+  t.columns = {Col("Id", Long),
+               Col("ParentId", Long),
+               Col("Name", Text, 255),
+               Col("Type", Integer),
+               Col("DateCreate", Date),
+               Col("DateUpdate", Date),
+               Col("Owner", Binary, 255),
+               Col("Flags", Long),
                Col("Database", Memo),
                Col("Connect", Memo),
-               Col("ForeignName", Texto, 255),
-               Col("RmtInfoShort", Binario, 255),
+               Col("ForeignName", Text, 255),
+               Col("RmtInfoShort", Binary, 255),
                Col("RmtInfoLong", Ole),
                Col("Lv", Ole),
                Col("LvProp", Ole),
@@ -137,14 +137,14 @@ Table Builder::Objects() const {
                Col("LvExtra", Ole)};
   t.indexes = {Over("ParentIdName", {"ParentId", "Name"}, true, false), Over("Id", {"Id"}, true, true)};
   const auto add = [&](std::int64_t id, std::int64_t parent, const std::string& name, std::int64_t type,
-                       std::int64_t flags) -> Fila& {
-    Row row;
+                       std::int64_t flags) -> Row& {
+    RowSpec row;
     row.values.resize(17);
     row.values[0] = id;
     row.values[1] = parent;
     row.values[2] = name;
     row.values[3] = type;
-    row.values[4] = row.values[5] = base::Fecha{kCreated};
+    row.values[4] = row.values[5] = base::Date{kCreated};
     row.values[6] = Bytes{0x02, 0x01};
     row.values[7] = flags;
     t.rows.push_back(std::move(row));
@@ -162,13 +162,13 @@ Table Builder::Objects() const {
   add(swapped ? 4 : 5, kTables, "MSysRelationships", 1, kSystem);
   for (std::size_t i = 0; i < file_.tables.size(); ++i) {
     const Table& table = file_.tables[i];
-    Fila& row = add(table_pages_[i], kTables, table.name, 1, 0);
+    Row& row = add(table_pages_[i], kTables, table.name, 1, 0);
     if (!table.properties.empty()) row[14] = Properties(file_.format, table.properties);
   }
   std::int64_t id = kFirstObject;
   for (const Query& q : file_.queries) add(id++, kTables, q.name, 5, q.flags);
   for (const Link& l : file_.links) {
-    Fila& row = add(id++, kTables, l.name, l.type, 0x200000);
+    Row& row = add(id++, kTables, l.name, l.type, 0x200000);
     row[8] = TextOrNull(l.database);
     row[9] = TextOrNull(l.connection);
     row[10] = TextOrNull(l.table);
@@ -178,37 +178,37 @@ Table Builder::Objects() const {
 }
 
 Table Builder::Permissions() const {
-  using enum TipoColumna;
+  using enum ColumnType;
   Table t;
   t.name = "MSysACEs";
-  t.columns = {Col("ObjectId", Largo), Col("SID", Binario, 255), Col("ACM", Largo),
-               Col("FInheritable", Booleano)};
+  t.columns = {Col("ObjectId", Long), Col("SID", Binary, 255), Col("ACM", Long),
+               Col("FInheritable", Boolean)};
   t.indexes = {Over("ObjectId", {"ObjectId"}, false, false)};
   for (const std::int64_t id : {kTables, kRelationships, std::int64_t{2}, std::int64_t{3}})
     for (const std::uint8_t who : {std::uint8_t{1}, std::uint8_t{3}})
-      t.rows.push_back({{N(id), Bytes{who, 0x02}, N(0xFFFFF), Dato{id >= kTables}}});
+      t.rows.push_back({{N(id), Bytes{who, 0x02}, N(0xFFFFF), Datum{id >= kTables}}});
   return t;
 }
 
 Table Builder::Queries() const {
-  using enum TipoColumna;
+  using enum ColumnType;
   Table t;
   t.name = "MSysQueries";
-  t.columns = {Col("ObjectId", Largo),   Col("Attribute", Byte),   Col("Order", Binario, 255),
-               Col("Name1", Texto, 255), Col("Name2", Texto, 255), Col("Expression", Memo),
-               Col("Flag", Entero),      Col("LvExtra", Largo)};
+  t.columns = {Col("ObjectId", Long),   Col("Attribute", Byte),  Col("Order", Binary, 255),
+               Col("Name1", Text, 255), Col("Name2", Text, 255), Col("Expression", Memo),
+               Col("Flag", Integer),    Col("LvExtra", Long)};
   t.indexes = {Over("ObjectIdAttribute", {"ObjectId", "Attribute", "Order"}, true, true)};
   std::int64_t id = kFirstObject;
   for (const Query& q : file_.queries) {
-    std::vector<mdb::FilaDeConsulta> rows = q.rows;
-    rows.insert(rows.begin(), mdb::FilaDeConsulta{});
+    std::vector<mdb::QueryRow> rows = q.rows;
+    rows.insert(rows.begin(), mdb::QueryRow{});
     rows.push_back({255, 0, {}, {}, {}, {}, {}});
     for (const auto& r : rows) {
       Bytes order;
-      AddHighFirst(order, r.orden, 4);
-      t.rows.push_back({{N(id), N(r.atributo), order, r.nombre1 ? T(*r.nombre1) : Dato{},
-                         r.nombre2 ? T(*r.nombre2) : Dato{}, r.expresion ? T(*r.expresion) : Dato{},
-                         r.bandera ? N(*r.bandera) : Dato{}, r.extra ? N(*r.extra) : Dato{}}});
+      AddHighFirst(order, r.order, 4);
+      t.rows.push_back({{N(id), N(r.attribute), order, r.name1 ? T(*r.name1) : Datum{},
+                         r.name2 ? T(*r.name2) : Datum{}, r.expression ? T(*r.expression) : Datum{},
+                         r.flag ? N(*r.flag) : Datum{}, r.extra ? N(*r.extra) : Datum{}}});
     }
     ++id;
   }
@@ -216,17 +216,17 @@ Table Builder::Queries() const {
 }
 
 Table Builder::Relationships() const {
-  using enum TipoColumna;
+  using enum ColumnType;
   Table t;
   t.name = "MSysRelationships";
-  t.columns = {Col("szRelationship", Texto, 255),
-               Col("grbit", Largo),
-               Col("ccolumn", Largo),
-               Col("icolumn", Largo),
-               Col("szObject", Texto, 255),
-               Col("szColumn", Texto, 255),
-               Col("szReferencedObject", Texto, 255),
-               Col("szReferencedColumn", Texto, 255)};
+  t.columns = {Col("szRelationship", Text, 255),
+               Col("grbit", Long),
+               Col("ccolumn", Long),
+               Col("icolumn", Long),
+               Col("szObject", Text, 255),
+               Col("szColumn", Text, 255),
+               Col("szReferencedObject", Text, 255),
+               Col("szReferencedColumn", Text, 255)};
   for (const char* name : {"szRelationship", "szObject", "szReferencedObject"}) {
     t.indexes.push_back(Over(name, {name}, false, false));
     t.indexes.back().ignores_nulls = true;
@@ -246,7 +246,7 @@ void Builder::FreeMap() {
   Bytes map(5 + bytes), none(5 + bytes);
   for (std::size_t p = pages_.all.size(); p < bytes * 8; ++p)
     map[5 + p / 8] |= static_cast<std::uint8_t>(1U << p % 8);
-  for (const NumPagina p : free_) map[5 + p / 8] |= static_cast<std::uint8_t>(1U << p % 8);
+  for (const PageNumber p : free_) map[5 + p / 8] |= static_cast<std::uint8_t>(1U << p % 8);
   Pages one{file_.format, {}};
   RowPages page(one, 1);
   page.Place(map);
@@ -302,7 +302,7 @@ Bytes Builder::Make() {
   FreeMap();
   Header();
   if (file_.format != Format::Ace && file_.key != 0)
-    for (NumPagina n = 1; n < pages_.all.size(); ++n) {
+    for (PageNumber n = 1; n < pages_.all.size(); ++n) {
       Bytes key;
       Add(key, file_.key ^ n, 4);
       Cipher(key, pages_.all[n], 0, pages_.Size());

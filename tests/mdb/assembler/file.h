@@ -14,39 +14,39 @@ class Builder {
 
  private:
   struct Real {
-    NumPagina root = 0;
-    IdFila map;
+    PageNumber root = 0;
+    RowId map;
     std::size_t entries = 0, distinct = 0;
   };
   // A name over a real index.
   struct Logical {
     std::string name;
     std::uint32_t number = 0, real = 0, other_index = 0xFFFFFFFF;
-    NumPagina other_table = 0;
+    PageNumber other_table = 0;
     std::uint8_t side = 0, updates = 4, deletes = 4, kind = 0;
   };
   struct Stored {
-    std::vector<IdFila> rows;  // one a row of the description
-    IdFila own, room;
+    std::vector<RowId> rows;  // one a row of the description
+    RowId own, room;
     struct LongMaps {
       unsigned column;
-      IdFila own, room;
+      RowId own, room;
     };
     std::vector<LongMaps> long_maps;
     std::vector<Real> reals;
   };
 
   static unsigned Number(const Table& table, const std::string& column);
-  IdFila Map(const std::vector<NumPagina>& set, bool bitmap_page = false);
-  void Rows(const Table& table, NumPagina page, Stored& stored);
-  void Indexes(const Table& table, NumPagina page, Stored& stored);
-  void Definition(const Table& table, NumPagina page, const Stored& stored);
-  void OverPages(NumPagina first, const Bytes& definition);
-  void Write(const Table& table, NumPagina page);
+  RowId Map(const std::vector<PageNumber>& set, bool bitmap_page = false);
+  void Rows(const Table& table, PageNumber page, Stored& stored);
+  void Indexes(const Table& table, PageNumber page, Stored& stored);
+  void Definition(const Table& table, PageNumber page, const Stored& stored);
+  void OverPages(PageNumber first, const Bytes& definition);
+  void Write(const Table& table, PageNumber page);
 
   std::vector<Logical> Logicals(const Table& table) const;
   const Table& TableOf(const std::string& name) const;
-  NumPagina PageOf(const std::string& table) const;
+  PageNumber PageOf(const std::string& table) const;
 
   Table Objects() const;
   Table Permissions() const;
@@ -58,7 +58,7 @@ class Builder {
   const File& file_;
   Pages pages_;
   RowPages maps_;
-  std::vector<NumPagina> table_pages_, free_;
+  std::vector<PageNumber> table_pages_, free_;
 };
 
 }  // namespace assembler

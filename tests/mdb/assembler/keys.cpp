@@ -78,7 +78,7 @@ Bytes SpanishLetter(std::uint16_t lcid, const std::u16string& text, std::size_t 
 
 Bytes WideKey(std::uint16_t lcid, const std::string& text) {
   static const auto kWeights = ReadWeights("sort_general_legacy.tsv");
-  std::u16string units = base::AUtf16(text).substr(0, 255);
+  std::u16string units = base::ToUtf16(text).substr(0, 255);
   while (!units.empty() && units.back() == u' ') units.pop_back();
   Bytes letters, accents, specials;
   for (std::size_t i = 0, taken = 1; i < units.size(); i += taken) {
@@ -119,7 +119,7 @@ Bytes NarrowKey(const std::string& text) {
   Bytes key;
   std::vector<unsigned> halves;
   std::size_t last = 0;
-  for (const char c : base::ACp1252(text)) {
+  for (const char c : base::ToCp1252(text)) {
     const Weight& w = WeightOf(kWeights, static_cast<unsigned char>(c));
     Append(key, w.inline_bytes);
     if (w.kind == "sig") halves.push_back(2);
@@ -161,10 +161,10 @@ Bytes Real(std::uint64_t bits, int width) {
 }
 
 Bytes NumericKey(Format format, const mdb::Decimal& value, bool descending) {
-  Bytes b{static_cast<std::uint8_t>(format == Format::Ace ? 0xFF : value.negativo ? 0x80 : 0)};
-  for (const std::uint32_t word : value.magnitud) AddHighFirst(b, word, 4);
-  if (value.negativo != descending) Invert(b);
-  if (format != Format::Ace) b[0] = value.negativo ? 0 : 0xFF;
+  Bytes b{static_cast<std::uint8_t>(format == Format::Ace ? 0xFF : value.negative ? 0x80 : 0)};
+  for (const std::uint32_t word : value.magnitude) AddHighFirst(b, word, 4);
+  if (value.negative != descending) Invert(b);
+  if (format != Format::Ace) b[0] = value.negative ? 0 : 0xFF;
   return b;
 }
 
@@ -184,13 +184,13 @@ Bytes TextKey(Format format, std::uint16_t lcid, const std::string& text, bool d
   return b;
 }
 
-Bytes Key(const File& file, const Column& column, const Dato& value, bool descending) {
-  if (column.type == TipoColumna::Booleano) {
+Bytes Key(const File& file, const Column& column, const Datum& value, bool descending) {
+  if (column.type == ColumnType::Boolean) {
     const auto* yes = std::get_if<bool>(&value);
     const bool low = (yes != nullptr && *yes) != descending;
     return {static_cast<std::uint8_t>(descending ? 0x80 : 0x7F), static_cast<std::uint8_t>(low ? 0 : 0xFF)};
   }
-  if (mdb::EsNulo(value)) return {static_cast<std::uint8_t>(descending ? 0xFF : 0)};
+  if (mdb::IsNull(value)) return {static_cast<std::uint8_t>(descending ? 0xFF : 0)};
   Bytes key{static_cast<std::uint8_t>(descending ? 0x80 : 0x7F)};
   if (const auto* text = std::get_if<std::string>(&value)) {
     Append(key, TextKey(file.format, file.lcid, *text, descending));
@@ -203,22 +203,22 @@ Bytes Key(const File& file, const Column& column, const Dato& value, bool descen
   } else {
     Bytes b;
     if (const auto* n = std::get_if<std::int64_t>(&value)) {
-      using enum TipoColumna;
-      const int width = column.type == Byte           ? 1
-                        : column.type == Entero       ? 2
-                        : column.type == EnteroGrande ? 8
-                                                      : 4;
+      using enum ColumnType;
+      const int width = column.type == Byte         ? 1
+                        : column.type == Integer    ? 2
+                        : column.type == BigInteger ? 8
+                                                    : 4;
       AddHighFirst(b, static_cast<std::uint64_t>(*n), width);
       if (column.type != Byte) b[0] ^= 0x80;
-    } else if (const auto* m = std::get_if<base::Moneda>(&value)) {
-      AddHighFirst(b, static_cast<std::uint64_t>(m->diezmilesimas), 8);
+    } else if (const auto* m = std::get_if<base::Currency>(&value)) {
+      AddHighFirst(b, static_cast<std::uint64_t>(m->ten_thousandths), 8);
       b[0] ^= 0x80;
     } else if (const auto* f = std::get_if<float>(&value)) {
       b = Real(Bits<std::uint32_t>(*f), 4);
     } else if (const auto* d = std::get_if<double>(&value)) {
       b = Real(Bits<std::uint64_t>(*d), 8);
     } else {
-      b = Real(Bits<std::uint64_t>(std::get<base::Fecha>(value).serie), 8);
+      b = Real(Bits<std::uint64_t>(std::get<base::Date>(value).serial), 8);
     }
     if (descending) Invert(b);
     Append(key, b);

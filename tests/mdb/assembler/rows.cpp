@@ -8,34 +8,34 @@
 namespace assembler {
 namespace {
 
-unsigned Width(TipoColumna type) {
-  using enum TipoColumna;
+unsigned Width(ColumnType type) {
+  using enum ColumnType;
   switch (type) {
-    case Booleano:
+    case Boolean:
       return 0;
     case Byte:
       return 1;
-    case Entero:
+    case Integer:
       return 2;
-    case Largo:
-    case Simple:
-    case Complejo:
+    case Long:
+    case Single:
+    case Complex:
       return 4;
     case Guid:
       return 16;
-    case TipoColumna::Decimal:
+    case ColumnType::Decimal:
       return 17;
-    case FechaExtendida:
+    case ExtendedDate:
       return 42;
     default:
       return 8;
   }
 }
 
-bool IsLong(const Column& c) { return c.type == TipoColumna::Memo || c.type == TipoColumna::Ole; }
+bool IsLong(const Column& c) { return c.type == ColumnType::Memo || c.type == ColumnType::Ole; }
 
 // The value's bytes, without the field that a long value has in its row.
-Bytes Plain(Format format, const Column& column, const Dato& value) {
+Bytes Plain(Format format, const Column& column, const Datum& value) {
   Bytes b;
   if (const auto* n = std::get_if<std::int64_t>(&value)) {
     Add(b, static_cast<std::uint64_t>(*n), static_cast<int>(Width(column.type)));
@@ -43,12 +43,12 @@ Bytes Plain(Format format, const Column& column, const Dato& value) {
     Add(b, Bits<std::uint32_t>(*f), 4);
   } else if (const auto* d = std::get_if<double>(&value)) {
     Add(b, Bits<std::uint64_t>(*d), 8);
-  } else if (const auto* m = std::get_if<base::Moneda>(&value)) {
-    Add(b, static_cast<std::uint64_t>(m->diezmilesimas), 8);
-  } else if (const auto* day = std::get_if<base::Fecha>(&value)) {
-    Add(b, Bits<std::uint64_t>(day->serie), 8);
+  } else if (const auto* m = std::get_if<base::Currency>(&value)) {
+    Add(b, static_cast<std::uint64_t>(m->ten_thousandths), 8);
+  } else if (const auto* day = std::get_if<base::Date>(&value)) {
+    Add(b, Bits<std::uint64_t>(day->serial), 8);
   } else if (const auto* text = std::get_if<std::string>(&value)) {
-    if (column.type == TipoColumna::FechaExtendida) return {text->begin(), text->end()};
+    if (column.type == ColumnType::ExtendedDate) return {text->begin(), text->end()};
     b = Text(format, *text, column.compresses);
   } else if (const auto* bytes = std::get_if<Bytes>(&value)) {
     b = *bytes;
@@ -56,13 +56,13 @@ Bytes Plain(Format format, const Column& column, const Dato& value) {
     for (const int i : {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15})
       b.push_back(guid->bytes[static_cast<std::size_t>(i)]);
   } else if (const auto* decimal = std::get_if<mdb::Decimal>(&value)) {
-    b.push_back(decimal->negativo ? 0x80 : 0);
-    for (const std::uint32_t word : decimal->magnitud) Add(b, word, 4);
+    b.push_back(decimal->negative ? 0x80 : 0);
+    for (const std::uint32_t word : decimal->magnitude) Add(b, word, 4);
   }
   return b;
 }
 
-Bytes LongField(std::uint32_t word, IdFila first) {
+Bytes LongField(std::uint32_t word, RowId first) {
   Bytes b;
   Add(b, word, 4);
   AddPointer(b, first);
@@ -80,7 +80,7 @@ Bytes LongValue(Format format, const Bytes& data, LongPages& where) {
     return b;
   }
   if (data.size() <= most && !where.chains) return LongField(0x40000000U | length, where.pages.Place(data));
-  IdFila next;
+  RowId next;
   const std::size_t piece = std::min(most - 4, std::max<std::size_t>(1, (data.size() + 1) / 2));
   const std::size_t pieces = (data.size() + piece - 1) / piece;
   for (std::size_t k = pieces; k > 0; --k) {  // the last one first, so that each knows the next
@@ -120,14 +120,14 @@ void AddOffsetsOfJet3(Bytes& b, const std::vector<std::size_t>& starts, std::siz
 }  // namespace
 
 bool IsFixed(const Column& c) {
-  using enum TipoColumna;
-  return !c.variable && !c.calculated && c.type != Texto && c.type != Binario && !IsLong(c);
+  using enum ColumnType;
+  return !c.variable && !c.calculated && c.type != Text && c.type != Binary && !IsLong(c);
 }
 
 unsigned StoredLength(Format format, const Column& c) {
-  if (c.type == TipoColumna::Booleano) return 1;
-  if (c.type == TipoColumna::Texto) return format == Format::Jet3 ? c.length : 2 * c.length;
-  if (c.type == TipoColumna::Binario) return c.length;
+  if (c.type == ColumnType::Boolean) return 1;
+  if (c.type == ColumnType::Text) return format == Format::Jet3 ? c.length : 2 * c.length;
+  if (c.type == ColumnType::Binary) return c.length;
   return IsLong(c) ? 0 : Width(c.type);
 }
 
@@ -138,7 +138,7 @@ Layout LayoutOf(const Table& table) {
     layout.variable_index.push_back(layout.variables);
     layout.fixed_offset.push_back(offset);
     if (IsFixed(c)) {
-      offset += c.type == TipoColumna::Booleano ? 0 : Width(c.type);
+      offset += c.type == ColumnType::Boolean ? 0 : Width(c.type);
     } else {
       ++layout.variables;
     }
@@ -146,7 +146,7 @@ Layout LayoutOf(const Table& table) {
   return layout;
 }
 
-Bytes EncodeRow(Format format, const Table& table, const Row& row, std::vector<LongPages*>& long_pages) {
+Bytes EncodeRow(Format format, const Table& table, const RowSpec& row, std::vector<LongPages*>& long_pages) {
   const bool jet3 = format == Format::Jet3;
   const std::size_t known = row.columns == 0 ? table.columns.size() : row.columns;
   Bytes b, mask((known + 7) / 8);
@@ -154,13 +154,13 @@ Bytes EncodeRow(Format format, const Table& table, const Row& row, std::vector<L
   std::vector<Bytes> variable;
   for (std::size_t i = 0; i < known; ++i) {
     const Column& c = table.columns[i];
-    const Dato& value = c.gone ? Dato{} : row.values.at(i);
+    const Datum& value = c.gone ? Datum{} : row.values.at(i);
     const auto* yes = std::get_if<bool>(&value);
     const bool there =
-        c.type == TipoColumna::Booleano && !c.calculated ? yes != nullptr && *yes : !mdb::EsNulo(value);
+        c.type == ColumnType::Boolean && !c.calculated ? yes != nullptr && *yes : !mdb::IsNull(value);
     if (there) mask[i / 8] |= static_cast<std::uint8_t>(1U << i % 8);
     if (IsFixed(c)) {
-      if (c.type == TipoColumna::Booleano) continue;
+      if (c.type == ColumnType::Boolean) continue;
       Bytes bytes = Plain(format, c, value);
       bytes.resize(Width(c.type));
       Append(b, bytes);
@@ -213,12 +213,12 @@ Bytes Properties(Format format, const std::vector<Property>& properties) {
     if (at == names.end()) names.push_back(p.name);
     Column column;
     Bytes data;
-    column.type = TipoColumna::Texto;
+    column.type = ColumnType::Text;
     if (const auto* yes = std::get_if<bool>(&p.value)) {
-      column.type = TipoColumna::Booleano;
+      column.type = ColumnType::Boolean;
       data = {static_cast<std::uint8_t>(*yes ? 0xFF : 0)};
     } else {
-      if (std::holds_alternative<std::int64_t>(p.value)) column.type = TipoColumna::Largo;
+      if (std::holds_alternative<std::int64_t>(p.value)) column.type = ColumnType::Long;
       data = Plain(format, column, p.value);
     }
     Bytes& to = owners[p.owner];

@@ -8,8 +8,8 @@ namespace {
 
 Bytes LeafEntry(const Entry& e) {
   Bytes b = e.key;
-  AddHighFirst(b, e.row.pagina, 3);
-  b.push_back(e.row.fila);
+  AddHighFirst(b, e.row.page, 3);
+  b.push_back(e.row.row);
   return b;
 }
 
@@ -26,15 +26,15 @@ std::size_t CommonStart(const Bytes& a, const Bytes& b, std::size_t most) {
 
 class Builder {
  public:
-  Builder(Pages& pages, NumPagina table) : pages_(pages), table_(table) {}
+  Builder(Pages& pages, PageNumber table) : pages_(pages), table_(table) {}
 
   // An index page; `last` is the whole last entry below it.
   struct Written {
-    NumPagina page;
+    PageNumber page;
     Bytes last;
   };
-  void Write(NumPagina number, const Leaf& page, unsigned level, NumPagina before, NumPagina after,
-             NumPagina tail) {
+  void Write(PageNumber number, const Leaf& page, unsigned level, PageNumber before, PageNumber after,
+             PageNumber tail) {
     const bool jet3 = pages_.Jet3();
     Bytes b(pages_.Size(), 0xEE);
     std::fill_n(b.begin(), Start(), std::uint8_t{0});
@@ -63,7 +63,7 @@ class Builder {
 
  private:
   Pages& pages_;
-  NumPagina table_;
+  PageNumber table_;
 };
 
 // Entries into leaves, each as full as `most` and the page allow.
@@ -91,7 +91,7 @@ std::vector<Leaf> Leaves(const std::vector<Entry>& entries, std::size_t room, st
 
 }  // namespace
 
-Tree BuildTree(Pages& pages, NumPagina table, std::vector<Entry> entries, unsigned entries_a_leaf,
+Tree BuildTree(Pages& pages, PageNumber table, std::vector<Entry> entries, unsigned entries_a_leaf,
                bool prefixes) {
   std::sort(entries.begin(), entries.end(),
             [](const Entry& a, const Entry& b) { return a.key != b.key ? a.key < b.key : a.row < b.row; });

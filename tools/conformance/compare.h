@@ -11,24 +11,24 @@
 #include <string>
 
 #include "base/error.h"
-#include "base/valor.h"
+#include "base/value.h"
+#include "conformance/fact_table.h"
 #include "conformance/json.h"
-#include "conformance/tabla.h"
 #include "db/recordset.h"
 
 namespace conformance {
 
-bool Igual(const Json& espera, const base::Valor& dio, bool sin_caso = false);
+bool AreEqual(const Json& expected, const base::Value& got, bool ignore_case = false);
 // A list of texts, as Split and an ordered column give.
-bool Igual(const Json& espera, const std::vector<std::string>& dio);
-// Whether the table says that error `numero` is raised.
-bool EsperaError(const Json& espera, int numero);
+bool AreEqual(const Json& expected, const std::vector<std::string>& got);
+// Whether the table says that error `number` is raised.
+bool ExpectsError(const Json& expected, int number);
 // The rows of a query or of what is asked after a change; in any order where the row says so.
-bool MismasFilas(const Json& espera, const db::Recordset& filas, bool ordenadas, bool sin_caso);
+bool SameRows(const Json& expected, const db::Recordset& rows, bool sorted, bool ignore_case);
 
 // For messages.
-std::string Mostrar(const base::Valor& valor);
-std::string Mostrar(const db::Recordset& filas);
-std::string Mostrar(const base::Error& error);
+std::string Show(const base::Value& value);
+std::string Show(const db::Recordset& rows);
+std::string Show(const base::Error& error);
 
 }  // namespace conformance

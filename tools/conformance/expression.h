@@ -8,21 +8,21 @@
 #include <optional>
 #include <string>
 
-#include "conformance/tabla.h"
+#include "conformance/fact_table.h"
 
 namespace conformance {
 
 // Why a row is not run, by the rules of docs/sql-dialect.md; none: it is. Looks at the function, the
 // arguments and the locale alone.
-std::optional<std::string> PorQueNoSeSirve(const Fila& fila);
+std::optional<std::string> WhyNotServed(const Row& row);
 
 // Nothing when the dialect has no way to say it.
-std::optional<std::string> Expresion(const Fila& fila);
+std::optional<std::string> Expression(const Row& row);
 
 // Whether LIKE is to be read with * ? #.
-bool ConComodinesDao(const Fila& fila);
+bool UsesDaoWildcards(const Row& row);
 
 // A value as a literal of the dialect; nothing for a list and for a text that holds a zero byte.
-std::optional<std::string> Literal(const Json& valor);
+std::optional<std::string> Literal(const Json& value);
 
 }  // namespace conformance

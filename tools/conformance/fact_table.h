@@ -11,43 +11,43 @@
 namespace conformance {
 
 // One row of a *.tsv: a function, its arguments and what it gives.
-struct Fila {
+struct Row {
   std::string id;
-  std::string funcion;
+  std::string function;
   std::vector<Json> args;
   std::string locale;  // "es", "en", or "invariant": any
-  Json espera;
+  Json expected;
 };
 
 // One line of a *.jsonl: statements that make a base, one that is tried, and what comes of it.
-struct Sentencia {
+struct Statement {
   std::string id;
-  std::vector<std::string> antes;
+  std::vector<std::string> before;
   std::string sql;
   std::string locale = "es";
-  bool comodines_dao = false;  // LIKE with * ? #
-  bool sin_caso = false;       // texts of the result are compared without case
-  bool ordenadas = true;
-  std::vector<std::string> columnas;  // names of the result's columns; none: not asked
-  Json filas;                         // of a query; null otherwise
-  Json efecto;                        // of a change: affected, then, rows; or error
+  bool dao_wildcards = false;  // LIKE with * ? #
+  bool ignore_case = false;    // texts of the result are compared without case
+  bool sorted = true;
+  std::vector<std::string> columns;  // names of the result's columns; none: not asked
+  Json rows;                         // of a query; null otherwise
+  Json effect;                       // of a change: affected, then, rows; or error
 };
 
-struct Tabla {
-  std::string nombre;
-  std::vector<Fila> filas;
-  std::vector<Sentencia> sentencias;
+struct Table {
+  std::string name;
+  std::vector<Row> rows;
+  std::vector<Statement> statements;
 };
 
 // Whether a file is a table by its name (.tsv, .jsonl).
-bool EsTabla(const std::filesystem::path& ruta);
+bool IsTable(const std::filesystem::path& path);
 // Columns are found by their headings, members by their names. Throws std::runtime_error with the place of
 // what cannot be read.
-Tabla LeerTabla(const std::filesystem::path& ruta);
+Table ReadTable(const std::filesystem::path& path);
 
 // "today" of every row: what {YEAR} and a date without its year mean.
-base::Fecha Hoy();
+base::Date Today();
 // The serial of "Y-M-D h:m:s". Throws std::runtime_error.
-double SerieDe(std::string texto);
+double SerialOf(std::string text);
 
 }  // namespace conformance

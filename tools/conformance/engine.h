@@ -13,22 +13,22 @@
 
 namespace conformance {
 
-struct Ajustes {
+struct Settings {
   const base::Locale* locale = nullptr;
-  const ports::Clock* reloj = nullptr;
-  bool comodines_dao = false;
-  base::Orden orden = base::Orden::General;
+  const ports::Clock* clock = nullptr;
+  bool dao_wildcards = false;
+  base::SortOrder order = base::SortOrder::General;
 };
 
-class Motor {
+class Engine {
  public:
-  virtual ~Motor() = default;
-  // An empty base of its own; its file, if it has one, goes when the motor does.
-  virtual std::unique_ptr<db::Connection> BaseNueva(const Ajustes& ajustes) = 0;
+  virtual ~Engine() = default;
+  // An empty base of its own; its file, if it has one, goes when the engine does.
+  virtual std::unique_ptr<db::Connection> NewDatabase(const Settings& settings) = 0;
 };
 
 // By name: sqlite, mdb, odbc. Throws std::invalid_argument for another name, std::runtime_error for one that
 // was not built into this program or cannot make a base here.
-std::unique_ptr<Motor> MotorPorNombre(std::string_view nombre);
+std::unique_ptr<Engine> EngineByName(std::string_view name);
 
 }  // namespace conformance
