@@ -23,7 +23,7 @@ std::wstring WideString(std::string_view text) {
   return {u.begin(), u.end()};
 }
 
-constexpr DWORD kErrorCuota = 1295;  // ERROR_DISK_QUOTA_EXCEEDED, which not all headers have
+constexpr DWORD kQuotaError = 1295;  // ERROR_DISK_QUOTA_EXCEEDED, which not all headers have
 
 DiskFault Kind(DWORD error) {
   switch (error) {
@@ -48,7 +48,7 @@ DiskFault Kind(DWORD error) {
       return DiskFault::InUse;
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
-    case kErrorCuota:
+    case kQuotaError:
     case ERROR_FILE_TOO_LARGE:
       return DiskFault::DiskFull;
     case ERROR_NOT_SUPPORTED:
@@ -70,18 +70,18 @@ OVERLAPPED Place(std::uint64_t pos) {
   return o;
 }
 
-std::int64_t Cien(const FILETIME& t) {
+std::int64_t HundredNanoseconds(const FILETIME& t) {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(t.dwHighDateTime) << 32 | t.dwLowDateTime);
 }
 
 constexpr std::size_t kRun = std::size_t{1} << 26;  // of one call, whose count is 32 bits wide
 
-class ArchivoWindows final : public OpenFile {
+class WindowsFile final : public OpenFile {
  public:
-  ArchivoWindows(HANDLE h, std::string_view path) : h_(h), path_(path) {}
-  ~ArchivoWindows() override { CloseHandle(h_); }
-  ArchivoWindows(const ArchivoWindows&) = delete;
-  ArchivoWindows& operator=(const ArchivoWindows&) = delete;
+  WindowsFile(HANDLE h, std::string_view path) : h_(h), path_(path) {}
+  ~WindowsFile() override { CloseHandle(h_); }
+  WindowsFile(const WindowsFile&) = delete;
+  WindowsFile& operator=(const WindowsFile&) = delete;
 
   std::size_t Read(std::uint64_t pos, std::span<std::uint8_t> target) override {
     std::size_t done = 0;
@@ -132,7 +132,7 @@ class ArchivoWindows final : public OpenFile {
   std::int64_t Date() override {
     FILETIME t{};
     if (GetFileTime(h_, nullptr, nullptr, &t) == 0) Throw("No se puede consultar", path_, GetLastError());
-    return Cien(t);
+    return HundredNanoseconds(t);
   }
 
   void SetDate(std::int64_t date) override {
@@ -179,18 +179,18 @@ class ArchivoWindows final : public OpenFile {
 }  // namespace
 
 std::unique_ptr<OpenFile> SystemDisk::Open(std::string_view path, FileMode mode) {
-  const DWORD acceso = GENERIC_READ | (mode == FileMode::Reading ? 0 : GENERIC_WRITE);
+  const DWORD access = GENERIC_READ | (mode == FileMode::Reading ? 0 : GENERIC_WRITE);
   // A reader lets others do all; who writes a base lets others only read it; our own new files may be removed
   // while somebody reads them.
-  DWORD comparte = FILE_SHARE_READ;
-  if (mode == FileMode::Reading) comparte |= FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  if (mode == FileMode::New) comparte |= FILE_SHARE_DELETE;
+  DWORD share = FILE_SHARE_READ;
+  if (mode == FileMode::Reading) share |= FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  if (mode == FileMode::New) share |= FILE_SHARE_DELETE;
   const HANDLE h =
-      CreateFileW(WideString(path).c_str(), acceso, comparte, nullptr,
+      CreateFileW(WideString(path).c_str(), access, share, nullptr,
                   mode == FileMode::New ? CREATE_NEW : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (h == INVALID_HANDLE_VALUE)
     Throw(mode == FileMode::New ? "No se puede crear" : "No se puede abrir", path, GetLastError());
-  return std::make_unique<ArchivoWindows>(h, path);
+  return std::make_unique<WindowsFile>(h, path);
 }
 
 void SystemDisk::Delete(std::string_view path) {
@@ -220,7 +220,7 @@ bool SystemDisk::LocksAreMandatory() { return true; }
 std::int64_t SystemDisk::Now() {
   FILETIME t{};
   GetSystemTimeAsFileTime(&t);
-  return Cien(t);
+  return HundredNanoseconds(t);
 }
 
 std::int64_t SystemDisk::Microsecond() { return 10; }

@@ -9,7 +9,7 @@ class ConectorOdbc : public prueba::Banco {
  protected:
   void SetUp() override {
     prueba::Banco::SetUp();
-    tests::Configure("[De prueba]\nDriver=" IDM_ODBC_PRUEBA "\n",
+    tests::Configure("[De prueba]\nDriver=" IDM_ODBC_TEST "\n",
                      "[Sueldos]\nDriver=De prueba\n[Personal]\nDriver=De prueba\n");
   }
   // Other tests of this program are to find no driver.
@@ -27,8 +27,8 @@ class ConectorOdbc : public prueba::Banco {
 };
 
 TEST_F(ConectorOdbc, BaseIsAConnectionString) {
-  const app::Conexion c = Abrir(Clave("Motor", "ODBC") + Clave("Base", "Driver=" IDM_ODBC_PRUEBA ";x=1") +
-                                Clave("Usuario", "12"));
+  const app::Conexion c =
+      Abrir(Clave("Motor", "ODBC") + Clave("Base", "Driver=" IDM_ODBC_TEST ";x=1") + Clave("Usuario", "12"));
   ASSERT_NE(c.conexion, nullptr) << c.motivo;
   EXPECT_EQ(c.conexion->Execute("Select 1").Field("texto").Text(), "Select 1");
   EXPECT_EQ(c.id_Usuario, 12);
@@ -41,7 +41,7 @@ TEST_F(ConectorOdbc, BaseIsADataSource) {
 }
 
 TEST_F(ConectorOdbc, ThePasswordGoesToTheConnection) {
-  const std::string base = Clave("Motor", "odbc") + Clave("Base", "Driver=" IDM_ODBC_PRUEBA ";Clave=ñ 1");
+  const std::string base = Clave("Motor", "odbc") + Clave("Base", "Driver=" IDM_ODBC_TEST ";Clave=ñ 1");
   EXPECT_EQ(Abrir(base).motivo, "La base no acepta el usuario o la contraseña: [Prueba]Not a valid password");
   EXPECT_NE(Abrir(base + Clave("Contraseña", "ñ 1")).conexion, nullptr);
   EXPECT_NE(Abrir(base + Clave("Contrasena", "ñ 1")).conexion, nullptr);
@@ -82,7 +82,7 @@ TEST_F(ConectorOdbc, WithoutTheEngineThereAreNoSources) {
 // Other programs may have an Access file open: where their driver is installed, it opens the file.
 TEST_F(ConectorOdbc, AnAccessFileIsOpenedByItsDriverWhenThereIsOne) {
   Escribir("Personal.mdb", std::string("\0\1\0\0Standard Jet DB\0", 20) + std::string(100, '\0'));
-  tests::Configure("[Microsoft Access Driver (*.mdb, *.accdb)]\nDriver=" IDM_ODBC_PRUEBA "\n");
+  tests::Configure("[Microsoft Access Driver (*.mdb, *.accdb)]\nDriver=" IDM_ODBC_TEST "\n");
   const app::Conexion c = app::AbrirReferencia(Ruta("Personal.mdb"), reloj_);
   ASSERT_NE(c.conexion, nullptr) << c.motivo;
   EXPECT_EQ(c.conexion->Execute("Select 1").Field("texto").Text(), "Select 1");

@@ -29,7 +29,7 @@ class ImportarOdbc : public testing::Test {
 TEST_F(ImportarOdbc, GivesTheSameAsWithoutOdbc) {
   prueba::Mesa directa{"sqlite"}, por_odbc{"sqlite"};
   Llenar(directa, "sqlite", "Personal.sqlite");
-  Llenar(por_odbc, "odbc", "Driver=" IDM_ODBC_PRUEBA ";Motor=" + por_odbc.Ruta("Personal.sqlite"));
+  Llenar(por_odbc, "odbc", "Driver=" IDM_ODBC_TEST ";Motor=" + por_odbc.Ruta("Personal.sqlite"));
   const std::string antes = por_odbc.Filas();
   EXPECT_EQ(directa.Filas(), antes);
   const prueba::Salida a = Importar(directa, "horas.txt"), b = Importar(por_odbc, "horas.txt");
@@ -45,7 +45,7 @@ TEST_F(ImportarOdbc, GivesTheSameAsWithoutOdbc) {
 TEST_F(ImportarOdbc, ASecondTimeToo) {
   prueba::Mesa directa{"sqlite"}, por_odbc{"sqlite"};
   Llenar(directa, "sqlite", "Personal.sqlite");
-  Llenar(por_odbc, "odbc", "Driver=" IDM_ODBC_PRUEBA ";Motor=" + por_odbc.Ruta("Personal.sqlite"));
+  Llenar(por_odbc, "odbc", "Driver=" IDM_ODBC_TEST ";Motor=" + por_odbc.Ruta("Personal.sqlite"));
   for (int vez = 0; vez < 2; ++vez)
     EXPECT_EQ(Importar(directa, "horas.txt").out, Importar(por_odbc, "horas.txt").out);
   EXPECT_EQ(directa.Filas(), por_odbc.Filas());
@@ -53,7 +53,7 @@ TEST_F(ImportarOdbc, ASecondTimeToo) {
 
 TEST_F(ImportarOdbc, WithoutTransactionsItImportsNothing) {
   prueba::Mesa mesa{"sqlite"};
-  Llenar(mesa, "odbc", "Driver=" IDM_ODBC_PRUEBA ";Txn=0;Motor=" + mesa.Ruta("Personal.sqlite"));
+  Llenar(mesa, "odbc", "Driver=" IDM_ODBC_TEST ";Txn=0;Motor=" + mesa.Ruta("Personal.sqlite"));
   const std::string antes = mesa.Filas();
   const prueba::Salida s = Importar(mesa, "horas.txt");
   EXPECT_NE(s.codigo, 0);
@@ -62,7 +62,7 @@ TEST_F(ImportarOdbc, WithoutTransactionsItImportsNothing) {
 
 TEST_F(ImportarOdbc, ACommitThatFailsLeavesNothing) {
   prueba::Mesa mesa{"sqlite"};
-  Llenar(mesa, "odbc", "Driver=" IDM_ODBC_PRUEBA ";Commit=falla;Motor=" + mesa.Ruta("Personal.sqlite"));
+  Llenar(mesa, "odbc", "Driver=" IDM_ODBC_TEST ";Commit=falla;Motor=" + mesa.Ruta("Personal.sqlite"));
   const std::string antes = mesa.Filas();
   const prueba::Salida s = Importar(mesa, "horas.txt");
   EXPECT_NE(s.codigo, 0);

@@ -30,7 +30,7 @@ TEST_P(Tables, TheRowsHold) {
   EXPECT_GT(tally.passed, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Hechos, Tables,
+INSTANTIATE_TEST_SUITE_P(Facts, Tables,
                          testing::Values("cnum.tsv", "compare.tsv", "cstr.tsv", "date_math.tsv",
                                          "date_parse.tsv", "date_serial.tsv", "format_date.tsv",
                                          "format_num.tsv", "format_text.tsv", "isnumeric.tsv", "jetfunc.tsv",

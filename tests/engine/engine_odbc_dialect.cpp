@@ -61,7 +61,7 @@ class BaseOdbc final : public TestDatabase {
     connection_.reset();
     base_wishes = &wishes_;
     connection_ = std::make_unique<WithoutPhrase>(
-        engine_odbc::Open("Driver=" IDM_ODBC_PRUEBA ";Motor=" + folder_.Path("base.sqlite")));
+        engine_odbc::Open("Driver=" IDM_ODBC_TEST ";Motor=" + folder_.Path("base.sqlite")));
   }
 
  private:

@@ -48,7 +48,7 @@ TEST(ConnectionString, OfAFileWithTheAccessDriverThatIsThere) {
 }
 
 TEST(DataSources, TheNameOfADataSource) {
-  tests::Configure("[De prueba]\nDriver=" IDM_ODBC_PRUEBA "\n", "[Sueldos 2026]\nDriver=De prueba\n");
+  tests::Configure("[De prueba]\nDriver=" IDM_ODBC_TEST "\n", "[Sueldos 2026]\nDriver=De prueba\n");
   const auto base = engine_odbc::Open(engine_odbc::ConnectionStringOf("Sueldos 2026"));
   EXPECT_EQ(base->Execute("Select 1").Field(0), Value("Select 1"));
 }

@@ -28,7 +28,7 @@ std::string FailureOf(Step&& step) {
 class TestDriver : public testing::Test {
  protected:
   static std::string ConnectionString(const std::string& options = {}) {
-    return "Driver=" IDM_ODBC_PRUEBA ";" + options;
+    return "Driver=" IDM_ODBC_TEST ";" + options;
   }
   void Open(const std::string& options = {}, const engine_odbc::Options& connection_options = {}) {
     base_ = engine_odbc::Open(ConnectionString(options), connection_options);

@@ -103,7 +103,7 @@ TEST_F(OdbcSavepoints, ACommitOrRollbackThatFailsIsAFault) {
 class OdbcReplay : public testing::Test {
  protected:
   void SetUp() override {
-    base_ = engine_odbc::Open("Driver=" IDM_ODBC_PRUEBA ";Motor=" + path_);
+    base_ = engine_odbc::Open("Driver=" IDM_ODBC_TEST ";Motor=" + path_);
     base_->Execute("CREATE TABLE t (k LONG CONSTRAINT pk PRIMARY KEY, v TEXT(10))");
     base_->Execute("INSERT INTO t VALUES (1, 'a')");
     base_->BeginTrans();

@@ -124,7 +124,7 @@ TEST_P(ChangesInANewFile, LeaveASoundFileThatOthersReadAlike) {
   EXPECT_EQ(base.Control(), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(EnCadaOrden, ChangesInANewFile, testing::Values(3082, 1034, 1033));
+INSTANTIATE_TEST_SUITE_P(InEachOrder, ChangesInANewFile, testing::Values(3082, 1034, 1033));
 
 TEST(Grow, ATableOfThousandsOfPagesShrinksAndTakesTheSamePagesAgain) {
   NewDatabase base;

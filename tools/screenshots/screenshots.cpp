@@ -1,5 +1,5 @@
-// Pictures of the window on the demo base, for the manual: capturas FOLDER, or capturas --una FILE for the
-// loaded window alone. The month and the day are fixed, so that the pictures change only when the window
+// Pictures of the window on the demo base, for the manual: screenshots FOLDER, or screenshots --one FILE for
+// the loaded window alone. The month and the day are fixed, so that the pictures change only when the window
 // does.
 #include <QDir>
 #include <QFontDatabase>
@@ -162,10 +162,10 @@ int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   gui::Aplicacion application(argc, argv);
   const QStringList args = QApplication::arguments();
-  const bool one = args.value(1) == QLatin1String("--una");
+  const bool one = args.value(1) == QLatin1String("--one");
   const QString target = QDir::current().absoluteFilePath(args.value(one ? 2 : 1));
   if (args.size() != (one ? 3 : 2)) {
-    QTextStream(stderr) << "usage: capturas FOLDER | capturas --una FILE\n";
+    QTextStream(stderr) << "usage: screenshots FOLDER | screenshots --one FILE\n";
     return 64;
   }
   // A letter that is the same on every machine that has it.
