@@ -179,11 +179,11 @@ class WindowsFile final : public OpenFile {
 }  // namespace
 
 std::unique_ptr<OpenFile> SystemDisk::Open(std::string_view path, FileMode mode) {
-  const DWORD access = GENERIC_READ | (mode == FileMode::Reading ? 0 : GENERIC_WRITE);
+  const DWORD access = GENERIC_READ | (mode == FileMode::Read ? 0 : GENERIC_WRITE);
   // A reader lets others do all; who writes a base lets others only read it; our own new files may be removed
   // while somebody reads them.
   DWORD share = FILE_SHARE_READ;
-  if (mode == FileMode::Reading) share |= FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  if (mode == FileMode::Read) share |= FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   if (mode == FileMode::New) share |= FILE_SHARE_DELETE;
   const HANDLE h =
       CreateFileW(WideString(path).c_str(), access, share, nullptr,
