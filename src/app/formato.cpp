@@ -72,7 +72,7 @@ void Formato::PonerLayout() {
   previa_movida_ = false;
 }
 
-void Formato::txtAE_Change(int columna, int elemento, std::string texto) {
+void Formato::txtAE_Change(int columna, int elemento, const std::string& texto) {
   const auto j = static_cast<std::size_t>(columna);
   auto& par = e_.txtAE.at(j);
   par.at(static_cast<std::size_t>(elemento)).text = texto;

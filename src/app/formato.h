@@ -14,7 +14,7 @@ class Formato {
 
   void optTipoArch_Click(int indice);
   void txtSeparador_Change(std::string texto);
-  void txtAE_Change(int columna, int elemento, std::string texto);
+  void txtAE_Change(int columna, int elemento, const std::string& texto);
   void GridPVConf_ColumnasMovidas(const std::array<int, 5>& posiciones);
   void txtFormulaSGN_Change(std::string texto);
   void Timer1_Timer();

@@ -114,7 +114,7 @@ std::string FromUtf16(std::u16string_view text) {
     const char32_t u = text[i];
     const bool high = u >= 0xD800 && u < 0xDC00;
     if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000) {
-      points += 0x10000 + ((u - 0xD800) << 10) + (text[++i] - 0xDC00U);
+      points += static_cast<char32_t>(0x10000 + ((u - 0xD800) << 10) + (text[++i] - 0xDC00U));
     } else {
       points += u >= 0xD800 && u < 0xE000 ? U'\uFFFD' : u;
     }
