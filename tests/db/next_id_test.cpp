@@ -1,4 +1,5 @@
 #include "db/next_id.h"
+#include "support/quiet_connection.h"
 
 #include <gtest/gtest.h>
 
@@ -7,28 +8,17 @@ namespace {
 using base::Value;
 
 // Answers every statement with one column of cells, or fails.
-class FixedConnection final : public db::Connection {
+class FixedConnection final : public support::QuietConnection {
  public:
   explicit FixedConnection(std::vector<Value> cells, bool fails = false,
                            base::ErrorKind kind = base::ErrorKind::Statement)
       : cells_(std::move(cells)), fails_(fails), kind_(kind) {}
 
-  bool IsOpen() const override { return true; }
-  void Close() override {}
   db::Recordset Execute(std::string_view sql) override {
     last = std::string(sql);
     if (fails_) throw db::Error("no se pudo leer", 0, {}, kind_);
     return {std::make_shared<db::Columns>(db::Columns{{"maxcod", base::Type::Null}}), cells_};
   }
-  db::Recordset Query(std::string_view sql) override { return Execute(sql); }
-  std::int64_t AffectedRows() const override { return 0; }
-  void BeginTrans() override {}
-  void CommitTrans() override {}
-  void RollbackTrans() override {}
-  bool InTransaction() const override { return false; }
-  void SetSavepoint() override {}
-  void RollbackToSavepoint() override {}
-  void ReleaseSavepoint() override {}
 
   std::string last;
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "liquidation/sql.h"
+#include "support/quiet_connection.h"
 
 namespace {
 
@@ -16,7 +17,7 @@ using base::Value;
 using liquidation::OpenHeaders;
 
 // Answers every statement with the rows that stand ready, and keeps the statements.
-class Canned final : public db::Connection {
+class Canned final : public support::QuietConnection {
  public:
   std::vector<std::string> columns = {"id_Encabezado",      "id_Contrato", "id_TipoLiq",
                                       "Terminado",          "Tarjeta",     "NUMERO",
@@ -31,23 +32,12 @@ class Canned final : public db::Connection {
     cells.insert(cells.end(), 5, key);
   }
 
-  bool IsOpen() const override { return true; }
-  void Close() override {}
   db::Recordset Execute(std::string_view sql) override {
     asked.emplace_back(sql);
     auto of = std::make_shared<db::Columns>();
     for (const std::string& name : columns) of->push_back({name, base::Type::Null});
     return {std::move(of), std::exchange(cells, {})};
   }
-  db::Recordset Query(std::string_view sql) override { return Execute(sql); }
-  std::int64_t AffectedRows() const override { return 0; }
-  void BeginTrans() override {}
-  void CommitTrans() override {}
-  void RollbackTrans() override {}
-  bool InTransaction() const override { return false; }
-  void SetSavepoint() override {}
-  void RollbackToSavepoint() override {}
-  void ReleaseSavepoint() override {}
 };
 
 struct Headers : ::testing::Test {

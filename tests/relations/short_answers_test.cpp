@@ -3,31 +3,21 @@
 
 #include "relations/code_relations.h"
 #include "settings/config_file.h"
+#include "support/quiet_connection.h"
 
 namespace {
 
 using relations::CodeRelations;
 
 // Answers every statement with the same rows of one column, or with none at all.
-class ConexionDeUnaRespuesta final : public db::Connection {
+class ConexionDeUnaRespuesta final : public support::QuietConnection {
  public:
   explicit ConexionDeUnaRespuesta(std::vector<base::Value> filas) : filas_(std::move(filas)) {}
 
-  bool IsOpen() const override { return true; }
-  void Close() override {}
   db::Recordset Execute(std::string_view) override {
     if (filas_.empty()) return {};
     return {std::make_shared<db::Columns>(db::Columns{{"XXX", base::Type::Text}}), filas_};
   }
-  db::Recordset Query(std::string_view sql) override { return Execute(sql); }
-  std::int64_t AffectedRows() const override { return 0; }
-  void BeginTrans() override {}
-  void CommitTrans() override {}
-  void RollbackTrans() override {}
-  bool InTransaction() const override { return false; }
-  void SetSavepoint() override {}
-  void RollbackToSavepoint() override {}
-  void ReleaseSavepoint() override {}
 
  private:
   std::vector<base::Value> filas_;
