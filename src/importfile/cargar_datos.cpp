@@ -185,7 +185,7 @@ void Cargador::ApartarMalFormada(std::size_t numero, std::span<const std::string
   LineaAparte& aparte = carga_.aparte.emplace_back();
   aparte.linea = numero;
   aparte.mal_formada = true;
-  if (!piezas.empty()) aparte.campo[kClave] = piezas[0];
+  aparte.campo[kClave] = piezas[0];  // a line has at least one
   if (piezas.size() > 1) aparte.campo[kTipo] = piezas[1];
 }
 

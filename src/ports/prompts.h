@@ -11,7 +11,7 @@ enum class Icon { None, Exclamation };
 struct Notice {
   std::string text;  // UTF-8, lines parted by CR LF
   Icon icon = Icon::Exclamation;
-  bool offers_silence = false;  // the box also offers "No mostrar los next_level avisos de esta load"
+  bool offers_silence = false;  // the box also offers "No mostrar los siguientes avisos de esta carga"
 };
 
 class Prompts {

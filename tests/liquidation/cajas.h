@@ -12,10 +12,12 @@ class Cajas final : public ports::Prompts {
  public:
   bool Show(const ports::Notice& aviso) override {
     textos.push_back(aviso.text);
+    ofrece_callar = aviso.offers_silence;
     return false;
   }
   bool Confirm(const std::string&) override { return true; }
   std::vector<std::string> textos;
+  bool ofrece_callar = false;  // the last one
 };
 
 }  // namespace prueba

@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "demo/demo_base.h"
 #include "engine_sqlite/sqlite_connection.h"
+#include "liquidation/agregar_datos_a_liq.h"
 #include "liquidation/cajas.h"
 #include "liquidation/conexion_con_fallas.h"
 #include "liquidation/importar.h"
@@ -41,6 +42,16 @@ class Fallas : public ::testing::Test {
     evaluador_.sesion = &sesion_;
   }
 
+  liquidation::EntradaImportacion Entrada() {
+    liquidation::EntradaImportacion e{sesion_, opciones_, personas_, relaciones_, conceptos_, evaluador_,
+                                      tablas_, cajas_,    progreso_, kMes,        {},         {}};
+    e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
+                     tipos_.CalendarCondition};
+    e.texto_liquidacion = "0 - Sueldos";
+    e.deshacer = deshacer_;
+    return e;
+  }
+
   // Lines of a code and a quantity; the results, parted by "|".
   std::string Importar(const std::vector<std::pair<std::string, std::string>>& lineas,
                        const std::string& tarjeta = "7005") {
@@ -53,13 +64,7 @@ class Fallas : public ::testing::Test {
       fila.campo[importfile::kTipoDato] = "3";
       fila.campo[importfile::kTipoCuota] = "0";
     }
-    liquidation::EntradaImportacion e{sesion_, opciones_, personas_, relaciones_, conceptos_, evaluador_,
-                                      tablas_, cajas_,    progreso_, kMes,        {},         {}};
-    e.condiciones = {liquidation::TypeFilterDe(tipos_.cmbLiquidaciones), tipos_.TypeCondition,
-                     tipos_.CalendarCondition};
-    e.texto_liquidacion = "0 - Sueldos";
-    e.deshacer = deshacer_;
-    importacion_ = liquidation::Importar(e, filas);
+    importacion_ = liquidation::Importar(Entrada(), filas);
     std::vector<std::string> resultados;
     for (const auto& fila : filas) resultados.push_back(fila.resultado);
     return base::Join(resultados, "|");
@@ -99,6 +104,35 @@ TEST_F(Fallas, NothingFails) {
   EXPECT_EQ(Importar({{"1", "8"}, {"1", "2"}, {"1", "1"}}), "OK|OK|OK");
   EXPECT_EQ(Horas(), "11");
   EXPECT_EQ(importacion_.importadas, 3U);
+  EXPECT_TRUE(importacion_.confirmada);
+}
+
+// The writer gives back what the header, or the user table, now holds.
+TEST_F(Fallas, TheSumsComeBack) {
+  opciones_.SumarAyaIng = true;
+  const auto entrada = Entrada();
+  base::ErrorSink errores;
+  liquidation::Corrida corrida(entrada, errores);
+  corrida.encabezados.Abrir(sesion_, kMes, entrada.condiciones.TypeFilter, opciones_.Configura);
+  importfile::ImportRow fila;
+  fila.campo[importfile::kTipoDato] = "5";
+  fila.campo[importfile::kTipoCuota] = "0";
+  const auto persona = personas_.Buscar("7005", opciones_.Configura);
+  ASSERT_GE(persona, 0);
+  conexion_->BeginTrans();
+  const auto agregar = [&](std::int32_t concepto, float cantidad, float coeficiente) {
+    EXPECT_EQ(liquidation::AgregarDatosALiq(corrida, concepto, cantidad, static_cast<std::size_t>(persona),
+                                            fila, 0, coeficiente),
+              "");
+    return std::pair(cantidad, coeficiente);
+  };
+  EXPECT_EQ(agregar(7, 8, 2), std::pair(8.0F, 2.0F));
+  EXPECT_EQ(agregar(7, 3, 4), std::pair(11.0F, 28.0F / 11.0F));
+  EXPECT_EQ(agregar(1005, 8, 0).first, 8.0F);
+  EXPECT_EQ(agregar(1005, 4, 0).first, 12.0F);
+  opciones_.TotalizarConc = false;
+  EXPECT_EQ(agregar(1005, 5, 0).first, 5.0F);
+  conexion_->RollbackTrans();
 }
 
 TEST_F(Fallas, AnInsertThatFailsIsNotAddedToLater) {
@@ -208,6 +242,7 @@ TEST_F(Fallas, ACommitThatFailsIsEveryLinesResultAndIsShownOnce) {
   conexion_->falla_commit = true;
   EXPECT_EQ(Importar({{"1", "8"}, {"77", "2"}}), "no termina|no termina");
   EXPECT_EQ(cajas_.textos, std::vector<std::string>{"no termina"});
+  EXPECT_FALSE(cajas_.ofrece_callar);
   EXPECT_EQ(importacion_.error, "no termina");
   EXPECT_EQ(importacion_.importadas, 0U);
   EXPECT_TRUE(importacion_.totales.empty());
@@ -267,6 +302,19 @@ TEST_F(Fallas, ARunThatCanNeitherBeUndoneNorClosedSaysSo) {
   EXPECT_EQ(cajas_.textos, std::vector<std::string>{motivo});
 }
 
+// The reason is that of the undoing, not of a step that was passed over before; what failed before a commit
+// that failed is no longer news.
+TEST_F(Fallas, TheReasonIsThatOfTheUndoing) {
+  conexion_->falla_rollback = conexion_->falla_commit = true;
+  conexion_->Fallar("UPDATE Datos_Liquidacion INNER JOIN CDeta", 1);
+  EXPECT_EQ(
+      Importar({{"1", "8"}}),
+      "no termina; además no se pudo deshacer lo hecho (no deshace) y se cerró la base: ábrala de nuevo y "
+      "revise el mes antes de volver a importar");
+  EXPECT_TRUE(importacion_.actualizaciones_fallidas.empty());
+  EXPECT_FALSE(importacion_.confirmada);
+}
+
 // Where one line cannot be undone, the run is; both reasons are said.
 TEST_F(Fallas, ALineThatCannotBeUndoneEndsTheRun) {
   conexion_->falla_savepoint = true;
@@ -303,12 +351,14 @@ TEST_F(Fallas, TheUserTablesAreReadAgainAfterARun) {
   conexion_->falla_commit = true;
   EXPECT_EQ(Importar({{"9", "8"}}), "no termina");
   EXPECT_FALSE(tablas_.TieneValores(5, "117"));
+  EXPECT_TRUE(tablas_.TieneValores(5, "101"));
 }
 
 TEST_F(Fallas, TheUserTablesAreReadAgainAfterARunThatIsUndone) {
   deshacer_ = true;
   EXPECT_EQ(Importar({{"9", "8"}}), "OK");
   EXPECT_FALSE(tablas_.TieneValores(5, "117"));
+  EXPECT_TRUE(tablas_.TieneValores(5, "101"));
 }
 
 // An error without a word is an error all the same: the line was not written.
@@ -341,6 +391,7 @@ TEST_F(Fallas, AClosedBaseSaysSoOnEveryLine) {
   conexion_->Close();
   EXPECT_EQ(Importar({{"1", "8"}, {"1", "9"}}), "La Base no está Abierta|La Base no está Abierta");
   EXPECT_EQ(cajas_.textos, std::vector<std::string>{"La Base no está Abierta"});
+  EXPECT_EQ(importacion_.error, "La Base no está Abierta");
 }
 
 }  // namespace

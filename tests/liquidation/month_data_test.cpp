@@ -112,14 +112,17 @@ TEST(MonthDataTable, ResetForgetsEverything) {
 TEST(MonthDataTable, GoesBackToItsMark) {
   MonthDataTable tabla;
   tabla.Agregar({7, 1, 10, -1, 0, 2, 50});
+  tabla.Agregar({8, 4, 10, -1, 0, 2, 50});
   tabla.Marcar();
+  tabla.Cambiar(*tabla.Buscar(8, 10, 0, 50), 1, 1);
   tabla.Cambiar(*tabla.Buscar(7, 10, 0, 50), 5, 6);
   tabla.Cambiar(*tabla.Buscar(7, 10, 0, 50), 8, 9);
   tabla.Agregar({7, 3, 10, -1, 0, 0, 50});
   tabla.Agregar({7, 4, 11, -1, 0, 0, 50});
   tabla.Cambiar(*tabla.Buscar(7, 11, 0, 50), 5, 6);
   tabla.Deshacer();
-  EXPECT_EQ(tabla.Filas().size(), 2U);
+  EXPECT_EQ(tabla.Filas().size(), 3U);
+  EXPECT_EQ(tabla.Buscar(8, 10, 0, 50)->valor, 4.0F);
   ASSERT_NE(tabla.Buscar(7, 10, 0, 50), nullptr);
   EXPECT_EQ(tabla.Buscar(7, 10, 0, 50)->valor, 1.0F);
   EXPECT_EQ(tabla.Buscar(7, 10, 0, 50)->Coeficiente, 2.0F);

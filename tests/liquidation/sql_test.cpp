@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "base/text.h"
+#include "liquidation/importar.h"
+
 using namespace liquidation;
 
 namespace {
@@ -36,6 +39,25 @@ TEST(Sql, OpenHeaders) {
       "(Select * From DatExtDatos Where idEmpresa=3  and  idTDE=1) as DE on DE.idLoc=Contrato.id_Contrato "
       "and "
       "DE.idEmpresa=Contrato.idEmpresa   Order by Contrato.id_Contrato,TiposLiquidacion.id_TipoLiq");
+}
+
+TEST(Sql, OneOpenHeader) {
+  const std::string all = sql::EncabezadosAbiertos(3, kOctubre, "TL");
+  EXPECT_EQ(sql::EncabezadosAbiertos(3, kOctubre, "TL", 52),
+            base::Replace(all, "MesdeLiq=#10/01/2026#)", "MesdeLiq=#10/01/2026# and id_Encabezado=52)"));
+}
+
+// The type after the first dash of its entry, whatever follows; without a combo no centre is named.
+TEST(Question, NamesTheTypeAfterTheFirstDash) {
+  liquidation::DatosConfirmacion data;
+  data.mes = kOctubre;
+  data.cmbLiquidaciones = "3 - Sueldo anual - mitad";
+  data.LiqAgrup = true;
+  EXPECT_EQ(liquidation::TextoConfirmacion(data),
+            "Asegúrese que el mes que esta marcado para importar los datos (10 - 2026), es el correcto.\r\n"
+            "Se importarán los datos en las liquidaciones de tipo 'SUELDO ANUAL - MITAD'\r\n"
+            "-> Asociado al Centro de Costo ''.\r\n"
+            "¿Confirma importar los datos?");
 }
 
 TEST(Sql, ApplicableTypesWithoutConditions) {

@@ -17,7 +17,7 @@ namespace mdb::internal {
 
 std::string Quoted(const std::string& name);                               // «name»
 std::string Counted(std::size_t n, const char* one, const char* several);  // "una", or "7 several"
-std::string OfRow(RowId row);                                              // "la row 3 de la página 12"
+std::string OfRow(RowId row);                                              // "la fila 3 de la página 12"
 
 // A page map, and the range of pages that it can name.
 struct SeenMap {
