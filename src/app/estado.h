@@ -10,6 +10,7 @@
 
 #include "app/controles.h"
 #include "base/date.h"
+#include "corridas/cantidades.h"
 #include "formula/vectores/list_control.h"
 #include "importfile/import_grid.h"
 #include "liquidation/importar.h"
@@ -96,6 +97,9 @@ struct Estado {
   Revisiones revision;
   importfile::FinDeCarga fin_de_carga = importfile::FinDeCarga::Completa;  // of the last load
   liquidation::Importacion importacion;                                    // the last one
+  // What the last import, or trial of one, made of the quantities of the month; empty when nothing was
+  // written.
+  std::vector<corridas::CambioDeCantidad> cantidades;
 };
 
 }  // namespace app

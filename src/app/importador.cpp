@@ -1,6 +1,7 @@
 #include "app/importador.h"
 
 #include "base/text.h"
+#include "corridas/testigo_de_cambios.h"
 #include "liquidation/avisos.h"
 
 namespace app {
@@ -64,8 +65,12 @@ void Importador::Importar(bool deshacer) {
   const settings::Settings opciones = e_.opciones;
   liquidation::EntradaImportacion entrada = EntradaDeImportacion(opciones);
   entrada.deshacer = deshacer;
+  corridas::TestigoDeCambios testigo(p_.base.Sesion(), e_.mes);
+  entrada.testigo = &testigo;
   e_.importacion = {};
   p_.base.ConLaBase([&] { e_.importacion = liquidation::Importar(entrada, e_.filas); });
+  e_.cantidades =
+      e_.importacion.confirmada ? testigo.Cantidades() : std::vector<corridas::CambioDeCantidad>{};
   AnotarImportacion(deshacer);
   e_.GridAImportar.Columna("Resultado")->visible = true;
   ++e_.revision.filas;

@@ -8,6 +8,7 @@
 #include "formula/evaluador/evaluator.h"
 #include "formula/tablas_usuario/user_tables.h"
 #include "liquidation/sql.h"
+#include "liquidation/testigo.h"
 #include "ports/progress.h"
 #include "ports/prompts.h"
 #include "refdata/concepts_catalogue.h"
@@ -33,6 +34,7 @@ struct EntradaImportacion {
   std::string texto_liquidacion;  // what cmbLiquidaciones shows
   std::int64_t centro_costo = 0;  // of cmbAgrupa; 0 when none is chosen
   bool deshacer = false;          // ends with a rollback: what would be written, without writing it
+  Testigo* testigo = nullptr;     // may be null
 };
 
 }  // namespace liquidation

@@ -134,12 +134,14 @@ void ActualizarEnBloque(const EntradaImportacion& e, Importacion& r) {
 void Correr(const EntradaImportacion& e, std::vector<ImportRow>& filas, Importacion& r) {
   db::Connection& conexion = *e.sesion.conexion;
   if (!conexion.InTransaction()) conexion.BeginTrans();
+  if (e.testigo != nullptr) e.testigo->AntesDeEscribir();
   Corrida corrida(e, r.errores);
   LeerLoNecesario(corrida);
   for (const auto& [concepto, total] : ImportarFilas(corrida, filas)) r.totales.push_back(total);
   base::PassOverError("Importar: tablas de usuario", &r.errores,
                       [&] { e.tablas.CargarTablasUsuario(e.sesion, -1); });
   ActualizarEnBloque(e, r);
+  if (e.testigo != nullptr) e.testigo->AntesDeTerminar(filas, r);
   if (e.deshacer)
     conexion.RollbackTrans();
   else
@@ -201,6 +203,7 @@ Importacion Importar(const EntradaImportacion& e, std::vector<ImportRow>& filas)
     base::AnyErrorNoted("Importar: tablas de usuario", &r.errores,
                         [&] { e.tablas.CargarTablasUsuario(e.sesion, -1); });
   for (const ImportRow& fila : filas) r.importadas += fila.resultado == "OK" ? 1 : 0;
+  if (e.testigo != nullptr) e.testigo->Terminada(r.confirmada && !e.deshacer);
   return r;
 }
 

@@ -9,6 +9,9 @@
 //                               storage), the others are the file; prints line|key|quantity|result, totals,
 //                               the bulk updates that failed, then boxes and passed-over errors, and with
 //                               "bar" the steps of the progress bar ("!" without refresh)
+//   changes                     of the last "import watch": the quantities before and after, then each row
+//   that it
+//                               inserted (+), changed (~) or deleted (-), with the columns that differ
 //   query [rowsort]             a statement; rows joined with |
 //   warn                        as import: what is told before, one a line; nothing is written
 //   confirm mes=… liq=… cc=…    the question before the import, with settings as in import
@@ -18,6 +21,7 @@
 
 #include "base/number.h"
 #include "base/text.h"
+#include "corridas/testigo_de_cambios.h"
 #include "demo/demo_base.h"
 #include "engine_mdb/mdb_connection.h"
 #include "engine_sqlite/sqlite_connection.h"
@@ -140,7 +144,12 @@ class Mesa {
     importfile::Carga carga = Cargar();
     for (const Falla& f : fallas_) conexion_->Fallar(f.comienzo, f.vez, f.clase);
     bar_.steps.clear();
-    const liquidation::Importacion r = liquidation::Importar(Entrada(b), carga.filas);
+    liquidation::EntradaImportacion entrada = Entrada(b);
+    corridas::TestigoDeCambios testigo(sesion_, mes_);
+    if (b.Has("watch")) entrada.testigo = &testigo;
+    const liquidation::Importacion r = liquidation::Importar(entrada, carga.filas);
+    cantidades_ = testigo.Cantidades();
+    cambios_ = testigo.Cambios();
     Reabrir();
     std::sort(carga.filas.begin(), carga.filas.end(),
               [](const auto& x, const auto& y) { return x.linea < y.linea; });
@@ -157,6 +166,23 @@ class Mesa {
       salida += "BOX " + base::Replace(texto, base::kCrLf, " / ") + "\n";
     for (const auto& error : r.errores) salida += "ERR " + error.where + ": " + error.description + "\n";
     if (b.Has("bar")) salida += "BAR" + bar_.steps + "\n";
+    if (!salida.empty()) salida.pop_back();
+    return salida;
+  }
+
+  std::string Changes(const support::Block&) const {
+    std::string salida;
+    for (const auto& c : cantidades_) {
+      const auto lado = [](const std::optional<double>& v) {
+        return v ? base::SqlNumber(*v) : std::string("none");
+      };
+      salida += "QUANTITY " + std::to_string(c.id_Contrato) + " " + c.nombre + " " + c.apellido + "|" +
+                std::to_string(c.concepto) + " " + c.nombre_concepto + "|cc " + std::to_string(c.idAgrupa) +
+                "|header " + std::to_string(c.id_Encabezado) + " type " + std::to_string(c.id_TipoLiq) + "|" +
+                lado(c.antes) + " -> " + lado(c.despues) + "\n";
+    }
+    for (const auto& t : cambios_.tablas)
+      for (const auto& f : t.filas) salida += TextoDeCambio(t, f) + "\n";
     if (!salida.empty()) salida.pop_back();
     return salida;
   }
@@ -181,6 +207,20 @@ class Mesa {
   }
 
  private:
+  static std::string TextoDeCambio(const corridas::CambiosDeTabla& t, const corridas::CambioDeFila& f) {
+    std::string texto = !f.antes ? "+ " : !f.despues ? "- " : "~ ";
+    texto += t.tabla;
+    for (const std::size_t i : t.clave) texto += " " + f.Cualquiera()[i].CsvText();
+    const auto valor = [](const base::Value& v) { return v.IsNull() ? std::string("NULL") : v.CsvText(); };
+    for (std::size_t i = 0; i < t.columnas.size(); ++i) {
+      if (f.antes && f.despues && (*f.antes)[i] != (*f.despues)[i])
+        texto += " " + t.columnas[i] + ":" + valor((*f.antes)[i]) + ">" + valor((*f.despues)[i]);
+      else if (!f.antes && t.columnas[i] == "Cantidad")
+        texto += " " + t.columnas[i] + ":" + valor((*f.despues)[i]);
+    }
+    return texto;
+  }
+
   std::unique_ptr<db::Connection> NuevaBase() {
     if (mdb_) {
       engine_mdb::Options opciones;
@@ -299,6 +339,8 @@ class Mesa {
   Cajas cajas_;
   base::Date mes_;
   std::string archivo_;
+  std::vector<corridas::CambioDeCantidad> cantidades_;  // of the last import
+  corridas::Cambios cambios_;
 };
 
 }  // namespace
@@ -313,6 +355,7 @@ int main(int argc, char** argv) {
         {"exec", [mesa](const support::Block& b) { return mesa->Exec(b); }},
         {"query", [mesa](const support::Block& b) { return mesa->Query(b); }},
         {"import", [mesa](const support::Block& b) { return mesa->Importar(b); }},
+        {"changes", [mesa](const support::Block& b) { return mesa->Changes(b); }},
         {"warn", [mesa](const support::Block& b) { return mesa->Avisos(b); }},
         {"confirm", [mesa](const support::Block& b) { return mesa->Confirmar(b); }},
     };
