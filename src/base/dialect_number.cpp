@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "base/currency.h"
 #include "base/error.h"
 #include "base/number_internal.h"
 #include "base/text_internal.h"
@@ -225,7 +226,7 @@ ValResult ApplyType(char sign, double number, bool with_point) {
       if (!Fits(std::nearbyint(number), sign == '%' ? 32767.0 : 2147483647.0)) return {0, 6};
       return {std::nearbyint(number), 0};
     case '@':
-      if (!(std::abs(number) < 922337203685477.6)) return {0, 6};
+      if (!(std::abs(number) < kLastCurrency)) return {0, 6};
       return {number, 0};
     case '!': {
       if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())) return {0, 6};

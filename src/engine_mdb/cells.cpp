@@ -78,7 +78,7 @@ mdb::Datum Single(const mdb::Column& column, sqlite3_stmt* row, int index) {
 
 mdb::Datum Currency(const mdb::Column& column, sqlite3_stmt* row, int index) {
   const double v = RealOf(column, row, index);
-  if (std::abs(v) > 922337203685477.5807)
+  if (std::abs(v) > base::kLastCurrency)
     throw base::Error("El número no cabe en el campo " + column.name + ".", 6);
   return base::CurrencyOf(v);
 }

@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 
+#include "base/currency.h"
 #include "base/dialect_number.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -184,9 +185,8 @@ void AsSingle(Call& l) {
 
 void ToCurrency(Call& l) {
   if (l.IsNull(0)) return l.Null();
-  constexpr double kLargest = 922337203685477.5807;
   const double v = l.Number(0);
-  if (!(std::abs(v) <= kLargest)) ThrowNumber(kOverflow);
+  if (!(std::abs(v) <= base::kLastCurrency)) ThrowNumber(kOverflow);
   l.ReturnNumber(base::Round(v, 4));
 }
 
