@@ -19,6 +19,7 @@ bool BaseDeDatos::Conectar(const std::string& referencia) {
   Conexion nueva = c_.puertos.conectar(referencia, c_.puertos.reloj);
   sesion_.conexion = std::move(nueva.conexion);
   sesion_.id_Usuario = nueva.id_Usuario;
+  e_.archivo_base = std::move(nueva.archivo);
   e_.motivo_base = std::move(nueva.motivo);
   return sesion_.Abierta() && (!c_.arranque.una_transaccion || Comenzar());
 }

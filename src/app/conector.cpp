@@ -25,6 +25,7 @@ bool EsAccess(std::string_view bytes) {
 
 Conexion AbrirSqlite(const std::string& ruta, const ports::Clock& reloj) {
   Conexion c;
+  c.archivo = ruta;
   try {
     engine_sqlite::Options opciones;
     opciones.clock = &reloj;
@@ -39,6 +40,7 @@ Conexion AbrirSqlite(const std::string& ruta, const ports::Clock& reloj) {
 // same, and says so when something is written.
 Conexion AbrirMdb(const std::string& ruta, const std::string& contrasena, const ports::Clock& reloj) {
   Conexion c;
+  c.archivo = ruta;
   try {
     engine_mdb::Options opciones;
     opciones.clock = &reloj;
@@ -103,7 +105,11 @@ std::string MotivoSoloLectura(const db::Connection* conexion) {
   return conexion == nullptr || !conexion->IsOpen() ? std::string() : engine_mdb::ReadOnlyReason(*conexion);
 }
 
-Conexion Fallo(std::string motivo) { return {nullptr, 0, std::move(motivo)}; }
+Conexion Fallo(std::string motivo) {
+  Conexion c;
+  c.motivo = std::move(motivo);
+  return c;
+}
 
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj) {
   if (!base::EqualIgnoringCase(base::NameOf(referencia), "ConfBase.cfg"))

@@ -14,6 +14,7 @@ struct Conexion {
   std::unique_ptr<db::Connection> conexion;  // null when it could not be opened
   std::int32_t id_Usuario = 0;               // of ConfBase.cfg
   std::string motivo;                        // why it is null, in Spanish
+  std::string archivo;                       // of the base; "" when it is no file that is known of
 };
 
 // The reference is a path. A file with an SQLite header opens with the embedded engine, an Access file with

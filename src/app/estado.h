@@ -34,8 +34,9 @@ struct Estado {
   bool cargando = false;         // the loading flag of start-up
   bool carga_pendiente = false;  // a file named on the command line waits for the first activation
   std::string caption = "Datos A Importar";
-  std::string referencia;   // of the database, as Conectar left it
-  std::string motivo_base;  // why the base is not open; empty when it is
+  std::string referencia;    // of the database, as Conectar left it
+  std::string archivo_base;  // the file of the open base; "" when it is none
+  std::string motivo_base;   // why the base is not open; empty when it is
   // The base cannot be trusted, in Spanish; each is empty when there is nothing to say. See
   // MotivoParaNoImportar.
   std::string fallo_de_base;     // a fault of the storage or of the memory since all of it was last read
@@ -85,6 +86,7 @@ struct Estado {
   std::vector<importfile::ImportRow> filas;
   std::vector<importfile::LineaAparte> aparte;  // lines of the file that are no rows
   std::size_t lineas = 0;                       // of the file
+  importfile::ArchivoLeido archivo;             // the file of the grid, as it was read
   bool hay_valor = false;
   int columna_orden = 0;  // row field of the sort
   std::string previa;     // the first four lines of the last file

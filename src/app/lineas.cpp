@@ -54,6 +54,7 @@ void Lineas::CargarGrilla() {
     e_.previa = std::move(carga.previa);
     e_.hay_valor = carga.hay_valor;
     e_.lineas = carga.lineas;
+    e_.archivo = std::move(carga.archivo);
     ++e_.revision.filas;
     p_.formato.CargarDatosPrevisual();
     Actualizar();

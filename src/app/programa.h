@@ -10,6 +10,7 @@
 #include "app/archivo.h"
 #include "app/cierre.h"
 #include "app/importador.h"
+#include "app/informes.h"
 #include "app/inicio.h"
 #include "app/opciones.h"
 #include "app/relaciones.h"
@@ -47,6 +48,7 @@ class Programa {
   app::Opciones& Opciones() { return opciones_; }
   app::Relaciones& Relaciones() { return relaciones_; }
   app::Importador& Importador() { return importador_; }
+  app::Informes& Informes() { return informes_; }
 
   // Why nothing is imported for now, in Spanish: something that an import stands on could not be read. "": it
   // may be.
@@ -66,6 +68,7 @@ class Programa {
   app::Opciones opciones_;
   app::Relaciones relaciones_;
   app::Importador importador_;
+  app::Informes informes_;
   Inicio inicio_;
 };
 

@@ -19,6 +19,7 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -46,7 +47,7 @@ std::FILE* Open(const fs::path& path, const wchar_t* mode) { return _wfopen(path
 
 bool FlushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
 
-bool Substitute(const fs::path& new_path, const fs::path& old_path) {
+bool Rename(const fs::path& new_path, const fs::path& old_path) {
   // ReplaceFile keeps the attributes of the file that is there; it fails when there is none.
   if (ReplaceFileW(old_path.c_str(), new_path.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
                    nullptr) != 0)
@@ -55,6 +56,8 @@ bool Substitute(const fs::path& new_path, const fs::path& old_path) {
                      MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
 }
 
+bool Substitute(const fs::path& new_path, const fs::path& old_path) { return Rename(new_path, old_path); }
+
 bool CreateNew(const fs::path& path) {
   const HANDLE file =
       CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -62,6 +65,10 @@ bool CreateNew(const fs::path& path) {
 }
 
 unsigned long ProcessId() { return GetCurrentProcessId(); }
+
+// Who may read a file is said by its folder here.
+std::FILE* OpenForOwner(const fs::path& path) { return Open(path, IDM_MODE("wb")); }
+bool GrantAs(const fs::path&, const fs::path&, const fs::path&) { return true; }
 
 #else
 
@@ -73,10 +80,7 @@ std::FILE* Open(const fs::path& path, const char* mode) { return std::fopen(path
 
 bool FlushToDisk(std::FILE* file) { return std::fflush(file) == 0 && fsync(fileno(file)) == 0; }
 
-bool Substitute(const fs::path& new_path, const fs::path& old_path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(old_path, error);
-  if (!error && fs::exists(status)) fs::permissions(new_path, status.permissions(), error);
+bool Rename(const fs::path& new_path, const fs::path& old_path) {
   if (std::rename(new_path.c_str(), old_path.c_str()) != 0) return false;
   // The name is safe only once its folder is; a folder that cannot be flushed is no failure of the write.
   const fs::path folder = old_path.parent_path();
@@ -88,12 +92,43 @@ bool Substitute(const fs::path& new_path, const fs::path& old_path) {
   return true;
 }
 
+bool Substitute(const fs::path& new_path, const fs::path& old_path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(old_path, error);
+  if (!error && fs::exists(status)) fs::permissions(new_path, status.permissions(), error);
+  return Rename(new_path, old_path);
+}
+
 bool CreateNew(const fs::path& path) {
   const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   return fd >= 0 && close(fd) == 0;
 }
 
 unsigned long ProcessId() { return static_cast<unsigned long>(getpid()); }
+
+std::FILE* OpenForOwner(const fs::path& path) {
+  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  if (fd < 0) return nullptr;
+  std::FILE* file = fchmod(fd, 0600) == 0 ? fdopen(fd, "wb") : nullptr;
+  if (file == nullptr) close(fd);
+  return file;
+}
+
+// The rights of `like`, less what `old_path` does not grant. Those of a group are for that group alone.
+bool GrantAs(const fs::path& path, const fs::path& like, const fs::path& old_path) {
+  struct stat model {
+  }, old{}, own{};
+  if (stat(path.c_str(), &own) != 0) return false;
+  mode_t mode = 0600;
+  if (stat(like.c_str(), &model) == 0) {
+    mode |= model.st_mode & 0066;
+    const bool same_group =
+        own.st_gid == model.st_gid || chown(path.c_str(), static_cast<uid_t>(-1), model.st_gid) == 0;
+    if (!same_group) mode &= ~static_cast<mode_t>(0060);
+  }
+  if (stat(old_path.c_str(), &old) == 0) mode &= old.st_mode | 0600;
+  return chmod(path.c_str(), mode) == 0;
+}
 
 #endif
 
@@ -102,8 +137,7 @@ struct Closer {
 };
 using File = std::unique_ptr<std::FILE, Closer>;
 
-bool WriteAll(const fs::path& path, std::string_view bytes) {
-  File file(Open(path, IDM_MODE("wb")));
+bool WriteAll(File file, std::string_view bytes) {
   if (file == nullptr) return false;
   if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) return false;
   if (!FlushToDisk(file.get())) return false;
@@ -162,10 +196,29 @@ std::optional<std::string> ReadBeginning(std::string_view path, std::size_t coun
 bool WriteWholeFile(std::string_view path, std::string_view bytes) {
   const fs::path target = Target(ToPath(path));
   const fs::path temporary = TemporaryPath(target);
-  if (WriteAll(temporary, bytes) && Substitute(temporary, target)) return true;
+  if (WriteAll(File(Open(temporary, IDM_MODE("wb"))), bytes) && Substitute(temporary, target)) return true;
   std::error_code error;
   fs::remove(temporary, error);
   return false;
+}
+
+bool WritePrivateFile(std::string_view path, std::string_view bytes, std::string_view like) {
+  const fs::path target = Target(ToPath(path));
+  const fs::path temporary = TemporaryPath(target);
+  if (WriteAll(File(OpenForOwner(temporary)), bytes) && GrantAs(temporary, ToPath(like), target) &&
+      Rename(temporary, target))
+    return true;
+  std::error_code error;
+  fs::remove(temporary, error);
+  return false;
+}
+
+bool SameFile(std::string_view a, std::string_view b) {
+  std::error_code error;
+  const fs::path one = Target(ToPath(a)), other = Target(ToPath(b));
+  if (fs::equivalent(one, other, error)) return true;
+  const fs::path where = fs::weakly_canonical(fs::absolute(one, error), error);
+  return !error && where == fs::weakly_canonical(fs::absolute(other, error), error);
 }
 
 bool CreateIfMissing(std::string_view path) {

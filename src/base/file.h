@@ -15,6 +15,11 @@ std::optional<std::string> ReadBeginning(std::string_view path, std::size_t coun
 // Replaces the file atomically: written beside it, flushed, renamed over it. False when any step failed; the
 // old file is then as it was.
 bool WriteWholeFile(std::string_view path, std::string_view bytes);
+// The same for a file that may be read by nobody who may not read the file `like`, at no moment; by its owner
+// alone when there is no such file. A file that is replaced grants no more than it did.
+bool WritePrivateFile(std::string_view path, std::string_view bytes, std::string_view like);
+// Both paths lead to one file, or would when it is made.
+bool SameFile(std::string_view a, std::string_view b);
 // Creates an empty file when there is none; never touches one that exists.
 bool CreateIfMissing(std::string_view path);
 bool CreateFolder(std::string_view path);

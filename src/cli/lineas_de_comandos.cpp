@@ -115,6 +115,10 @@ void OpcionesDeImportar(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
   verbo->add_option("--salida", t.salida, "Forma del resultado: tabla (lo normal) o csv")
       ->check(UnaDe({"tabla", "csv"}))
       ->type_name("tabla|csv");
+  verbo->add_option(
+      "--rechazadas", o.rechazadas,
+      "Archivo donde dejar las líneas rechazadas y mal formadas, con sus motivos en otro terminado "
+      "en .motivos");
   OpcionHoy(verbo, t);
 }
 

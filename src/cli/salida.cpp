@@ -9,18 +9,6 @@
 #include "cli/codigos.h"
 
 namespace cli {
-namespace {
-
-constexpr std::string_view kFormatoIncorrecto = "Formato incorrecto en la linea ";
-
-}  // namespace
-
-std::string EnUnaLinea(std::string_view texto) {
-  std::string limpio(texto);
-  for (char& c : limpio)
-    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
-  return limpio;
-}
 
 std::string CeldaCsv(std::string_view texto, char separador) {
   if (texto.find_first_of(std::string("\"\r\n") + separador) == std::string_view::npos)
@@ -28,40 +16,10 @@ std::string CeldaCsv(std::string_view texto, char separador) {
   return "\"" + base::Replace(texto, "\"", "\"\"") + "\"";
 }
 
-std::vector<LineaSalida> LineasDe(const app::Estado& estado) {
-  std::vector<LineaSalida> lineas;
-  lineas.reserve(estado.filas.size() + estado.aparte.size());
-  for (const auto& fila : estado.filas)
-    lineas.push_back(
-        {fila.linea, fila.resultado == "OK" ? "importada" : "rechazada", &fila.campo, fila.resultado});
-  for (const auto& linea : estado.aparte) {
-    if (linea.mal_formada)
-      lineas.push_back({linea.linea, "mal_formada", &linea.campo,
-                        std::string(kFormatoIncorrecto) + std::to_string(linea.linea)});
-    else
-      lineas.push_back({linea.linea, "filtrada", &linea.campo, "Descartada por el filtro"});
-  }
-  std::sort(lineas.begin(), lineas.end(),
-            [](const LineaSalida& a, const LineaSalida& b) { return a.linea < b.linea; });
-  return lineas;
-}
-
-Cuentas Contar(const std::vector<LineaSalida>& lineas) {
-  Cuentas c;
-  c.leidas = lineas.size();
-  for (const LineaSalida& l : lineas) {
-    c.importadas += l.estado == "importada" ? 1 : 0;
-    c.rechazadas += l.estado == "rechazada" ? 1 : 0;
-    c.filtradas += l.estado == "filtrada" ? 1 : 0;
-    c.mal_formadas += l.estado == "mal_formada" ? 1 : 0;
-  }
-  return c;
-}
-
-void EscribirCsv(std::ostream& out, const std::vector<LineaSalida>& lineas) {
+void EscribirCsv(std::ostream& out, const std::vector<informe::Linea>& lineas) {
   out << "linea;estado;id;nombre;apellido;horas;valor;tipo;vinculado;cc;resultado\n";
-  for (const LineaSalida& l : lineas) {
-    out << l.linea << ';' << l.estado;
+  for (const informe::Linea& l : lineas) {
+    out << l.numero << ';' << informe::TextoDe(l.estado);
     for (const int campo :
          {importfile::kClave, importfile::kNombre, importfile::kApellido, importfile::kCantidad,
           importfile::kValor, importfile::kTipo, importfile::kVinculado, importfile::kCC})
@@ -70,15 +28,16 @@ void EscribirCsv(std::ostream& out, const std::vector<LineaSalida>& lineas) {
   }
 }
 
-void EscribirTabla(std::ostream& out, const std::vector<LineaSalida>& lineas) {
+void EscribirTabla(std::ostream& out, const std::vector<informe::Linea>& lineas) {
   using Fila = std::array<std::string, 9>;
   std::vector<Fila> filas{
       {"Línea", "Id", "Nombre", "Apellido", "Horas", "Tipo", "Vinculado Con", "C. Costo", "Resultado"}};
-  for (const LineaSalida& l : lineas) {
-    const auto campo = [&](int i) { return EnUnaLinea((*l.campo)[static_cast<std::size_t>(i)]); };
-    filas.push_back({std::to_string(l.linea), campo(importfile::kClave), campo(importfile::kNombre),
+  for (const informe::Linea& l : lineas) {
+    const auto campo = [&](int i) { return informe::EnUnaLinea((*l.campo)[static_cast<std::size_t>(i)]); };
+    filas.push_back({std::to_string(l.numero), campo(importfile::kClave), campo(importfile::kNombre),
                      campo(importfile::kApellido), campo(importfile::kCantidad), campo(importfile::kTipo),
-                     campo(importfile::kVinculado), campo(importfile::kCC), EnUnaLinea(l.resultado)});
+                     campo(importfile::kVinculado), campo(importfile::kCC),
+                     informe::EnUnaLinea(l.resultado)});
   }
   std::array<std::size_t, 9> ancho{};
   for (const Fila& fila : filas)
@@ -95,7 +54,7 @@ void EscribirTabla(std::ostream& out, const std::vector<LineaSalida>& lineas) {
   }
 }
 
-void EscribirTotales(std::ostream& out, const Cuentas& c, const app::Estado& estado) {
+void EscribirTotales(std::ostream& out, const informe::Cuentas& c, const app::Estado& estado) {
   out << "Leídas: " << c.leidas << " = importadas: " << c.importadas << " + rechazadas: " << c.rechazadas
       << " + filtradas: " << c.filtradas << " + mal formadas: " << c.mal_formadas << '\n';
   if (estado.importacion.totales.empty()) return;

@@ -63,7 +63,7 @@ bool ElegirDestino(app::Programa& programa, const OpcionesImportar& o, std::ostr
 }
 
 // `avisos`: something was told before that may not be meant.
-int CodigoDe(const Cuentas& c, const app::Estado& estado, bool avisos) {
+int CodigoDe(const informe::Cuentas& c, const app::Estado& estado, bool avisos) {
   if (!estado.importacion.error.empty() || !estado.fallo_de_base.empty()) return kEntradaSalida;
   if (c.importadas == 0) return kNada;
   const bool del_todo =
@@ -71,9 +71,24 @@ int CodigoDe(const Cuentas& c, const app::Estado& estado, bool avisos) {
   return del_todo && !avisos ? kTodo : kAlgunaNo;
 }
 
+// What follows the message of a failed write.
+std::string_view YaEsta(const OpcionesImportar& o, const app::Programa& programa) {
+  const bool escrita = programa.Ver().importacion.confirmada && !o.solo_revisar;
+  return escrita ? ". La importación está hecha: no la repita." : "";
+}
+
+// The files that were asked for. False when one could not be written.
+bool EscribirArchivos(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
+  if (o.rechazadas.empty()) return true;
+  const app::Escritura escrita = programa.Informes().GuardarRechazadas(o.rechazadas);
+  if (!escrita.motivo.empty()) f.err << escrita.motivo << YaEsta(o, programa) << '\n';
+  if (!escrita.aviso.empty()) f.err << "Aviso: " << escrita.aviso << '\n';
+  return escrita.motivo.empty();
+}
+
 int Mostrar(const OpcionesImportar& o, const app::Programa& programa, bool avisos, Flujos f) {
-  const auto lineas = LineasDe(programa.Ver());
-  const Cuentas cuentas = Contar(lineas);
+  const auto lineas = informe::LineasDe(programa.Ver().filas, programa.Ver().aparte);
+  const informe::Cuentas cuentas = informe::Contar(lineas);
   if (cuentas.leidas != programa.Ver().lineas) {
     f.err << "Error interno: el archivo tiene " << programa.Ver().lineas << " líneas y se dio cuenta de "
           << cuentas.leidas << '\n';
@@ -85,9 +100,7 @@ int Mostrar(const OpcionesImportar& o, const app::Programa& programa, bool aviso
     EscribirTabla(f.out, lineas);
   // With a CSV the standard output holds nothing else.
   EscribirTotales(o.salida == Formato::Csv ? f.err : f.out << '\n', cuentas, programa.Ver());
-  const bool escrita = programa.Ver().importacion.confirmada && !o.solo_revisar;
-  return Terminar(f, CodigoDe(cuentas, programa.Ver(), avisos),
-                  escrita ? ". La importación está hecha: no la repita." : "");
+  return Terminar(f, CodigoDe(cuentas, programa.Ver(), avisos), YaEsta(o, programa));
 }
 
 // What an import stands on could not all be read: nothing is imported, nor said of any line. A fault of the
@@ -101,13 +114,24 @@ bool FaltaLeer(const app::Programa& programa, std::ostream& err) {
 
 int ImportarYMostrar(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
   const std::vector<std::string> avisos = programa.Importador().Avisos();
-  for (const std::string& aviso : avisos) f.err << "Aviso: " << EnUnaLinea(aviso) << '\n';
+  for (const std::string& aviso : avisos) f.err << "Aviso: " << informe::EnUnaLinea(aviso) << '\n';
   if (!programa.Ver().filas.empty()) programa.Importador().Importar(o.solo_revisar);
-  return Mostrar(o, programa, !avisos.empty(), f);
+  const bool escritos = EscribirArchivos(programa, o, f);
+  const int codigo = Mostrar(o, programa, !avisos.empty(), f);
+  return escritos ? codigo : kEntradaSalida;
+}
+
+bool SePuedenEscribir(app::Programa& programa, const OpcionesImportar& o, std::ostream& err) {
+  std::vector<std::string> salidas;
+  if (!o.rechazadas.empty()) salidas = {o.rechazadas, app::Informes::RutaDeMotivos(o.rechazadas)};
+  const std::string motivo = programa.Informes().MotivoParaNoEscribir(salidas, {o.ajustes.value_or("")});
+  if (!motivo.empty()) err << motivo << '\n';
+  return motivo.empty();
 }
 
 int CargarEImportar(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
   if (FaltaLeer(programa, f.err)) return kEntradaSalida;
+  if (!SePuedenEscribir(programa, o, f.err)) return kUso;
   if (!ElegirDestino(programa, o, f.err)) return kUso;
   // One load: choosing the other filter brings its own.
   if (o.filtro_texto)

@@ -25,6 +25,7 @@ struct OpcionesImportar {
   bool filtro_texto = false;
   Formato salida = Formato::Tabla;
   bool solo_revisar = false;
+  std::string rechazadas;  // file for the refused lines; may be empty
 };
 int Importar(const OpcionesImportar& opciones, const std::string& carpeta, const ports::Clock& reloj,
              Flujos flujos);

@@ -124,8 +124,8 @@ FinDeCarga Cargador::CargarArchivo() {
     avisador_.Mostrar("El Archivo '" + entrada_.txtRuta + "' no se puede leer");
     return FinDeCarga::SinArchivo;
   }
-  const std::string texto = base::DecodeFile(*bytes);
-  bytes.reset();
+  carga_.archivo = ArchivoLeido(*std::move(bytes));
+  const std::string texto = base::DecodeFile(carga_.archivo.Bytes());
   return CargarTexto(texto);
 }
 

@@ -7,6 +7,7 @@
 #include "base/error.h"
 #include "formula/evaluador/evaluator.h"
 #include "formula/evaluador/line_formula.h"
+#include "importfile/archivo_leido.h"
 #include "ports/progress.h"
 #include "ports/prompts.h"
 #include "refdata/concepts_catalogue.h"
@@ -79,6 +80,7 @@ struct Carga {
   std::string previa;               // the first four lines, joined with CR LF
   bool hay_valor = false;           // some line's value is not 0: the "Valor" column shows
   std::size_t lineas = 0;           // of the text, the empty one after a last line end not counted
+  ArchivoLeido archivo;             // the same lines as they stand in the file
 };
 
 // Reads the file and cuts it into lines at each CR LF, LF and CR; then cuts, matches, filters and sorts; time

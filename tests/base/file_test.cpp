@@ -57,6 +57,43 @@ TEST_F(Files, AWriteReplacesTheFileAndNotItsContents) {
   EXPECT_EQ(base::ReadWholeFile(Path("a.ini")), "nuevo texto");
 }
 
+#ifndef _WIN32
+TEST_F(Files, APrivateFileGrantsNoMoreThanItsModel) {
+  const auto mode_of = [&](const char* name) { return fs::status(folder_ / name).permissions(); };
+  ASSERT_TRUE(base::WriteWholeFile(Path("model"), "x"));
+  for (const unsigned mode : {0600U, 0640U, 0644U, 0660U, 0755U, 0400U}) {
+    fs::permissions(folder_ / "model", static_cast<fs::perms>(mode));
+    ASSERT_TRUE(base::WritePrivateFile(Path("a"), "bytes", Path("model")));
+    EXPECT_EQ(mode_of("a"), static_cast<fs::perms>((mode & 0066U) | 0600U)) << mode;
+    EXPECT_EQ(base::ReadWholeFile(Path("a")), "bytes");
+    fs::remove(folder_ / "a");
+  }
+  ASSERT_TRUE(base::WritePrivateFile(Path("a"), "x", Path("not there")));
+  EXPECT_EQ(mode_of("a"), static_cast<fs::perms>(0600));
+  // What is there already is not opened wider, and not left wide.
+  fs::permissions(folder_ / "model", static_cast<fs::perms>(0644));
+  ASSERT_TRUE(base::WritePrivateFile(Path("a"), "y", Path("model")));
+  EXPECT_EQ(mode_of("a"), static_cast<fs::perms>(0600));
+  fs::permissions(folder_ / "a", static_cast<fs::perms>(0666));
+  ASSERT_TRUE(base::WritePrivateFile(Path("a"), "z", Path("model")));
+  EXPECT_EQ(mode_of("a"), static_cast<fs::perms>(0644));
+  EXPECT_FALSE(base::WritePrivateFile(Path("no/a"), "z", Path("model")));
+  EXPECT_EQ(CountFiles(), 2U);
+}
+#endif
+
+TEST_F(Files, TwoNamesOfOneFileAreTold) {
+  ASSERT_TRUE(base::WriteWholeFile(Path("a"), "x"));
+  EXPECT_TRUE(base::SameFile(Path("a"), Path("a")));
+  EXPECT_TRUE(base::SameFile(Path("a"), Path("./a")));
+  EXPECT_TRUE(base::SameFile(Path("not there"), Path("./x/../not there")));
+  EXPECT_FALSE(base::SameFile(Path("a"), Path("b")));
+  fs::create_symlink(folder_ / "a", folder_ / "link");
+  EXPECT_TRUE(base::SameFile(Path("link"), Path("a")));
+  fs::create_hard_link(folder_ / "a", folder_ / "hard");
+  EXPECT_TRUE(base::SameFile(Path("hard"), Path("a")));
+}
+
 TEST_F(Files, RightsAndLinksAreKept) {
   ASSERT_TRUE(base::WriteWholeFile(Path("real.ini"), "viejo"));
   const auto rights = fs::perms::owner_read | fs::perms::owner_write;

@@ -1,9 +1,9 @@
 // Runs the command line and prints what came of it. Each file has a folder of its own, "{dir}" in its texts.
 //
-//   demo                the demo of October 2026
+//   demo [sqlite]       the demo of October 2026, in an Access file or in one of the embedded engine
 //   file NAME [crlf]    a file of the folder: the lines with CR LF between them, and one at the end with
 //   crlf;
-//                       CP1252
+//                       CP1252. With raw: the bytes that its \\r \\n \\xHH spell, nothing between the lines
 //   run                 arguments, one a line; after a line "<" the lines of the standard input. Prints the
 //   exit
 //                       code, then the lines of the output ("|"), then those of the error output ("!"). A "$"
@@ -12,6 +12,7 @@
 //   CSV; the
 //                       lines are further arguments
 //   review file=NAME    the same with revisar
+//   bytes NAME          a file of the folder as it is, a line after each LF; a UTF-16 one by its bytes
 //   query               a statement of the dialect over the demo base; rows joined with |
 //   mark                remembers every row of the base
 //   changes             the rows that differ from then: "- " gone, "+ " new; "none"
@@ -23,6 +24,7 @@
 #include "base/text.h"
 #include "mesa.h"
 #include "support/data_test.h"
+#include "support/escapes.h"
 
 namespace {
 
@@ -30,7 +32,8 @@ using support::Block;
 
 class Prueba {
  public:
-  std::string Demo(const Block&) {
+  std::string Demo(const Block& b) {
+    mesa_.PonerMotor(b.Has("sqlite") ? "sqlite" : "mdb");
     const prueba::Salida s = mesa_.Demo();
     return s.codigo == 0 ? "" : s.err;
   }
@@ -38,7 +41,8 @@ class Prueba {
   std::string Archivo(const Block& b) {
     std::string texto = base::Replace(b.entry, "\n", "\r\n");
     if (b.Has("crlf")) texto += "\r\n";
-    mesa_.Escribir(b.options.at(0), base::ToCp1252(ConCarpeta(texto)));
+    if (b.Has("raw")) texto = support::Unescape(base::Replace(texto, "\r\n", ""));
+    mesa_.Escribir(b.options.at(0), b.Has("raw") ? texto : base::ToCp1252(ConCarpeta(texto)));
     return {};
   }
 
@@ -64,6 +68,15 @@ class Prueba {
     completo.entry = verbo + "\n--base\n{dir}/ConfBase.cfg\n--archivo\n{dir}/" + b.Option("file") +
                      "\n--mes\n2026-10\n--salida\ncsv" + (b.entry.empty() ? "" : "\n" + b.entry);
     return Correr(completo);
+  }
+
+  std::string Bytes(const Block& b) {
+    const auto bytes = base::ReadWholeFile(mesa_.Ruta(b.options.at(0)));
+    if (!bytes) return "no such file";
+    std::string salida = support::Escaped(*bytes, true);
+    salida = base::Replace(salida, "\\n", "\\n\n");
+    while (base::EndsWith(salida, "\n")) salida.pop_back();
+    return salida.empty() ? "(empty)" : salida;
   }
 
   std::string Query(const Block& b) {
@@ -138,6 +151,7 @@ int main(int argc, char** argv) {
         {"run", [p](const Block& b) { return p->Correr(b); }},
         {"import", [p](const Block& b) { return p->Importar("importar", b); }},
         {"review", [p](const Block& b) { return p->Importar("revisar", b); }},
+        {"bytes", [p](const Block& b) { return p->Bytes(b); }},
         {"query", [p](const Block& b) { return p->Query(b); }},
         {"mark", [p](const Block& b) { return p->Marcar(b); }},
         {"changes", [p](const Block& b) { return p->Cambios(b); }},

@@ -11,9 +11,9 @@ struct Ayuda {
   std::vector<std::string> dice;
 };
 
-const std::vector<std::string> kImportar = {"--base",   "--archivo", "--mes",    "--liquidacion",
-                                            "--cc",     "--ajustes", "--opcion", "CLAVE=VALOR",
-                                            "--filtro", "--salida",  "--hoy",    "AAAA-MM"};
+const std::vector<std::string> kImportar = {
+    "--base",      "--archivo", "--mes",    "--liquidacion", "--cc",    "--ajustes",   "--opcion",
+    "CLAVE=VALOR", "--filtro",  "--salida", "--hoy",         "AAAA-MM", "--rechazadas"};
 
 const std::vector<Ayuda> kAyudas = {
     {{"--help"}, {"importar", "revisar", "formula", "consulta", "demo"}},

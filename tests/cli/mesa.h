@@ -27,6 +27,8 @@ class Mesa {
     base::CreateFolder(carpeta_);
   }
 
+  // Of the demo bases that are made from here on.
+  void PonerMotor(std::string motor) { motor_ = std::move(motor); }
   const std::string& Carpeta() const { return carpeta_; }
   std::string Ruta(const std::string& nombre) const { return base::JoinPath(carpeta_, nombre); }
   void Escribir(const std::string& nombre, const std::string& bytes) const {
