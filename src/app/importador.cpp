@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "corridas/testigo_de_cambios.h"
 #include "liquidation/avisos.h"
+#include "liquidation/verosimilitud.h"
 
 namespace app {
 
@@ -57,6 +58,14 @@ liquidation::EntradaImportacion Importador::EntradaDeImportacion(const settings:
 
 std::vector<std::string> Importador::Avisos() {
   return liquidation::AvisosDeImportacion(EntradaDeImportacion(e_.opciones), e_.filas);
+}
+
+std::vector<std::string> Importador::Verosimilitud() {
+  std::vector<std::string> textos;
+  if (!p_.base.Sesion().Abierta() || e_.filas.empty()) return textos;
+  p_.base.ConLaBase(
+      [&] { textos = liquidation::Verosimilitud(EntradaDeImportacion(e_.opciones), e_.filas, e_.aparte); });
+  return textos;
 }
 
 void Importador::Importar(bool deshacer) {

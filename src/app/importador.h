@@ -24,6 +24,8 @@ class Importador {
   std::string Confirmacion() const;
   // What would be written and may not be meant, one text a kind.
   std::vector<std::string> Avisos();
+  // What may not be meant although nothing is wrong with it, one text a kind; stops nothing. Reads the base.
+  std::vector<std::string> Verosimilitud();
 
  private:
   liquidation::EntradaImportacion EntradaDeImportacion(const settings::Settings& opciones);

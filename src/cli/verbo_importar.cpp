@@ -115,6 +115,9 @@ bool FaltaLeer(const app::Programa& programa, std::ostream& err) {
 int ImportarYMostrar(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
   const std::vector<std::string> avisos = programa.Importador().Avisos();
   for (const std::string& aviso : avisos) f.err << "Aviso: " << informe::EnUnaLinea(aviso) << '\n';
+  // These say nothing against importing: the exit code is the same with them.
+  for (const std::string& aviso : programa.Importador().Verosimilitud())
+    f.err << "Aviso: " << informe::EnUnaLinea(aviso) << '\n';
   if (!programa.Ver().filas.empty()) programa.Importador().Importar(o.solo_revisar);
   const bool escritos = EscribirArchivos(programa, o, f);
   const int codigo = Mostrar(o, programa, !avisos.empty(), f);

@@ -1,93 +1,16 @@
 #include "liquidation/avisos.h"
 
-#include <algorithm>
-#include <optional>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
-#include <utility>
 
 #include "base/number.h"
-#include "base/text.h"
+#include "liquidation/casos_internal.h"
 #include "liquidation/revisar_fila.h"
 
 namespace liquidation {
 namespace {
 
 using importfile::ImportRow;
-
-constexpr std::size_t kALaVista = 5;  // cases of a text, and lines of a case, that are named
-
-// "1, 2, 3, 4, 5 y 17 más", "1 y 2".
-std::string Enumerar(const std::vector<std::string>& primeros, std::size_t cuantos, std::string_view entre) {
-  std::string texto;
-  for (std::size_t i = 0; i < primeros.size(); ++i) {
-    const bool ultimo = i + 1 == cuantos;
-    if (i > 0) texto += ultimo ? " y " : entre;
-    texto += primeros[i];
-  }
-  if (cuantos > primeros.size()) texto += " y " + std::to_string(cuantos - primeros.size()) + " más";
-  return texto;
-}
-
-// What one case is called, and the lines that make it.
-struct Caso {
-  std::string nombre;
-  std::vector<std::string> primeras;
-  std::size_t lineas = 0, ultima = 0;
-
-  void Sumar(std::size_t linea) {
-    if (primeras.size() < kALaVista) primeras.push_back(std::to_string(linea));
-    ++lineas;
-    ultima = linea;
-  }
-  std::string Lineas() const {
-    return (lineas == 1 ? "línea " : std::to_string(lineas) + " líneas: ") + Enumerar(primeras, lineas, ", ");
-  }
-};
-
-struct Clave {
-  std::int32_t contrato = 0, concepto = 0, agrupa = 0;
-  bool operator==(const Clave&) const = default;
-};
-struct Picar {
-  std::size_t operator()(const Clave& k) const {
-    std::uint64_t h = static_cast<std::uint32_t>(k.contrato) * 0x9E3779B97F4A7C15ULL;
-    h ^= static_cast<std::uint32_t>(k.concepto) * 0xC2B2AE3D27D4EB4FULL + (h << 6) + (h >> 2);
-    h ^= static_cast<std::uint32_t>(k.agrupa) + (h << 6) + (h >> 2);
-    return static_cast<std::size_t>(h ^ (h >> 29));
-  }
-};
-
-// Cases by key, in the order in which they were first met.
-class Casos {
- public:
-  Caso& De(const Clave& clave) {
-    const auto [it, nuevo] = lugar_.try_emplace(clave, casos_.size());
-    if (nuevo) casos_.emplace_back();
-    return casos_[it->second];
-  }
-  // Those of at least `minimo` lines, each as `decir` puts it; "" when there is none.
-  template <typename Decir>
-  std::string Texto(std::size_t minimo, Decir&& decir) const {
-    std::vector<std::string> primeros;
-    std::size_t cuantos = 0;
-    for (const Caso& caso : casos_) {
-      if (caso.lineas < minimo) continue;
-      if (++cuantos <= kALaVista) primeros.push_back(decir(caso));
-    }
-    return Enumerar(primeros, cuantos, "; ");
-  }
-
- private:
-  std::unordered_map<Clave, std::size_t, Picar> lugar_;
-  std::vector<Caso> casos_;
-};
-
-std::string NombreDeConcepto(std::int32_t concepto) {
-  return concepto >= 1000 ? "tabla de usuario " + std::to_string(concepto - 1000)
-                          : "concepto " + std::to_string(concepto);
-}
 
 class Avisador {
  public:
@@ -100,7 +23,7 @@ class Avisador {
     const FilaRevisada revisada = RevisarFila(e_, fila);
     if (!revisada.linea) return;
     const LineaAImportar& linea = *revisada.linea;
-    Clave clave{.concepto = linea.concepto};
+    ClaveDeCaso clave{.concepto = linea.concepto};
     try {
       clave.contrato = Identificador32(e_.personas.Texto(refdata::kContrato, linea.persona));
       if (linea.concepto < 1000)
@@ -181,7 +104,7 @@ class Avisador {
   }
 
   // Quantities with a price are kept each for itself.
-  void VerRepetida(const ImportRow& fila, const Clave& clave, const std::string& persona) {
+  void VerRepetida(const ImportRow& fila, const ClaveDeCaso& clave, const std::string& persona) {
     if (e_.opciones.TotalizarConc) return;
     if (clave.concepto < 1000 && TipoDatoDe(fila) == kTipoCantidadYValor) return;
     Caso& caso = repetidas_.De(clave);

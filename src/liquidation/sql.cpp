@@ -62,6 +62,22 @@ std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Date mes, std::str
          "Contrato.id_Contrato,TiposLiquidacion.id_TipoLiq";
 }
 
+std::string ContratosQueTerminan(std::int32_t idEmpresa, base::Date desde, base::Date antes_de) {
+  return "Select id_Contrato,FECFIN From Contrato Where idEmpresa=" + Num(idEmpresa) +
+         " and cdate(FECFIN)>=" + Literal(desde) + " and cdate(FECFIN)<" + Literal(antes_de) +
+         " order by id_Contrato";
+}
+
+std::string CantidadesDeMeses(std::int32_t idEmpresa, base::Date desde, base::Date hasta,
+                              std::string_view conceptos) {
+  return "Select E.id_Contrato,D.id_Concepto,E.MesDeLiq,Sum(D.Cantidad) as Cant,Sum(D.Coeficiente) as Coef "
+         "From Datos_Liquidacion as D inner join Encabezados as E on E.id_Encabezado=D.id_Encabezado and "
+         "E.idEmpresa=D.idEmpresa Where E.idEmpresa=" +
+         Num(idEmpresa) + " and E.MesDeLiq>=" + Literal(desde) + " and E.MesDeLiq<=" + Literal(hasta) +
+         " and D.id_Concepto in (" + std::string(conceptos) +
+         ") Group by E.id_Contrato,D.id_Concepto,E.MesDeLiq Order by E.id_Contrato,D.id_Concepto,E.MesDeLiq";
+}
+
 ConsultaDeTipos::ConsultaDeTipos(std::int32_t idEmpresa, base::Date mes,
                                  const CondicionesDeTipo& condiciones) {
   const std::string id = "\x01contrato\x01";  // in its place; no condition holds it

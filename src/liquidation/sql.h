@@ -19,6 +19,12 @@ std::string Precarga(std::int32_t idEmpresa, base::Date mes, std::string_view co
 // The month's open headers with every person key, or one of them.
 std::string EncabezadosAbiertos(std::int32_t idEmpresa, base::Date mes, std::string_view filtro_tipo,
                                 std::optional<std::int32_t> id_Encabezado = std::nullopt);
+// id_Contrato and FECFIN of the contracts that end from the one day on and before the other.
+std::string ContratosQueTerminan(std::int32_t idEmpresa, base::Date desde, base::Date antes_de);
+// id_Contrato, id_Concepto, MesDeLiq and the sums of Cantidad and Coeficiente of the months from `desde` to
+// `hasta`, the earliest first, for the given concepts ("7,2").
+std::string CantidadesDeMeses(std::int32_t idEmpresa, base::Date desde, base::Date hasta,
+                              std::string_view conceptos);
 // The liquidation types that apply to a contract in the month and are not finished, the lowest first.
 struct CondicionesDeTipo {
   std::string TypeFilter;         // over TiposLiquidacion

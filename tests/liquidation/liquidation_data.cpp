@@ -14,6 +14,7 @@
 //                               inserted (+), changed (~) or deleted (-), with the columns that differ
 //   query [rowsort]             a statement; rows joined with |
 //   warn                        as import: what is told before, one a line; nothing is written
+//   plausible                   the same of what may not be meant although nothing is wrong with it
 //   confirm mes=… liq=… cc=…    the question before the import, with settings as in import
 #include <algorithm>
 #include <memory>
@@ -29,6 +30,7 @@
 #include "liquidation/cajas.h"
 #include "liquidation/conexion_con_fallas.h"
 #include "liquidation/importar.h"
+#include "liquidation/verosimilitud.h"
 #include "refdata/liquidation_types.h"
 #include "settings/config_file.h"
 #include "support/data_test.h"
@@ -194,6 +196,17 @@ class Mesa {
     return base::Join(liquidation::AvisosDeImportacion(e, carga.filas), "\n");
   }
 
+  std::string Plausible(const support::Block& b) {
+    Preparar(b);
+    const importfile::Carga carga = Cargar();
+    for (const Falla& f : fallas_) conexion_->Fallar(f.comienzo, f.vez, f.clase);
+    try {
+      return base::Join(liquidation::Verosimilitud(Entrada(b), carga.filas, carga.aparte), "\n");
+    } catch (const base::Error& e) {
+      return "FAULT " + e.Description();
+    }
+  }
+
   std::string Confirmar(const support::Block& b) {
     Preparar(b);
     liquidation::DatosConfirmacion d;
@@ -357,6 +370,7 @@ int main(int argc, char** argv) {
         {"import", [mesa](const support::Block& b) { return mesa->Importar(b); }},
         {"changes", [mesa](const support::Block& b) { return mesa->Changes(b); }},
         {"warn", [mesa](const support::Block& b) { return mesa->Avisos(b); }},
+        {"plausible", [mesa](const support::Block& b) { return mesa->Plausible(b); }},
         {"confirm", [mesa](const support::Block& b) { return mesa->Confirmar(b); }},
     };
   });
