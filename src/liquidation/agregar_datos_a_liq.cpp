@@ -42,7 +42,7 @@ struct Eleccion {
 
 Eleccion ElegirEncabezado(Corrida& c, std::int32_t contrato, std::string_view clave) {
   const EntradaImportacion& e = c.entrada;
-  const EncabezadoAbierto* hallado = c.encabezados.Find(clave, contrato);
+  const EncabezadoAbierto* hallado = c.encabezados.Buscar(clave, contrato);
   const std::int32_t tipo = TipoDeContrato(c, contrato);
   if (hallado != nullptr) {
     if (hallado->Terminado) return {0, "La Liquidación está terminada"};

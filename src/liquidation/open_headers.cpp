@@ -87,7 +87,7 @@ void OpenHeaders::Deshacer() {
   nuevos_.clear();
 }
 
-const EncabezadoAbierto* OpenHeaders::Find(std::string_view valor, std::int32_t contrato) const {
+const EncabezadoAbierto* OpenHeaders::Buscar(std::string_view valor, std::int32_t contrato) const {
   const std::string clave = Normalizada(valor);
   if (clave.empty()) return nullptr;
   const auto it = por_clave_.find(clave);

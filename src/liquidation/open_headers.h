@@ -35,7 +35,7 @@ class OpenHeaders {
   // The first record whose key field equals the value: as a criterion "field=value" finds it. Null when there
   // is none, and when that record is another contract's: two may share a card, or belong to one person. A
   // value that is no number finds nothing under a numeric kind. The pointer lives until the next Reabrir.
-  const EncabezadoAbierto* Find(std::string_view valor, std::int32_t contrato) const;
+  const EncabezadoAbierto* Buscar(std::string_view valor, std::int32_t contrato) const;
   // Brings in a header that the run has just inserted, as opening the whole query again would, reading that
   // header alone. Throws db::Error.
   void Reabrir(const sesion::DbSession& sesion, std::int32_t id_Encabezado);

@@ -211,6 +211,7 @@ TEST_F(Parametros, BracketedNamesGoBeforeBareOnes) {
   EXPECT_EQ(ConTabla({{"A", "2"}, {"AB", "3"}}, "AB"), "2B");
   EXPECT_EQ(ConTabla({{"A", "B"}, {"B", "3"}}, "A"), "3");
   EXPECT_EQ(ConTabla({{"A", "2"}}, "#A#"), "A");
+  EXPECT_EQ(ConTabla({{"A", "1000"}}, "1+A+A"), "2001");
   EXPECT_TRUE(cajas.empty());
 }
 

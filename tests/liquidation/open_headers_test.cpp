@@ -50,7 +50,7 @@ struct Headers : ::testing::Test {
   void Open(int kind) { headers.Abrir(session, base::MakeDate(2026, 10, 1), "TL", kind); }
   // The header that the key finds for the contract, 0 when none.
   std::int32_t Found(std::string_view key, std::int32_t contract = 10) const {
-    const auto* header = headers.Find(key, contract);
+    const auto* header = headers.Buscar(key, contract);
     return header == nullptr ? 0 : header->id_Encabezado;
   }
 
@@ -102,13 +102,13 @@ TEST_F(Headers, TheFirstRecordDecides) {
   Open(2);
   EXPECT_EQ(Found("1", 9), 50);
   EXPECT_EQ(Found("1", 10), 0);
-  EXPECT_EQ(headers.Find("1", 9)->id_TipoLiq, 2);
-  EXPECT_FALSE(headers.Find("1", 9)->Terminado);
+  EXPECT_EQ(headers.Buscar("1", 9)->id_TipoLiq, 2);
+  EXPECT_FALSE(headers.Buscar("1", 9)->Terminado);
 
   base->Row(52, 9, 1, Value(1), true);
   headers.Reabrir(session, 52);
   EXPECT_EQ(Found("1", 9), 52);
-  EXPECT_TRUE(headers.Find("1", 9)->Terminado);
+  EXPECT_TRUE(headers.Buscar("1", 9)->Terminado);
   base->Row(53, 9, 1, Value(1));
   headers.Reabrir(session, 53);
   EXPECT_EQ(Found("1", 9), 52);

@@ -55,7 +55,7 @@ std::vector<std::size_t> ColumnasDe(std::string_view campos, const db::Recordset
 
 std::int64_t Dato(std::string_view registro) {
   constexpr double kMaximo = 9e15;
-  const double numero = base::Parse(registro.substr(0, registro.find('*')));
+  const double numero = base::Parse(registro);  // stops at the first "*"
   return std::abs(numero) <= kMaximo ? static_cast<std::int64_t>(numero) : 0;
 }
 
@@ -73,7 +73,7 @@ void Llenar(ListControl& control, Vector* vector, const db::Recordset& filas,
     const std::size_t desde = vector != nullptr ? 1 : 0;
     for (std::size_t i = desde; i < columnas.size(); ++i) {
       if (i > desde) item.texto += separador;
-      item.texto += i == 0 ? primero : filas.At(columnas[i], fila).Text();
+      item.texto += filas.At(columnas[i], fila).Text();
     }
     control.items.push_back(std::move(item));
   }
