@@ -67,7 +67,7 @@ class RowMatcher {
   const EntradaCarga& entrada_;
   const settings::Settings& opciones_;
   std::vector<DatosDeConcepto> por_relacion_;
-  DatosDeConcepto sin_concepto_;
+  const DatosDeConcepto sin_concepto_{true, "3", "S", "0"};
 };
 
 }  // namespace importfile

@@ -7,7 +7,6 @@ namespace importfile {
 namespace {
 
 constexpr std::string_view kCodigoHorasComunes = "HC";  // its lines take the contract's monthly hours
-constexpr std::string_view kSinConcepto = "-1";
 
 // Ids are whole numbers; a relation written by hand may hold "07".
 std::string IdDeConcepto(std::string_view texto) {
@@ -18,14 +17,11 @@ std::string IdDeConcepto(std::string_view texto) {
 }  // namespace
 
 RowMatcher::RowMatcher(const EntradaCarga& entrada, const settings::Settings& opciones)
-    : entrada_(entrada), opciones_(opciones), por_relacion_(entrada.relaciones->Cantidad()) {
-  sin_concepto_ = BuscarConcepto(kSinConcepto);
-}
+    : entrada_(entrada), opciones_(opciones), por_relacion_(entrada.relaciones->Cantidad()) {}
 
 RowMatcher::DatosDeConcepto RowMatcher::BuscarConcepto(std::string_view id_concepto) const {
-  // The catalogue may hold an entry "-1" of its own, which is no concept.
-  const int entrada = id_concepto == kSinConcepto ? -1 : entrada_.conceptos->Buscar(id_concepto);
-  if (entrada < 0) return {true, "3", "S", "0"};
+  const int entrada = entrada_.conceptos->Buscar(id_concepto);
+  if (entrada < 0) return sin_concepto_;
   const auto registro = static_cast<std::size_t>(entrada);
   const formula::Vector& tabla = entrada_.conceptos->tabla;
   return {true, tabla.Campo(2, registro), tabla.Campo(3, registro), tabla.Campo(4, registro)};
