@@ -29,7 +29,7 @@ void PintarBoton(QPushButton* boton, const char* papel, const Tema& tema) {
   QPalette p = boton->palette();
   const bool primario = QLatin1String(papel) == QLatin1String(kPrimario);
   p.setColor(QPalette::ButtonText, primario ? tema.sobre_acento : tema.columna_texto);
-  p.setColor(QPalette::Disabled, QPalette::ButtonText, tema.columna_tenue.darker(140));
+  p.setColor(QPalette::Disabled, QPalette::ButtonText, tema.columna_apagado);
   boton->setPalette(p);
 }
 
@@ -158,7 +158,7 @@ void Columna::CrearCabeza(const Tema& tema) {
 }
 
 void Columna::CrearBotones(const Tema& tema) {
-  const QColor apagado = tema.columna_tenue.darker(140);
+  const QColor apagado = tema.columna_apagado;
   // Both carry the tooltip of the import; it is meant to be the same text.
   cbConfigurar[0] = CrearBoton(QStringLiteral("cbConfigurar_0"), QStringLiteral("Formato y opciones"), Area1);
   cbConfigurar[1] = CrearBoton(QStringLiteral("cbConfigurar_1"), QStringLiteral("Relaciones"), Area1);

@@ -13,21 +13,24 @@ namespace gui {
 namespace {
 
 constexpr double kRadio = 4;
+constexpr double kAnchoFoco = 2;
 constexpr int kRelleno = 4;  // between a cell's edge and its text
 
 QString Papel(const QWidget* widget) {
   return widget != nullptr ? widget->property(kPapel).toString() : QString();
 }
 
-// A one-pixel outline lies on the middle of its pixels.
-QRectF Trazo(const QRect& r) { return QRectF(r).adjusted(0.5, 0.5, -0.5, -0.5); }
+// An outline lies wholly inside its rectangle.
+QRectF Trazo(const QRect& r, double ancho = 1) {
+  return QRectF(r).adjusted(ancho / 2, ancho / 2, -ancho / 2, -ancho / 2);
+}
 
 void Caja(QPainter& p, const QRect& r, const QColor& fondo, const QColor& borde, double ancho = 1) {
   p.save();
   p.setRenderHint(QPainter::Antialiasing);
   p.setBrush(fondo);
   p.setPen(borde.isValid() ? QPen(borde, ancho) : QPen(Qt::NoPen));
-  p.drawRoundedRect(Trazo(r), kRadio, kRadio);
+  p.drawRoundedRect(Trazo(r, ancho), kRadio, kRadio);
   p.restore();
 }
 
@@ -77,10 +80,13 @@ void Estilo::Boton(const QStyleOption& o, QPainter& p, const QWidget* widget) co
     else
       Caja(p, o.rect, tema_.columna_boton, tema_.columna_borde);
   } else if (papel == QLatin1String(kColumna)) {
-    const QColor fondo = puesto || apretado ? tema_.acento_apretado
-                         : encima           ? tema_.columna_encima
-                                            : tema_.columna_boton;
+    const QColor fondo = !vivo                ? tema_.columna_boton
+                         : puesto || apretado ? tema_.acento_apretado
+                         : encima             ? tema_.columna_encima
+                                              : tema_.columna_boton;
     Caja(p, o.rect, fondo, puesto ? tema_.acento_encima : tema_.columna_borde);
+  } else if (puesto && vivo) {
+    Caja(p, o.rect, apretado ? tema_.acento_apretado : tema_.acento, tema_.foco, kAnchoFoco);
   } else {
     const QColor fondo = !vivo      ? tema_.ventana
                          : apretado ? tema_.boton_apretado
@@ -93,10 +99,11 @@ void Estilo::Boton(const QStyleOption& o, QPainter& p, const QWidget* widget) co
 void Estilo::Campo(const QStyleOption& o, QPainter& p) const {
   const bool vivo = Tiene(o, State_Enabled);
   const QColor borde = !vivo                       ? tema_.linea
-                       : Tiene(o, State_HasFocus)  ? tema_.acento
+                       : Tiene(o, State_HasFocus)  ? tema_.foco
                        : Tiene(o, State_MouseOver) ? tema_.borde_fuerte
                                                    : tema_.borde;
-  Caja(p, o.rect, vivo ? tema_.base : tema_.ventana, borde, vivo && Tiene(o, State_HasFocus) ? 1.6 : 1);
+  Caja(p, o.rect, vivo ? tema_.base : tema_.ventana, borde,
+       vivo && Tiene(o, State_HasFocus) ? kAnchoFoco : 1);
 }
 
 void Estilo::Marca(const QStyleOption& o, QPainter& p, bool redonda) const {
@@ -134,14 +141,35 @@ void Estilo::Marca(const QStyleOption& o, QPainter& p, bool redonda) const {
   p.restore();
 }
 
-// Only for who moves by keyboard; fields show their focus by their border.
+// Of who moves by mouse too: after a click the keyboard goes on from there. Fields show their focus by their
+// border.
 void Estilo::Foco(const QStyleOption& o, QPainter& p, const QWidget* widget) const {
-  if (!Tiene(o, State_KeyboardFocusChange) || widget == nullptr) return;
+  if (widget == nullptr) return;
   const QString papel = Papel(widget);
-  const bool oscuro = papel == QLatin1String(kPrimario) || papel == QLatin1String(kColumna);
-  const bool boton = widget->inherits("QPushButton");
-  Caja(p, boton ? widget->rect().adjusted(2, 2, -2, -2) : o.rect, Qt::transparent,
-       oscuro ? tema_.columna_texto : tema_.acento, 1.2);
+  if (papel == QLatin1String(kPrimario)) {
+    Caja(p, widget->rect().adjusted(2, 2, -2, -2), Qt::transparent, tema_.sobre_acento, kAnchoFoco);
+  } else if (papel == QLatin1String(kColumna)) {
+    Caja(p, widget->rect(), Qt::transparent, tema_.columna_texto, kAnchoFoco);
+  } else if (widget->inherits("QPushButton")) {
+    // On a swatch or a chosen button it must show beside any colour.
+    if (papel == QLatin1String(kMuestra) || Tiene(o, State_On))
+      Caja(p, widget->rect().adjusted(2, 2, -2, -2), Qt::transparent, tema_.ventana, kAnchoFoco);
+    Caja(p, widget->rect(), Qt::transparent, tema_.foco, kAnchoFoco);
+  } else {
+    Caja(p, o.rect.adjusted(-4, -1, 4, 1).intersected(widget->rect()), Qt::transparent, tema_.foco,
+         kAnchoFoco);
+  }
+}
+
+void Estilo::Marco(const QStyleOption& o, QPainter& p) const {
+  const bool foco = Tiene(o, State_HasFocus) && Tiene(o, State_Enabled);
+  p.save();
+  p.setBrush(Qt::NoBrush);
+  p.setPen(foco ? tema_.foco : tema_.base);
+  p.drawRect(o.rect.adjusted(1, 1, -2, -2));
+  p.setPen(foco ? tema_.foco : tema_.borde);
+  p.drawRect(o.rect.adjusted(0, 0, -1, -1));
+  p.restore();
 }
 
 void Estilo::drawPrimitive(PrimitiveElement elemento, const QStyleOption* opcion, QPainter* p,
@@ -169,15 +197,10 @@ void Estilo::drawPrimitive(PrimitiveElement elemento, const QStyleOption* opcion
     case PE_IndicatorHeaderArrow:
       if (const auto* titulo = qstyleoption_cast<const QStyleOptionHeader*>(opcion))
         Flecha(*p, QPointF(QRectF(titulo->rect).center().x(), widget != nullptr ? widget->height() / 2.0 : 0),
-               titulo->sortIndicator == QStyleOptionHeader::SortDown, tema_.acento);
+               titulo->sortIndicator == QStyleOptionHeader::SortDown, tema_.foco);
       return;
     case PE_Frame:
-      p->save();
-      p->setPen(tema_.borde);
-      p->setBrush(Qt::NoBrush);
-      p->drawRect(opcion->rect.adjusted(0, 0, -1, -1));
-      p->restore();
-      return;
+      return Marco(*opcion, *p);
     default:
       QProxyStyle::drawPrimitive(elemento, opcion, p, widget);
   }
@@ -209,9 +232,15 @@ void Estilo::drawControl(ControlElement elemento, const QStyleOption* opcion, QP
       if (const auto* boton = qstyleoption_cast<const QStyleOptionButton*>(opcion); boton && widget) {
         QStyleOptionButton con_tecla(*boton);
         con_tecla.text = ConTecla(boton->text, widget->property(kTecla).toString());
+        if (elemento == CE_PushButtonLabel && Tiene(*opcion, State_On) && Papel(widget).isEmpty())
+          con_tecla.palette.setColor(QPalette::ButtonText, tema_.sobre_acento);
         return QProxyStyle::drawControl(elemento, &con_tecla, p, widget);
       }
       break;
+    case CE_PushButton:
+      QProxyStyle::drawControl(elemento, opcion, p, widget);
+      if (Tiene(*opcion, State_HasFocus)) Foco(*opcion, *p, widget);
+      return;
     case CE_HeaderLabel:
       if (const auto* titulo = qstyleoption_cast<const QStyleOptionHeader*>(opcion))
         return Titulo(*titulo, *p, widget);
@@ -221,7 +250,7 @@ void Estilo::drawControl(ControlElement elemento, const QStyleOption* opcion, QP
       const QRect r = opcion->rect;
       p->save();
       p->fillRect(r, tema_.cabecera);
-      p->setPen(tema_.borde);
+      p->setPen(tema_.separador);
       p->drawLine(r.bottomLeft(), r.bottomRight());
       if (elemento == CE_HeaderSection) p->drawLine(r.right(), r.top() + 5, r.right(), r.bottom() - 5);
       p->restore();
@@ -344,6 +373,9 @@ int Estilo::pixelMetric(PixelMetric medida, const QStyleOption* opcion, const QW
     case PM_CheckBoxLabelSpacing:
     case PM_RadioButtonLabelSpacing:
       return 7;
+    case PM_DefaultFrameWidth:  // of a grid: room for its focus
+      if (widget != nullptr && widget->inherits("QAbstractItemView")) return static_cast<int>(kAnchoFoco);
+      break;
     case PM_HeaderMargin:
       return kRelleno;
     case PM_FocusFrameHMargin:
@@ -352,8 +384,9 @@ int Estilo::pixelMetric(PixelMetric medida, const QStyleOption* opcion, const QW
     case PM_ButtonShiftVertical:
       return 0;
     default:
-      return QProxyStyle::pixelMetric(medida, opcion, widget);
+      break;
   }
+  return QProxyStyle::pixelMetric(medida, opcion, widget);
 }
 
 QIcon Estilo::standardIcon(StandardPixmap cual, const QStyleOption* opcion, const QWidget* widget) const {

@@ -48,6 +48,7 @@ class Estilo final : public QProxyStyle {
   void Titulo(const QStyleOptionHeader& o, QPainter& p, const QWidget* widget) const;
   void Campo(const QStyleOption& o, QPainter& p) const;
   void Marca(const QStyleOption& o, QPainter& p, bool redonda) const;
+  void Marco(const QStyleOption& o, QPainter& p) const;
   void Foco(const QStyleOption& o, QPainter& p, const QWidget* widget) const;
   void Combo(const QStyleOption& o, QPainter& p, const QRect& flecha) const;
   void BarraDeDesplazamiento(const QStyleOptionComplex& o, QPainter& p, const QWidget* widget) const;

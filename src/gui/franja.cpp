@@ -61,11 +61,12 @@ void Franja::CrearFila3() {
   lblAgrupa = new Etiqueta(QStringLiteral("lblAgrupa"), QStringLiteral("C. de Costo:"), caja);
   cmbAgrupa = new Combo(QStringLiteral("cmbAgrupa"), caja);
   lblAgrupa->Acompanar(cmbAgrupa, QStringLiteral("O"));
-  Label1 = new Etiqueta(QStringLiteral("Label1"), QStringLiteral("Filtro"), caja);
   filtro_ = new QWidget(caja);
+  Label1 = new Etiqueta(QStringLiteral("Label1"), QStringLiteral("Filtro"), filtro_);
   auto* fila = new QHBoxLayout(filtro_);
   fila->setContentsMargins(0, 0, 0, 0);
   fila->setSpacing(14);
+  fila->addWidget(Label1);
   const char* textos[] = {"Por Texto", "Por Relación"};
   const char* teclas[] = {"X", "L"};
   for (const std::size_t i : {std::size_t{1}, std::size_t{0}}) {
@@ -80,17 +81,14 @@ void Franja::CrearFila3() {
   fila->addWidget(txtFiltro, 1);
   plano_->addWidget(lblAgrupa, 2, 0);
   plano_->addWidget(cmbAgrupa, 2, 1);
-  plano_->addWidget(Label1, 2, 2);
-  plano_->addWidget(filtro_, 2, 3, 1, 3);
+  plano_->addWidget(filtro_, 2, 2, 1, 4);
 }
 
 void Franja::PonerCentroDeCosto(bool visible) {
   if (visible == con_centro_) return;
   con_centro_ = visible;
-  plano_->removeWidget(Label1);
   plano_->removeWidget(filtro_);
-  plano_->addWidget(Label1, 2, visible ? 2 : 0);
-  plano_->addWidget(filtro_, 2, visible ? 3 : 1, 1, visible ? 3 : 5);
+  plano_->addWidget(filtro_, 2, visible ? 2 : 0, 1, visible ? 4 : 6);
 }
 
 }  // namespace gui

@@ -35,7 +35,7 @@ struct Franja {
   void CrearFila3();
 
   QGridLayout* plano_ = nullptr;
-  QWidget* filtro_ = nullptr;  // options and box
+  QWidget* filtro_ = nullptr;  // its label, options and box
   bool con_centro_ = true;
 };
 

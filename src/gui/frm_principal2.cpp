@@ -10,8 +10,10 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QShowEvent>
 
+#include "gui/tamano_de_ventana.h"
 #include "gui/texto.h"
 
 namespace gui {
@@ -37,9 +39,10 @@ FrmPrincipal2::FrmPrincipal2(app::Programa& programa, const Tema& tema, Bomba* b
   ConectarRelaciones();
   ConectarGrillas();
   ConectarSesion();
+  ConectarTeclas();
   programa_.AlCambiar([this] { Sincronizar(); });
   programa_.BarraDeProgreso().al_pintar = [this] { PintarBarra(); };
-  resize(1280, 720);
+  resize(TamanoInicial(screen()->availableSize()));
   Sincronizar();
 }
 
@@ -57,47 +60,35 @@ void FrmPrincipal2::Armar() {
   GridAImportar_->setAccessibleName(QStringLiteral("Líneas a importar"));
   GridAImportar_->horizontalHeader()->setSectionsClickable(true);
   GridAImportar_->horizontalHeader()->setSortIndicatorShown(true);
-  constexpr int kAnchos[] = {66, 104, 116, 76, 66, 60, 156, 84, 88, 55, 180};
-  for (int i = 0; i < modelo_importar_.columnCount(); ++i) GridAImportar_->setColumnWidth(i, kAnchos[i]);
+  GridAImportar_->PonerAnchos({{66, 56, 0},
+                               {104, 70, 2},
+                               {116, 80, 2},
+                               {76, 64, 0},
+                               {66, 56, 0},
+                               {60, 44, 0},
+                               {156, 96, 3},
+                               {84, 76, 0},
+                               {88, 60, 1},
+                               {55, 55, 0},
+                               {180, 130, 4}});
   formato_.Crear(tema_, this);
   formato_.GridPVConf->setModel(&modelo_previa_);
-  formato_.GridPVConf->horizontalHeader()->setDefaultSectionSize(90);
-  formato_.GridPVConf->horizontalHeader()->setStretchLastSection(true);
+  formato_.GridPVConf->PonerAnchos(QList<Grilla::Ancho>(modelo_previa_.columnCount(), {90, 60, 1}));
   relaciones_.Crear(tema_, this);
   relaciones_.GridRelaciones->setModel(&modelo_relaciones_);
-  constexpr int kAnchosDeRelaciones[] = {120, 360, 270, 55};
-  for (int i = 0; i < modelo_relaciones_.columnCount(); ++i)
-    relaciones_.GridRelaciones->setColumnWidth(i, kAnchosDeRelaciones[i]);
+  relaciones_.GridRelaciones->PonerAnchos({{120, 90, 0}, {360, 160, 4}, {270, 120, 3}, {55, 55, 0}});
   PonerOrdenDeTeclas();
-}
-
-// As the eye goes: the strip, the grid, the open panel, the commands.
-void FrmPrincipal2::PonerOrdenDeTeclas() {
-  const QList<QWidget*> orden = {franja_.txtRuta,      franja_.cbBuscar,         franja_.cbActualizar,
-                                 franja_.ObjSelMes,    franja_.cmbLiquidaciones, franja_.cmbAgrupa,
-                                 franja_.OptFiltro[1], franja_.OptFiltro[0],     franja_.txtFiltro,
-                                 GridAImportar_};
-  for (qsizetype i = 1; i < orden.size(); ++i) setTabOrder(orden[i - 1], orden[i]);
-  QWidget* ultimo = GridAImportar_;
-  for (QWidget* panel : {static_cast<QWidget*>(formato_.AreConf), static_cast<QWidget*>(relaciones_.AreConf)})
-    for (auto* hijo : panel->findChildren<QWidget*>())
-      if (hijo->focusPolicy() != Qt::NoFocus && !hijo->inherits("QScrollBar") &&
-          hijo->focusProxy() == nullptr && hijo->window() == this &&
-          !hijo->objectName().startsWith(QLatin1String("qt_"))) {
-        setTabOrder(ultimo, hijo);
-        ultimo = hijo;
-      }
-  for (QWidget* boton :
-       {columna_.cbConfigurar[0], columna_.cbConfigurar[1], columna_.cbImportar, columna_.cbSalir}) {
-    setTabOrder(ultimo, boton);
-    ultimo = boton;
-  }
 }
 
 bool FrmPrincipal2::Iniciar(const QString& linea_de_comandos) {
   const bool sigue = programa_.Iniciar(A(linea_de_comandos));
   Sincronizar();
   return sigue;
+}
+
+void FrmPrincipal2::Recordar(QSettings* ajustes) {
+  ajustes_ = ajustes;
+  if (ajustes_ != nullptr) RecordarTamano(*this, *ajustes_);
 }
 
 void FrmPrincipal2::Hacer(const Evento& evento) {
@@ -143,6 +134,7 @@ void FrmPrincipal2::closeEvent(QCloseEvent* evento) {
   }
   cerrada_ = true;
   Timer1_.stop();
+  if (ajustes_ != nullptr) GuardarTamano(*this, *ajustes_);
   evento->accept();
 }
 

@@ -15,6 +15,8 @@
 #include "gui/panel_relaciones.h"
 #include "gui/tema.h"
 
+class QSettings;
+
 namespace gui {
 
 class FrmPrincipal2 final : public QWidget {
@@ -27,6 +29,8 @@ class FrmPrincipal2 final : public QWidget {
   // Start-up. False: the program is to end at once, without a window.
   bool Iniciar(const QString& linea_de_comandos);
   bool Cerrada() const { return cerrada_; }
+  // Takes its size from there, and leaves it there when it closes; null: of no other run.
+  void Recordar(QSettings* ajustes);
   // The system wants the program to end: everything is saved without a box, and all event loops end.
   void Terminar();
   bool Terminando() const { return terminando_; }
@@ -54,6 +58,7 @@ class FrmPrincipal2 final : public QWidget {
   void ConectarRelaciones();
   void ConectarGrillas();
   void ConectarSesion();
+  void ConectarTeclas();
 
   // An event of the operator: handed to the program, and what came of it drawn. Nothing while the window
   // itself sets its controls, and nothing once it is closed.
@@ -94,8 +99,9 @@ class FrmPrincipal2 final : public QWidget {
   ModeloRelaciones modelo_relaciones_;
   ModeloPrevia modelo_previa_;
   QTimer Timer1_;
-  app::Revisiones vistas_;   // of the state, as drawn
-  QWidget* foco_ = nullptr;  // whose focus waits for the end of a load or an import
+  QSettings* ajustes_ = nullptr;  // of the desktop
+  app::Revisiones vistas_;        // of the state, as drawn
+  QWidget* foco_ = nullptr;       // whose focus waits for the end of a load or an import
   bool primera_vez_ = true, sincronizando_ = false, cerrada_ = false, activacion_en_cola_ = false,
        cierre_en_cola_ = false, terminando_ = false;
 };

@@ -1,10 +1,11 @@
 // Where everything stands. Lengths are twips; what would not fit leaves the controls where they were.
 #include <QLabel>
-#include <QLayout>
 #include <QPushButton>
+#include <QScreen>
 #include <algorithm>
 
 #include "gui/frm_principal2.h"
+#include "gui/tamano_de_ventana.h"
 #include "gui/texto.h"
 
 namespace gui {
@@ -14,7 +15,7 @@ constexpr int kAnchoArea1 = 3960;
 constexpr int kAnchoPanel = 13200;
 constexpr int kMargen = 180;         // around the strip and the grid
 constexpr int kBajoLosBotones = 80;  // from the bottom row to the window's edge
-constexpr int kAltoMinimoGrilla = 4500;
+constexpr int kAltoMinimoGrilla = 1200;
 
 constexpr int kSeparacion = 8;  // pixels between the buttons of the column
 
@@ -40,7 +41,7 @@ void FrmPrincipal2::Disponer() {
   const int y_cinta = margen + alto_franja + margen;
   const int y_grilla = y_cinta + (alto_cinta > 0 ? alto_cinta + margen / 2 : 0),
             alto_grilla = height() - y_grilla - margen;
-  setMinimumSize(x + Px(kAnchoPanel) + margen, y_grilla + Px(kAltoMinimoGrilla) + margen);
+  setMinimumSize(TamanoMinimo(screen()->availableSize() - (frameGeometry().size() - size())));
   if (ancho < franja_.caja->minimumSizeHint().width() || alto_grilla < Px(kAltoMinimoGrilla)) return;
   columna_.Area1->setGeometry(0, 0, ancho_columna, height());
   DisponerColumna();
@@ -73,18 +74,20 @@ void FrmPrincipal2::DisponerColumna() {
 }
 
 // Both panels have the height that the relations need: from the bottom of their grid 250 twips more. They
-// stand on the bottom edge of the import grid and cover its lower part.
+// stand on the bottom edge of the import grid and cover its lower part; what a small window has no room for
+// is scrolled.
 void FrmPrincipal2::DisponerPaneles() {
   PanelRelaciones& r = relaciones_;
   const QRect grilla = GridAImportar_->geometry();
-  const int ancho = std::max({Px(kAnchoPanel), formato_.AreConf->layout()->minimumSize().width(),
-                              r.edicion->minimumSizeHint().width() + 2 * Panel::kMargen});
+  const QSize formato = formato_.contenido->minimumSizeHint();
+  const int ancho = std::min(std::max(Px(kAnchoPanel), formato.width() + 2), grilla.width());
   const int dentro = ancho - 2 * Panel::kMargen, y_edicion = Panel::kTitulo + 12;
+  r.Ajustar(dentro);
   r.edicion->setGeometry(Panel::kMargen, y_edicion, dentro, r.edicion->sizeHint().height());
   const int y = y_edicion + r.edicion->height() + 10;
-  const int minimo = formato_.AreConf->layout()->minimumSize().height() - y - Px(250);
+  const int minimo = Panel::kTitulo + formato.height() + 3 - y - Px(250);
   const int deseado = grilla.height() * 3 / 5 - y - Px(250);
-  const int maximo = grilla.height() - y - Px(250);
+  const int maximo = std::max(grilla.height() - y - Px(250), r.GridRelaciones->minimumSizeHint().height());
   r.GridRelaciones->setGeometry(Panel::kMargen, y, dentro, std::min(std::max(minimo, deseado), maximo));
   const int alto = r.GridRelaciones->geometry().bottom() + 1 + Px(250);
   for (Panel* panel : {formato_.AreConf, r.AreConf})

@@ -150,6 +150,7 @@ void FrmPrincipal2::SincronizarFormato(const app::Estado& e) {
   PanelFormato& f = formato_;
   f.optTipoArch.at(static_cast<std::size_t>(e.optTipoArch))->setChecked(true);
   Poner(f.txtSeparador, e.txtSeparador);
+  f.cbTabulador->setEnabled(e.txtSeparador.enabled);
   for (std::size_t i = 0; i < e.txtAE.size(); ++i) {
     for (std::size_t j = 0; j < 2; ++j) Poner(f.txtAE[i][j], e.txtAE[i][j]);
     f.lblAE[i]->setEnabled(e.txtAE[i][0].enabled);
@@ -218,9 +219,6 @@ void FrmPrincipal2::SincronizarGrillas(const app::Estado& e) {
   if (primera_vez_ || vistas_.filas != e.revision.filas) modelo_importar_.Recargar();
   if (primera_vez_ || vistas_.previa != e.revision.previa) modelo_previa_.Recargar();
   modelo_importar_.TitulosCambiados();
-  // The outcome takes the room that is left; without it the last column keeps its width. Before columns are
-  // hidden: a header that stretches puts their resizing off, and no longer does it once told not to stretch.
-  GridAImportar_->horizontalHeader()->setStretchLastSection(e.GridAImportar.columnas.back().visible);
   GridAImportar_->PonerColumnas(e.GridAImportar);
   relaciones_.GridRelaciones->PonerColumnas(e.GridRelaciones);
   GridAImportar_->PonerAviso(AvisoSinFilas(e));

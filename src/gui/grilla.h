@@ -24,20 +24,39 @@ class Grilla final : public QTableView {
   // Visibility, and the width where the state gives one that was not yet applied: what the operator drags
   // afterwards stays for the run.
   void PonerColumnas(const app::Grid& grid);
-  // The selected rows, visible columns in the order seen, cells parted by tabs and rows by line ends.
+  // What each column takes: pixels, the fewest when room is scarce, and its share of the room that is left
+  // (0: none). A column that the operator drags keeps the width that it was given.
+  struct Ancho {
+    int base, minimo, parte;
+  };
+  void PonerAnchos(const QList<Ancho>& anchos);
+  // The selected rows, visible columns in the order seen, cells parted by tabs and rows by line ends, as a
+  // Spanish spreadsheet takes them.
   QString TextoDeSeleccion() const;
   QString NombreDeColumna(int columna) const;
+  // For the delegate: over a piece of that row.
+  void PintarFilaActual(QPainter& p, const QRect& r, int fila) const;
 
  protected:
   void keyPressEvent(QKeyEvent* evento) override;
+  void focusInEvent(QFocusEvent* evento) override;
+  void focusOutEvent(QFocusEvent* evento) override;
+  void currentChanged(const QModelIndex& actual, const QModelIndex& anterior) override;
   void paintEvent(QPaintEvent* evento) override;
+  void resizeEvent(QResizeEvent* evento) override;
+  void selectionChanged(const QItemSelection& elegido, const QItemSelection& dejado) override;
+  void dataChanged(const QModelIndex& desde, const QModelIndex& hasta, const QList<int>& roles) override;
 
  private:
-  void PintarHastaElBorde();  // rows are coloured past the last column too
+  QRect HastaElBorde() const;  // past the last column
+  void Repartir();             // the room among the columns
+  void PintarHastaElBorde();   // rows are coloured past the last column too
 
   QString aviso_;
-  QColor tenue_;
-  QList<int> anchos_;  // twips, as applied
+  QColor tenue_, foco_, sobre_acento_;
+  QList<int> twips_;  // as applied
+  QList<Ancho> anchos_;
+  bool repartiendo_ = false;
 };
 
 }  // namespace gui

@@ -1,4 +1,6 @@
 // importdemarcas: the window.
+#include <QSettings>
+
 #include "app/carpeta_ajustes.h"
 #include "app/programa.h"
 #include "base/standard_streams.h"
@@ -30,6 +32,8 @@ int main(int argc, char** argv) {
   app::Programa programa({dialogos, dialogos, reloj, &bomba}, arranque);
   gui::FrmPrincipal2 ventana(programa, tema, &bomba);
   dialogos.PonerVentana(&ventana);
+  QSettings escritorio(QApplication::applicationName(), QStringLiteral("ventana"));
+  ventana.Recordar(&escritorio);
   fin_de_sesion.Atender([&ventana] { ventana.Terminar(); });
   if (!ventana.Iniciar(gui::Aplicacion::LineaDeComandos()))
     return programa.Ver().motivo_fin.empty() ? 0 : kNoSeLeen;

@@ -5,6 +5,7 @@
 #include <QPixmap>
 
 #include "gui/grilla.h"
+#include "gui/planilla.h"
 #include "gui/texto.h"
 
 namespace gui {
@@ -92,7 +93,9 @@ QVariant ModeloImportar::data(const QModelIndex& indice, int rol) const {
   const int campo = campo_[static_cast<std::size_t>(indice.column())];
   switch (rol) {
     case Qt::DisplayRole:
-      return De(campo < 0 ? fila.resultado : fila.campo[static_cast<std::size_t>(campo)]);
+      if (campo < 0) return De(fila.resultado);
+      return EsNumero(campo) ? ConComa(De(fila.campo[static_cast<std::size_t>(campo)]))
+                             : De(fila.campo[static_cast<std::size_t>(campo)]);
     case Qt::ToolTipRole:
       return campo < 0 && fila.resultado != "OK" ? De(fila.resultado) : QVariant();
     case Qt::BackgroundRole:

@@ -5,8 +5,11 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+
+#include "gui/caja_de_separador.h"
 
 namespace gui {
 
@@ -20,38 +23,43 @@ QCheckBox* CrearTilde(const char* nombre, const char* texto, const char* tecla, 
 void PanelFormato::Crear(const Tema& tema, QWidget* padre) {
   AreConf =
       new Panel(QStringLiteral("AreConf_0"), QStringLiteral("Formato del archivo y opciones"), tema, padre);
-  auto* plano = new QHBoxLayout(AreConf);
-  plano->setContentsMargins(Panel::kMargen, Panel::kTitulo + 12, Panel::kMargen, Panel::kMargen);
-  plano->setSpacing(28);
-  plano->addWidget(CrearArchivo(tema), 5);
-  plano->addWidget(CrearOpciones(), 4);
+  contenido = new QWidget;
+  auto* plano = new QHBoxLayout(contenido);
+  plano->setContentsMargins(Panel::kMargen, 12, Panel::kMargen, Panel::kMargen);
+  plano->setSpacing(16);
+  plano->addWidget(CrearArchivo(tema), 1);
+  plano->addWidget(CrearOpciones(), 1);
+  AreConf->Contener(contenido);
   AreConf->hide();
 }
 
 QWidget* PanelFormato::CrearArchivo(const Tema& tema) {
-  auto* caja = new QWidget(AreConf);
+  auto* caja = new QWidget(contenido);
+  caja->setObjectName(QStringLiteral("formato"));
   auto* plano = new QVBoxLayout(caja);
   plano->setContentsMargins(0, 0, 0, 0);
   plano->setSpacing(8);
   const char* textos[] = {"Delimitado Por", "De Ancho Fijo"};
   const char* teclas[] = {"D", "H"};
-  auto* fila = new QHBoxLayout;
-  fila->setSpacing(10);
   for (std::size_t i = 0; i < 2; ++i) {
     optTipoArch[i] = new QRadioButton(QString::fromUtf8(textos[i]), caja);
     optTipoArch[i]->setObjectName(QStringLiteral("optTipoArch_%1").arg(i));
     PonerTecla(optTipoArch[i], QLatin1String(teclas[i]));
   }
-  txtSeparador = CrearCaja(QStringLiteral("txtSeparador"), caja);
-  txtSeparador->setFixedWidth(64);
-  txtSeparador->setAlignment(Qt::AlignHCenter);
+  txtSeparador = new CajaDeSeparador(QStringLiteral("txtSeparador"), caja);
   txtSeparador->setAccessibleName(QStringLiteral("Separador"));
+  cbTabulador = CrearBoton(QStringLiteral("cbTabulador"), QStringLiteral("Tabulador"), caja);
+  cbTabulador->setToolTip(QStringLiteral("Separar por el tabulador, que no se puede escribir en la casilla"));
+  QObject::connect(cbTabulador, &QPushButton::clicked, txtSeparador,
+                   [this] { txtSeparador->setText(QStringLiteral("\t")); });
+  auto* fila = new QHBoxLayout;
+  fila->setSpacing(10);
   fila->addWidget(optTipoArch[0]);
   fila->addWidget(txtSeparador);
-  fila->addSpacing(18);
-  fila->addWidget(optTipoArch[1]);
+  fila->addWidget(cbTabulador);
   fila->addStretch(1);
   plano->addLayout(fila);
+  plano->addWidget(optTipoArch[1], 0, Qt::AlignLeft);
   plano->addLayout(CrearColumnas(caja));
   GridPVConf = new Grilla(QStringLiteral("GridPVConf"), tema, caja);
   GridPVConf->horizontalHeader()->setSectionsMovable(true);
@@ -82,7 +90,7 @@ QGridLayout* PanelFormato::CrearColumnas(QWidget* padre) {
       txtAE[i][j] = CrearCaja(QStringLiteral("txt%1_%2").arg(letra).arg(j), padre);
       txtAE[i][j]->setAccessibleName((j == 0 ? QStringLiteral("Comienzo ") : QStringLiteral("Largo ")) +
                                      letra);
-      txtAE[i][j]->setMinimumWidth(44);
+      txtAE[i][j]->setMinimumWidth(36);
       txtAE[i][j]->setMaxLength(6);
       txtAE[i][j]->setAlignment(Qt::AlignRight);
       plano->addWidget(txtAE[i][j], static_cast<int>(j) + 1, columna);
@@ -94,7 +102,8 @@ QGridLayout* PanelFormato::CrearColumnas(QWidget* padre) {
 }
 
 QWidget* PanelFormato::CrearOpciones() {
-  auto* caja = new QWidget(AreConf);
+  auto* caja = new QWidget(contenido);
+  caja->setObjectName(QStringLiteral("opciones"));
   auto* plano = new QVBoxLayout(caja);
   plano->setContentsMargins(0, 0, 0, 0);
   plano->setSpacing(2);
@@ -107,6 +116,7 @@ QWidget* PanelFormato::CrearOpciones() {
   auto* arriba = new QGridLayout;
   arriba->setHorizontalSpacing(10);
   arriba->setVerticalSpacing(6);
+  cbTipoClave->setMinimumContentsLength(4);
   arriba->addWidget(Label3, 0, 0);
   arriba->addWidget(cbTipoClave, 0, 1);
   arriba->addWidget(Label2, 1, 0);
@@ -132,7 +142,6 @@ QWidget* PanelFormato::CrearOpciones() {
   lblImpCuotas->Acompanar(txtTextoTipoCuota);
   auto* abajo = new QHBoxLayout;
   abajo->setSpacing(10);
-  abajo->addSpacing(13);
   abajo->addWidget(lblImpCuotas);
   abajo->addWidget(txtTextoTipoCuota, 1);
   plano->addLayout(abajo);

@@ -14,8 +14,10 @@ namespace gui {
 
 struct PanelFormato {
   Panel* AreConf = nullptr;
+  QWidget* contenido = nullptr;  // of the panel, which scrolls it
   std::array<QRadioButton*, 2> optTipoArch{};
   QLineEdit* txtSeparador = nullptr;
+  QPushButton* cbTabulador = nullptr;                // puts the tab into that box, where the key cannot
   std::array<std::array<QLineEdit*, 2>, 5> txtAE{};  // txtA … txtE: start, length
   std::array<Etiqueta*, 5> lblAE{};                  // what the column fills
   Grilla* GridPVConf = nullptr;

@@ -32,7 +32,8 @@ void PanelRelaciones::CrearFilas(const Tema& tema) {
   lblCmbConceptos = new Etiqueta(QStringLiteral("lblCmbConceptos"), QStringLiteral("Concepto"), edicion);
   cmbConceptos = new Combo(QStringLiteral("cmbConceptos"), edicion);
   cmbConceptos->enter_es_tab = true;
-  cmbConceptos->setFixedWidth(300);
+  cmbConceptos->setMinimumWidth(170);
+  cmbConceptos->setMaximumWidth(300);
   lblCmbConceptos->Acompanar(cmbConceptos, QStringLiteral("C"));
   lblConcepto = new Etiqueta(QStringLiteral("lblConcepto"), QString(), edicion);
   lblConcepto->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -41,7 +42,7 @@ void PanelRelaciones::CrearFilas(const Tema& tema) {
   lblTxtTipo = new Etiqueta(QStringLiteral("lblTxtTipo"), QStringLiteral("Códigos del reloj"), edicion);
   txtTipo = CrearCaja(QStringLiteral("txtTipo"), edicion);
   txtTipo->setPlaceholderText(QStringLiteral("por ejemplo: 07,HC"));
-  txtTipo->setMinimumWidth(150);
+  txtTipo->setMinimumWidth(130);
   lblTxtTipo->Acompanar(txtTipo, QStringLiteral("D"));
   lblAgrupaDef = new Etiqueta(QStringLiteral("lblAgrupaDef"), QStringLiteral("C. de Costo:"), edicion);
   cmbAgrupaDef = new Combo(QStringLiteral("cmbAgrupaDef"), edicion);
@@ -62,8 +63,8 @@ void PanelRelaciones::CrearFilas(const Tema& tema) {
 
   auto* arriba = new QHBoxLayout;
   arriba->setSpacing(10);
-  arriba->addWidget(cmbConceptos);
-  arriba->addWidget(lblConcepto, 1);
+  arriba->addWidget(cmbConceptos, 3);
+  arriba->addWidget(lblConcepto, 2);
   arriba->addWidget(chkVincAutConOrsa);
   fila_ = new QHBoxLayout;
   fila_->setSpacing(10);
@@ -76,12 +77,33 @@ void PanelRelaciones::CrearFilas(const Tema& tema) {
   plano->addLayout(arriba, 0, 1);
   plano->addWidget(lblTxtTipo, 1, 0);
   plano->addLayout(fila_, 1, 1);
+  abajo_ = new QHBoxLayout;
+  abajo_->setSpacing(10);
+  plano->addLayout(abajo_, 2, 1);
   plano->setColumnStretch(1, 1);
 }
 
 void PanelRelaciones::Colocar(bool centro_por_linea) {
   fila_->setStretchFactor(txtTipo, centro_por_linea ? 1 : 4);
   fila_->setStretchFactor(cmbAgrupaDef, centro_por_linea ? 1 : 0);
+}
+
+void PanelRelaciones::Ajustar(int ancho) {
+  const QList<QWidget*> finales = {lblColor, cbColor, cbAgrQuit[0], cbAgrQuit[1]};
+  int necesario = 0;
+  for (const QHBoxLayout* fila : {fila_, abajo_})
+    for (int i = 0; i < fila->count(); ++i)
+      if (const QWidget* w = fila->itemAt(i)->widget(); w != nullptr && !w->isHidden())
+        necesario += fila->spacing() + w->minimumSizeHint().expandedTo(w->minimumSize()).width();
+  const bool estrecho = necesario > ancho - lblTxtTipo->sizeHint().width();
+  if (estrecho == estrecho_) return;
+  estrecho_ = estrecho;
+  for (QWidget* w : finales) (estrecho ? fila_ : abajo_)->removeWidget(w);
+  while (QLayoutItem* hueco = abajo_->takeAt(0)) delete hueco;
+  for (QWidget* w : finales) {
+    (estrecho ? abajo_ : fila_)->addWidget(w);
+    if (estrecho && w == cbColor) abajo_->addStretch(1);
+  }
 }
 
 }  // namespace gui

@@ -27,11 +27,14 @@ struct PanelRelaciones {
   // The row is placed by whether the company groups and the cost centre comes by line: then the cost centre
   // shares the row with the codes; otherwise it takes no more than it needs.
   void Colocar(bool centro_por_linea);
+  // In that width; where it is too narrow the buttons take a third row.
+  void Ajustar(int ancho);
 
  private:
   void CrearFilas(const Tema& tema);
 
-  QHBoxLayout* fila_ = nullptr;  // the second one
+  QHBoxLayout *fila_ = nullptr, *abajo_ = nullptr;  // the second one and the third
+  bool estrecho_ = false;
 };
 
 }  // namespace gui

@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QShortcut>
 #include <QStyle>
 #include <QWheelEvent>
@@ -101,13 +102,22 @@ Panel::Panel(const QString& nombre, const QString& titulo, const Tema& tema, QWi
   cerrar_->setFixedSize(26, 26);
 }
 
+void Panel::Contener(QWidget* contenido) {
+  hoja_ = new QScrollArea(this);
+  hoja_->setObjectName(objectName() + QStringLiteral("_hoja"));
+  hoja_->setFrameShape(QFrame::NoFrame);
+  hoja_->setFocusPolicy(Qt::NoFocus);
+  hoja_->setWidgetResizable(true);
+  hoja_->setWidget(contenido);
+}
+
 void Panel::paintEvent(QPaintEvent*) {
   QPainter p(this);
   const QRect r = rect();
   p.fillRect(r, tema_.ventana);
   p.fillRect(QRect(0, 0, r.width(), kTitulo), tema_.cabecera);
   p.fillRect(QRect(0, 0, r.width(), 3), tema_.acento);
-  p.setPen(tema_.borde);
+  p.setPen(tema_.separador);
   p.drawLine(0, kTitulo, r.right(), kTitulo);
   p.setPen(tema_.borde_fuerte);
   p.drawRect(r.adjusted(0, 0, -1, -1));
@@ -120,6 +130,7 @@ void Panel::paintEvent(QPaintEvent*) {
 
 void Panel::resizeEvent(QResizeEvent* evento) {
   QFrame::resizeEvent(evento);
+  if (hoja_ != nullptr) hoja_->setGeometry(1, kTitulo + 1, width() - 2, height() - kTitulo - 2);
   cerrar_->move(width() - cerrar_->width() - 8, (kTitulo + 3 - cerrar_->height()) / 2);
 }
 

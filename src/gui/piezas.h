@@ -12,6 +12,7 @@
 class QAbstractButton;
 class QLineEdit;
 class QPushButton;
+class QScrollArea;
 
 namespace gui {
 
@@ -61,6 +62,8 @@ class Panel final : public QFrame {
  public:
   Panel(const QString& nombre, const QString& titulo, const Tema& tema, QWidget* padre);
   QPushButton* Cerrar() const { return cerrar_; }
+  // All that is under the heading, scrolled where the panel is smaller than it.
+  void Contener(QWidget* contenido);
   static constexpr int kTitulo = 38;  // height of the heading
   static constexpr int kMargen = 16;
 
@@ -72,6 +75,7 @@ class Panel final : public QFrame {
   QString titulo_;
   Tema tema_;
   QPushButton* cerrar_;
+  QScrollArea* hoja_ = nullptr;
 };
 
 QPushButton* CrearBoton(const QString& nombre, const QString& texto, QWidget* padre);

@@ -5,7 +5,7 @@
 #include <QDateEdit>
 #include <QPointer>
 
-class QFrame;
+#include "gui/hoja_de_meses.h"
 
 namespace gui {
 
@@ -14,7 +14,7 @@ class SelectorDeMes final : public QDateEdit {
  public:
   SelectorDeMes(const QString& nombre, QWidget* padre);
   void AbrirHoja();
-  QFrame* Hoja() const { return hoja_; }  // null while it is not open
+  HojaDeMeses* Hoja() const { return hoja_; }  // null while it is not open
 
   // The month after and before, across the turn of the year, whatever section the cursor is in; a year when
   // it is in the year.
@@ -27,9 +27,7 @@ class SelectorDeMes final : public QDateEdit {
   StepEnabled stepEnabled() const override { return StepUpEnabled | StepDownEnabled; }
 
  private:
-  void Llenar(QFrame* hoja, int anio);
-
-  QPointer<QFrame> hoja_;
+  QPointer<HojaDeMeses> hoja_;
 };
 
 }  // namespace gui

@@ -7,6 +7,7 @@ namespace {
 void PonerColumna(Tema& t) {
   t.columna_texto = QColor(0xE8EDF3);
   t.columna_tenue = QColor(0x9DABBA);
+  t.columna_apagado = QColor(0x8C99A6);
   t.bien = QColor(0x6FD3A0);
   t.mal = QColor(0xFF9B94);
 }
@@ -20,13 +21,15 @@ Tema Tema::Claro() {
   t.alterna = QColor(0xF7F9FB);
   t.texto = QColor(0x1B2530);
   t.tenue = QColor(0x5C6B7A);
-  t.apagado = QColor(0x9AA5B1);
-  t.borde = QColor(0xC3CCD6);
-  t.borde_fuerte = QColor(0x93A1B0);
+  t.apagado = QColor(0x78848F);
+  t.borde = QColor(0x7C8896);
+  t.borde_fuerte = QColor(0x5F6D7B);
+  t.separador = QColor(0xC3CCD6);
   t.linea = QColor(0xDDE3EA);
   t.acento = QColor(0x1F6FD6);
-  t.acento_encima = QColor(0x2F80EA);
-  t.acento_apretado = QColor(0x195CB3);
+  t.foco = QColor(0x1F6FD6);
+  t.acento_encima = QColor(0x195CB3);
+  t.acento_apretado = QColor(0x14498F);
   t.sobre_acento = QColor(0xFFFFFF);
   t.boton = QColor(0xFFFFFF);
   t.boton_encima = QColor(0xEDF3FB);
@@ -51,13 +54,15 @@ Tema Tema::Oscuro() {
   t.alterna = QColor(0x1E2329);
   t.texto = QColor(0xE6EAEF);
   t.tenue = QColor(0xA3AFBC);
-  t.apagado = QColor(0x6B7682);
-  t.borde = QColor(0x46515D);
-  t.borde_fuerte = QColor(0x67757F);
+  t.apagado = QColor(0x75808B);
+  t.borde = QColor(0x707D89);
+  t.borde_fuerte = QColor(0x93A0AD);
+  t.separador = QColor(0x46515D);
   t.linea = QColor(0x30373F);
-  t.acento = QColor(0x3B86E8);
-  t.acento_encima = QColor(0x559AF4);
-  t.acento_apretado = QColor(0x2D6DC2);
+  t.acento = QColor(0x2F74D0);
+  t.foco = QColor(0x7DB4FF);
+  t.acento_encima = QColor(0x2A67BC);
+  t.acento_apretado = QColor(0x255BA3);
   t.sobre_acento = QColor(0xFFFFFF);
   t.boton = QColor(0x323A43);
   t.boton_encima = QColor(0x3C4651);
@@ -91,7 +96,7 @@ QPalette Tema::Paleta() const {
   p.setColor(QPalette::PlaceholderText, tenue);
   p.setColor(QPalette::Highlight, acento);
   p.setColor(QPalette::HighlightedText, sobre_acento);
-  p.setColor(QPalette::Link, acento);
+  p.setColor(QPalette::Link, foco);
   p.setColor(QPalette::ToolTipBase, base);
   p.setColor(QPalette::ToolTipText, texto);
   p.setColor(QPalette::Light, boton_encima);

@@ -51,7 +51,8 @@ TEST_F(GrillaDeImportar, CellsStandInTheirColumns) {
   EXPECT_EQ(Celda(g, 0, "Id"), "7008");
   EXPECT_NE(Celda(g, 0, "Nombre"), "");
   EXPECT_NE(Celda(g, 0, "Apellido"), "");
-  EXPECT_EQ(Celda(g, 0, "Horas"), programa_->Ver().filas[0].campo[importfile::kCantidad]);
+  EXPECT_EQ(programa_->Ver().filas[0].campo[importfile::kCantidad], "8.5");
+  EXPECT_EQ(Celda(g, 0, "Horas"), "8,5") << "shown with the operator's decimal sign";
   EXPECT_EQ(Celda(g, 0, "Valor"), "3");
   EXPECT_EQ(Celda(g, 0, "Tipo"), "HC");
   EXPECT_EQ(Celda(g, 0, "NomConcVinc"), "Horas Comunes");
@@ -112,7 +113,7 @@ TEST_F(GrillaDeImportar, ControlCCopiesTheSelectedRowsWithTabs) {
   QTest::keyClick(g, Qt::Key_C, Qt::ControlModifier);
   // Visible columns: Id, Nombre, Apellido, Dato, Tipo, Vinculado Con:, Dat.Ext., C. Costo.
   EXPECT_EQ(QApplication::clipboard()->text(),
-            QStringLiteral("2\t\t\t9\tHE\t\t\t0\n3\t\t\t1.5\tHN\t\t\t0\n"));
+            QStringLiteral("2\t\t\t9\tHE\t\t\t0\n3\t\t\t1,5\tHN\t\t\t0\n"));
   // In the order seen.
   g->horizontalHeader()->moveSection(Columna(g, "Tipo"), 0);
   g->clearSelection();

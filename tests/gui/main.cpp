@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QTimer>
+#include <fstream>
 
 #include "base/standard_streams.h"
 #include "gui/aplicacion.h"
+#include "support/temp_folder.h"
 
 namespace {
 
@@ -16,11 +18,21 @@ class NewRun : public testing::EmptyTestEventListener {
   }
 };
 
+// The platform without a screen has a small one: this is that of an office.
+void UseScreen(const std::string& config) {
+  std::ofstream(config) << R"({"screens": [{"name": "office", "x": 0, "y": 0, "width": 1920, "height": 1080,
+    "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})";
+  qputenv("QT_QPA_PLATFORM", QByteArray::fromStdString("offscreen:configfile=" + config));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   base::OpenStandardStreams();
-  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const support::TempFolder settings;
+  UseScreen(settings.Path("screen.json"));
+  // What a desktop keeps of a program is nobody's here.
+  qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(settings.Folder()));
   testing::InitGoogleTest(&argc, argv);
   gui::Aplicacion aplicacion(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);

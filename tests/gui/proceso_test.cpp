@@ -37,6 +37,7 @@ class Proceso : public ::testing::Test {
     if (hijo == 0) {
       setenv("QT_QPA_PLATFORM", "offscreen", 1);
       setenv("IMPORTDEMARCAS_CARPETA", carpeta_.Folder().c_str(), 1);
+      setenv("XDG_CONFIG_HOME", carpeta_.Folder().c_str(), 1);
       for (int i = 0; i < 3; ++i) {
         if ((cerradas >> i & 1) != 0)
           close(i);

@@ -158,8 +158,8 @@ TEST_F(Muchas, LoadScrollSortAndCopy) {
   programa_->Lineas().GridAImportar_HeadClick("Horas");
   g->viewport()->repaint();
   const double ordenar = Trabajo() - t;
-  EXPECT_EQ(Celda(g, 0, "Horas"), "0.5");
-  EXPECT_EQ(Celda(g, kLineas - 1, "Horas"), "96.5");
+  EXPECT_EQ(Celda(g, 0, "Horas"), "0,5");
+  EXPECT_EQ(Celda(g, kLineas - 1, "Horas"), "96,5");
   t = Trabajo();
   g->selectAll();
   QTest::keyClick(g, Qt::Key_C, Qt::ControlModifier);

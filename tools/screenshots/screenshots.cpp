@@ -1,6 +1,7 @@
 // Pictures of the window on the demo base, for the manual: screenshots FOLDER, or screenshots --one FILE for
-// the loaded window alone. The month and the day are fixed, so that the pictures change only when the window
-// does.
+// the loaded window alone, or screenshots --size WIDTHxHEIGHT[,dark] FOLDER to look at it in that size (with
+// QT_SCALE_FACTOR, in that scale). The month and the day are fixed, so that the pictures change only when the
+// window does.
 #include <QDir>
 #include <QFontDatabase>
 #include <QLineEdit>
@@ -76,6 +77,10 @@ class Scene {
     Wait();
   }
 
+  void Resize(const QSize& size) {
+    window_->resize(size);
+    Wait();
+  }
   bool Snapshot(const QString& file) {
     Wait();
     if (window_->grab().save(file)) return true;
@@ -155,6 +160,22 @@ bool DarkSnapshots(const QString& target) {
   return e.Snapshot(target + "/panel-relaciones-oscuro.png") && ok;
 }
 
+// The window in one size: loaded, with each panel, imported.
+bool SizeSnapshots(const QString& size, const QString& target) {
+  const QStringList parts = size.section(QLatin1Char(','), 0, 0).split(QLatin1Char('x'));
+  const bool dark = size.endsWith(QLatin1String(",dark"));
+  Scene e(QStringLiteral("demo"), dark ? gui::Tema::Oscuro() : gui::Tema::Claro(), true);
+  e.Resize({parts.value(0).toInt(), parts.value(1).toInt()});
+  bool ok = e.Snapshot(target + "/cargada.png");
+  e.Press("cbConfigurar_0");
+  ok = e.Snapshot(target + "/formato.png") && ok;
+  e.Press("cbConfigurar_1");
+  ok = e.Snapshot(target + "/relaciones.png") && ok;
+  e.Press("cbConfigurar_1");
+  e.Press("cbImportar");
+  return e.Snapshot(target + "/importada.png") && ok;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -163,9 +184,11 @@ int main(int argc, char** argv) {
   gui::Aplicacion application(argc, argv);
   const QStringList args = QApplication::arguments();
   const bool one = args.value(1) == QLatin1String("--one");
-  const QString target = QDir::current().absoluteFilePath(args.value(one ? 2 : 1));
-  if (args.size() != (one ? 3 : 2)) {
-    QTextStream(stderr) << "usage: screenshots FOLDER | screenshots --one FILE\n";
+  const bool sized = args.value(1) == QLatin1String("--size");
+  const QString target = QDir::current().absoluteFilePath(args.value(sized ? 3 : one ? 2 : 1));
+  if (args.size() != (sized ? 4 : one ? 3 : 2)) {
+    QTextStream(stderr) << "usage: screenshots FOLDER | screenshots --one FILE\n"
+                           "     | screenshots --size WIDTHxHEIGHT[,dark] FOLDER\n";
     return 64;
   }
   // A letter that is the same on every machine that has it.
@@ -178,5 +201,6 @@ int main(int argc, char** argv) {
   if (!scratch.isValid() || !QDir::setCurrent(scratch.path())) return 74;
   if (one) return Scene(QStringLiteral("demo"), gui::Tema::Claro(), true).Snapshot(target) ? 0 : 74;
   if (!QDir().mkpath(target)) return 74;
+  if (sized) return SizeSnapshots(args.value(2), target) ? 0 : 74;
   return LightSnapshots(target) && DarkSnapshots(target) ? 0 : 74;
 }
