@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <vector>
 
 namespace prueba {
 
@@ -20,13 +21,16 @@ inline double Contraste(const QColor& a, const QColor& b) {
   return (std::max(x, y) + 0.05) / (std::min(x, y) + 0.05);
 }
 
-// How many pixels stand in such a contrast to what they were.
-inline int PixelesQueCambian(const QImage& antes, const QImage& despues, double contraste) {
-  int cuantos = 0;
+// The contrast to what they were that so many pixels reach.
+inline double ContrasteDelCambio(const QImage& antes, const QImage& despues, int pixeles) {
+  std::vector<double> contrastes;
   for (int y = 0; y < antes.height(); ++y)
     for (int x = 0; x < antes.width(); ++x)
-      if (Contraste(antes.pixelColor(x, y), despues.pixelColor(x, y)) >= contraste) ++cuantos;
-  return cuantos;
+      if (antes.pixel(x, y) != despues.pixel(x, y))
+        contrastes.push_back(Contraste(antes.pixelColor(x, y), despues.pixelColor(x, y)));
+  if (static_cast<int>(contrastes.size()) < pixeles) return 1;
+  std::sort(contrastes.rbegin(), contrastes.rend());
+  return contrastes[static_cast<std::size_t>(pixeles) - 1];
 }
 
 // The colour that most of the picture has.

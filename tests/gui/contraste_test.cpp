@@ -227,10 +227,8 @@ TEST_P(ContrasteDeLaVentana, Focus) {
       const QImage sin = Foto(w);
       w->setFocus(Qt::TabFocusReason);
       const QImage con = Foto(w);
-      // The best contrast that half the length of its shorter side reaches.
-      double c = 1;
-      for (double probado = 1.1; probado < 21; probado += 0.1)
-        if (prueba::PixelesQueCambian(sin, con, probado) >= std::min(w->width(), w->height())) c = probado;
+      // Of a ring as long as twice the shorter side.
+      const double c = prueba::ContrasteDelCambio(sin, con, 2 * std::min(w->width(), w->height()));
       if (c >= menor) continue;
       menor = c;
       cual = gui::A(w->objectName());

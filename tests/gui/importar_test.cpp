@@ -131,8 +131,12 @@ TEST_F(Importar, TheSameAsTheCommandLine) {
   for (int i = 0; i < g->model()->rowCount(); ++i) {
     std::string fila;
     for (const char* columna :
-         {"Id", "Nombre", "Apellido", "Horas", "Valor", "Tipo", "NomConcVinc", "CC", "Resultado"})
-      fila += (fila.empty() ? "" : ";") + cli::CeldaCsv(Celda(g, i, columna), ';');
+         {"Id", "Nombre", "Apellido", "Horas", "Valor", "Tipo", "NomConcVinc", "CC", "Resultado"}) {
+      std::string celda = Celda(g, i, columna);
+      // The operator sees quantities with ","; the command line writes them as they are spliced.
+      if (columna == std::string_view("Horas")) std::replace(celda.begin(), celda.end(), ',', '.');
+      fila += (fila.empty() ? "" : ";") + cli::CeldaCsv(celda, ';');
+    }
     de_la_ventana.push_back(fila);
   }
   std::sort(de_la_ventana.begin(), de_la_ventana.end());

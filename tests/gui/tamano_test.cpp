@@ -76,9 +76,9 @@ TEST_F(Tamano, EverythingCanBeReachedInTheSmallestWindow) {
 
 TEST_F(Tamano, WithLargeLettersThePanelOfTheFormatScrolls) {
   QFont letra = ventana_->font();
-  letra.setPointSize(16);
+  letra.setPointSize(13);
   ventana_->setFont(letra);
-  Redimensionar(1300, 620);
+  Redimensionar(1500, 620);
   Pulsar("cbConfigurar_0");
   Esperar();
   auto* hoja = Hallar<QScrollArea>("AreConf_0_hoja");

@@ -95,7 +95,7 @@ TEST_F(Teclado, WhatHasTheKeyboardIsSeenToHaveIt) {
         w->setFocus(Qt::TabFocusReason);
         ASSERT_EQ(Foco(), w);
         const QImage con = ventana_->grab(EnVentana(w)).toImage();
-        EXPECT_GE(prueba::PixelesQueCambian(sin, con, 3.0), 2 * std::min(w->width(), w->height()));
+        EXPECT_GE(prueba::ContrasteDelCambio(sin, con, 2 * std::min(w->width(), w->height())), 3.0);
       }
     }
   }
