@@ -92,7 +92,7 @@ void OpcionHoy(CLI::App* verbo, Textos& t) {
       ->type_name("AAAA-MM-DD");
 }
 
-void OpcionesDeImportar(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
+void OpcionesDeCarga(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
   verbo->add_option("--base", o.base, "Base de datos: un archivo, o ConfBase.cfg")->required();
   verbo->add_option("--archivo", o.archivo, "Archivo de horas a importar")->required();
   verbo->add_option("--mes", t.mes, "Mes de las liquidaciones")
@@ -112,14 +112,22 @@ void OpcionesDeImportar(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
   verbo->add_option("--filtro", t.filtro, "Filtro: relacion (lo normal) o texto")
       ->check(UnaDe({"relacion", "texto"}))
       ->type_name("relacion|texto");
+  OpcionHoy(verbo, t);
+}
+
+void OpcionDeSalida(CLI::App* verbo, Textos& t) {
   verbo->add_option("--salida", t.salida, "Forma del resultado: tabla (lo normal) o csv")
       ->check(UnaDe({"tabla", "csv"}))
       ->type_name("tabla|csv");
+}
+
+void OpcionesDeImportar(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
+  OpcionesDeCarga(verbo, o, t);
+  OpcionDeSalida(verbo, t);
   verbo->add_option(
       "--rechazadas", o.rechazadas,
       "Archivo donde dejar las líneas rechazadas y mal formadas, con sus motivos en otro terminado "
       "en .motivos");
-  OpcionHoy(verbo, t);
 }
 
 OpcionesImportar Completar(OpcionesImportar o, const Textos& t, bool solo_revisar) {
@@ -147,7 +155,7 @@ std::string EnEspanol(const CLI::ParseError& e) {
   const std::string texto = e.what();
   if (dynamic_cast<const CLI::RequiredError*>(&e) != nullptr) {
     if (base::Contains(texto, "subcommand"))
-      return "Falta el verbo: importar, revisar, formula, consulta, verificar o demo";
+      return "Falta el verbo: importar, revisar, codigos, relaciones, formula, consulta, verificar o demo";
     return "Falta un argumento: " + base::Replace(texto, " is required", "");
   }
   if (dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr) return "Argumento de más: " + Detalle(texto);
@@ -213,6 +221,22 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   CLI::App* v_revisar =
       app.add_subcommand("revisar", "Lo mismo que importar, sin escribir nada: muestra qué daría cada línea");
   OpcionesDeImportar(v_revisar, importar, t);
+  CLI::App* v_codigos =
+      app.add_subcommand("codigos", "Los códigos del archivo sin relación, con el concepto más probable");
+  OpcionesDeCarga(v_codigos, importar, t);
+  OpcionDeSalida(v_codigos, t);
+  CLI::App* v_relaciones = app.add_subcommand(
+      "relaciones", "Escribe las relaciones para una planilla, o las reemplaza por las de una");
+  OpcionesRelaciones relaciones;
+  v_relaciones->add_option("ACCION", relaciones.accion, "exportar o importar")
+      ->required()
+      ->check(UnaDe({"exportar", "importar"}));
+  v_relaciones->add_option("ARCHIVO", relaciones.archivo, "El archivo CSV")->required();
+  v_relaciones->add_option("--base", relaciones.base, "Base de datos: un archivo, o ConfBase.cfg")
+      ->required();
+  v_relaciones->add_option("--ajustes", relaciones.ajustes,
+                           "Archivo de ajustes, en lugar del de la carpeta del programa");
+  OpcionHoy(v_relaciones, t);
   CLI::App* v_formula = app.add_subcommand("formula", "Evalúa una expresión");
   v_formula
       ->add_option("EXPRESION", formula.expresion, "La expresión, o - para leer una por línea de la entrada")
@@ -265,6 +289,8 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
     reloj = std::make_unique<ports::FixedClock>(*LeerFecha(t.hoy, true));
   if (v_importar->parsed() || v_revisar->parsed())
     return Importar(Completar(importar, t, v_revisar->parsed()), carpeta, *reloj, f);
+  if (v_codigos->parsed()) return Codigos(Completar(importar, t, true), carpeta, *reloj, f);
+  if (v_relaciones->parsed()) return Relaciones(relaciones, carpeta, *reloj, f);
   if (v_formula->parsed()) return Formula(formula, *reloj, f);
   if (v_consulta->parsed()) return Consulta(consulta, *reloj, f);
   if (v_verificar->parsed()) return Verificar(verificar, f);

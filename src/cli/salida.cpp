@@ -1,20 +1,14 @@
 #include "cli/salida.h"
 
 #include <algorithm>
-#include <array>
 
 #include "app/vista.h"
+#include "base/csv.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "cli/codigos.h"
 
 namespace cli {
-
-std::string CeldaCsv(std::string_view texto, char separador) {
-  if (texto.find_first_of(std::string("\"\r\n") + separador) == std::string_view::npos)
-    return std::string(texto);
-  return "\"" + base::Replace(texto, "\"", "\"\"") + "\"";
-}
 
 void EscribirCsv(std::ostream& out, const std::vector<informe::Linea>& lineas) {
   out << "linea;estado;id;nombre;apellido;horas;valor;tipo;vinculado;cc;resultado\n";
@@ -23,15 +17,32 @@ void EscribirCsv(std::ostream& out, const std::vector<informe::Linea>& lineas) {
     for (const int campo :
          {importfile::kClave, importfile::kNombre, importfile::kApellido, importfile::kCantidad,
           importfile::kValor, importfile::kTipo, importfile::kVinculado, importfile::kCC})
-      out << ';' << CeldaCsv((*l.campo)[static_cast<std::size_t>(campo)], ';');
-    out << ';' << CeldaCsv(l.resultado, ';') << '\n';
+      out << ';' << base::CsvCell((*l.campo)[static_cast<std::size_t>(campo)], ';');
+    out << ';' << base::CsvCell(l.resultado, ';') << '\n';
+  }
+}
+
+void EscribirCuadro(std::ostream& out, const std::vector<std::vector<std::string>>& filas,
+                    const std::vector<std::size_t>& a_la_derecha) {
+  std::vector<std::size_t> ancho(filas.empty() ? 0 : filas.front().size());
+  for (const auto& fila : filas)
+    for (std::size_t i = 0; i < fila.size(); ++i) ancho[i] = std::max(ancho[i], base::Length(fila[i]));
+  for (const auto& fila : filas) {
+    std::string texto;
+    for (std::size_t i = 0; i < fila.size(); ++i) {
+      const std::string relleno(ancho[i] - base::Length(fila[i]), ' ');
+      const bool derecha = std::find(a_la_derecha.begin(), a_la_derecha.end(), i) != a_la_derecha.end();
+      texto += (derecha ? relleno + fila[i] : fila[i] + relleno) + "  ";
+    }
+    texto.erase(texto.find_last_not_of(' ') + 1);
+    out << texto << '\n';
   }
 }
 
 void EscribirTabla(std::ostream& out, const std::vector<informe::Linea>& lineas) {
-  using Fila = std::array<std::string, 9>;
-  std::vector<Fila> filas{
+  std::vector<std::vector<std::string>> filas{
       {"Línea", "Id", "Nombre", "Apellido", "Horas", "Tipo", "Vinculado Con", "C. Costo", "Resultado"}};
+  filas.reserve(lineas.size() + 1);
   for (const informe::Linea& l : lineas) {
     const auto campo = [&](int i) { return informe::EnUnaLinea((*l.campo)[static_cast<std::size_t>(i)]); };
     filas.push_back({std::to_string(l.numero), campo(importfile::kClave), campo(importfile::kNombre),
@@ -39,19 +50,7 @@ void EscribirTabla(std::ostream& out, const std::vector<informe::Linea>& lineas)
                      campo(importfile::kVinculado), campo(importfile::kCC),
                      informe::EnUnaLinea(l.resultado)});
   }
-  std::array<std::size_t, 9> ancho{};
-  for (const Fila& fila : filas)
-    for (std::size_t i = 0; i < fila.size(); ++i) ancho[i] = std::max(ancho[i], base::Length(fila[i]));
-  for (const Fila& fila : filas) {
-    std::string texto;
-    for (std::size_t i = 0; i < fila.size(); ++i) {
-      const std::string relleno(ancho[i] - base::Length(fila[i]), ' ');
-      const bool a_la_derecha = i == 0 || i == 4;  // numbers
-      texto += (a_la_derecha ? relleno + fila[i] : fila[i] + relleno) + "  ";
-    }
-    texto.erase(texto.find_last_not_of(' ') + 1);
-    out << texto << '\n';
-  }
+  EscribirCuadro(out, filas, {0, 4});
 }
 
 void EscribirTotales(std::ostream& out, const informe::Cuentas& c, const app::Estado& estado) {

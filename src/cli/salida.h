@@ -12,8 +12,9 @@
 
 namespace cli {
 
-// A cell of a CSV: quoted when it holds the separator, a quote or a line end.
-std::string CeldaCsv(std::string_view texto, char separador);
+// Rows of as many cells as the first, its titles; the columns of `a_la_derecha` hold numbers.
+void EscribirCuadro(std::ostream& out, const std::vector<std::vector<std::string>>& filas,
+                    const std::vector<std::size_t>& a_la_derecha);
 
 void EscribirCsv(std::ostream& out, const std::vector<informe::Linea>& lineas);
 void EscribirTabla(std::ostream& out, const std::vector<informe::Linea>& lineas);

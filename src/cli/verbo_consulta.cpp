@@ -1,6 +1,7 @@
 #include <string>
 
 #include "app/conector.h"
+#include "base/csv.h"
 #include "base/text.h"
 #include "cli/salida.h"
 #include "cli/verbos.h"
@@ -13,12 +14,13 @@ constexpr char kSeparador = ',';
 void EscribirFilas(std::ostream& out, const db::Recordset& rs) {
   const std::size_t ancho = rs.Fields().size();
   for (std::size_t i = 0; i < ancho; ++i)
-    out << (i > 0 ? std::string(1, kSeparador) : std::string()) << CeldaCsv(rs.Fields()[i].name, kSeparador);
+    out << (i > 0 ? std::string(1, kSeparador) : std::string())
+        << base::CsvCell(rs.Fields()[i].name, kSeparador);
   if (ancho > 0) out << '\n';
   for (std::size_t fila = 0; fila < rs.Count(); ++fila) {
     for (std::size_t i = 0; i < ancho; ++i) {
       if (i > 0) out << kSeparador;
-      out << CeldaCsv(rs.At(i, fila).CsvText(), kSeparador);
+      out << base::CsvCell(rs.At(i, fila).CsvText(), kSeparador);
     }
     out << '\n';
   }

@@ -1,6 +1,5 @@
 #include <utility>
 
-#include "app/programa.h"
 #include "base/file.h"
 #include "base/text.h"
 #include "cli/consola.h"
@@ -132,7 +131,8 @@ bool SePuedenEscribir(app::Programa& programa, const OpcionesImportar& o, std::o
   return motivo.empty();
 }
 
-int CargarEImportar(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
+int CargarY(app::Programa& programa, const OpcionesImportar& o, Flujos f,
+            const std::function<int(app::Programa&)>& hacer) {
   if (FaltaLeer(programa, f.err)) return kEntradaSalida;
   if (!SePuedenEscribir(programa, o, f.err)) return kUso;
   if (!ElegirDestino(programa, o, f.err)) return kUso;
@@ -146,7 +146,7 @@ int CargarEImportar(app::Programa& programa, const OpcionesImportar& o, Flujos f
     case importfile::FinDeCarga::SinArchivo:  // or one that cannot be read
       return base::FileExists(o.archivo) ? kEntradaSalida : kSinArchivo;
     case importfile::FinDeCarga::Completa:
-      return ImportarYMostrar(programa, o, f);
+      return hacer(programa);
     default:
       return kArchivoMalo;
   }
@@ -154,7 +154,8 @@ int CargarEImportar(app::Programa& programa, const OpcionesImportar& o, Flujos f
 
 }  // namespace
 
-int Importar(const OpcionesImportar& o, const std::string& carpeta, const ports::Clock& reloj, Flujos f) {
+int ConArchivoCargado(const OpcionesImportar& o, const std::string& carpeta, const ports::Clock& reloj,
+                      Flujos f, const std::function<int(app::Programa&)>& hacer) {
   std::string ajustes;
   if (const int mal = LeerAjustes(o, carpeta, ajustes, f.err); mal != 0) return mal;
   Consola consola(f.err);
@@ -169,11 +170,16 @@ int Importar(const OpcionesImportar& o, const std::string& carpeta, const ports:
     f.err << programa.Ver().motivo_base << '\n';
     return kSinBase;
   }
-  const int codigo = CargarEImportar(programa, o, f);
+  const int codigo = CargarY(programa, o, f, hacer);
   programa.Deshacer();
   for (const auto& error : programa.Errores())
     f.err << "Aviso: " << error.where << ": " << error.description << '\n';
   return codigo;
+}
+
+int Importar(const OpcionesImportar& o, const std::string& carpeta, const ports::Clock& reloj, Flujos f) {
+  return ConArchivoCargado(o, carpeta, reloj, f,
+                           [&](app::Programa& programa) { return ImportarYMostrar(programa, o, f); });
 }
 
 }  // namespace cli

@@ -1,11 +1,13 @@
 // The verbs, one structure of options and one function each. They return exit codes.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "app/programa.h"
 #include "base/date.h"
 #include "cli/codigos.h"
 #include "cli/lineas_de_comandos.h"
@@ -29,6 +31,20 @@ struct OpcionesImportar {
 };
 int Importar(const OpcionesImportar& opciones, const std::string& carpeta, const ports::Clock& reloj,
              Flujos flujos);
+
+// The same load, and `hacer` over it instead of an import; nothing is written. Returns its exit code, or why
+// the load could not be.
+int ConArchivoCargado(const OpcionesImportar& opciones, const std::string& carpeta, const ports::Clock& reloj,
+                      Flujos flujos, const std::function<int(app::Programa&)>& hacer);
+int Codigos(const OpcionesImportar& opciones, const std::string& carpeta, const ports::Clock& reloj,
+            Flujos flujos);
+
+struct OpcionesRelaciones {
+  std::string accion, archivo, base;
+  std::optional<std::string> ajustes;
+};
+int Relaciones(const OpcionesRelaciones& opciones, const std::string& carpeta, const ports::Clock& reloj,
+               Flujos flujos);
 
 struct OpcionesFormula {
   std::string expresion;  // "-": one a line from the input

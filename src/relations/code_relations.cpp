@@ -93,6 +93,12 @@ void CodeRelations::Quitar(std::size_t relacion) {
   indexada_ = false;
 }
 
+void CodeRelations::PonerExternos(std::size_t relacion, std::string externos) {
+  tabla_.registros.at(relacion).at(kExternos) = std::move(externos);
+  grid_.at(relacion) = FilaDe(tabla_, relacion);
+  indexada_ = false;
+}
+
 std::string CodeRelations::Texto() const {
   std::string texto;
   for (std::size_t i = 0; i < Cantidad(); ++i) {

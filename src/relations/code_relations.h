@@ -62,6 +62,7 @@ class CodeRelations {
   void Agregar(std::string_view linea);  // of the text form
   void Agregar(const Relacion& relacion);
   void Quitar(std::size_t relacion);  // from table and grid
+  void PonerExternos(std::size_t relacion, std::string externos);
   // The text form: CR LF between relations, none behind the last. Of an empty table it is "", which
   // LevantarRelaciones takes for the default relations.
   std::string Texto() const;

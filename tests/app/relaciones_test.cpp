@@ -161,4 +161,53 @@ TEST(Enter, MovesOnAsTabDoes) {
   EXPECT_FALSE(app::Archivo::EnterEsTab(65));
 }
 
+// The two default relations lead to their concepts by name and know no code: relating makes the list of the
+// one.
+TEST_F(Relaciones, RelatesACodeWithWhatIsProposed) {
+  const auto& e = programa_->Ver();
+  const auto por_nombre = informe::ProponerConcepto("he", e.relaciones, e.conceptos);
+  EXPECT_EQ(por_nombre.por, informe::Parecido::Relacion);
+  EXPECT_EQ(programa_->Relaciones().Relacionar("he", por_nombre), "");
+  EXPECT_EQ(programa_->Relaciones().Relacionar("07", por_nombre), "");
+  ASSERT_EQ(e.relaciones.Cantidad(), 2U);
+  EXPECT_EQ(e.relaciones.Campo(relations::kExternos, 1), ",he,07,");
+  EXPECT_EQ(e.relaciones.Grid()[1].CodigosVincConReloj, "he,07");
+  EXPECT_EQ(e.relaciones.PosEnVecConc("07"), 1);
+
+  const auto nueva = informe::ProponerConcepto("horas nocturnas", e.relaciones, e.conceptos);
+  EXPECT_EQ(nueva.por, informe::Parecido::Nombre);
+  EXPECT_EQ(programa_->Relaciones().Relacionar("horas nocturnas", nueva), "");
+  ASSERT_EQ(e.relaciones.Cantidad(), 3U);
+  EXPECT_EQ(e.relaciones.Campo(relations::kConcepto, 2), "3");
+  EXPECT_EQ(e.relaciones.Campo(relations::kExternos, 2), ",horas nocturnas,");
+  EXPECT_EQ(e.relaciones.Color(2), 0xFFFFFF);
+
+  EXPECT_EQ(programa_->Relaciones().Relacionar("07", nueva), "El código '07' ya está relacionado");
+  EXPECT_NE(programa_->Relaciones().Relacionar("a,b", nueva), "");
+  EXPECT_NE(programa_->Relaciones().Relacionar(" ", nueva), "");
+  EXPECT_NE(programa_->Relaciones().Relacionar("qq", {}), "");
+  EXPECT_EQ(e.relaciones.Cantidad(), 3U);
+}
+
+TEST_F(Relaciones, ProposesTheSurestConcept) {
+  const auto& e = programa_->Ver();
+  const auto por = [&](const char* codigo) {
+    return informe::ProponerConcepto(codigo, e.relaciones, e.conceptos).por;
+  };
+  EXPECT_EQ(por("HORAS NOCTURNAS"), informe::Parecido::Nombre);
+  EXPECT_EQ(por("H. Nocturnas"), informe::Parecido::NombreParecido);
+  EXPECT_EQ(por("003"), informe::Parecido::Id);
+  EXPECT_EQ(por("zzz"), informe::Parecido::Ninguno);
+  EXPECT_EQ(por(""), informe::Parecido::Ninguno);
+  EXPECT_EQ(por("-"), informe::Parecido::Ninguno);
+}
+
+TEST_F(Relaciones, ATableOfASpreadsheetTakesTheirPlace) {
+  const auto leidas = programa_->Relaciones().LeerCsv(programa_->Relaciones().Csv());
+  EXPECT_TRUE(leidas.errores.empty());
+  const std::string antes = programa_->Ver().relaciones.Texto();
+  EXPECT_EQ(programa_->Relaciones().Reemplazar(leidas.relaciones), "");
+  EXPECT_EQ(programa_->Ver().relaciones.Texto(), antes);
+}
+
 }  // namespace

@@ -20,6 +20,8 @@ const std::vector<Ayuda> kAyudas = {
     {{"-h"}, {"importar", "revisar", "formula", "consulta", "demo"}},
     {{"importar", "--help"}, kImportar},
     {{"revisar", "-h"}, kImportar},
+    {{"codigos", "--help"}, {"--base", "--archivo", "--mes", "--salida"}},
+    {{"relaciones", "--help"}, {"exportar", "importar", "ARCHIVO", "--base", "--ajustes"}},
     {{"formula", "--help"}, {"EXPRESION", "--base", "--hoy"}},
     {{"consulta", "--help"}, {"SQL", "--base", "--escribir", "--hoy"}},
     {{"demo", "--help"}, {"CARPETA", "--mes", "--hoy"}},
