@@ -102,6 +102,7 @@ struct Estado {
   // What the last import, or trial of one, made of the quantities of the month; empty when nothing was
   // written.
   std::vector<corridas::CambioDeCantidad> cantidades;
+  bool simulada = false;  // the last import was a trial
 };
 
 }  // namespace app

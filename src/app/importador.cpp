@@ -77,6 +77,7 @@ void Importador::Importar(bool deshacer) {
   corridas::TestigoDeCambios testigo(p_.base.Sesion(), e_.mes);
   entrada.testigo = &testigo;
   e_.importacion = {};
+  e_.simulada = deshacer;
   p_.base.ConLaBase([&] { e_.importacion = liquidation::Importar(entrada, e_.filas); });
   e_.cantidades =
       e_.importacion.confirmada ? testigo.Cantidades() : std::vector<corridas::CambioDeCantidad>{};

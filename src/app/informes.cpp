@@ -1,6 +1,8 @@
 #include "app/informes.h"
 
+#include "app/vista.h"
 #include "base/file.h"
+#include "base/text.h"
 #include "informe/rechazadas.h"
 #include "settings/config_file.h"
 
@@ -24,6 +26,38 @@ std::string Informes::MotivoParaNoEscribir(const std::vector<std::string>& salid
 std::string Informes::Guardar(const std::string& ruta, const std::string& bytes) const {
   if (base::WritePrivateFile(ruta, bytes, e_.archivo_base)) return {};
   return "No se puede escribir el archivo '" + ruta + "'";
+}
+
+bool Informes::EsInforme(const std::string& ruta) {
+  const std::string chica = base::LowerCase(ruta);
+  return base::EndsWith(chica, ".csv") || base::EndsWith(chica, ".html") || base::EndsWith(chica, ".htm");
+}
+
+informe::DatosInforme Informes::DatosDelInforme() const {
+  informe::DatosInforme datos;
+  datos.archivo = base::NameOf(e_.txtRuta.text);
+  datos.mes = e_.mes;
+  if (const formula::ItemLista* tipo = e_.tipos.cmbLiquidaciones.Elegido()) datos.liquidacion = tipo->texto;
+  datos.simulado = e_.simulada;
+  datos.error = e_.importacion.error;
+  datos.lineas = Lineas();
+  datos.cambios = e_.cantidades;
+  datos.totales = e_.importacion.totales;
+  for (const auto& total : datos.totales) datos.nombres[total.concepto] = NombreDeTotal(e_, total);
+  return datos;
+}
+
+Escritura Informes::GuardarInforme(const std::string& ruta) const {
+  Escritura escrita;
+  if (!EsInforme(ruta)) {
+    escrita.motivo = "El informe '" + ruta + "' tiene que terminar en .csv o .html";
+    return escrita;
+  }
+  const informe::DatosInforme datos = DatosDelInforme();
+  escrita.lineas = datos.lineas.size();
+  const bool tabla = base::EndsWith(base::LowerCase(ruta), ".csv");
+  escrita.motivo = Guardar(ruta, tabla ? informe::InformeCsv(datos) : informe::InformeHtml(datos));
+  return escrita;
 }
 
 // The reasons first: lines without theirs would be half of the answer.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/contexto.h"
+#include "informe/informe.h"
 #include "informe/lineas.h"
 
 namespace app {
@@ -31,6 +32,11 @@ class Informes {
   // The lines that were refused or are malformed, as they stand in the file, and their reasons beside them.
   // Of the last load that was imported or tried. Nobody may read them who may not read the base.
   Escritura GuardarRechazadas(const std::string& ruta) const;
+  // The report of the last import or trial; a path that ends in .html or .htm is a page, one in .csv a table.
+  // For others EsInforme is false, and nothing is written.
+  Escritura GuardarInforme(const std::string& ruta) const;
+  static bool EsInforme(const std::string& ruta);
+  informe::DatosInforme DatosDelInforme() const;
   static std::string RutaDeMotivos(const std::string& ruta) { return ruta + ".motivos"; }
 
  private:

@@ -128,6 +128,8 @@ void OpcionesDeImportar(CLI::App* verbo, OpcionesImportar& o, Textos& t) {
       "--rechazadas", o.rechazadas,
       "Archivo donde dejar las líneas rechazadas y mal formadas, con sus motivos en otro terminado "
       "en .motivos");
+  verbo->add_option("--informe", o.informe, "Archivo donde dejar el informe: .csv o .html");
+  verbo->add_flag("--cambios", o.cambios, "Muestra las cantidades antes y después");
 }
 
 OpcionesImportar Completar(OpcionesImportar o, const Textos& t, bool solo_revisar) {

@@ -7,6 +7,7 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "cli/codigos.h"
+#include "informe/informe.h"
 
 namespace cli {
 
@@ -62,6 +63,23 @@ void EscribirTotales(std::ostream& out, const informe::Cuentas& c, const app::Es
     out << "  " << t.concepto << " " << app::NombreDeTotal(estado, t) << ": "
         << base::NumberText(base::Round(t.cantidad, 6)) << " (" << t.lineas
         << (t.lineas == 1 ? " línea" : " líneas") << ")\n";
+}
+
+void EscribirCambios(std::ostream& out, const std::vector<corridas::CambioDeCantidad>& cambios) {
+  if (cambios.empty()) {
+    out << "Ninguna cantidad cambia.\n";
+    return;
+  }
+  std::vector<std::vector<std::string>> filas{
+      {"Contrato", "Persona", "Concepto", "C. Costo", "Encabezado", "Antes", "Después", "Diferencia"}};
+  const auto lado = [](const std::optional<double>& v) { return v ? informe::TextoDeNumero(*v) : "-"; };
+  for (const auto& c : cambios)
+    filas.push_back({std::to_string(c.id_Contrato),
+                     informe::EnUnaLinea(base::Trim(c.nombre + " " + c.apellido)),
+                     informe::EnUnaLinea(std::to_string(c.concepto) + " " + c.nombre_concepto),
+                     std::to_string(c.idAgrupa), c.tabla_usuario ? "" : std::to_string(c.id_Encabezado),
+                     lado(c.antes), lado(c.despues), informe::TextoDeNumero(c.Diferencia())});
+  EscribirCuadro(out, filas, {0, 3, 4, 5, 6, 7});
 }
 
 int Terminar(Flujos f, int codigo, std::string_view ademas) {

@@ -20,6 +20,9 @@ void EscribirCsv(std::ostream& out, const std::vector<informe::Linea>& lineas);
 void EscribirTabla(std::ostream& out, const std::vector<informe::Linea>& lineas);
 void EscribirTotales(std::ostream& out, const informe::Cuentas& cuentas, const app::Estado& estado);
 
+// The quantities before and after, one row a contract, concept, cost centre and header.
+void EscribirCambios(std::ostream& out, const std::vector<corridas::CambioDeCantidad>& cambios);
+
 // The end of a verb that printed: `codigo`, or that of a failed write, told on the error output, when the
 // output did not take all of it (closed, or full). `ademas` follows that message.
 int Terminar(Flujos flujos, int codigo, std::string_view ademas = {});

@@ -78,11 +78,16 @@ std::string_view YaEsta(const OpcionesImportar& o, const app::Programa& programa
 
 // The files that were asked for. False when one could not be written.
 bool EscribirArchivos(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
-  if (o.rechazadas.empty()) return true;
-  const app::Escritura escrita = programa.Informes().GuardarRechazadas(o.rechazadas);
-  if (!escrita.motivo.empty()) f.err << escrita.motivo << YaEsta(o, programa) << '\n';
-  if (!escrita.aviso.empty()) f.err << "Aviso: " << escrita.aviso << '\n';
-  return escrita.motivo.empty();
+  std::vector<app::Escritura> escritas;
+  if (!o.rechazadas.empty()) escritas.push_back(programa.Informes().GuardarRechazadas(o.rechazadas));
+  if (!o.informe.empty()) escritas.push_back(programa.Informes().GuardarInforme(o.informe));
+  bool bien = true;
+  for (const app::Escritura& escrita : escritas) {
+    if (!escrita.motivo.empty()) f.err << escrita.motivo << YaEsta(o, programa) << '\n';
+    if (!escrita.aviso.empty()) f.err << "Aviso: " << escrita.aviso << '\n';
+    bien = bien && escrita.motivo.empty();
+  }
+  return bien;
 }
 
 int Mostrar(const OpcionesImportar& o, const app::Programa& programa, bool avisos, Flujos f) {
@@ -99,6 +104,7 @@ int Mostrar(const OpcionesImportar& o, const app::Programa& programa, bool aviso
     EscribirTabla(f.out, lineas);
   // With a CSV the standard output holds nothing else.
   EscribirTotales(o.salida == Formato::Csv ? f.err : f.out << '\n', cuentas, programa.Ver());
+  if (o.cambios) EscribirCambios(o.salida == Formato::Csv ? f.err : f.out << '\n', programa.Ver().cantidades);
   return Terminar(f, CodigoDe(cuentas, programa.Ver(), avisos), YaEsta(o, programa));
 }
 
@@ -125,7 +131,12 @@ int ImportarYMostrar(app::Programa& programa, const OpcionesImportar& o, Flujos 
 
 bool SePuedenEscribir(app::Programa& programa, const OpcionesImportar& o, std::ostream& err) {
   std::vector<std::string> salidas;
+  if (!o.informe.empty() && !app::Informes::EsInforme(o.informe)) {
+    err << "El informe '" << o.informe << "' tiene que terminar en .csv o .html\n";
+    return false;
+  }
   if (!o.rechazadas.empty()) salidas = {o.rechazadas, app::Informes::RutaDeMotivos(o.rechazadas)};
+  if (!o.informe.empty()) salidas.push_back(o.informe);
   const std::string motivo = programa.Informes().MotivoParaNoEscribir(salidas, {o.ajustes.value_or("")});
   if (!motivo.empty()) err << motivo << '\n';
   return motivo.empty();

@@ -28,6 +28,8 @@ struct OpcionesImportar {
   Formato salida = Formato::Tabla;
   bool solo_revisar = false;
   std::string rechazadas;  // file for the refused lines; may be empty
+  std::string informe;     // file for the report; may be empty
+  bool cambios = false;    // print the quantities before and after
 };
 int Importar(const OpcionesImportar& opciones, const std::string& carpeta, const ports::Clock& reloj,
              Flujos flujos);

@@ -1,6 +1,7 @@
 // Loading the import file into the rows that the grid shows and the import works through.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -36,13 +37,23 @@ enum CampoFila {
   kValor
 };
 
+// Where the import, or a trial of it, wrote a line; 0 is none.
+struct DestinoDeLinea {
+  std::int32_t contrato = 0;
+  std::int32_t concepto = 0;      // a user table: its number plus 1000
+  std::int32_t encabezado = 0;    // of the liquidation; 0 for a user table
+  std::int32_t agrupa = 0;        // cost centre
+  bool encabezado_nuevo = false;  // this line made it
+};
+
 struct ImportRow {
   formula::CamposDeLinea campo;
   std::string resultado;  // "", "OK" or the reason why it was not imported
   std::size_t linea = 0;  // of the file, from 1, as an editor numbers it
   // The file's quantity is neither empty (or blank) nor a number, whatever a formula made of it.
   bool cantidad_no_numerica = false;
-  std::string rechazo;  // why the load refuses the line, "" for none
+  std::string rechazo;     // why the load refuses the line, "" for none
+  DestinoDeLinea destino;  // of a row with "OK"
 };
 
 enum class FiltroPor { Texto = 0, Relacion = 1 };  // the index of OptFiltro

@@ -53,6 +53,7 @@ Eleccion ElegirEncabezado(Corrida& c, std::int32_t contrato, std::string_view cl
   const std::int32_t nuevo = IdentificadorNuevo(c, "Encabezados", "id_Encabezado");
   Escribir(c, sql::InsertarEncabezado(e.sesion.idEmpresa, nuevo, e.mes, contrato, tipo, e.sesion.id_Usuario));
   c.encabezados.Reabrir(e.sesion, nuevo);
+  c.destino.encabezado_nuevo = true;
   return {nuevo, {}};
 }
 
@@ -85,6 +86,7 @@ std::string AgregarDatosALiq(Corrida& c, std::int32_t concepto, float& cantidad,
                      0,
                      0,
                      {cantidad, coeficiente}};
+  c.destino = {.contrato = dato.contrato, .concepto = concepto};
   if (concepto >= 1000) {
     cantidad = EscribirTablaUsuario(c, dato);
     return {};
@@ -94,6 +96,8 @@ std::string AgregarDatosALiq(Corrida& c, std::int32_t concepto, float& cantidad,
   if (!eleccion.motivo.empty()) return eleccion.motivo;
   dato.encabezado = eleccion.encabezado;
   dato.agrupa = Agrupacion(c.entrada.sesion, c.entrada.opciones, personas, fila_persona, fila, centro_costo);
+  c.destino.encabezado = dato.encabezado;
+  c.destino.agrupa = dato.agrupa;
   const Cifras escritas = EscribirDato(c, dato, fila);
   cantidad = escritas.cantidad;
   coeficiente = escritas.coeficiente;

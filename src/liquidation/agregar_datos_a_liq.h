@@ -35,6 +35,7 @@ struct Corrida {
 
   // Of the line under way: its savepoint is set, and something was written after it.
   bool marcada = false, escribio = false;
+  importfile::DestinoDeLinea destino;
 };
 
 // Concepts from 1000 up name the user table of that number less 1000. `cantidad` and `coeficiente` are

@@ -95,10 +95,12 @@ std::string EscribirLinea(Corrida& c, const ImportRow& fila, LineaAImportar line
   }
 }
 
-std::string ImportarFila(Corrida& c, const ImportRow& fila, Totales& totales) {
+std::string ImportarFila(Corrida& c, ImportRow& fila, Totales& totales) {
+  fila.destino = {};
   const FilaRevisada revisada = RevisarFila(c.entrada, fila);
   if (!revisada.linea) return revisada.motivo;
   std::string motivo = EscribirLinea(c, fila, *revisada.linea);
+  if (motivo.empty()) fila.destino = c.destino;
   if (motivo.empty())
     Sumar(totales, *revisada.linea, c.entrada.relaciones.Campo(relations::kNombre, revisada.linea->relacion));
   return motivo;
@@ -170,7 +172,10 @@ void NadaEscrito(const EntradaImportacion& e, const std::string& motivo, std::ve
   r.error = motivo;
   r.totales.clear();
   r.actualizaciones_fallidas.clear();
-  for (ImportRow& fila : filas) fila.resultado = motivo;
+  for (ImportRow& fila : filas) {
+    fila.resultado = motivo;
+    fila.destino = {};
+  }
   e.progreso.ActuBarra(0, true);
   e.prompts.Show({motivo, ports::Icon::Exclamation, false});
 }

@@ -12,8 +12,8 @@ struct Ayuda {
 };
 
 const std::vector<std::string> kImportar = {
-    "--base",      "--archivo", "--mes",    "--liquidacion", "--cc",    "--ajustes",   "--opcion",
-    "CLAVE=VALOR", "--filtro",  "--salida", "--hoy",         "AAAA-MM", "--rechazadas"};
+    "--base",   "--archivo", "--mes", "--liquidacion", "--cc",         "--ajustes", "--opcion", "CLAVE=VALOR",
+    "--filtro", "--salida",  "--hoy", "AAAA-MM",       "--rechazadas", "--informe", "--cambios"};
 
 const std::vector<Ayuda> kAyudas = {
     {{"--help"}, {"importar", "revisar", "formula", "consulta", "demo"}},
