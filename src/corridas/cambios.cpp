@@ -40,14 +40,6 @@ std::string ConsultaDe(Tabla tabla, std::int32_t idEmpresa, base::Date mes) {
   }
 }
 
-std::uint64_t Picada(std::string_view bytes, std::uint64_t semilla) {
-  std::uint64_t h = 0xCBF29CE484222325ULL ^ semilla;
-  for (const char c : bytes) h = (h ^ static_cast<unsigned char>(c)) * 0x100000001B3ULL;
-  h ^= h >> 32U;
-  h *= 0x9E3779B97F4A7C15ULL;
-  return h ^ h >> 29U;
-}
-
 // By the key's values; rows of one key by what else they hold, so that the order never depends on the base.
 bool MenorPorClave(const CambiosDeTabla& t, const CambioDeFila& a, const CambioDeFila& b) {
   for (const std::size_t i : t.clave) {
@@ -122,6 +114,18 @@ Foto Foto::Tomar(const sesion::DbSession& sesion, base::Date mes) {
 void Foto::ParaCada(Tabla tabla, const std::function<void(const Fila&)>& paso) const {
   const TablaGuardada& t = tablas_.at(tabla);
   for (const FilaGuardada& f : t.filas) paso(t.Decodificada(f));
+}
+
+std::vector<Fila> Foto::ConClaveDe(Tabla tabla, const Fila& fila) const {
+  const TablaGuardada& t = tablas_.at(tabla);
+  if (t.indice.empty())
+    for (std::size_t i = 0; i < t.filas.size(); ++i) t.indice.emplace(t.Clave(t.filas[i]), i);
+  std::string clave;
+  for (const std::size_t i : t.clave) Codificar(fila.at(i), clave);
+  std::vector<Fila> halladas;
+  const auto [primero, fin] = t.indice.equal_range(clave);
+  for (auto it = primero; it != fin; ++it) halladas.push_back(t.Decodificada(t.filas[it->second]));
+  return halladas;
 }
 
 // A row of `en` with the key of `fila`, and with `igual` of the same values too; it is taken out of the

@@ -55,6 +55,9 @@ class Foto {
   corridas::Huella Huella() const { return huella_; }
   const std::vector<std::string>& Columnas(Tabla tabla) const { return tablas_.at(tabla).columnas; }
   void ParaCada(Tabla tabla, const std::function<void(const Fila&)>& paso) const;
+  // The rows with the key of that one, which has the columns of the table; more than one where the base holds
+  // its keys twice.
+  std::vector<Fila> ConClaveDe(Tabla tabla, const Fila& fila) const;
   friend Cambios Diferencia(const Foto& antes, const Foto& despues);
 
  private:
@@ -66,6 +69,7 @@ class Foto {
     std::vector<std::size_t> clave;
     std::string bytes;
     std::vector<FilaGuardada> filas;
+    mutable std::unordered_multimap<std::string, std::size_t> indice;  // by key; made when first asked
 
     std::string_view Clave(const FilaGuardada& f) const;
     std::string_view Valores(const FilaGuardada& f) const;

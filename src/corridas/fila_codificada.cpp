@@ -15,6 +15,14 @@ void CodificarTexto(std::string_view texto, std::string& bytes) {
   bytes.append(texto);
 }
 
+std::uint64_t Picada(std::string_view bytes, std::uint64_t semilla) {
+  std::uint64_t h = 0xCBF29CE484222325ULL ^ semilla;
+  for (const char c : bytes) h = (h ^ static_cast<unsigned char>(c)) * 0x100000001B3ULL;
+  h ^= h >> 32U;
+  h *= 0x9E3779B97F4A7C15ULL;
+  return h ^ h >> 29U;
+}
+
 void Codificar(const base::Value& valor, std::string& bytes) {
   const auto doble = [&](double d) {
     CodificarEntero(std::bit_cast<std::uint64_t>(d == 0 ? 0.0 : d), 8, bytes);

@@ -19,13 +19,15 @@ using Fila = std::vector<base::Value>;
 void Codificar(const base::Value& valor, std::string& bytes);
 void CodificarEntero(std::uint64_t numero, int octetos, std::string& bytes);
 void CodificarTexto(std::string_view texto, std::string& bytes);
+// A number for the bytes; not one that withstands who wants two alike.
+std::uint64_t Picada(std::string_view bytes, std::uint64_t semilla);
 
 // Reads from the front of a text of bytes. Each throws base::Error when the bytes end too soon or are none of
 // the above.
 class Lector {
  public:
   explicit Lector(std::string_view bytes) : resto_(bytes) {}
-  bool Fin() const { return resto_.empty(); }
+  std::size_t Quedan() const { return resto_.size(); }  // bytes
   std::uint64_t Entero(int octetos);
   std::string_view Texto();
   base::Value Valor();

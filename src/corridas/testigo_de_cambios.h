@@ -17,7 +17,7 @@ class TestigoDeCambios : public liquidation::Testigo {
   void AntesDeEscribir() override;
   void AntesDeTerminar(const std::vector<importfile::ImportRow>& filas,
                        const liquidation::Importacion& importacion) override;
-  void Terminada(bool) noexcept override {}
+  void Terminada(bool) override {}
 
   // Empty before AntesDeTerminar.
   const std::vector<CambioDeCantidad>& Cantidades() const { return cantidades_; }

@@ -21,7 +21,7 @@ class Testigo {
                                const Importacion& importacion) = 0;
   // The transaction has ended: `confirmada`, what it wrote stands for good. Also called after a commit that
   // failed; never throws.
-  virtual void Terminada(bool confirmada) noexcept = 0;
+  virtual void Terminada(bool confirmada) = 0;
 };
 
 }  // namespace liquidation
