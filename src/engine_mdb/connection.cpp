@@ -8,6 +8,13 @@ namespace engine_mdb {
 namespace {
 
 constexpr const char* kUndone = "Un error anterior deshizo la transacción: nada de ella quedó guardado.";
+constexpr const char* kPrivate = "La base se abrió para probar: nada se escribe en ella.";
+constexpr const char* kChanged =
+    "Otro programa cambió la base mientras se probaba sobre una copia: pruebe de nuevo.";
+
+mdb::DatabaseOptions HowToOpen(const Options& options) {
+  return {options.read_only || options.private_copy, options.password};
+}
 
 }  // namespace
 
@@ -19,7 +26,7 @@ MdbConnection::MdbConnection(std::unique_ptr<mdb::Database> base, std::string_vi
 
 void MdbConnection::Start(std::unique_ptr<mdb::Database> base) {
   base_ = std::move(base);
-  source_ = std::make_unique<MdbSource>(*base_, path_, counters_);
+  source_ = std::make_unique<MdbSource>(*base_, path_, counters_, options_.private_copy);
   engine_sqlite::Options below;
   below.order = base::OrderOfLanguage(base_->Header().order).value_or(base::SortOrder::General);
   below.clock = &clock_;
@@ -35,14 +42,15 @@ void MdbConnection::CheckOutsideChanges() {
   if (open_below_) return;
   db::AsConnectionErrors([&] {
     if (!base_->Pages().ChangedOutside()) return;
-    auto fresh = mdb::Database::Open(path_, {options_.read_only, options_.password});
+    auto fresh = mdb::Database::Open(path_, HowToOpen(options_));
     Close();
     Start(std::move(fresh));
   });
 }
 
 bool MdbConnection::ObtainWriteAccess() {
-  if (open_below_ || options_.read_only || base_->ReadOnlyReason().empty()) return false;
+  if (open_below_ || options_.read_only || options_.private_copy || base_->ReadOnlyReason().empty())
+    return false;
   return db::AsConnectionErrors([&] {
     auto fresh = mdb::Database::Open(path_, {false, options_.password});
     if (!fresh->ReadOnlyReason().empty()) return false;
@@ -68,7 +76,7 @@ void MdbConnection::VerifyOpen() const {
 }
 
 void MdbConnection::Begin() {
-  if (const std::string reason = WhyNotWritable(*base_); !reason.empty()) throw BaseNotWritable(reason);
+  if (const std::string reason = ReadOnlyReason(); !reason.empty()) throw BaseNotWritable(reason);
   source_->SaveState();
   mirror_.connection->BeginTrans();
   open_below_ = true;
@@ -77,6 +85,10 @@ void MdbConnection::Begin() {
 
 // The file first: what it refuses is undone in the mirrors, while they can hardly refuse what it has taken.
 void MdbConnection::Commit() {
+  if (options_.private_copy) {
+    Rollback();
+    throw db::Error(kPrivate);
+  }
   bool had_changes = false, writing = false;
   try {
     db::AsConnectionErrors([&] {
@@ -188,6 +200,8 @@ void MdbConnection::ForgetMark() {
 db::Recordset MdbConnection::ExecuteAs(std::string_view sql, bool query_only) {
   VerifyOpen();
   CheckOutsideChanges();
+  if (options_.private_copy && open_below_ && base_->Pages().ChangedOutside())
+    throw db::Error(base::StorageFault(kChanged));
   try {
     return Run(sql, query_only);
   } catch (const BaseNotWritable&) {
@@ -233,8 +247,7 @@ db::Recordset MdbConnection::RunRows(std::string_view sql, bool query_only) {
 
 std::unique_ptr<db::Connection> Open(std::string_view path, const Options& options) {
   return db::AsConnectionErrors([&]() -> std::unique_ptr<db::Connection> {
-    return std::make_unique<MdbConnection>(mdb::Database::Open(path, {options.read_only, options.password}),
-                                           path, options);
+    return std::make_unique<MdbConnection>(mdb::Database::Open(path, HowToOpen(options)), path, options);
   });
 }
 

@@ -36,7 +36,9 @@ class MdbConnection final : public db::Connection {
   void ReleaseSavepoint() override;
 
   const Counters& Counts() const { return counters_; }
-  std::string ReadOnlyReason() const { return base_ == nullptr ? std::string() : WhyNotWritable(*base_); }
+  std::string ReadOnlyReason() const {
+    return base_ == nullptr || options_.private_copy ? std::string() : WhyNotWritable(*base_);
+  }
 
  private:
   void Start(std::unique_ptr<mdb::Database> base);

@@ -18,6 +18,9 @@ namespace engine_mdb {
 
 struct Options {
   bool read_only = false;
+  // Statements may change everything, and nothing of it ever reaches the file, which is opened for reading
+  // alone: a commit throws. When another program changes the file meanwhile every statement throws.
+  bool private_copy = false;
   std::string password;
   bool dao_wildcards = false;            // LIKE with * ? # as saved queries of the DAO kind have
   const ports::Clock* clock = nullptr;   // what Date() and Now() ask; the system's clock when null

@@ -94,7 +94,7 @@ void MdbSource::JudgeWriting(const mdb::Object& object, MirrorTable& t) const {
   if (object.type != mdb::Object::Table) {
     t.reason = table + " está vinculada a otro archivo (" + object.base +
                "): desde aquí se puede leer, no escribir.";
-  } else if (std::string reason = WhyNotWritable(base_); !reason.empty()) {
+  } else if (std::string reason = private_copy_ ? std::string() : WhyNotWritable(base_); !reason.empty()) {
     t.reason = std::move(reason);
     t.base_refuses = true;
   } else if (object.IsSystem()) {

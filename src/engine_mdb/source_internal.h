@@ -43,8 +43,9 @@ class BaseNotWritable : public db::Error {
 
 class MdbSource final : public engine_sqlite::TableSource {
  public:
-  MdbSource(mdb::Database& base, std::string_view path, Counters& counters)
-      : base_(base), links_(std::string(path)), counters_(counters) {}
+  // `private_copy`: what the file's state forbids to write may be written in the mirrors, which keep it.
+  MdbSource(mdb::Database& base, std::string_view path, Counters& counters, bool private_copy)
+      : base_(base), links_(std::string(path)), counters_(counters), private_copy_(private_copy) {}
   // The handle on which the mirrors live; registers what they call. `on_write` is called before a
   // statement that writes, when all is ready for it.
   void Attach(sqlite3* mirror, std::function<void()> on_write);
@@ -129,6 +130,7 @@ class MdbSource final : public engine_sqlite::TableSource {
   mdb::Database& base_;
   Links links_;
   Counters& counters_;
+  const bool private_copy_;
   sqlite3* mirror_ = nullptr;
   std::function<void()> on_write_;
 

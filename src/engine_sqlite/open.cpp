@@ -1,4 +1,7 @@
 // Opening and closing a file, and transactions.
+#include <algorithm>
+#include <optional>
+
 #include "base/file.h"
 #include "engine_sqlite/connection_internal.h"
 
@@ -24,6 +27,56 @@ bool IsInUtf8(sqlite3* base) {
 
 // A statement that is of no consequence when it fails (a read-only file keeps its journal mode).
 void Attempt(sqlite3* base, const char* sql) { sqlite3_exec(base, sql, nullptr, nullptr, nullptr); }
+
+[[noreturn]] void CannotOpen(const std::string& name, int code, sqlite3* base) {
+  throw db::Error(base::StorageFault("No se puede abrir la base " + name + ". " +
+                                     DescriptionOf(code, base != nullptr ? sqlite3_errmsg(base) : "")));
+}
+
+BaseHandle OpenHandle(const std::string& path, const std::string& name, int mode) {
+  sqlite3* raw = nullptr;
+  const int rc =
+      sqlite3_open_v2(path.c_str(), &raw, mode | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+  BaseHandle base(raw);
+  if (rc != SQLITE_OK) CannotOpen(name, rc, raw);
+  return base;
+}
+
+// As SQLite itself reads it, with what its log holds. False where that needs a file beside it that may not be
+// made.
+bool Backup(sqlite3* memory, const std::string& path, const std::string& name, int wait_ms) {
+  const BaseHandle file = OpenHandle(path, name, SQLITE_OPEN_READONLY);
+  sqlite3_busy_timeout(file.get(), wait_ms);
+  sqlite3_backup* copy = sqlite3_backup_init(memory, "main", file.get(), "main");
+  if (copy == nullptr) CannotOpen(name, sqlite3_extended_errcode(memory), memory);
+  const int rc = sqlite3_backup_step(copy, -1);
+  sqlite3_backup_finish(copy);
+  if (rc == SQLITE_DONE) return true;
+  const int primary = rc & 0xFF;
+  if (primary == SQLITE_CANTOPEN || primary == SQLITE_READONLY) return false;
+  CannotOpen(name, rc, file.get());
+}
+
+// The bytes themselves: whole when no log lies beside them.
+void LoadBytes(sqlite3* memory, const std::string& path, const std::string& name) {
+  const auto log = base::ReadBeginning(path + "-wal", 1);
+  std::optional<std::string> bytes = base::ReadWholeFile(path);
+  if (!bytes || bytes->size() < 100 || (log && !log->empty())) CannotOpen(name, SQLITE_CANTOPEN, nullptr);
+  (*bytes)[18] = (*bytes)[19] = 1;  // no write-ahead log in memory
+  auto* room = static_cast<unsigned char*>(sqlite3_malloc64(bytes->size()));
+  if (room == nullptr) throw base::StorageFault(base::kOutOfMemory);
+  std::copy(bytes->begin(), bytes->end(), room);
+  const auto size = static_cast<sqlite3_int64>(bytes->size());
+  const int rc = sqlite3_deserialize(memory, "main", room, size, size,
+                                     SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_RESIZEABLE);
+  if (rc != SQLITE_OK) CannotOpen(name, rc, memory);
+}
+
+BaseHandle CopyInMemory(const std::string& path, const std::string& name, int wait_ms) {
+  BaseHandle memory = OpenHandle(std::string(kInMemory), name, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  if (!Backup(memory.get(), path, name, wait_ms)) LoadBytes(memory.get(), path, name);
+  return memory;
+}
 
 // A path that names another machine.
 bool IsOnNetwork(std::string_view path) { return path.substr(0, 2) == "\\\\" || path.substr(0, 2) == "//"; }
@@ -54,13 +107,11 @@ void SqliteConnection::OpenFile(std::string_view path, const Options& options) {
                        : SQLITE_OPEN_READWRITE | (options.create || in_memory ? SQLITE_OPEN_CREATE : 0);
   // A relative name that starts like a URI is still a file's name.
   const std::string opened_path = name.rfind("file:", 0) == 0 ? "./" + name : name;
-  sqlite3* raw = nullptr;
-  const int rc =
-      sqlite3_open_v2(opened_path.c_str(), &raw, mode | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
-  base_.reset(raw);
-  if (rc != SQLITE_OK)
-    throw db::Error(base::StorageFault("No se puede abrir la base " + name + ". " +
-                                       DescriptionOf(rc, raw != nullptr ? sqlite3_errmsg(raw) : "")));
+  if (options.private_copy) {
+    base_ = CopyInMemory(opened_path, name, options.wait_ms);
+    return;
+  }
+  base_ = OpenHandle(opened_path, name, mode);
   sqlite3_busy_timeout(base_.get(), options.wait_ms);
   try {
     // The first read tells a file of another kind.
@@ -74,7 +125,7 @@ void SqliteConnection::OpenFile(std::string_view path, const Options& options) {
 
 void SqliteConnection::Configure(std::string_view path, const Options& options) {
   sqlite3* base = base_.get();
-  const bool in_memory = path == kInMemory;
+  const bool in_memory = path == kInMemory || options.private_copy;
   // A name in double quotes that is no column must be an error and not a text.
   sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(base, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);

@@ -19,6 +19,9 @@ namespace engine_sqlite {
 struct Options {
   bool create = false;  // make the file when there is none (":memory:" needs no flag)
   bool read_only = false;
+  // Work on a copy of the file in memory, which is only read: everything may change there, and nothing of it
+  // ever reaches the file.
+  bool private_copy = false;
   bool dao_wildcards = false;  // LIKE with * ? # as saved queries of the DAO kind have
   base::SortOrder order = base::SortOrder::ModernSpanish;  // of a new file; one that exists keeps its own
   const ports::Clock* clock = nullptr;   // what Date() and Now() ask; the system's clock when null
