@@ -3,9 +3,22 @@
 #include <new>
 #include <utility>
 
+#include "base/file.h"
+#include "base/format.h"
+#include "base/sha256.h"
 #include "base/text.h"
+#include "base/user_name.h"
 
 namespace app {
+namespace {
+
+std::string EnCopia(const std::string& motivo) {
+  return motivo + "\r\nSe revisa sobre una copia en memoria: nada se escribe en la base.";
+}
+
+constexpr const char* kExtensionDelRegistro = ".corridas";
+
+}  // namespace
 
 BaseDeDatos::BaseDeDatos(Contexto& contexto) : c_(contexto), e_(contexto.estado) {
   sesion_.reloj = &c_.puertos.reloj;
@@ -20,8 +33,56 @@ bool BaseDeDatos::Conectar(const std::string& referencia) {
   sesion_.conexion = std::move(nueva.conexion);
   sesion_.id_Usuario = nueva.id_Usuario;
   e_.archivo_base = std::move(nueva.archivo);
+  origen_ = nueva.origen.empty() ? referencia : std::move(nueva.origen);
   e_.motivo_base = std::move(nueva.motivo);
-  return sesion_.Abierta() && (!c_.arranque.una_transaccion || Comenzar());
+  if (!sesion_.Abierta()) return c_.arranque.solo_prueba && ComenzarEnCopia(referencia, e_.motivo_base);
+  if (!c_.arranque.una_transaccion || Comenzar()) return true;
+  return c_.arranque.solo_prueba && ComenzarEnCopia(referencia, e_.motivo_base);
+}
+
+// What was tried there counts as it would on the base itself. A base that is none, or that cannot be read,
+// keeps the reason that it had.
+bool BaseDeDatos::ComenzarEnCopia(const std::string& referencia, std::string motivo) {
+  Conexion copia = c_.puertos.conectar_copia(referencia, c_.puertos.reloj);
+  if (copia.conexion == nullptr ||
+      !base::AnyErrorNoted("copia", nullptr, [&] { copia.conexion->BeginTrans(); })) {
+    e_.motivo_base = std::move(motivo);
+    return false;
+  }
+  sesion_.conexion = std::move(copia.conexion);
+  sesion_.id_Usuario = copia.id_Usuario;
+  e_.archivo_base = std::move(copia.archivo);
+  e_.motivo_base.clear();
+  c_.Avisar(EnCopia(motivo));
+  return true;
+}
+
+bool BaseDeDatos::Probar(const std::function<void()>& paso, std::string& motivo) {
+  motivo.clear();
+  db::Connection& conexion = *sesion_.conexion;
+  if (conexion.InTransaction() || base::AnyErrorNoted("probar", nullptr, [&] {
+        try {
+          conexion.BeginTrans();
+        } catch (const base::Error& e) {
+          motivo = e.Description();
+          throw;
+        }
+      })) {
+    paso();
+    return true;
+  }
+  Conexion copia = c_.puertos.conectar_copia(e_.referencia, c_.puertos.reloj);
+  if (copia.conexion == nullptr) return false;
+  c_.Avisar(EnCopia(motivo));
+  std::swap(sesion_.conexion, copia.conexion);
+  try {
+    paso();
+  } catch (const std::exception&) {
+    std::swap(sesion_.conexion, copia.conexion);
+    throw;
+  }
+  std::swap(sesion_.conexion, copia.conexion);
+  return true;
 }
 
 // Without its transaction the start-up itself would be written for good: the base then counts as not opened.
@@ -113,6 +174,28 @@ std::string BaseDeDatos::MotivoParaNoImportar() const {
 void BaseDeDatos::Deshacer() {
   if (sesion_.conexion != nullptr && sesion_.conexion->InTransaction())
     base::AnyErrorNoted("deshacer", nullptr, [&] { sesion_.conexion->RollbackTrans(); });
+}
+
+corridas::LugarDelRegistro BaseDeDatos::LugarDelRegistro() {
+  corridas::LugarDelRegistro lugar;
+  lugar.disco = c_.puertos.disco != nullptr ? c_.puertos.disco : &disco_;
+  const std::string base = e_.archivo_base.empty() ? std::string() : lugar.disco->RealPath(e_.archivo_base);
+  lugar.ruta = base.empty()
+                   ? base::JoinPath(c_.arranque.carpeta, "base-" + base::Sha256(origen_).substr(0, 16))
+                   : base;
+  lugar.ruta += kExtensionDelRegistro;
+  if (c_.puertos.disco == nullptr)
+    lugar.crear = [ruta = lugar.ruta, base] { return base::WritePrivateFile(ruta, {}, base); };
+  return lugar;
+}
+
+corridas::Resumen BaseDeDatos::CorridaNueva() const {
+  corridas::Resumen r;
+  r.momento = base::FormatDate(c_.puertos.reloj.Now(), "yyyy-MM-dd hh:nn:ss");
+  r.usuario_sistema = c_.arranque.usuario ? *c_.arranque.usuario : base::UserName();
+  r.id_Usuario = sesion_.id_Usuario;
+  r.idEmpresa = sesion_.idEmpresa;
+  return r;
 }
 
 void BaseDeDatos::VerSoloLectura() { e_.solo_lectura = MotivoSoloLectura(sesion_.conexion.get()); }

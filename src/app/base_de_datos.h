@@ -6,6 +6,8 @@
 #include <string>
 
 #include "app/contexto.h"
+#include "base/disk_file.h"
+#include "corridas/registro.h"
 #include "formula/evaluador/evaluator.h"
 #include "sesion/db_session.h"
 
@@ -22,12 +24,19 @@ class BaseDeDatos {
   formula::Evaluador& Evaluador() { return evaluador_; }
   // Closes what was open and opens the reference. False: it is not open, and motivo_base says why.
   bool Conectar(const std::string& referencia);
+  // Runs a step that writes and takes back, on the base; or, when the base may not be written now, on a copy
+  // in memory, which it leaves behind. False: neither could be had, and motivo says why.
+  bool Probar(const std::function<void()>& paso, std::string& motivo);
   // The company that every statement names. What cannot be read leaves motivo_empresa.
   void LeerEmpresa();
   // Every step that touches the base runs in here: a fault of the storage or of the memory ends it, is told,
   // and stops all imports until everything has been read again. False: it was ended.
   bool ConLaBase(const std::function<void()>& paso);
   void VerSoloLectura();
+  // The ledger of the open base: beside its file, or in the program's folder for a base that is none.
+  corridas::LugarDelRegistro LugarDelRegistro();
+  // Of a run that begins now: moment and users.
+  corridas::Resumen CorridaNueva() const;
   // What was begun and not committed stays as it was, the month parameter included.
   void Deshacer();
 
@@ -36,10 +45,13 @@ class BaseDeDatos {
 
  private:
   bool Comenzar();
+  bool ComenzarEnCopia(const std::string& referencia, std::string motivo);
   void FalloLaBase(std::string motivo);
 
   Contexto& c_;
   Estado& e_;
+  base::SystemDisk disco_;
+  std::string origen_;
   sesion::DbSession sesion_;
   formula::Evaluador evaluador_;
 };

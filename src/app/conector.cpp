@@ -17,18 +17,24 @@ namespace {
 constexpr std::string_view kMarcaSqlite{"SQLite format 3\0", 16};
 constexpr std::string_view kMarcaJet{"Standard Jet DB"}, kMarcaAce{"Standard ACE DB"};
 
+struct Modo {
+  const ports::Clock& reloj;
+  bool copia = false;  // in memory
+};
+
 bool EsAccess(std::string_view bytes) {
   if (bytes.size() < 20) return false;
   bytes.remove_prefix(4);
   return base::StartsWith(bytes, kMarcaJet) || base::StartsWith(bytes, kMarcaAce);
 }
 
-Conexion AbrirSqlite(const std::string& ruta, const ports::Clock& reloj) {
+Conexion AbrirSqlite(const std::string& ruta, const Modo& modo) {
   Conexion c;
   c.archivo = ruta;
   try {
     engine_sqlite::Options opciones;
-    opciones.clock = &reloj;
+    opciones.clock = &modo.reloj;
+    opciones.private_copy = modo.copia;
     c.conexion = engine_sqlite::Open(ruta, opciones);
   } catch (const base::Error& e) {
     c.motivo = e.Description();
@@ -38,12 +44,13 @@ Conexion AbrirSqlite(const std::string& ruta, const ports::Clock& reloj) {
 
 // The file is opened for writing: it stays ours until it is closed. One that cannot be written opens all the
 // same, and says so when something is written.
-Conexion AbrirMdb(const std::string& ruta, const std::string& contrasena, const ports::Clock& reloj) {
+Conexion AbrirMdb(const std::string& ruta, const std::string& contrasena, const Modo& modo) {
   Conexion c;
   c.archivo = ruta;
   try {
     engine_mdb::Options opciones;
-    opciones.clock = &reloj;
+    opciones.clock = &modo.reloj;
+    opciones.private_copy = modo.copia;
     opciones.password = contrasena;
     c.conexion = engine_mdb::Open(ruta, opciones);
   } catch (const base::Error& e) {
@@ -54,7 +61,7 @@ Conexion AbrirMdb(const std::string& ruta, const std::string& contrasena, const 
 
 // `motor`: what ConfBase.cfg asks for, or empty.
 Conexion AbrirArchivo(const std::string& ruta, const std::string& motor, const std::string& contrasena,
-                      const ports::Clock& reloj) {
+                      const Modo& modo) {
   if (!base::FileExists(ruta)) return Fallo("El archivo '" + ruta + "' no existe");
   const auto cabecera = base::ReadBeginning(ruta, 64);
   if (!cabecera) return Fallo("No se puede leer el archivo '" + ruta + "'");
@@ -62,10 +69,11 @@ Conexion AbrirArchivo(const std::string& ruta, const std::string& motor, const s
   if (!access && !propia) return Fallo("'" + ruta + "' no es una base de datos conocida");
   if (access && motor == "sqlite") return Fallo("'" + ruta + "' es una base de Access: pide el motor mdb");
   if (propia && motor == "mdb") return Fallo("'" + ruta + "' no es una base de Access: pide el motor sqlite");
-  if (propia) return AbrirSqlite(ruta, reloj);
+  if (propia) return AbrirSqlite(ruta, modo);
   // Other programs may have the file open: where there is a driver that shares it with them, it is used.
-  if (motor.empty() && engine_odbc::HasAccessDriver()) return AbrirOdbc({ruta, ruta, contrasena, {}});
-  return AbrirMdb(ruta, contrasena, reloj);
+  if (motor.empty() && !modo.copia && engine_odbc::HasAccessDriver())
+    return AbrirOdbc({ruta, ruta, contrasena, {}});
+  return AbrirMdb(ruta, contrasena, modo);
 }
 
 bool EsRelativa(std::string_view ruta) {
@@ -79,7 +87,7 @@ std::string Contrasena(const std::string& texto) {
   return contrasena.empty() ? settings::ValorDeTexto(texto, "Contrasena") : contrasena;
 }
 
-Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
+Conexion AbrirConfBase(const std::string& ruta, const Modo& modo) {
   const auto bytes = base::ReadWholeFile(ruta);
   if (!bytes) return Fallo("No se puede leer el archivo '" + ruta + "'");
   std::string texto = base::DecodeFile(*bytes);
@@ -89,14 +97,23 @@ Conexion AbrirConfBase(const std::string& ruta, const ports::Clock& reloj) {
   if (nombre.empty()) return Fallo("'" + ruta + "' no dice qué base abrir (falta la clave Base)");
   const std::string en_disco = EsRelativa(nombre) ? base::JoinPath(base::FolderOf(ruta), nombre) : nombre;
   Conexion c;
+  if (motor == "odbc" && modo.copia)
+    return Fallo("De una base que abre un controlador no se puede hacer una copia en memoria");
   if (motor == "odbc")
     c = AbrirOdbc({nombre, en_disco, Contrasena(texto), valor("Driver")});
   else if (motor.empty() || motor == "sqlite" || motor == "mdb")
-    c = AbrirArchivo(en_disco, motor, Contrasena(texto), reloj);
+    c = AbrirArchivo(en_disco, motor, Contrasena(texto), modo);
   else
     return Fallo("'" + ruta + "' pide un motor desconocido: " + motor);
   c.id_Usuario = relations::IdentificadorDe(valor("Usuario")).value_or(0);
   return c;
+}
+
+Conexion Abrir(const std::string& referencia, const Modo& modo) {
+  if (!base::EqualIgnoringCase(base::NameOf(referencia), "ConfBase.cfg"))
+    return AbrirArchivo(referencia, {}, {}, modo);
+  if (!base::FileExists(referencia)) return Fallo("El archivo '" + referencia + "' no existe");
+  return AbrirConfBase(referencia, modo);
 }
 
 }  // namespace
@@ -112,10 +129,11 @@ Conexion Fallo(std::string motivo) {
 }
 
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj) {
-  if (!base::EqualIgnoringCase(base::NameOf(referencia), "ConfBase.cfg"))
-    return AbrirArchivo(referencia, {}, {}, reloj);
-  if (!base::FileExists(referencia)) return Fallo("El archivo '" + referencia + "' no existe");
-  return AbrirConfBase(referencia, reloj);
+  return Abrir(referencia, {reloj, false});
+}
+
+Conexion AbrirCopia(const std::string& referencia, const ports::Clock& reloj) {
+  return Abrir(referencia, {reloj, true});
 }
 
 }  // namespace app

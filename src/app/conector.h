@@ -15,6 +15,7 @@ struct Conexion {
   std::int32_t id_Usuario = 0;               // of ConfBase.cfg
   std::string motivo;                        // why it is null, in Spanish
   std::string archivo;                       // of the base; "" when it is no file that is known of
+  std::string origen;                        // of one that is none: what it was opened by
 };
 
 // The reference is a path. A file with an SQLite header opens with the embedded engine, an Access file with
@@ -28,6 +29,9 @@ struct Conexion {
 //   Usuario     the id_Usuario written into headers
 // Never throws for what a user can cause.
 Conexion AbrirReferencia(const std::string& referencia, const ports::Clock& reloj);
+// The same base as a copy in memory: all can be written, and nothing of it reaches the file, which is only
+// read. None for what is no file of ours to read (a driver's).
+Conexion AbrirCopia(const std::string& referencia, const ports::Clock& reloj);
 
 // Why an open base can only be read for now, in Spanish; "" when it can be written, as far as is known, or is
 // null.

@@ -8,7 +8,7 @@ Conexion AbrirOdbc(const OrigenOdbc& origen) {
   Conexion c;
   try {
     const bool es_archivo = base::FileExists(origen.en_disco);
-    if (es_archivo) c.archivo = origen.en_disco;
+    (es_archivo ? c.archivo : c.origen) = es_archivo ? origen.en_disco : origen.base;
     c.conexion = engine_odbc::Open(
         es_archivo ? engine_odbc::ConnectionStringForFile(origen.en_disco, origen.contrasena, origen.driver)
                    : engine_odbc::ConnectionStringOf(origen.base, origen.contrasena));

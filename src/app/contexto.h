@@ -8,6 +8,7 @@
 #include "app/barra.h"
 #include "app/conector.h"
 #include "app/estado.h"
+#include "base/disk_file.h"
 #include "base/error.h"
 #include "ports/clock.h"
 #include "ports/file_picker.h"
@@ -25,6 +26,8 @@ struct Puertos {
   ports::EventPump* eventos = nullptr;
   // From a reference to an open base.
   std::function<Conexion(const std::string&, const ports::Clock&)> conectar = AbrirReferencia;
+  std::function<Conexion(const std::string&, const ports::Clock&)> conectar_copia = AbrirCopia;
+  base::Disk* disco = nullptr;  // of the ledger; the system's when null
 };
 
 struct Arranque {
@@ -35,6 +38,8 @@ struct Arranque {
   // Begin a transaction as soon as the base is open, before anything is written; a base that refuses it is
   // not opened.
   bool una_transaccion = false;
+  bool solo_prueba = false;  // nothing will be written: a base that gives no transaction is tried in a copy
+  std::optional<std::string> usuario = {};  // who runs the program, instead of the system's user
 };
 
 struct Contexto {

@@ -103,6 +103,8 @@ struct Estado {
   // written.
   std::vector<corridas::CambioDeCantidad> cantidades;
   bool simulada = false;  // the last import was a trial
+  std::uint32_t corrida =
+      0;  // its number in the ledger; 0: it is not there (a trial, or nothing was written)
 };
 
 }  // namespace app

@@ -1,9 +1,12 @@
 #include "app/importador.h"
 
+#include "base/file.h"
+#include "base/sha256.h"
 #include "base/text.h"
-#include "corridas/testigo_de_cambios.h"
+#include "corridas/testigo_de_registro.h"
 #include "liquidation/avisos.h"
 #include "liquidation/verosimilitud.h"
+#include "settings/config_file.h"
 
 namespace app {
 
@@ -74,18 +77,49 @@ void Importador::Importar(bool deshacer) {
   const settings::Settings opciones = e_.opciones;
   liquidation::EntradaImportacion entrada = EntradaDeImportacion(opciones);
   entrada.deshacer = deshacer;
-  corridas::TestigoDeCambios testigo(p_.base.Sesion(), e_.mes);
-  entrada.testigo = &testigo;
-  e_.importacion = {};
-  e_.simulada = deshacer;
-  p_.base.ConLaBase([&] { e_.importacion = liquidation::Importar(entrada, e_.filas); });
-  e_.cantidades =
-      e_.importacion.confirmada ? testigo.Cantidades() : std::vector<corridas::CambioDeCantidad>{};
+  if (deshacer) {
+    corridas::TestigoDeCambios testigo(p_.base.Sesion(), e_.mes);
+    entrada.testigo = &testigo;
+    std::string motivo;
+    // Where neither the base nor a copy can be tried, the run itself tells why.
+    if (!p_.base.Sesion().Abierta() || !p_.base.Probar([&] { Correr(entrada, testigo); }, motivo))
+      Correr(entrada, testigo);
+  } else {
+    corridas::TestigoDeRegistro testigo(p_.base.Sesion(), p_.base.LugarDelRegistro(),
+                                        DatosDeCorrida(opciones));
+    entrada.testigo = &testigo;
+    Correr(entrada, testigo);
+    e_.corrida = e_.importacion.confirmada ? testigo.Numero() : 0;
+    if (!testigo.Pendiente().empty())
+      c_.errores.push_back({"Importar: registro de corridas", testigo.Pendiente()});
+  }
   AnotarImportacion(deshacer);
   e_.GridAImportar.Columna("Resultado")->visible = true;
   ++e_.revision.filas;
   p_.lineas.Actualizar();
   p_.tareas.Terminado();
+}
+
+void Importador::Correr(const liquidation::EntradaImportacion& entrada, corridas::TestigoDeCambios& testigo) {
+  e_.importacion = {};
+  e_.corrida = 0;
+  e_.simulada = entrada.deshacer;
+  p_.base.ConLaBase([&] { e_.importacion = liquidation::Importar(entrada, e_.filas); });
+  e_.cantidades =
+      e_.importacion.confirmada ? testigo.Cantidades() : std::vector<corridas::CambioDeCantidad>{};
+}
+
+// What the ledger keeps of a run and the run itself does not know.
+corridas::Resumen Importador::DatosDeCorrida(const settings::Settings& opciones) const {
+  corridas::Resumen r = p_.base.CorridaNueva();
+  r.mes = e_.mes;
+  if (const formula::ItemLista* tipo = e_.tipos.cmbLiquidaciones.Elegido()) r.liquidacion = tipo->texto;
+  r.archivo = base::NameOf(e_.txtRuta.text);
+  r.huella_archivo = base::Sha256(e_.archivo.Bytes());
+  r.ajustes = settings::TextoConSettings("", opciones, e_.relaciones.Texto());
+  r.leidas = e_.lineas;
+  for (const importfile::LineaAparte& linea : e_.aparte) ++(linea.mal_formada ? r.mal_formadas : r.filtradas);
+  return r;
 }
 
 // The run tells by itself why nothing was written; what it leaves to be told is a base that is no longer to

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/lineas.h"
+#include "corridas/testigo_de_cambios.h"
 
 namespace app {
 
@@ -29,6 +30,8 @@ class Importador {
 
  private:
   liquidation::EntradaImportacion EntradaDeImportacion(const settings::Settings& opciones);
+  corridas::Resumen DatosDeCorrida(const settings::Settings& opciones) const;
+  void Correr(const liquidation::EntradaImportacion& entrada, corridas::TestigoDeCambios& testigo);
   void AnotarImportacion(bool deshacer);
 
   Contexto& c_;

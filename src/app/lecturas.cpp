@@ -30,6 +30,13 @@ void Lecturas::AbrirBase(std::string referencia) {
               "Se puede mirar, pero no importar ni guardar relaciones en ella.");
 }
 
+bool Lecturas::Abrir(const std::string& referencia) {
+  e_.referencia = referencia;
+  if (!base_.Conectar(referencia)) return false;
+  if (NombraBaseDeLaEmpresa(referencia)) base_.ConLaBase([&] { base_.LeerEmpresa(); });
+  return e_.fallo_de_base.empty();
+}
+
 // After a fault everything is read again, whatever was asked for. Relations that were read well stay: they
 // may have been edited since.
 bool Lecturas::Releer(unsigned recargas) {

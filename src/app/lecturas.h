@@ -14,6 +14,8 @@ class Lecturas {
 
   // At the start: opens the base and reads what its first showing needs.
   void AbrirBase(std::string referencia);
+  // The base and its company alone. False: it is not open.
+  bool Abrir(const std::string& referencia);
   void LevantarRelaciones();
   // Reads again what is asked for; after a fault, everything. False: a fault of the base ended it.
   bool Releer(unsigned recargas);

@@ -15,6 +15,7 @@ Programa::Programa(const Puertos& puertos, Arranque arranque)
       opciones_(c_, base_, tareas_),
       relaciones_(c_, base_, tareas_),
       importador_(c_, {base_, tareas_, lineas_}),
+      historial_(c_, {base_, tareas_}),
       informes_(c_),
       inicio_(c_, {base_, lecturas_, archivo_, formato_, opciones_}) {}
 

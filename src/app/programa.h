@@ -9,6 +9,7 @@
 
 #include "app/archivo.h"
 #include "app/cierre.h"
+#include "app/historial.h"
 #include "app/importador.h"
 #include "app/informes.h"
 #include "app/inicio.h"
@@ -35,6 +36,8 @@ class Programa {
   bool IniciarCon(std::string referencia, std::string archivo) {
     return inicio_.IniciarCon(std::move(referencia), std::move(archivo));
   }
+  // The base alone, with its company: for what loads no lines. Nothing is written.
+  bool Abrir(const std::string& referencia) { return lecturas_.Abrir(referencia); }
   void Activate() { lineas_.Activate(); }
   bool Unload(bool callado = false) { return cierre_.Unload(callado); }
   void Resguardar() { cierre_.Resguardar(); }
@@ -48,6 +51,7 @@ class Programa {
   app::Opciones& Opciones() { return opciones_; }
   app::Relaciones& Relaciones() { return relaciones_; }
   app::Importador& Importador() { return importador_; }
+  app::Historial& Historial() { return historial_; }
   app::Informes& Informes() { return informes_; }
 
   // Why nothing is imported for now, in Spanish: something that an import stands on could not be read. "": it
@@ -68,6 +72,7 @@ class Programa {
   app::Opciones opciones_;
   app::Relaciones relaciones_;
   app::Importador importador_;
+  app::Historial historial_;
   app::Informes informes_;
   Inicio inicio_;
 };

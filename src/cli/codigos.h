@@ -7,6 +7,7 @@ enum Codigo {
   kTodo = 0,            // all lines imported; filtered ones are fine
   kAlgunaNo = 1,        // some line refused or malformed
   kNada = 2,            // nothing imported
+  kRepetido = 3,        // the file was imported into the month before, and nobody said to do it again
   kUso = 64,            // wrong arguments
   kArchivoMalo = 65,    // a file that cannot be used
   kSinArchivo = 66,     // no such file

@@ -18,6 +18,7 @@ constexpr const char* kCodigos =
     "  1   alguna línea rechazada o mal formada (consulta: una sentencia falló;\n"
     "      verificar: la base tiene errores)\n"
     "  2   no se importó nada\n"
+    "  3   el archivo, o buena parte de sus líneas, ya se importó en el mes: no se importó nada\n"
     "  64  argumentos incorrectos\n"
     "  65  archivo que no se puede usar\n"
     "  66  no existe el archivo\n"
@@ -157,7 +158,9 @@ std::string EnEspanol(const CLI::ParseError& e) {
   const std::string texto = e.what();
   if (dynamic_cast<const CLI::RequiredError*>(&e) != nullptr) {
     if (base::Contains(texto, "subcommand"))
-      return "Falta el verbo: importar, revisar, codigos, relaciones, formula, consulta, verificar o demo";
+      return "Falta el verbo: importar, revisar, codigos, relaciones, historial, deshacer, formula, "
+             "consulta, verificar o "
+             "demo";
     return "Falta un argumento: " + base::Replace(texto, " is required", "");
   }
   if (dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr) return "Argumento de más: " + Detalle(texto);
@@ -213,6 +216,9 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
 
   Textos t;
   OpcionesImportar importar;
+  bool simular = false;
+  OpcionesHistorial historial;
+  OpcionesDeshacer deshacer;
   OpcionesFormula formula;
   OpcionesConsulta consulta;
   OpcionesVerificar verificar;
@@ -239,6 +245,20 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   v_relaciones->add_option("--ajustes", relaciones.ajustes,
                            "Archivo de ajustes, en lugar del de la carpeta del programa");
   OpcionHoy(v_relaciones, t);
+  v_importar->add_flag("--simular", simular, "Lo mismo que el verbo revisar")->disable_flag_override();
+  v_importar->add_flag("--repetir", importar.repetir, "Importa también lo que ya se importó en el mes")
+      ->disable_flag_override();
+  CLI::App* v_historial = app.add_subcommand("historial", "Muestra las importaciones hechas en una base");
+  v_historial->add_option("--base", historial.base, "Base de datos: un archivo, o ConfBase.cfg")->required();
+  v_historial->add_option("--salida", t.salida, "Forma del resultado: tabla (lo normal) o csv")
+      ->check(UnaDe({"tabla", "csv"}))
+      ->type_name("tabla|csv");
+  OpcionHoy(v_historial, t);
+  CLI::App* v_deshacer =
+      app.add_subcommand("deshacer", "Deshace una importación: la última que sigue en pie, u otra");
+  v_deshacer->add_option("--base", deshacer.base, "Base de datos: un archivo, o ConfBase.cfg")->required();
+  v_deshacer->add_option("--corrida", deshacer.corrida, "Su número en el historial");
+  OpcionHoy(v_deshacer, t);
   CLI::App* v_formula = app.add_subcommand("formula", "Evalúa una expresión");
   v_formula
       ->add_option("EXPRESION", formula.expresion, "La expresión, o - para leer una por línea de la entrada")
@@ -290,9 +310,18 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   else
     reloj = std::make_unique<ports::FixedClock>(*LeerFecha(t.hoy, true));
   if (v_importar->parsed() || v_revisar->parsed())
-    return Importar(Completar(importar, t, v_revisar->parsed()), carpeta, *reloj, f);
+    return Importar(Completar(importar, t, v_revisar->parsed() || simular), carpeta, *reloj, f);
   if (v_codigos->parsed()) return Codigos(Completar(importar, t, true), carpeta, *reloj, f);
   if (v_relaciones->parsed()) return Relaciones(relaciones, carpeta, *reloj, f);
+  if (v_historial->parsed()) {
+    historial.carpeta = carpeta;
+    historial.salida = t.salida == "csv" ? Formato::Csv : Formato::Tabla;
+    return Historial(historial, *reloj, f);
+  }
+  if (v_deshacer->parsed()) {
+    deshacer.carpeta = carpeta;
+    return Deshacer(deshacer, *reloj, f);
+  }
   if (v_formula->parsed()) return Formula(formula, *reloj, f);
   if (v_consulta->parsed()) return Consulta(consulta, *reloj, f);
   if (v_verificar->parsed()) return Verificar(verificar, f);

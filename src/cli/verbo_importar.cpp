@@ -5,6 +5,7 @@
 #include "cli/consola.h"
 #include "cli/salida.h"
 #include "cli/verbos.h"
+#include "corridas/repetidas.h"
 #include "settings/config_file.h"
 
 namespace cli {
@@ -117,7 +118,22 @@ bool FaltaLeer(const app::Programa& programa, std::ostream& err) {
   return true;
 }
 
+// What was imported into the month before, told. Hours that come twice are paid twice.
+bool YaImportado(app::Programa& programa, std::ostream& err) {
+  std::string motivo;
+  const auto repetidas = programa.Historial().YaImportado(motivo);
+  for (const corridas::ImportadaAntes& r : repetidas)
+    err << "Aviso: " << informe::EnUnaLinea(corridas::TextoDe(r)) << '\n';
+  if (!motivo.empty()) err << "Aviso: " << informe::EnUnaLinea(motivo) << '\n';
+  return !repetidas.empty();
+}
+
 int ImportarYMostrar(app::Programa& programa, const OpcionesImportar& o, Flujos f) {
+  const bool repetido = YaImportado(programa, f.err);
+  if (repetido && !o.solo_revisar && !o.repetir) {
+    f.err << "No se importa nada. Para importarlo otra vez agregue --repetir.\n";
+    return kRepetido;
+  }
   const std::vector<std::string> avisos = programa.Importador().Avisos();
   for (const std::string& aviso : avisos) f.err << "Aviso: " << informe::EnUnaLinea(aviso) << '\n';
   // These say nothing against importing: the exit code is the same with them.
@@ -125,7 +141,7 @@ int ImportarYMostrar(app::Programa& programa, const OpcionesImportar& o, Flujos 
     f.err << "Aviso: " << informe::EnUnaLinea(aviso) << '\n';
   if (!programa.Ver().filas.empty()) programa.Importador().Importar(o.solo_revisar);
   const bool escritos = EscribirArchivos(programa, o, f);
-  const int codigo = Mostrar(o, programa, !avisos.empty(), f);
+  const int codigo = Mostrar(o, programa, !avisos.empty() || (repetido && o.solo_revisar), f);
   return escritos ? codigo : kEntradaSalida;
 }
 
@@ -175,6 +191,7 @@ int ConArchivoCargado(const OpcionesImportar& o, const std::string& carpeta, con
   arranque.ajustes = std::move(ajustes);
   arranque.mes = o.mes;
   arranque.una_transaccion = true;
+  arranque.solo_prueba = o.solo_revisar;
   app::Programa programa({consola, consola, reloj, nullptr}, arranque);
   programa.IniciarCon(o.base, o.archivo);
   if (!programa.Sesion().Abierta()) {

@@ -27,6 +27,7 @@ struct OpcionesImportar {
   bool filtro_texto = false;
   Formato salida = Formato::Tabla;
   bool solo_revisar = false;
+  bool repetir = false;    // also what was imported into the month before
   std::string rechazadas;  // file for the refused lines; may be empty
   std::string informe;     // file for the report; may be empty
   bool cambios = false;    // print the quantities before and after
@@ -47,6 +48,18 @@ struct OpcionesRelaciones {
 };
 int Relaciones(const OpcionesRelaciones& opciones, const std::string& carpeta, const ports::Clock& reloj,
                Flujos flujos);
+
+struct OpcionesHistorial {
+  std::string base, carpeta;  // `carpeta`: of the settings
+  Formato salida = Formato::Tabla;
+};
+int Historial(const OpcionesHistorial& opciones, const ports::Clock& reloj, Flujos flujos);
+
+struct OpcionesDeshacer {
+  std::string base, carpeta;
+  std::optional<std::uint32_t> corrida;  // the last one that stands
+};
+int Deshacer(const OpcionesDeshacer& opciones, const ports::Clock& reloj, Flujos flujos);
 
 struct OpcionesFormula {
   std::string expresion;  // "-": one a line from the input

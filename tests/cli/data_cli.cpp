@@ -22,6 +22,7 @@
 
 #include "base/encoding.h"
 #include "base/text.h"
+#include "base/user_name.h"
 #include "mesa.h"
 #include "support/data_test.h"
 #include "support/escapes.h"
@@ -60,13 +61,16 @@ class Prueba {
     }
     if (b.entry.empty()) argumentos.clear();
     const prueba::Salida s = mesa_.Correr(argumentos, entrada);
-    return "exit " + std::to_string(s.codigo) + Lineas("|", s.out) + Lineas("!", s.err);
+    const std::string out = base::Replace(s.out, ";" + base::UserName() + " (", ";{user} (");
+    return "exit " + std::to_string(s.codigo) + Lineas("|", out) + Lineas("!", s.err);
   }
 
   std::string Importar(const std::string& verbo, const Block& b) {
     Block completo = b;
     completo.entry = verbo + "\n--base\n{dir}/ConfBase.cfg\n--archivo\n{dir}/" + b.Option("file") +
-                     "\n--mes\n2026-10\n--salida\ncsv" + (b.entry.empty() ? "" : "\n" + b.entry);
+                     "\n--mes\n2026-10\n--salida\ncsv" +
+                     (base::Contains(b.entry, "--hoy") ? "" : "\n--hoy\n2026-10-20") +
+                     (b.entry.empty() ? "" : "\n" + b.entry);
     return Correr(completo);
   }
 

@@ -100,21 +100,24 @@ TEST_P(DemoEntera, EveryLineAndEveryQuantity) {
   const prueba::Salida s = mesa_.Correr(orden_);
   EXPECT_EQ(s.codigo, cli::kAlgunaNo);
   EXPECT_EQ(s.out, Esperado("demo_2026_10.csv"));
-  EXPECT_EQ(s.err,
-            "Formato incorrecto en la linea 45\n"
-            "Leídas: 55 = importadas: 48 + rechazadas: 5 + filtradas: 1 + mal formadas: 1\n"
-            "Cantidades por concepto:\n"
-            "  1 Sueldo Básico: 6 (6 líneas)\n"
-            "  2 Horas Extras: 24,25 (6 líneas)\n"
-            "  3 Horas Nocturnas: 16,5 (1 línea)\n"
-            "  4 Horas en Feriado: 8 (1 línea)\n"
-            "  7 Horas Comunes: 1478,25 (23 líneas)\n"
-            "  9 Viáticos: 8 (2 líneas)\n"
-            "  10 Presentismo: 1850,75 (1 línea)\n"
-            "  11 Comisiones: 12 (1 línea)\n"
-            "  12 Destajo: 1250,5 (1 línea)\n"
-            "  20 Adelanto de Sueldo: 6000 (3 líneas)\n"
-            "  1005 TICKET: 57 (3 líneas)\n");
+  EXPECT_EQ(
+      s.err,
+      "Formato incorrecto en la linea 45\n"
+      "Aviso: Hay contratos que terminan dentro del mes: contrato 141, Kevin Arbiza, el 25/10/2026; contrato "
+      "142, Lucía Bidegarra, el 25/10/2026 y contrato 149, Teresa Iturriaz, el 10/10/2026.\n"
+      "Leídas: 55 = importadas: 48 + rechazadas: 5 + filtradas: 1 + mal formadas: 1\n"
+      "Cantidades por concepto:\n"
+      "  1 Sueldo Básico: 6 (6 líneas)\n"
+      "  2 Horas Extras: 24,25 (6 líneas)\n"
+      "  3 Horas Nocturnas: 16,5 (1 línea)\n"
+      "  4 Horas en Feriado: 8 (1 línea)\n"
+      "  7 Horas Comunes: 1478,25 (23 líneas)\n"
+      "  9 Viáticos: 8 (2 líneas)\n"
+      "  10 Presentismo: 1850,75 (1 línea)\n"
+      "  11 Comisiones: 12 (1 línea)\n"
+      "  12 Destajo: 1250,5 (1 línea)\n"
+      "  20 Adelanto de Sueldo: 6000 (3 líneas)\n"
+      "  1005 TICKET: 57 (3 líneas)\n");
   EXPECT_EQ(Datos(), Esperado("demo_2026_10_data.txt"));
   // Contract 101 has values before and after the month, 107 only before, 131 none.
   EXPECT_EQ(Consulta("Select Codigo,Valor,Fecha From DatosUsuTablas Where Id_Tabla=5 Order by Codigo,Fecha"),
@@ -142,6 +145,7 @@ TEST_P(DemoEntera, OneHeaderAContract) {
 // What was there is added to: importing the same file again doubles what it brought.
 TEST_P(DemoEntera, ASecondImportAddsAgain) {
   mesa_.Correr(orden_);
+  orden_.push_back("--repetir");
   mesa_.Correr(orden_);
   EXPECT_EQ(Consulta("Select D.Cantidad From Datos_Liquidacion as D inner join Encabezados as E on "
                      "D.id_Encabezado=E.id_Encabezado Where E.id_Contrato=108 and D.id_Concepto=7 and "
@@ -198,7 +202,7 @@ TEST(DemoEnLosDosMotores, TheSameRowsInEveryTable) {
     for (const prueba::Mesa* mesa : {&access, &propia}) {
       const prueba::Salida s = mesa->Correr({"importar", "--base", mesa->Ruta("ConfBase.cfg"), "--archivo",
                                              mesa->Ruta("horas.txt"), "--mes", "2026-10", "--ajustes",
-                                             mesa->Ruta("ImportDeMarcas.ini")});
+                                             mesa->Ruta("ImportDeMarcas.ini"), "--repetir"});
       ASSERT_EQ(s.codigo, cli::kAlgunaNo) << s.err;
     }
     const std::string despues = propia.Filas();

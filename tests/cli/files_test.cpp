@@ -72,7 +72,7 @@ TEST_F(Archivos, ABaseThatIsHeldIsNotOpened) {
   const std::string antes = mesa_.Filas();
   const auto otro = mesa_.Abrir();
   otro->BeginTrans();
-  const prueba::Salida s = Importar(mesa_.Ruta("horas.txt"), {}, "revisar");
+  const prueba::Salida s = Importar(mesa_.Ruta("horas.txt"), {}, "importar");
   otro->RollbackTrans();
   otro->Close();
   EXPECT_EQ(s.codigo, cli::kSinBase);

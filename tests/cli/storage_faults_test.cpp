@@ -29,7 +29,7 @@ class WholeImport : public testing::TestWithParam<const char*> {
   std::string Bytes() const { return *base::ReadWholeFile(table_.Base()); }
   // A base of these bytes, without what another run may have left beside it.
   void Put(const std::string& bytes) const {
-    for (const char* beside : {"-wal", "-shm", "-journal", "-diario"})
+    for (const char* beside : {"-wal", "-shm", "-journal", "-diario", ".corridas"})
       std::filesystem::remove(std::filesystem::u8path(table_.Base() + beside));
     ASSERT_TRUE(base::WriteWholeFile(table_.Base(), bytes));
   }
