@@ -139,6 +139,7 @@ int ImportarYMostrar(app::Programa& programa, const OpcionesImportar& o, Flujos 
   // These say nothing against importing: the exit code is the same with them.
   for (const std::string& aviso : programa.Importador().Verosimilitud())
     f.err << "Aviso: " << informe::EnUnaLinea(aviso) << '\n';
+  if (FaltaLeer(programa, f.err)) return kEntradaSalida;  // what is told before is read from the base too
   if (!programa.Ver().filas.empty()) programa.Importador().Importar(o.solo_revisar);
   const bool escritos = EscribirArchivos(programa, o, f);
   const int codigo = Mostrar(o, programa, !avisos.empty() || (repetido && o.solo_revisar), f);
