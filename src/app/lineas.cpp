@@ -68,6 +68,10 @@ void Lineas::Actualizar() {
   c_.Cambio();
 }
 
+std::vector<std::uint32_t> Lineas::Vista(const VistaDeLineas& vista) const {
+  return FilasDe(e_, vista, c_.puertos.reloj.Today());
+}
+
 void Lineas::OrdenarFilas() {
   std::vector<std::string_view> valores;
   valores.reserve(e_.filas.size());

@@ -1,12 +1,15 @@
 // The lines of the file in GridAImportar: loaded and sorted.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "app/base_de_datos.h"
 #include "app/formato.h"
 #include "app/lecturas.h"
 #include "app/tareas.h"
+#include "app/vista_de_lineas.h"
 
 namespace app {
 
@@ -28,6 +31,8 @@ class Lineas {
   // The load of a file named on the command line.
   void Activate();
   void Actualizar();
+  // The rows that a view shows; see FilasDe.
+  std::vector<std::uint32_t> Vista(const VistaDeLineas& vista) const;
 
  private:
   void CargarGrilla();

@@ -1,7 +1,6 @@
 #include "gui/columna.h"
 
 #include <QCoreApplication>
-#include <QGridLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QLocale>
@@ -131,26 +130,32 @@ void Columna::CrearCabeza(const Tema& tema) {
   raya->setPalette(p);
   plano->addWidget(raya);
 
-  auto* tabla = new QGridLayout;
-  tabla->setVerticalSpacing(7);
-  const char* textos[] = {"Líneas del archivo", "En la grilla", "Descartadas por el filtro",
-                          "Mal formadas",       "Importadas",   "Rechazadas"};
-  const char* nombres[] = {"lineas", "en_grilla", "filtradas", "mal_formadas", "importadas", "rechazadas"};
-  for (std::size_t i = 0; i < cuentas.size(); ++i) {
-    const int fila = static_cast<int>(i);
-    tabla->addWidget(Texto(QString::fromUtf8(textos[i]), tema.columna_tenue, cabeza), fila, 0);
-    cuentas[i] = Texto(QStringLiteral("–"),
-                       i == 4   ? tema.bien
-                       : i == 5 ? tema.mal
-                                : tema.columna_texto,
-                       cabeza);
-    cuentas[i]->setObjectName(QStringLiteral("lblCuenta_") + QLatin1String(nombres[i]));
-    QFont negrita = cuentas[i]->font();
-    negrita.setBold(true);
-    cuentas[i]->setFont(negrita);
-    tabla->addWidget(cuentas[i], fila, 1, Qt::AlignRight);
+  auto* tabla = new QVBoxLayout;
+  tabla->setSpacing(1);
+  struct Cuenta {
+    std::size_t cual;
+    const char *nombre, *texto, *ayuda;
+  };
+  const Cuenta filas[] = {
+      {0, "lineas", "Líneas del archivo", ""},
+      {1, "en_grilla", "En la grilla", "Mostrar todas"},
+      {6, "sin_contrato", "Sin contrato",
+       "Mostrar solo las líneas cuya clave no es de ningún contrato del mes"},
+      {7, "sin_relacion", "Sin relación", "Mostrar solo las líneas cuyo código no está en ninguna relación"},
+      {2, "filtradas", "Descartadas por el filtro", "Ver las líneas que el filtro descartó"},
+      {3, "mal_formadas", "Mal formadas", "Ver las líneas mal formadas"},
+      {4, "importadas", "Importadas", "Mostrar solo las importadas"},
+      {5, "rechazadas", "Rechazadas", "Mostrar solo las rechazadas"}};
+  for (const Cuenta& c : filas) {
+    auto* fila = new FilaDeCuenta(QLatin1String(c.nombre), QString::fromUtf8(c.texto), tema, cabeza);
+    fila->setToolTip(QString::fromUtf8(c.ayuda));
+    fila->setEnabled(false);
+    Pintar(fila->Cuenta(), c.cual == 4 ? tema.bien : c.cual >= 5 ? tema.mal : tema.columna_texto);
+    tabla->addWidget(fila);
+    cuentas[c.cual] = fila;
   }
-  tabla->setColumnStretch(0, 1);
+  for (const std::size_t i : {4, 5, 6, 7}) cuentas[i]->setCheckable(true);
+  cuentas[0]->setFocusPolicy(Qt::NoFocus);
   plano->addLayout(tabla);
   plano->addSpacing(6);
   totales = new ListaDeTotales(tema, cabeza);
@@ -183,13 +188,16 @@ void Columna::CrearBotones(const Tema& tema) {
   PonerTecla(cbImportar, QStringLiteral("I"));
 }
 
-void Columna::PonerCuentas(const app::Cuentas& c, bool hay_archivo) {
-  const std::size_t valores[] = {c.lineas,       c.en_grilla,  c.filtradas,
-                                 c.mal_formadas, c.importadas, c.rechazadas};
+void Columna::PonerCuentas(const app::Cuentas& c, const app::CuentaDeFaltas& faltas, bool hay_archivo) {
+  const std::size_t valores[] = {c.lineas,     c.en_grilla,  c.filtradas,     c.mal_formadas,
+                                 c.importadas, c.rechazadas, faltas.contrato, faltas.relacion};
   const QLocale locale(QLocale::Spanish, QLocale::Uruguay);
   for (std::size_t i = 0; i < cuentas.size(); ++i) {
-    const bool hay = i < 4 ? hay_archivo : c.importadas + c.rechazadas > 0;
-    cuentas[i]->setText(hay ? locale.toString(static_cast<qulonglong>(valores[i])) : QStringLiteral("–"));
+    const bool importada = i == 4 || i == 5;
+    const bool hay = importada ? c.importadas + c.rechazadas > 0 : hay_archivo;
+    cuentas[i]->Cuenta()->setText(hay ? locale.toString(static_cast<qulonglong>(valores[i]))
+                                      : QStringLiteral("–"));
+    cuentas[i]->setEnabled(i > 0 && hay && valores[i] > 0);
   }
 }
 

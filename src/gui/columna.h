@@ -5,7 +5,9 @@
 #include <array>
 
 #include "app/vista.h"
+#include "app/vista_de_lineas.h"
 #include "gui/barra_de_progreso.h"
+#include "gui/fila_de_cuenta.h"
 #include "gui/piezas.h"
 #include "gui/tema.h"
 
@@ -33,7 +35,8 @@ struct Columna {
   QWidget* Area1 = nullptr;
   QWidget* cabeza = nullptr;  // title, company and counts, from the top down
   EtiquetaRuta* LblEmpresa = nullptr;
-  std::array<QLabel*, 6> cuentas{};  // lines, in the grid, filtered, malformed, imported, refused
+  // Lines, in the grid, filtered, malformed, imported, refused, without a contract, without a relation.
+  std::array<FilaDeCuenta*, 8> cuentas{};
   ListaDeTotales* totales = nullptr;
   QLabel* lblEstado = nullptr;  // what the program is doing
   std::array<QPushButton*, 2> cbConfigurar{};
@@ -43,7 +46,7 @@ struct Columna {
 
   void Crear(const Tema& tema, QWidget* padre);
   // Dashes where there is nothing to count yet: before a load, and before an import of its lines.
-  void PonerCuentas(const app::Cuentas& cuentas, bool hay_archivo);
+  void PonerCuentas(const app::Cuentas& cuentas, const app::CuentaDeFaltas& faltas, bool hay_archivo);
 
  private:
   void CrearCabeza(const Tema& tema);

@@ -40,6 +40,7 @@ FrmPrincipal2::FrmPrincipal2(app::Programa& programa, const Tema& tema, Bomba* b
   ConectarGrillas();
   ConectarSesion();
   ConectarTeclas();
+  ConectarVista();
   programa_.AlCambiar([this] { Sincronizar(); });
   programa_.BarraDeProgreso().al_pintar = [this] { PintarBarra(); };
   resize(TamanoInicial(screen()->availableSize()));
@@ -55,6 +56,7 @@ void FrmPrincipal2::Armar() {
   columna_.Crear(tema_, this);
   franja_.Crear(tema_, this);
   lblAviso_ = new Cinta(QStringLiteral("lblAviso"), tema_, this);
+  barra_de_vista_.Crear(tema_, this);
   GridAImportar_ = new Grilla(QStringLiteral("GridAImportar"), tema_, this);
   GridAImportar_->setModel(&modelo_importar_);
   GridAImportar_->setAccessibleName(QStringLiteral("Líneas a importar"));
@@ -158,6 +160,7 @@ void FrmPrincipal2::keyPressEvent(QKeyEvent* evento) {
     for (const int i : {0, 1})
       if (programa_.Ver().AreConf_visible[static_cast<std::size_t>(i)])
         return Hacer([i](app::Programa& p) { p.Opciones().cbConfigurar_Click(i); });
+    if (vista_.Filtra()) return barra_de_vista_.cbMostrarTodas->click();
   }
   QWidget::keyPressEvent(evento);
 }

@@ -1,15 +1,18 @@
 // The one window. It draws the state and hands events on: every rule is the program's.
 #pragma once
 
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 #include <functional>
 
 #include "app/programa.h"
+#include "gui/barra_de_vista.h"
 #include "gui/bomba.h"
 #include "gui/cinta.h"
 #include "gui/columna.h"
 #include "gui/franja.h"
+#include "gui/lista_de_aparte.h"
 #include "gui/modelos.h"
 #include "gui/panel_formato.h"
 #include "gui/panel_relaciones.h"
@@ -59,6 +62,7 @@ class FrmPrincipal2 final : public QWidget {
   void ConectarGrillas();
   void ConectarSesion();
   void ConectarTeclas();
+  void ConectarVista();
 
   // An event of the operator: handed to the program, and what came of it drawn. Nothing while the window
   // itself sets its controls, and nothing once it is closed.
@@ -76,6 +80,12 @@ class FrmPrincipal2 final : public QWidget {
   void SincronizarPaneles(const app::Estado& e);
   void SincronizarGrillas(const app::Estado& e);
   void SincronizarCinta(const app::Estado& e);
+  // Which of the lines the grid shows: see VistaDeLineas.
+  void PonerVista(app::VistaDeLineas vista);
+  void RehacerVista(const app::Estado& e);
+  void MostrarVista(const app::Estado& e);
+  void OrdenarPor(int seccion);
+  void AbrirAparte(bool mal_formadas);
   void OrdenarPrevia(const app::Estado& e);
   void MostrarOrden(const app::Estado& e);
   void PintarBarra();
@@ -95,6 +105,10 @@ class FrmPrincipal2 final : public QWidget {
   PanelRelaciones relaciones_;
   Grilla* GridAImportar_ = nullptr;
   Cinta* lblAviso_ = nullptr;
+  BarraDeVista barra_de_vista_;
+  app::VistaDeLineas vista_;
+  QPointer<ListaDeAparte> aparte_;
+  app::CuentaDeFaltas faltas_;  // of the rows as they were last looked at
   ModeloImportar modelo_importar_;
   ModeloRelaciones modelo_relaciones_;
   ModeloPrevia modelo_previa_;

@@ -122,10 +122,8 @@ void FrmPrincipal2::ConectarRelaciones() {
 }
 
 void FrmPrincipal2::ConectarGrillas() {
-  connect(GridAImportar_->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int seccion) {
-    const std::string columna = A(GridAImportar_->NombreDeColumna(seccion));
-    Hacer([&](app::Programa& p) { p.Lineas().GridAImportar_HeadClick(columna); });
-  });
+  connect(GridAImportar_->horizontalHeader(), &QHeaderView::sectionClicked, this,
+          [this](int seccion) { OrdenarPor(seccion); });
   const QHeaderView* cabecera = formato_.GridPVConf->horizontalHeader();
   connect(cabecera, &QHeaderView::sectionMoved, this, [this] { PreviaMovida(); });
   // Only the operator's: the last column also stretches by itself.

@@ -39,14 +39,16 @@ void FrmPrincipal2::Disponer() {
   // The band stands between the strip and the grid, closer to the grid that it speaks of.
   const int alto_cinta = lblAviso_->AltoPara(ancho);
   const int y_cinta = margen + alto_franja + margen;
-  const int y_grilla = y_cinta + (alto_cinta > 0 ? alto_cinta + margen / 2 : 0),
-            alto_grilla = height() - y_grilla - margen;
+  const int y_vista = y_cinta + (alto_cinta > 0 ? alto_cinta + margen / 2 : 0),
+            alto_vista = barra_de_vista_.caja->sizeHint().height();
+  const int y_grilla = y_vista + alto_vista + margen / 2, alto_grilla = height() - y_grilla - margen;
   setMinimumSize(TamanoMinimo(screen()->availableSize() - (frameGeometry().size() - size())));
   if (ancho < franja_.caja->minimumSizeHint().width() || alto_grilla < Px(kAltoMinimoGrilla)) return;
   columna_.Area1->setGeometry(0, 0, ancho_columna, height());
   DisponerColumna();
   franja_.caja->setGeometry(x, margen, ancho, alto_franja);
   lblAviso_->setGeometry(x, y_cinta, ancho, alto_cinta);
+  barra_de_vista_.caja->setGeometry(x, y_vista, ancho, alto_vista);
   GridAImportar_->setGeometry(x, y_grilla, ancho, alto_grilla);
   DisponerPaneles();
 }

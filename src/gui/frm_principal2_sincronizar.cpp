@@ -112,7 +112,8 @@ void FrmPrincipal2::SincronizarColumna(const app::Estado& e) {
   for (std::size_t i = 0; i < 2; ++i) c.cbConfigurar[i]->setChecked(e.AreConf_visible[i]);
   c.lblEstado->setText(EstadoDe(e, programa_.BarraDeProgreso()));
   PonerOcupado(e.tarea != app::Tarea::Ninguna);
-  if (primera_vez_ || vistas_.filas != e.revision.filas) c.PonerCuentas(app::Contar(e), e.revision.filas > 0);
+  if (primera_vez_ || vistas_.filas != e.revision.filas || vistas_.relaciones != e.revision.relaciones)
+    c.PonerCuentas(app::Contar(e), faltas_, e.revision.filas > 0);
   if (primera_vez_ || vistas_.filas != e.revision.filas) PonerTotales(e);
 }
 
@@ -216,12 +217,14 @@ void FrmPrincipal2::SincronizarGrillas(const app::Estado& e) {
     modelo_relaciones_.Recargar();
     modelo_importar_.ColoresCambiados();
   }
-  if (primera_vez_ || vistas_.filas != e.revision.filas) modelo_importar_.Recargar();
+  if (primera_vez_ || vistas_.filas != e.revision.filas || vistas_.relaciones != e.revision.relaciones)
+    RehacerVista(e);
   if (primera_vez_ || vistas_.previa != e.revision.previa) modelo_previa_.Recargar();
   modelo_importar_.TitulosCambiados();
   GridAImportar_->PonerColumnas(e.GridAImportar);
   relaciones_.GridRelaciones->PonerColumnas(e.GridRelaciones);
-  GridAImportar_->PonerAviso(AvisoSinFilas(e));
+  GridAImportar_->PonerAviso(
+      e.filas.empty() ? AvisoSinFilas(e) : QStringLiteral("Ninguna línea es de las que se pidió mostrar."));
   Grilla* relaciones = relaciones_.GridRelaciones;
   if (relaciones->currentIndex().row() != e.fila_relacion)
     relaciones->setCurrentIndex(modelo_relaciones_.index(e.fila_relacion, 0));
@@ -251,12 +254,6 @@ void FrmPrincipal2::OrdenarPrevia(const app::Estado& e) {
     const int desde = cabecera->visualIndex(campos[static_cast<std::size_t>(i)]);
     if (desde != i) cabecera->moveSection(desde, i);
   }
-}
-
-void FrmPrincipal2::MostrarOrden(const app::Estado& e) {
-  for (int i = 0; i < modelo_importar_.columnCount(); ++i)
-    if (app::CampoDeColumna(e.GridAImportar.columnas[static_cast<std::size_t>(i)].nombre) == e.columna_orden)
-      GridAImportar_->horizontalHeader()->setSortIndicator(i, Qt::AscendingOrder);
 }
 
 // During a load the event pump paints; an import lets nobody in, so it is painted from here.

@@ -14,11 +14,22 @@ namespace gui {
 void FrmPrincipal2::PonerOrdenDeTeclas() {
   const PanelFormato& f = formato_;
   const PanelRelaciones& r = relaciones_;
-  QList<QWidget*> orden = {franja_.txtRuta,      franja_.cbBuscar,         franja_.cbActualizar,
-                           franja_.ObjSelMes,    franja_.cmbLiquidaciones, franja_.cmbAgrupa,
-                           franja_.OptFiltro[1], franja_.OptFiltro[0],     franja_.txtFiltro,
-                           GridAImportar_,       f.optTipoArch[0],         f.txtSeparador,
-                           f.cbTabulador,        f.optTipoArch[1]};
+  QList<QWidget*> orden = {franja_.txtRuta,
+                           franja_.cbBuscar,
+                           franja_.cbActualizar,
+                           franja_.ObjSelMes,
+                           franja_.cmbLiquidaciones,
+                           franja_.cmbAgrupa,
+                           franja_.OptFiltro[1],
+                           franja_.OptFiltro[0],
+                           franja_.txtFiltro,
+                           barra_de_vista_.txtBuscarEnGrilla,
+                           barra_de_vista_.cbMostrarTodas,
+                           GridAImportar_,
+                           f.optTipoArch[0],
+                           f.txtSeparador,
+                           f.cbTabulador,
+                           f.optTipoArch[1]};
   for (const std::size_t j : {std::size_t{0}, std::size_t{1}})
     for (const auto& columna : f.txtAE) orden << columna[j];
   orden << QList<QWidget*>{
@@ -27,6 +38,7 @@ void FrmPrincipal2::PonerOrdenDeTeclas() {
       f.chkCCDefEnDatExt,  f.chkImportarCuotas,  f.txtTextoTipoCuota};
   orden << QList<QWidget*>{r.cmbConceptos, r.chkVincAutConOrsa, r.txtTipo,      r.cmbAgrupaDef,
                            r.cbColor,      r.cbAgrQuit[0],      r.cbAgrQuit[1], r.GridRelaciones};
+  for (const std::size_t i : {1, 6, 7, 2, 3, 4, 5}) orden << columna_.cuentas[i];
   orden << QList<QWidget*>{columna_.cbConfigurar[0], columna_.cbSalir, columna_.cbConfigurar[1],
                            columna_.cbImportar};
   for (qsizetype i = 1; i < orden.size(); ++i) setTabOrder(orden[i - 1], orden[i]);
@@ -41,6 +53,11 @@ void FrmPrincipal2::ConectarTeclas() {
     auto* atajo = new QShortcut(tecla, this);
     connect(atajo, &QShortcut::activated, boton, &QPushButton::click);
   }
+  auto* buscar = new QShortcut(QKeySequence(QKeySequence::Find), this);
+  connect(buscar, &QShortcut::activated, this, [this] {
+    barra_de_vista_.txtBuscarEnGrilla->setFocus(Qt::ShortcutFocusReason);
+    barra_de_vista_.txtBuscarEnGrilla->selectAll();
+  });
 }
 
 }  // namespace gui

@@ -4,7 +4,9 @@
 #include <QPainter>
 #include <QPixmap>
 
+#include "app/vista_de_lineas.h"
 #include "gui/grilla.h"
+#include "gui/iconos.h"
 #include "gui/planilla.h"
 #include "gui/texto.h"
 
@@ -55,7 +57,7 @@ void ModeloDeGrilla::TitulosCambiados() {
 }
 
 ModeloImportar::ModeloImportar(const app::Estado& estado, QObject* padre)
-    : ModeloDeGrilla(estado.GridAImportar, padre), estado_(estado) {
+    : ModeloDeGrilla(estado.GridAImportar, padre), estado_(estado), falta_(IconoDeAviso()) {
   for (const app::GridColumn& columna : estado.GridAImportar.columnas)
     campo_.push_back(app::CampoDeColumna(columna.nombre));
   Preparar();
@@ -86,8 +88,22 @@ const ModeloImportar::Pintura& ModeloImportar::PinturaDe(const importfile::Impor
   return pinturas_[i < pinturas_.size() ? i : 0];
 }
 
+std::size_t ModeloImportar::FilaDeEstado(int fila) const {
+  const auto i = static_cast<std::size_t>(fila);
+  if (!vista_) return i;
+  return i < vista_->size() ? (*vista_)[i] : estado_.filas.size();
+}
+
+QString ModeloImportar::Falta(const importfile::ImportRow& fila, int campo) const {
+  if (campo == importfile::kClave && app::FaltasDe(estado_, fila).contrato)
+    return QStringLiteral("Sin contrato: ninguno del mes tiene esta clave");
+  if (campo == importfile::kTipo && app::FaltasDe(estado_, fila).relacion)
+    return QStringLiteral("Sin relación: el código no está en ninguna");
+  return {};
+}
+
 QVariant ModeloImportar::data(const QModelIndex& indice, int rol) const {
-  const auto i = static_cast<std::size_t>(indice.row());
+  const std::size_t i = FilaDeEstado(indice.row());
   if (!indice.isValid() || i >= estado_.filas.size()) return {};
   const importfile::ImportRow& fila = estado_.filas[i];
   const int campo = campo_[static_cast<std::size_t>(indice.column())];
@@ -97,7 +113,10 @@ QVariant ModeloImportar::data(const QModelIndex& indice, int rol) const {
       return EsNumero(campo) ? ConComa(De(fila.campo[static_cast<std::size_t>(campo)]))
                              : De(fila.campo[static_cast<std::size_t>(campo)]);
     case Qt::ToolTipRole:
-      return campo < 0 && fila.resultado != "OK" ? De(fila.resultado) : QVariant();
+      if (campo < 0 && fila.resultado != "OK") return De(fila.resultado);
+      return Falta(fila, campo);
+    case Qt::DecorationRole:
+      return Falta(fila, campo).isEmpty() ? QVariant() : falta_;
     case Qt::BackgroundRole:
       return PinturaDe(fila).fondo;
     case Qt::ForegroundRole:

@@ -5,6 +5,9 @@
 #include <QAbstractTableModel>
 #include <QBrush>
 #include <QList>
+#include <cstdint>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "app/estado.h"
@@ -40,9 +43,14 @@ class ModeloImportar final : public ModeloDeGrilla {
   QVariant headerData(int seccion, Qt::Orientation orientacion, int rol) const override;
   QVariant data(const QModelIndex& indice, int rol) const override;
   void ColoresCambiados();  // the relations are others
+  // Shows these rows of the state in this order, instead of all as they stand: a number a row. Reload after
+  // it.
+  void PonerVista(std::optional<std::vector<std::uint32_t>> filas) { vista_ = std::move(filas); }
+  // The row of the state that the grid's row shows; beyond the last when the state has fewer by now.
+  std::size_t FilaDeEstado(int fila) const;
 
  protected:
-  std::size_t Cantidad() const override { return estado_.filas.size(); }
+  std::size_t Cantidad() const override { return vista_ ? vista_->size() : estado_.filas.size(); }
 
  private:
   struct Pintura {
@@ -52,8 +60,13 @@ class ModeloImportar final : public ModeloDeGrilla {
   void Preparar();
   const Pintura& PinturaDe(const importfile::ImportRow& fila) const;
 
+  // What would keep the row of that cell from being imported, told in the cell that is to blame.
+  QString Falta(const importfile::ImportRow& fila, int campo) const;
+
   const app::Estado& estado_;
+  std::optional<std::vector<std::uint32_t>> vista_;
   std::vector<int> campo_;         // of each column
+  QVariant falta_;                 // the mark of a line that lacks something
   std::vector<Pintura> pinturas_;  // 0: "Otras"; then one a relation
 };
 

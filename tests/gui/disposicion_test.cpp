@@ -82,7 +82,9 @@ TEST_F(Disposicion, TheGridTakesWhatIsLeft) {
   EXPECT_EQ(antes.x(), Lugar("Area1").width() + 12);
   EXPECT_EQ(antes.right() + 1, 1280 - 12);
   EXPECT_EQ(antes.bottom() + 1, 720 - 12);
-  EXPECT_EQ(antes.y(), Lugar("franja").y() + Lugar("franja").height() + 12);
+  const QRect vista = Lugar("barra_de_vista");
+  EXPECT_EQ(vista.y(), Lugar("franja").y() + Lugar("franja").height() + 12);
+  EXPECT_EQ(antes.y(), vista.y() + vista.height() + 6);
   Tamano(1380, 800);
   EXPECT_EQ(Lugar("GridAImportar"), antes.adjusted(0, 0, 100, 80));
 }

@@ -42,8 +42,9 @@ class Teclado : public prueba::Ventana {
   }
   // The part of the window that a control stands in, in the order of reading.
   int Region(const QWidget* w) const {
-    const char* cajas[] = {"franja", "GridAImportar", "formato", "opciones", "AreConf_1", "Area1"};
-    for (int i = 0; i < 6; ++i) {
+    const char* cajas[] = {"franja",   "barra_de_vista", "GridAImportar", "formato",
+                           "opciones", "AreConf_1",      "Area1"};
+    for (int i = 0; i < 7; ++i) {
       const auto* caja = Hallar<QWidget>(cajas[i]);
       if (caja == w || caja->isAncestorOf(w)) return i;
     }
