@@ -18,6 +18,7 @@ FilaDeCuenta::FilaDeCuenta(const QString& nombre, const QString& texto, const Te
   setFocusPolicy(Qt::StrongFocus);
   cuenta_->setObjectName(QStringLiteral("lblCuenta_") + nombre);
   cuenta_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  cuenta_->setForegroundRole(QPalette::WindowText);  // a button hands on its own
   cuenta_->setAttribute(Qt::WA_TransparentForMouseEvents);
   QFont negrita = font();
   negrita.setBold(true);

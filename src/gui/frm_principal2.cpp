@@ -72,7 +72,7 @@ void FrmPrincipal2::Armar() {
                                {84, 76, 0},
                                {88, 60, 1},
                                {55, 55, 0},
-                               {180, 130, 4}});
+                               {180, 110, 4}});
   formato_.Crear(tema_, this);
   formato_.GridPVConf->setModel(&modelo_previa_);
   formato_.GridPVConf->PonerAnchos(QList<Grilla::Ancho>(modelo_previa_.columnCount(), {90, 60, 1}));

@@ -72,6 +72,14 @@ class ContrasteDeLaVentana : public prueba::Ventana, public ::testing::WithParam
 };
 
 TEST_P(ContrasteDeLaVentana, Labels) {
+  std::string lineas;
+  for (int i = 0; i < 12; ++i) lineas += "999999;zz;8\r\n";
+  Cargar(lineas + "7008;HC;8");
+  Menor<QLabel>("cuenta", kTexto, [this](QLabel* w) {
+    return w->objectName().startsWith(QLatin1String("lblCuenta_")) && w->text().size() > 1
+               ? prueba::ContrasteDeTexto(Foto(w))
+               : 0;
+  });
   for (const char* panel : {"cbConfigurar_0", "cbConfigurar_1"}) {
     Abrir(panel);
     Menor<QLabel>("texto", kTexto, [this](QLabel* w) {

@@ -2,6 +2,7 @@
 #include <sstream>
 
 #include "app/conector.h"
+#include "base/csv.h"
 #include "base/text.h"
 #include "cli/lineas_de_comandos.h"
 #include "cli/salida.h"
@@ -135,7 +136,7 @@ TEST_F(Importar, TheSameAsTheCommandLine) {
       std::string celda = Celda(g, i, columna);
       // The operator sees quantities with ","; the command line writes them as they are spliced.
       if (columna == std::string_view("Horas")) std::replace(celda.begin(), celda.end(), ',', '.');
-      fila += (fila.empty() ? "" : ";") + cli::CeldaCsv(celda, ';');
+      fila += (fila.empty() ? "" : ";") + base::CsvCell(celda, ';');
     }
     de_la_ventana.push_back(fila);
   }
