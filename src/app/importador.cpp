@@ -4,6 +4,7 @@
 #include "base/sha256.h"
 #include "base/text.h"
 #include "corridas/testigo_de_registro.h"
+#include "explicacion/explicar.h"
 #include "liquidation/avisos.h"
 #include "liquidation/verosimilitud.h"
 #include "settings/config_file.h"
@@ -68,6 +69,20 @@ std::vector<std::string> Importador::Verosimilitud() {
   if (!p_.base.Sesion().Abierta() || e_.filas.empty()) return textos;
   p_.base.ConLaBase(
       [&] { textos = liquidation::Verosimilitud(EntradaDeImportacion(e_.opciones), e_.filas, e_.aparte); });
+  return textos;
+}
+
+std::vector<std::string> Importador::Explicar(std::size_t linea) {
+  std::vector<std::string> textos;
+  if (p_.tareas.EnCurso()) return textos;
+  const settings::Settings opciones = e_.opciones;
+  importfile::EntradaCarga carga = p_.lineas.EntradaDeCarga(opciones);
+  carga.leido = &e_.archivo;
+  const liquidation::EntradaImportacion entrada = EntradaDeImportacion(opciones);
+  p_.base.ConLaBase([&] {
+    const explicacion::Explicacion x = explicacion::Explicar(carga, entrada, linea);
+    if (x.hay_linea) textos = explicacion::TextoDe(x, entrada);
+  });
   return textos;
 }
 

@@ -25,6 +25,9 @@ class Importador {
   std::string Confirmacion() const;
   // What would be written and may not be meant, one text a kind.
   std::vector<std::string> Avisos();
+  // Why that line of the grid's file ends as it does, one step a text; empty when the file has no such line.
+  // The whole grid is tried for it and rolled back.
+  std::vector<std::string> Explicar(std::size_t linea);
   // What may not be meant although nothing is wrong with it, one text a kind; stops nothing. Reads the base.
   std::vector<std::string> Verosimilitud();
 

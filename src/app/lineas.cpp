@@ -27,12 +27,7 @@ void Lineas::Recargar(unsigned recargas) {
   if (p_.lecturas.Releer(recargas) && (recargas & kGrilla)) CargarGrilla();
 }
 
-void Lineas::CargarGrilla() {
-  if (p_.tareas.EnCurso()) return;
-  p_.tareas.Empezar(Tarea::Carga);
-  c_.barra.Cancelar(false);
-  const settings::Settings opciones =
-      e_.opciones;  // a handler may change them while the events of the load run
+importfile::EntradaCarga Lineas::EntradaDeCarga(const settings::Settings& opciones) {
   importfile::EntradaCarga entrada;
   entrada.txtRuta = e_.txtRuta.text;
   entrada.opciones = &opciones;
@@ -42,6 +37,30 @@ void Lineas::CargarGrilla() {
   entrada.conceptos = &e_.conceptos;
   entrada.relaciones = &e_.relaciones;
   entrada.evaluador = &p_.base.Evaluador();
+  return entrada;
+}
+
+explicacion::Prueba Lineas::Probar(const std::string& formula, const std::string& filtro,
+                                   std::size_t cuantas) {
+  settings::Settings opciones = e_.opciones;
+  opciones.FactMultiplica = formula;
+  opciones.TextoDeFiltro = filtro;
+  explicacion::Prueba prueba;
+  if (p_.tareas.EnCurso()) return prueba;
+  importfile::EntradaCarga entrada = EntradaDeCarga(opciones);
+  entrada.filtro = importfile::FiltroPor::Texto;
+  entrada.leido = &e_.archivo;
+  p_.base.ConLaBase([&] { prueba = explicacion::Probar(entrada, cuantas); });
+  return prueba;
+}
+
+void Lineas::CargarGrilla() {
+  if (p_.tareas.EnCurso()) return;
+  p_.tareas.Empezar(Tarea::Carga);
+  c_.barra.Cancelar(false);
+  const settings::Settings opciones =
+      e_.opciones;  // a handler may change them while the events of the load run
+  importfile::EntradaCarga entrada = EntradaDeCarga(opciones);
   entrada.prompts = &c_.puertos.prompts;
   entrada.progreso = &c_.barra;
   importfile::Carga carga;

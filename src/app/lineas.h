@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "app/lecturas.h"
 #include "app/tareas.h"
 #include "app/vista_de_lineas.h"
+#include "explicacion/probar.h"
 
 namespace app {
 
@@ -31,6 +33,11 @@ class Lineas {
   // The load of a file named on the command line.
   void Activate();
   void Actualizar();
+  // What a load of the lines of the grid takes, but for the options and the prompts.
+  importfile::EntradaCarga EntradaDeCarga(const settings::Settings& opciones);
+  // A formula and a filter tried on the lines of the grid, whatever their boxes hold; "" is none. Changes
+  // nothing.
+  explicacion::Prueba Probar(const std::string& formula, const std::string& filtro, std::size_t cuantas);
   // The rows that a view shows; see FilasDe.
   std::vector<std::uint32_t> Vista(const VistaDeLineas& vista) const;
 

@@ -158,7 +158,8 @@ std::string EnEspanol(const CLI::ParseError& e) {
   const std::string texto = e.what();
   if (dynamic_cast<const CLI::RequiredError*>(&e) != nullptr) {
     if (base::Contains(texto, "subcommand"))
-      return "Falta el verbo: importar, revisar, codigos, relaciones, historial, deshacer, formula, "
+      return "Falta el verbo: importar, revisar, codigos, explicar, probar, relaciones, historial, deshacer, "
+             "formula, "
              "consulta, verificar o "
              "demo";
     return "Falta un argumento: " + base::Replace(texto, " is required", "");
@@ -233,6 +234,18 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
       app.add_subcommand("codigos", "Los códigos del archivo sin relación, con el concepto más probable");
   OpcionesDeCarga(v_codigos, importar, t);
   OpcionDeSalida(v_codigos, t);
+  std::size_t linea = 0;
+  CLI::App* v_explicar =
+      app.add_subcommand("explicar", "Dice paso a paso por qué una línea termina como termina");
+  OpcionesDeCarga(v_explicar, importar, t);
+  v_explicar->add_option("--linea", linea, "Número de la línea en el archivo")->required();
+  OpcionesProbar probar;
+  CLI::App* v_probar =
+      app.add_subcommand("probar", "Prueba una fórmula o un filtro con las líneas del archivo, sin usarlos");
+  OpcionesDeCarga(v_probar, importar, t);
+  v_probar->add_option("--formula", probar.formula, "La fórmula, como en FactMultiplica");
+  v_probar->add_option("--condicion", probar.filtro, "El filtro, como en TextoDeFiltro");
+  v_probar->add_option("--cuantas", probar.cuantas, "Cuántas líneas mostrar (10, lo normal)");
   CLI::App* v_relaciones = app.add_subcommand(
       "relaciones", "Escribe las relaciones para una planilla, o las reemplaza por las de una");
   OpcionesRelaciones relaciones;
@@ -312,6 +325,8 @@ int Ejecutar(const std::vector<std::string>& argumentos, const std::string& prog
   if (v_importar->parsed() || v_revisar->parsed())
     return Importar(Completar(importar, t, v_revisar->parsed() || simular), carpeta, *reloj, f);
   if (v_codigos->parsed()) return Codigos(Completar(importar, t, true), carpeta, *reloj, f);
+  if (v_explicar->parsed()) return Explicar(Completar(importar, t, true), linea, carpeta, *reloj, f);
+  if (v_probar->parsed()) return Probar(Completar(importar, t, true), probar, carpeta, *reloj, f);
   if (v_relaciones->parsed()) return Relaciones(relaciones, carpeta, *reloj, f);
   if (v_historial->parsed()) {
     historial.carpeta = carpeta;

@@ -42,6 +42,15 @@ int ConArchivoCargado(const OpcionesImportar& opciones, const std::string& carpe
 int Codigos(const OpcionesImportar& opciones, const std::string& carpeta, const ports::Clock& reloj,
             Flujos flujos);
 
+int Explicar(const OpcionesImportar& opciones, std::size_t linea, const std::string& carpeta,
+             const ports::Clock& reloj, Flujos flujos);
+struct OpcionesProbar {
+  std::string formula, filtro;
+  std::size_t cuantas = 10;
+};
+int Probar(const OpcionesImportar& opciones, const OpcionesProbar& prueba, const std::string& carpeta,
+           const ports::Clock& reloj, Flujos flujos);
+
 struct OpcionesRelaciones {
   std::string accion, archivo, base;
   std::optional<std::string> ajustes;

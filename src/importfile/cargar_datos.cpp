@@ -92,6 +92,8 @@ class Cargador {
   FinDeCarga CargarTexto(std::string_view texto);
   bool FormatoCorrecto(std::string_view texto);
   void CargarLinea(std::size_t numero, std::string_view linea);
+  void CargarPiezas(std::size_t numero, std::string_view linea, std::span<const std::string_view> piezas);
+  void AnotarPiezas(std::string_view linea, std::span<const std::string_view> piezas);
   std::span<const std::string_view> Cortar(std::string_view linea);
   void ApartarMalFormada(std::size_t numero, std::span<const std::string_view> piezas);
   bool PasaElFiltro(ImportRow& fila, int relacion);
@@ -111,9 +113,14 @@ class Cargador {
   std::vector<std::string_view> piezas_;
   CorteAF corte_;
   Carga carga_;
+  PasosDeLinea* pasos_ = nullptr;  // of the line under way, when somebody wants to be told
 };
 
 FinDeCarga Cargador::CargarArchivo() {
+  if (entrada_.leido != nullptr) {
+    const std::string texto = base::DecodeFile(entrada_.leido->Bytes());
+    return CargarTexto(texto);
+  }
   if (!base::FileExists(entrada_.txtRuta)) {
     avisador_.Mostrar("El Archivo '" + entrada_.txtRuta + "' no existe");
     return FinDeCarga::SinArchivo;
@@ -189,8 +196,33 @@ void Cargador::ApartarMalFormada(std::size_t numero, std::span<const std::string
   if (piezas.size() > 1) aparte.campo[kTipo] = piezas[1];
 }
 
+// Where each field stands in its line; a field without a column stands nowhere.
+void Cargador::AnotarPiezas(std::string_view linea, std::span<const std::string_view> piezas) {
+  for (const std::string_view pieza : piezas) {
+    PasosDeLinea::Pieza& p = pasos_->piezas.emplace_back();
+    p.texto = pieza;
+    if (pieza.data() == nullptr) continue;
+    p.inicio = base::Length(linea.substr(0, static_cast<std::size_t>(pieza.data() - linea.data()))) + 1;
+    p.largo = base::Length(pieza);
+  }
+}
+
 void Cargador::CargarLinea(std::size_t numero, std::string_view linea) {
-  const std::span<const std::string_view> piezas = Cortar(linea);
+  const bool se_cuenta = entrada_.al_cargar && numero <= carga_.lineas &&
+                         (entrada_.solo_linea == 0 || entrada_.solo_linea == numero);
+  PasosDeLinea pasos;
+  pasos_ = se_cuenta ? &pasos : nullptr;
+  pasos.linea = numero;
+  CargarPiezas(numero, linea, Cortar(linea));
+  if (se_cuenta) entrada_.al_cargar(pasos);
+}
+
+void Cargador::CargarPiezas(std::size_t numero, std::string_view linea,
+                            std::span<const std::string_view> piezas) {
+  if (pasos_ != nullptr) {
+    AnotarPiezas(linea, piezas);
+    pasos_->mal_formada = piezas.size() < kCamposNecesarios;
+  }
   if (piezas.size() < kCamposNecesarios) {
     ApartarMalFormada(numero, piezas);
     return;
@@ -204,13 +236,25 @@ void Cargador::CargarLinea(std::size_t numero, std::string_view linea) {
   if (!ValeCero(campo[kValor])) carga_.hay_valor = true;
   progreso_.ActuBarra(-1);
   const int relacion = emparejador_.Emparejar(campo);
+  if (pasos_ != nullptr) {
+    pasos_->relacion = relacion;
+    pasos_->campo = campo;
+    pasos_->con_formula = con_formula_;
+    pasos_->con_filtro = con_filtro_ && entrada_.filtro == FiltroPor::Texto;
+  }
   if (con_formula_) {
-    campo[kCantidad] =
-        TextoDeResultado(formula::CalcularFormula(evaluador_, opciones_.FactMultiplica, campo));
+    campo[kCantidad] = TextoDeResultado(formula::CalcularFormula(
+        evaluador_, opciones_.FactMultiplica, campo, pasos_ != nullptr ? &pasos_->formula : nullptr));
     RechazarSiSeAbandono(fila);
   }
   progreso_.DoEvents();
-  if (!PasaElFiltro(fila, relacion)) {
+  if (pasos_ != nullptr) pasos_->cantidad = campo[kCantidad];
+  const bool pasa = PasaElFiltro(fila, relacion);
+  if (pasos_ != nullptr) {
+    pasos_->pasa = pasa;
+    pasos_->rechazo = fila.rechazo;
+  }
+  if (!pasa) {
     carga_.aparte.push_back({numero, false, std::move(campo)});
     carga_.filas.pop_back();
   }
@@ -228,8 +272,16 @@ bool Cargador::PasaElFiltro(ImportRow& fila, int relacion) {
   // "Tipo EnList " + all external codes, in closed form: evaluated, a code with "-" or "OR" in it would lose
   // its lines.
   if (entrada_.filtro == FiltroPor::Relacion) return relacion >= 0;
-  const std::string condicion = formula::ReemplazaComodines(opciones_.TextoDeFiltro, fila.campo);
-  const bool cumple = base::Parse(formula::EvaluarTexto(evaluador_, "EVAL(" + condicion + ")")) != 0;
+  formula::PasosDeFormula* pasos = pasos_ != nullptr ? &pasos_->filtro : nullptr;
+  const std::string condicion =
+      "EVAL(" + formula::ReemplazaComodines(opciones_.TextoDeFiltro, fila.campo, pasos) + ")";
+  const std::string valor = formula::EvaluarTexto(evaluador_, condicion);
+  if (pasos != nullptr) {
+    pasos->expresion = condicion;
+    pasos->valor = valor;
+    pasos->sin_valor = evaluador_.sin_valor;
+  }
+  const bool cumple = base::Parse(valor) != 0;
   RechazarSiSeAbandono(fila);
   return cumple || evaluador_.agotado != nullptr;
 }

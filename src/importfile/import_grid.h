@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,7 @@ struct DestinoDeLinea {
   std::int32_t concepto = 0;      // a user table: its number plus 1000
   std::int32_t encabezado = 0;    // of the liquidation; 0 for a user table
   std::int32_t agrupa = 0;        // cost centre
+  bool por_clave = false;         // the header was found by the key of the person
   bool encabezado_nuevo = false;  // this line made it
 };
 
@@ -66,6 +68,25 @@ struct LineaAparte {
       campo;  // what was found for it; a malformed one has its first two pieces, as they are
 };
 
+// How one line became what it is.
+struct PasosDeLinea {
+  struct Pieza {
+    std::size_t inicio = 0,
+                largo = 0;  // characters of the line, the first is 1; 0 of a field without a column
+    std::string texto;
+  };
+  std::size_t linea = 0;
+  std::vector<Pieza> piezas;     // by field
+  bool mal_formada = false;      // then nothing else is known
+  int relacion = -1;             // row of the relations
+  formula::CamposDeLinea campo;  // before the formula
+  bool con_formula = false, con_filtro = false;
+  formula::PasosDeFormula formula, filtro;
+  std::string cantidad;  // as the row holds it in the end
+  bool pasa = true;      // the filter
+  std::string rechazo;
+};
+
 // What a load works on; everything is read, nothing kept. The options are copied when the load starts; the
 // tables must stay as they are while it runs, also when `progreso` lets window events in. The evaluator, the
 // prompts and the progress may be null.
@@ -80,6 +101,10 @@ struct EntradaCarga {
   formula::Evaluador* evaluador = nullptr;
   ports::Prompts* prompts = nullptr;
   ports::Progress* progreso = nullptr;
+  const ArchivoLeido* leido = nullptr;  // the bytes to load, instead of those of the path
+  // Told of each line when it is done, or of this one alone.
+  std::function<void(const PasosDeLinea&)> al_cargar;
+  std::size_t solo_linea = 0;
 };
 
 enum class FinDeCarga { Completa, SinArchivo, FormatoIncorrecto, Cancelada };

@@ -46,7 +46,8 @@ Eleccion ElegirEncabezado(Corrida& c, std::int32_t contrato, std::string_view cl
   const std::int32_t tipo = TipoDeContrato(c, contrato);
   if (hallado != nullptr) {
     if (hallado->Terminado) return {0, "La Liquidación está terminada"};
-    if (hallado->id_TipoLiq == tipo) return {hallado->id_Encabezado, {}};
+    c.destino.por_clave = hallado->id_TipoLiq == tipo;
+    if (c.destino.por_clave) return {hallado->id_Encabezado, {}};
   }
   if (tipo == -1) return {0, "La Liquidaciones de tipo " + e.texto_liquidacion + " estan terminadas"};
   if (const auto abierto = EncabezadoYaAbierto(e, contrato, tipo)) return {*abierto, {}};

@@ -112,8 +112,10 @@ Totales ImportarFilas(Corrida& c, std::vector<ImportRow>& filas) {
   ports::Progress& progreso = c.entrada.progreso;
   progreso.ActuBarra(100.0F / static_cast<float>(filas.size()), true);
   for (ImportRow& fila : filas) {
+    if (c.entrada.testigo != nullptr) c.entrada.testigo->AntesDeFila(fila);
     const std::string resultado = ImportarFila(c, fila, totales);
     fila.resultado = resultado.empty() ? "OK" : resultado;
+    if (c.entrada.testigo != nullptr) c.entrada.testigo->DespuesDeFila(fila);
     progreso.ActuBarra(-1, true);
   }
   progreso.ActuBarra(0, true);

@@ -15,6 +15,9 @@ class Testigo {
   // The transaction has begun and nothing is written. What this or the next throws (base::Error) undoes the
   // run, and its description is the reason that is told.
   virtual void AntesDeEscribir() = 0;
+  // Around each row, which holds its result after it.
+  virtual void AntesDeFila(const importfile::ImportRow&) {}
+  virtual void DespuesDeFila(const importfile::ImportRow&) {}
   // The last update has run; the rows hold their results and `importacion` its totals. What follows is the
   // commit, or the rollback of a run that ends with one.
   virtual void AntesDeTerminar(const std::vector<importfile::ImportRow>& filas,

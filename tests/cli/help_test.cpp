@@ -21,6 +21,8 @@ const std::vector<Ayuda> kAyudas = {
     {{"importar", "--help"}, kImportar},
     {{"revisar", "-h"}, kImportar},
     {{"codigos", "--help"}, {"--base", "--archivo", "--mes", "--salida"}},
+    {{"explicar", "--help"}, {"--base", "--archivo", "--mes", "--linea"}},
+    {{"probar", "--help"}, {"--base", "--archivo", "--mes", "--formula", "--condicion", "--cuantas"}},
     {{"relaciones", "--help"}, {"exportar", "importar", "ARCHIVO", "--base", "--ajustes"}},
     {{"formula", "--help"}, {"EXPRESION", "--base", "--hoy"}},
     {{"consulta", "--help"}, {"SQL", "--base", "--escribir", "--hoy"}},

@@ -19,9 +19,10 @@ float ASimple(double numero) {
 
 }  // namespace
 
-float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const CamposDeLinea& linea) {
+float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const CamposDeLinea& linea,
+                      PasosDeFormula* pasos) {
   const std::string_view escrita = base::TrimView(texto_formula);
-  const auto formula = SinComodines(escrita, linea);
+  const auto formula = SinComodines(escrita, linea, pasos);
   if (!formula) {
     ev.agotado = "La fórmula es demasiado larga con los datos de la línea";
     return 0;
@@ -35,7 +36,12 @@ float CalcularFormula(Evaluador& ev, std::string_view texto_formula, const Campo
     expresion += *formula;
   }
   bool con_parametros = false;
+  if (pasos != nullptr) pasos->expresion = expresion;
   const std::string valor = EvaluarExpresion(ev, expresion, con_parametros);
+  if (pasos != nullptr) {
+    pasos->valor = valor;
+    pasos->sin_valor = ev.sin_valor;
+  }
   if (ev.sin_valor) return 0;
   return ASimple(base::Parse(base::Replace(valor, ",", ".")));
 }

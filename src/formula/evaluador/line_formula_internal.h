@@ -10,6 +10,7 @@
 namespace formula {
 
 // None when the text would pass kLargoMaximo.
-std::optional<std::string> SinComodines(std::string_view formula, const CamposDeLinea& linea);
+std::optional<std::string> SinComodines(std::string_view formula, const CamposDeLinea& linea,
+                                        PasosDeFormula* pasos = nullptr);
 
 }  // namespace formula

@@ -69,21 +69,24 @@ bool Reemplazar(std::string& texto, const Comodin& comodin, std::string_view val
 
 }  // namespace
 
-std::optional<std::string> SinComodines(std::string_view formula, const CamposDeLinea& linea) {
+std::optional<std::string> SinComodines(std::string_view formula, const CamposDeLinea& linea,
+                                        PasosDeFormula* pasos) {
   std::string texto(formula);
   std::uint32_t letras = Letras(texto);
   for (const Comodin& comodin : kComodines) {
     const std::uint32_t suyas = Letras(comodin.nombre);
     if ((letras & suyas) != suyas) continue;
     const std::string& valor = linea[comodin.campo];
+    const bool esta = pasos != nullptr && BuscarNombre(texto, comodin.nombre, 0) != std::string::npos;
     if (!Reemplazar(texto, comodin, valor)) return std::nullopt;
+    if (esta) pasos->sustituciones.push_back({std::string(comodin.nombre), valor, texto});
     letras |= Letras(valor);  // a letter too many costs a search, no more
   }
   return texto;
 }
 
-std::string ReemplazaComodines(std::string_view formula, const CamposDeLinea& linea) {
-  return SinComodines(formula, linea).value_or(std::string());
+std::string ReemplazaComodines(std::string_view formula, const CamposDeLinea& linea, PasosDeFormula* pasos) {
+  return SinComodines(formula, linea, pasos).value_or(std::string());
 }
 
 }  // namespace formula
