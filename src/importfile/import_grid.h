@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/error.h"
@@ -106,6 +107,9 @@ struct EntradaCarga {
   std::function<void(const PasosDeLinea&)> al_cargar;
   std::size_t solo_linea = 0;
 };
+
+// Whether the line formula does anything: neither blank nor the number 1 as it stands ("1,00" too, "+1" not).
+bool FormulaEnUso(std::string_view formula);
 
 enum class FinDeCarga { Completa, SinArchivo, FormatoIncorrecto, Cancelada };
 

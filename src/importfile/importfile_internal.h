@@ -22,10 +22,6 @@ struct CorteAF {
 };
 CorteAF CortarAF(std::string_view linea, const settings::FixedWidthLayout& layout);
 
-// What a settings text of the loader asks for: neither blank nor the number 1 as it stands ("1,00" too, "+1"
-// not), which would change nothing.
-bool FormulaEnUso(std::string_view formula);
-
 // The text of the number of a plain decimal ("000123", "8.50"), of fifteen digits at most; none for any other
 // text. It is what the general conversion there and back gives, for a fraction of the time: nearly all
 // numbers of a file are of this kind.

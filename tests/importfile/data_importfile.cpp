@@ -1,9 +1,14 @@
 // Verbs of the import file:
 //   mundo                       the tables of the loads that follow in this file, one entry a line:
-//                               "persona" + eleven fields, "relacion" + six fields, "concepto" + five
+//                               "persona" + eleven fields, "relacion" + six fields, "concepto" + five and
+//                               maybe its code
 //   load [K=V …]                loads the input as a file with those options and prints what came of it
 //   cut [K=V …]                 the fields of a line and its star line
 //   preview [K=V …]             the rows of the preview grid for these first lines
+//   propose [K=V …]             what the input, as a file, seems to be: the proposal or why there is none,
+//   and
+//                               whether the options would do; codigo and crudo as in load
+//   causes [K=V …]              loads the input and prints why its lines found nobody or nothing
 //   valid                       the answer of the line check
 // K=V are keys of the settings file. Of `load` besides:
 //   filtro=texto|relacion  orden=N  archivo=ausente|carpeta   what is loaded and how
@@ -20,6 +25,7 @@
 #include "base/text.h"
 #include "importfile/import_grid.h"
 #include "importfile/line_formats.h"
+#include "importfile/proponer_formato.h"
 #include "settings/config_file.h"
 #include "support/data_test.h"
 #include "support/escapes.h"
@@ -81,7 +87,11 @@ std::string Preparar(Mundo& mundo, const Block& b) {
     } else if (clase == "relacion") {
       relaciones += (relaciones.empty() ? "" : "\r\n") + resto;
     } else if (clase == "concepto") {
-      mundo.conceptos.tabla.registros.push_back(base::Split(resto, "*"));
+      std::vector<std::string> campos = base::Split(resto, "*");
+      const std::string codigo = campos.size() > 5 ? campos[5] : campos[0];
+      campos.resize(5);
+      mundo.conceptos.cmbConceptos.items.push_back({codigo + " - " + campos[1], 0});
+      mundo.conceptos.tabla.registros.push_back(std::move(campos));
     } else {
       throw std::runtime_error("unknown entry: " + linea);
     }
@@ -214,6 +224,51 @@ std::string Previsualizar(const Block& b) {
   return salida.empty() ? "(none)" : salida;
 }
 
+importfile::EntradaCarga EntradaDe(const Mundo& mundo, const Block& b, const settings::Settings& opciones) {
+  importfile::EntradaCarga entrada;
+  entrada.opciones = &opciones;
+  entrada.filtro =
+      b.Option("filtro") == "texto" ? importfile::FiltroPor::Texto : importfile::FiltroPor::Relacion;
+  entrada.personas = &mundo.personas;
+  entrada.conceptos = &mundo.conceptos;
+  entrada.relaciones = &mundo.relaciones;
+  return entrada;
+}
+
+std::string Proponer(const Mundo& mundo, const Block& b) {
+  const settings::Settings opciones = OpcionesDe(b);
+  const importfile::EntradaCarga entrada = EntradaDe(mundo, b, opciones);
+  const std::string bytes = BytesDelArchivo(b);
+  const importfile::PropuestaDeFormato p = importfile::ProponerFormato(bytes, entrada);
+  const auto si = [](bool valor) { return valor ? "SI" : "NO"; };
+  std::string salida;
+  if (p.hay) {
+    salida += p.opciones.AnchoFijo
+                  ? "columns " + base::Replace(settings::TextoDeLayout(p.opciones.ConfDeAF), base::kCrLf, " ")
+                  : "separator " + support::Escaped(p.opciones.Separador);
+    salida += "\nkey " + std::to_string(p.opciones.Configura) + ", numeric " +
+              si(p.opciones.CodTipoNumerico) + ", by code " + si(p.opciones.MismoCodigoDeOrsa) + "\n";
+    for (const std::string& razon : p.razones) salida += "- " + razon + "\n";
+    for (const auto& fila : p.cortadas) salida += "> " + support::Escaped(base::Join(fila, "|")) + "\n";
+  } else {
+    salida += "none: " + p.motivo + "\n";
+  }
+  return salida + "the options would do: " + si(importfile::ElFormatoSirve(bytes, entrada));
+}
+
+std::string Causas(const Mundo& mundo, const Block& b) {
+  support::TempFolder carpeta;
+  const settings::Settings opciones = OpcionesDe(b);
+  importfile::EntradaCarga entrada = EntradaDe(mundo, b, opciones);
+  entrada.txtRuta = carpeta.Path("marcas.txt");
+  carpeta.Write("marcas.txt", BytesDelArchivo(b));
+  const importfile::Carga carga = importfile::CargarDatos(entrada);
+  const importfile::CausasDe causas =
+      importfile::CausasDeCarga({entrada, carga.fin, carga.filas, carga.aparte, carga.lineas, carga.previa});
+  if (causas.causas.empty()) return "(none)";
+  return base::Join(causas.causas, "\n") + (causas.graves ? "\ngrave" : "");
+}
+
 std::string Validar(const Block& b) { return importfile::ValidoLinea(b.entry) ? "true" : "false"; }
 
 }  // namespace
@@ -225,6 +280,8 @@ int main(int argc, char** argv) {
                           {"load", [mundo](const Block& b) { return Cargar(*mundo, b); }},
                           {"cut", Cortar},
                           {"preview", Previsualizar},
+                          {"propose", [mundo](const Block& b) { return Proponer(*mundo, b); }},
+                          {"causes", [mundo](const Block& b) { return Causas(*mundo, b); }},
                           {"valid", Validar}};
   });
 }
