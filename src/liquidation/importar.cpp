@@ -14,6 +14,13 @@ namespace {
 
 using importfile::ImportRow;
 
+// The operator asked to stop.
+struct Cancelacion {};
+
+void VerSiSigue(const EntradaImportacion& e) {
+  if (e.progreso.IsCancelled()) throw Cancelacion{};
+}
+
 // The concepts of all relations, joined with ","; a relation without a number would make the list unreadable,
 // and the sums of all the others would be lost with it.
 std::string ConceptosDeRelaciones(const relations::CodeRelations& relaciones) {
@@ -112,6 +119,7 @@ Totales ImportarFilas(Corrida& c, std::vector<ImportRow>& filas) {
   ports::Progress& progreso = c.entrada.progreso;
   progreso.ActuBarra(100.0F / static_cast<float>(filas.size()), true);
   for (ImportRow& fila : filas) {
+    VerSiSigue(c.entrada);
     if (c.entrada.testigo != nullptr) c.entrada.testigo->AntesDeFila(fila);
     const std::string resultado = ImportarFila(c, fila, totales);
     fila.resultado = resultado.empty() ? "OK" : resultado;
@@ -123,15 +131,19 @@ Totales ImportarFilas(Corrida& c, std::vector<ImportRow>& filas) {
 }
 
 void ActualizarEnBloque(const EntradaImportacion& e, Importacion& r) {
-  const auto ejecutar = [&](const char* donde, const char* falla, const std::string& texto) {
+  const auto ejecutar = [&](const char* etapa, const char* donde, const char* falla,
+                            const std::string& texto) {
+    VerSiSigue(e);
+    e.progreso.Stage(etapa);
     if (!base::PassOverError(donde, &r.errores, [&] { e.sesion.conexion->Execute(texto); }))
       r.actualizaciones_fallidas.push_back(std::string(falla) + ": " + r.errores.back().description);
   };
-  ejecutar("Importar: días trabajados", "No se actualizaron los días trabajados",
-           sql::ActualizarDias(e.sesion.idEmpresa, e.mes));
-  ejecutar("Importar: montos", "No se actualizaron los montos",
+  ejecutar("Actualizando los días trabajados…", "Importar: días trabajados",
+           "No se actualizaron los días trabajados", sql::ActualizarDias(e.sesion.idEmpresa, e.mes));
+  ejecutar("Actualizando los montos…", "Importar: montos", "No se actualizaron los montos",
            sql::ActualizarMontos(e.sesion.idEmpresa, e.mes));
-  ejecutar("Importar: detalle", "No se actualizó el detalle", sql::ActualizarDetalle(e.mes));
+  ejecutar("Actualizando el detalle…", "Importar: detalle", "No se actualizó el detalle",
+           sql::ActualizarDetalle(e.mes));
 }
 
 // From the first statement to the commit. Throws base::Error when nothing may stay written.
@@ -140,12 +152,16 @@ void Correr(const EntradaImportacion& e, std::vector<ImportRow>& filas, Importac
   if (!conexion.InTransaction()) conexion.BeginTrans();
   if (e.testigo != nullptr) e.testigo->AntesDeEscribir();
   Corrida corrida(e, r.errores);
+  e.progreso.Stage("Leyendo lo que hay en el mes…");
   LeerLoNecesario(corrida);
+  e.progreso.Stage("");
   for (const auto& [concepto, total] : ImportarFilas(corrida, filas)) r.totales.push_back(total);
   base::PassOverError("Importar: tablas de usuario", &r.errores,
                       [&] { e.tablas.CargarTablasUsuario(e.sesion, -1); });
   ActualizarEnBloque(e, r);
   if (e.testigo != nullptr) e.testigo->AntesDeTerminar(filas, r);
+  VerSiSigue(e);
+  e.progreso.Stage(e.deshacer ? "Deshaciendo…" : "Guardando…");
   if (e.deshacer)
     conexion.RollbackTrans();
   else
@@ -178,6 +194,7 @@ void NadaEscrito(const EntradaImportacion& e, const std::string& motivo, std::ve
     fila.resultado = motivo;
     fila.destino = {};
   }
+  e.progreso.Stage("");
   e.progreso.ActuBarra(0, true);
   e.prompts.Show({motivo, ports::Icon::Exclamation, false});
 }
@@ -198,6 +215,10 @@ Importacion Importar(const EntradaImportacion& e, std::vector<ImportRow>& filas)
   }
   try {
     Correr(e, filas, r);
+  } catch (const Cancelacion&) {
+    r.cancelada = true;
+    e.progreso.Stage("Deshaciendo…");
+    NadaEscrito(e, "La importación se canceló: no se escribió nada" + DeshacerTodo(e, r), filas, r);
   } catch (const base::Error& error) {
     Abandonar(e, error, filas, r);
   } catch (const std::bad_alloc&) {

@@ -40,6 +40,7 @@ struct Importacion {
   std::string error;  // why nothing was written: what the run needs could not be read, or it could not end
   // `error` is a fault of the storage (or of the memory): the run was undone where it happened.
   bool fallo_de_almacenamiento = false;
+  bool cancelada = false;  // the operator asked to stop; `error` says that it was undone
   // Bulk updates that failed, each with its reason, in Spanish. The quantities stand.
   std::vector<std::string> actualizaciones_fallidas;
   base::ErrorSink errores;  // steps that failed and were passed over
@@ -48,7 +49,9 @@ struct Importacion {
 // Works through the rows in their order and leaves each row's result in it: "OK" or the reason. A row that an
 // error of the base refused has left nothing behind. One transaction from the first row to the last bulk
 // update (the caller's, when one is under way). When it cannot begin or be committed, when what the run needs
-// cannot be read, and at any fault of the storage, nothing is written, every row's result is the reason, and
+// cannot be read, when the
+// operator stops it (asked between the lines and between the statements), and at any fault of the storage,
+// nothing is written, every row's result is the reason, and
 // it is shown once.
 Importacion Importar(const EntradaImportacion& entrada, std::vector<importfile::ImportRow>& filas);
 

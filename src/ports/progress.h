@@ -1,6 +1,8 @@
 // The progress bar as the long commands see it.
 #pragma once
 
+#include <string>
+
 namespace ports {
 
 class Progress {
@@ -11,8 +13,10 @@ class Progress {
   virtual void ActuBarra(float step, bool no_refresh = false) = 0;
   // Lets pending window events run.
   virtual void DoEvents() = 0;
-  // True when the command under way is to stop (the window is closing).
+  // True when the command under way is to stop: the operator asked for it, or the window is closing.
   virtual bool IsCancelled() const = 0;
+  // What is being done now, in the operator's words; "" for nothing in particular.
+  virtual void Stage(const std::string& text) { static_cast<void>(text); }
 };
 
 // Lets pending window events run; a program without a window has none.

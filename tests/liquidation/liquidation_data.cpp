@@ -8,13 +8,15 @@
 //                               makes the N-th statement that starts so fail ("!!N" as a fault of the
 //                               storage), the others are the file; prints line|key|quantity|result, totals,
 //                               the bulk updates that failed, then boxes and passed-over errors, and with
-//                               "bar" the steps of the progress bar ("!" without refresh)
+//                               "bar" the steps of the progress bar ("!" without refresh); "stop=N": the
+//                               operator stops it after N lines
 //   changes                     of the last "import watch": the quantities before and after, then each row
 //   that it
 //                               inserted (+), changed (~) or deleted (-), with the columns that differ
 //   query [rowsort]             a statement; rows joined with |
 //   warn                        as import: what is told before, one a line; nothing is written
 //   plausible                   the same of what may not be meant although nothing is wrong with it
+//   summary                     as import: what stands under the question; nothing is written
 //   confirm mes=… liq=… cc=…    the question before the import, with settings as in import
 #include <algorithm>
 #include <memory>
@@ -30,6 +32,7 @@
 #include "liquidation/cajas.h"
 #include "liquidation/conexion_con_fallas.h"
 #include "liquidation/importar.h"
+#include "liquidation/resumen.h"
 #include "liquidation/verosimilitud.h"
 #include "refdata/liquidation_types.h"
 #include "settings/config_file.h"
@@ -97,11 +100,13 @@ using prueba::Cajas;
 class Bar final : public ports::Progress {
  public:
   void ActuBarra(float paso, bool sin_refresco) override {
+    lines += paso == -1.0F ? 1 : 0;
     steps += " " + base::SqlSingle(paso) + (sin_refresco ? "!" : "");
   }
   void DoEvents() override { steps += " ev"; }
-  bool IsCancelled() const override { return false; }
+  bool IsCancelled() const override { return stop >= 0 && lines >= stop; }
   std::string steps;
+  int lines = 0, stop = -1;
 };
 
 class Mesa {
@@ -143,9 +148,11 @@ class Mesa {
 
   std::string Importar(const support::Block& b) {
     Preparar(b);
+    bar_ = {};
     importfile::Carga carga = Cargar();
     for (const Falla& f : fallas_) conexion_->Fallar(f.comienzo, f.vez, f.clase);
-    bar_.steps.clear();
+    bar_ = {};
+    bar_.stop = std::stoi(b.Option("stop", "-1"));
     liquidation::EntradaImportacion entrada = Entrada(b);
     corridas::TestigoDeCambios testigo(sesion_, mes_);
     if (b.Has("watch")) entrada.testigo = &testigo;
@@ -163,6 +170,7 @@ class Mesa {
       salida += "TOTAL " + std::to_string(t.concepto) + " " + t.nombre + " " + std::to_string(t.lineas) +
                 " " + base::SqlNumber(t.cantidad) + "\n";
     if (r.fallo_de_almacenamiento) salida += "FAULT\n";
+    if (r.cancelada) salida += "CANCELLED\n";
     for (const auto& texto : r.actualizaciones_fallidas) salida += "UPDATE " + texto + "\n";
     for (const auto& texto : cajas_.textos)
       salida += "BOX " + base::Replace(texto, base::kCrLf, " / ") + "\n";
@@ -205,6 +213,15 @@ class Mesa {
     } catch (const base::Error& e) {
       return "FAULT " + e.Description();
     }
+  }
+
+  std::string Resumen(const support::Block& b) {
+    Preparar(b);
+    const importfile::Carga carga = Cargar();
+    liquidation::ResumenDeImportacion r = liquidation::Resumir(Entrada(b), carga.filas);
+    r.archivo = "horas.txt";
+    // A blank line would end the block.
+    return base::Replace(base::Replace(liquidation::TextoDeResumen(r), base::kCrLf, "\n"), "\n\n", "\n\\n\n");
   }
 
   std::string Confirmar(const support::Block& b) {
@@ -369,6 +386,7 @@ int main(int argc, char** argv) {
         {"query", [mesa](const support::Block& b) { return mesa->Query(b); }},
         {"import", [mesa](const support::Block& b) { return mesa->Importar(b); }},
         {"changes", [mesa](const support::Block& b) { return mesa->Changes(b); }},
+        {"summary", [mesa](const support::Block& b) { return mesa->Resumen(b); }},
         {"warn", [mesa](const support::Block& b) { return mesa->Avisos(b); }},
         {"plausible", [mesa](const support::Block& b) { return mesa->Plausible(b); }},
         {"confirm", [mesa](const support::Block& b) { return mesa->Confirmar(b); }},
