@@ -8,6 +8,12 @@ void Barra::DoEvents() {
   if (eventos_ != nullptr) eventos_->DoEvents();
 }
 
+void Barra::Stage(const std::string& texto) {
+  if (texto == etapa_) return;
+  etapa_ = texto;
+  if (al_pintar) al_pintar();
+}
+
 void Barra::ActuBarra(float paso, bool sin_refresco) {
   if (paso != -1.0F) {
     paso_ = paso;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "ports/progress.h"
 
@@ -15,11 +16,14 @@ class Barra final : public ports::Progress {
   void DoEvents() override;
   bool IsCancelled() const override { return cancelado_; }
 
+  void Stage(const std::string& texto) override;
+
   void Cancelar(bool si) { cancelado_ = si; }
   float Porcentaje() const { return porcentaje_; }
   float Paso() const { return paso_; }
   bool Visible() const { return visible_; }
-  // Called when what the bar shows has changed by a thousandth or its visibility did.
+  const std::string& Etapa() const { return etapa_; }
+  // Called when what the bar shows has changed by a thousandth, or its visibility or the stage did.
   std::function<void()> al_pintar;
 
   // The three colours of its gradient, left to right, as 0xBBGGRR.
@@ -28,6 +32,7 @@ class Barra final : public ports::Progress {
  private:
   ports::EventPump* eventos_;
   float porcentaje_ = 0, paso_ = 0;
+  std::string etapa_;
   int milesimas_ = -1;  // as last painted
   bool visible_ = false, cancelado_ = false;
 };

@@ -85,6 +85,26 @@ bool BaseDeDatos::Probar(const std::function<void()>& paso, std::string& motivo)
   return true;
 }
 
+std::string BaseDeDatos::Cambiar(const std::string& referencia) {
+  const bool misma = referencia == e_.referencia;
+  if (misma && sesion_.Abierta()) sesion_.conexion->Close();  // its own lock would stand in the way
+  Conexion nueva = c_.puertos.conectar(referencia, c_.puertos.reloj);
+  if (nueva.conexion == nullptr || !nueva.conexion->IsOpen()) {
+    if (nueva.motivo.empty()) nueva.motivo = "No se puede abrir.";
+    if (misma) e_.motivo_base = nueva.motivo;
+    return nueva.motivo;
+  }
+  if (sesion_.Abierta()) sesion_.conexion->Close();
+  sesion_.conexion = std::move(nueva.conexion);
+  sesion_.id_Usuario = nueva.id_Usuario;
+  e_.archivo_base = std::move(nueva.archivo);
+  origen_ = nueva.origen.empty() ? referencia : std::move(nueva.origen);
+  sesion_.idEmpresa = 0;
+  sesion_.TipoConstruccion = sesion_.LiqAgrup = false;
+  e_.motivo_base.clear();
+  return {};
+}
+
 // Without its transaction the start-up itself would be written for good: the base then counts as not opened.
 bool BaseDeDatos::Comenzar() {
   try {
@@ -198,6 +218,26 @@ corridas::Resumen BaseDeDatos::CorridaNueva() const {
   return r;
 }
 
+void BaseDeDatos::ProbarEscritura() {
+  if (e_.solo_lectura.empty() || !sesion_.Abierta() || sesion_.conexion->InTransaction()) return;
+  const bool si =
+      base::AnyErrorNoted("probar la escritura", nullptr, [&] { sesion_.conexion->BeginTrans(); });
+  if (si) Deshacer();
+  VerSoloLectura();
+}
+
+std::string BaseDeDatos::MotivoSinEmpresa() const {
+  if (!e_.motivo_empresa.empty()) return "No se pudo leer la fila de la empresa: " + e_.motivo_empresa;
+  if (NombraBaseDeLaEmpresa(e_.referencia)) return {};
+  return "La base no tiene empresa: su nombre no es Personal.mdb, Proyec.mdb ni ConfBase.cfg.";
+}
+
 void BaseDeDatos::VerSoloLectura() { e_.solo_lectura = MotivoSoloLectura(sesion_.conexion.get()); }
+
+bool NombraBaseDeLaEmpresa(std::string_view referencia) {
+  for (const char* nombre : {"Personal.mdb", "Proyec.mdb", "ConfBase.cfg"})
+    if (base::Contains(referencia, nombre, base::Compare::IgnoringCase)) return true;
+  return false;
+}
 
 }  // namespace app

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "app/contexto.h"
 #include "base/disk_file.h"
@@ -12,6 +13,9 @@
 #include "sesion/db_session.h"
 
 namespace app {
+
+// Only a base of the payroll system has the company row.
+bool NombraBaseDeLaEmpresa(std::string_view referencia);
 
 class BaseDeDatos {
  public:
@@ -27,6 +31,9 @@ class BaseDeDatos {
   // Runs a step that writes and takes back, on the base; or, when the base may not be written now, on a copy
   // in memory, which it leaves behind. False: neither could be had, and motivo says why.
   bool Probar(const std::function<void()>& paso, std::string& motivo);
+  // Opens the reference and puts it in the place of what was open. "", or why it cannot be opened: then what
+  // was open stays so, unless it is the same reference, which has to be let go first.
+  std::string Cambiar(const std::string& referencia);
   // The company that every statement names. What cannot be read leaves motivo_empresa.
   void LeerEmpresa();
   // Every step that touches the base runs in here: a fault of the storage or of the memory ends it, is told,
@@ -37,6 +44,10 @@ class BaseDeDatos {
   corridas::LugarDelRegistro LugarDelRegistro();
   // Of a run that begins now: moment and users.
   corridas::Resumen CorridaNueva() const;
+  // Whether a base that could only be read can be written by now: another program may have let it go.
+  void ProbarEscritura();
+  // Why there is no company to import for, "" when there is one.
+  std::string MotivoSinEmpresa() const;
   // What was begun and not committed stays as it was, the month parameter included.
   void Deshacer();
 

@@ -40,6 +40,8 @@ struct Arranque {
   bool una_transaccion = false;
   bool solo_prueba = false;  // nothing will be written: a base that gives no transaction is tried in a copy
   std::optional<std::string> usuario = {};  // who runs the program, instead of the system's user
+  // Look at a file that the options make nothing of, and propose others; see PrimerUso.
+  bool proponer = false;
 };
 
 struct Contexto {

@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "app/controles.h"
+#include "app/procedencia.h"
 #include "base/date.h"
 #include "corridas/cantidades.h"
 #include "formula/vectores/list_control.h"
+#include "importfile/causas.h"
 #include "importfile/import_grid.h"
 #include "liquidation/importar.h"
 #include "refdata/concepts_catalogue.h"
@@ -87,6 +89,8 @@ struct Estado {
   std::vector<importfile::LineaAparte> aparte;  // lines of the file that are no rows
   std::size_t lineas = 0;                       // of the file
   importfile::ArchivoLeido archivo;             // the file of the grid, as it was read
+  Procedencia procedencia;                      // of those rows
+  importfile::CausasDe causas;                  // why lines of the last load found nobody or nothing
   bool hay_valor = false;
   int columna_orden = 0;  // row field of the sort
   std::string previa;     // the first four lines of the last file

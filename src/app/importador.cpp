@@ -6,6 +6,7 @@
 #include "corridas/testigo_de_registro.h"
 #include "explicacion/explicar.h"
 #include "liquidation/avisos.h"
+#include "liquidation/resumen.h"
 #include "liquidation/verosimilitud.h"
 #include "settings/config_file.h"
 
@@ -32,12 +33,25 @@ void Importador::cbImportar_Click(int boton) {
     if (p_.base.Sesion().Abierta()) motivo += "\r\nNo se importa nada hasta leerla de nuevo con Actualizar.";
     return c_.Avisar(std::move(motivo));
   }
+  if (const std::string motivo = p_.base.MotivoSinEmpresa(); !motivo.empty()) return c_.Avisar(motivo);
+  if (!CorrespondeLaGrilla()) return;
   // The updates of the whole month belong to an import: without lines there is none.
   if (e_.filas.empty()) return c_.Avisar("No hay líneas para importar.");
-  const std::vector<std::string> avisos = Avisos();
-  if (!avisos.empty()) c_.Avisar(base::Join(avisos, "\r\n\r\n"));
-  if (!c_.puertos.prompts.Confirm(Confirmacion())) return;
+  const std::string resumen = liquidation::TextoDeResumen(Resumen());
+  if (!e_.fallo_de_base.empty()) return;  // the base failed while it was asked; it has been told
+  if (!c_.puertos.prompts.ConfirmWith(Confirmacion(), resumen)) return;
   Importar(false);
+}
+
+// What the operator sees on the controls is what would be imported. A grid that was loaded anew is looked at
+// first, and imported by another click.
+bool Importador::CorrespondeLaGrilla() {
+  const std::string diferencias = TextoDeDiferencias(e_);
+  if (diferencias.empty()) return true;
+  if (c_.puertos.prompts.Confirm(diferencias + "\r\nNo se importa nada hasta leer el archivo de nuevo.\r\n"
+                                               "¿Leerlo ahora?"))
+    p_.lineas.CargarDatos();
+  return false;
 }
 
 liquidation::EntradaImportacion Importador::EntradaDeImportacion(const settings::Settings& opciones) {
@@ -58,6 +72,24 @@ liquidation::EntradaImportacion Importador::EntradaDeImportacion(const settings:
     entrada.texto_liquidacion = tipo->texto;
   if (const formula::ItemLista* centro = e_.tipos.cmbAgrupa.Elegido()) entrada.centro_costo = centro->dato;
   return entrada;
+}
+
+liquidation::ResumenDeImportacion Importador::Resumen() {
+  liquidation::ResumenDeImportacion resumen =
+      liquidation::Resumir(EntradaDeImportacion(e_.opciones), e_.filas);
+  resumen.archivo = e_.txtRuta.text;
+  resumen.avisos = Avisos();
+  for (std::string& aviso : Verosimilitud()) resumen.avisos.push_back(std::move(aviso));
+  return resumen;
+}
+
+std::string Importador::MotivoApagado() const {
+  if (!p_.base.Sesion().Abierta())
+    return e_.motivo_base.empty() ? "La base no está abierta." : "La base no está abierta: " + e_.motivo_base;
+  if (std::string motivo = p_.base.MotivoSinEmpresa(); !motivo.empty()) return motivo;
+  if (!e_.solo_lectura.empty()) return e_.solo_lectura;
+  if (!e_.filas.empty()) return {};
+  return e_.lineas == 0 ? "No hay ninguna línea cargada." : "Ninguna línea del archivo quedó en la grilla.";
 }
 
 std::vector<std::string> Importador::Avisos() {

@@ -6,6 +6,7 @@
 
 #include "app/lineas.h"
 #include "corridas/testigo_de_cambios.h"
+#include "liquidation/resumen.h"
 
 namespace app {
 
@@ -18,11 +19,17 @@ class Importador {
   };
   Importador(Contexto& contexto, const Partes& partes);
 
-  // Only the primary button (1) imports; any other does nothing.
+  // Only the primary button (1) imports; any other does nothing. A grid that is no longer that of the
+  // controls is not imported: it asks to load it again.
   void cbImportar_Click(int boton);
   // The same without its question; `deshacer` ends with a rollback, to see what would come of it.
   void Importar(bool deshacer);
   std::string Confirmacion() const;
+  // What the question is about; what stands under it.
+  liquidation::ResumenDeImportacion Resumen();
+  // Why the button rests, in Spanish: no base, no company, a base that may only be read, no row. "": it can
+  // be pressed.
+  std::string MotivoApagado() const;
   // What would be written and may not be meant, one text a kind.
   std::vector<std::string> Avisos();
   // Why that line of the grid's file ends as it does, one step a text; empty when the file has no such line.
@@ -32,6 +39,7 @@ class Importador {
   std::vector<std::string> Verosimilitud();
 
  private:
+  bool CorrespondeLaGrilla();
   liquidation::EntradaImportacion EntradaDeImportacion(const settings::Settings& opciones);
   corridas::Resumen DatosDeCorrida(const settings::Settings& opciones) const;
   void Correr(const liquidation::EntradaImportacion& entrada, corridas::TestigoDeCambios& testigo);

@@ -6,23 +6,43 @@
 #include "settings/config_file.h"
 
 namespace app {
-namespace {
-
-// Only a base of the payroll system has the company row.
-bool NombraBaseDeLaEmpresa(std::string_view referencia) {
-  for (const char* nombre : {"Personal.mdb", "Proyec.mdb", "ConfBase.cfg"})
-    if (base::Contains(referencia, nombre, base::Compare::IgnoringCase)) return true;
-  return false;
-}
-
-}  // namespace
-
 Lecturas::Lecturas(Contexto& contexto, BaseDeDatos& base) : c_(contexto), e_(contexto.estado), base_(base) {}
 
 void Lecturas::AbrirBase(std::string referencia) {
   e_.referencia = std::move(referencia);
-  if (base_.Conectar(e_.referencia)) base_.ConLaBase([&] { LeerTablas(kEmpresa | kTipos | kTablas); });
+  const bool abierta = base_.Conectar(e_.referencia);
+  if (abierta) base_.ConLaBase([&] { LeerTablas(kEmpresa | kTipos | kTablas); });
   if (!base_.Sesion().Abierta()) return c_.Avisar("Error al abrir la base ubicada en " + e_.referencia);
+  LeerPersonas();
+}
+
+std::string Lecturas::CambiarBase(const std::string& referencia) {
+  std::string motivo = base_.Cambiar(referencia);
+  if (!motivo.empty()) return motivo;
+  e_.referencia = referencia;
+  Olvidar();
+  base_.ConLaBase([&] { LeerTablas(kEmpresa | kTipos | kTablas); });
+  LeerPersonas();
+  return {};
+}
+
+// Nothing of one base may be taken for another's.
+void Lecturas::Olvidar() {
+  e_.fallo_de_base.clear();
+  e_.motivo_empresa.clear();
+  e_.motivo_tablas.clear();
+  e_.solo_lectura.clear();
+  e_.tipos = {};
+  PonerCentros();
+  ++e_.revision.tipos;
+  e_.tablas.Vaciar();
+  e_.personas = {};
+  e_.conceptos = {};
+  ++e_.revision.conceptos;
+  e_.lblConcepto.clear();
+}
+
+void Lecturas::LeerPersonas() {
   if (e_.fallo_de_base.empty()) base_.ConLaBase([&] { CargarVecDePersonas(); });
   base_.VerSoloLectura();
   if (!e_.solo_lectura.empty())
@@ -96,12 +116,16 @@ void Lecturas::LevantarRelaciones() {
 void Lecturas::CargarTiposLiquidacion() {
   ++e_.revision.tipos;
   refdata::CargarTiposLiquidacion(base_.Sesion(), e_.opciones, e_.tipos, &c_.errores);
+  PonerCentros();
+  c_.Cambio();
+}
+
+void Lecturas::PonerCentros() {
   for (Grid* grid : {&e_.GridAImportar, &e_.GridRelaciones}) {
     GridColumn* cc = grid->Columna("CC");
     cc->visible = e_.tipos.CC_visible;
     cc->ancho = e_.tipos.CC_ancho;
   }
-  c_.Cambio();
 }
 
 void Lecturas::LeerTablasUsuario() {

@@ -16,6 +16,9 @@ class Lecturas {
   void AbrirBase(std::string referencia);
   // The base and its company alone. False: it is not open.
   bool Abrir(const std::string& referencia);
+  // The same for another base while the program runs: "", or why it cannot be opened (see
+  // BaseDeDatos::Cambiar). What was read from the one before is forgotten.
+  std::string CambiarBase(const std::string& referencia);
   void LevantarRelaciones();
   // Reads again what is asked for; after a fault, everything. False: a fault of the base ended it.
   bool Releer(unsigned recargas);
@@ -26,6 +29,9 @@ class Lecturas {
   void CargarVecDePersonas();
   void ActuLSTdeConceptos();
   void CargarTiposLiquidacion();
+  void LeerPersonas();
+  void PonerCentros();
+  void Olvidar();
 
   Contexto& c_;
   Estado& e_;

@@ -2,12 +2,25 @@
 
 #include <utility>
 
+#include "app/avisos_de_carga.h"
 #include "app/vista.h"
 #include "formula/vectores/vector_utils.h"
 
 namespace app {
 
 Lineas::Lineas(Contexto& contexto, const Partes& partes) : c_(contexto), e_(contexto.estado), p_(partes) {}
+
+importfile::EntradaCarga EntradaDeCarga(const Estado& e, const settings::Settings& opciones) {
+  importfile::EntradaCarga entrada;
+  entrada.txtRuta = e.txtRuta.text;
+  entrada.opciones = &opciones;
+  entrada.filtro = e.OptFiltro == 0 ? importfile::FiltroPor::Texto : importfile::FiltroPor::Relacion;
+  entrada.columna_orden = e.columna_orden;
+  entrada.personas = &e.personas;
+  entrada.conceptos = &e.conceptos;
+  entrada.relaciones = &e.relaciones;
+  return entrada;
+}
 
 void Lineas::Activate() {
   if (!e_.carga_pendiente) return;
@@ -17,6 +30,8 @@ void Lineas::Activate() {
 
 void Lineas::CargarDatos() {
   if (p_.tareas.EnCurso()) return;
+  p_.base.ProbarEscritura();
+  if (antes_de_leer && p_.base.MotivoDeLectura().empty()) antes_de_leer();
   if (!p_.base.Sesion().Abierta() || p_.base.MotivoDeLectura().empty()) return CargarGrilla();
   unsigned recargas = kEmpresa | kTipos | kTablas | kPersonas | kConceptos | kGrilla;
   if (e_.relaciones.carga_fallida) recargas |= kRelaciones;
@@ -28,14 +43,7 @@ void Lineas::Recargar(unsigned recargas) {
 }
 
 importfile::EntradaCarga Lineas::EntradaDeCarga(const settings::Settings& opciones) {
-  importfile::EntradaCarga entrada;
-  entrada.txtRuta = e_.txtRuta.text;
-  entrada.opciones = &opciones;
-  entrada.filtro = e_.OptFiltro == 0 ? importfile::FiltroPor::Texto : importfile::FiltroPor::Relacion;
-  entrada.columna_orden = e_.columna_orden;
-  entrada.personas = &e_.personas;
-  entrada.conceptos = &e_.conceptos;
-  entrada.relaciones = &e_.relaciones;
+  importfile::EntradaCarga entrada = app::EntradaDeCarga(e_, opciones);
   entrada.evaluador = &p_.base.Evaluador();
   return entrada;
 }
@@ -57,12 +65,13 @@ explicacion::Prueba Lineas::Probar(const std::string& formula, const std::string
 void Lineas::CargarGrilla() {
   if (p_.tareas.EnCurso()) return;
   p_.tareas.Empezar(Tarea::Carga);
-  c_.barra.Cancelar(false);
   const settings::Settings opciones =
       e_.opciones;  // a handler may change them while the events of the load run
   importfile::EntradaCarga entrada = EntradaDeCarga(opciones);
-  entrada.prompts = &c_.puertos.prompts;
+  AvisosDeCarga avisos(c_.puertos.prompts, c_.barra, p_.base.Evaluador());
+  entrada.prompts = &avisos;
   entrada.progreso = &c_.barra;
+  Procedencia procedencia = ProcedenciaDe(e_);
   importfile::Carga carga;
   const bool leida = p_.base.ConLaBase([&] { carga = importfile::CargarDatos(entrada); });
   if (leida) e_.fin_de_carga = carga.fin;
@@ -74,12 +83,23 @@ void Lineas::CargarGrilla() {
     e_.hay_valor = carga.hay_valor;
     e_.lineas = carga.lineas;
     e_.archivo = std::move(carga.archivo);
+    e_.procedencia = std::move(procedencia);
     ++e_.revision.filas;
     p_.formato.CargarDatosPrevisual();
     Actualizar();
   }
+  if (leida) VerCausas(entrada);
   c_.barra.ActuBarra(0);
   p_.tareas.Terminado();
+}
+
+// Of a load that was refused, too: the rows are then still those of before.
+void Lineas::VerCausas(const importfile::EntradaCarga& entrada) {
+  e_.causas = {};
+  const bool completa = e_.fin_de_carga == importfile::FinDeCarga::Completa;
+  if (!completa && e_.fin_de_carga != importfile::FinDeCarga::FormatoIncorrecto) return;
+  e_.causas =
+      importfile::CausasDeCarga({entrada, e_.fin_de_carga, e_.filas, e_.aparte, e_.lineas, e_.previa});
 }
 
 void Lineas::Actualizar() {

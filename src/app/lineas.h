@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,9 @@
 #include "explicacion/probar.h"
 
 namespace app {
+
+// A load as the controls stand, without whom it may ask. `opciones` must outlive it.
+importfile::EntradaCarga EntradaDeCarga(const Estado& estado, const settings::Settings& opciones);
 
 class Lineas {
  public:
@@ -32,6 +36,8 @@ class Lineas {
   void Recargar(unsigned recargas);
   // The load of a file named on the command line.
   void Activate();
+  // Called before a file is read that the operator asked for.
+  std::function<void()> antes_de_leer;
   void Actualizar();
   // What a load of the lines of the grid takes, but for the options and the prompts.
   importfile::EntradaCarga EntradaDeCarga(const settings::Settings& opciones);
@@ -43,6 +49,7 @@ class Lineas {
 
  private:
   void CargarGrilla();
+  void VerCausas(const importfile::EntradaCarga& entrada);
   void OrdenarFilas();
 
   Contexto& c_;

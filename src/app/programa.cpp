@@ -17,6 +17,10 @@ Programa::Programa(const Puertos& puertos, Arranque arranque)
       importador_(c_, {base_, tareas_, lineas_}),
       historial_(c_, {base_, tareas_}),
       informes_(c_),
-      inicio_(c_, {base_, lecturas_, archivo_, formato_, opciones_}) {}
+      cambio_de_base_(c_, {lecturas_, tareas_, lineas_, cierre_, base_}),
+      primer_uso_(c_, {base_, formato_, opciones_}),
+      inicio_(c_, {base_, lecturas_, archivo_, formato_, opciones_}) {
+  lineas_.antes_de_leer = [this] { primer_uso_.Mirar(); };
+}
 
 }  // namespace app

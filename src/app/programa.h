@@ -8,12 +8,14 @@
 #include <utility>
 
 #include "app/archivo.h"
+#include "app/cambio_de_base.h"
 #include "app/cierre.h"
 #include "app/historial.h"
 #include "app/importador.h"
 #include "app/informes.h"
 #include "app/inicio.h"
 #include "app/opciones.h"
+#include "app/primer_uso.h"
 #include "app/relaciones.h"
 
 namespace app {
@@ -43,6 +45,8 @@ class Programa {
   void Resguardar() { cierre_.Resguardar(); }
   bool PuedeCerrar() const { return !tareas_.EnCurso(); }
   bool CierrePedido() const { return tareas_.CierrePedido(); }
+  // The operator wants the load or the import under way to stop.
+  void Cancelar() { tareas_.Cancelar(); }
 
   // The handlers, by what they serve.
   app::Archivo& Archivo() { return archivo_; }
@@ -53,6 +57,7 @@ class Programa {
   app::Importador& Importador() { return importador_; }
   app::Historial& Historial() { return historial_; }
   app::Informes& Informes() { return informes_; }
+  app::CambioDeBase& CambioDeBase() { return cambio_de_base_; }
 
   // Why nothing is imported for now, in Spanish: something that an import stands on could not be read. "": it
   // may be.
@@ -74,6 +79,8 @@ class Programa {
   app::Importador importador_;
   app::Historial historial_;
   app::Informes informes_;
+  app::CambioDeBase cambio_de_base_;
+  PrimerUso primer_uso_;
   Inicio inicio_;
 };
 

@@ -35,8 +35,10 @@ class Tareas {
   void Pedir(unsigned recargas);
   // Saves when the task under way has ended.
   void PedirResguardo() { resguardo_pendiente_ = true; }
-  // Nothing is read again any more. False while a task runs: it is told to stop.
+  // Nothing is read again any more. False while a task runs: a load is told to stop.
   bool PedirCierre();
+  // The operator wants the load or the import under way to stop.
+  void Cancelar();
 
  private:
   Contexto& c_;

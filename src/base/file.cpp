@@ -168,6 +168,16 @@ bool FileExists(std::string_view path) {
   return !error && fs::exists(status) && !fs::is_directory(status);
 }
 
+std::optional<FileStamp> StampOf(std::string_view path) {
+  if (!FileExists(path)) return std::nullopt;
+  std::error_code no_size, no_time;
+  FileStamp stamp;
+  stamp.size = fs::file_size(ToPath(path), no_size);
+  stamp.modified = fs::last_write_time(ToPath(path), no_time).time_since_epoch().count();
+  if (no_size || no_time) return std::nullopt;
+  return stamp;
+}
+
 std::optional<std::string> ReadWholeFile(std::string_view path) {
   if (!FileExists(path)) return std::nullopt;  // a folder opens on some systems
   File file(Open(ToPath(path), IDM_MODE("rb")));

@@ -1,6 +1,7 @@
 // Whole files, with paths in UTF-8 on every system. The one place of the core that touches the file system.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,6 +9,13 @@
 namespace base {
 
 bool FileExists(std::string_view path);  // a file of that path (not a folder)
+// Tells one state of a file from another without reading it.
+struct FileStamp {
+  std::uintmax_t size = 0;    // bytes
+  std::int64_t modified = 0;  // in the ticks of the system's file clock
+  bool operator==(const FileStamp&) const = default;
+};
+std::optional<FileStamp> StampOf(std::string_view path);  // none when there is no such file
 // The bytes, or none when it cannot be read.
 std::optional<std::string> ReadWholeFile(std::string_view path);
 // The same for at most the first `count` bytes.

@@ -19,8 +19,13 @@ void BarraDeProgreso::Poner(float porcentaje) {
   update();
 }
 
+void BarraDeProgreso::Reservar(int ancho) {
+  reservado_ = ancho;
+  update();
+}
+
 QRectF BarraDeProgreso::Lleno() const {
-  const QRectF dentro = QRectF(rect()).adjusted(1, 1, -1, -1);
+  const QRectF dentro = QRectF(rect()).adjusted(1, 1, -1 - reservado_, -1);
   return {dentro.topLeft(),
           QSizeF(dentro.width() * static_cast<double>(porcentaje_) / 100.0, dentro.height())};
 }

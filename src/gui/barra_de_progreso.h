@@ -10,6 +10,8 @@ class BarraDeProgreso final : public QWidget {
  public:
   explicit BarraDeProgreso(QWidget* padre);
   void Poner(float porcentaje);
+  // Leaves room for what stands on it at the right.
+  void Reservar(int ancho);
   // The part inside the border that is filled.
   QRectF Lleno() const;
 
@@ -18,6 +20,7 @@ class BarraDeProgreso final : public QWidget {
 
  private:
   float porcentaje_ = 0;
+  int reservado_ = 0;
   std::array<QColor, 3> colores_;
 };
 

@@ -1,7 +1,6 @@
 #include "gui/bomba.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
 
 namespace gui {
 
@@ -16,10 +15,6 @@ void Bomba::DoEvents() {
   desde_.start();
 }
 
-void Bomba::SoloPintar() {
-  if (!EsTiempo()) return;
-  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-  desde_.start();
-}
+void Bomba::Vaciar() { QCoreApplication::processEvents(); }
 
 }  // namespace gui

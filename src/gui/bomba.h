@@ -12,8 +12,8 @@ namespace gui {
 class Bomba final : public ports::EventPump {
  public:
   void DoEvents() override;
-  // Paints and keeps the desktop satisfied without letting the operator in: during an import.
-  void SoloPintar();
+  // All that waits, at once.
+  static void Vaciar();
 
  private:
   bool EsTiempo();

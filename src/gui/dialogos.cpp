@@ -5,8 +5,11 @@
 #include <QColorDialog>
 #include <QCoreApplication>
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QScrollArea>
 #include <algorithm>
 
 #include "gui/texto.h"
@@ -33,30 +36,65 @@ void Preparar(QMessageBox& caja, const std::string& texto) {
   Ensanchar(caja);
 }
 
-}  // namespace
-
-bool Dialogos::Show(const ports::Notice& aviso) {
-  QMessageBox caja(Padre());
+ports::Reply Mostrar(const ports::Notice& aviso, QWidget* padre, bool con_detener) {
+  QMessageBox caja(padre);
   Preparar(caja, aviso.text);
   if (aviso.icon == ports::Icon::None) caja.setIcon(QMessageBox::NoIcon);
   caja.setStandardButtons(QMessageBox::Ok);
   caja.button(QMessageBox::Ok)->setText(QStringLiteral("Aceptar"));
+  QPushButton* detener = nullptr;
+  if (con_detener) {
+    detener = caja.addButton(QStringLiteral("&Detener la carga"), QMessageBox::DestructiveRole);
+    caja.setDefaultButton(QMessageBox::Ok);
+    caja.setEscapeButton(QMessageBox::Ok);
+  }
   QCheckBox* callar = nullptr;
   if (aviso.offers_silence) {
     callar = new QCheckBox(QStringLiteral("No mostrar los siguientes avisos de esta carga"), &caja);
     caja.setCheckBox(callar);
   }
   caja.exec();
-  return callar != nullptr && callar->isChecked();
+  return {callar != nullptr && callar->isChecked(), detener != nullptr && caja.clickedButton() == detener};
 }
 
-bool Dialogos::Confirm(const std::string& texto) {
+// Under the question, with its own scroll bar when it is long: the buttons must stay on the screen.
+void AgregarDetalle(QMessageBox& caja, const std::string& detalle) {
+  auto* plano = qobject_cast<QGridLayout*>(caja.layout());
+  if (plano == nullptr) return;
+  constexpr int kAncho = 560, kAltoMaximo = 300;
+  auto* texto = new QLabel(De(detalle).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+  texto->setObjectName(QStringLiteral("lblDetalle"));
+  texto->setTextFormat(Qt::PlainText);
+  texto->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  texto->setWordWrap(true);
+  texto->setMargin(8);
+  auto* lugar = new QScrollArea(&caja);
+  lugar->setWidget(texto);
+  lugar->setWidgetResizable(true);
+  lugar->setFocusPolicy(Qt::NoFocus);
+  lugar->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  lugar->setMinimumSize(kAncho, std::min(texto->heightForWidth(kAncho - 24) + 4, kAltoMaximo));
+  // Beside the icon, where the box itself leaves a free row over its buttons.
+  plano->addWidget(lugar, 1, plano->columnCount() - 1);
+}
+
+}  // namespace
+
+bool Dialogos::Show(const ports::Notice& aviso) { return Mostrar(aviso, Padre(), false).silence; }
+
+ports::Reply Dialogos::ShowStoppable(const ports::Notice& aviso) { return Mostrar(aviso, Padre(), true); }
+
+bool Dialogos::Confirm(const std::string& texto) { return ConfirmWith(texto, {}); }
+
+bool Dialogos::ConfirmWith(const std::string& texto, const std::string& detalle) {
   QMessageBox caja(Padre());
   Preparar(caja, texto);
   caja.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-  caja.button(QMessageBox::Yes)->setText(QStringLiteral("Sí"));
-  caja.button(QMessageBox::No)->setText(QStringLiteral("No"));
+  caja.button(QMessageBox::Yes)->setText(QStringLiteral("&Sí"));
+  caja.button(QMessageBox::No)->setText(QStringLiteral("&No"));
+  caja.setDefaultButton(QMessageBox::No);
   caja.setEscapeButton(QMessageBox::No);
+  if (!detalle.empty()) AgregarDetalle(caja, detalle);
   return caja.exec() == QMessageBox::Yes;
 }
 

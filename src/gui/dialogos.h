@@ -14,7 +14,10 @@ class Dialogos final : public ports::Prompts, public ports::FilePicker {
   void PonerVentana(QWidget* ventana) { ventana_ = ventana; }
 
   bool Show(const ports::Notice& aviso) override;
+  ports::Reply ShowStoppable(const ports::Notice& aviso) override;
+  // Only "Sí" is yes; Enter alone is not.
   bool Confirm(const std::string& texto) override;
+  bool ConfirmWith(const std::string& texto, const std::string& detalle) override;
   std::string PickFile(const std::string& titulo, const std::string& filtro,
                        const std::string& inicial) override;
   std::int32_t PickColor(std::int32_t inicial) override;

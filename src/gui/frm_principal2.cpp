@@ -79,6 +79,8 @@ void FrmPrincipal2::Armar() {
   relaciones_.Crear(tema_, this);
   relaciones_.GridRelaciones->setModel(&modelo_relaciones_);
   relaciones_.GridRelaciones->PonerAnchos({{120, 90, 0}, {360, 160, 4}, {270, 120, 3}, {55, 55, 0}});
+  ArmarTarea();
+  ArmarBases();
   PonerOrdenDeTeclas();
 }
 
@@ -90,6 +92,7 @@ bool FrmPrincipal2::Iniciar(const QString& linea_de_comandos) {
 
 void FrmPrincipal2::Recordar(QSettings* ajustes) {
   ajustes_ = ajustes;
+  recientes_.Guardar(ajustes);
   if (ajustes_ != nullptr) RecordarTamano(*this, *ajustes_);
 }
 
@@ -114,7 +117,9 @@ void FrmPrincipal2::Activarse() {
 
 void FrmPrincipal2::changeEvent(QEvent* evento) {
   QWidget::changeEvent(evento);
-  if (evento->type() == QEvent::ActivationChange && isActiveWindow()) Activarse();
+  if (evento->type() != QEvent::ActivationChange || !isActiveWindow()) return;
+  Activarse();
+  if (!cerrada_) Sincronizar();  // the file may have been edited meanwhile
 }
 
 void FrmPrincipal2::showEvent(QShowEvent* evento) {

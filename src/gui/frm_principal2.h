@@ -8,6 +8,7 @@
 
 #include "app/programa.h"
 #include "gui/barra_de_vista.h"
+#include "gui/bases_recientes.h"
 #include "gui/bomba.h"
 #include "gui/cinta.h"
 #include "gui/columna.h"
@@ -18,9 +19,14 @@
 #include "gui/panel_relaciones.h"
 #include "gui/tema.h"
 
+class QMenu;
+class QRadioButton;
 class QSettings;
+class QToolButton;
 
 namespace gui {
+
+class Guardia;
 
 class FrmPrincipal2 final : public QWidget {
  public:
@@ -32,7 +38,8 @@ class FrmPrincipal2 final : public QWidget {
   // Start-up. False: the program is to end at once, without a window.
   bool Iniciar(const QString& linea_de_comandos);
   bool Cerrada() const { return cerrada_; }
-  // Takes its size from there, and leaves it there when it closes; null: of no other run.
+  // Takes its size from there, and leaves it there when it closes, with the bases opened last; null: of no
+  // other run.
   void Recordar(QSettings* ajustes);
   // The system wants the program to end: everything is saved without a box, and all event loops end.
   void Terminar();
@@ -53,6 +60,9 @@ class FrmPrincipal2 final : public QWidget {
   using Evento = std::function<void(app::Programa&)>;
 
   void Armar();
+  void ArmarTarea();
+  void ArmarBases();
+  void LlenarMenuDeBases();
   void PonerOrdenDeTeclas();
   void ConectarFranja();
   void ConectarColumna();
@@ -63,6 +73,8 @@ class FrmPrincipal2 final : public QWidget {
   void ConectarSesion();
   void ConectarTeclas();
   void ConectarVista();
+
+  void ConectarOpcion(QRadioButton* boton, const Evento& elegida);
 
   // An event of the operator: handed to the program, and what came of it drawn. Nothing while the window
   // itself sets its controls, and nothing once it is closed.
@@ -75,6 +87,10 @@ class FrmPrincipal2 final : public QWidget {
   void SincronizarColumna(const app::Estado& e);
   void PonerTotales(const app::Estado& e);
   void PonerOcupado(bool ocupado);
+  void PonerMotivoApagado();
+  void PonerEstado(const app::Estado& e);
+  int AltoDeEstado() const;
+  void VigilarTarea(app::Tarea tarea);
   void SincronizarFormato(const app::Estado& e);
   void SincronizarRelaciones(const app::Estado& e);
   void SincronizarPaneles(const app::Estado& e);
@@ -86,6 +102,7 @@ class FrmPrincipal2 final : public QWidget {
   void MostrarVista(const app::Estado& e);
   void OrdenarPor(int seccion);
   void AbrirAparte(bool mal_formadas);
+  void MarcarActualizar(const QString& diferencias);
   void OrdenarPrevia(const app::Estado& e);
   void MostrarOrden(const app::Estado& e);
   void PintarBarra();
@@ -114,10 +131,17 @@ class FrmPrincipal2 final : public QWidget {
   ModeloPrevia modelo_previa_;
   QTimer Timer1_;
   QSettings* ajustes_ = nullptr;  // of the desktop
-  app::Revisiones vistas_;        // of the state, as drawn
-  QWidget* foco_ = nullptr;       // whose focus waits for the end of a load or an import
+  QPushButton* cbCancelar_ = nullptr;
+  QToolButton* cbBases_ = nullptr;
+  QMenu* menuBases_ = nullptr;
+  Guardia* guardia_ = nullptr;
+  BasesRecientes recientes_;
+  QString ayuda_importar_;   // the tooltip of Importar while it can be pressed
+  QString motivo_apagado_;   // why it cannot, ""
+  app::Revisiones vistas_;   // of the state, as drawn
+  QWidget* foco_ = nullptr;  // whose focus waits for the end of a load or an import
   bool primera_vez_ = true, sincronizando_ = false, cerrada_ = false, activacion_en_cola_ = false,
-       cierre_en_cola_ = false, terminando_ = false;
+       cierre_en_cola_ = false, terminando_ = false, ocupado_ = false;
 };
 
 }  // namespace gui

@@ -13,8 +13,21 @@ namespace gui {
 namespace {
 
 constexpr int kEnter = 13;
+constexpr const char* kYaElegida = "ya_elegida";  // when the click began
 
 }  // namespace
+
+// A click on the option that is chosen already is one too, and toggles nothing.
+void FrmPrincipal2::ConectarOpcion(QRadioButton* boton, const Evento& elegida) {
+  connect(boton, &QRadioButton::pressed, boton,
+          [boton] { boton->setProperty(kYaElegida, boton->isChecked()); });
+  connect(boton, &QRadioButton::toggled, this, [this, elegida](bool puesto) {
+    if (puesto) Hacer(elegida);
+  });
+  connect(boton, &QRadioButton::clicked, this, [this, boton, elegida] {
+    if (boton->property(kYaElegida).toBool()) Hacer(elegida);
+  });
+}
 
 void FrmPrincipal2::ConectarFranja() {
   Franja& f = franja_;
@@ -34,9 +47,8 @@ void FrmPrincipal2::ConectarFranja() {
   connect(f.cmbAgrupa, &QComboBox::currentIndexChanged, this,
           [this](int i) { Hacer([i](app::Programa& p) { p.Archivo().cmbAgrupa_Click(i); }); });
   for (const int i : {0, 1})
-    connect(f.OptFiltro[static_cast<std::size_t>(i)], &QRadioButton::toggled, this, [this, i](bool puesto) {
-      if (puesto) Hacer([i](app::Programa& p) { p.Archivo().OptFiltro_Click(i); });
-    });
+    ConectarOpcion(f.OptFiltro[static_cast<std::size_t>(i)],
+                   [i](app::Programa& p) { p.Archivo().OptFiltro_Click(i); });
   connect(f.txtFiltro, &QLineEdit::textChanged, this,
           [this](const QString& t) { Hacer([&](app::Programa& p) { p.Archivo().txtFiltro_Change(A(t)); }); });
   connect(f.txtFiltro, &QLineEdit::returnPressed, this,
@@ -57,9 +69,8 @@ void FrmPrincipal2::ConectarColumna() {
 void FrmPrincipal2::ConectarFormato() {
   PanelFormato& f = formato_;
   for (const int i : {0, 1})
-    connect(f.optTipoArch[static_cast<std::size_t>(i)], &QRadioButton::toggled, this, [this, i](bool puesto) {
-      if (puesto) Hacer([i](app::Programa& p) { p.Formato().optTipoArch_Click(i); });
-    });
+    ConectarOpcion(f.optTipoArch[static_cast<std::size_t>(i)],
+                   [i](app::Programa& p) { p.Formato().optTipoArch_Click(i); });
   connect(f.txtSeparador, &QLineEdit::textChanged, this, [this](const QString& t) {
     Hacer([&](app::Programa& p) { p.Formato().txtSeparador_Change(A(t)); });
   });

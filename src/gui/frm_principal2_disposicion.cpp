@@ -70,7 +70,10 @@ void FrmPrincipal2::DisponerColumna() {
   // The bar covers that button while it shows.
   const int y_configurar = c.cbConfigurar[0]->y();
   c.Barra->setGeometry(Px(60), y_configurar - Px(30), ancho - Px(120), alto + 2 * Px(30));
-  const int alto_estado = c.lblEstado->fontMetrics().height() + 4;
+  const int ancho_cancelar = AnchoDe(cbCancelar_);
+  cbCancelar_->setGeometry(c.Barra->geometry().right() - ancho_cancelar - 2, y_configurar, ancho_cancelar,
+                           alto);
+  const int alto_estado = AltoDeEstado();
   c.lblEstado->setGeometry(margen, y_configurar - alto_estado - 6, ancho - 2 * margen, alto_estado);
   c.cabeza->setGeometry(0, 0, ancho, c.lblEstado->y() - 4);
 }

@@ -1,5 +1,4 @@
 #include <QCheckBox>
-#include <QFileInfo>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
@@ -8,7 +7,9 @@
 #include <algorithm>
 
 #include "base/number.h"
+#include "gui/estilo.h"
 #include "gui/frm_principal2.h"
+#include "gui/iconos.h"
 #include "gui/texto.h"
 
 namespace gui {
@@ -41,19 +42,11 @@ void Llenar(QComboBox* combo, const formula::ListControl& estado) {
     combo->addItem(De(item.texto), QVariant::fromValue<qlonglong>(item.dato));
 }
 
-QString EstadoDe(const app::Estado& e, const app::Barra& barra) {
-  if (e.tarea == app::Tarea::Ninguna) return QString();
-  const QString que = e.tarea == app::Tarea::Importacion
-                          ? QStringLiteral("Importando…")
-                          : QStringLiteral("Cargando %1…").arg(QFileInfo(De(e.txtRuta.text)).fileName());
-  if (!barra.Visible()) return que;
-  return que + QStringLiteral(" %1 %").arg(static_cast<int>(barra.Porcentaje()));
-}
-
 QString AvisoSinFilas(const app::Estado& e) {
   if (e.cargando) return QString();
   if (!e.motivo_base.empty()) return QStringLiteral("La base no está abierta.\n") + De(e.motivo_base);
   if (e.tarea == app::Tarea::Carga) return QStringLiteral("Cargando…");
+  if (e.lineas == 0 && e.procedencia.cargada) return QStringLiteral("El archivo está vacío.");
   if (e.lineas == 0) return QStringLiteral("Elija un archivo con Buscar…, o suéltelo sobre esta ventana.");
   return QStringLiteral("Ninguna línea del archivo quedó en la grilla: vea el filtro y las relaciones.");
 }
@@ -76,6 +69,7 @@ void FrmPrincipal2::Sincronizar() {
     vistas_ = e.revision;
     primera_vez_ = false;
   }
+  VigilarTarea(e.tarea);
   // Edits within the interval cause one refresh: a timer that runs is left running.
   if (!e.Timer1_enabled)
     Timer1_.stop();
@@ -108,10 +102,11 @@ void FrmPrincipal2::SincronizarColumna(const app::Estado& e) {
     c.LblEmpresa->setText(empresa);
     c.LblEmpresa->setToolTip(e.motivo_base.empty() ? empresa
                                                    : empresa + QLatin1Char('\n') + De(e.motivo_base));
+    if (programa_.Sesion().Abierta()) recientes_.Anotar(De(e.referencia));
   }
   for (std::size_t i = 0; i < 2; ++i) c.cbConfigurar[i]->setChecked(e.AreConf_visible[i]);
-  c.lblEstado->setText(EstadoDe(e, programa_.BarraDeProgreso()));
   PonerOcupado(e.tarea != app::Tarea::Ninguna);
+  PonerEstado(e);
   if (primera_vez_ || vistas_.filas != e.revision.filas || vistas_.relaciones != e.revision.relaciones)
     c.PonerCuentas(app::Contar(e), faltas_, e.revision.filas > 0);
   if (primera_vez_ || vistas_.filas != e.revision.filas) PonerTotales(e);
@@ -126,25 +121,6 @@ void FrmPrincipal2::PonerTotales(const app::Estado& e) {
     for (const liquidation::TotalConcepto& t : e.importacion.totales)
       totales.emplaceBack(De(app::NombreDeTotal(e, t)), De(base::NumberText(base::Round(t.cantidad, 6))));
   columna_.totales->Poner(totales);
-}
-
-// A second load or import is ignored: while one runs its buttons say so. The focus waits on the grid, since
-// Qt would hand it to the next button, and comes back.
-void FrmPrincipal2::PonerOcupado(bool ocupado) {
-  QPushButton* botones[] = {columna_.cbImportar, franja_.cbActualizar, franja_.cbBuscar};
-  if (botones[0]->isEnabled() != ocupado) return;
-  if (ocupado)
-    setCursor(Qt::BusyCursor);
-  else
-    unsetCursor();
-  if (ocupado) {
-    foco_ = nullptr;
-    for (QPushButton* boton : botones)
-      if (boton == focusWidget()) foco_ = boton;
-    if (foco_ != nullptr) GridAImportar_->setFocus();
-  }
-  for (QPushButton* boton : botones) boton->setEnabled(!ocupado);
-  if (!ocupado && foco_ != nullptr && focusWidget() == GridAImportar_) foco_->setFocus();
 }
 
 void FrmPrincipal2::SincronizarFormato(const app::Estado& e) {
@@ -234,15 +210,34 @@ void FrmPrincipal2::SincronizarGrillas(const app::Estado& e) {
 
 // Without a base the grid says so by itself.
 void FrmPrincipal2::SincronizarCinta(const app::Estado& e) {
-  QString texto;
-  if (programa_.Sesion().Abierta()) {
-    texto = De(programa_.MotivoParaNoImportar());
-    if (!texto.isEmpty())
-      texto += QStringLiteral("\nNo se importa nada hasta leerla de nuevo con Actualizar.");
-    else
-      texto = De(e.solo_lectura);
-  }
-  if (lblAviso_->Poner(texto)) Disponer();
+  QStringList textos;
+  const bool abierta = programa_.Sesion().Abierta();
+  const QString motivo = abierta ? De(programa_.MotivoParaNoImportar()) : QString();
+  const QString diferencias = De(app::TextoDeDiferencias(e));
+  if (!motivo.isEmpty())
+    textos << motivo << QStringLiteral("No se importa nada hasta leerla de nuevo con Actualizar.");
+  else if (!diferencias.isEmpty())
+    textos << diferencias + QStringLiteral(" Pulse Actualizar para leerlo con lo que dicen ahora.");
+  if (motivo.isEmpty() && e.causas.graves)
+    for (const std::string& causa : e.causas.causas) textos << De(causa) + QLatin1Char('.');
+  if (motivo.isEmpty() && abierta && !e.solo_lectura.empty()) textos << De(e.solo_lectura);
+  MarcarActualizar(diferencias);
+  if (lblAviso_->Poner(textos.join(QLatin1Char('\n')))) Disponer();
+}
+
+// The way out of a grid that is not that of the controls.
+void FrmPrincipal2::MarcarActualizar(const QString& diferencias) {
+  QPushButton* boton = franja_.cbActualizar;
+  boton->setToolTip(diferencias);
+  const bool marcado = !diferencias.isEmpty();
+  if (marcado == (boton->property(kPapel).toString() == QLatin1String(kPrimario))) return;
+  boton->setProperty(kPapel, marcado ? QVariant(QLatin1String(kPrimario)) : QVariant());
+  QPalette paleta = franja_.cbBuscar->palette();
+  if (marcado) paleta.setColor(QPalette::Active, QPalette::ButtonText, tema_.sobre_acento);
+  if (marcado) paleta.setColor(QPalette::Inactive, QPalette::ButtonText, tema_.sobre_acento);
+  boton->setPalette(paleta);
+  boton->setIcon(Icono(Dibujo::Actualizar, marcado ? tema_.sobre_acento : tema_.texto, tema_.apagado));
+  boton->update();
 }
 
 void FrmPrincipal2::OrdenarPrevia(const app::Estado& e) {
@@ -254,16 +249,6 @@ void FrmPrincipal2::OrdenarPrevia(const app::Estado& e) {
     const int desde = cabecera->visualIndex(campos[static_cast<std::size_t>(i)]);
     if (desde != i) cabecera->moveSection(desde, i);
   }
-}
-
-// During a load the event pump paints; an import lets nobody in, so it is painted from here.
-void FrmPrincipal2::PintarBarra() {
-  const app::Barra& barra = programa_.BarraDeProgreso();
-  columna_.Barra->Poner(barra.Porcentaje());
-  columna_.Barra->setVisible(barra.Visible());
-  if (barra.Visible()) columna_.Barra->raise();
-  columna_.lblEstado->setText(EstadoDe(programa_.Ver(), barra));
-  if (bomba_ != nullptr && programa_.Ver().tarea == app::Tarea::Importacion) bomba_->SoloPintar();
 }
 
 }  // namespace gui

@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcut>
+#include <QToolButton>
 
 #include "gui/frm_principal2.h"
 
@@ -38,6 +39,7 @@ void FrmPrincipal2::PonerOrdenDeTeclas() {
       f.chkCCDefEnDatExt,  f.chkImportarCuotas,  f.txtTextoTipoCuota};
   orden << QList<QWidget*>{r.cmbConceptos, r.chkVincAutConOrsa, r.txtTipo,      r.cmbAgrupaDef,
                            r.cbColor,      r.cbAgrQuit[0],      r.cbAgrQuit[1], r.GridRelaciones};
+  orden << cbBases_;
   for (const std::size_t i : {1, 6, 7, 2, 3, 4, 5}) orden << columna_.cuentas[i];
   orden << QList<QWidget*>{columna_.cbConfigurar[0], columna_.cbSalir, columna_.cbConfigurar[1],
                            columna_.cbImportar};

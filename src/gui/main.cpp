@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
   app::Arranque arranque;
   arranque.carpeta = app::CarpetaDeAjustes();
   arranque.version = IDM_VERSION;
+  arranque.proponer = true;
   app::Programa programa({dialogos, dialogos, reloj, &bomba}, arranque);
   gui::FrmPrincipal2 ventana(programa, tema, &bomba);
   dialogos.PonerVentana(&ventana);

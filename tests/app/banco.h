@@ -48,6 +48,15 @@ class Cajas final : public ports::Prompts, public ports::FilePicker {
     respuestas.pop_front();
     return si;
   }
+  ports::Reply ShowStoppable(const ports::Notice& aviso) override {
+    ++detenibles;
+    const bool callar = Show(aviso);
+    return {callar, detener};
+  }
+  bool ConfirmWith(const std::string& texto, const std::string& detalle) override {
+    detalles.push_back(detalle);
+    return Confirm(texto);
+  }
   std::string PickFile(const std::string& titulo, const std::string& filtro,
                        const std::string& inicial) override {
     dialogos.push_back(titulo + "|" + filtro + "|" + inicial);
@@ -55,7 +64,10 @@ class Cajas final : public ports::Prompts, public ports::FilePicker {
   }
   std::int32_t PickColor(std::int32_t inicial) override { return color < 0 ? inicial : color; }
 
-  bool aceptar_todo = false;  // boxes are of no interest
+  bool detener = false;  // the answer of boxes that offer to stop
+  int detenibles = 0;
+  std::vector<std::string> detalles;  // what stood under the questions
+  bool aceptar_todo = false;          // boxes are of no interest
   std::deque<std::string> esperadas;
   std::deque<bool> respuestas;
   std::vector<std::string> preguntas, dialogos, mostradas;
@@ -83,8 +95,14 @@ class Banco : public ::testing::Test {
   }
   app::Programa& Crear() {
     programa_ = std::make_unique<app::Programa>(app::Puertos{cajas_, cajas_, reloj_, &eventos_, conectar_},
-                                                app::Arranque{carpeta_.string(), "1.0.0", {}, {}, false});
+                                                Arranque());
     return *programa_;
+  }
+  app::Arranque Arranque() const {
+    app::Arranque arranque;
+    arranque.carpeta = carpeta_.string();
+    arranque.proponer = proponer_;
+    return arranque;
   }
   std::string Leer(const std::string& nombre) const {
     std::ifstream f(carpeta_ / nombre, std::ios::binary);
@@ -107,6 +125,7 @@ class Banco : public ::testing::Test {
   Cajas cajas_;
   Eventos eventos_;
   app::CarpetaDemo demo_;
+  bool proponer_ = false;
   decltype(app::Puertos::conectar) conectar_ = app::AbrirReferencia;
   std::unique_ptr<app::Programa> programa_;
 };

@@ -240,9 +240,8 @@ TEST_P(Fallos, ABulkUpdateThatFailsIsTold) {
             "Las cantidades quedaron importadas.\r\n" + p.Ver().importacion.actualizaciones_fallidas[0]);
 }
 
-// The same person and concept in two lines while summing is off: told before the question, in a box of its
-// own.
-TEST_P(Fallos, WhatMayNotBeMeantIsToldBeforeTheQuestion) {
+// The same person and concept in two lines while summing is off: told where the question is answered.
+TEST_P(Fallos, WhatMayNotBeMeantIsToldUnderTheQuestion) {
   app::Programa& p = Crear();
   Escribir("dos.txt", "007001;HE;8\r\n007001;HE;2,5");
   ASSERT_TRUE(p.IniciarCon(demo_.referencia, Ruta("dos.txt")));
@@ -251,12 +250,10 @@ TEST_P(Fallos, WhatMayNotBeMeantIsToldBeforeTheQuestion) {
   p.Activate();
   const std::vector<std::string> avisos = p.Importador().Avisos();
   ASSERT_EQ(avisos.size(), 1U);
-  cajas_.esperadas = {avisos[0]};
   cajas_.respuestas = {false};
-  cajas_.al_preguntar = [&] { EXPECT_TRUE(cajas_.esperadas.empty()) << "the question came first"; };
   p.Importador().cbImportar_Click(1);
-  EXPECT_EQ(cajas_.preguntas.size(), 1U);
-  cajas_.al_preguntar = nullptr;
+  ASSERT_EQ(cajas_.detalles.size(), 1U);
+  EXPECT_NE(cajas_.detalles[0].find("Avisos:\r\n• " + avisos[0]), std::string::npos) << cajas_.detalles[0];
 }
 
 INSTANTIATE_TEST_SUITE_P(Motores, Fallos, ::testing::Values(demo::Motor::Mdb, demo::Motor::Sqlite),

@@ -24,7 +24,7 @@ TEST_F(Avisos, NothingToSayTakesNoRoom) {
   Abrir();
   EXPECT_EQ(Cinta(), "");
   const QRect franja = Hallar<QWidget>("franja")->geometry();
-  EXPECT_EQ(Hallar<QWidget>("GridAImportar")->y(), franja.y() + franja.height() + gui::Px(180));
+  EXPECT_EQ(Hallar<QWidget>("barra_de_vista")->y(), franja.y() + franja.height() + gui::Px(180));
 }
 
 TEST_F(Avisos, ABaseThatAnotherProgramHasSaysSo) {
@@ -36,10 +36,15 @@ TEST_F(Avisos, ABaseThatAnotherProgramHasSaysSo) {
   EXPECT_EQ(Cinta(), programa_->Ver().solo_lectura);
   EXPECT_NE(Cinta(), "");
   EXPECT_EQ(gui::A(Hallar<QLabel>("LblEmpresa")->text()), "Empresa: " + demo_.referencia);
+  EXPECT_FALSE(Hallar<QPushButton>("cbImportar")->isEnabled());
+  EXPECT_EQ(gui::A(Hallar<QLabel>("lblEstado")->text()), programa_->Ver().solo_lectura);
   otro.reset();
+  Pulsar("cbActualizar");
+  EXPECT_EQ(Cinta(), "");
+  EXPECT_TRUE(Hallar<QPushButton>("cbImportar")->isEnabled());
   cajas_.respuestas = {true};
   Pulsar("cbImportar");
-  EXPECT_EQ(Cinta(), "");
+  EXPECT_GT(programa_->Ver().importacion.importadas, 0U);
 }
 
 TEST_F(Avisos, ABaseThatFailedSaysWhatToDo) {

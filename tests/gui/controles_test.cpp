@@ -25,9 +25,12 @@ struct Fila {
 };
 
 constexpr const char* kAyudaImportar = "Importar los datos Cargados en la grilla";
+// It rests while nothing is loaded, and says so.
+constexpr const char* kAyudaSinLineas =
+    "Importar los datos Cargados en la grilla\nNo hay ninguna línea cargada.";
 constexpr Fila kControles[] = {
     {"Area1", "QWidget", nullptr, ""},
-    {"cbImportar", "QPushButton", nullptr, kAyudaImportar},
+    {"cbImportar", "QPushButton", nullptr, kAyudaSinLineas},
     {"cbConfigurar_0", "QPushButton", nullptr, kAyudaImportar},
     {"cbConfigurar_1", "QPushButton", nullptr, kAyudaImportar},
     {"AreConf_0", "QFrame", nullptr, ""},

@@ -69,18 +69,69 @@ TEST(Dialogos, AQuestion) {
   AlAbrirse<QMessageBox>([](QMessageBox& caja) {
     EXPECT_EQ(caja.text(), QStringLiteral("¿Confirma importar los datos?"));
     EXPECT_EQ(caja.icon(), QMessageBox::Warning);
-    EXPECT_EQ(caja.button(QMessageBox::Yes)->text(), QStringLiteral("Sí"));
-    EXPECT_EQ(caja.button(QMessageBox::No)->text(), QStringLiteral("No"));
+    EXPECT_EQ(caja.button(QMessageBox::Yes)->text(), QStringLiteral("&Sí"));
+    EXPECT_EQ(caja.button(QMessageBox::No)->text(), QStringLiteral("&No"));
+    EXPECT_EQ(caja.defaultButton(), caja.button(QMessageBox::No));
     caja.button(QMessageBox::Yes)->click();
   });
   EXPECT_TRUE(dialogos.Confirm("¿Confirma importar los datos?"));
   AlAbrirse<QMessageBox>([](QMessageBox& caja) { caja.button(QMessageBox::No)->click(); });
   EXPECT_FALSE(dialogos.Confirm("x"));
-  // Anything but Yes is No.
+  // Anything but Yes is No, and Enter is no yes.
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) { QTest::keyClick(&caja, Qt::Key_Return); });
+  EXPECT_FALSE(dialogos.Confirm("x"));
+  AlAbrirse<QMessageBox>([](QMessageBox& caja) { QTest::keyClick(&caja, Qt::Key_S, Qt::AltModifier); });
+  EXPECT_TRUE(dialogos.Confirm("x"));
   AlAbrirse<QMessageBox>([](QMessageBox& caja) { QTest::keyClick(&caja, Qt::Key_Escape); });
   EXPECT_FALSE(dialogos.Confirm("x"));
   AlAbrirse<QMessageBox>([](QMessageBox& caja) { caja.close(); });
   EXPECT_FALSE(dialogos.Confirm("x"));
+}
+
+// Also where the summary is longer than the screen.
+TEST(Dialogos, WhatTheQuestionIsAboutStandsUnderItAndTheButtonsStayInSight) {
+  gui::Dialogos dialogos;
+  std::string largo = "Archivo: <b>horas</b>.txt";
+  for (int i = 0; i < 200; ++i) largo += "\r\n• línea " + std::to_string(i);
+  for (const std::string& detalle : {std::string("Archivo: x.txt\r\n3 líneas"), largo}) {
+    AlAbrirse<QMessageBox>([&](QMessageBox& caja) {
+      EXPECT_EQ(caja.text(), QStringLiteral("¿Confirma?"));
+      const auto* etiqueta = caja.findChild<QLabel*>(QStringLiteral("lblDetalle"));
+      ASSERT_NE(etiqueta, nullptr);
+      EXPECT_EQ(gui::A(etiqueta->text()), base::Replace(detalle, "\r\n", "\n"));
+      EXPECT_EQ(etiqueta->textFormat(), Qt::PlainText);
+      const QWidget* pregunta = caja.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+      const auto arriba = [&](const QWidget* w) { return w->mapTo(&caja, QPoint(0, 0)).y(); };
+      EXPECT_GE(arriba(etiqueta->parentWidget()), arriba(pregunta) + pregunta->height());
+      EXPECT_LE(arriba(etiqueta->parentWidget()) + etiqueta->parentWidget()->height(),
+                arriba(caja.button(QMessageBox::Yes)));
+      EXPECT_LT(caja.height(), 560);
+      caja.button(QMessageBox::Yes)->click();
+    });
+    EXPECT_TRUE(dialogos.ConfirmWith("¿Confirma?", detalle));
+  }
+}
+
+TEST(Dialogos, ABoxOfALoadOffersToStopIt) {
+  gui::Dialogos dialogos;
+  const auto aviso = [] {
+    return ports::Notice{"Formato incorrecto en la linea 2", ports::Icon::Exclamation, true};
+  };
+  const auto detener = [](QMessageBox& caja) -> QAbstractButton* {
+    for (QAbstractButton* boton : caja.buttons())
+      if (boton->text() == QStringLiteral("&Detener la carga")) return boton;
+    return nullptr;
+  };
+  AlAbrirse<QMessageBox>([&](QMessageBox& caja) {
+    ASSERT_NE(detener(caja), nullptr);
+    EXPECT_EQ(caja.defaultButton(), caja.button(QMessageBox::Ok));
+    detener(caja)->click();
+  });
+  EXPECT_TRUE(dialogos.ShowStoppable(aviso()).stop);
+  for (const Qt::Key tecla : {Qt::Key_Return, Qt::Key_Escape}) {
+    AlAbrirse<QMessageBox>([&](QMessageBox& caja) { QTest::keyClick(&caja, tecla); });
+    EXPECT_FALSE(dialogos.ShowStoppable(aviso()).stop);
+  }
 }
 
 TEST(Dialogos, TheOpenDialogHasItsTitleAndFilter) {

@@ -83,7 +83,11 @@ TEST_F(Importar, WhileItRunsTheWindowSaysSo) {
   };
   Pulsar("cbImportar");
   ASSERT_GT(vistos.size(), 10U);
-  EXPECT_EQ(vistos.front().substr(0, 14), "Importando… ");
+  EXPECT_EQ(vistos.front(), "Leyendo lo que hay en el mes…");
+  EXPECT_TRUE(std::any_of(vistos.begin(), vistos.end(), [](const std::string& v) {
+    return v.starts_with("Importando… 5") && v.ends_with(" %");
+  }));
+  EXPECT_NE(std::find(vistos.begin(), vistos.end(), "Guardando…"), vistos.end());
   EXPECT_TRUE(dentro);
   EXPECT_EQ(cajas_.preguntas.size(), 1U);
   EXPECT_TRUE(Hallar<QPushButton>("cbImportar")->isEnabled());
