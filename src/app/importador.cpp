@@ -80,6 +80,7 @@ liquidation::ResumenDeImportacion Importador::Resumen() {
   resumen.archivo = e_.txtRuta.text;
   resumen.avisos = Avisos();
   for (std::string& aviso : Verosimilitud()) resumen.avisos.push_back(std::move(aviso));
+  if (importado_antes) resumen.importado_antes = importado_antes();
   return resumen;
 }
 

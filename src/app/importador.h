@@ -1,6 +1,7 @@
 // The import of the loaded lines: what is told and asked before, the run, and what is told after.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,8 @@ class Importador {
   // Why the button rests, in Spanish: no base, no company, a base that may only be read, no row. "": it can
   // be pressed.
   std::string MotivoApagado() const;
+  // The earlier runs that brought the file into the month, one text each; asked for the summary.
+  std::function<std::vector<std::string>()> importado_antes;
   // What would be written and may not be meant, one text a kind.
   std::vector<std::string> Avisos();
   // Why that line of the grid's file ends as it does, one step a text; empty when the file has no such line.

@@ -20,6 +20,14 @@ Programa::Programa(const Puertos& puertos, Arranque arranque)
       cambio_de_base_(c_, {lecturas_, tareas_, lineas_, cierre_, base_}),
       primer_uso_(c_, {base_, formato_, opciones_}),
       inicio_(c_, {base_, lecturas_, archivo_, formato_, opciones_}) {
+  importador_.importado_antes = [this] {
+    std::vector<std::string> textos;
+    std::string motivo;
+    for (const corridas::ImportadaAntes& repetida : historial_.YaImportado(motivo))
+      textos.push_back(corridas::TextoDe(repetida));
+    if (!motivo.empty()) textos.push_back(std::move(motivo));
+    return textos;
+  };
   lineas_.antes_de_leer = [this] { primer_uso_.Mirar(); };
 }
 

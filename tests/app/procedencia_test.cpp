@@ -155,6 +155,19 @@ TEST_P(Procedencia, AGridThatIsNotThatOfTheControlsIsNotImported) {
   EXPECT_NE(Datos(), antes);
 }
 
+// Under the question, whatever the file is called by now.
+TEST_P(Procedencia, AFileThatWasImportedBeforeIsToldUnderTheQuestion) {
+  cajas_.respuestas = {true, false};
+  P().Importador().cbImportar_Click(1);
+  std::filesystem::copy_file(Ruta("pocas.txt"), Ruta("renombrada.txt"));
+  P().Archivo().txtRuta_Change(Ruta("renombrada.txt"));
+  P().Archivo().cbActualizar_Click();
+  P().Importador().cbImportar_Click(1);
+  ASSERT_EQ(cajas_.detalles.size(), 2U);
+  EXPECT_EQ(cajas_.detalles[0].find("Importado antes:"), std::string::npos) << cajas_.detalles[0];
+  EXPECT_NE(cajas_.detalles[1].find("Importado antes:\r\n• "), std::string::npos) << cajas_.detalles[1];
+}
+
 TEST_P(Procedencia, BeforeTheFirstLoadOnlyThePathIsSomethingToShow) {
   ASSERT_TRUE(Crear().IniciarCon(demo_.referencia, ""));
   P().Activate();
