@@ -1,7 +1,7 @@
 #include "app/verificar.h"
 
 #include "base/file.h"
-#include "mdb/pages/page_file.h"
+#include "mdb/pages/disk_pages.h"
 
 namespace app {
 

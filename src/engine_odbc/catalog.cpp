@@ -1,7 +1,7 @@
 #include "engine_odbc/catalog_internal.h"
 
 #include "base/text.h"
-#include "engine_odbc/rows_internal.h"
+#include "engine_odbc/reader_internal.h"
 
 namespace engine_odbc {
 namespace {

@@ -5,9 +5,9 @@
 #include <unordered_set>
 #include <vector>
 
-#include "engine_odbc/bounded_internal.h"
 #include "engine_odbc/catalog_internal.h"
 #include "engine_odbc/odbc_connection.h"
+#include "engine_odbc/statement_limits_internal.h"
 #include "jetsql/ast.h"
 
 namespace engine_odbc {

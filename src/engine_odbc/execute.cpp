@@ -4,8 +4,8 @@
 #include "base/text.h"
 #include "engine_odbc/connection_internal.h"
 #include "engine_odbc/qualifiers_internal.h"
+#include "engine_odbc/reader_internal.h"
 #include "engine_odbc/reading_internal.h"
-#include "engine_odbc/rows_internal.h"
 #include "jetsql/parser.h"
 #include "jetsql/statement_kind.h"
 

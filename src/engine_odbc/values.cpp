@@ -6,7 +6,7 @@
 
 #include "base/number.h"
 #include "base/text.h"
-#include "engine_odbc/rows_internal.h"
+#include "engine_odbc/reader_internal.h"
 
 namespace engine_odbc {
 namespace {

@@ -6,7 +6,7 @@
 #include "banco.h"
 #include "base/file.h"
 #include "engine_mdb/connection_internal.h"
-#include "mdb/pages/page_file.h"
+#include "mdb/pages/disk_pages.h"
 #include "mdb/simulated_disk.h"
 #include "mdb/verify/verify.h"
 

@@ -10,7 +10,7 @@
 
 #include "base/file.h"
 #include "engine_mdb/mdb_connection.h"
-#include "mdb/pages/page_file.h"
+#include "mdb/pages/disk_pages.h"
 #include "mdb/schema/database.h"
 #include "mdb/verify/verify.h"
 #include "render.h"

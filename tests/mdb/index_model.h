@@ -10,7 +10,7 @@
 
 #include "mdb/indexes/index_page.h"
 #include "mdb/indexes/index_tree.h"
-#include "mdb/pages/pages.h"
+#include "mdb/pages/page_file.h"
 
 namespace mdb_test {
 

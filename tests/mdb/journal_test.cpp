@@ -6,8 +6,8 @@
 #include <functional>
 
 #include "mdb/bare_file.h"
+#include "mdb/pages/disk_pages.h"
 #include "mdb/pages/lock.h"
-#include "mdb/pages/page_file.h"
 #include "mdb/simulated_disk.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "mdb/bare_file.h"
-#include "mdb/pages/page_file.h"
+#include "mdb/pages/disk_pages.h"
 #include "mdb/simulated_disk.h"
 #include "support/temp_folder.h"
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "mdb/assembler/assembler.h"
-#include "mdb/pages/pages.h"
+#include "mdb/pages/page_file.h"
 
 namespace mdb_test {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "mdb/pages/pages.h"
+#include "mdb/pages/page_file.h"
 
 namespace mdb {
 

@@ -7,7 +7,7 @@
 #include <compare>
 #include <vector>
 
-#include "mdb/pages/pages.h"
+#include "mdb/pages/page_file.h"
 
 namespace mdb {
 

@@ -1,7 +1,7 @@
 // The slots of a data page (type 1): rows, long values, page maps.
 #pragma once
 
-#include "mdb/pages/pages.h"
+#include "mdb/pages/page_file.h"
 
 namespace mdb::internal {
 

@@ -1,89 +1,102 @@
-// The pages of a file on disk.
+// The pages of a file and the changes that wait for their commit.
 //
-// One program writes, any number read. Who opens for writing has the writer's lock until it closes; a second
-// one that asks for it gets the file for reading only. A program that reads need not close for another to
-// write: each reading of pages and each commit take the commit lock (see lock.h), so that no reader sees half
-// a commit. A reader goes on seeing the file as it was when opened, or nothing: once another program has
-// committed, reading a page not read before throws FileChanged, and the file must be opened anew. That is
-// told by the file's date, which a commit always raises, and its length.
-//
-// A commit writes the journal (journal.h), the changed pages, and removes the journal, each synced before the
-// next: a program killed anywhere leaves the file as before or, after the next opening, as before or as
-// after. A disk that fails in between is answered by putting the old pages back at once; when that fails too,
-// the journal stays for the next opening and nothing more is read from this one. A file in which nothing is
-// written keeps its bytes and its date.
+// Changes stay in memory until Commit, which writes all of them or none; Rollback drops them. An image
+// handed out by Read never changes: a page that is modified while somebody holds its image is copied first.
 #pragma once
 
+#include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <unordered_map>
 
-#include "base/disk_file.h"
-#include "mdb/pages/journal.h"
-#include "mdb/pages/pages.h"
+#include "mdb/pages/header.h"
 
 namespace mdb {
 
-// Another program changed the file since it was opened.
-class FileChanged : public base::StorageFault {
- public:
-  FileChanged() : base::StorageFault("Otro programa cambió la base desde que se abrió: ábrala de nuevo") {}
+using Image = std::shared_ptr<const Bytes>;
+
+// Why nothing may be written into a file.
+enum class ReadOnlyCause : std::uint8_t {
+  None,
+  Asked,       // it was opened for reading
+  Format,      // of a kind that is only read
+  Incomplete,  // the end of the file is missing
+  InUse,       // by a program that does not say who it is
+  Denied,      // the system, or a program that says who it is, does not let us
+  Broken       // a commit failed half-way
 };
 
-class DiskPages final : public PageFile {
+class PageFile {
  public:
-  // Rolls back what a cut commit left. When the file cannot be written it opens for reading:
-  // ReadOnlyReason says why. Throws base::Error: no such file, another kind of file, a journal that is not
-  // of this file.
-  static std::unique_ptr<DiskPages> Open(std::string_view path, bool read_only = false,
-                                         std::shared_ptr<base::Disk> disk = nullptr);
+  explicit PageFile(FileHeader header, PageNumber count)
+      : header_(std::move(header)), stored_(count), count_(count) {}
+  PageFile(const PageFile&) = delete;
+  PageFile& operator=(const PageFile&) = delete;
+  virtual ~PageFile() = default;
 
-  bool ChangedOutside() const override;
+  const FileHeader& Header() const { return header_; }
+  std::size_t PageSize() const { return header_.page_size; }
+  PageNumber Count() const { return count_; }  // with the pages added since the last commit
+
+  // The page as it is now, plain. Throws Damage for a number beyond the end, base::Error when the disk fails.
+  Image Read(PageNumber number);
+  // The page to write in. The reference holds until the next Modify of the same page, Save, RollbackTo,
+  // Commit or Rollback. Throws base::Error when the file is open for reading only.
+  Bytes& Modify(PageNumber number);
+  // A new page at the end, all zeros; the caller enters it in the page maps (see page_map.h). Throws
+  // base::Error at the format's greatest size.
+  PageNumber Add();
+
+  // Why nothing may be written; empty when it may.
+  const std::string& ReadOnlyReason() const { return reason_; }
+  ReadOnlyCause WhyReadOnly() const { return cause_; }
+  bool HasChanges() const { return !changed_.empty(); }
+  // Whether another program has committed into a file that is only read since it was opened, or has put
+  // another file in its place: what was read from it is then of the past, and more may not be had.
+  virtual bool ChangedOutside() const { return false; }
+
+  // Writes all changes, or none (then throws base::Error with the reason and the changes are dropped).
+  void Commit();
+  void Rollback();
+
+  // A point inside a transaction to come back to.
+  struct Savepoint {
+    std::unordered_map<PageNumber, std::shared_ptr<Bytes>> changed;
+    PageNumber count = 0;
+  };
+  Savepoint Save() const { return {changed_, count_}; }
+  void RollbackTo(Savepoint point);
+
+ protected:
+  using ChangedPages = std::unordered_map<PageNumber, std::shared_ptr<Bytes>>;
+  // The stored page, decrypted.
+  virtual Bytes Fetch(PageNumber number) = 0;
+  // Writes the pages (plain bytes) and makes the file `count` pages long, all or nothing; throws
+  // base::Error. `before` is the length in pages at the last commit.
+  virtual void Flush(const ChangedPages& changed, PageNumber before, PageNumber count) = 0;
+  void SetReadOnly(ReadOnlyCause cause, std::string reason) {
+    cause_ = cause;
+    reason_ = std::move(reason);
+  }
 
  private:
-  friend class Opening;
-  struct Opened {
-    std::shared_ptr<base::Disk> disk;
-    std::string path;
-    std::unique_ptr<base::OpenFile> file;
-    ReadOnlyCause cause = ReadOnlyCause::None;
-    std::string reason;     // empty: open for writing
-    bool has_locks = true;  // the disk has locks
-    std::optional<JournalReader>
-        overlay;            // a cut commit that could not be rolled back on disk: its pages count
-    std::int64_t date = 0;  // of the file, when opened or at the last own commit
-    std::uint64_t length = 0;
-  };
-  DiskPages(FileHeader header, PageNumber count, Opened opened);
+  FileHeader header_;
+  ReadOnlyCause cause_ = ReadOnlyCause::None;
+  std::string reason_;
+  ChangedPages changed_;
+  std::unordered_map<PageNumber, Image> clean_;
+  PageNumber stored_, count_;
+};
+
+// A file in memory, for tests and for building a new file before it is written.
+class MemoryPages final : public PageFile {
+ public:
+  MemoryPages(FileHeader header, Bytes bytes);
+  const Bytes& Stored() const { return bytes_; }  // as stored, since the last commit
+
+ private:
   Bytes Fetch(PageNumber number) override;
   void Flush(const ChangedPages& changed, PageNumber before, PageNumber count) override;
-
-  struct Change {
-    PageNumber number;
-    const Bytes* plain;
-    Bytes before;  // as stored; empty for a page that is new
-  };
-  Bytes Stored(const Change& change) const;
-  std::vector<Change> Collect(const ChangedPages& changed, PageNumber before);
-  JournalData MakeJournalData(const std::vector<Change>& changes, PageNumber before, PageNumber count);
-  JournalWriter WriteJournal(const std::vector<Change>& changes, const JournalData& data);
-  void WritePages(const std::vector<Change>& changes, PageNumber count);
-  [[noreturn]] void RollBackAndThrow(const std::vector<Change>& changes, PageNumber before,
-                                     JournalWriter& journal, const std::string& reason);
-  void DateCommit();
-  bool StateChanged() const;
-  void Check();
-  void ReadRun(PageNumber first, PageNumber count);
-  void ApplyOverlay(PageNumber first, PageNumber count);
-  PageNumber PagesOnDisk() const;
-
-  Opened opened_;
-  std::string broken_;  // why nothing more is read
-  // The pages last read from the disk, as stored: whoever reads a table reads on.
-  PageNumber run_start_ = 0, run_count_ = 0;
-  Bytes run_;
+  Bytes bytes_;
 };
 
 }  // namespace mdb

@@ -8,7 +8,7 @@
 // The views given must not lie in the page that is changed.
 #pragma once
 
-#include "mdb/pages/pages.h"
+#include "mdb/pages/page_file.h"
 
 namespace mdb {
 

@@ -1,5 +1,5 @@
 #include "base/file.h"
-#include "mdb/pages/page_file.h"
+#include "mdb/pages/disk_pages.h"
 #include "mdb/schema/database.h"
 #include "mdb/schema/new_file.h"
 

@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "mdb/bare_file.h"
-#include "mdb/pages/page_file.h"
+#include "mdb/pages/disk_pages.h"
 #include "support/temp_folder.h"
 
 namespace {

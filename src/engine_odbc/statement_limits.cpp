@@ -1,4 +1,4 @@
-#include "engine_odbc/bounded_internal.h"
+#include "engine_odbc/statement_limits_internal.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Opening a file: who may write, what a cut commit left, what kind of file it is.
 #include "base/file.h"
+#include "mdb/pages/disk_pages.h"
 #include "mdb/pages/lock.h"
-#include "mdb/pages/page_file.h"
 
 namespace mdb {
 

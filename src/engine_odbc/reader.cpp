@@ -1,4 +1,4 @@
-#include "engine_odbc/rows_internal.h"
+#include "engine_odbc/reader_internal.h"
 
 #include <algorithm>
 #include <cstring>

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "db/recordset.h"
-#include "engine_odbc/bounded_internal.h"
 #include "engine_odbc/odbc_internal.h"
+#include "engine_odbc/statement_limits_internal.h"
 
 namespace engine_odbc {
 
