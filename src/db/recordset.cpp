@@ -44,7 +44,7 @@ const base::Value& Recordset::Field(std::size_t field) const {
 
 const base::Value& Recordset::Field(std::string_view name) const {
   const int position = PositionOf(name);
-  if (position < 0) throw Error("No existe el campo \"" + std::string(name) + "\" en el resultado");
+  if (position < 0) throw Error("No existe el campo '" + std::string(name) + "' en el resultado");
   return Field(static_cast<std::size_t>(position));
 }
 

@@ -123,7 +123,7 @@ class Tree {
     const std::string sought = WithoutBrackets(name.value_or(""));
     for (std::size_t i = 0; i < names_.size(); ++i)
       if (base::EqualIgnoringCase(names_[i], sought)) return i;
-    throw base::Error("La consulta une \"" + sought + "\", que no está entre sus tablas");
+    throw base::Error("La consulta une '" + sought + "', que no está entre sus tablas");
   }
 
   std::size_t Group(std::size_t source) const {

@@ -13,8 +13,8 @@ namespace {
 constexpr const char* kQueriesOnly = "La sentencia no es de consulta: aquí solo se puede leer.";
 
 [[noreturn]] void ThrowMark(std::string_view mark) {
-  throw db::Error("La sentencia tiene \"" + std::string(mark) +
-                  "\", que otras bases entienden de otra manera: aquí solo se puede leer.");
+  throw db::Error("La sentencia tiene '" + std::string(mark) +
+                  "', que otras bases entienden de otra manera: aquí solo se puede leer.");
 }
 
 void Visit(const jetsql::Query& c);

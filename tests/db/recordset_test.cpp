@@ -45,7 +45,7 @@ TEST(Recordset, AnUnknownColumnIsAnErrorThatNamesIt) {
     r.Field("Falta");
     FAIL() << "no error";
   } catch (const db::Error& e) {
-    EXPECT_EQ(e.Description(), "No existe el campo \"Falta\" en el resultado");
+    EXPECT_EQ(e.Description(), "No existe el campo 'Falta' en el resultado");
   }
 }
 

@@ -37,7 +37,7 @@ TEST_F(Refusals, AtTheStatementAndNotAtTheCommit) {
   RunSql("INSERT INTO t (k, x) VALUES (2, 'a" + nul + "bc')");
   FailsAlone(
       "INSERT INTO t (k, i) VALUES (3, 'a漢')",
-      "El texto «a漢» de la columna «i», que está en un índice, tiene el carácter «漢», cuyo lugar en el "
+      "El texto 'a漢' de la columna 'i', que está en un índice, tiene el carácter '漢', cuyo lugar en el "
       "orden de Access no se conoce");
   RunSql("INSERT INTO t (k, i) VALUES (3, 'Ñandú’')");
   const std::string date = "La fecha del campo d de la tabla t está fuera de los años 100 a 9999.";

@@ -59,15 +59,12 @@ TEST_F(ReadOnly, NorFunctionsThatAreNotOfTheDialect) {
 
 // Where another dialect ends a text or starts a comment, the rest would be a statement of its own.
 TEST_F(ReadOnly, NorMarksThatOthersReadOtherwise) {
-  EXPECT_EQ(
-      Query("Select 1 --'\n;Delete From t --'"),
-      "! La sentencia tiene \"--\", que otras bases entienden de otra manera: aquí solo se puede leer.");
-  EXPECT_EQ(
-      Query("Select 'a\\', ';Delete From t; '"),
-      "! La sentencia tiene \"\\'\", que otras bases entienden de otra manera: aquí solo se puede leer.");
-  EXPECT_EQ(
-      Query("Select [a/*b]"),
-      "! La sentencia tiene \"/*\", que otras bases entienden de otra manera: aquí solo se puede leer.");
+  EXPECT_EQ(Query("Select 1 --'\n;Delete From t --'"),
+            "! La sentencia tiene '--', que otras bases entienden de otra manera: aquí solo se puede leer.");
+  EXPECT_EQ(Query("Select 'a\\', ';Delete From t; '"),
+            "! La sentencia tiene '\\'', que otras bases entienden de otra manera: aquí solo se puede leer.");
+  EXPECT_EQ(Query("Select [a/*b]"),
+            "! La sentencia tiene '/*', que otras bases entienden de otra manera: aquí solo se puede leer.");
 }
 
 TEST_F(ReadOnly, NorDoesAReadOnlyBaseExecute) {

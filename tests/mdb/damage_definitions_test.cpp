@@ -98,7 +98,7 @@ std::vector<PlantedDamage> DefinitionDamages() {
          o.P(p)[0] = 1;
          return p;
        },
-       "tabla «Table3»: no es una definición de tabla"},
+       "tabla 'Table3': no es una definición de tabla"},
       {"a definition that comes back", kTwoPages,
        [](Workpiece& o) {
          const auto d = o.Def("Larga");
@@ -112,14 +112,14 @@ std::vector<PlantedDamage> DefinitionDamages() {
          mdb::Put32(o.P(d.pages[1]), 4, 5000000);
          return PageNumber{5000000};
        },
-       "tabla «Larga»"},
+       "tabla 'Larga'"},
       {"a definition with a column of no end", kIndices,
        [](Workpiece& o) {
          const auto d = o.Def("Table3");
          mdb::Put16(o.P(d.Page()), 45, 200);
          return d.Page();
        },
-       "tabla «Table3»"},
+       "tabla 'Table3'"},
       {"an index over a column that is not there", kIndices,
        [](Workpiece& o) {
          const auto d = o.Def("Table1");
@@ -161,7 +161,7 @@ std::vector<PlantedDamage> CatalogDamages() {
          mdb::Put32(o.P(c.page), c.pos, 123456);
          return c.page;
        },
-       "la tabla «Table3» dice tener su definición en la página 123456"},
+       "la tabla 'Table3' dice tener su definición en la página 123456"},
       {"a table whose definition is a page of data", kIndices,
        [object](Workpiece& o) {
          const auto c = object(o, "Table3", "Id");
@@ -169,7 +169,7 @@ std::vector<PlantedDamage> CatalogDamages() {
          mdb::Put32(o.P(c.page), c.pos, p);
          return p;
        },
-       "tabla «Table3»: no es una definición de tabla"},
+       "tabla 'Table3': no es una definición de tabla"},
       {"two objects of one identity", kIndices,
        [object](Workpiece& o) {
          const auto c = object(o, "Table3", "Id");
@@ -184,7 +184,7 @@ std::vector<PlantedDamage> CatalogDamages() {
          mdb::PutBytes(o.P(b.page), b.pos, mdb::Slice(*image, a.pos, a.length));
          return b.page;
        },
-       "hay dos objetos con el nombre «Table2»"},
+       "hay dos objetos con el nombre 'Table2'"},
       {"a system table that the catalog lost", kIndices,
        [object](Workpiece& o) {
          const auto c = object(o, "MSysACEs", "Type");
@@ -197,7 +197,7 @@ std::vector<PlantedDamage> CatalogDamages() {
          o.P(2)[0] = 0;
          return PageNumber{2};
        },
-       "tabla «MSysObjects»: no es una definición de tabla"},
+       "tabla 'MSysObjects': no es una definición de tabla"},
       {"a row without the one that a relationship asks for", kIndices,
        [](Workpiece& o) {
          const auto relationship = mdb::SystemCatalog(*o.pages).Relationships();
@@ -210,7 +210,7 @@ std::vector<PlantedDamage> CatalogDamages() {
          }
          return PageNumber{0};
        },
-       "relación «Table2Table1»: la fila"},
+       "relación 'Table2Table1': la fila"},
       {"a relationship with a table that is not there", kIndices,
        [](Workpiece& o) {
          const auto c =
@@ -219,7 +219,7 @@ std::vector<PlantedDamage> CatalogDamages() {
          o.P(c.page)[c.pos + c.length - 2] = 'Z';  // two bytes a character
          return PageNumber{0};
        },
-       "«Table2Table1»: nombra la tabla «TableZ», que no existe"},
+       "'Table2Table1': nombra la tabla 'TableZ', que no existe"},
       {"a relationship with a column that is not there", kIndices,
        [](Workpiece& o) {
          const auto c =
@@ -228,7 +228,7 @@ std::vector<PlantedDamage> CatalogDamages() {
          o.P(c.page)[c.pos + c.length - 2] = 'Z';  // two bytes a character
          return PageNumber{0};
        },
-       "«Table2Table1»: nombra la columna"},
+       "'Table2Table1': nombra la columna"},
       {"a query without its last row", kQueries,
        [](Workpiece& o) {
          const auto c =
@@ -243,7 +243,7 @@ std::vector<PlantedDamage> CatalogDamages() {
          Add16(o.P(c.page), c.pos, 1000);
          return PageNumber{0};
        },
-       "consulta «De todas»: el catálogo la tiene, y no están sus filas"},
+       "consulta 'De todas': el catálogo la tiene, y no están sus filas"},
   };
 }
 

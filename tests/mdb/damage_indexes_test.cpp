@@ -110,7 +110,7 @@ std::vector<PlantedDamage> IndexPageDamages() {
          mdb::Put32(o.P(Root(o)), 20, o.DataPage("Table1"));
          return o.DataPage("Table1");
        },
-       "la reclaman dos: los datos de la tabla «Table1» y el índice"},
+       "la reclaman dos: los datos de la tabla 'Table1' y el índice"},
       {"an index page that the index's map lacks", kCompound,
        [](Workpiece& o) {
          const auto p = Leaf(o, 0);

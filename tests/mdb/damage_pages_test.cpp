@@ -73,14 +73,14 @@ std::vector<PlantedDamage> PageDamages() {
          o.P(1)[map.pos + 5 + p / 8] |= static_cast<std::uint8_t>(1U << p % 8);
          return p;
        },
-       "figura como libre, y la usa los datos de la tabla «Table2»"},
+       "figura como libre, y la usa los datos de la tabla 'Table2'"},
       {"a page that two tables claim", kIndices,
        [](Workpiece& o) {
          const auto p = o.DataPage("Table2");
          mdb::AddToMap(*o.pages, o.Def("Table1").owned_pages, p);
          return p;
        },
-       "la reclaman dos: los datos de la tabla «Table1» y los datos de la tabla «Table2»"},
+       "la reclaman dos: los datos de la tabla 'Table1' y los datos de la tabla 'Table2'"},
       {"a page with room that is not the table's", kIndices,
        [](Workpiece& o) {
          const auto p = o.DataPage("Table2");

@@ -60,7 +60,7 @@ std::vector<PlantedDamage> RowDamages() {
          mdb::Put16(o.P(2), o.ColumnPos("MSysObjects", i) + 23, 8);
          return o.DataPage("MSysObjects");
        },
-       "el valor de la columna «Name» es más largo que la columna"},
+       "el valor de la columna 'Name' es más largo que la columna"},
       {"a text that ends inside a letter", kIndices,
        [](Workpiece& o) {
          const auto f = o.Row("MSysRelationships", o.Rows("MSysRelationships")[0]);
@@ -86,7 +86,7 @@ std::vector<PlantedDamage> RowDamages() {
          o.P(2)[o.ColumnPos("MSysObjects", d.ByName("Name").value())] = 5;  // Currency, 8 bytes
          return p;
        },
-       "el valor de la columna «Name» no mide lo que su tipo"},
+       "el valor de la columna 'Name' no mide lo que su tipo"},
       {"a row that is cut", kIndices,
        [](Workpiece& o) {
          const auto id = o.Rows("Table1")[0];
@@ -94,7 +94,7 @@ std::vector<PlantedDamage> RowDamages() {
          mdb::Put16(p, Slot(id.row), static_cast<std::uint16_t>(mdb::U16(p, Slot(id.row)) + 8));
          return id.page;
        },
-       "tabla «Table1»"},
+       "tabla 'Table1'"},
       {"a moved row that leads to a row that is none's", kMoved,
        [](Workpiece& o) {
          const RowId id = MovedRows(o)[0];
@@ -184,7 +184,7 @@ std::vector<PlantedDamage> RowDamages() {
          mdb::RemoveFromMap(*o.pages, map, p);
          return p;
        },
-       "que no es de la columna «LvProp»"},
+       "que no es de la columna 'LvProp'"},
       {"a page of long values with rows of another kind", kIndices,
        [](Workpiece& o) {
          const auto d = o.Def("MSysObjects");

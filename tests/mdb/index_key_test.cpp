@@ -122,7 +122,7 @@ TEST(IndexKey, ATextWithoutKnownPlaceIsRefusedWithItsCharacter) {
   } catch (const base::Error& e) {
     EXPECT_EQ(
         e.Description(),
-        "El texto «cafα» de la columna «Campo», que está en un índice, tiene el carácter «α», cuyo lugar "
+        "El texto 'cafα' de la columna 'Campo', que está en un índice, tiene el carácter 'α', cuyo lugar "
         "en el orden de Access no se conoce");
   }
 }
@@ -183,7 +183,7 @@ TEST(IndexKey, TellsWhichIndexesHaveNoKeys) {
   EXPECT_EQ(mdb::NoKeysReason({}, d, index), "");
   d.columns[0].lcid = 1036;
   EXPECT_EQ(mdb::NoKeysReason({}, d, index),
-            "la columna «Campo» está en un índice con el orden de texto 1036 versión 0, que no se conoce");
+            "la columna 'Campo' está en un índice con el orden de texto 1036 versión 0, que no se conoce");
   d.columns[0].lcid = 1033;
   d.columns[0].order_version = 1;
   EXPECT_NE(mdb::NoKeysReason({}, d, index), "");

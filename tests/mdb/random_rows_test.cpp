@@ -30,7 +30,7 @@ std::string WithoutRelationships(const std::string& findings) {
   std::istringstream entry(findings);
   std::string remaining;
   for (std::string line; std::getline(entry, line);)
-    if (line.find("elación «") == std::string::npos) remaining += line + "\n";
+    if (line.find("elación '") == std::string::npos) remaining += line + "\n";
   return remaining;
 }
 

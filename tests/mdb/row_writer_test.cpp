@@ -206,7 +206,7 @@ TEST(ApplyRows, ARowIsRefusedBeyond4060Bytes) {
   } catch (const base::Error& e) {
     EXPECT_EQ(e.Number(), 3047);
     EXPECT_EQ(e.Description(),
-              "La fila es demasiado larga para la tabla \"Nueve\": ocupa 4062 bytes y caben 4060");
+              "La fila es demasiado larga para la tabla 'Nueve': ocupa 4062 bytes y caben 4060");
   }
 }
 

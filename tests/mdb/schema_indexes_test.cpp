@@ -146,15 +146,15 @@ TEST(CreateIndex, RefusesWhatCannotBe) {
     other.name = "Otra";
     b->CreateIndex("T", other);
   });
-  b.ExpectRejected("ya tiene un índice \"primarykey\"", create(Ind("primarykey", {"c1"})));
-  b.ExpectRejected("no tiene una columna \"zz\"", create(Ind("i", {"zz"})));
-  b.ExpectRejected("dos veces la columna \"c1\"", create(Ind("i", {"c1", "c2", "C1"})));
+  b.ExpectRejected("ya tiene un índice 'primarykey'", create(Ind("primarykey", {"c1"})));
+  b.ExpectRejected("no tiene una columna 'zz'", create(Ind("i", {"zz"})));
+  b.ExpectRejected("dos veces la columna 'c1'", create(Ind("i", {"c1", "c2", "C1"})));
   b.ExpectRejected("no puede estar en un índice", create(Ind("i", {"o"})));
   b.ExpectRejected("de 1 a 10 columnas", create(Ind("i", {})));
   b.ExpectRejected("de 1 a 10 columnas",
                    create(Ind("i", {"c0", "c1", "c2", "c3", "c4", "c5", "c6", "c7", "c8", "c9", "c10"})));
   b.ExpectRejected("Falta el nombre de un índice", create(Ind("", {"c1"})));
-  b.ExpectRejected("no tiene una tabla \"X\"", [&] { b->CreateIndex("X", Ind("i", {"c1"})); });
+  b.ExpectRejected("no tiene una tabla 'X'", [&] { b->CreateIndex("X", Ind("i", {"c1"})); });
   b->CreateIndex("T", Ind("diez", {"c0", "c1", "c2", "c3", "c4", "c5", "c6", "c7", "c8", "-c9"}));
   for (int i = 0; i < 30; ++i)
     b->CreateIndex("T", Ind("i" + std::to_string(i), {(i % 2 ? "-c" : "c") + std::to_string(i % 12)}));
@@ -189,7 +189,7 @@ TEST(DropIndex, GivesItsPagesBack) {
   b->CreateIndex("T", Ind("Tres", {"g"}));
   EXPECT_EQ(b.Saved().size(), with);
   b.ExpectSound();
-  b.ExpectRejected("no tiene un índice \"Nada\"", [&] { b->DropIndex("T", "Nada"); });
+  b.ExpectRejected("no tiene un índice 'Nada'", [&] { b->DropIndex("T", "Nada"); });
 }
 
 }  // namespace

@@ -135,7 +135,7 @@ TEST(CreateQuery, SharesItsNamesWithTables) {
     b->CreateTable({"vista", {Col("a", ColumnType::Long)}, {}}, Today());
   });
   b.ExpectRejected("es una consulta, no una tabla", [&] { b->DropTable("Vista"); });
-  b.ExpectRejected("no tiene una consulta \"Legajos\"", [&] { b->DropQuery("Legajos"); });
+  b.ExpectRejected("no tiene una consulta 'Legajos'", [&] { b->DropQuery("Legajos"); });
   b.ExpectRejected("lleva el signo !", [&] { b->CreateQuery(SimpleQuery("a!b"), Today()); });
 }
 

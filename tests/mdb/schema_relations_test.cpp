@@ -109,7 +109,7 @@ TEST(CreateRelationship, OneToOneWantsAUniqueIndexOfTheChild) {
   });
   auto r = Relationship("Uno", mdb::TableRelationship::kOneToOne);
   r.columns = {"Número"};
-  b.ExpectRejected("filas que no están en \"Pedidos\"", [&] { b->CreateRelationship(r, Today()); });
+  b.ExpectRejected("filas que no están en 'Pedidos'", [&] { b->CreateRelationship(r, Today()); });
   b.Insert("Pedidos", {RowOf(N(3), S("c"))});
   b->CreateRelationship(r, Today());
   EXPECT_EQ(ForeignIndex(b.Def("Renglones"))->real, 0U);  // its primary key
@@ -169,20 +169,20 @@ TEST(CreateRelationship, RefusesWhatItCannotEnforce) {
   b.ExpectRejected("tipos distintos", create(r));
   r.columns = {"Texto"};
   r.referenced_columns = {"Cliente"};
-  b.ExpectRejected("necesita en la tabla \"Pedidos\" un índice sin repetidos", create(r));
+  b.ExpectRejected("necesita en la tabla 'Pedidos' un índice sin repetidos", create(r));
   r.columns = {"Pedido", "Texto"};
   b.ExpectRejected("de 1 a 10 columnas", create(r));
   r = Relationship("R");
   r.referenced_table = "Nada";
-  b.ExpectRejected("no tiene una tabla \"Nada\"", create(r));
+  b.ExpectRejected("no tiene una tabla 'Nada'", create(r));
   r = Relationship("a.b");
   b.ExpectRejected("lleva el signo .", create(r));
   b.Insert("Renglones", {RowOf(N(9), N(77), S("huérfana"))});
-  b.ExpectRejected("filas que no están en \"Pedidos\"", create(Relationship("R")));
+  b.ExpectRejected("filas que no están en 'Pedidos'", create(Relationship("R")));
   // Not enforced, it is only told.
   b->CreateRelationship(Relationship("R", mdb::TableRelationship::kNotEnforced), Today());
   EXPECT_EQ(ForeignIndex(b.Def("Pedidos")), nullptr);
-  b.ExpectRejected("ya tiene una relación \"r\"",
+  b.ExpectRejected("ya tiene una relación 'r'",
                    create(Relationship("r", mdb::TableRelationship::kNotEnforced)));
   b.ExpectSound();
 }
@@ -191,14 +191,14 @@ TEST(DropTable, IsRefusedWhileARelationshipIsEnforced) {
   auto b = Orders();
   b->CreateRelationship(Relationship("R"), Today());
   for (const char* table : {"Pedidos", "Renglones"})
-    b.ExpectRejected("está en la relación \"R\"", [&] { b->DropTable(table); });
+    b.ExpectRejected("está en la relación 'R'", [&] { b->DropTable(table); });
   b.ExpectRejected("una relación se apoya en él", [&] { b->DropIndex("Pedidos", "PrimaryKey"); });
   b.ExpectRejected("es de una relación", [&] { b->DropIndex("Renglones", "R"); });
-  b.ExpectRejected("la usa la relación \"R\"", [&] { b->DropColumn("Renglones", "Pedido"); });
-  b.ExpectRejected("no tiene una relación \"X\"", [&] { b->DropRelationship("X"); });
+  b.ExpectRejected("la usa la relación 'R'", [&] { b->DropColumn("Renglones", "Pedido"); });
+  b.ExpectRejected("no tiene una relación 'X'", [&] { b->DropRelationship("X"); });
   b->DropRelationship("R");
   b->CreateRelationship(Relationship("Suelta", mdb::TableRelationship::kNotEnforced), Today());
-  b.ExpectRejected("la usa la relación \"Suelta\"", [&] { b->DropColumn("Renglones", "Pedido"); });
+  b.ExpectRejected("la usa la relación 'Suelta'", [&] { b->DropColumn("Renglones", "Pedido"); });
   b->DropTable("Pedidos");
   EXPECT_TRUE(b->Catalog().Relationships().empty());
   b.ExpectSound();

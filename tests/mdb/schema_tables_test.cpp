@@ -139,7 +139,7 @@ TEST(CreateTable, RefusesWhatAccessWould) {
   };
   const auto long_column = Col("a", ColumnType::Long);
   b->CreateTable({"Una", {long_column}, {}}, Today());
-  b.ExpectRejected("ya tiene una tabla con el nombre \"Una\"", table("UNA", {long_column}));
+  b.ExpectRejected("ya tiene una tabla con el nombre 'Una'", table("UNA", {long_column}));
   b.ExpectRejected("ya tiene una tabla", table("MSysObjects", {long_column}));
   b.ExpectRejected("no tiene columnas", table("Otra", {}));
   b.ExpectRejected("Falta el nombre de una tabla", table("", {long_column}));
@@ -149,7 +149,7 @@ TEST(CreateTable, RefusesWhatAccessWould) {
     b.ExpectRejected("lleva el signo " + std::string(sign),
                      table("a" + std::string(sign) + "b", {long_column}));
   b.ExpectRejected("carácter de control", table("a\tb", {long_column}));
-  b.ExpectRejected("ya tiene una columna \"A\"", table("Otra", {long_column, Col("A", ColumnType::Text)}));
+  b.ExpectRejected("ya tiene una columna 'A'", table("Otra", {long_column, Col("A", ColumnType::Text)}));
   b.ExpectRejected("lleva el signo .", table("Otra", {Col("a.b", ColumnType::Text)}));
   b.ExpectRejected("más de 255 letras", table("Otra", {Col("a", ColumnType::Text, 256)}));
   b.ExpectRejected("más de 510 bytes", table("Otra", {Col("a", ColumnType::Binary, 511)}));
@@ -164,7 +164,7 @@ TEST(CreateTable, RefusesWhatAccessWould) {
   autonumber.auto_number = true;
   auto second = autonumber;
   second.name = "b";
-  b.ExpectRejected("ya tiene una columna autonumérica, \"a\"", table("Otra", {autonumber, second}));
+  b.ExpectRejected("ya tiene una columna autonumérica, 'a'", table("Otra", {autonumber, second}));
   second.type = ColumnType::Text;
   b.ExpectRejected("no es un entero largo", table("Otra", {second}));
   std::vector<mdb::NewColumn> decimals;
@@ -172,7 +172,7 @@ TEST(CreateTable, RefusesWhatAccessWould) {
   b.ExpectRejected("no caben en una fila", table("Otra", decimals));
   // A bad index takes the whole table back.
   mdb::NewTable with_index{"Otra", {long_column, Col("m", ColumnType::Memo)}, {Ind("i", {"falta"})}};
-  b.ExpectRejected("no tiene una columna \"falta\"", [&] { b->CreateTable(with_index, Today()); });
+  b.ExpectRejected("no tiene una columna 'falta'", [&] { b->CreateTable(with_index, Today()); });
   b.ExpectSound();
 }
 
@@ -219,7 +219,7 @@ TEST(DropTable, LeavesTheOthersAlone) {
   EXPECT_EQ(b.Rows("A"), std::vector<mdb::Row>{RowOf(N(1), S(std::string(5000, 'A')))});
   EXPECT_EQ(b.Rows("C"), std::vector<mdb::Row>{RowOf(N(1), S(std::string(5000, 'C')))});
   b.ExpectSound();
-  b.ExpectRejected("no tiene una tabla \"B\"", [&] { b->DropTable("B"); });
+  b.ExpectRejected("no tiene una tabla 'B'", [&] { b->DropTable("B"); });
   b.ExpectRejected("es del sistema", [&] { b->DropTable("MSysACEs"); });
 }
 
@@ -304,7 +304,7 @@ TEST(DropColumn, KeepsTheOthersAndItsPlaceInTheCounts) {
   b.Insert("T", {RowOf(N(1), S("uno"), S(std::string(6000, 'm')), S("c1"), N(7))});
   const auto memo = b.Def("T").columns[2];
   ASSERT_FALSE(mdb::ReadMap(b->Pages(), memo.lv_owned_pages).empty());
-  b.ExpectRejected("la usa el índice \"Por c\"", [&] { b->DropColumn("T", "C"); });
+  b.ExpectRejected("la usa el índice 'Por c'", [&] { b->DropColumn("T", "C"); });
   b->DropColumn("T", "M");
   b->DropColumn("T", "a");
   EXPECT_EQ(b.Rows("T"), std::vector<mdb::Row>{RowOf(S("uno"), S("c1"), N(7))});
@@ -322,7 +322,7 @@ TEST(DropColumn, KeepsTheOthersAndItsPlaceInTheCounts) {
   b->DropIndex("T", "Por c");
   for (const char* c : {"c", "d", "m"}) b->DropColumn("T", c);
   b.ExpectRejected("es la única", [&] { b->DropColumn("T", "b"); });
-  b.ExpectRejected("no tiene una columna \"z\"", [&] { b->DropColumn("T", "z"); });
+  b.ExpectRejected("no tiene una columna 'z'", [&] { b->DropColumn("T", "z"); });
   EXPECT_EQ(b.Rows("T"), (std::vector<mdb::Row>{RowOf(S("uno")), RowOf(S("dos")), RowOf(S("tres"))}));
   b.ExpectSound();
 }

@@ -43,13 +43,12 @@ TEST(ApplyIndexes, RowsMayExchangeTheValuesOfAUniqueIndex) {
 TEST(ApplyIndexes, ADuplicateNamesTheIndexAndTheValue) {
   Table t(WithKey());
   t.Insert({N(1), Text("Ana"), N(30)});
-  EXPECT_EQ(
-      Rejection(t, {{}, {}, {{N(1), Text("b"), N(1)}}}),
-      "3022 PrimaryKey: Ya hay en la tabla \"Clave\" una fila con el valor 1 en el índice \"PrimaryKey\", "
-      "que no admite duplicados");
+  EXPECT_EQ(Rejection(t, {{}, {}, {{N(1), Text("b"), N(1)}}}),
+            "3022 PrimaryKey: Ya hay en la tabla 'Clave' una fila con el valor 1 en el índice 'PrimaryKey', "
+            "que no admite duplicados");
   EXPECT_EQ(Rejection(t, {{}, {}, {{N(2), Text("ANA "), N(30)}}}),  // neither case nor a blank at the end
-            "3022 PorNombre: Ya hay en la tabla \"Clave\" una fila con el valor \"ANA \", 30 en el índice "
-            "\"PorNombre\", que no admite duplicados");
+            "3022 PorNombre: Ya hay en la tabla 'Clave' una fila con el valor 'ANA ', 30 en el índice "
+            "'PorNombre', que no admite duplicados");
   EXPECT_EQ(Rejection(t, {{}, {}, {{N(5), kNull, kNull}, {N(5), kNull, kNull}}}).substr(0, 15),
             "3022 PrimaryKey");                         // twice among the new
   const auto b = t.Insert({N(2), Text("Aná"), N(30)});  // an accent is another name
@@ -60,7 +59,7 @@ TEST(ApplyIndexes, ADuplicateNamesTheIndexAndTheValue) {
 TEST(ApplyIndexes, ANullIsRefusedWhereTheIndexRequiresAValue) {
   Table t(WithKey());
   EXPECT_EQ(Rejection(t, {{}, {}, {{kNull, Text("b"), N(1)}}}),
-            "3058 PrimaryKey: El índice \"PrimaryKey\" de la tabla \"Clave\" no admite valores Nulos");
+            "3058 PrimaryKey: El índice 'PrimaryKey' de la tabla 'Clave' no admite valores Nulos");
   const auto id = t.Insert({N(1), Text("b"), N(1)});
   EXPECT_EQ(Rejection(t, {{}, {ChangeOf(id, {{0, kNull}})}, {}}).substr(0, 4), "3058");
 }
@@ -74,8 +73,8 @@ TEST(ApplyIndexes, KeysOfOnlyNullsMayRepeatButPartlyNullOnesAreValues) {
   EXPECT_EQ(Rejection(t, {{}, {}, {{N(4), Text("x"), kNull}}}).substr(0, 15), "3022 PorNombre:");
   t.Insert({N(5), kNull, N(7)});
   EXPECT_EQ(Rejection(t, {{}, {}, {{N(6), kNull, N(7)}}}),
-            "3022 PorNombre: Ya hay en la tabla \"Clave\" una fila con el valor Nulo, 7 en el índice "
-            "\"PorNombre\", "
+            "3022 PorNombre: Ya hay en la tabla 'Clave' una fila con el valor Nulo, 7 en el índice "
+            "'PorNombre', "
             "que no admite duplicados");
   EXPECT_EQ(t.Control(), "");
 }
@@ -173,21 +172,21 @@ TEST(NotWritableReason, SaysWhyATableIsOnlyRead) {
   EXPECT_EQ(mdb::NotWritableReason(c, t.d), "");
   c.version = mdb::Version::Jet3;
   EXPECT_EQ(mdb::NotWritableReason(c, t.d),
-            "La tabla \"Clave\" solo se lee: los archivos de Access 97 no se escriben");
+            "La tabla 'Clave' solo se lee: los archivos de Access 97 no se escriben");
   c.version = mdb::Version::Ace;
   EXPECT_EQ(mdb::NotWritableReason(c, t.d),
-            "La tabla \"Clave\" solo se lee: los archivos .accdb no se escriben");
+            "La tabla 'Clave' solo se lee: los archivos .accdb no se escriben");
   c.version = mdb::Version::Jet4;
   auto d = t.d;
   d.columns[2].type = ColumnType::Complex;
   EXPECT_EQ(mdb::NotWritableReason(c, d),
-            "La tabla \"Clave\" solo se lee: la columna \"Edad\" es de un tipo que no se escribe");
+            "La tabla 'Clave' solo se lee: la columna 'Edad' es de un tipo que no se escribe");
   d = t.d;
   d.columns[2].extended_flags = mdb::Column::kCalculated;
-  EXPECT_EQ(mdb::NotWritableReason(c, d), "La tabla \"Clave\" solo se lee: la columna \"Edad\" es calculada");
+  EXPECT_EQ(mdb::NotWritableReason(c, d), "La tabla 'Clave' solo se lee: la columna 'Edad' es calculada");
   d = t.d;
   d.columns[1].lcid = 1041;  // a text of an index in an order that is not known
-  EXPECT_NE(mdb::NotWritableReason(c, d).find("La tabla \"Clave\" solo se lee: "), std::string::npos);
+  EXPECT_NE(mdb::NotWritableReason(c, d).find("La tabla 'Clave' solo se lee: "), std::string::npos);
   EXPECT_THROW(mdb::Apply(t.P(), d, {}), base::Error);
   d.reals.clear();  // without its index it does not matter
   EXPECT_EQ(mdb::NotWritableReason(c, d), "");

@@ -111,40 +111,39 @@ TEST(EncodeValue, RefusesWhatTheColumnDoesNotHold) {
   const double infinity = std::numeric_limits<double>::infinity();
   const Case cases[] = {
       {ColumnOf(ColumnType::Byte), std::int64_t{256},
-       "6 El valor 256 no cabe en la columna \"C\" de la tabla \"T\", que va de 0 a 255"},
+       "6 El valor 256 no cabe en la columna 'C' de la tabla 'T', que va de 0 a 255"},
       {ColumnOf(ColumnType::Byte), std::int64_t{-1},
-       "6 El valor -1 no cabe en la columna \"C\" de la tabla \"T\", que va de 0 a 255"},
+       "6 El valor -1 no cabe en la columna 'C' de la tabla 'T', que va de 0 a 255"},
       {ColumnOf(ColumnType::Integer), std::int64_t{32768},
-       "6 El valor 32768 no cabe en la columna \"C\" de la tabla \"T\", que va de -32768 a 32767"},
+       "6 El valor 32768 no cabe en la columna 'C' de la tabla 'T', que va de -32768 a 32767"},
       {ColumnOf(ColumnType::Long), std::int64_t{-2147483649LL},
-       "6 El valor -2147483649 no cabe en la columna \"C\" de la tabla \"T\", que va de -2147483648 a "
+       "6 El valor -2147483649 no cabe en la columna 'C' de la tabla 'T', que va de -2147483648 a "
        "2147483647"},
       {ColumnOf(ColumnType::Double), infinity,
-       "6 El valor para la columna \"C\" de la tabla \"T\" no es un número"},
+       "6 El valor para la columna 'C' de la tabla 'T' no es un número"},
       {ColumnOf(ColumnType::Single), std::numeric_limits<float>::quiet_NaN(),
-       "6 El valor para la columna \"C\" de la tabla \"T\" no es un número"},
+       "6 El valor para la columna 'C' de la tabla 'T' no es un número"},
       {ColumnOf(ColumnType::Date), base::Date{2958466},
-       "6 La fecha para la columna \"C\" de la tabla \"T\" está fuera de los años 100 a 9999"},
+       "6 La fecha para la columna 'C' de la tabla 'T' está fuera de los años 100 a 9999"},
       {ColumnOf(ColumnType::Date), base::Date{-657435},
-       "6 La fecha para la columna \"C\" de la tabla \"T\" está fuera de los años 100 a 9999"},
+       "6 La fecha para la columna 'C' de la tabla 'T' está fuera de los años 100 a 9999"},
       {ColumnOf(ColumnType::Date), base::Date{infinity},
-       "6 La fecha para la columna \"C\" de la tabla \"T\" está fuera de los años 100 a 9999"},
+       "6 La fecha para la columna 'C' de la tabla 'T' está fuera de los años 100 a 9999"},
       {ColumnOf(ColumnType::Text, 6), std::string("ñandú"),
-       "3163 El valor para la columna \"C\" de la tabla \"T\" tiene 5 caracteres y caben 3"},
+       "3163 El valor para la columna 'C' de la tabla 'T' tiene 5 caracteres y caben 3"},
       {ColumnOf(ColumnType::Binary, 3), Bytes{1, 2, 3, 4},
-       "3163 El valor para la columna \"C\" de la tabla \"T\" tiene 4 bytes y caben 3"},
+       "3163 El valor para la columna 'C' de la tabla 'T' tiene 4 bytes y caben 3"},
       {Decimal(4, 2), mdb::DecimalFromText("123.45", 2),
-       "6 El número 123.45 no cabe en la columna \"C\" de la tabla \"T\", que tiene 4 cifras, 2 de ellas "
+       "6 El número 123.45 no cabe en la columna 'C' de la tabla 'T', que tiene 4 cifras, 2 de ellas "
        "decimales"},
       {Decimal(4, 2), mdb::DecimalFromText("1", 3),  // not of the column's scale
-       "6 El número 1.000 no cabe en la columna \"C\" de la tabla \"T\", que tiene 4 cifras, 2 de ellas "
+       "6 El número 1.000 no cabe en la columna 'C' de la tabla 'T', que tiene 4 cifras, 2 de ellas "
        "decimales"},
       {ColumnOf(ColumnType::Long), std::string("1"),
-       "3421 La columna \"C\" de la tabla \"T\" no admite un valor de ese tipo"},
-      {ColumnOf(ColumnType::Date), 1.0,
-       "3421 La columna \"C\" de la tabla \"T\" no admite un valor de ese tipo"},
+       "3421 La columna 'C' de la tabla 'T' no admite un valor de ese tipo"},
+      {ColumnOf(ColumnType::Date), 1.0, "3421 La columna 'C' de la tabla 'T' no admite un valor de ese tipo"},
       {ColumnOf(ColumnType::Complex), std::int64_t{1},
-       "0 La columna \"C\" de la tabla \"T\" es de un tipo que no se escribe"},
+       "0 La columna 'C' de la tabla 'T' es de un tipo que no se escribe"},
   };
   for (const auto& c : cases) EXPECT_EQ(FailureOf(c.column, c.datum), c.failure);
 }

@@ -68,7 +68,7 @@ TEST(Verify, TellsWhatOnlyDriftsAsANote) {
   const mdb::Report report = mdb::Verify(pages);
   EXPECT_TRUE(report.IsSound());
   ASSERT_EQ(report.findings.size(), 2U) << Texts(report);
-  EXPECT_EQ(report.findings[0].text, "Página 3, tabla «MSysACEs»: la definición cuenta " +
+  EXPECT_EQ(report.findings[0].text, "Página 3, tabla 'MSysACEs': la definición cuenta " +
                                          std::to_string(d.rows + 5) + " filas y hay " +
                                          std::to_string(d.rows));
   EXPECT_EQ(report.findings[0].page, 3U);

@@ -92,7 +92,7 @@ const std::vector<TableRelationship>& SystemCatalog::Relationships() const {
 SavedQuery SystemCatalog::QueryOf(std::string_view name) const {
   const Object* object = Find(name);
   if (object == nullptr || object->type != Object::Query)
-    throw base::Error("La base no tiene una consulta \"" + std::string(name) + "\"");
+    throw base::Error("La base no tiene una consulta '" + std::string(name) + "'");
   auto& queries = Read().queries;
   if (!queries)
     queries = internal::ReadQueryRows(pages_, SystemTablePage("MSysQueries", pages_.Header().queries));

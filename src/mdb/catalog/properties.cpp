@@ -150,7 +150,7 @@ void AppendBlock(Bytes& output, std::uint16_t kind, const Bytes& content) {
 Bytes BuildRecord(const Property& property, std::uint16_t name) {
   Bytes datum;
   std::visit(Writer{property.type, datum}, property.value);
-  if (datum.size() > 0xFFFF - 8) throw base::Error("La propiedad \"" + property.name + "\" es muy larga");
+  if (datum.size() > 0xFFFF - 8) throw base::Error("La propiedad '" + property.name + "' es muy larga");
   Bytes b;
   Append16(b, static_cast<std::uint16_t>(datum.size() + 8));
   Append8(b, property.ddl ? 1 : 0);

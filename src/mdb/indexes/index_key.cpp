@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint8_t kNull = 0x00, kValue = 0x7F, kContinues = 0x09;
 constexpr std::size_t kUnits = 255;  // of a text, in an index entry
 
-std::string Columns(const Column& c) { return "la columna «" + c.name + "»"; }
+std::string Columns(const Column& c) { return "la columna '" + c.name + "'"; }
 
 template <typename T>
 const T& Take(const Column& column, const Datum& datum) {
@@ -92,9 +92,9 @@ std::string_view IndexPart(std::string_view text) {
     base::NextPoint(text, i);
     const std::string_view letter = text.substr(before, i - before);
     if (!base::HasWeights(letter))
-      throw base::Error("El texto «" + std::string(text) + "» de " + Columns(column) +
-                        ", que está en un índice, tiene el carácter «" + std::string(letter) +
-                        "», cuyo lugar en el orden de Access no se conoce");
+      throw base::Error("El texto '" + std::string(text) + "' de " + Columns(column) +
+                        ", que está en un índice, tiene el carácter '" + std::string(letter) +
+                        "', cuyo lugar en el orden de Access no se conoce");
   }
   throw base::Error("El texto de " + Columns(column) + " no se puede ordenar");
 }
@@ -170,8 +170,8 @@ void ForEachPart(const Definition& definition, const RealIndex& index, const Row
     const std::size_t i =
         column == nullptr ? row.size() : static_cast<std::size_t>(column - definition.columns.data());
     if (i >= row.size())
-      ThrowPageDamage(definition.Page(), "un índice de la tabla «" + definition.name +
-                                             "» nombra la columna número " + std::to_string(part.column) +
+      ThrowPageDamage(definition.Page(), "un índice de la tabla '" + definition.name +
+                                             "' nombra la columna número " + std::to_string(part.column) +
                                              ", que no existe");
     visitor(*column, part.descending, row[i]);
   }

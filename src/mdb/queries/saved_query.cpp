@@ -29,7 +29,7 @@ QueryKind KindOf(const SavedQuery& query) {
     if (f.attribute != query_codes::kKind || !f.flag) continue;
     for (const Kind& k : kKinds)
       if (k.code == *f.flag) return k.kind;
-    throw base::Error("La consulta \"" + query.name + "\" es de una clase que no se conoce");
+    throw base::Error("La consulta '" + query.name + "' es de una clase que no se conoce");
   }
   for (const Kind& k : kKinds)
     if (k.flags == (query.flags & kKindBits)) return k.kind;

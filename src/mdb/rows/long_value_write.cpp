@@ -26,7 +26,7 @@ Bytes Pointer4(RowId row) {
 
 LongValues::LongValues(PageFile& pages, const Definition& definition, const Column& column)
     : pages_(pages),
-      where_("la columna \"" + column.name + "\" de la tabla \"" + definition.name + "\""),
+      where_("la columna '" + column.name + "' de la tabla '" + definition.name + "'"),
       owned_pages_(column.lv_owned_pages),
       store_(pages, kLongValuesOwner, column.lv_owned_pages, column.lv_free_pages) {}
 

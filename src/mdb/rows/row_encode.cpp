@@ -17,7 +17,7 @@ std::size_t MaskLength(const Definition& d) { return (d.max_columns + 7U) / 8U; 
 }  // namespace
 
 std::string FullName(const Definition& definition, const Column& column) {
-  return "columna \"" + column.name + "\" de la tabla \"" + definition.name + "\"";
+  return "columna '" + column.name + "' de la tabla '" + definition.name + "'";
 }
 
 RowBuilder::RowBuilder(const Definition& definition)

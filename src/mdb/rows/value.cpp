@@ -39,7 +39,7 @@ std::uint32_t Divide(std::array<std::uint32_t, 4>& m, std::uint32_t by) {
 }
 
 [[noreturn]] void ThrowNotANumber(std::string_view text) {
-  throw base::Error("\"" + std::string(text) + "\" no es un número", 13);
+  throw base::Error("'" + std::string(text) + "' no es un número", 13);
 }
 
 // A decimal text taken apart: digits, and how many of them stand before the point (may be below 0).
@@ -108,7 +108,7 @@ std::string Guid::Text() const {
 }
 
 Guid GuidFromText(std::string_view text) {
-  const auto fail = [&] { throw base::Error("\"" + std::string(text) + "\" no es un GUID", 13); };
+  const auto fail = [&] { throw base::Error("'" + std::string(text) + "' no es un GUID", 13); };
   std::string_view s = text;
   if (s.size() == 38 && s.front() == '{' && s.back() == '}') s = s.substr(1, 36);
   if (s.size() != 36) fail();

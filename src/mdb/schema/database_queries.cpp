@@ -76,7 +76,7 @@ void Database::CreateQuery(const SavedQuery& query, base::Date now) {
 void Database::DropQuery(std::string_view name) {
   const Object* object = catalog_.Find(name);
   if (object == nullptr || object->type != Object::Query)
-    throw base::Error("La base no tiene una consulta \"" + std::string(name) + "\"");
+    throw base::Error("La base no tiene una consulta '" + std::string(name) + "'");
   internal::Attempt attempt(*pages_, catalog_);
   internal::DeleteRowsWhere(*pages_, pages_->Header().queries, "ObjectId", std::int64_t{object->id});
   internal::RemoveObject(*pages_, *object);

@@ -32,7 +32,7 @@ RelationshipEnds OpenEnds(PageFile& pages, const SystemCatalog& catalog, const T
 
 std::vector<Pair> PairsOf(RelationshipEnds& e, const TableRelationship& r) {
   if (r.columns.empty() || r.columns.size() > 10 || r.columns.size() != r.referenced_columns.size())
-    throw base::Error("La relación \"" + r.name + "\" debe unir de 1 a 10 columnas con otras tantas");
+    throw base::Error("La relación '" + r.name + "' debe unir de 1 a 10 columnas con otras tantas");
   std::vector<Pair> pairs;
   for (std::size_t i = 0; i < r.columns.size(); ++i) {
     pairs.push_back({internal::ColumnOf(e.Child(), r.columns[i]),
@@ -40,8 +40,8 @@ std::vector<Pair> PairsOf(RelationshipEnds& e, const TableRelationship& r) {
     const Column& child = e.Child().columns[pairs.back().child];
     const Column& parent = e.Parent().columns[pairs.back().parent];
     if (r.IsEnforced() && (child.type != parent.type || child.scale != parent.scale))
-      throw base::Error("La relación \"" + r.name + "\" une columnas de tipos distintos: \"" + child.name +
-                        "\" y \"" + parent.name + "\"");
+      throw base::Error("La relación '" + r.name + "' une columnas de tipos distintos: '" + child.name +
+                        "' y '" + parent.name + "'");
   }
   return pairs;
 }
@@ -60,8 +60,8 @@ std::uint32_t ReferencedIndex(const Definition& parent, const TableRelationship&
     pairs = std::move(in_order);
     return static_cast<std::uint32_t>(i);
   }
-  throw base::Error("La relación \"" + r.name + "\" necesita en la tabla \"" + parent.name +
-                    "\" un índice sin repetidos sobre las columnas a las que se refiere");
+  throw base::Error("La relación '" + r.name + "' necesita en la tabla '" + parent.name +
+                    "' un índice sin repetidos sobre las columnas a las que se refiere");
 }
 
 // An index of the child over these columns in this order, shared when it has one that lists all its rows.
@@ -100,8 +100,8 @@ void CheckRows(PageFile& pages, RelationshipEnds& e, std::uint32_t index, const 
         if (AllNull(parent, real, sought)) return true;
         MakeRowKey(pages.Header(), parent, real, sought, key);
         if (!tree.Has(key))
-          throw base::Error("La relación \"" + r.name + "\" no se puede exigir: la tabla \"" +
-                            e.Child().name + "\" tiene filas que no están en \"" + parent.name + "\"");
+          throw base::Error("La relación '" + r.name + "' no se puede exigir: la tabla '" + e.Child().name +
+                            "' tiene filas que no están en '" + parent.name + "'");
         return true;
       },
       columns_read);
@@ -120,7 +120,7 @@ void PutLogicals(RelationshipEnds& e, const TableRelationship& r, std::uint32_t 
                  std::uint32_t child_real) {
   Definition &parent = e.Parent(), &child = e.Child();
   if (internal::FindLogical(child, r.name) != child.logicals.end())
-    throw base::Error("La tabla \"" + child.name + "\" ya tiene un índice \"" + r.name + "\"");
+    throw base::Error("La tabla '" + child.name + "' ya tiene un índice '" + r.name + "'");
   LogicalIndex p, h;
   p.kind = h.kind = LogicalIndex::Foreign;
   p.cascades_updates = h.cascades_updates = (r.flags & TableRelationship::kCascadesUpdates) != 0 ? 1 : 0;
@@ -208,7 +208,7 @@ void RemoveRelationship(PageFile& pages, const SystemCatalog& catalog,
 void Database::CreateRelationship(const TableRelationship& relationship, base::Date now) {
   internal::CheckName(relationship.name, "una relación");
   if (RelationshipObject(catalog_, relationship.name) != nullptr)
-    throw base::Error("La base ya tiene una relación \"" + relationship.name + "\"");
+    throw base::Error("La base ya tiene una relación '" + relationship.name + "'");
   internal::Attempt attempt(*pages_, catalog_);
   RelationshipEnds e = OpenEnds(*pages_, catalog_, relationship);
   auto pairs = PairsOf(e, relationship);
@@ -235,7 +235,7 @@ void Database::DropRelationship(std::string_view name) {
   const auto r = std::find_if(relationships.begin(), relationships.end(),
                               [&](const auto& other) { return base::EqualIgnoringCase(other.name, name); });
   if (r == relationships.end())
-    throw base::Error("La base no tiene una relación \"" + std::string(name) + "\"");
+    throw base::Error("La base no tiene una relación '" + std::string(name) + "'");
   internal::RemoveRelationship(*pages_, catalog_, *r);
   attempt.Complete();
 }

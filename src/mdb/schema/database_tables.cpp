@@ -81,11 +81,11 @@ void GiveVariablePart(PageFile& pages, Definition& d) {
 }
 
 void CheckNobodyUsesIt(const SystemCatalog& catalog, const Definition& d, const Column& column) {
-  const std::string start = "La columna \"" + column.name + "\" no se puede quitar: la usa ";
+  const std::string start = "La columna '" + column.name + "' no se puede quitar: la usa ";
   for (const auto& l : d.logicals)
     for (const auto& part : d.reals.at(l.real).parts)
       if (part.column == column.number && l.kind != LogicalIndex::Foreign)
-        throw base::Error(start + "el índice \"" + l.name + "\"");
+        throw base::Error(start + "el índice '" + l.name + "'");
   const auto names_it = [&](const std::string& table, const std::vector<std::string>& columns) {
     return base::EqualIgnoringCase(table, d.name) &&
            std::any_of(columns.begin(), columns.end(),
@@ -93,7 +93,7 @@ void CheckNobodyUsesIt(const SystemCatalog& catalog, const Definition& d, const 
   };
   for (const auto& r : catalog.Relationships())
     if (names_it(r.table, r.columns) || names_it(r.referenced_table, r.referenced_columns))
-      throw base::Error(start + "la relación \"" + r.name + "\"");
+      throw base::Error(start + "la relación '" + r.name + "'");
   for (const auto& real : d.reals)  // of a relationship that the catalog no longer tells
     for (const auto& part : real.parts)
       if (part.column == column.number) throw base::Error(start + "un índice");
@@ -104,7 +104,7 @@ void CheckNobodyUsesIt(const SystemCatalog& catalog, const Definition& d, const 
 void Database::CreateTable(const NewTable& table, base::Date now) {
   internal::CheckName(table.name, "una tabla");
   internal::CheckNameIsFree(catalog_, table.name);
-  if (table.columns.empty()) throw base::Error("La tabla \"" + table.name + "\" no tiene columnas");
+  if (table.columns.empty()) throw base::Error("La tabla '" + table.name + "' no tiene columnas");
   internal::Attempt attempt(*pages_, catalog_);
   Definition d;
   d.name = table.name;
@@ -137,8 +137,7 @@ void Database::DropTable(std::string_view table) {
   Definition d = internal::TableToChange(*pages_, catalog_, table);
   for (const auto& r : catalog_.Relationships())
     if (r.IsEnforced() && NamesTable(r, d.name))
-      throw base::Error("La tabla \"" + d.name + "\" no se puede borrar: está en la relación \"" + r.name +
-                        "\"");
+      throw base::Error("La tabla '" + d.name + "' no se puede borrar: está en la relación '" + r.name + "'");
   for (const auto& r : catalog_.Relationships())
     if (NamesTable(r, d.name)) internal::RemoveRelationship(*pages_, catalog_, r);
   FreeTable(*pages_, d);
@@ -169,7 +168,7 @@ void Database::DropColumn(std::string_view table, std::string_view column) {
   const std::size_t position = internal::ColumnOf(d, column);
   const Column removed = d.columns[position];
   if (d.columns.size() == 1)
-    throw base::Error("La columna \"" + removed.name + "\" es la única de la tabla \"" + d.name + "\"");
+    throw base::Error("La columna '" + removed.name + "' es la única de la tabla '" + d.name + "'");
   CheckNobodyUsesIt(catalog_, d, removed);
   if (removed.IsLong()) FreeLongValues(*pages_, removed);
   d.columns.erase(d.columns.begin() + static_cast<std::ptrdiff_t>(position));

@@ -12,7 +12,7 @@ constexpr std::size_t kNameLetters = 64;
 
 void CheckName(std::string_view name, const char* what) {
   const auto reject = [&](const std::string& reason) {
-    throw base::Error("\"" + std::string(name) + "\" no sirve de nombre para " + what + ": " + reason);
+    throw base::Error("'" + std::string(name) + "' no sirve de nombre para " + what + ": " + reason);
   };
   if (name.empty()) throw base::Error("Falta el nombre de " + std::string(what));
   if (base::Length(name) > kNameLetters) reject("tiene más de 64 letras");
@@ -28,13 +28,13 @@ void CheckNameIsFree(const SystemCatalog& catalog, std::string_view name) {
   if (const Object* other = catalog.Find(name); other != nullptr)
     throw base::Error("La base ya tiene " +
                       std::string(other->type == Object::Query ? "una consulta" : "una tabla") +
-                      " con el nombre \"" + other->name + "\"");
+                      " con el nombre '" + other->name + "'");
 }
 
 Definition TableToChange(PageFile& pages, const SystemCatalog& catalog, std::string_view name) {
   const Object* object = catalog.Find(name);
-  if (object == nullptr) throw base::Error("La base no tiene una tabla \"" + std::string(name) + "\"");
-  const std::string which = "\"" + object->name + "\"";
+  if (object == nullptr) throw base::Error("La base no tiene una tabla '" + std::string(name) + "'");
+  const std::string which = "'" + object->name + "'";
   if (object->type == Object::Query) throw base::Error(which + " es una consulta, no una tabla");
   if (object->type != Object::Table)
     throw base::Error("La tabla " + which + " está vinculada: se cambia en la base en la que está");
@@ -47,8 +47,8 @@ Definition TableToChange(PageFile& pages, const SystemCatalog& catalog, std::str
 std::size_t ColumnOf(const Definition& definition, std::string_view column) {
   const auto position = definition.ByName(column);
   if (!position)
-    throw base::Error("La tabla \"" + definition.name + "\" no tiene una columna \"" + std::string(column) +
-                      "\"");
+    throw base::Error("La tabla '" + definition.name + "' no tiene una columna '" + std::string(column) +
+                      "'");
   return *position;
 }
 
@@ -59,7 +59,7 @@ std::vector<LogicalIndex>::iterator FindLogical(Definition& definition, std::str
 
 void InsertLogical(Definition& definition, LogicalIndex logical) {
   if (definition.logicals.size() >= Definition::kIndices)
-    throw base::Error("La tabla \"" + definition.name + "\" ya tiene 32 índices, los que puede tener");
+    throw base::Error("La tabla '" + definition.name + "' ya tiene 32 índices, los que puede tener");
   const std::string name = base::LowerCase(logical.name);
   const auto place =
       std::find_if(definition.logicals.begin(), definition.logicals.end(),

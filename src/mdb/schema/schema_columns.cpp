@@ -14,7 +14,7 @@ constexpr std::uint8_t kDecimalDigits = 28;
 
 std::uint16_t LengthOf(const NewColumn& fresh) {
   const auto error = [&](const char* reason) -> std::uint16_t {
-    throw base::Error("La columna \"" + fresh.name + "\" " + reason);
+    throw base::Error("La columna '" + fresh.name + "' " + reason);
   };
   switch (fresh.type) {
     case ColumnType::Boolean:
@@ -66,12 +66,12 @@ std::size_t MinimumWidth(const Definition& d) {
 void CheckAutoNumber(const Definition& d, const NewColumn& fresh) {
   if (fresh.type == ColumnType::Guid) return;
   if (fresh.type != ColumnType::Long)
-    throw base::Error("La columna \"" + fresh.name + "\" no puede ser autonumérica: no es un entero largo");
+    throw base::Error("La columna '" + fresh.name + "' no puede ser autonumérica: no es un entero largo");
   if (fresh.increment == 0)
-    throw base::Error("La columna autonumérica \"" + fresh.name + "\" no puede crecer de a 0");
+    throw base::Error("La columna autonumérica '" + fresh.name + "' no puede crecer de a 0");
   for (const auto& c : d.columns)
     if (c.IsAutoNumber())
-      throw base::Error("La tabla \"" + d.name + "\" ya tiene una columna autonumérica, \"" + c.name + "\"");
+      throw base::Error("La tabla '" + d.name + "' ya tiene una columna autonumérica, '" + c.name + "'");
 }
 
 std::uint8_t FlagsOf(const NewColumn& fresh) {
@@ -86,10 +86,10 @@ std::uint8_t FlagsOf(const NewColumn& fresh) {
 void AddColumn(PageFile& pages, Definition& d, const NewColumn& fresh) {
   CheckName(fresh.name, "una columna");
   if (d.ByName(fresh.name))
-    throw base::Error("La tabla \"" + d.name + "\" ya tiene una columna \"" + fresh.name + "\"");
+    throw base::Error("La tabla '" + d.name + "' ya tiene una columna '" + fresh.name + "'");
   if (d.max_columns >= Definition::kColumns)
-    throw base::Error("La tabla \"" + d.name +
-                      "\" llegó a las 255 columnas que puede tener, contando las que tuvo antes");
+    throw base::Error("La tabla '" + d.name +
+                      "' llegó a las 255 columnas que puede tener, contando las que tuvo antes");
   if (fresh.auto_number) CheckAutoNumber(d, fresh);
   Column c;
   c.name = fresh.name;
@@ -117,7 +117,7 @@ void AddColumn(PageFile& pages, Definition& d, const NewColumn& fresh) {
   if (!c.IsFixed()) ++d.variables;
   d.columns.push_back(c);
   if (MinimumWidth(d) > kRowWidth)
-    throw base::Error("Las columnas de la tabla \"" + d.name + "\" no caben en una fila");
+    throw base::Error("Las columnas de la tabla '" + d.name + "' no caben en una fila");
   if (c.IsLong()) {
     d.columns.back().lv_owned_pages = CreateMap(pages);
     d.columns.back().lv_free_pages = CreateMap(pages);

@@ -25,9 +25,9 @@ std::vector<Entry> EntriesOf(PageFile& pages, const Definition& d, RealIndex& in
       pages, d,
       [&](RowId id, const Row& row) {
         if (index.IsRequired() && AnyNull(d, index, row))
-          throw KeyError("El índice \"" + name + "\" de la tabla \"" + d.name +
-                             "\" no admite nulos, y la tabla los tiene",
-                         3058, name);
+          throw KeyError(
+              "El índice '" + name + "' de la tabla '" + d.name + "' no admite nulos, y la tabla los tiene",
+              3058, name);
         if (index.IgnoresNulls() && AllNull(d, index, row)) return true;
         Entry e;
         e.row = id;
@@ -56,9 +56,9 @@ void Count(const FileHeader& header, const Definition& d, RealIndex& index, cons
     if (i == 0 || entries[i].key != entries[i - 1].key) {
       ++index.distinct;
     } else if (index.IsUnique() && entries[i].key != nulls) {
-      throw KeyError("El índice \"" + name + "\" de la tabla \"" + d.name +
-                         "\" no admite repetidos, y la tabla los tiene",
-                     3022, name);
+      throw KeyError(
+          "El índice '" + name + "' de la tabla '" + d.name + "' no admite repetidos, y la tabla los tiene",
+          3022, name);
     }
   }
 }
@@ -90,22 +90,21 @@ void RemoveReal(PageFile& pages, Definition& d, std::uint32_t real) {
 void AddIndex(PageFile& pages, Definition& d, const NewIndex& fresh) {
   CheckName(fresh.name, "un índice");
   if (FindLogical(d, fresh.name) != d.logicals.end())
-    throw base::Error("La tabla \"" + d.name + "\" ya tiene un índice \"" + fresh.name + "\"");
+    throw base::Error("La tabla '" + d.name + "' ya tiene un índice '" + fresh.name + "'");
   if (fresh.primary && d.PrimaryKey() != nullptr)
-    throw base::Error("La tabla \"" + d.name + "\" ya tiene una clave principal");
+    throw base::Error("La tabla '" + d.name + "' ya tiene una clave principal");
   if (fresh.parts.empty() || fresh.parts.size() > kIndexColumns)
-    throw base::Error("El índice \"" + fresh.name + "\" debe tener de 1 a 10 columnas");
+    throw base::Error("El índice '" + fresh.name + "' debe tener de 1 a 10 columnas");
   if (d.logicals.size() >= Definition::kIndices)
-    throw base::Error("La tabla \"" + d.name + "\" ya tiene 32 índices, los que puede tener");
+    throw base::Error("La tabla '" + d.name + "' ya tiene 32 índices, los que puede tener");
   RealIndex real;
   for (const auto& part : fresh.parts) {
     const Column& column = d.columns[ColumnOf(d, part.column)];
     for (const auto& other : real.parts)
       if (other.column == column.number)
-        throw base::Error("El índice \"" + fresh.name + "\" tiene dos veces la columna \"" + column.name +
-                          "\"");
+        throw base::Error("El índice '" + fresh.name + "' tiene dos veces la columna '" + column.name + "'");
     if (column.type == ColumnType::Ole)
-      throw base::Error("La columna \"" + column.name + "\" no puede estar en un índice");
+      throw base::Error("La columna '" + column.name + "' no puede estar en un índice");
     real.parts.push_back({column.number, part.descending});
   }
   if (fresh.unique || fresh.primary) real.flags |= RealIndex::kUnique;

@@ -13,7 +13,7 @@ constexpr std::size_t kWorthBuilding = 64;  // entries worth building an empty t
 struct ToText {
   std::string operator()(base::Null) const { return "Nulo"; }
   std::string operator()(bool b) const { return b ? "Verdadero" : "Falso"; }
-  std::string operator()(const std::string& t) const { return "\"" + t + "\""; }
+  std::string operator()(const std::string& t) const { return "'" + t + "'"; }
   std::string operator()(const Bytes&) const { return "(binario)"; }
   std::string operator()(const Guid& g) const { return g.Text(); }
   std::string operator()(const Decimal& d) const { return d.Text(); }
@@ -85,9 +85,8 @@ void IndexChanges::AddArrival(One& u, Arrival arrival, const Row& values) {
   const RealIndex& real = Real(u);
   if (u.required && AnyNull(definition_, real, values)) {
     const std::string name = NameOf(u);
-    throw KeyError(
-        "El índice \"" + name + "\" de la tabla \"" + definition_.name + "\" no admite valores Nulos",
-        kNullInIndex, name);
+    throw KeyError("El índice '" + name + "' de la tabla '" + definition_.name + "' no admite valores Nulos",
+                   kNullInIndex, name);
   }
   arrival.all_null = AllNull(definition_, real, values);
   if (arrival.all_null && real.IgnoresNulls()) return;
@@ -139,9 +138,9 @@ void IndexChanges::Check(One& u) {
       ++Real(u).distinct;
     } else if (u.unique && !l.all_null) {
       const std::string name = NameOf(u);
-      throw KeyError("Ya hay en la tabla \"" + definition_.name + "\" una fila con el valor " +
-                         (l.is_new ? ValuesText(u, *l.values) : l.text) + " en el índice \"" + name +
-                         "\", que no admite duplicados",
+      throw KeyError("Ya hay en la tabla '" + definition_.name + "' una fila con el valor " +
+                         (l.is_new ? ValuesText(u, *l.values) : l.text) + " en el índice '" + name +
+                         "', que no admite duplicados",
                      kDuplicate, name);
     }
   }

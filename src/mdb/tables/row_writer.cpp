@@ -4,7 +4,7 @@ namespace mdb::internal {
 
 RowBytes RequireRow(PageFile& pages, const Definition& definition, RowId row) {
   auto bytes = FindRow(pages, definition, row);
-  if (!bytes) throw base::StorageFault("La fila ya no está en la tabla \"" + definition.name + "\"", 3167);
+  if (!bytes) throw base::StorageFault("La fila ya no está en la tabla '" + definition.name + "'", 3167);
   return std::move(*bytes);
 }
 
@@ -42,7 +42,7 @@ void RowWriter::Shorten() {
           (which == raw_values_.size() || raw_values_[i]->size() > raw_values_[which]->size()))
         which = i;
     if (which == raw_values_.size())
-      throw base::Error("La fila es demasiado larga para la tabla \"" + definition_.name + "\": ocupa " +
+      throw base::Error("La fila es demasiado larga para la tabla '" + definition_.name + "': ocupa " +
                             std::to_string(length) + " bytes y caben " + std::to_string(kLongestRow),
                         3047);
     Bytes external = LongsOf(which).Store(raw_values_[which]->subspan(kLongField), false);
@@ -92,8 +92,8 @@ void RowWriter::PutAt(RowId row, RowId place) {
   if (moved && store_.Change(place, row_, Slot::kTarget)) return;
   const RowId fresh = store_.Add(row_, Slot::kTarget);
   if (!store_.Change(row, Pointer4(fresh), Slot::kMoved))
-    throw base::StorageFault("Una fila de la tabla \"" + definition_.name +
-                             "\" no cabe en su página: compacte la base");
+    throw base::StorageFault("Una fila de la tabla '" + definition_.name +
+                             "' no cabe en su página: compacte la base");
   if (moved) store_.Remove(place);
 }
 

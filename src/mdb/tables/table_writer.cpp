@@ -40,17 +40,17 @@ bool IsWritten(const Column& c) {
 void CheckShape(const Definition& d, const Changes& changes) {
   for (const auto& row : changes.inserted)
     if (row.size() != d.columns.size())
-      throw base::Error("Una fila nueva de la tabla \"" + d.name + "\" no tiene todas sus columnas");
+      throw base::Error("Una fila nueva de la tabla '" + d.name + "' no tiene todas sus columnas");
   std::vector<RowId> touched = changes.deleted;
   for (const auto& c : changes.changed) {
     touched.push_back(c.row);
     for (const auto& [column, datum] : c.values)
       if (column >= d.columns.size())
-        throw base::Error("La tabla \"" + d.name + "\" no tiene la columna que se quiere cambiar");
+        throw base::Error("La tabla '" + d.name + "' no tiene la columna que se quiere cambiar");
   }
   std::sort(touched.begin(), touched.end());
   if (std::adjacent_find(touched.begin(), touched.end()) != touched.end())
-    throw base::Error("Una fila de la tabla \"" + d.name + "\" se cambia dos veces a la vez");
+    throw base::Error("Una fila de la tabla '" + d.name + "' se cambia dos veces a la vez");
 }
 
 // The stored values of the columns that indexes have; the others are Null.
@@ -104,13 +104,13 @@ void Count(Definition& d, const Changes& changes) {
 }  // namespace
 
 std::string NotWritableReason(const FileHeader& header, const Definition& definition) {
-  const std::string table = "La tabla \"" + definition.name + "\" solo se lee: ";
+  const std::string table = "La tabla '" + definition.name + "' solo se lee: ";
   if (header.Jet3()) return table + "los archivos de Access 97 no se escriben";
   if (header.version != Version::Jet4) return table + "los archivos .accdb no se escriben";
   if (definition.owned_pages.page == 0) return table + "no tiene mapa de páginas";
   for (const auto& c : definition.columns) {
-    if (c.IsCalculated()) return table + "la columna \"" + c.name + "\" es calculada";
-    if (!IsWritten(c)) return table + "la columna \"" + c.name + "\" es de un tipo que no se escribe";
+    if (c.IsCalculated()) return table + "la columna '" + c.name + "' es calculada";
+    if (!IsWritten(c)) return table + "la columna '" + c.name + "' es de un tipo que no se escribe";
   }
   for (const auto& index : definition.reals)
     if (const std::string reason = NoKeysReason(header, definition, index); !reason.empty())

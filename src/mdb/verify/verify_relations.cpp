@@ -169,7 +169,7 @@ void CheckRelationships(Revision& r, const Tables& tables, const std::vector<See
   CheckPairs(r, tables);
   std::vector<TableRelationship> relationships;
   const PageNumber page = SystemTablePage(objects, "MSysRelationships", r.pages.Header().relationships);
-  r.Try(page, "tabla «MSysRelationships»", [&] { relationships = ReadRelationships(r.pages, page); });
+  r.Try(page, "tabla 'MSysRelationships'", [&] { relationships = ReadRelationships(r.pages, page); });
   for (const TableRelationship& relationship : relationships)
     RelationshipCheck(r, tables, objects, relationship).Run();
 }
@@ -177,7 +177,7 @@ void CheckRelationships(Revision& r, const Tables& tables, const std::vector<See
 void CheckQueries(Revision& r, const std::vector<SeenObject>& objects) {
   constexpr std::uint8_t kStart = 0, kEnd = 255;
   const PageNumber page = SystemTablePage(objects, "MSysQueries", r.pages.Header().queries);
-  r.Try(page, "tabla «MSysQueries»", [&] {
+  r.Try(page, "tabla 'MSysQueries'", [&] {
     auto rows = ReadQueryRows(r.pages, page);
     for (const SeenObject& o : objects) {
       if (o.type != Object::Query) continue;
@@ -194,7 +194,7 @@ void CheckQueries(Revision& r, const std::vector<SeenObject>& objects) {
     }
     if (!rows.empty())
       r.Note(
-          0, "tabla «MSysQueries»",
+          0, "tabla 'MSysQueries'",
           "hay filas de " + Counted(rows.size(), "una consulta que no existe", "consultas que no existen"));
   });
 }

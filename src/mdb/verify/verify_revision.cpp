@@ -37,7 +37,7 @@ std::string Of(const std::string& name) { return name.compare(0, 3, "el ") == 0 
 
 }  // namespace
 
-std::string Quoted(const std::string& name) { return "«" + name + "»"; }
+std::string Quoted(const std::string& name) { return "'" + name + "'"; }
 
 std::string Counted(std::size_t n, const char* one, const char* several) {
   return n == 1 ? one : std::to_string(n) + " " + several;
