@@ -2,7 +2,7 @@
 //
 // Interfaces, so that tests can put a disk that fails or loses what was not synced below the code that must
 // survive it; SystemDisk is the real one. Positions and lengths are bytes, 64 bits wide; paths are
-// UTF-8. Every failure is an DiskError whose text names the file and the system's reason in Spanish.
+// UTF-8. Every failure is a DiskError whose text names the file and the system's reason in Spanish.
 #pragma once
 
 #include <cstdint>

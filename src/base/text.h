@@ -23,7 +23,7 @@ std::string Trim(std::string_view text);
 
 std::size_t Length(std::string_view text);
 // At most `count` characters from position `from` (1-based); past the end gives "", never an error.
-// desde < 1 counts as 1.
+// from < 1 counts as 1.
 std::string Mid(std::string_view text, std::ptrdiff_t from, std::ptrdiff_t count = -1);
 std::string Left(std::string_view text, std::ptrdiff_t count);
 std::string Right(std::string_view text, std::ptrdiff_t count);

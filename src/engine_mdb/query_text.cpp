@@ -93,7 +93,7 @@ class QueryWriter {
     return text;
   }
 
-  // "part, part, …" of the rows that `elige` takes.
+  // "part, part, …" of the rows that `part` takes.
   template <typename Part>
   static std::string List(Range rows, Part&& part) {
     std::string text;

@@ -72,8 +72,9 @@ class MdbSource final : public engine_sqlite::TableSource {
   void CheckNoted() const;
 
   // The mark inside a transaction. ReturnToMark is called when SQLite and the pages are back there. What had
-  // been read, indexed or made ready since was undone with the rest: `renew` is run where the mark does not
-  // stand, and makes it anew, so that a line that is refused again and again does not read a table each time.
+  // been read, indexed or made ready since was undone with the rest and is listed in `to_renew_`; Renew,
+  // called where the mark does not stand, makes it anew, so that a line that is refused again and again does
+  // not read a table each time.
   void SetMark();
   void ForgetMark() { tables_at_mark_.reset(); }
   // Before the first definition after the mark, which drops mirrors that an undo needs again.

@@ -20,7 +20,7 @@ class Mould {
   // The text that SeparateLiterals made `shape` of.
   void Take(std::string_view sql, const Shape& shape);
   // Whether the text is the mould's own (Equal) or has its shape (SameShape: the mould then holds that
-  // text). With Otra the mould is as it was. Some texts of the same shape are not known for it (another
+  // text). With Other the mould is as it was. Some texts of the same shape are not known for it (another
   // spelling, other blanks). Costs about a comparison of the two texts.
   Match Recognise(std::string_view sql);
   // Of the text that the mould holds.

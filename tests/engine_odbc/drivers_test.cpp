@@ -231,7 +231,7 @@ TEST_F(Files, EachTableGivesAllItsRows) {
       };
       SCOPED_TRACE(std::string(name) + ' ' + t.name);
       EXPECT_EQ(count("[" + first + "]"), std::pair(rows, std::size_t{1}));
-      // It holds days that the driver has no date for (see CadaTipo).
+      // It holds days that the driver has no date for (see EachType).
       if (t.name != "Tipos") {
         EXPECT_EQ(count("*"), std::pair(rows, columns));
       }

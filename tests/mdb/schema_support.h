@@ -63,7 +63,7 @@ class TestDatabase {
     return base_->Apply(table, changes);
   }
 
-  // `step` must be refused with a text that holds `dice`, and leave every page as it was.
+  // `step` must be refused with a text that holds `stated`, and leave every page as it was.
   template <typename Step>
   void ExpectRejected(const std::string& stated, Step&& step) {
     const mdb::Bytes before = Saved();

@@ -29,7 +29,7 @@ class SimulatedDisk : public base::Disk {
 
   // The call of that number (from 1) ends in a Cut; a write is then half done.
   void CutAt(int call) { cut_at_ = call; }
-  // The call of that number, or all from it on, throw an DiskError; a write is then half done.
+  // The call of that number, or all from it on, throw a DiskError; a write is then half done.
   void FailAt(int call, bool always = false) {
     fail_at_ = call;
     fail_always_ = always;

@@ -28,13 +28,13 @@ struct Request {
 
 Request Read(const std::vector<std::string>& args) {
   Request p;
-  constexpr std::string_view kEngine = "--motor";
+  constexpr std::string_view kEngine = "--engine";
   for (std::size_t i = 0; i < args.size(); ++i) {
     std::string value;
     if (args[i] == kEngine) {
-      if (++i == args.size()) throw std::invalid_argument("--motor needs a name");
+      if (++i == args.size()) throw std::invalid_argument("--engine needs a name");
       value = args[i];
-    } else if (base::StartsWith(args[i], "--motor=")) {
+    } else if (base::StartsWith(args[i], "--engine=")) {
       value = args[i].substr(kEngine.size() + 1);
     } else if (base::StartsWith(args[i], "--")) {
       throw std::invalid_argument("no option is called " + args[i]);
