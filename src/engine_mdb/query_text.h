@@ -7,7 +7,7 @@
 
 namespace engine_mdb {
 
-// In Spanish, for messages: "de selección", "de creación de table", …
+// In Spanish, for messages: "de selección", "de creación de tabla", …
 const char* KindName(mdb::QueryKind kind);
 // Whether it gives rows and takes no parameter of a form: what may stand in a FROM.
 bool GivesRows(mdb::QueryKind kind);

@@ -1,6 +1,6 @@
 // What the translator asks of a SQLite file: tables with typed columns, and saved queries.
 //
-// A saved query is a row (Name, Text) of the table MSysConsultas, which the catalog hides. The list of
+// A saved query is a row (Nombre, Texto) of the table MSysConsultas, which the catalog hides. The list of
 // names is read when the first name is asked, a table's columns when that table is; Forget makes both be
 // read anew.
 #pragma once

@@ -1,9 +1,9 @@
 // An ODBC driver for tests, which does what a driver may do and real ones seldom show: the connection string
 // and the statements say what.
 //
-// Connection string: Txn=0 (no transactions), Catalog=T:a,b/U:c (its tables and columns; "roto": fails),
-// Savepoints=si (understands SAVEPOINT idm_marca and its kin: answers as to CAMBIA 0), Commit=failure,
-// Rollback=failure, Total=no (never tells the length of what is left), Key=x (PWD must be it), Motor=x
+// Connection string: Txn=0 (no transactions), Catalogo=T:a,b/U:c (its tables and columns; "roto": fails),
+// Savepoints=si (understands SAVEPOINT idm_marca and its kin: answers as to CAMBIA 0), Commit=falla,
+// Rollback=falla, Total=no (never tells the length of what is left), Clave=x (PWD must be it), Motor=x
 // (statements go to the database that the program's own CreateTestEngine makes of x).
 //
 // Statements of a connection without Motor, words parted by blanks:
@@ -18,7 +18,8 @@
 //   MARCAS                                    the first two letters of each statement about savepoints
 //   CUENTAS                                   autocommit, commits and rollbacks so far
 //   SELECT 'TARDA'                            never ends: one row all the same, or HYT00 when it is given a
-//   time anything else                             one row: the text that came
+//                                             time
+//   anything else                             one row: the text that came
 #pragma once
 
 #include <sql.h>

@@ -66,7 +66,7 @@ TEST(HeldLock, AFailedCommitDoesNotDisturbWhoReads) {
   const auto reader = DiskPages::Open("a.mdb", true, disk);
   const auto writer = DiskPages::Open("a.mdb", false, disk);
   disk->RestartCount();
-  disk->FailAt(7);  // crear, escribir, sincronizar, escribir, sincronizar, folder: the first page
+  disk->FailAt(7);  // crear, escribir, sincronizar, escribir, carpeta: the first page
   writer->Modify(1)[0] ^= 1;
   EXPECT_THROW(writer->Commit(), base::Error);
   ASSERT_EQ(disk->Log()[6], "escribir a.mdb 4096");

@@ -1,4 +1,4 @@
-// The journal of a commit: the pages as they were, in a file of its own beside the base ("<base>-journal").
+// The journal of a commit: the pages as they were, in a file of its own beside the base ("<base>-diario").
 //
 // It is written and on the disk before the first byte of the base changes, and removed when the commit is on
 // the disk. Whoever opens the base and finds a complete one puts the old pages back; one without its end was

@@ -10,7 +10,7 @@ namespace mdb::internal {
 
 constexpr std::size_t kLongestRow = 4060;
 
-// "column "X" de la table "T"", for messages.
+// "columna 'X' de la tabla 'T'", for messages.
 std::string FullName(const Definition& definition, const Column& column);
 
 // The stored bytes of a value that is not Null, at the end of `target`; for a Memo or OLE the long value

@@ -30,7 +30,7 @@ class Attempt {
   bool completed_ = false;
 };
 
-// Throws base::Error for a name that no object, column or index may have. `what`: "una table", "una column"…
+// Throws base::Error for a name that no object, column or index may have. `what`: "una tabla", "una columna"…
 void CheckName(std::string_view name, const char* what);
 // Tables, linked tables and queries share their names.
 void CheckNameIsFree(const SystemCatalog& catalog, std::string_view name);

@@ -16,7 +16,7 @@
 namespace mdb::internal {
 
 std::string Quoted(const std::string& name);                               // 'name'
-std::string Counted(std::size_t n, const char* one, const char* several);  // "una", or "7 several"
+std::string Counted(std::size_t n, const char* one, const char* several);  // "una", or "7 varias"
 std::string OfRow(RowId row);                                              // "la fila 3 de la página 12"
 
 // A page map, and the range of pages that it can name.
@@ -34,7 +34,7 @@ class Revision {
   PageFile& pages;
   Report report;
 
-  // `where` names the table, and the index ("table 'Clientes', índice 'PrimaryKey'"); may be empty.
+  // `where` names the table, and the index ("tabla 'Clientes', índice 'PrimaryKey'"); may be empty.
   void Error(PageNumber page, const std::string& where, const std::string& reason);
   void Note(PageNumber page, const std::string& where, const std::string& reason);
   // Runs a step; what it throws becomes a finding. True when it ended well.
