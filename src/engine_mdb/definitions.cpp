@@ -119,14 +119,14 @@ const mdb::TableRelationship* FindRelationship(const mdb::SystemCatalog& catalog
 class Rehearsal {
  public:
   Rehearsal(sqlite3* mirror, MdbSource& source) : mirror_(mirror), source_(source) {
-    engine_sqlite::ExecuteOwn(mirror_, "SAVEPOINT idm_ensayo");
+    engine_sqlite::ExecuteOwn(mirror_, "SAVEPOINT idm_trial");
     source_.SetRehearsing(true);
   }
   Rehearsal(const Rehearsal&) = delete;
   Rehearsal& operator=(const Rehearsal&) = delete;
   ~Rehearsal() {
     source_.SetRehearsing(false);
-    sqlite3_exec(mirror_, "ROLLBACK TO idm_ensayo; RELEASE idm_ensayo", nullptr, nullptr, nullptr);
+    sqlite3_exec(mirror_, "ROLLBACK TO idm_trial; RELEASE idm_trial", nullptr, nullptr, nullptr);
   }
 
  private:

@@ -70,7 +70,7 @@ void GuidForm(sqlite3_context* context, int, sqlite3_value** values) {
   }
 }
 
-// idm_unidades(text): its length as the file counts it, in units of UTF-16. A text may hold a NUL.
+// idm_units(text): its length as the file counts it, in units of UTF-16. A text may hold a NUL.
 void Units(sqlite3_context* context, int, sqlite3_value** values) {
   if (sqlite3_value_type(values[0]) == SQLITE_NULL) return;
   const auto* p = sqlite3_value_text(values[0]);
@@ -83,7 +83,7 @@ void Units(sqlite3_context* context, int, sqlite3_value** values) {
   sqlite3_result_int64(context, units);
 }
 
-// idm_en_indice(table, column, text): true, or the reason why no index of the file can hold the text.
+// idm_in_index(table, column, text): true, or the reason why no index of the file can hold the text.
 void InIndex(sqlite3_context* context, int, sqlite3_value** values) {
   sqlite3_result_int(context, 1);
   if (sqlite3_value_type(values[2]) != SQLITE_TEXT) return;
@@ -124,15 +124,15 @@ struct Function {
   void (*function)(sqlite3_context*, int, sqlite3_value**);
 };
 constexpr Function kFunctions[] = {
-    {"idm_siguiente", 1, false, Next},
+    {"idm_next", 1, false, Next},
     {"idm_visto", 2, false, Seen},
     {"idm_falla", 1, false, Guarded<Fail>},
     {"idm_guid", 0, false, Guarded<NewGuid>},
     {"idm_decimal", 4, true, Guarded<Decimal>},
-    {"idm_forma_guid", 2, true, Guarded<GuidForm>},
+    {"idm_guid_form", 2, true, Guarded<GuidForm>},
     {"idm_bytes", 3, true, Guarded<BytesForm>},
-    {"idm_unidades", 1, true, Units},
-    {"idm_en_indice", 3, true, Guarded<InIndex>},
+    {"idm_units", 1, true, Units},
+    {"idm_in_index", 3, true, Guarded<InIndex>},
 };
 
 }  // namespace

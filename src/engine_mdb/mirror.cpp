@@ -86,7 +86,7 @@ std::string DefaultExpression(const mdb::Properties& properties, const std::stri
 std::string DefaultClause(const MirrorTable& t, const mdb::Column& c, const mdb::Properties& properties) {
   if ((c.flags & mdb::Column::kAutoGuid) != 0) return " NOT NULL ON CONFLICT REPLACE DEFAULT (idm_guid())";
   if (c.IsAutoNumber() && c.type == ColumnType::Long)
-    return " NOT NULL ON CONFLICT REPLACE DEFAULT (idm_siguiente(" + std::to_string(t.number) + "))";
+    return " NOT NULL ON CONFLICT REPLACE DEFAULT (idm_next(" + std::to_string(t.number) + "))";
   const std::string expression = DefaultExpression(properties, c.name);
   std::string sql;
   if (!expression.empty()) {
@@ -121,11 +121,10 @@ std::string Conditions(const MirrorTable& t, std::size_t position, const mdb::Pr
   if (c.type == ColumnType::Long) sql += Range(c.name, "-2147483648", "2147483647");
   if (c.type == ColumnType::Text) {
     const int length = t.base->Header().Jet3() ? c.length : c.length / 2;
-    sql +=
-        Condition("jet_largo." + c.name, "idm_unidades(" + Quoted(c.name) + ") <= " + std::to_string(length));
+    sql += Condition("jet_largo." + c.name, "idm_units(" + Quoted(c.name) + ") <= " + std::to_string(length));
     if (IsInAnIndex(t.definition, c) && !t.base->Header().Jet3())
-      sql += Condition("jet_indice." + c.name, "idm_en_indice(" + std::to_string(t.number) + ", " +
-                                                   std::to_string(position) + ", " + Quoted(c.name) + ")");
+      sql += Condition("jet_index." + c.name, "idm_in_index(" + std::to_string(t.number) + ", " +
+                                                  std::to_string(position) + ", " + Quoted(c.name) + ")");
   }
   if (c.type == ColumnType::Double) sql += Range(c.name, "-1.7976931348623157e308", "1.7976931348623157e308");
   if (c.type == ColumnType::Date)
@@ -140,7 +139,7 @@ std::string Conditions(const MirrorTable& t, std::size_t position, const mdb::Pr
   if (c.IsText() && !IsTrue(properties, c.name, "AllowZeroLength", true))
     sql += Condition(std::string(engine_sqlite::kOwnText) + "El campo " + c.name + " de la tabla " +
                          t.info.name + " no admite un texto sin caracteres.",
-                     "idm_unidades(" + Quoted(c.name) + ") > 0");
+                     "idm_units(" + Quoted(c.name) + ") > 0");
   return sql;
 }
 

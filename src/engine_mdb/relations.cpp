@@ -126,7 +126,7 @@ void MdbSource::WatchForms(const MirrorTable& t) {
       form = "idm_decimal(NEW." + column + ", " + std::to_string(c.precision) + ", " +
              std::to_string(c.scale) + ", " + InQuotes(c.name) + ")";
     else if (c.type == mdb::ColumnType::Guid)
-      form = "idm_forma_guid(NEW." + column + ", " + InQuotes(c.name) + ")";
+      form = "idm_guid_form(NEW." + column + ", " + InQuotes(c.name) + ")";
     else if (c.type == mdb::ColumnType::Binary || c.type == mdb::ColumnType::Ole)
       form = "idm_bytes(NEW." + column + ", " +
              std::to_string(c.type == mdb::ColumnType::Ole ? 0 : c.length) + ", " + InQuotes(c.name) + ")";
@@ -137,9 +137,9 @@ void MdbSource::WatchForms(const MirrorTable& t) {
                              table + " SET " + column + " = " + form + " WHERE " + row + " = NEW." + row +
                              "; END";
     const std::string name =
-        "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_forma." + t.info.name + "." + c.name + ".1");
+        "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_form." + t.info.name + "." + c.name + ".1");
     const std::string other =
-        "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_forma." + t.info.name + "." + c.name + ".2");
+        "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_form." + t.info.name + "." + c.name + ".2");
     Execute(name + " AFTER INSERT ON " + table + body);
     Execute(other + " AFTER UPDATE OF " + column + " ON " + table + body);
   }

@@ -175,15 +175,15 @@ void MdbSource::Execute(const std::string& sql) { engine_sqlite::ExecuteOwn(mirr
 void MdbSource::Load(MirrorTable& t) {
   if (t.state.loaded) return;
   const OwnWork own(own_);
-  Execute("SAVEPOINT idm_espejo");
+  Execute("SAVEPOINT idm_mirror");
   try {
     Execute(CreateTableText(t, t.base->Catalog().PropertiesOf(t.name_in_base)));
     counters_.rows_read += Fill(mirror_, t);
   } catch (const base::Error&) {
-    sqlite3_exec(mirror_, "ROLLBACK TO idm_espejo; RELEASE idm_espejo", nullptr, nullptr, nullptr);
+    sqlite3_exec(mirror_, "ROLLBACK TO idm_mirror; RELEASE idm_mirror", nullptr, nullptr, nullptr);
     throw;
   }
-  Execute("RELEASE idm_espejo");
+  Execute("RELEASE idm_mirror");
   t.state.loaded = true;
   ++counters_.mirrors;
   if (t.state.rows->size() <= kRowsWithoutWaiting) return BuildIndexes(t);

@@ -4,9 +4,9 @@
 namespace engine_odbc {
 namespace {
 
-constexpr const char* kSet = "SAVEPOINT idm_marca";
-constexpr const char* kRelease = "RELEASE SAVEPOINT idm_marca";
-constexpr const char* kRollBack = "ROLLBACK TO SAVEPOINT idm_marca";
+constexpr const char* kSet = "SAVEPOINT idm_mark";
+constexpr const char* kRelease = "RELEASE SAVEPOINT idm_mark";
+constexpr const char* kRollBack = "ROLLBACK TO SAVEPOINT idm_mark";
 constexpr const char* kCannotUndo = "La base no pudo deshacer una sentencia de la transacción";
 
 }  // namespace

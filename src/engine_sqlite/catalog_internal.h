@@ -18,6 +18,7 @@
 
 namespace engine_sqlite {
 
+// Its name and its columns' stay Spanish: they stand in files already made.
 inline constexpr std::string_view kQueryTable = "MSysConsultas";
 
 class SqliteCatalog final : public jetsql::Catalog {

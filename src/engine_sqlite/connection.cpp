@@ -43,19 +43,19 @@ class StatementReset {
 class AllOrNone {
  public:
   AllOrNone(sqlite3* base, bool in_transaction, bool reads) : base_(base), nested_(in_transaction) {
-    ExecuteOwn(base_, nested_ ? "SAVEPOINT sentencia" : (reads ? "BEGIN" : "BEGIN IMMEDIATE"));
+    ExecuteOwn(base_, nested_ ? "SAVEPOINT idm_statement" : (reads ? "BEGIN" : "BEGIN IMMEDIATE"));
   }
   AllOrNone(const AllOrNone&) = delete;
   AllOrNone& operator=(const AllOrNone&) = delete;
   ~AllOrNone() {
     if (done_ || sqlite3_get_autocommit(base_) != 0) return;
-    const char* undo = nested_ ? "ROLLBACK TO sentencia; RELEASE sentencia" : "ROLLBACK";
+    const char* undo = nested_ ? "ROLLBACK TO idm_statement; RELEASE idm_statement" : "ROLLBACK";
     if (sqlite3_exec(base_, undo, nullptr, nullptr, nullptr) == SQLITE_OK || !nested_) return;
     // Half a statement must not be kept: then nothing of the transaction is, and what comes next is told so.
     sqlite3_exec(base_, "ROLLBACK", nullptr, nullptr, nullptr);
   }
   void Commit() {
-    ExecuteOwn(base_, nested_ ? "RELEASE sentencia" : "COMMIT");
+    ExecuteOwn(base_, nested_ ? "RELEASE idm_statement" : "COMMIT");
     done_ = true;
   }
 

@@ -16,7 +16,7 @@
 namespace engine_sqlite {
 
 // A condition, or RAISE, whose name or text starts so says the rest of it to the operator as it stands.
-inline constexpr std::string_view kOwnText = "jet_texto.";
+inline constexpr std::string_view kOwnText = "jet_text.";
 
 // The catalog that the translator asks. Table and Query may throw base::Error for a name that there is but
 // that cannot be used.

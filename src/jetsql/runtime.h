@@ -50,7 +50,8 @@
 // Names made by definition statements, for readable messages: an index i of table t is "t.i" in the file; a
 // CHECK is named "jet_largo" (a text longer than its column) or "jet_rango" (an integer outside its column's
 // size), with "." and the column after it; triggers that refuse NULL are "t.i.nulo1"… and raise
-// "jet_nulo.<column>".
+// "jet_nulo.<column>". They are Spanish because they stand in files made long ago, which must go on being
+// understood.
 #pragma once
 
 #include <string_view>

@@ -2,7 +2,7 @@
 // and the statements say what.
 //
 // Connection string: Txn=0 (no transactions), Catalogo=T:a,b/U:c (its tables and columns; "roto": fails),
-// Savepoints=si (understands SAVEPOINT idm_marca and its kin: answers as to CAMBIA 0), Commit=falla,
+// Savepoints=si (understands SAVEPOINT idm_mark and its kin: answers as to CAMBIA 0), Commit=falla,
 // Rollback=falla, Total=no (never tells the length of what is left), Clave=x (PWD must be it), Motor=x
 // (statements go to the database that the program's own CreateTestEngine makes of x).
 //

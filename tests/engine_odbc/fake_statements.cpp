@@ -204,7 +204,7 @@ SQLRETURN Run(Cursor& c, const WideString& text) {
   const auto starts = [&](const char16_t* verb) { return text.rfind(verb, 0) == 0; };
   if (starts(u"FILAS ")) {
     PutRows(c, rest(u"FILAS "));
-  } else if (text.find(u"SAVEPOINT idm_marca") != WideString::npos) {
+  } else if (text.find(u"SAVEPOINT idm_mark") != WideString::npos) {
     if (!c.link->savepoints) return Fail(&c, "42000", "[Prueba]Syntax error");
     c.link->marks += ToAscii(text.substr(0, 2));
     c.changed = 0;
