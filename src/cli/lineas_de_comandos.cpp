@@ -152,8 +152,8 @@ std::string Detalle(const std::string& texto) {
   return corte == std::string::npos ? texto : texto.substr(corte + 2);
 }
 
-// The parser's own messages, said in Spanish. They are told apart by their class: the name of one with extra
-// arguments is the verb's.
+// The parser's own messages, said in Spanish. They are told apart by their class (the name of one with extra
+// arguments is the verb's), and by their text where one class says several things.
 std::string EnEspanol(const CLI::ParseError& e) {
   const std::string texto = e.what();
   if (dynamic_cast<const CLI::RequiredError*>(&e) != nullptr) {

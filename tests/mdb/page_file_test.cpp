@@ -6,6 +6,28 @@ namespace {
 
 mdb::MemoryPages TwoPages() { return {mdb::FileHeader{}, mdb::Bytes(8192, 1)}; }
 
+TEST(Damage, CarriesItsPageAndItsReason) {
+  try {
+    TwoPages().Read(2);
+    FAIL() << "a page was read that there is not";
+  } catch (const mdb::Damage& d) {
+    EXPECT_EQ(d.Page(), 2U);
+    EXPECT_EQ(d.Reason(), "el archivo tiene 2 páginas");
+    EXPECT_EQ(d.Description(), "El archivo está dañado, página 2: el archivo tiene 2 páginas");
+  }
+}
+
+TEST(Damage, OfNoPageKeepsItsReasonApart) {
+  try {
+    mdb::U32(mdb::Bytes(3), 0);
+    FAIL() << "four bytes were read of three";
+  } catch (const mdb::Damage& d) {
+    EXPECT_EQ(d.Page(), std::nullopt);
+    EXPECT_EQ(d.Reason(), "un largo lleva más allá de sus datos");
+    EXPECT_EQ(d.Description(), "El archivo está dañado: un largo lleva más allá de sus datos");
+  }
+}
+
 TEST(PageFile, ImagesHandedOutDoNotChange) {
   auto p = TwoPages();
   const auto before = p.Read(1);

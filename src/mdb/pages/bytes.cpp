@@ -23,10 +23,14 @@ void Append(Bytes& v, std::uint64_t n, int count) {
 }  // namespace
 
 void ThrowPageDamage(PageNumber page, const std::string& reason) {
-  throw Damage("El archivo está dañado, página " + std::to_string(page) + ": " + reason, true);
+  throw Damage("El archivo está dañado, página " + std::to_string(page) + ": " + reason, page, reason);
 }
 
-void ThrowTooShort() { throw Damage("El archivo está dañado: un largo lleva más allá de sus datos"); }
+void ThrowFileDamage(const std::string& reason) {
+  throw Damage("El archivo está dañado: " + reason, std::nullopt, reason);
+}
+
+void ThrowTooShort() { ThrowFileDamage("un largo lleva más allá de sus datos"); }
 
 void Put8(std::span<std::uint8_t> v, std::size_t pos, std::uint8_t n) { Put(v, pos, n, 1); }
 void Put16(std::span<std::uint8_t> v, std::size_t pos, std::uint16_t n) { Put(v, pos, n, 2); }

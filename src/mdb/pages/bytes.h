@@ -7,8 +7,10 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/error.h"
@@ -22,15 +24,22 @@ using PageNumber = std::uint32_t;
 // Damage: what the file holds is not what its format allows. The description names the page, if it is known.
 class Damage : public base::StorageFault {
  public:
-  explicit Damage(const std::string& description, bool names_page = false)
-      : base::StorageFault(description), names_page_(names_page) {}
-  bool NamesPage() const { return names_page_; }
+  // Of no known page; what is said is the reason alone.
+  explicit Damage(const std::string& reason) : base::StorageFault(reason), reason_(reason) {}
+  Damage(const std::string& description, std::optional<PageNumber> page, std::string reason)
+      : base::StorageFault(description), page_(page), reason_(std::move(reason)) {}
+  bool NamesPage() const { return page_.has_value(); }
+  std::optional<PageNumber> Page() const { return page_; }
+  const std::string& Reason() const { return reason_; }  // the description without file and page
 
  private:
-  bool names_page_;
+  std::optional<PageNumber> page_;
+  std::string reason_;
 };
-// Throws Damage: "Página N: reason".
+// Throws Damage: "El archivo está dañado, página N: reason".
 [[noreturn]] void ThrowPageDamage(PageNumber page, const std::string& reason);
+// The same where no page is to blame: "El archivo está dañado: reason".
+[[noreturn]] void ThrowFileDamage(const std::string& reason);
 [[noreturn]] void ThrowTooShort();
 
 // `count` bytes from `pos`; throws Damage when they are not all there.

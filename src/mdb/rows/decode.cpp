@@ -24,7 +24,7 @@ internal::Place ReadPiece(PageFile& pages, Pointer pointer) {
 Bytes ReadChain(PageFile& pages, Pointer pointer, std::size_t length) {
   Bytes value;
   while (value.size() < length) {
-    if (pointer.page == 0) throw Damage("El archivo está dañado: un valor largo está incompleto");
+    if (pointer.page == 0) ThrowFileDamage("un valor largo está incompleto");
     const auto piece = ReadPiece(pages, pointer);
     if (piece.slot.bytes.size() <= 4) ThrowPageDamage(pointer.page, "un valor largo tiene una pieza vacía");
     AppendBytes(value, piece.slot.bytes.subspan(4));
@@ -45,7 +45,7 @@ void WithLongValue(PageFile& pages, View field, Use&& use) {
   if (length == 0) return use(View());
   // No value is longer than its file: what a damaged length could make us allocate ends there.
   if (length > pages.Count() * pages.PageSize())
-    throw Damage("El archivo está dañado: un valor largo es más largo que el archivo");
+    ThrowFileDamage("un valor largo es más largo que el archivo");
   if ((word & kInOneRow) == 0) return use(View(ReadChain(pages, pointer, length)));
   const auto piece = ReadPiece(pages, pointer);
   internal::NamingPage(pointer.page, "un valor largo está incompleto",

@@ -43,8 +43,11 @@ class Revision {
     try {
       step();
       return true;
+    } catch (const Damage& d) {
+      AddFinding(page, where, d);
+      return false;
     } catch (const base::Error& e) {
-      AddFinding(page, where, e.Description());
+      Error(page, where, e.Description());
       return false;
     }
   }
@@ -69,7 +72,7 @@ class Revision {
   std::unordered_set<std::uint64_t> pieces;  // rows of long values that some row has named
 
  private:
-  void AddFinding(PageNumber page, const std::string& where, const std::string& description);
+  void AddFinding(PageNumber page, const std::string& where, const Damage& damage);
   void Add(Finding::Severity severity, PageNumber page, const std::string& where, const std::string& reason);
   void ReadBits(Pointer map, const std::string& where, Owner owner, SeenMap& seen);
   std::size_t limit_;

@@ -11,22 +11,6 @@ constexpr std::uint16_t kPosition = 0x1FFF;
 constexpr std::size_t kRowsPerPage = 255;
 constexpr PageNumber kGlobalPage = 1;
 
-// "El file está dañado, página 12: reason" taken apart; page 0 when the text names none.
-std::pair<PageNumber, std::string> PartsOf(const std::string& description) {
-  constexpr std::string_view kDamaged = "El archivo está dañado", kPage = ", página ";
-  if (description.compare(0, kDamaged.size(), kDamaged) != 0) return {0, description};
-  std::string rest = description.substr(kDamaged.size());
-  PageNumber page = 0;
-  if (rest.compare(0, kPage.size(), kPage) == 0) {
-    std::size_t i = kPage.size();
-    for (; i < rest.size() && rest[i] >= '0' && rest[i] <= '9'; ++i)
-      page = page * 10 + static_cast<PageNumber>(rest[i] - '0');
-    rest.erase(0, i);
-  }
-  if (rest.compare(0, 2, ": ") == 0) rest.erase(0, 2);
-  return {page, rest};
-}
-
 std::string Capitalized(std::string text) {
   if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') text[0] = static_cast<char>(text[0] - 'a' + 'A');
   return text;
@@ -77,9 +61,9 @@ void Revision::Note(PageNumber page, const std::string& where, const std::string
   Add(Finding::Severity::Note, page, where, reason);
 }
 
-void Revision::AddFinding(PageNumber page, const std::string& where, const std::string& description) {
-  const auto [named, reason] = PartsOf(description);
-  Error(named != 0 ? named : page, where, reason);
+void Revision::AddFinding(PageNumber page, const std::string& where, const Damage& damage) {
+  const PageNumber named = damage.Page().value_or(0);  // page 0 is the file as a whole
+  Error(named != 0 ? named : page, where, damage.Reason());
 }
 
 Revision::Owner Revision::AddOwner(std::string name) {
