@@ -17,11 +17,11 @@ TEST(Json, TellsWholeNumbersFromOthers) {
   EXPECT_EQ(conformance::ReadJson("1e3").number, 1000);
 }
 
-TEST(Json, Escapes) {
+TEST(Json, ReadsEscapes) {
   EXPECT_EQ(conformance::ReadJson(R"("\t\n\r\b\f\/\u00f1\ud83d\ude00")").text, "\t\n\r\b\f/ñ😀");
 }
 
-TEST(Json, Members) {
+TEST(Json, FindsMembersByTheirName) {
   const auto j = conformance::ReadJson(R"({"a":1,"b":2})");
   ASSERT_NE(j.Member("b"), nullptr);
   EXPECT_EQ(j.Member("b")->number, 2);

@@ -22,7 +22,7 @@ class ConsultaOdbc : public testing::Test {
   prueba::Mesa mesa_;
 };
 
-TEST_F(ConsultaOdbc, EscribeYLee) {
+TEST_F(ConsultaOdbc, WritesAndReadsBack) {
   EXPECT_EQ(Correr("Create Table t (k INTEGER, v VARCHAR(20))", true).codigo, 0);
   const prueba::Salida s = Correr("Insert into t Values (1, 'ñandú'), (2, Null)", true);
   EXPECT_EQ(s.err, "Filas afectadas: 2\n");

@@ -34,19 +34,19 @@ constexpr Example kExamples[] = {
     {"ALTER TABLE t ADD COLUMN b TEXT(5)", Kind::Definition},
 };
 
-TEST(StatementKindTest, TheWordsSayWhatTheTreeSays) {
+TEST(StatementKind, TheWordsSayWhatTheTreeSays) {
   for (const Example& e : kExamples) {
     EXPECT_EQ(jetsql::KindOf(jetsql::Parse(e.sql)), e.kind) << e.sql;
     EXPECT_EQ(jetsql::KindOfText(e.sql), e.kind) << e.sql;
   }
 }
 
-TEST(StatementKindTest, WhatNoStatementBeginsWithIsNone) {
+TEST(StatementKind, WhatNoStatementBeginsWithIsNone) {
   for (const char* sql : {"", "  ", "'select'", "selecta", "GRANT x TO y", "[select] a", "{call p}"})
     EXPECT_EQ(jetsql::KindOfText(sql), std::nullopt) << sql;
 }
 
-TEST(StatementKindTest, AQueryBeginsWithItsWord) {
+TEST(StatementKind, AQueryBeginsWithItsWord) {
   for (const char* sql : {"SELECT a FROM t", "(select a from t)", "table t", "parameters x long; select 1",
                           "transform sum(a) select b from t group by b pivot c"})
     EXPECT_TRUE(jetsql::BeginsQuery(sql)) << sql;
@@ -54,7 +54,7 @@ TEST(StatementKindTest, AQueryBeginsWithItsWord) {
     EXPECT_FALSE(jetsql::BeginsQuery(sql)) << sql;
 }
 
-TEST(StatementKindTest, LiteralsOfADefinitionAreInItsText) {
+TEST(StatementKind, LiteralsOfADefinitionAreInItsText) {
   const jetsql::Statement s = jetsql::Parse("CREATE TABLE t (a LONG DEFAULT 5)");
   const auto& column = std::get<jetsql::CreateTable>(s).columns.at(0);
   ASSERT_NE(column.default_value, nullptr);

@@ -12,7 +12,7 @@ namespace {
 const base::Date kOctubre = base::MakeDate(2026, 10, 1);
 }
 
-TEST(Sql, Preload) {
+TEST(Sql, ThePreloadAsksForTheConceptsOfTheMonth) {
   EXPECT_EQ(sql::Precarga(3, kOctubre, "7,2"),
             "Select clh.id_Concepto &'*'& iif(clh.TipoDato=2,clh.Coeficiente,clh.Cantidad) &'*'& "
             "clh.id_Contrato &'*'& "
@@ -23,7 +23,7 @@ TEST(Sql, Preload) {
             "(7,2) ");
 }
 
-TEST(Sql, OpenHeaders) {
+TEST(Sql, OpenHeadersAreThoseOfTheMonthAndTheType) {
   EXPECT_EQ(
       sql::EncabezadosAbiertos(3, kOctubre, "TiposLiquidacion.id_TipoLiq=4"),
       " Select E.id_Encabezado,MesDeLiq,Terminado,TiposLiquidacion.id_TipoLiq,Contrato.*,val(P.Numero) as "
@@ -41,7 +41,7 @@ TEST(Sql, OpenHeaders) {
       "DE.idEmpresa=Contrato.idEmpresa   Order by Contrato.id_Contrato,TiposLiquidacion.id_TipoLiq");
 }
 
-TEST(Sql, OneOpenHeader) {
+TEST(Sql, OneOpenHeaderIsAskedByItsKey) {
   const std::string all = sql::EncabezadosAbiertos(3, kOctubre, "TL");
   EXPECT_EQ(sql::EncabezadosAbiertos(3, kOctubre, "TL", 52),
             base::Replace(all, "MesdeLiq=#10/01/2026#)", "MesdeLiq=#10/01/2026# and id_Encabezado=52)"));
@@ -60,7 +60,7 @@ TEST(Question, NamesTheTypeAfterTheFirstDash) {
             "¿Confirma importar los datos?");
 }
 
-TEST(Sql, ApplicableTypesWithoutConditions) {
+TEST(Sql, ApplicableTypesNeedNoConditions) {
   EXPECT_EQ(
       sql::TiposAplicables(3, kOctubre, 10, {"TiposLiquidacion.Salarial and (Not ParaEmp)", "", ""}),
       "SELECT  TTL.id_TipoLiq,C.id_Contrato From (select * From Contrato Where idEmpresa=3 and "
@@ -78,7 +78,7 @@ TEST(Sql, ApplicableTypesWithoutConditions) {
 
 // The placeholder becomes the type table in one condition and the calendar in the other, and the old name of
 // the cost centre is put right wherever it stands.
-TEST(Sql, ApplicableTypesWithConditions) {
+TEST(Sql, ApplicableTypesMeetTheirConditions) {
   const std::string texto =
       sql::TiposAplicables(3, kOctubre, 10,
                            {"TiposLiquidacion.id_TipoLiq=2", "([Consulta].id_TipoLiq=2 and C.idCCAplic=4)",
@@ -92,14 +92,14 @@ TEST(Sql, ApplicableTypesWithConditions) {
   EXPECT_EQ(texto.find("idCCAplic"), std::string::npos);
 }
 
-TEST(Sql, Headers) {
+TEST(Sql, AHeaderIsWrittenOpen) {
   EXPECT_EQ(
       sql::InsertarEncabezado(3, 41, kOctubre, 10, 1, 6),
       "Insert into Encabezados (idEmpresa,id_Encabezado,MesDeLiq,id_Contrato,id_TipoLiq,Terminado,Impreso,"
       "id_Usuario) Values(3,41,#10/01/2026#,10,1,False,False,6)");
 }
 
-TEST(Sql, Data) {
+TEST(Sql, ADatumIsFoundByItsKey) {
   const sql::ClaveDato clave{3, 41, 7, 9};
   EXPECT_EQ(
       sql::BuscarDato(clave),
@@ -120,7 +120,7 @@ TEST(Sql, Data) {
             "Update Datos_Liquidacion Set Cantidad=10.5, Coeficiente=2  where idEmpresa=3 and id_Dato=500");
 }
 
-TEST(Sql, Instalments) {
+TEST(Sql, AnInstalmentIsAPaymentAndItsDetail) {
   const sql::Cuota cuota{3, 70, 10, 22, 500, "150.5", "Ref:O'Brien"};
   EXPECT_EQ(
       sql::InsertarPago(cuota, kOctubre),
@@ -138,7 +138,7 @@ TEST(Sql, Instalments) {
             "Update PagosEnSueldoDeta Set MontoPagado=150.5 Where idEmpresa=3 and  id_Pago=70");
 }
 
-TEST(Sql, BulkUpdates) {
+TEST(Sql, BulkUpdatesNameTheMonth) {
   EXPECT_EQ(sql::ActualizarDias(3, kOctubre),
             "UPDATE Datos_Liquidacion INNER JOIN CDetaLiq_DiasTrab AS PP ON "
             "PP.id_Dato=Datos_Liquidacion.id_Dato SET "

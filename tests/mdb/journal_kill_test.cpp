@@ -87,7 +87,7 @@ std::vector<std::pair<Loss, int>> Losses() {
   return v;
 }
 
-TEST(Log, ACutAtAnyCallLeavesTheFileAsBeforeOrAsAfter) {
+TEST(Journal, ACutAtAnyCallLeavesTheFileAsBeforeOrAsAfter) {
   int cases = 0, before = 0, after = 0;
   for (const auto key : kKeys) {
     const States e = Compute(key);
@@ -116,7 +116,7 @@ TEST(Log, ACutAtAnyCallLeavesTheFileAsBeforeOrAsAfter) {
   EXPECT_GT(after, 10);
 }
 
-TEST(Log, ARollbackThatIsCutIsDoneAgain) {
+TEST(Journal, ARollbackThatIsCutIsDoneAgain) {
   int cut_count = 0;
   const States e = Compute(0);
   for (int cut = 1; cut <= e.calls; ++cut) {
@@ -144,7 +144,7 @@ TEST(Log, ARollbackThatIsCutIsDoneAgain) {
   EXPECT_GT(cut_count, 500);
 }
 
-TEST(Log, AReaderOfAReadOnlyDiskSeesTheFileRolledBack) {
+TEST(Journal, AReaderOfAReadOnlyDiskSeesTheFileRolledBack) {
   int with_overlay = 0;
   for (const auto key : kKeys) {
     const States e = Compute(key);
@@ -175,7 +175,7 @@ TEST(Log, AReaderOfAReadOnlyDiskSeesTheFileRolledBack) {
   EXPECT_GT(with_overlay, 50);
 }
 
-TEST(Log, AFailingCallIsAnErrorAndTheFileAsItWas) {
+TEST(Journal, AFailingCallIsAnErrorAndTheFileAsItWas) {
   for (const auto key : kKeys) {
     const States e = Compute(key);
     for (int failure = 1; failure <= e.calls; ++failure) {
@@ -215,7 +215,7 @@ TEST(Log, AFailingCallIsAnErrorAndTheFileAsItWas) {
   }
 }
 
-TEST(Log, ADiskThatStaysBrokenLeavesTheJournalForTheNextOpening) {
+TEST(Journal, ADiskThatStaysBrokenLeavesTheJournalForTheNextOpening) {
   const States e = Compute(0);
   int broken = 0;
   for (int failure = 1; failure <= e.calls; ++failure) {
@@ -254,7 +254,7 @@ TEST(Log, ADiskThatStaysBrokenLeavesTheJournalForTheNextOpening) {
   EXPECT_GT(broken, 3);
 }
 
-TEST(Log, AFullDiskIsAnErrorAndTheFileAsItWas) {
+TEST(Journal, AFullDiskIsAnErrorAndTheFileAsItWas) {
   const States e = Compute(0);
   const std::uint64_t base = e.before.size();
   // The journal (four pages and its own bytes) and three more pages of the base fit from here on.

@@ -65,7 +65,7 @@ Result Open(const Bytes& base, const Bytes& journal) {
   return r;
 }
 
-TEST(Log, HasTheLayoutThatIsWritten) {
+TEST(Journal, HasTheLayoutThatIsWritten) {
   const CutCommit c;
   ASSERT_EQ(c.journal.size(), 64 + 2 * kRecord + 24);
   EXPECT_EQ(std::string(c.journal.begin(), c.journal.begin() + 7), "IDMDIAR");
@@ -82,7 +82,7 @@ TEST(Log, HasTheLayoutThatIsWritten) {
   EXPECT_EQ(std::string(c.journal.end() - 24, c.journal.end() - 17), "IDMFIN!");
 }
 
-TEST(Log, ACompleteOneIsRolledBackAndRemoved) {
+TEST(Journal, ACompleteOneIsRolledBackAndRemoved) {
   const CutCommit c;
   const Result r = Open(c.halfway, c.journal);
   EXPECT_EQ(r.error, "");
@@ -97,7 +97,7 @@ TEST(Log, ACompleteOneIsRolledBackAndRemoved) {
   EXPECT_EQ(Open(c.before, c.journal).base, c.before);
 }
 
-TEST(Log, OneWithoutItsEndIsIgnoredAndRemoved) {
+TEST(Journal, OneWithoutItsEndIsIgnoredAndRemoved) {
   const CutCommit c;
   std::vector<Bytes> journals;
   for (const std::size_t length :
@@ -121,7 +121,7 @@ TEST(Log, OneWithoutItsEndIsIgnoredAndRemoved) {
   }
 }
 
-TEST(Log, AFalseCountWithItsSumRightAsksForNoMemory) {
+TEST(Journal, AFalseCountWithItsSumRightAsksForNoMemory) {
   CutCommit c;
   mdb::Put32(c.journal, 24, 0xFFFFFFFF);
   mdb::Put64(c.journal, 56, mdb::Checksum(mdb::View(c.journal).first(56)));
@@ -130,7 +130,7 @@ TEST(Log, AFalseCountWithItsSumRightAsksForNoMemory) {
   EXPECT_FALSE(r.has_journal);
 }
 
-TEST(Log, DamageBehindASealIsRefusedAndNothingTouched) {
+TEST(Journal, DamageBehindASealIsRefusedAndNothingTouched) {
   const CutCommit c;
   const std::size_t end = c.journal.size() - 24;
   for (const std::size_t pos : {64UL, 72UL, 80UL, 64UL + 48, 64 + kRecord, 64 + kRecord + 8, end - 1}) {
@@ -144,7 +144,7 @@ TEST(Log, DamageBehindASealIsRefusedAndNothingTouched) {
   }
 }
 
-TEST(Log, OneOfAnotherVersionIsLeftToIt) {
+TEST(Journal, OneOfAnotherVersionIsLeftToIt) {
   CutCommit c;
   mdb::Put32(c.journal, 8, 2);
   mdb::Put64(c.journal, 56, mdb::Checksum(mdb::View(c.journal).first(56)));
@@ -154,7 +154,7 @@ TEST(Log, OneOfAnotherVersionIsLeftToIt) {
   EXPECT_TRUE(r.has_journal);
 }
 
-TEST(Log, ABaseThatWasReplacedOrChangedSinceIsNotTouched) {
+TEST(Journal, ABaseThatWasReplacedOrChangedSinceIsNotTouched) {
   const CutCommit c;
   const std::vector<std::pair<const char*, std::function<void(Bytes&)>>> changes{
       {"another header", [](Bytes& b) { b[0xE02] ^= 1; }},
@@ -173,7 +173,7 @@ TEST(Log, ABaseThatWasReplacedOrChangedSinceIsNotTouched) {
   }
 }
 
-TEST(Log, IsNotRolledBackWhileItsWriterLives) {
+TEST(Journal, IsNotRolledBackWhileItsWriterLives) {
   const CutCommit c;
   const auto disk = std::make_shared<SimulatedDisk>();
   disk->Put(kPath, c.halfway);
@@ -186,7 +186,7 @@ TEST(Log, IsNotRolledBackWhileItsWriterLives) {
   EXPECT_EQ(disk->Contents(kJournal), c.journal);
 }
 
-TEST(Log, OpeningForReadingRollsBackToo) {
+TEST(Journal, OpeningForReadingRollsBackToo) {
   const CutCommit c;
   const auto disk = std::make_shared<SimulatedDisk>();
   disk->Put(kPath, c.halfway);
@@ -198,7 +198,7 @@ TEST(Log, OpeningForReadingRollsBackToo) {
 }
 
 // A reader that could not roll back keeps seeing the base as it was after somebody else did.
-TEST(Log, AReaderOverTheJournalOutlivesTheRollback) {
+TEST(Journal, AReaderOverTheJournalOutlivesTheRollback) {
   const CutCommit c;
   const auto disk = std::make_shared<SimulatedDisk>();
   disk->Put(kPath, c.before);  // nothing was written: the date will be the same
