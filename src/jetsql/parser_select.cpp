@@ -1,5 +1,6 @@
 #include "base/text.h"
 #include "jetsql/parser_internal.h"
+#include "jetsql/statement_kind.h"
 
 namespace jetsql {
 
@@ -215,15 +216,17 @@ BranchPtr Parser::ReadLeaf() {
   std::string name = ReadName("una tabla o consulta");
   if (start.kind == TokenKind::Brackets && Is(".")) {
     // The old spelling of a derived table: [SELECT …]. AS d
+    constexpr const char* kOtherDatabase = "Una tabla de otra base de datos no se admite";
     const std::string_view inside = base::TrimView(name);
-    if (!base::StartsWith(inside, "SELECT", base::Compare::IgnoringCase))
-      FailAt(start.start, "Una tabla de otra base de datos no se admite");
+    if (!BeginsQuery(inside)) FailAt(start.start, kOtherDatabase);
     ++i_;
     const Level level(*this);
     Parser inner(inside, Literals::InText);  // its literals are part of the name in the shape
     inner.level_ = level_;
     Statement s = inner.ReadStatement();
-    source->query = std::move(std::get<QueryPtr>(s));
+    const auto query = std::get_if<QueryPtr>(&s);
+    if (query == nullptr || (*query)->crosstab) FailAt(start.start, kOtherDatabase);
+    source->query = std::move(*query);
     if (!source->query->parts[0].target.empty()) {
       ++intos_;
       last_into_ = start.start;
