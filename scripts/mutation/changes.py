@@ -18,7 +18,7 @@ CALLS = {
     "find": "rfind", "rfind": "find", "find_first_of": "find_last_of", "find_last_of": "find_first_of",
     "find_first_not_of": "find_last_not_of", "find_last_not_of": "find_first_not_of", "min": "max",
     "max": "min", "any_of": "all_of", "all_of": "any_of", "none_of": "any_of", "floor": "ceil", "ceil": "floor",
-    "begin": "rbegin", "rbegin": "begin", "end": "rend", "rend": "end", "Mayusculas": "Minusculas",
+    "begin": "rbegin", "rbegin": "begin", "end": "rend", "rend": "end", "UpperCase": "LowerCase",
 }
 # Left out by rule: nobody can notice how much is reserved, and the name of a noted step is for the log.
 QUIET_CALLS = ("reserve", "shrink_to_fit", "static_assert", "alignas")
