@@ -16,12 +16,12 @@ namespace {
 // The width of "&HFFFF" is that of the target: 65535 as a Long, -1 as an Integer.
 void CInt(Call& l) {
   if (l.IsNull(0)) return l.Null();
-  l.ReturnInteger(l.Typed(0).ShortInteger(l.Regional()));
+  l.ReturnInteger(l.Typed(0).ShortInteger(l.Locale()));
 }
 
 void CLng(Call& l) {
   if (l.IsNull(0)) return l.Null();
-  l.ReturnInteger(l.Typed(0).Integer(l.Regional()));
+  l.ReturnInteger(l.Typed(0).Integer(l.Locale()));
 }
 
 void CByte(Call& l) {
@@ -78,13 +78,13 @@ void InBase(Call& l) {
 
 void IsNumeric(Call& l) {
   const char letter = l.Letter(0);
-  if (letter == 'T') return l.ReturnBoolean(base::IsNumeric(l.Text(0), l.Regional()));
+  if (letter == 'T') return l.ReturnBoolean(base::IsNumeric(l.Text(0), l.Locale()));
   l.ReturnBoolean(!l.IsNull(0) && letter != 'D');
 }
 
 void IsDate(Call& l) {
   const char letter = l.Letter(0);
-  if (letter == 'T') return l.ReturnBoolean(base::IsDate(l.Text(0), l.Today(), l.Regional()));
+  if (letter == 'T') return l.ReturnBoolean(base::IsDate(l.Text(0), l.Today(), l.Locale()));
   l.ReturnBoolean(!l.IsNull(0) && letter == 'D');
 }
 
@@ -202,7 +202,7 @@ void ToDate(Call& l) {
 
 void ToBoolean(Call& l) {
   if (l.IsNull(0)) return l.Null();
-  l.ReturnBoolean(l.Typed(0).Boolean(l.Regional()));
+  l.ReturnBoolean(l.Typed(0).Boolean(l.Locale()));
 }
 
 std::span<const Implementation> ConversionFunctions() { return kFunctions; }

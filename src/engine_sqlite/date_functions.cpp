@@ -73,14 +73,14 @@ void TimeValue(Call& l) {
 void MonthName(Call& l) {
   const std::int32_t month = l.Integer32(0);
   if (month < 1 || month > 12) ThrowNumber(kInvalidCall);
-  const auto& names = l.Optional(1, 0) != 0 ? l.Regional().short_months : l.Regional().months;
+  const auto& names = l.Optional(1, 0) != 0 ? l.Locale().short_months : l.Locale().months;
   l.ReturnText(names[month - 1]);
 }
 
 void WeekdayName(Call& l) {
   const std::int32_t day = l.Integer32(0);
   if (day < 1 || day > 7) ThrowNumber(kInvalidCall);
-  const auto& names = l.Optional(1, 0) != 0 ? l.Regional().short_days : l.Regional().days;
+  const auto& names = l.Optional(1, 0) != 0 ? l.Locale().short_days : l.Locale().days;
   l.ReturnText(names[(day - 1 + l.FirstDay(2) - 1) % 7]);
 }
 

@@ -9,7 +9,7 @@ namespace {
 // Null gives the empty text.
 void Format(Call& l) {
   const std::string_view mask = l.Has(1) ? l.Text(1) : std::string_view();
-  l.ReturnText(base::Format(l.Typed(0), mask, l.Today(), l.Regional(), l.FirstDay(2), l.FirstWeek(3)));
+  l.ReturnText(base::Format(l.Typed(0), mask, l.Today(), l.Locale(), l.FirstDay(2), l.FirstWeek(3)));
 }
 
 // The mask of FormatNumber and its kin from their arguments: decimals, leading zero, brackets for negative
@@ -37,7 +37,7 @@ std::string BuildMask(const Call& l, bool usual_zero, bool usual_thousands, std:
 }
 
 void FormatWithMask(Call& l, const std::string& mask) {
-  l.ReturnText(base::FormatNumber(l.Number(0), mask, l.Regional()));
+  l.ReturnText(base::FormatNumber(l.Number(0), mask, l.Locale()));
 }
 
 void FormatNumber(Call& l) {
@@ -53,9 +53,9 @@ void FormatPercent(Call& l) {
 void FormatCurrency(Call& l) {
   if (l.AnyNull()) return l.Null();
   std::string sign = "\"";
-  sign += l.Regional().currency;
+  sign += l.Locale().currency;
   sign += '"';
-  const bool behind = l.Regional().currency_behind;
+  const bool behind = l.Locale().currency_behind;
   std::string mask = BuildMask(l, true, true, behind ? ' ' + sign : std::string());
   if (!behind) {
     mask.insert(0, sign);
@@ -71,7 +71,7 @@ void FormatDateTime(Call& l) {
                                            "Short Time"};
   const int which = l.Optional(1, 0);
   if (which < 0 || which > 4) ThrowNumber(kInvalidCall);
-  l.ReturnText(base::FormatDate(l.Date(0), kFormats[which], l.Regional()));
+  l.ReturnText(base::FormatDate(l.Date(0), kFormats[which], l.Locale()));
 }
 
 constexpr Implementation kFunctions[] = {

@@ -81,7 +81,7 @@ double Arctangent(double v) { return std::atan(v); }
 // zero repeats the last number.
 void Rnd(Call& l) {
   constexpr std::uint32_t kFactor = 0x43FD43FD, kSum = 0xC39EC3, kMask = 0xFFFFFF;
-  std::uint32_t& random = l.Surroundings().random;
+  std::uint32_t& random = l.Environment().random;
   const float argument = l.Has(0) && !l.IsNull(0) ? static_cast<float>(l.Number(0)) : 1.0F;
   if (argument < 0) {
     std::uint32_t bits = 0;

@@ -125,7 +125,8 @@ std::string_view Call::View(sqlite3_value* value) const {
   return {static_cast<const char*>(p), static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
-Call::Call(sqlite3_context* context, std::span<sqlite3_value*> values, Environment& environment, bool tagged)
+Call::Call(sqlite3_context* context, std::span<sqlite3_value*> values,
+           engine_sqlite::Environment& environment, bool tagged)
     : context_(context), values_(values), environment_(environment) {
   if (tagged && !values.empty()) {
     letters_ = View(values[0]);
@@ -161,16 +162,16 @@ void Call::AppendText(int i, std::string& target) const {
   }
   switch (Letter(i)) {
     case 'B':
-      target += sqlite3_value_int64(v) != 0 ? Regional().true_word : Regional().false_word;
+      target += sqlite3_value_int64(v) != 0 ? Locale().true_word : Locale().false_word;
       return;
     case 'D':
-      target += base::DateText(base::Date{sqlite3_value_double(v)}, Regional());
+      target += base::DateText(base::Date{sqlite3_value_double(v)}, Locale());
       return;
     case 'S':
-      target += base::SingleText(static_cast<float>(sqlite3_value_double(v)), Regional());
+      target += base::SingleText(static_cast<float>(sqlite3_value_double(v)), Locale());
       return;
     case 'C':
-      target += Typed(i).Text(Regional());
+      target += Typed(i).Text(Locale());
       return;
     default:
       break;
@@ -178,7 +179,7 @@ void Call::AppendText(int i, std::string& target) const {
   if (sqlite3_value_type(v) == SQLITE_INTEGER) {
     target += std::to_string(sqlite3_value_int64(v));
   } else {
-    target += base::NumberText(sqlite3_value_double(v), Regional());
+    target += base::NumberText(sqlite3_value_double(v), Locale());
   }
 }
 
@@ -202,7 +203,7 @@ double Call::Number(int i) const {
     default:
       break;
   }
-  return base::CDbl(View(v), Regional());
+  return base::CDbl(View(v), Locale());
 }
 
 Call::Figure Call::Numeric(int i) const {
@@ -247,7 +248,7 @@ base::Date Call::Date(int i) const {
   constexpr double kFirst = -657434.0, kAfterLast = 2958466.0;
   base::Date date;
   if (IsText(i)) {
-    const auto parsed = base::DateFromText(View(values_[i]), Today(), Regional());
+    const auto parsed = base::DateFromText(View(values_[i]), Today(), Locale());
     if (!parsed) ThrowNumber(kTypeMismatch);
     date = *parsed;
   } else {

@@ -62,10 +62,11 @@ class Call {
  public:
   static constexpr int kMaximum = 8;  // arguments whose text may need a conversion
 
-  Call(sqlite3_context* context, std::span<sqlite3_value*> values, Environment& environment, bool tagged);
+  Call(sqlite3_context* context, std::span<sqlite3_value*> values, engine_sqlite::Environment& environment,
+       bool tagged);
 
-  Environment& Surroundings() const { return environment_; }
-  const base::Locale& Regional() const { return *environment_.locale; }
+  engine_sqlite::Environment& Environment() const { return environment_; }
+  const base::Locale& Locale() const { return *environment_.locale; }
   base::Date Now() const { return environment_.Now(); }
   base::Date Today() const;
 
@@ -115,7 +116,7 @@ class Call {
  private:
   sqlite3_context* context_;
   std::span<sqlite3_value*> values_;
-  Environment& environment_;
+  engine_sqlite::Environment& environment_;
   std::string_view View(sqlite3_value* value) const;
 
   std::string_view letters_;

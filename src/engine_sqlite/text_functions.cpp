@@ -136,8 +136,8 @@ void StrComp(Call& l) {
   if (l.IsNull(0) || l.IsNull(1)) return l.Null();
   const TextMode mode = ReadMode(l, 2);
   const std::string_view a = l.Text(0), b = l.Text(1);
-  if (mode == TextMode::Base) return l.ReturnInteger(base::CompareText(a, b, l.Surroundings().order));
-  if (mode == TextMode::Text) return l.ReturnInteger(CompareAsText(a, b, l.Surroundings().order));
+  if (mode == TextMode::Base) return l.ReturnInteger(base::CompareText(a, b, l.Environment().order));
+  if (mode == TextMode::Text) return l.ReturnInteger(CompareAsText(a, b, l.Environment().order));
   const int order = a.compare(b);
   l.ReturnInteger(order < 0 ? -1 : (order > 0 ? 1 : 0));
 }

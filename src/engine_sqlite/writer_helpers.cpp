@@ -81,8 +81,8 @@ void Like(Call& l) {
   if (l.IsNull(0) || l.IsNull(1)) return l.Null();
   const auto wildcards = l.Integer(2) != 0 ? base::Wildcards::Dao : base::Wildcards::Ado;
   const std::string_view text = l.Text(0), pattern = l.Text(1);
-  l.ReturnInteger(base::Like(text, pattern, wildcards, base::Equality::Weights, l.Surroundings().order) ? 1
-                                                                                                        : 0);
+  l.ReturnInteger(base::Like(text, pattern, wildcards, base::Equality::Weights, l.Environment().order) ? 1
+                                                                                                       : 0);
 }
 
 void ToInteger(Call& l) {
