@@ -14,15 +14,7 @@
 namespace mdb {
 
 struct Object {
-  enum Type : std::int16_t {
-    Table = 1,
-    Base = 2,
-    Container = 3,
-    LinkedOdbc = 4,
-    Query = 5,
-    Linked = 6,
-    Relationship = 8
-  };
+  enum Type : std::int16_t { Table = 1, Base = 2, LinkedOdbc = 4, Query = 5, Linked = 6, Relationship = 8 };
   std::int32_t id = 0;  // of a table, the page of its definition
   std::int32_t parent = 0;
   std::string name;

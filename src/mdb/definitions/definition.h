@@ -33,7 +33,7 @@ enum class ColumnType : std::uint8_t {
 
 struct Column {
   static constexpr std::uint8_t kFixed = 0x01, kUpdatable = 0x02, kAutoNumber = 0x04, kSystem = 0x10,
-                                kAutoGuid = 0x40, kHyperlink = 0x80;
+                                kAutoGuid = 0x40;
   static constexpr std::uint8_t kCompressed = 0x01, kCalculated = 0xC0;  // of extended_flags
 
   std::string name;

@@ -14,7 +14,7 @@ DataPage::DataPage(const FileHeader& header, PageNumber number, View bytes)
   if (list_ + 2U * count_ > bytes.size()) ThrowPageDamage(number, "la lista de filas no cabe");
 }
 
-Slot DataPage::At(unsigned row) const {
+SlotView DataPage::At(unsigned row) const {
   if (row >= count_) ThrowPageDamage(number_, "no tiene la fila " + std::to_string(row));
   const std::uint16_t word = U16(bytes_, list_ + 2U * row);
   const std::size_t from = word & kPosition;

@@ -7,7 +7,7 @@ namespace mdb::internal {
 
 constexpr std::uint8_t kDataPage = 1, kDefinitionPage = 2, kMapPage = 5;
 
-struct Slot {
+struct SlotView {
   static constexpr std::uint16_t kMoved = 0x4000, kHidden = 0x8000;
   std::uint16_t flags = 0;
   View bytes;
@@ -25,7 +25,7 @@ class DataPage {
   std::uint32_t Owner() const { return U32(bytes_, 4); }
   unsigned Count() const { return count_; }
   // Throws Damage for a slot beyond the list, or with bytes outside its page.
-  Slot At(unsigned row) const;
+  SlotView At(unsigned row) const;
 
  private:
   View bytes_;
@@ -37,7 +37,7 @@ class DataPage {
 // What a data pointer leads to: one slot and the image that it stands in.
 struct Place {
   Image image;
-  Slot slot;
+  SlotView slot;
 };
 Place Follow(PageFile& pages, Pointer pointer, std::uint32_t* owner = nullptr);
 

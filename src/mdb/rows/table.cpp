@@ -8,7 +8,7 @@ namespace mdb {
 namespace {
 
 using internal::DataPage;
-using internal::Slot;
+using internal::SlotView;
 
 DataPage OpenPage(const PageFile& pages, const Definition& definition, PageNumber number,
                   const Image& image) {
@@ -21,7 +21,7 @@ DataPage OpenPage(const PageFile& pages, const Definition& definition, PageNumbe
 RowBytes FollowMoved(PageFile& pages, const Definition& definition, View slot) {
   const RowId place = internal::ReadPointer(slot, 0);
   RowBytes row{pages.Read(place.page), {}, place};
-  const Slot r = OpenPage(pages, definition, place.page, row.image).At(place.row);
+  const SlotView r = OpenPage(pages, definition, place.page, row.image).At(place.row);
   if (!r.IsTarget()) ThrowPageDamage(place.page, "una fila movida no está donde debe");
   row.bytes = r.bytes;
   return row;
@@ -77,7 +77,7 @@ void WalkRows(PageFile& pages, const Definition& definition, const Visitor& visi
     const Image image = pages.Read(number);
     const DataPage data = OpenPage(pages, definition, number, image);
     for (unsigned i = 0; i < data.Count(); ++i) {
-      const Slot r = data.At(i);
+      const SlotView r = data.At(i);
       if (r.IsSkipped()) continue;
       const RowId id{number, static_cast<std::uint8_t>(i)};
       if (r.IsMoved()) {
@@ -95,7 +95,7 @@ std::optional<RowBytes> FindRow(PageFile& pages, const Definition& definition, R
   RowBytes row{pages.Read(id.page), {}, id};
   const DataPage data = OpenPage(pages, definition, id.page, row.image);
   if (id.row >= data.Count()) return {};
-  const Slot r = data.At(id.row);
+  const SlotView r = data.At(id.row);
   if (r.IsSkipped()) return {};
   if (r.IsMoved())
     return internal::NamingPage(id.page, "una fila movida no se puede seguir",

@@ -118,7 +118,7 @@ class TableCheck {
         const Image image = r_.pages.Read(p);
         const DataPage data(r_.pages.Header(), p, *image);
         for (unsigned i = 0; i < std::min(data.Count(), 256U); ++i) {
-          const Slot slot = data.At(i);
+          const SlotView slot = data.At(i);
           const RowId id{p, static_cast<std::uint8_t>(i)};
           if (slot.IsTarget()) targets_.push_back(id);
           if (!slot.IsSkipped()) CheckRow(id, slot.IsMoved() ? std::optional<View>() : slot.bytes);
@@ -306,8 +306,8 @@ class TableCheck {
         const Image image = r_.pages.Read(p);
         const DataPage data(r_.pages.Header(), p, *image);
         for (unsigned i = 0; i < data.Count(); ++i) {
-          const Slot slot = data.At(i);
-          if (slot.flags != 0 && slot.flags != (Slot::kMoved | Slot::kHidden))
+          const SlotView slot = data.At(i);
+          if (slot.flags != 0 && slot.flags != (SlotView::kMoved | SlotView::kHidden))
             r_.Error(p, where_,
                      "la fila " + std::to_string(i) + " de valores largos tiene marcas de otra clase");
           if (slot.flags != 0 || r_.pieces.contains(Number({p, static_cast<std::uint8_t>(i)}))) continue;
