@@ -37,9 +37,7 @@ bool IsReservedWord(std::string_view word) {
 
 SyntaxError::SyntaxError(std::string description, int line, int column)
     : base::Error(std::move(description) + " (línea " + std::to_string(line) + ", columna " +
-                  std::to_string(column) + ")"),
-      line_(line),
-      column_(column) {}
+                  std::to_string(column) + ")") {}
 
 Parser::Parser(std::string_view sql, Literals literals) : sql_(sql), mode_(literals) {
   static_assert(std::is_sorted(std::begin(kReserved), std::end(kReserved)));

@@ -23,11 +23,6 @@ namespace jetsql {
 class SyntaxError : public base::Error {
  public:
   SyntaxError(std::string description, int line, int column);
-  int Line() const { return line_; }
-  int Column() const { return column_; }
-
- private:
-  int line_, column_;
 };
 
 // The shape of a statement: its text with every literal replaced by a mark for its kind, letters outside

@@ -106,11 +106,6 @@ ConsultaDeTipos::ConsultaDeTipos(std::int32_t idEmpresa, base::Date mes,
 
 std::string ConsultaDeTipos::De(std::int32_t contrato) const { return base::Join(tramos_, Num(contrato)); }
 
-std::string TiposAplicables(std::int32_t idEmpresa, base::Date mes, std::int32_t contrato,
-                            const CondicionesDeTipo& condiciones) {
-  return ConsultaDeTipos(idEmpresa, mes, condiciones).De(contrato);
-}
-
 std::string EncabezadoDeContrato(std::int32_t idEmpresa, base::Date mes, std::int32_t contrato,
                                  std::int32_t tipo) {
   return "Select id_Encabezado From Encabezados Where idEmpresa=" + Num(idEmpresa) +

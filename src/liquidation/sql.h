@@ -31,9 +31,7 @@ struct CondicionesDeTipo {
   std::string TypeCondition;      // over [Consulta]; may be empty
   std::string CalendarCondition;  // over [Consulta]; may be empty
 };
-std::string TiposAplicables(std::int32_t idEmpresa, base::Date mes, std::int32_t contrato,
-                            const CondicionesDeTipo& condiciones);
-// The same for many contracts: the conditions, which may be long, are put in once.
+// For many contracts: the conditions, which may be long, are put in once.
 class ConsultaDeTipos {
  public:
   ConsultaDeTipos(std::int32_t idEmpresa, base::Date mes, const CondicionesDeTipo& condiciones);

@@ -40,10 +40,11 @@ TEST_F(Qualifiers, OtherStatementsArriveAsTheyStand) {
   const Cuota instalment{3, 70, 10, 22, 500, "150.5", "Ref:O'Brien {x} ñ"};
   const std::string texts[] = {
       Precarga(3, month, "7,2"),
-      TiposAplicables(3, month, 10, {"TiposLiquidacion.Salarial and (Not ParaEmp)", "", ""}),
-      TiposAplicables(3, month, 10,
+      ConsultaDeTipos(3, month, {"TiposLiquidacion.Salarial and (Not ParaEmp)", "", ""}).De(10),
+      ConsultaDeTipos(3, month,
                       {"TiposLiquidacion.id_TipoLiq=2", "([Consulta].id_TipoLiq=2 and C.idCCAplic=4)",
-                       "([Consulta].id_TipoLiq=3)"}),
+                       "([Consulta].id_TipoLiq=3)"})
+          .De(10),
       EncabezadoDeContrato(3, month, 10, 1),
       InsertarEncabezado(3, 41, month, 10, 1, 6),
       BuscarDato(key),

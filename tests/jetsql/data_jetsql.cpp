@@ -65,8 +65,6 @@ std::string Reprinted(const std::string& sql) {
 std::string Error(const base::Error& e) {
   std::string text = "ERROR " + e.Description();
   if (e.Number() != 0) text.append(" [").append(std::to_string(e.Number())).append("]");
-  if (const auto* s = dynamic_cast<const jetsql::SyntaxError*>(&e))
-    text.append(" @").append(std::to_string(s->Line())).append(":").append(std::to_string(s->Column()));
   return text;
 }
 

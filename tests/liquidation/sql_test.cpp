@@ -62,7 +62,7 @@ TEST(Question, NamesTheTypeAfterTheFirstDash) {
 
 TEST(Sql, ApplicableTypesNeedNoConditions) {
   EXPECT_EQ(
-      sql::TiposAplicables(3, kOctubre, 10, {"TiposLiquidacion.Salarial and (Not ParaEmp)", "", ""}),
+      sql::ConsultaDeTipos(3, kOctubre, {"TiposLiquidacion.Salarial and (Not ParaEmp)", "", ""}).De(10),
       "SELECT  TTL.id_TipoLiq,C.id_Contrato From (select * From Contrato Where idEmpresa=3 and "
       "id_Contrato=10) as "
       "C, (Select * From TiposLiquidacion as TL Where idEmpresa=3 and TL.Salarial and (Not ParaEmp)) as TTL  "
@@ -80,9 +80,10 @@ TEST(Sql, ApplicableTypesNeedNoConditions) {
 // the cost centre is put right wherever it stands.
 TEST(Sql, ApplicableTypesMeetTheirConditions) {
   const std::string texto =
-      sql::TiposAplicables(3, kOctubre, 10,
+      sql::ConsultaDeTipos(3, kOctubre,
                            {"TiposLiquidacion.id_TipoLiq=2", "([Consulta].id_TipoLiq=2 and C.idCCAplic=4)",
-                            "([Consulta].id_TipoLiq=3)"});
+                            "([Consulta].id_TipoLiq=3)"})
+          .De(10);
   EXPECT_NE(texto.find("idEmpresa=3 and TL.id_TipoLiq=2) as TTL "), std::string::npos);
   EXPECT_NE(texto.find("(Not TTL.ParaEmp)   and ((TTL.id_TipoLiq=2 and C.idCC=4)) )        or Exists"),
             std::string::npos);
