@@ -1,4 +1,10 @@
 // An Access file as a whole: what the engine works on.
+//
+//   const auto file = mdb::Database::Open("Personal.mdb");
+//   file->Apply("Horas", {.deleted = {row}});  // a row that a walk over the table gave
+//   file->Commit();                            // nothing is on disk before
+//
+// docs/formats/mdb-library.md makes, writes, reads and verifies a file in a whole program.
 #pragma once
 
 #include <functional>
