@@ -1,6 +1,8 @@
 // Enforced relationships, as triggers of the mirrors: what Access refuses or carries on, row by row.
 // Triggers, because SQLite's own foreign keys would have to be declared before the other table is known, and
 // cannot name the relationship that was broken.
+#include <array>
+
 #include "base/error.h"
 #include "base/text.h"
 #include "engine_mdb/source_internal.h"
@@ -114,10 +116,26 @@ void MdbSource::WatchAutonumber(const MirrorTable& t) {
           Quoted(column) + "); END");
 }
 
+namespace {
+
+// The column's new value takes `form`, of a row that comes and of one that changes.
+std::array<std::string, 2> FormTriggers(const MirrorTable& t, const std::string& name,
+                                        const std::string& form) {
+  const std::string table = Quoted(t.info.name), column = Quoted(name), row = RowIdName(t);
+  const std::string trigger = "jet_form." + t.info.name + "." + name;
+  const std::string body = " WHEN NEW." + column + " IS NOT " + form + " COLLATE BINARY BEGIN UPDATE " +
+                           table + " SET " + column + " = " + form + " WHERE " + row + " = NEW." + row +
+                           "; END";
+  return {"CREATE TRIGGER IF NOT EXISTS " + Quoted(trigger + ".1") + " AFTER INSERT ON " + table + body,
+          "CREATE TRIGGER IF NOT EXISTS " + Quoted(trigger + ".2") + " AFTER UPDATE OF " + column + " ON " +
+              table + body};
+}
+
+}  // namespace
+
 // What a column of the file cannot hold as it was given takes the form that it will have there: the digits of
 // a decimal, the letters of a GUID, the bytes of a text.
 void MdbSource::WatchForms(const MirrorTable& t) {
-  const std::string table = Quoted(t.info.name);
   for (const std::size_t i : t.columns) {
     const mdb::Column& c = t.definition.columns[i];
     const std::string column = Quoted(c.name);
@@ -132,16 +150,7 @@ void MdbSource::WatchForms(const MirrorTable& t) {
              std::to_string(c.type == mdb::ColumnType::Ole ? 0 : c.length) + ", " + InQuotes(c.name) + ")";
     else
       continue;
-    const std::string row = RowIdName(t);
-    const std::string body = " WHEN NEW." + column + " IS NOT " + form + " COLLATE BINARY BEGIN UPDATE " +
-                             table + " SET " + column + " = " + form + " WHERE " + row + " = NEW." + row +
-                             "; END";
-    const std::string name =
-        "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_form." + t.info.name + "." + c.name + ".1");
-    const std::string other =
-        "CREATE TRIGGER IF NOT EXISTS " + Quoted("jet_form." + t.info.name + "." + c.name + ".2");
-    Execute(name + " AFTER INSERT ON " + table + body);
-    Execute(other + " AFTER UPDATE OF " + column + " ON " + table + body);
+    for (const std::string& trigger : FormTriggers(t, c.name, form)) Execute(trigger);
   }
 }
 
