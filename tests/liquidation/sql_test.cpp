@@ -47,6 +47,13 @@ TEST(Sql, OneOpenHeaderIsAskedByItsKey) {
             base::Replace(all, "MesdeLiq=#10/01/2026#)", "MesdeLiq=#10/01/2026# and id_Encabezado=52)"));
 }
 
+// Of several the oldest, so that each line of a contract finds the same one.
+TEST(Sql, AnOpenHeaderIsFoundByItsContract) {
+  EXPECT_EQ(sql::EncabezadoDeContrato(3, kOctubre, 10, 4),
+            "Select id_Encabezado From Encabezados Where idEmpresa=3 and id_Contrato=10 and id_TipoLiq=4 and "
+            "MesDeLiq=#10/01/2026# and Terminado=False order by id_Encabezado");
+}
+
 // The type after the first dash of its entry, whatever follows; without a combo no centre is named.
 TEST(Question, NamesTheTypeAfterTheFirstDash) {
   liquidation::DatosConfirmacion data;
