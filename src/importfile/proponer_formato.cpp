@@ -134,7 +134,6 @@ class Proponente {
     std::vector<Piezas> cuerpo = corte;
     if (EmpiezaConTitulo(cuerpo)) cuerpo.erase(cuerpo.begin());
     if (cuerpo.empty() || ParteDeDatos(cuerpo) < kCasiTodas) return false;
-    if (!opciones.AnchoFijo && CamposIguales(cuerpo) == 0) return false;
     p_.opciones = std::move(opciones);
     corte_ = std::move(corte);
     p_.razones.push_back(std::move(razon));
