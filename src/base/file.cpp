@@ -139,7 +139,7 @@ using File = std::unique_ptr<std::FILE, Closer>;
 
 bool WriteAll(File file, std::string_view bytes) {
   if (file == nullptr) return false;
-  if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) return false;
+  if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) return false;
   if (!FlushToDisk(file.get())) return false;
   return std::fclose(file.release()) == 0;
 }
